@@ -1,0 +1,103 @@
+#include "app/AppDelegate.h"
+
+namespace nocta {
+
+namespace {
+constexpr double popoverWidth = 300;  // points
+constexpr double popoverHeight = 280; // points
+} // namespace
+
+// The members' order is the order in which the services are first made.
+AppDelegate::AppDelegate(SharedInstances& instances, Views& views)
+    : desktop_(instances.desktop()), views_(views), settingsManager_(instances.settingsManager()),
+      gammaController_(instances.gammaController()),
+      brightnessController_(instances.brightnessController()),
+      displayService_(instances.displayService()), shortcutsManager_(instances.shortcutsManager()),
+      brightnessApplier_(instances.brightnessApplier()) {}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    makeStatusItem();
+    makePopover();
+    startServices();
+}
+
+void AppDelegate::applicationDidReopen() {
+    if (popover_ != nullptr && !popover_->isShown()) {
+        showPopover();
+    }
+}
+
+void AppDelegate::applicationWillTerminate() {
+    desktop_.gammaOutput.displayRestoreColorSyncSettings();
+    gammaController_.clearRecords();
+    desktop_.userDefaults.synchronize();
+}
+
+void AppDelegate::togglePopover() {
+    if (popover_ != nullptr && popover_->isShown()) {
+        popover_->close();
+    } else {
+        showPopover();
+    }
+}
+
+void AppDelegate::makeStatusItem() {
+    statusItem_ = desktop_.statusBar.statusItem();
+    if (statusItem_ == nullptr) {
+        return;
+    }
+    drawStatusItemIcon(settingsManager_.menuBarIcon.get());
+    statusItem_->setAction([this] { togglePopover(); });
+}
+
+void AppDelegate::makePopover() {
+    popover_ = &desktop_.popover;
+    popover_->setContentSize(popoverWidth, popoverHeight);
+    popover_->setBehavior(PopoverBehavior::transient);
+    popover_->setAnimates(true);
+}
+
+void AppDelegate::startServices() {
+    if (servicesStarted_) {
+        return;
+    }
+    servicesStarted_ = true;
+
+    displayService_.refreshDisplays();
+    displayService_.startObserving(desktop_.notificationCenter);
+    gammaController_.start(desktop_.notificationCenter);
+    brightnessController_.probe();
+    brightnessController_.startKeyboardMonitoring();
+    shortcutsManager_.startMonitoring();
+
+    // The tables darken at once, by the lower half's rule alone; the applier then brings in the
+    // backlight and the faint glow.
+    auto const brightness = settingsManager_.unifiedBrightness.get();
+    gammaController_.setDimming(brightness < 0.5 ? static_cast<float>(1 - 2 * brightness) : 0.0F);
+    brightnessApplier_.apply(brightness);
+
+    subscribeToSettings();
+}
+
+void AppDelegate::subscribeToSettings() {
+    cancellables_.push_back(settingsManager_.unifiedBrightness.subscribe(
+        [this](double brightness) { brightnessApplier_.apply(brightness); }));
+    cancellables_.push_back(settingsManager_.menuBarIcon.subscribe(
+        [this](MenuBarIcon icon) { drawStatusItemIcon(icon); }));
+}
+
+void AppDelegate::drawStatusItemIcon(MenuBarIcon icon) {
+    if (statusItem_ != nullptr) {
+        statusItem_->setImage(rawValue(icon), "Nocta");
+    }
+}
+
+void AppDelegate::showPopover() {
+    if (statusItem_ == nullptr || popover_ == nullptr) {
+        return;
+    }
+    popover_->setContentView(views_.makePopoverContentView());
+    popover_->show(*statusItem_);
+}
+
+} // namespace nocta

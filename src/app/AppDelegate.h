@@ -1,0 +1,52 @@
+#pragma once
+
+#include "app/SharedInstances.h"
+#include "base/Subscription.h"
+#include "platform/Application.h"
+#include "platform/Popover.h"
+#include "platform/StatusBar.h"
+#include "platform/Views.h"
+
+#include <memory>
+
+namespace nocta {
+
+/// The skeleton of the process: starts every service in a fixed order, owns the status item and
+/// its popover, carries setting changes to the services, and gives the screen back at the end.
+/// It is made by `NoctaApp` and lives as long as the process.
+class AppDelegate final : public ApplicationDelegate {
+public:
+    AppDelegate(SharedInstances& instances, Views& views);
+    AppDelegate(const AppDelegate&) = delete;
+    AppDelegate& operator=(const AppDelegate&) = delete;
+
+    void applicationDidFinishLaunching() override;
+    void applicationDidReopen() override;
+    void applicationWillTerminate() override;
+
+    /// What a click on the status item does.
+    void togglePopover();
+
+private:
+    void makeStatusItem();
+    void makePopover();
+    void startServices();
+    void subscribeToSettings();
+    void drawStatusItemIcon(MenuBarIcon icon);
+    void showPopover();
+
+    Desktop& desktop_;
+    Views& views_;
+    std::unique_ptr<StatusItem> statusItem_; ///< none until launch
+    Popover* popover_ = nullptr;             ///< none until launch
+    SettingsManager& settingsManager_;
+    GammaController& gammaController_;
+    BrightnessController& brightnessController_;
+    DisplayService& displayService_;
+    ShortcutsManager& shortcutsManager_;
+    UnifiedBrightnessApplier& brightnessApplier_;
+    bool servicesStarted_ = false;
+    Cancellables cancellables_;
+};
+
+} // namespace nocta

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+
+namespace nocta {
+
+/// The program: an application delegate on a desktop. It opens no window of its own.
+class NoctaApp {
+public:
+    NoctaApp(SharedInstances& instances, Views& views)
+        : application_(instances.desktop().application), appDelegate_(instances, views) {}
+
+    /// Runs until the program ends and returns the process's exit status.
+    int run() { return application_.run(appDelegate_); }
+
+private:
+    Application& application_;
+    AppDelegate appDelegate_;
+};
+
+} // namespace nocta

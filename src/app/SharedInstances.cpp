@@ -1,0 +1,94 @@
+#include "app/SharedInstances.h"
+
+#include <cstdlib>
+#include <iostream>
+
+namespace nocta {
+
+namespace {
+
+SharedInstances* programInstances = nullptr;
+
+SharedInstances& instances() {
+    if (programInstances == nullptr) {
+        std::cerr << "nocta: a shared instance was used before the program began or after it ended"
+                  << std::endl;
+        std::abort();
+    }
+    return *programInstances;
+}
+
+template <class Service, class... Needs>
+Service& made(std::optional<Service>& service, Needs&... needs) {
+    return service ? *service : service.emplace(needs...);
+}
+
+} // namespace
+
+SharedInstances::SharedInstances(Desktop& desktop) : desktop_(desktop) {
+    programInstances = this;
+}
+
+SharedInstances::~SharedInstances() {
+    programInstances = nullptr;
+}
+
+const BuiltInProfiles& SharedInstances::builtInProfiles() {
+    return builtInProfiles_ ? *builtInProfiles_
+                            : builtInProfiles_.emplace(makeBuiltInProfiles(desktop_.uuidSource));
+}
+
+SettingsManager& SharedInstances::settingsManager() {
+    return made(settingsManager_, desktop_.userDefaults);
+}
+
+DisplayService& SharedInstances::displayService() {
+    return made(displayService_, desktop_.displays);
+}
+
+GammaController& SharedInstances::gammaController() {
+    return made(gammaController_, displayService(), desktop_.gammaOutput);
+}
+
+BrightnessController& SharedInstances::brightnessController() {
+    return made(brightnessController_, displayService(), desktop_.backlight, desktop_.keyEvents);
+}
+
+UnifiedBrightnessApplier& SharedInstances::brightnessApplier() {
+    return made(brightnessApplier_, settingsManager(), gammaController(), brightnessController(),
+                displayService(), desktop_.backlight);
+}
+
+ShortcutsManager& SharedInstances::shortcutsManager() {
+    return made(shortcutsManager_, settingsManager(), brightnessApplier(), desktop_.keyEvents);
+}
+
+const BuiltInProfiles& Profile::builtInProfiles() {
+    return instances().builtInProfiles();
+}
+
+SettingsManager& SettingsManager::shared() {
+    return instances().settingsManager();
+}
+
+DisplayService& DisplayService::shared() {
+    return instances().displayService();
+}
+
+GammaController& GammaController::shared() {
+    return instances().gammaController();
+}
+
+BrightnessController& BrightnessController::shared() {
+    return instances().brightnessController();
+}
+
+UnifiedBrightnessApplier& UnifiedBrightnessApplier::shared() {
+    return instances().brightnessApplier();
+}
+
+ShortcutsManager& ShortcutsManager::shared() {
+    return instances().shortcutsManager();
+}
+
+} // namespace nocta

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "display/BrightnessController.h"
+#include "display/DisplayService.h"
+#include "display/GammaController.h"
+#include "display/UnifiedBrightnessApplier.h"
+#include "platform/Desktop.h"
+#include "settings/Profile.h"
+#include "settings/SettingsManager.h"
+#include "system/ShortcutsManager.h"
+
+#include <optional>
+
+namespace nocta {
+
+/// One instance of every service over one desktop, each made on first access from those that it
+/// needs. `main` makes it after the desktop and destroys it before; meanwhile it is what every
+/// service's `shared()` refers to. Tests make as many as they like, one after the other.
+class SharedInstances {
+public:
+    explicit SharedInstances(Desktop& desktop);
+    SharedInstances(const SharedInstances&) = delete;
+    SharedInstances& operator=(const SharedInstances&) = delete;
+    ~SharedInstances();
+
+    Desktop& desktop() { return desktop_; }
+
+    const BuiltInProfiles& builtInProfiles();
+    SettingsManager& settingsManager();
+    DisplayService& displayService();
+    GammaController& gammaController();
+    BrightnessController& brightnessController();
+    UnifiedBrightnessApplier& brightnessApplier();
+    ShortcutsManager& shortcutsManager();
+
+private:
+    Desktop& desktop_;
+
+    // In order of need: what comes later may refer to what comes earlier and goes first.
+    std::optional<BuiltInProfiles> builtInProfiles_;
+    std::optional<SettingsManager> settingsManager_;
+    std::optional<DisplayService> displayService_;
+    std::optional<GammaController> gammaController_;
+    std::optional<BrightnessController> brightnessController_;
+    std::optional<UnifiedBrightnessApplier> brightnessApplier_;
+    std::optional<ShortcutsManager> shortcutsManager_;
+};
+
+} // namespace nocta

@@ -1,0 +1,144 @@
+#include "backends/linux/Guardian.h"
+
+#include "backends/linux/GuardianProtocol.h"
+
+#include <csignal>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace nocta {
+
+namespace {
+
+constexpr auto programName = "nocta-guardian";
+constexpr int answerTimeout = 5000; ///< milliseconds; above what the helper itself waits
+constexpr int mostReplacements = 3;
+
+/// Installed beside the program.
+std::string guardianProgram() {
+    std::error_code error;
+    auto const program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (program.parent_path() / programName).string();
+}
+
+void sendBytes(int socket, const void* bytes, std::size_t length) {
+    auto const* rest = static_cast<const char*>(bytes);
+    while (length > 0) {
+        auto const sent = ::send(socket, rest, length, MSG_NOSIGNAL);
+        if (sent <= 0) {
+            return; // the helper is gone; its closed socket is noticed by itself
+        }
+        rest += sent;
+        length -= static_cast<std::size_t>(sent);
+    }
+}
+
+} // namespace
+
+bool Guardian::start() {
+    if (!isStarted_) {
+        isStarted_ = true;
+        outcome_ = launch();
+        if (outcome_ == Outcome::refused) {
+            std::cerr << "nocta: another Nocta controls the gamma of this display" << std::endl;
+        } else if (outcome_ == Outcome::unguarded) {
+            std::cerr << "nocta: cannot start " << guardianProgram()
+                      << "; a crash would leave the screen as it is" << std::endl;
+        }
+    }
+    return outcome_ != Outcome::refused;
+}
+
+void Guardian::hold(xcb_randr_crtc_t crtc, const GammaRamp& factory) {
+    held_.insert_or_assign(crtc, factory);
+    send(crtc, factory);
+}
+
+void Guardian::release() {
+    closed_.reset();
+    if (socket_) {
+        end();
+    }
+    held_.clear();
+    isStarted_ = false;
+}
+
+Guardian::Outcome Guardian::launch() {
+    int ends[2] = {-1, -1};
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+        return Outcome::unguarded;
+    }
+    socket_ = FileDescriptor(ends[0]);
+    FileDescriptor theirs(ends[1]);
+
+    auto program = guardianProgram();
+    char* const arguments[] = {program.data(), nullptr};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDIN_FILENO);
+    auto const failed =
+        posix_spawn(&process_, program.c_str(), &actions, nullptr, arguments, environ) != 0;
+    posix_spawn_file_actions_destroy(&actions);
+    if (failed) {
+        socket_.reset();
+        return Outcome::unguarded;
+    }
+
+    GuardianHello const hello{.window = window_};
+    sendBytes(socket_.get(), &hello, sizeof hello);
+    theirs.reset(); // so that a helper that dies closes the socket
+    pollfd answerable{.fd = socket_.get(), .events = POLLIN, .revents = 0};
+    GuardianAnswer answer{};
+    auto const answered =
+        poll(&answerable, 1, answerTimeout) == 1 && read(socket_.get(), &answer, 1) == 1;
+    if (!answered || answer != GuardianAnswer::ready) {
+        end();
+        return answered ? Outcome::refused : Outcome::unguarded;
+    }
+    closed_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
+    QObject::connect(closed_.get(), &QSocketNotifier::activated, [this] { replace(); });
+    return Outcome::guarded;
+}
+
+void Guardian::send(xcb_randr_crtc_t crtc, const GammaRamp& factory) {
+    GuardedRamp const record{.crtc = crtc, .size = static_cast<std::uint32_t>(factory.size())};
+    auto const channelBytes = factory.size() * sizeof(std::uint16_t);
+    std::vector<char> message(sizeof record + 3 * channelBytes);
+    std::memcpy(message.data(), &record, sizeof record);
+    auto* rest = message.data() + sizeof record;
+    for (auto const* const channel : {&factory.red, &factory.green, &factory.blue}) {
+        std::memcpy(rest, channel->data(), channelBytes);
+        rest += channelBytes;
+    }
+    sendBytes(socket_.get(), message.data(), message.size());
+}
+
+void Guardian::replace() {
+    closed_.release()->deleteLater(); // this runs inside its signal
+    end();
+    if (++replacements_ > mostReplacements || launch() != Outcome::guarded) {
+        std::cerr << "nocta: " << guardianProgram()
+                  << " keeps dying; a crash would leave the screen as it is" << std::endl;
+        return;
+    }
+    for (auto const& [crtc, factory] : held_) {
+        send(crtc, factory);
+    }
+}
+
+void Guardian::end() {
+    kill(process_, SIGKILL); // before the socket closes, which would tell it to act
+    waitpid(process_, nullptr, 0);
+    socket_.reset();
+}
+
+} // namespace nocta

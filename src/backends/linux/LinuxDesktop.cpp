@@ -1,0 +1,146 @@
+#include "backends/linux/IniDefaultsStore.h"
+#include "backends/linux/LibUuidSource.h"
+#include "backends/linux/QtApplication.h"
+#include "backends/linux/QtPopover.h"
+#include "backends/linux/QtRunLoop.h"
+#include "backends/linux/QtStatusBar.h"
+#include "backends/linux/SingleInstance.h"
+#include "backends/linux/SysfsBacklight.h"
+#include "backends/linux/Unavailable.h"
+#include "backends/linux/X11Connection.h"
+#include "backends/linux/X11Displays.h"
+#include "backends/linux/X11GammaOutput.h"
+#include "backends/linux/X11KeyEvents.h"
+#include "platform/Desktop.h"
+
+#include <QApplication>
+#include <QStandardPaths>
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+std::string environment(const char* name) {
+    auto const* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+std::filesystem::path defaultsFile() {
+    auto const configuration =
+        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    return std::filesystem::path(configuration.toStdString()) / "nocta" / "nocta.conf";
+}
+
+bool canConnectToX() {
+    auto* const connection = xcb_connect(nullptr, nullptr);
+    auto const isConnected = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return isConnected;
+}
+
+/// What this session can do for displays, gamma and keys. Here and nowhere else is it decided.
+struct DisplayServer {
+    std::unique_ptr<X11Connection> connection;
+    std::unique_ptr<Displays> displays;
+    std::unique_ptr<GammaOutput> gammaOutput;
+    std::unique_ptr<KeyEvents> keyEvents;
+};
+
+DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificationCenter) {
+    auto connection = std::make_unique<X11Connection>(runLoop);
+    if (!connection->isOpen()) {
+        std::cerr << "nocta: gamma and brightness keys are not supported in this session yet"
+                  << std::endl;
+        return {nullptr, std::make_unique<UnavailableDisplays>(),
+                std::make_unique<UnavailableGammaOutput>(),
+                std::make_unique<UnavailableKeyEvents>()};
+    }
+    auto displays = std::make_unique<X11Displays>(*connection, runLoop, notificationCenter);
+    std::unique_ptr<GammaOutput> gammaOutput;
+    if (displays->isEmulation()) {
+        std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
+        gammaOutput = std::make_unique<UnavailableGammaOutput>();
+    } else {
+        gammaOutput = std::make_unique<X11GammaOutput>(*connection, *displays);
+    }
+    auto keyEvents = std::make_unique<X11KeyEvents>(*connection);
+    return {std::move(connection), std::move(displays), std::move(gammaOutput),
+            std::move(keyEvents)};
+}
+
+/// The toolkit, made before anything that needs it. It is given no arguments to read.
+struct Toolkit {
+    int argumentCount = 1;
+    char name[6] = "nocta";
+    char* arguments[2] = {name, nullptr};
+    QApplication application{argumentCount, arguments};
+
+    Toolkit() {
+        QApplication::setQuitOnLastWindowClosed(false);
+        QApplication::setApplicationName(QStringLiteral("nocta"));
+        QApplication::setApplicationDisplayName(QStringLiteral("Nocta"));
+    }
+};
+
+class LinuxDesktop {
+public:
+    explicit LinuxDesktop(SingleInstance instance) : instance_(std::move(instance)) {
+        if (server_.connection != nullptr) {
+            server_.connection->onLost = [this] {
+                std::cerr << "nocta: the X server has closed the connection" << std::endl;
+                application_.fail();
+            };
+        }
+    }
+
+private:
+    SingleInstance instance_;
+    Toolkit toolkit_;
+    QtRunLoop runLoop_;
+    NotificationCenter notificationCenter_;
+    IniDefaultsStore userDefaults_{defaultsFile()};
+    LibUuidSource uuidSource_;
+    DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_);
+    SysfsBacklight backlight_{*server_.displays, setBrightnessThroughLogind};
+    QtStatusBar statusBar_{runLoop_};
+    QtPopover popover_;
+    QtApplication application_{instance_};
+
+public:
+    Desktop ports{.runLoop = runLoop_,
+                  .notificationCenter = notificationCenter_,
+                  .userDefaults = userDefaults_,
+                  .uuidSource = uuidSource_,
+                  .displays = *server_.displays,
+                  .gammaOutput = *server_.gammaOutput,
+                  .backlight = backlight_,
+                  .keyEvents = *server_.keyEvents,
+                  .statusBar = statusBar_,
+                  .popover = popover_,
+                  .application = application_};
+};
+
+} // namespace
+
+DesktopSession makeDesktop() {
+    auto const wayland = environment("WAYLAND_DISPLAY");
+    auto const x11 = environment("DISPLAY");
+    if (wayland.empty() && !canConnectToX()) {
+        std::cerr << "nocta: cannot connect to the display \"" << x11 << "\"" << std::endl;
+        return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};
+    }
+    SingleInstance instance(wayland.empty() ? x11 : wayland);
+    if (!instance.isFirst()) {
+        return {.desktop = nullptr, .exitStatus = EXIT_SUCCESS};
+    }
+    QtApplication::blockEndingSignals();
+    auto const desktop = std::make_shared<LinuxDesktop>(std::move(instance));
+    return {.desktop = std::shared_ptr<Desktop>(desktop, &desktop->ports)};
+}
+
+} // namespace nocta

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/Popover.h"
+
+#include <QWidget>
+
+#include <memory>
+
+namespace nocta {
+
+/// The popover as a window of its own that closes when the user clicks elsewhere or presses
+/// Escape. It opens at the status item; where the panel does not tell where that is, at the
+/// pointer. It appears at once: only a compositor could fade it.
+class QtPopover final : public Popover {
+public:
+    QtPopover();
+    QtPopover(const QtPopover&) = delete;
+    QtPopover& operator=(const QtPopover&) = delete;
+    ~QtPopover() override;
+
+    void setContentSize(double width, double height) override;
+    void setBehavior(PopoverBehavior behavior) override;
+    void setAnimates(bool /*animates*/) override {}
+    void setContentView(std::unique_ptr<View> view) override;
+    void show(StatusItem& relativeTo) override;
+    void close() override;
+    bool isShown() const override;
+
+private:
+    class Window;
+
+    std::unique_ptr<Window> window_;
+};
+
+} // namespace nocta

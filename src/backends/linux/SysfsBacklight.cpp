@@ -1,0 +1,79 @@
+#include "backends/linux/SysfsBacklight.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <fstream>
+#include <string_view>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+/// From the most to the least trusted, after the kernel's own advice on class/backlight.
+constexpr std::array<std::string_view, 3> types = {"firmware", "platform", "raw"};
+
+template <class Value>
+std::optional<Value> read(const std::filesystem::path& file) {
+    std::ifstream input(file);
+    Value value{};
+    return input >> value ? std::optional(value) : std::nullopt;
+}
+
+std::optional<std::uint32_t> largestLevel(const std::filesystem::path& device) {
+    auto const level = read<std::uint32_t>(device / "max_brightness");
+    return level && *level > 0 ? level : std::nullopt;
+}
+
+} // namespace
+
+SysfsBacklight::SysfsBacklight(Displays& displays, SessionWriter sessionWriter,
+                               std::filesystem::path sysfs)
+    : displays_(displays), sessionWriter_(std::move(sessionWriter)), sysfs_(std::move(sysfs)) {}
+
+Status SysfsBacklight::getBrightness(DisplayId display, float& level) {
+    auto const found = displays_.displayIsBuiltin(display) ? device() : std::nullopt;
+    auto const largest = found ? largestLevel(*found) : std::nullopt;
+    auto const current = largest ? read<std::uint32_t>(*found / "brightness") : std::nullopt;
+    if (!current) {
+        return statusFailure;
+    }
+    level = static_cast<float>(std::min(*current, *largest)) / static_cast<float>(*largest);
+    return statusSuccess;
+}
+
+Status SysfsBacklight::setBrightness(DisplayId display, float level) {
+    auto const found = displays_.displayIsBuiltin(display) ? device() : std::nullopt;
+    auto const largest = found ? largestLevel(*found) : std::nullopt;
+    if (!largest || !(level >= 0 && level <= 1)) {
+        return statusFailure;
+    }
+    // On a device of few levels a low one must not become 0, which may mean "off".
+    auto const lowest = level > 0 ? 1L : 0L;
+    auto const raw =
+        static_cast<std::uint32_t>(std::max(std::lround(double{level} * *largest), lowest));
+
+    std::fstream file(*found / "brightness"); // in and out, so that it is never created
+    auto const written = file && (file << raw << std::flush);
+    return written || sessionWriter_(found->filename().string(), raw) ? statusSuccess
+                                                                      : statusFailure;
+}
+
+std::optional<std::filesystem::path> SysfsBacklight::device() const {
+    std::optional<std::filesystem::path> best;
+    auto const* bestType = types.end();
+    std::error_code error;
+    for (auto entry = std::filesystem::directory_iterator(sysfs_ / "class/backlight", error);
+         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        auto const type = read<std::string>(entry->path() / "type");
+        auto const* const rank = std::ranges::find(types, type.value_or(""));
+        if (rank < bestType || (rank == bestType && best && entry->path() < *best)) {
+            bestType = rank;
+            best = entry->path();
+        }
+    }
+    return best;
+}
+
+} // namespace nocta

@@ -1,0 +1,70 @@
+#include "backends/linux/X11Connection.h"
+
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+xcb_screen_t* screenOf(xcb_connection_t* connection, int number) {
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (; number > 0 && screens.rem > 1; --number) {
+        xcb_screen_next(&screens);
+    }
+    return screens.data;
+}
+
+} // namespace
+
+X11Connection::X11Connection(RunLoop& runLoop)
+    : finishTurn_(runLoop, [this] {
+          xcb_flush(connection_);
+          readEvents();
+      }) {
+    int screenNumber = 0;
+    connection_ = xcb_connect(nullptr, &screenNumber);
+    if (!isOpen()) {
+        return;
+    }
+    screen_ = screenOf(connection_, screenNumber);
+    window_ = xcb_generate_id(connection_);
+    xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, root(), -1, -1, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_flush(connection_);
+    readable_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection_),
+                                                  QSocketNotifier::Read);
+    QObject::connect(readable_.get(), &QSocketNotifier::activated, [this] { readEvents(); });
+}
+
+X11Connection::~X11Connection() {
+    readable_.reset();
+    xcb_disconnect(connection_);
+}
+
+xcb_atom_t X11Connection::existingAtom(std::string_view name) const {
+    XcbReply<xcb_intern_atom_reply_t> const reply(xcb_intern_atom_reply(
+        connection_,
+        xcb_intern_atom(connection_, 1, static_cast<std::uint16_t>(name.size()), name.data()),
+        nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+void X11Connection::synchronize() {
+    XcbReply<xcb_get_input_focus_reply_t> const answered(xcb_get_input_focus_reply(
+        connection_, xcb_get_input_focus(connection_), nullptr)); // any request with a reply
+    finishTurn();
+}
+
+void X11Connection::readEvents() {
+    while (XcbReply<Event> const event{xcb_poll_for_event(connection_)}) {
+        observers_.call(*event);
+    }
+    if (!isOpen() && !std::exchange(lossIsTold_, true)) {
+        readable_->setEnabled(false);
+        if (onLost) {
+            onLost();
+        }
+    }
+}
+
+} // namespace nocta

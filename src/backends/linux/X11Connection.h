@@ -1,0 +1,73 @@
+#pragma once
+
+#include "base/CallbackList.h"
+#include "base/Deferred.h"
+#include "base/RunLoop.h"
+
+#include <QSocketNotifier>
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+namespace nocta {
+
+/// Releases what xcb handed out.
+struct FreeDeleter {
+    void operator()(void* memory) const { std::free(memory); }
+};
+template <class Reply>
+using XcbReply = std::unique_ptr<Reply, FreeDeleter>;
+
+/// Nocta's own connection to the X server, apart from the toolkit's. Requests are gathered and
+/// flushed once at the end of the run-loop turn; errors that the server reports later are absorbed.
+/// A server that goes away is told once to `onLost`; from then on every request does nothing.
+class X11Connection {
+public:
+    using Event = xcb_generic_event_t;
+
+    /// Connects to the display that the environment names.
+    explicit X11Connection(RunLoop& runLoop);
+    X11Connection(const X11Connection&) = delete;
+    X11Connection& operator=(const X11Connection&) = delete;
+    ~X11Connection();
+
+    bool isOpen() const { return xcb_connection_has_error(connection_) == 0; }
+    xcb_connection_t* get() const { return connection_; }
+    xcb_window_t root() const { return screen_ == nullptr ? XCB_NONE : screen_->root; }
+
+    /// An input-only window that lives exactly as long as the server serves this connection.
+    xcb_window_t window() const { return window_; }
+
+    /// None where the server has no atom of that name.
+    xcb_atom_t existingAtom(std::string_view name) const;
+
+    Subscription observeEvents(std::function<void(const Event&)> callback) {
+        return observers_.add(std::move(callback));
+    }
+
+    /// To be called after requests without reply and after waiting for replies: flushes, and
+    /// delivers the events that came with replies, at the end of the run-loop turn.
+    void finishTurn() { finishTurn_.request(); }
+
+    /// Flushes and returns when the server has done everything it was asked.
+    void synchronize();
+
+    std::function<void()> onLost;
+
+private:
+    void readEvents();
+
+    xcb_connection_t* connection_;
+    xcb_screen_t* screen_ = nullptr;
+    xcb_window_t window_ = XCB_NONE;
+    CallbackList<Event> observers_;
+    bool lossIsTold_ = false;
+    std::unique_ptr<QSocketNotifier> readable_;
+    Deferred finishTurn_;
+};
+
+} // namespace nocta

@@ -1,0 +1,179 @@
+#include "backends/linux/X11Displays.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <string_view>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+constexpr std::array<std::string_view, 3> builtInConnectors = {"eDP", "LVDS", "DSI"};
+
+/// RandR names an output after its connector: "eDP-1", "LVDS1", "DSI-2".
+bool isBuiltInConnector(std::string_view outputName) {
+    return std::ranges::any_of(builtInConnectors, [&](std::string_view connector) {
+        return outputName.starts_with(connector);
+    });
+}
+
+template <class Reply>
+std::string_view nameOf(const Reply& output) {
+    return {reinterpret_cast<const char*>(xcb_randr_get_output_info_name(&output)),
+            output.name_len};
+}
+
+std::optional<DisplayMode> modeOf(const xcb_randr_get_screen_resources_current_reply_t& resources,
+                                  xcb_randr_mode_t mode) {
+    auto const modes = std::span(xcb_randr_get_screen_resources_current_modes(&resources),
+                                 resources.num_modes);
+    auto const found = std::ranges::find(modes, mode, &xcb_randr_mode_info_t::id);
+    return found == modes.end() ? std::nullopt
+                                : std::optional(DisplayMode{found->width, found->height});
+}
+
+} // namespace
+
+X11Displays::X11Displays(X11Connection& connection, RunLoop& runLoop,
+                         NotificationCenter& notificationCenter)
+    : connection_(connection), notificationCenter_(notificationCenter),
+      refresh_(runLoop, [this] { refresh(); }) {
+    auto* const x = connection_.get();
+    auto const* const extension = xcb_get_extension_data(x, &xcb_randr_id);
+    XcbReply<xcb_randr_query_version_reply_t> const version(
+        extension != nullptr && extension->present != 0
+            ? xcb_randr_query_version_reply(x, xcb_randr_query_version(x, 1, 5), nullptr)
+            : nullptr);
+    if (!version || std::pair(version->major_version, version->minor_version) < std::pair(1U, 3U)) {
+        std::cerr << "nocta: this X server has no RandR 1.3; its displays cannot be dimmed"
+                  << std::endl;
+        return;
+    }
+    firstEvent_ = extension->first_event;
+    xcb_randr_select_input(x, connection_.root(),
+                           XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE |
+                               XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                               XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    outputs_ = readOutputs();
+    events_ = connection_.observeEvents([this](const X11Connection::Event& event) {
+        auto const type = event.response_type & 0x7f;
+        if (type == firstEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+            type == firstEvent_ + XCB_RANDR_NOTIFY) {
+            refresh_.request(); // one change sends several
+        }
+    });
+    connection_.finishTurn();
+}
+
+Status X11Displays::getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) {
+    auto const number = ids.empty() ? outputs_.size() : std::min(ids.size(), outputs_.size());
+    std::ranges::transform(std::span(outputs_).first(std::min(ids.size(), number)), ids.begin(),
+                           &Output::id);
+    count = static_cast<std::uint32_t>(number);
+    return statusSuccess;
+}
+
+Rect X11Displays::displayBounds(DisplayId display) {
+    auto const* const output = find(display);
+    return output == nullptr ? Rect{} : output->bounds;
+}
+
+bool X11Displays::displayIsMain(DisplayId display) {
+    auto const* const output = find(display);
+    return output != nullptr && output->isPrimary;
+}
+
+bool X11Displays::displayIsBuiltin(DisplayId display) {
+    auto const* const output = find(display);
+    return output != nullptr && output->isBuiltIn;
+}
+
+std::optional<DisplayMode> X11Displays::displayCopyDisplayMode(DisplayId display) {
+    auto const* const output = find(display);
+    return output == nullptr ? std::nullopt : output->mode;
+}
+
+xcb_randr_crtc_t X11Displays::crtcOf(DisplayId display) const {
+    auto const* const output = find(display);
+    return output == nullptr ? XCB_NONE : output->crtc;
+}
+
+bool X11Displays::isEmulation() const {
+    auto* const x = connection_.get();
+    auto const property = connection_.existingAtom("RANDR Emulation");
+    return property != XCB_ATOM_NONE && std::ranges::any_of(outputs_, [&](const Output& output) {
+        XcbReply<xcb_randr_get_output_property_reply_t> const reply(
+            xcb_randr_get_output_property_reply(
+                x, xcb_randr_get_output_property(x, output.id, property, XCB_ATOM_ANY, 0, 1, 0, 0),
+                nullptr));
+        return reply && reply->type != XCB_ATOM_NONE;
+    });
+}
+
+std::vector<X11Displays::Output> X11Displays::readOutputs() const {
+    auto* const x = connection_.get();
+    auto const root = connection_.root();
+    auto const primaryRequest = xcb_randr_get_output_primary(x, root);
+    auto const resourcesRequest = xcb_randr_get_screen_resources_current(x, root);
+    XcbReply<xcb_randr_get_output_primary_reply_t> const primary(
+        xcb_randr_get_output_primary_reply(x, primaryRequest, nullptr));
+    XcbReply<xcb_randr_get_screen_resources_current_reply_t> const resources(
+        xcb_randr_get_screen_resources_current_reply(x, resourcesRequest, nullptr));
+    if (!resources) {
+        return {};
+    }
+
+    auto const ids = std::span(xcb_randr_get_screen_resources_current_outputs(resources.get()),
+                               resources->num_outputs);
+    std::vector<xcb_randr_get_output_info_cookie_t> infoRequests;
+    std::ranges::transform(ids, std::back_inserter(infoRequests), [&](xcb_randr_output_t id) {
+        return xcb_randr_get_output_info(x, id, resources->config_timestamp);
+    });
+
+    std::vector<Output> outputs;
+    std::vector<xcb_randr_get_crtc_info_cookie_t> crtcRequests;
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        XcbReply<xcb_randr_get_output_info_reply_t> const info(
+            xcb_randr_get_output_info_reply(x, infoRequests[i], nullptr));
+        if (!info || info->crtc == XCB_NONE) {
+            continue; // gone meanwhile, or showing nothing
+        }
+        outputs.push_back({.id = ids[i],
+                           .crtc = info->crtc,
+                           .isPrimary = primary && primary->output == ids[i],
+                           .isBuiltIn = isBuiltInConnector(nameOf(*info)),
+                           .bounds = {},
+                           .mode = {}});
+        crtcRequests.push_back(
+            xcb_randr_get_crtc_info(x, info->crtc, resources->config_timestamp));
+    }
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        XcbReply<xcb_randr_get_crtc_info_reply_t> const crtc(
+            xcb_randr_get_crtc_info_reply(x, crtcRequests[i], nullptr));
+        if (crtc) {
+            outputs[i].bounds = {static_cast<double>(crtc->x), static_cast<double>(crtc->y),
+                                 static_cast<double>(crtc->width),
+                                 static_cast<double>(crtc->height)};
+            outputs[i].mode = modeOf(*resources, crtc->mode);
+        }
+    }
+    return outputs;
+}
+
+void X11Displays::refresh() {
+    auto outputs = readOutputs();
+    connection_.finishTurn();
+    if (outputs != outputs_) {
+        outputs_ = std::move(outputs);
+        notificationCenter_.post(didChangeScreenParametersNotification);
+    }
+}
+
+const X11Displays::Output* X11Displays::find(DisplayId display) const {
+    auto const found = std::ranges::find(outputs_, display, &Output::id);
+    return found == outputs_.end() ? nullptr : &*found;
+}
+
+} // namespace nocta

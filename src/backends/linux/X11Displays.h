@@ -1,0 +1,62 @@
+#pragma once
+
+#include "backends/linux/X11Connection.h"
+#include "base/NotificationCenter.h"
+#include "platform/Displays.h"
+
+#include <xcb/randr.h>
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace nocta {
+
+/// The outputs of an X server that have a CRTC, by RandR. A display's id is its output's XID, the
+/// primary output is the main display, and a connector of type eDP, LVDS or DSI is built in. The
+/// list is read anew when the server says that it has changed, never by polling.
+class X11Displays final : public Displays {
+public:
+    X11Displays(X11Connection& connection, RunLoop& runLoop,
+                NotificationCenter& notificationCenter);
+
+    Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) override;
+    Rect displayBounds(DisplayId display) override;
+    bool displayIsMain(DisplayId display) override;
+    bool displayIsBuiltin(DisplayId display) override;
+    std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) override;
+
+    /// The CRTC that drives a display, or none.
+    xcb_randr_crtc_t crtcOf(DisplayId display) const;
+
+    bool hasRandR() const { return firstEvent_ != 0; }
+
+    /// True where the server only imitates RandR, as one inside a Wayland session does: its gamma
+    /// ramps can be written and show nothing.
+    bool isEmulation() const;
+
+private:
+    struct Output {
+        DisplayId id = 0;
+        xcb_randr_crtc_t crtc = XCB_NONE;
+        bool isPrimary = false;
+        bool isBuiltIn = false;
+        Rect bounds;
+        std::optional<DisplayMode> mode;
+        bool operator==(const Output&) const = default;
+    };
+
+    std::vector<Output> readOutputs() const;
+    void refresh();
+    const Output* find(DisplayId display) const;
+
+    X11Connection& connection_;
+    NotificationCenter& notificationCenter_;
+    std::uint8_t firstEvent_ = 0;
+    std::vector<Output> outputs_;
+    Deferred refresh_;
+    Subscription events_;
+};
+
+} // namespace nocta

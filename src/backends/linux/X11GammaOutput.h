@@ -1,0 +1,45 @@
+#pragma once
+
+#include "backends/linux/GammaRamp.h"
+#include "backends/linux/Guardian.h"
+#include "backends/linux/X11Connection.h"
+#include "backends/linux/X11Displays.h"
+#include "platform/GammaOutput.h"
+
+#include <map>
+
+namespace nocta {
+
+/// The gamma ramps of the CRTCs that drive the displays. Each CRTC's factory ramp is read before
+/// the first write to it; tables are laid over it as over a calibration, and it is what the screen
+/// is given back as, by this process or, if that dies, by its guardian. No write waits for the
+/// server, and equal tables are written too: that heals a display which was reset by someone else,
+/// of which no event tells.
+class X11GammaOutput final : public GammaOutput {
+public:
+    X11GammaOutput(X11Connection& connection, X11Displays& displays);
+    X11GammaOutput(const X11GammaOutput&) = delete;
+    X11GammaOutput& operator=(const X11GammaOutput&) = delete;
+    ~X11GammaOutput() override;
+
+    Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
+                                     std::span<const float> green,
+                                     std::span<const float> blue) override;
+    void displayRestoreColorSyncSettings() override;
+
+private:
+    struct Factory {
+        GammaRamp ramp;
+        bool isCalibration = false;
+    };
+
+    const Factory* factoryOf(xcb_randr_crtc_t crtc);
+    void write(xcb_randr_crtc_t crtc, const GammaRamp& ramp);
+
+    X11Connection& connection_;
+    X11Displays& displays_;
+    Guardian guardian_;
+    std::map<xcb_randr_crtc_t, Factory> factories_;
+};
+
+} // namespace nocta

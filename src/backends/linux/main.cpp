@@ -1,0 +1,15 @@
+#include "app/NoctaApp.h"
+#include "app/SharedInstances.h"
+#include "platform/Desktop.h"
+#include "ui/WidgetViews.h"
+
+int main() {
+    auto const session = nocta::makeDesktop();
+    if (session.desktop == nullptr) {
+        return session.exitStatus;
+    }
+    nocta::SharedInstances instances(*session.desktop);
+    nocta::WidgetViews views(instances);
+    nocta::NoctaApp app(instances, views);
+    return app.run();
+}

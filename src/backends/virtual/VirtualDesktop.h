@@ -1,0 +1,47 @@
+#pragma once
+
+#include "backends/virtual/MemoryDefaultsStore.h"
+#include "backends/virtual/Trace.h"
+#include "backends/virtual/VirtualDisplays.h"
+#include "backends/virtual/VirtualKeyboard.h"
+#include "backends/virtual/VirtualRunLoop.h"
+#include "backends/virtual/VirtualShell.h"
+#include "backends/virtual/VirtualUuidSource.h"
+#include "base/NotificationCenter.h"
+#include "platform/Desktop.h"
+
+namespace nocta {
+
+/// A whole desktop in memory. A person acts on its parts (plugs a display, presses a key, lets
+/// time run) and looks at them; the program sees the ports only.
+class VirtualDesktop {
+public:
+    VirtualDesktop() = default;
+    VirtualDesktop(const VirtualDesktop&) = delete;
+    VirtualDesktop& operator=(const VirtualDesktop&) = delete;
+
+    VirtualRunLoop runLoop;
+    Trace trace{runLoop};
+    NotificationCenter notificationCenter;
+    MemoryDefaultsStore userDefaults{trace};
+    VirtualUuidSource uuidSource;
+    VirtualDisplays displays{trace, notificationCenter};
+    VirtualKeyboard keyboard{trace};
+    VirtualStatusBar statusBar{trace};
+    VirtualPopover popover{trace};
+    VirtualApplication application{runLoop};
+
+    Desktop ports{.runLoop = runLoop,
+                  .notificationCenter = notificationCenter,
+                  .userDefaults = userDefaults,
+                  .uuidSource = uuidSource,
+                  .displays = displays,
+                  .gammaOutput = displays,
+                  .backlight = displays,
+                  .keyEvents = keyboard,
+                  .statusBar = statusBar,
+                  .popover = popover,
+                  .application = application};
+};
+
+} // namespace nocta

@@ -1,0 +1,122 @@
+#include "backends/virtual/VirtualDisplays.h"
+
+#include <algorithm>
+#include <sstream>
+#include <stdexcept>
+
+namespace nocta {
+
+namespace {
+
+template <class... Words>
+std::string line(const Words&... words) {
+    std::ostringstream text;
+    auto const* separator = "";
+    ((text << separator << words, separator = " "), ...);
+    return text.str();
+}
+
+} // namespace
+
+void VirtualDisplays::plug(Display display) {
+    displays_.push_back(std::move(display));
+    notificationCenter_.post(didChangeScreenParametersNotification);
+}
+
+void VirtualDisplays::unplug(DisplayId id) {
+    std::erase_if(displays_, [id](const Display& display) { return display.id == id; });
+    notificationCenter_.post(didChangeScreenParametersNotification);
+}
+
+VirtualDisplays::Display& VirtualDisplays::display(DisplayId id) {
+    auto* const found = find(id);
+    if (found == nullptr) {
+        throw std::out_of_range(line("no virtual display", id));
+    }
+    return *found;
+}
+
+Status VirtualDisplays::getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) {
+    trace_.record(line("getActiveDisplayList", ids.size()));
+    if (listFails) {
+        count = 0;
+        return statusFailure;
+    }
+    auto const number = ids.empty() ? displays_.size() : std::min(ids.size(), displays_.size());
+    for (std::size_t i = 0; i < std::min(ids.size(), number); ++i) {
+        ids[i] = displays_[i].id;
+    }
+    count = static_cast<std::uint32_t>(number);
+    return statusSuccess;
+}
+
+Rect VirtualDisplays::displayBounds(DisplayId id) {
+    auto const* const display = find(id);
+    return display == nullptr ? Rect{} : display->bounds;
+}
+
+bool VirtualDisplays::displayIsMain(DisplayId id) {
+    auto const* const display = find(id);
+    return display != nullptr && display->isMain;
+}
+
+bool VirtualDisplays::displayIsBuiltin(DisplayId id) {
+    auto const* const display = find(id);
+    return display != nullptr && display->isBuiltIn;
+}
+
+std::optional<DisplayMode> VirtualDisplays::displayCopyDisplayMode(DisplayId id) {
+    auto const* const display = find(id);
+    return display == nullptr ? std::nullopt : display->mode;
+}
+
+Status VirtualDisplays::setDisplayTransferByTable(DisplayId id, std::span<const float> red,
+                                                  std::span<const float> green,
+                                                  std::span<const float> blue) {
+    trace_.record(line("setDisplayTransferByTable", id, "top", red.back(), green.back(),
+                       blue.back()));
+    auto* const display = find(id);
+    if (display == nullptr || display->gammaFails) {
+        return statusFailure;
+    }
+    display->red.assign(red.begin(), red.end());
+    display->green.assign(green.begin(), green.end());
+    display->blue.assign(blue.begin(), blue.end());
+    return statusSuccess;
+}
+
+void VirtualDisplays::displayRestoreColorSyncSettings() {
+    trace_.record("displayRestoreColorSyncSettings");
+    for (auto& display : displays_) {
+        display.red.clear();
+        display.green.clear();
+        display.blue.clear();
+    }
+}
+
+Status VirtualDisplays::getBrightness(DisplayId id, float& level) {
+    trace_.record(line("getBrightness", id));
+    auto const* const display = find(id);
+    if (display == nullptr || !display->isBuiltIn || backlightReadFails) {
+        return statusFailure;
+    }
+    level = display->backlight;
+    return statusSuccess;
+}
+
+Status VirtualDisplays::setBrightness(DisplayId id, float level) {
+    trace_.record(line("setBrightness", id, level));
+    auto* const display = find(id);
+    if (display == nullptr || !display->isBuiltIn || backlightWriteFails) {
+        return statusFailure;
+    }
+    display->backlight = level;
+    return statusSuccess;
+}
+
+VirtualDisplays::Display* VirtualDisplays::find(DisplayId id) {
+    auto const found = std::ranges::find(displays_, id, &Display::id);
+    return found == displays_.end() ? nullptr : &*found;
+}
+
+} // namespace nocta

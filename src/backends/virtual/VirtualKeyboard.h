@@ -1,0 +1,49 @@
+#pragma once
+
+#include "backends/virtual/Trace.h"
+#include "base/CallbackList.h"
+#include "platform/KeyEvents.h"
+
+namespace nocta {
+
+/// A keyboard in memory. A brightness key sends what a real one does: a system-defined event to
+/// the global monitors, then a key-down to the taps.
+class VirtualKeyboard final : public KeyEvents {
+public:
+    explicit VirtualKeyboard(Trace& trace) : trace_(trace) {}
+
+    // What a person does.
+    void pressBrightnessUp() { pressBrightnessKey(brightnessUpKey); }
+    void pressBrightnessDown() { pressBrightnessKey(brightnessDownKey); }
+    void pressKey(std::int64_t keyCode) { taps_.call(KeyDownEvent{keyCode}); }
+    void sendSystemDefined(SystemDefinedEvent event) { monitors_.call(event); }
+    bool monitorIsRefused = false;
+    bool tapIsRefused = false;
+
+    // What the program does.
+    Subscription addGlobalMonitorForSystemDefinedEvents(
+        std::function<void(const SystemDefinedEvent&)> handler) override {
+        trace_.record("addGlobalMonitorForSystemDefinedEvents");
+        return monitorIsRefused ? Subscription() : monitors_.add(std::move(handler));
+    }
+    Subscription createKeyDownTap(std::function<void(const KeyDownEvent&)> handler) override {
+        trace_.record("createKeyDownTap");
+        return tapIsRefused ? Subscription() : taps_.add(std::move(handler));
+    }
+
+private:
+    static constexpr std::int64_t brightnessDownKey = 144;
+    static constexpr std::int64_t brightnessUpKey = 145;
+
+    void pressBrightnessKey(std::int64_t keyCode) {
+        constexpr std::int64_t keyDown = 0xA00;
+        sendSystemDefined({.subtype = 8, .data1 = keyCode << 16 | keyDown});
+        pressKey(keyCode);
+    }
+
+    Trace& trace_;
+    CallbackList<SystemDefinedEvent> monitors_;
+    CallbackList<KeyDownEvent> taps_;
+};
+
+} // namespace nocta

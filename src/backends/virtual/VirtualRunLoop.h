@@ -1,0 +1,57 @@
+#pragma once
+
+#include "base/RunLoop.h"
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+
+namespace nocta {
+
+/// A run loop whose time stands still until somebody advances it, so that a simulated day takes
+/// milliseconds and is the same every time. Timers fire by deadline and, of equal deadlines, in
+/// order of scheduling. Both clocks start at instants that are not zero, so that code which takes
+/// zero for "unset" shows itself.
+class VirtualRunLoop final : public RunLoop {
+public:
+    WallTime wallNow() const override { return wall_; }
+    MonotonicTime monotonicNow() const override { return monotonic_; }
+    TimerId schedule(Duration interval, Repeat repeat, std::function<void()> action) override;
+    void cancel(TimerId timer) override;
+    void post(std::function<void()> action) override;
+
+    /// Lets both clocks run, from deadline to deadline, and does what falls due. Zero does what
+    /// has been posted and what is due now.
+    void advance(Duration duration);
+
+    /// The machine sleeps: the wall clock runs on, and timers do not.
+    void suspend(Duration duration) { wall_ += duration; }
+
+    /// Somebody sets the wall clock.
+    void setWallClock(WallTime now) { wall_ = now; }
+
+    /// Ends the loop: nothing fires any more.
+    void stop();
+
+private:
+    struct ScheduledTimer {
+        MonotonicTime deadline;
+        Duration interval;
+        Repeat repeat;
+        std::shared_ptr<std::function<void()>> action;
+    };
+
+    void runPosted();
+    void moveClocksTo(MonotonicTime instant);
+    void fire(TimerId id);
+
+    WallTime wall_{std::chrono::sys_days{std::chrono::year{2026} / 3 / 20} + std::chrono::hours{9}};
+    MonotonicTime monotonic_{std::chrono::hours{1}};
+    TimerId lastId_ = 0;
+    std::map<TimerId, ScheduledTimer> timers_; // by order of scheduling
+    std::deque<std::function<void()>> posted_;
+    bool stopped_ = false;
+};
+
+} // namespace nocta

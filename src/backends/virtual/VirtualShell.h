@@ -1,0 +1,81 @@
+#pragma once
+
+#include "backends/virtual/Trace.h"
+#include "backends/virtual/VirtualRunLoop.h"
+#include "platform/Application.h"
+#include "platform/Popover.h"
+#include "platform/StatusBar.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace nocta {
+
+/// A status bar with room for one item, and the popover beside it.
+class VirtualStatusBar final : public StatusBar {
+public:
+    explicit VirtualStatusBar(Trace& trace) : trace_(trace) {}
+
+    // What a person does and sees.
+    void click();
+    bool hasItem() const { return item_ != nullptr; }
+    std::string symbolName() const;
+    std::string accessibilityDescription() const;
+    bool isFull = false;
+
+    // What the program does.
+    std::unique_ptr<StatusItem> statusItem() override;
+
+private:
+    class Item;
+
+    Trace& trace_;
+    Item* item_ = nullptr;
+};
+
+class VirtualPopover final : public Popover {
+public:
+    explicit VirtualPopover(Trace& trace) : trace_(trace) {}
+
+    /// What a person does: a transient popover closes.
+    void clickElsewhere();
+
+    View* contentView() const { return view_.get(); }
+
+    void setContentSize(double width, double height) override;
+    void setBehavior(PopoverBehavior behavior) override;
+    void setAnimates(bool animates) override;
+    void setContentView(std::unique_ptr<View> view) override;
+    void show(StatusItem& relativeTo) override;
+    void close() override;
+    bool isShown() const override { return isShown_; }
+
+private:
+    Trace& trace_;
+    PopoverBehavior behavior_ = PopoverBehavior::applicationDefined;
+    bool isShown_ = false;
+    std::unique_ptr<View> view_;
+};
+
+/// A process in which nothing happens by itself: `run` launches the program, does what the
+/// `session` says and ends it.
+class VirtualApplication final : public Application {
+public:
+    explicit VirtualApplication(VirtualRunLoop& runLoop) : runLoop_(runLoop) {}
+
+    /// What the person does between launch and quit.
+    std::function<void()> session;
+
+    void launch(ApplicationDelegate& delegate);
+    void startAgain() { delegate_->applicationDidReopen(); }
+
+    int run(ApplicationDelegate& delegate) override;
+    void terminate() override;
+
+private:
+    VirtualRunLoop& runLoop_;
+    ApplicationDelegate* delegate_ = nullptr;
+};
+
+} // namespace nocta

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "base/Subscription.h"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace nocta {
+
+/// An ordered list of callbacks that may change while it is being called. A callback whose
+/// subscription ends during a delivery is not called again in it; one added during a delivery
+/// waits for the next.
+template <class... Args>
+class CallbackList {
+public:
+    using Callback = std::function<void(const Args&...)>;
+
+    Subscription add(Callback callback) {
+        auto entry = std::make_shared<Entry>(Entry{std::move(callback), true});
+        entries_->push_back(entry);
+        return Subscription([entries = std::weak_ptr(entries_), entry] {
+            entry->active = false;
+            if (auto const list = entries.lock()) {
+                std::erase(*list, entry);
+            }
+        });
+    }
+
+    void call(const Args&... args) const {
+        callWhile([] { return true; }, args...);
+    }
+
+    /// Asks `goOn` before each callback and stops at the first no. The list itself may be
+    /// destroyed by a callback as long as `goOn` copes with that.
+    template <class Predicate>
+    void callWhile(Predicate goOn, const Args&... args) const {
+        auto const entries = *entries_;
+        for (auto const& entry : entries) {
+            if (!goOn()) {
+                return;
+            }
+            if (entry->active) {
+                entry->callback(args...);
+            }
+        }
+    }
+
+private:
+    struct Entry {
+        Callback callback;
+        bool active;
+    };
+
+    std::shared_ptr<std::vector<std::shared_ptr<Entry>>> entries_ =
+        std::make_shared<std::vector<std::shared_ptr<Entry>>>();
+};
+
+} // namespace nocta

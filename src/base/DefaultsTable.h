@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace nocta {
+
+using DefaultsValue = std::variant<bool, std::int64_t, double, std::string>;
+using DefaultsMap = std::map<std::string, DefaultsValue, std::less<>>;
+
+/// Typed values by key over a layer of registered defaults: the rules that every defaults store
+/// shares. A getter returns the stored value, else the registered one, else its zero. Numbers and
+/// booleans convert to each other; text read as a number, a number read as text, and a number that
+/// does not fit give the zero.
+class DefaultsTable {
+public:
+    void registerDefaults(const DefaultsMap& defaults);
+
+    double doubleForKey(std::string_view key) const;
+    bool boolForKey(std::string_view key) const;
+    std::int64_t integerForKey(std::string_view key) const;
+    std::optional<std::string> stringForKey(std::string_view key) const;
+
+    void set(std::string_view key, DefaultsValue value);
+    void remove(std::string_view key);
+
+    /// The stored values, without the registered ones.
+    const DefaultsMap& stored() const { return stored_; }
+
+private:
+    const DefaultsValue* find(std::string_view key) const;
+
+    DefaultsMap registered_;
+    DefaultsMap stored_;
+};
+
+} // namespace nocta

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "base/RunLoop.h"
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+namespace nocta {
+
+/// Something to do once at the end of the run-loop turn, however often it was requested in it.
+/// A member of its owner: its destruction drops what is still due.
+class Deferred {
+public:
+    Deferred(RunLoop& runLoop, std::function<void()> action)
+        : runLoop_(runLoop), pending_(std::make_shared<Pending>(Pending{std::move(action)})) {}
+
+    void request() {
+        if (std::exchange(pending_->isRequested, true)) {
+            return;
+        }
+        runLoop_.post([pending = std::weak_ptr(pending_)] {
+            if (auto const alive = pending.lock()) {
+                alive->isRequested = false;
+                alive->action();
+            }
+        });
+    }
+
+private:
+    struct Pending {
+        std::function<void()> action;
+        bool isRequested = false;
+    };
+
+    RunLoop& runLoop_;
+    std::shared_ptr<Pending> pending_;
+};
+
+} // namespace nocta

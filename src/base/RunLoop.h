@@ -1,0 +1,40 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+
+namespace nocta {
+
+using Duration = std::chrono::nanoseconds;
+
+/// The wall clock: moves when the user or the network sets it, and while the machine sleeps.
+using WallTime = std::chrono::time_point<std::chrono::system_clock, Duration>;
+
+/// The clock that timers follow: never set, and stopped while the machine sleeps.
+using MonotonicTime = std::chrono::time_point<std::chrono::steady_clock, Duration>;
+
+enum class Repeat { no, yes };
+
+/// The main thread's event loop and its two clocks, supplied by the desktop. Everything runs on
+/// this one thread. No other code reads a clock.
+class RunLoop {
+public:
+    using TimerId = std::uint64_t;
+
+    virtual ~RunLoop() = default;
+
+    virtual WallTime wallNow() const = 0;
+    virtual MonotonicTime monotonicNow() const = 0;
+
+    /// Calls `action` once or repeatedly after `interval` (above zero) of monotonic time. Firings
+    /// missed while the loop was busy are skipped. An action may cancel its own timer. Code keeps
+    /// timers as `Timer` members rather than by id.
+    virtual TimerId schedule(Duration interval, Repeat repeat, std::function<void()> action) = 0;
+    virtual void cancel(TimerId timer) = 0;
+
+    /// Calls `action` once, after the work that runs now, in order of posting.
+    virtual void post(std::function<void()> action) = 0;
+};
+
+} // namespace nocta

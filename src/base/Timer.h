@@ -1,0 +1,34 @@
+#pragma once
+
+#include "base/RunLoop.h"
+
+#include <functional>
+#include <optional>
+
+namespace nocta {
+
+/// A timer as a member of its owner: its destruction stops it, so no tick can find the owner gone.
+/// It may be stopped, started anew or destroyed inside its own action.
+///
+///     Timer pollTimer;
+///     pollTimer.start(runLoop, 5s, Repeat::yes, [this] { check(); });
+class Timer {
+public:
+    Timer() = default;
+    Timer(const Timer&) = delete;
+    Timer& operator=(const Timer&) = delete;
+    ~Timer() { invalidate(); }
+
+    /// Replaces a timer that is running.
+    void start(RunLoop& runLoop, Duration interval, Repeat repeat, std::function<void()> action);
+    void invalidate();
+
+    /// True while a firing is due.
+    bool isValid() const { return id_.has_value(); }
+
+private:
+    RunLoop* runLoop_ = nullptr;
+    std::optional<RunLoop::TimerId> id_;
+};
+
+} // namespace nocta

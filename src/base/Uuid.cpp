@@ -1,0 +1,40 @@
+#include "base/Uuid.h"
+
+#include <uuid/uuid.h>
+
+#include <cstring>
+
+namespace nocta {
+
+namespace {
+constexpr std::size_t textLength = UUID_STR_LEN - 1;
+}
+
+std::optional<Uuid> Uuid::parse(std::string_view text) {
+    Uuid uuid;
+    if (text.size() != textLength ||
+        uuid_parse(std::string(text).c_str(), uuid.bytes.data()) != 0) {
+        return std::nullopt;
+    }
+    return uuid;
+}
+
+Uuid Uuid::fromRandomBytes(std::array<std::uint8_t, 16> bytes) {
+    bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0f) | 0x40); // version 4
+    bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3f) | 0x80); // RFC 4122 variant
+    return Uuid{bytes};
+}
+
+std::string Uuid::toString() const {
+    std::array<char, UUID_STR_LEN> text{};
+    uuid_unparse_upper(bytes.data(), text.data());
+    return {text.data(), textLength};
+}
+
+} // namespace nocta
+
+std::size_t std::hash<nocta::Uuid>::operator()(const nocta::Uuid& uuid) const noexcept {
+    std::size_t value = 0;
+    std::memcpy(&value, uuid.bytes.data(), sizeof value); // the bytes are random already
+    return value;
+}

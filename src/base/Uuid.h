@@ -1,0 +1,35 @@
+#pragma once
+
+#include <array>
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace nocta {
+
+/// A universally unique identifier (RFC 4122).
+struct Uuid {
+    std::array<std::uint8_t, 16> bytes{};
+
+    /// Reads the 36-character hyphenated form in either case; anything else gives none.
+    static std::optional<Uuid> parse(std::string_view text);
+
+    /// A version 4 (random) identifier from 16 random bytes.
+    static Uuid fromRandomBytes(std::array<std::uint8_t, 16> bytes);
+
+    /// The canonical form: hyphenated, upper case.
+    std::string toString() const;
+
+    auto operator<=>(const Uuid&) const = default;
+};
+
+} // namespace nocta
+
+template <>
+struct std::hash<nocta::Uuid> {
+    std::size_t operator()(const nocta::Uuid& uuid) const noexcept;
+};

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "base/Subscription.h"
+#include "display/DisplayService.h"
+#include "platform/Backlight.h"
+#include "platform/KeyEvents.h"
+
+#include <memory>
+#include <optional>
+
+namespace nocta {
+
+/// Told of every press of a brightness key: true for the key that raises, and the backlight level
+/// (0.0–1.0) from before the system has acted on the key.
+class BrightnessKeyboardDelegate {
+public:
+    virtual ~BrightnessKeyboardDelegate() = default;
+
+    virtual void brightnessKeyPressed(bool raises, float level) = 0;
+};
+
+/// What others need to know of the main display's backlight.
+class BrightnessControlling {
+public:
+    virtual ~BrightnessControlling() = default;
+
+    virtual bool isAvailable() const = 0;
+
+    /// 0.0–1.0, or none where the level cannot be read.
+    virtual std::optional<float> readBrightness() = 0;
+};
+
+/// Knows whether the main display's backlight can be read, reads it, and watches the brightness
+/// keys. It lives as long as the process.
+class BrightnessController final : public BrightnessControlling {
+public:
+    /// Probes at once; before the first refresh of the display list that finds nothing, so the
+    /// application probes again after it.
+    BrightnessController(DisplayService& displayService, Backlight& backlight,
+                         KeyEvents& keyEvents);
+    BrightnessController(const BrightnessController&) = delete;
+    BrightnessController& operator=(const BrightnessController&) = delete;
+
+    static BrightnessController& shared();
+
+    /// Available exactly when there is a main display and its backlight can be read.
+    void probe();
+
+    bool isAvailable() const override { return isAvailable_; }
+    std::optional<float> readBrightness() override;
+
+    void startKeyboardMonitoring();
+
+    /// Optional; the controller does not keep it alive.
+    std::weak_ptr<BrightnessKeyboardDelegate> delegate;
+
+private:
+    std::optional<float> levelOfMainDisplay();
+    void handle(const SystemDefinedEvent& event);
+
+    bool isAvailable_ = false;
+    DisplayService& displayService_;
+    Backlight& backlight_;
+    KeyEvents& keyEvents_;
+    Subscription keyboardMonitor_;
+};
+
+} // namespace nocta

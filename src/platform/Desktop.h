@@ -1,0 +1,45 @@
+#pragma once
+
+#include "base/NotificationCenter.h"
+#include "base/RunLoop.h"
+#include "platform/Application.h"
+#include "platform/Backlight.h"
+#include "platform/DefaultsStore.h"
+#include "platform/Displays.h"
+#include "platform/GammaOutput.h"
+#include "platform/KeyEvents.h"
+#include "platform/Popover.h"
+#include "platform/StatusBar.h"
+#include "platform/UuidSource.h"
+
+#include <memory>
+
+namespace nocta {
+
+/// Everything that Nocta asks of the desktop it runs on. What a desktop cannot do is a port that
+/// says so; no port is ever missing.
+struct Desktop {
+    RunLoop& runLoop;
+    NotificationCenter& notificationCenter;
+    DefaultsStore& userDefaults;
+    UuidSource& uuidSource;
+    Displays& displays;
+    GammaOutput& gammaOutput;
+    Backlight& backlight;
+    KeyEvents& keyEvents;
+    StatusBar& statusBar;
+    Popover& popover;
+    Application& application;
+};
+
+/// The desktop of this session, or the exit status of a process that has nothing to do here: the
+/// reason has been said.
+struct DesktopSession {
+    std::shared_ptr<Desktop> desktop;
+    int exitStatus = 0;
+};
+
+/// Probes the session and chooses its desktop; defined once per operating system.
+DesktopSession makeDesktop();
+
+} // namespace nocta

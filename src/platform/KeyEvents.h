@@ -1,0 +1,39 @@
+#pragma once
+
+#include "base/Subscription.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace nocta {
+
+/// A system-defined event, as special keys send it. Subtype 8 is an auxiliary control button:
+/// bits 16–31 of `data1` are its key code, bits 8–15 its state (0x0A down, 0x0B up).
+struct SystemDefinedEvent {
+    std::int16_t subtype = 0;
+    std::int64_t data1 = 0;
+};
+
+/// A key going down, by its virtual key code.
+struct KeyDownEvent {
+    std::int64_t keyCode = 0;
+};
+
+/// The keyboard, whichever application has the focus. Handlers run on the main thread and have no
+/// way to hold an event back. A subscription that is false tells that the desktop refused.
+class KeyEvents {
+public:
+    virtual ~KeyEvents() = default;
+
+    /// Stands for addGlobalMonitorForEventsMatchingMask:handler: with system-defined events
+    /// (mask 1 << 14).
+    virtual Subscription
+    addGlobalMonitorForSystemDefinedEvents(std::function<void(const SystemDefinedEvent&)> handler) = 0;
+
+    /// An active tap at the head of the login session's list, for key-down events (mask 1 << 10),
+    /// enabled, its source on the main run loop. Stands for CGEventTapCreate,
+    /// CFMachPortCreateRunLoopSource and CGEventTapEnable.
+    virtual Subscription createKeyDownTap(std::function<void(const KeyDownEvent&)> handler) = 0;
+};
+
+} // namespace nocta

@@ -1,0 +1,45 @@
+#include "system/ShortcutsManager.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <iostream>
+
+namespace nocta {
+
+namespace {
+constexpr std::int64_t brightnessDownKey = 144;
+constexpr std::int64_t brightnessUpKey = 145;
+constexpr double brightnessStep = 0.0625;
+} // namespace
+
+ShortcutsManager::ShortcutsManager(SettingsManager& settingsManager,
+                                   UnifiedBrightnessApplier& brightnessApplier,
+                                   KeyEvents& keyEvents)
+    : settingsManager_(settingsManager), brightnessApplier_(brightnessApplier),
+      keyEvents_(keyEvents) {}
+
+void ShortcutsManager::startMonitoring() {
+    if (isMonitoring()) {
+        return;
+    }
+    eventTap_ = keyEvents_.createKeyDownTap([this](const KeyDownEvent& event) { handle(event); });
+    if (!isMonitoring()) {
+        std::cout << "Failed to create event tap" << std::endl;
+    }
+}
+
+void ShortcutsManager::handle(const KeyDownEvent& event) {
+    if (event.keyCode != brightnessDownKey && event.keyCode != brightnessUpKey) {
+        return;
+    }
+    auto const current = settingsManager_.unifiedBrightness.get();
+    auto const brightness = event.keyCode == brightnessUpKey
+                                ? std::min(current + brightnessStep, 1.0)
+                                : std::max(current - brightnessStep, 0.0);
+    // The write reaches the applier through the application's subscription; it is handed over
+    // once more so that a key press heals the screen even where nobody subscribes.
+    settingsManager_.unifiedBrightness.set(brightness);
+    brightnessApplier_.apply(brightness);
+}
+
+} // namespace nocta

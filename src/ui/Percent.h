@@ -1,0 +1,12 @@
+#pragma once
+
+namespace nocta {
+
+/// A fraction as a whole percentage, truncated: 0.755 is 75.
+int wholePercent(double fraction);
+
+/// The smallest fraction that shows as this whole percentage. It is 0.29 and a bit for 29, as the
+/// double nearest to 0.29 shows as 28.
+double fractionOfPercent(int percent);
+
+} // namespace nocta
