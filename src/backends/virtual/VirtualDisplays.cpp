@@ -11,6 +11,7 @@ namespace {
 template <class... Words>
 std::string line(const Words&... words) {
     std::ostringstream text;
+    text.precision(4);
     auto const* separator = "";
     ((text << separator << words, separator = " "), ...);
     return text.str();

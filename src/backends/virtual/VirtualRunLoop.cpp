@@ -39,6 +39,8 @@ void VirtualRunLoop::advance(Duration duration) {
 
 void VirtualRunLoop::stop() {
     stopped_ = true;
+    timers_.clear();
+    posted_.clear();
 }
 
 void VirtualRunLoop::runPosted() {

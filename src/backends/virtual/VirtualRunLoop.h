@@ -31,8 +31,10 @@ public:
     /// Somebody sets the wall clock.
     void setWallClock(WallTime now) { wall_ = now; }
 
-    /// Ends the loop: nothing fires any more.
+    /// Ends the loop, as the end of a process does: what was due is dropped, and nothing fires
+    /// until it is started again.
     void stop();
+    void start() { stopped_ = false; }
 
 private:
     struct ScheduledTimer {

@@ -81,6 +81,7 @@ void VirtualPopover::close() {
 
 void VirtualApplication::launch(ApplicationDelegate& delegate) {
     delegate_ = &delegate;
+    runLoop_.start();
     delegate.applicationDidFinishLaunching();
 }
 

@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+
+namespace {
+
+using Rooms = std::set<std::string>;
+
+// Which room may include which besides itself.
+Rooms const services = {"settings", "display", "system"};
+
+Rooms with(Rooms rooms, const Rooms& more) {
+    rooms.insert(more.begin(), more.end());
+    return rooms;
+}
+
+std::map<std::string, Rooms> const allowed = {
+    {"base", {}},
+    {"platform", {"base"}},
+    {"settings", with(services, {"base", "platform"})},
+    {"display", with(services, {"base", "platform"})},
+    {"system", with(services, {"base", "platform"})},
+    {"app", with(services, {"base", "platform"})},
+    {"ui", with(services, {"base", "platform", "app"})},
+    {"backends/virtual", {"base", "platform"}},
+    {"backends/linux", {"base", "platform"}},
+    {"tour", with(services, {"base", "platform", "app", "ui", "backends/virtual"})},
+};
+
+/// The main functions see everything: they choose the desktop.
+bool isMain(const std::filesystem::path& file) {
+    return file.filename() == "main.cpp";
+}
+
+/// Free of Qt, so that they build and are tested without it.
+Rooms const withoutQt = with(services, {"base", "platform", "app", "backends/virtual"});
+
+std::string roomOf(const std::string& path) {
+    auto const slash = path.find('/');
+    auto const first = path.substr(0, slash);
+    return first == "backends" ? path.substr(0, path.find('/', slash + 1)) : first;
+}
+
+template <class Visit>
+void forEachInclude(Visit visit) {
+    std::filesystem::path const root = NOCTA_SOURCE_DIR "/src";
+    std::regex const include(R"re(^\s*#\s*include\s*(["<])([^">]+)[">])re");
+    for (auto const& entry : std::filesystem::recursive_directory_iterator(root)) {
+        auto const extension = entry.path().extension();
+        if (extension != ".h" && extension != ".cpp" && extension != ".mm") {
+            continue;
+        }
+        auto const file = std::filesystem::relative(entry.path(), root);
+        std::ifstream input(entry.path());
+        for (std::string line; std::getline(input, line);) {
+            std::smatch match;
+            if (std::regex_search(line, match, include)) {
+                visit(file, roomOf(file.generic_string()), match[2].str(), match[1] == "\"");
+            }
+        }
+    }
+}
+
+TEST(IncludeDirection, EveryArrowRunsTheRightWay) {
+    int arrows = 0;
+    forEachInclude([&](const std::filesystem::path& file, const std::string& from,
+                       const std::string& header, bool isOurs) {
+        if (!isOurs) {
+            return;
+        }
+        ++arrows;
+        auto const to = roomOf(header);
+        ASSERT_TRUE(allowed.contains(from)) << file << " is in a room that nobody knows";
+        EXPECT_TRUE(allowed.contains(to)) << file << " includes " << header;
+        EXPECT_TRUE(from == to || isMain(file) || allowed.at(from).contains(to))
+            << file << " may not include " << header;
+    });
+    EXPECT_GT(arrows, 100) << "the source tree was not found";
+}
+
+TEST(IncludeDirection, ServicesPortsAndTheVirtualDesktopAreFreeOfQt) {
+    forEachInclude([&](const std::filesystem::path& file, const std::string& from,
+                       const std::string& header, bool isOurs) {
+        if (!isOurs && withoutQt.contains(from)) {
+            EXPECT_FALSE(header.starts_with("Q") || header.starts_with("xcb/"))
+                << file << " includes " << header;
+        }
+    });
+}
+
+} // namespace

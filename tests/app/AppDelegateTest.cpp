@@ -1,0 +1,217 @@
+#include "app/AppDelegate.h"
+
+#include "support/TestDesktop.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace nocta {
+namespace {
+
+using namespace std::chrono_literals;
+using Calls = std::vector<std::string>;
+
+class AppDelegateTest : public TestDesktop {};
+
+TEST_F(AppDelegateTest, NothingIsShownOrWrittenBeforeLaunch) {
+    plugBuiltIn();
+    delegate();
+    EXPECT_FALSE(desktop.statusBar.hasItem());
+    EXPECT_TRUE(calls("setDisplayTransferByTable").empty());
+    EXPECT_TRUE(calls("setBrightness").empty());
+    EXPECT_TRUE(calls("createKeyDownTap").empty());
+}
+
+TEST_F(AppDelegateTest, StartUpInOrder) {
+    plugBuiltIn();
+    plugExternal();
+    settings().unifiedBrightness.set(0.03);
+    delegate();
+    desktop.trace.clear();
+    launch();
+    // Dark by the lower half's rule alone, then backlight and faint glow.
+    EXPECT_EQ(calls(), (Calls{"statusItem",
+                              "setImage eye",
+                              "popover setContentSize 300 280",
+                              "popover setAnimates true",
+                              "getActiveDisplayList 0",
+                              "getActiveDisplayList 2",
+                              "getActiveDisplayList 0",
+                              "getActiveDisplayList 2",
+                              "getBrightness 1",
+                              "addGlobalMonitorForSystemDefinedEvents",
+                              "createKeyDownTap",
+                              "setDisplayTransferByTable 1 top 0.06 0.05979 0.05883",
+                              "setDisplayTransferByTable 2 top 0.06 0.05979 0.05883",
+                              "getActiveDisplayList 0",
+                              "getActiveDisplayList 2",
+                              "getActiveDisplayList 0",
+                              "getActiveDisplayList 2",
+                              "setBrightness 1 0.1",
+                              "setDisplayTransferByTable 1 top 0.1 0.09965 0.09806",
+                              "setDisplayTransferByTable 2 top 0.1 0.09965 0.09806"}));
+}
+
+TEST_F(AppDelegateTest, FirstWriteAtStartKnowsNoBacklightAndNoExternalRule) {
+    plugExternal();
+    settings().unifiedBrightness.set(0.75);
+    launch();
+    auto const written = calls("setDisplayTransferByTable");
+    ASSERT_EQ(written.size(), 2U);
+    EXPECT_TRUE(written[0].starts_with("setDisplayTransferByTable 2 top 1 "));
+    EXPECT_TRUE(written[1].starts_with("setDisplayTransferByTable 2 top 0.75 "));
+}
+
+TEST_F(AppDelegateTest, HardwareIsProbedAfterTheDisplayListIsRead) {
+    plugBuiltIn();
+    launch();
+    EXPECT_TRUE(brightness().isAvailable());
+    EXPECT_FLOAT_EQ(backlight(), 0.55F);
+}
+
+TEST_F(AppDelegateTest, ServicesStartOnce) {
+    plugBuiltIn();
+    launch();
+    delegate().applicationDidFinishLaunching();
+    EXPECT_EQ(calls("createKeyDownTap").size(), 1U);
+    desktop.trace.clear();
+    settings().unifiedBrightness.set(0.9);
+    EXPECT_EQ(calls("setBrightness").size(), 1U) << "subscribed once";
+}
+
+TEST_F(AppDelegateTest, SettingsReachTheScreenThroughTheirSubscriptions) {
+    plugBuiltIn();
+    launch();
+    settings().unifiedBrightness.set(0.25);
+    EXPECT_FLOAT_EQ(shownDimming(builtIn), 0.5F);
+    EXPECT_FLOAT_EQ(backlight(), 0.1F);
+}
+
+TEST_F(AppDelegateTest, SubscriptionsSkipTheCurrentValue) {
+    launch();
+    EXPECT_EQ(calls("setImage").size(), 1U) << "drawn once, at launch";
+}
+
+TEST_F(AppDelegateTest, IconFollowsItsSettingAndIsRedrawnByEveryWrite) {
+    settings().menuBarIcon.set(MenuBarIcon::leaf);
+    launch();
+    EXPECT_EQ(desktop.statusBar.symbolName(), "leaf");
+    EXPECT_EQ(desktop.statusBar.accessibilityDescription(), "Nocta");
+    settings().menuBarIcon.set(MenuBarIcon::sparkles);
+    settings().menuBarIcon.set(MenuBarIcon::sparkles);
+    EXPECT_EQ(calls("setImage"), (Calls{"setImage leaf", "setImage sparkles", "setImage sparkles"}));
+}
+
+TEST_F(AppDelegateTest, ClickTogglesThePopoverWithANewViewEachTime) {
+    launch();
+    EXPECT_FALSE(desktop.popover.isShown());
+    desktop.statusBar.click();
+    EXPECT_TRUE(desktop.popover.isShown());
+    EXPECT_EQ(views.made, 1);
+    desktop.statusBar.click();
+    EXPECT_FALSE(desktop.popover.isShown());
+    EXPECT_EQ(views.alive, 0) << "dropped at closing";
+    desktop.statusBar.click();
+    EXPECT_EQ(views.made, 2);
+    EXPECT_EQ(views.alive, 1);
+}
+
+TEST_F(AppDelegateTest, PopoverIsTransient) {
+    launch();
+    desktop.statusBar.click();
+    desktop.popover.clickElsewhere();
+    EXPECT_FALSE(desktop.popover.isShown());
+}
+
+TEST_F(AppDelegateTest, StartingAgainShowsThePopoverAndLeavesItOpen) {
+    launch();
+    desktop.application.startAgain();
+    EXPECT_TRUE(desktop.popover.isShown());
+    desktop.application.startAgain();
+    EXPECT_TRUE(desktop.popover.isShown());
+    EXPECT_EQ(views.made, 1);
+}
+
+TEST_F(AppDelegateTest, WithoutAStatusItemEverythingElseWorks) {
+    plugExternal();
+    desktop.statusBar.isFull = true;
+    launch();
+    delegate().togglePopover();
+    EXPECT_FALSE(desktop.popover.isShown());
+    settings().menuBarIcon.set(MenuBarIcon::leaf);
+    settings().unifiedBrightness.set(0.5);
+    EXPECT_EQ(shownDimming(external), 0.5F);
+}
+
+TEST_F(AppDelegateTest, QuitGivesTheScreenBackForgetsItAndSynchronizes) {
+    plugBuiltIn();
+    plugExternal();
+    launch();
+    settings().unifiedBrightness.set(0.1);
+    gamma().setTemperature(2700);
+    gamma().setSaturation(0.0F);
+    desktop.trace.clear();
+    quit();
+    EXPECT_EQ(calls(), (Calls{"displayRestoreColorSyncSettings", "synchronize"}));
+    EXPECT_TRUE(desktop.displays.display(builtIn).red.empty());
+    EXPECT_TRUE(desktop.displays.display(external).red.empty());
+    EXPECT_TRUE(gamma().currentDimming().empty());
+    EXPECT_TRUE(gamma().currentTemperature().empty());
+    EXPECT_TRUE(gamma().currentSaturation().empty());
+}
+
+TEST_F(AppDelegateTest, NothingFiresAfterQuit) {
+    plugBuiltIn();
+    launch();
+    quit();
+    desktop.trace.clear();
+    desktop.runLoop.advance(24h);
+    EXPECT_EQ(calls(), Calls{});
+}
+
+TEST_F(AppDelegateTest, StoredBrightnessIsAppliedAtTheNextStart) {
+    plugExternal();
+    launch();
+    settings().unifiedBrightness.set(0.4);
+    restart();
+    EXPECT_FLOAT_EQ(shownDimming(external), 0.6F);
+}
+
+TEST_F(AppDelegateTest, PluggedDisplayFollowsAtTheNextChange) {
+    plugBuiltIn();
+    launch();
+    settings().unifiedBrightness.set(0.25);
+    plugExternal();
+    EXPECT_TRUE(desktop.displays.display(external).red.empty());
+    EXPECT_EQ(displayService().displays.get().size(), 2U);
+    settings().unifiedBrightness.set(0.25);
+    EXPECT_FLOAT_EQ(shownDimming(external), 0.5F);
+}
+
+TEST_F(AppDelegateTest, NoDisplayAtStartHarmsNothing) {
+    launch();
+    settings().unifiedBrightness.set(0.2);
+    plugExternal();
+    settings().unifiedBrightness.set(0.3);
+    EXPECT_FLOAT_EQ(shownDimming(external), 0.7F);
+}
+
+TEST(SharedInstancesTest, SharedIsTheOneOfTheProgram) {
+    VirtualDesktop desktop;
+    SharedInstances instances(desktop.ports);
+    EXPECT_EQ(&SettingsManager::shared(), &instances.settingsManager());
+    EXPECT_EQ(&DisplayService::shared(), &instances.displayService());
+    EXPECT_EQ(&GammaController::shared(), &instances.gammaController());
+    EXPECT_EQ(&BrightnessController::shared(), &instances.brightnessController());
+    EXPECT_EQ(&UnifiedBrightnessApplier::shared(), &instances.brightnessApplier());
+    EXPECT_EQ(&ShortcutsManager::shared(), &instances.shortcutsManager());
+    EXPECT_EQ(&Profile::builtInProfiles(), &instances.builtInProfiles());
+}
+
+TEST(SharedInstancesDeathTest, SharedWithoutAProgramStopsWithAMessage) {
+    EXPECT_DEATH(SettingsManager::shared(), "shared instance was used before");
+}
+
+} // namespace
+} // namespace nocta

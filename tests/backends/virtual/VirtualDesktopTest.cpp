@@ -1,0 +1,104 @@
+#include "backends/virtual/VirtualDesktop.h"
+
+#include "contracts/BacklightContract.h"
+#include "contracts/DefaultsStoreContract.h"
+#include "contracts/DisplaysContract.h"
+#include "contracts/KeyEventsContract.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace nocta {
+
+struct VirtualDesktopHarness {
+    static constexpr DisplayId builtIn = 1;
+    static constexpr DisplayId external = 2;
+
+    VirtualDesktop desktop;
+
+    VirtualDesktopHarness() {
+        desktop.displays.plug({.id = builtIn, .isBuiltIn = true, .isMain = true});
+    }
+
+    DefaultsStore& store() { return desktop.userDefaults; }
+    Displays& displays() { return desktop.displays; }
+    GammaOutput& gammaOutput() { return desktop.displays; }
+    Backlight& backlight() { return desktop.displays; }
+    KeyEvents& keyEvents() { return desktop.keyboard; }
+    NotificationCenter& notificationCenter() { return desktop.notificationCenter; }
+
+    void plug() { desktop.displays.plug({.id = external}); }
+    void unplug() { desktop.displays.unplug(external); }
+    double top(DisplayId id) {
+        auto const& red = desktop.displays.display(id).red;
+        return red.empty() ? 1.0 : double{red.back()};
+    }
+    static double factoryTop(DisplayId /*id*/) { return 1.0; }
+    void fail() {
+        desktop.displays.backlightReadFails = true;
+        desktop.displays.backlightWriteFails = true;
+    }
+    void pressBrightnessUp() { desktop.keyboard.pressBrightnessUp(); }
+    void pressBrightnessDown() { desktop.keyboard.pressBrightnessDown(); }
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DefaultsStoreContract, VirtualDesktopHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DisplaysContract, VirtualDesktopHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, BacklightContract, VirtualDesktopHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, KeyEventsContract, VirtualDesktopHarness);
+
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(VirtualDesktop, TraceKeepsEveryCallInOrderWithItsSimulatedTime) {
+    VirtualDesktop desktop;
+    desktop.displays.plug({.id = 7, .isBuiltIn = true});
+    auto const start = desktop.runLoop.wallNow();
+    desktop.ports.backlight.setBrightness(7, 0.5F);
+    desktop.runLoop.advance(1s);
+    desktop.ports.userDefaults.synchronize();
+    ASSERT_EQ(desktop.trace.calls(), (std::vector<std::string>{"setBrightness 7 0.5",
+                                                               "synchronize"}));
+    EXPECT_EQ(desktop.trace.entries()[0].time, start);
+    EXPECT_EQ(desktop.trace.entries()[1].time, start + 1s);
+}
+
+TEST(VirtualDesktop, FailingGammaLeavesTheTablesAsTheyWere) {
+    VirtualDesktop desktop;
+    desktop.displays.plug({.id = 7, .gammaFails = true});
+    std::array<float, 256> const table{};
+    EXPECT_NE(desktop.ports.gammaOutput.setDisplayTransferByTable(7, table, table, table),
+              statusSuccess);
+    EXPECT_TRUE(desktop.displays.display(7).red.empty());
+}
+
+TEST(VirtualDesktop, FailingListHasNoDisplays) {
+    VirtualDesktop desktop;
+    desktop.displays.plug({.id = 7});
+    desktop.displays.listFails = true;
+    std::uint32_t count = 5;
+    EXPECT_NE(desktop.ports.displays.getActiveDisplayList({}, count), statusSuccess);
+    EXPECT_EQ(count, 0U);
+}
+
+TEST(VirtualDesktop, RefusedTapAndMonitorAreFalse) {
+    VirtualDesktop desktop;
+    desktop.keyboard.tapIsRefused = true;
+    desktop.keyboard.monitorIsRefused = true;
+    EXPECT_FALSE(desktop.ports.keyEvents.createKeyDownTap([](const KeyDownEvent&) {}));
+    EXPECT_FALSE(desktop.ports.keyEvents.addGlobalMonitorForSystemDefinedEvents(
+        [](const SystemDefinedEvent&) {}));
+}
+
+TEST(VirtualDesktop, RandomIdentifiersRepeatThemselves) {
+    VirtualDesktop first;
+    VirtualDesktop second;
+    auto const uuid = first.ports.uuidSource.makeUuid();
+    EXPECT_EQ(uuid, second.ports.uuidSource.makeUuid());
+    EXPECT_NE(uuid, first.ports.uuidSource.makeUuid());
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,44 @@
+#include "base/NotificationCenter.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace nocta {
+namespace {
+
+TEST(NotificationCenter, CallsTheObserversOfTheNameInOrder) {
+    NotificationCenter center;
+    std::string order;
+    auto const first = center.observe("a", [&] { order += '1'; });
+    auto const second = center.observe("a", [&] { order += '2'; });
+    auto const other = center.observe("b", [&] { order += 'b'; });
+    center.post("a");
+    EXPECT_EQ(order, "12");
+}
+
+TEST(NotificationCenter, PostWithoutObserversDoesNothing) {
+    NotificationCenter center;
+    center.post("nobody");
+    auto subscription = center.observe("gone", [] { FAIL(); });
+    subscription.cancel();
+    center.post("gone");
+}
+
+TEST(NotificationCenter, NestedPostsReachEveryObserverEachTime) {
+    NotificationCenter center;
+    int first = 0;
+    int second = 0;
+    auto const repeating = center.observe("a", [&] {
+        if (++first == 1) {
+            center.post("a");
+        }
+    });
+    auto const counting = center.observe("a", [&] { ++second; });
+    center.post("a");
+    EXPECT_EQ(first, 2);
+    EXPECT_EQ(second, 2);
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,162 @@
+#include "base/Published.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nocta {
+namespace {
+
+using Values = std::vector<int>;
+
+TEST(Published, SubscriptionDoesNotDeliverTheValueCurrentWhenItIsMade) {
+    Published<int> value(3);
+    Values seen;
+    auto const subscription = value.subscribe([&](int v) { seen.push_back(v); });
+    EXPECT_TRUE(seen.empty());
+    value.set(4);
+    EXPECT_EQ(seen, Values{4});
+}
+
+TEST(Published, EveryWriteNotifiesOneOfAnEqualValueToo) {
+    Published<int> value(3);
+    Values seen;
+    auto const subscription = value.subscribe([&](int v) { seen.push_back(v); });
+    value.set(3);
+    value.set(3);
+    EXPECT_EQ(seen, (Values{3, 3}));
+}
+
+TEST(Published, ValueIsStoredBeforeItIsDelivered) {
+    Published<int> value(1);
+    int stored = 0;
+    auto const subscription = value.subscribe([&](int /*v*/) { stored = value.get(); });
+    value.set(2);
+    EXPECT_EQ(stored, 2);
+}
+
+TEST(Published, SubscribersAreCalledInOrderOfSubscription) {
+    Published<int> value;
+    std::string order;
+    auto const first = value.subscribe([&](int /*v*/) { order += 'a'; });
+    auto const second = value.subscribe([&](int /*v*/) { order += 'b'; });
+    value.set(1);
+    EXPECT_EQ(order, "ab");
+}
+
+TEST(Published, DestroyedSubscriptionIsNotCalled) {
+    Published<int> value;
+    Values seen;
+    {
+        auto const subscription = value.subscribe([&](int v) { seen.push_back(v); });
+    }
+    value.set(1);
+    EXPECT_TRUE(seen.empty());
+}
+
+TEST(Published, SubscriptionDestroyedDuringADeliveryIsNotCalledAgainInIt) {
+    Published<int> value;
+    Values seen;
+    Subscription later;
+    auto const first = value.subscribe([&](int /*v*/) { later = Subscription(); });
+    later = value.subscribe([&](int v) { seen.push_back(v); });
+    value.set(1);
+    EXPECT_TRUE(seen.empty());
+}
+
+TEST(Published, SubscriptionMayEndInsideItsOwnCallback) {
+    Published<int> value;
+    auto const token = std::make_shared<int>(0);
+    Subscription own;
+    own = value.subscribe([&own, token](int /*v*/) {
+        own = Subscription();
+        ++*token; // what the callback holds must still be there
+    });
+    value.set(1);
+    value.set(2);
+    EXPECT_EQ(*token, 1);
+    EXPECT_EQ(token.use_count(), 1);
+}
+
+TEST(Published, SubscriptionAddedDuringADeliveryWaitsForTheNext) {
+    Published<int> value;
+    Values seen;
+    Subscription added;
+    auto const first = value.subscribe([&](int /*v*/) {
+        if (!added) {
+            added = value.subscribe([&](int v) { seen.push_back(v); });
+        }
+    });
+    value.set(1);
+    EXPECT_TRUE(seen.empty());
+    value.set(2);
+    EXPECT_EQ(seen, Values{2});
+}
+
+TEST(Published, NestedWriteIsDeliveredInFullAndTheOuterDeliverySkipsWhoHasTheNewerValue) {
+    Published<int> value;
+    Values first;
+    Values second;
+    auto const clamping = value.subscribe([&](int v) {
+        first.push_back(v);
+        if (v > 10) {
+            value.set(10);
+        }
+    });
+    auto const following = value.subscribe([&](int v) { second.push_back(v); });
+    value.set(99);
+    EXPECT_EQ(first, (Values{99, 10}));
+    EXPECT_EQ(second, Values{10});
+    EXPECT_EQ(value.get(), 10);
+}
+
+TEST(Published, CallbackKeepsItsValueWhileANestedWriteReplacesIt) {
+    Published<std::string> value;
+    std::string afterNested;
+    auto const subscription = value.subscribe([&](const std::string& v) {
+        if (v == "outer, long enough to be allocated") {
+            value.set("inner, long enough to be allocated");
+            afterNested = v;
+        }
+    });
+    value.set("outer, long enough to be allocated");
+    EXPECT_EQ(afterNested, "outer, long enough to be allocated");
+}
+
+TEST(Published, PublisherMayDieWhileDelivering) {
+    auto value = std::make_unique<Published<int>>();
+    Values seen;
+    auto const killer = value->subscribe([&](int v) {
+        value.reset();
+        seen.push_back(v);
+    });
+    auto const later = value->subscribe([&](int v) { seen.push_back(v); });
+    value->set(1);
+    EXPECT_EQ(seen, Values{1});
+}
+
+TEST(Published, SubscriptionMayOutliveItsPublisher) {
+    std::optional<Published<int>> value(std::in_place, 1);
+    auto subscription = value->subscribe([](int /*v*/) {});
+    value.reset();
+    subscription.cancel();
+    EXPECT_FALSE(subscription);
+}
+
+TEST(Published, MovedSubscriptionStaysSubscribed) {
+    Published<int> value;
+    Values seen;
+    auto subscription = value.subscribe([&](int v) { seen.push_back(v); });
+    Cancellables cancellables;
+    cancellables.push_back(std::move(subscription));
+    value.set(1);
+    cancellables.clear();
+    value.set(2);
+    EXPECT_EQ(seen, Values{1});
+}
+
+} // namespace
+} // namespace nocta

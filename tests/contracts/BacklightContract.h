@@ -1,0 +1,51 @@
+#pragma once
+
+#include "platform/Backlight.h"
+
+#include <gtest/gtest.h>
+
+namespace nocta {
+
+/// What every backlight promises. `Harness` has a `backlight()`, the ids `builtIn` and `external`,
+/// and `fail()`, after which nothing can be read or written.
+template <class Harness>
+class BacklightContract : public ::testing::Test {
+protected:
+    Harness harness;
+};
+
+TYPED_TEST_SUITE_P(BacklightContract);
+
+TYPED_TEST_P(BacklightContract, LevelIsReadBackAsItWasWritten) {
+    for (auto const level : {1.0F, 0.55F, 0.1F}) {
+        EXPECT_EQ(this->harness.backlight().setBrightness(this->harness.builtIn, level),
+                  statusSuccess);
+        float read = -1;
+        EXPECT_EQ(this->harness.backlight().getBrightness(this->harness.builtIn, read),
+                  statusSuccess);
+        EXPECT_NEAR(read, level, 0.005);
+    }
+}
+
+TYPED_TEST_P(BacklightContract, EveryOtherDisplayAnswersFailure) {
+    float level = 0.25F;
+    for (auto const display : {this->harness.external, DisplayId{0xDEAD}}) {
+        EXPECT_NE(this->harness.backlight().getBrightness(display, level), statusSuccess);
+        EXPECT_NE(this->harness.backlight().setBrightness(display, 0.5F), statusSuccess);
+    }
+    EXPECT_EQ(level, 0.25F) << "left as it was";
+}
+
+TYPED_TEST_P(BacklightContract, FailingDeviceAnswersFailure) {
+    this->harness.fail();
+    float level = 0.25F;
+    EXPECT_NE(this->harness.backlight().getBrightness(this->harness.builtIn, level),
+              statusSuccess);
+    EXPECT_EQ(level, 0.25F);
+    EXPECT_NE(this->harness.backlight().setBrightness(this->harness.builtIn, 0.5F), statusSuccess);
+}
+
+REGISTER_TYPED_TEST_SUITE_P(BacklightContract, LevelIsReadBackAsItWasWritten,
+                            EveryOtherDisplayAnswersFailure, FailingDeviceAnswersFailure);
+
+} // namespace nocta

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "platform/DefaultsStore.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <string>
+
+namespace nocta {
+
+/// What every defaults store promises. `Harness` has a `store()`.
+template <class Harness>
+class DefaultsStoreContract : public ::testing::Test {
+protected:
+    DefaultsStore& store() { return harness.store(); }
+    Harness harness;
+};
+
+TYPED_TEST_SUITE_P(DefaultsStoreContract);
+
+TYPED_TEST_P(DefaultsStoreContract, MissingKeyReadsAsZero) {
+    EXPECT_EQ(this->store().doubleForKey("d"), 0.0);
+    EXPECT_EQ(this->store().boolForKey("b"), false);
+    EXPECT_EQ(this->store().integerForKey("i"), 0);
+    EXPECT_EQ(this->store().stringForKey("s"), std::nullopt);
+}
+
+TYPED_TEST_P(DefaultsStoreContract, MissingKeyReadsAsItsRegisteredDefault) {
+    this->store().registerDefaults(
+        {{"d", 0.75}, {"b", true}, {"i", std::int64_t{20}}, {"s", "eye"}});
+    EXPECT_EQ(this->store().doubleForKey("d"), 0.75);
+    EXPECT_EQ(this->store().boolForKey("b"), true);
+    EXPECT_EQ(this->store().integerForKey("i"), 20);
+    EXPECT_EQ(this->store().stringForKey("s"), "eye");
+}
+
+TYPED_TEST_P(DefaultsStoreContract, StoredValueHidesTheDefaultUntilItIsRemoved) {
+    this->store().registerDefaults({{"d", 0.75}});
+    this->store().setDouble(0.3, "d");
+    EXPECT_EQ(this->store().doubleForKey("d"), 0.3);
+    this->store().removeObjectForKey("d");
+    EXPECT_EQ(this->store().doubleForKey("d"), 0.75);
+}
+
+TYPED_TEST_P(DefaultsStoreContract, ValuesReadBackExactly) {
+    for (auto const value : {0.0, 1.0, 0.1, 1.0 / 3, -2.5, 1e-300, 1.7976931348623157e308}) {
+        this->store().setDouble(value, "d");
+        EXPECT_EQ(this->store().doubleForKey("d"), value);
+    }
+    for (auto const value :
+         {std::int64_t{0}, std::int64_t{-7}, std::numeric_limits<std::int64_t>::max(),
+          std::numeric_limits<std::int64_t>::min()}) {
+        this->store().setInteger(value, "i");
+        EXPECT_EQ(this->store().integerForKey("i"), value);
+    }
+    for (auto const value : {true, false}) {
+        this->store().setBool(value, "b");
+        EXPECT_EQ(this->store().boolForKey("b"), value);
+    }
+    for (auto const* const value :
+         {"", "eye", "true", "12", "0.5", " padded ", "\"quoted\"", "a=b;c#d", "[General]",
+          "two\nlines\r\n\tand \\ more", "äöü 👁"}) {
+        this->store().setObject(value, "s");
+        EXPECT_EQ(this->store().stringForKey("s"), value);
+    }
+}
+
+TYPED_TEST_P(DefaultsStoreContract, TextReadAsANumberAndANumberReadAsTextAreTheZero) {
+    this->store().registerDefaults({{"n", 0.75}, {"s", "eye"}});
+    this->store().setObject("moon", "n");
+    EXPECT_EQ(this->store().doubleForKey("n"), 0.0);
+    EXPECT_EQ(this->store().integerForKey("n"), 0);
+    EXPECT_EQ(this->store().boolForKey("n"), false);
+    this->store().setInteger(3, "s");
+    EXPECT_EQ(this->store().stringForKey("s"), std::nullopt);
+}
+
+TYPED_TEST_P(DefaultsStoreContract, NumbersConvertToEachOther) {
+    this->store().setDouble(2.9, "d");
+    EXPECT_EQ(this->store().integerForKey("d"), 2);
+    EXPECT_EQ(this->store().boolForKey("d"), true);
+    this->store().setDouble(1e300, "d");
+    EXPECT_EQ(this->store().integerForKey("d"), 0) << "does not fit";
+    this->store().setBool(true, "b");
+    EXPECT_EQ(this->store().doubleForKey("b"), 1.0);
+    this->store().setInteger(20, "i");
+    EXPECT_EQ(this->store().doubleForKey("i"), 20.0);
+}
+
+REGISTER_TYPED_TEST_SUITE_P(DefaultsStoreContract, MissingKeyReadsAsZero,
+                            MissingKeyReadsAsItsRegisteredDefault,
+                            StoredValueHidesTheDefaultUntilItIsRemoved, ValuesReadBackExactly,
+                            TextReadAsANumberAndANumberReadAsTextAreTheZero,
+                            NumbersConvertToEachOther);
+
+} // namespace nocta

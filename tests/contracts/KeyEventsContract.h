@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/KeyEvents.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace nocta {
+
+/// What every keyboard promises of the brightness keys. `Harness` has `keyEvents()`, and
+/// `pressBrightnessUp()` and `pressBrightnessDown()`, which return when the program has heard.
+template <class Harness>
+class KeyEventsContract : public ::testing::Test {
+protected:
+    Harness harness;
+};
+
+TYPED_TEST_SUITE_P(KeyEventsContract);
+
+TYPED_TEST_P(KeyEventsContract, TapHearsTheBrightnessKeys) {
+    std::vector<std::int64_t> keys;
+    auto const tap = this->harness.keyEvents().createKeyDownTap(
+        [&](const KeyDownEvent& event) { keys.push_back(event.keyCode); });
+    ASSERT_TRUE(tap);
+    this->harness.pressBrightnessUp();
+    this->harness.pressBrightnessDown();
+    this->harness.pressBrightnessDown();
+    EXPECT_EQ(keys, (std::vector<std::int64_t>{145, 144, 144}));
+}
+
+TYPED_TEST_P(KeyEventsContract, MonitorHearsThemAsAuxiliaryControlButtons) {
+    std::vector<std::int64_t> data;
+    auto const monitor = this->harness.keyEvents().addGlobalMonitorForSystemDefinedEvents(
+        [&](const SystemDefinedEvent& event) {
+            EXPECT_EQ(event.subtype, 8);
+            data.push_back(event.data1);
+        });
+    ASSERT_TRUE(monitor);
+    this->harness.pressBrightnessUp();
+    this->harness.pressBrightnessDown();
+    EXPECT_EQ(data, (std::vector<std::int64_t>{0x910A00, 0x900A00}));
+}
+
+TYPED_TEST_P(KeyEventsContract, NothingIsHeardAfterTheSubscriptionHasEnded) {
+    int ended = 0;
+    int lasting = 0;
+    auto tap = this->harness.keyEvents().createKeyDownTap([&](const KeyDownEvent&) { ++ended; });
+    auto const other =
+        this->harness.keyEvents().createKeyDownTap([&](const KeyDownEvent&) { ++lasting; });
+    tap.cancel();
+    this->harness.pressBrightnessUp();
+    EXPECT_EQ(ended, 0);
+    EXPECT_EQ(lasting, 1);
+}
+
+REGISTER_TYPED_TEST_SUITE_P(KeyEventsContract, TapHearsTheBrightnessKeys,
+                            MonitorHearsThemAsAuxiliaryControlButtons,
+                            NothingIsHeardAfterTheSubscriptionHasEnded);
+
+} // namespace nocta

@@ -1,0 +1,129 @@
+#pragma once
+
+#include "base/RunLoop.h"
+#include "base/Timer.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace nocta {
+
+/// What every run loop promises, and what `Timer` adds to it. `Harness` has a `runLoop` and
+/// `runUntil(condition)`, which lets time pass until the condition holds and tells whether it came
+/// to hold.
+template <class Harness>
+class RunLoopContract : public ::testing::Test {
+protected:
+    static constexpr Duration tick = std::chrono::milliseconds(2);
+
+    /// Enough turns for anything that is due to have come.
+    void letPass(int ticks) {
+        bool passed = false;
+        Timer timer;
+        timer.start(loop(), ticks * tick, Repeat::no, [&] { passed = true; });
+        ASSERT_TRUE(harness.runUntil([&] { return passed; }));
+    }
+
+    RunLoop& loop() { return harness.runLoop; }
+
+    Harness harness;
+};
+
+TYPED_TEST_SUITE_P(RunLoopContract);
+
+TYPED_TEST_P(RunLoopContract, PostedActionsRunLaterAndInOrder) {
+    std::string order;
+    this->loop().post([&] { order += 'a'; });
+    this->loop().post([&] { order += 'b'; });
+    EXPECT_EQ(order, "");
+    EXPECT_TRUE(this->harness.runUntil([&] { return order == "ab"; })) << order;
+}
+
+TYPED_TEST_P(RunLoopContract, OneShotTimerFiresOnceAndIsInvalidWhenItDoes) {
+    int fired = 0;
+    Timer timer;
+    timer.start(this->loop(), this->tick, Repeat::no, [&] {
+        ++fired;
+        EXPECT_FALSE(timer.isValid());
+    });
+    EXPECT_TRUE(timer.isValid());
+    this->letPass(5);
+    EXPECT_EQ(fired, 1);
+}
+
+TYPED_TEST_P(RunLoopContract, RepeatingTimerFiresUntilItIsInvalidatedInItsOwnAction) {
+    int fired = 0;
+    Timer timer;
+    timer.start(this->loop(), this->tick, Repeat::yes, [&] {
+        if (++fired == 3) {
+            timer.invalidate();
+        }
+    });
+    EXPECT_TRUE(this->harness.runUntil([&] { return fired == 3; }));
+    this->letPass(5);
+    EXPECT_EQ(fired, 3);
+    EXPECT_FALSE(timer.isValid());
+}
+
+TYPED_TEST_P(RunLoopContract, TimerDoesNotFireBeforeItsTime) {
+    auto const start = this->loop().monotonicNow();
+    std::optional<MonotonicTime> fired;
+    Timer timer;
+    timer.start(this->loop(), 3 * this->tick, Repeat::no,
+                [&] { fired = this->loop().monotonicNow(); });
+    ASSERT_TRUE(this->harness.runUntil([&] { return fired.has_value(); }));
+    EXPECT_GE(*fired - start, 3 * this->tick);
+}
+
+TYPED_TEST_P(RunLoopContract, TimerMayBeDestroyedInItsOwnAction) {
+    auto const token = std::make_shared<int>(0);
+    auto timer = std::make_unique<Timer>();
+    timer->start(this->loop(), this->tick, Repeat::yes, [&timer, token] {
+        timer.reset();
+        ++*token; // what the action holds must still be there
+    });
+    EXPECT_TRUE(this->harness.runUntil([&] { return *token > 0; }));
+    this->letPass(5);
+    EXPECT_EQ(*token, 1);
+}
+
+TYPED_TEST_P(RunLoopContract, TimerMayBeStartedAnewInItsOwnAction) {
+    std::string order;
+    Timer timer;
+    timer.start(this->loop(), this->tick, Repeat::no, [&] {
+        order += 'a';
+        timer.start(this->loop(), this->tick, Repeat::no, [&] { order += 'b'; });
+    });
+    EXPECT_TRUE(this->harness.runUntil([&] { return order == "ab"; })) << order;
+}
+
+TYPED_TEST_P(RunLoopContract, StartingATimerReplacesTheOneThatRan) {
+    int first = 0;
+    int second = 0;
+    Timer timer;
+    timer.start(this->loop(), this->tick, Repeat::yes, [&] { ++first; });
+    timer.start(this->loop(), this->tick, Repeat::yes, [&] { ++second; });
+    EXPECT_TRUE(this->harness.runUntil([&] { return second == 2; }));
+    EXPECT_EQ(first, 0);
+}
+
+TYPED_TEST_P(RunLoopContract, DestroyedTimerDoesNotFire) {
+    {
+        Timer timer;
+        timer.start(this->loop(), this->tick, Repeat::no, [] { FAIL(); });
+    }
+    this->letPass(5);
+}
+
+REGISTER_TYPED_TEST_SUITE_P(RunLoopContract, PostedActionsRunLaterAndInOrder,
+                            OneShotTimerFiresOnceAndIsInvalidWhenItDoes,
+                            RepeatingTimerFiresUntilItIsInvalidatedInItsOwnAction,
+                            TimerDoesNotFireBeforeItsTime, TimerMayBeDestroyedInItsOwnAction,
+                            TimerMayBeStartedAnewInItsOwnAction,
+                            StartingATimerReplacesTheOneThatRan, DestroyedTimerDoesNotFire);
+
+} // namespace nocta

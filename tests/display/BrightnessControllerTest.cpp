@@ -1,0 +1,130 @@
+#include "display/BrightnessController.h"
+
+#include "support/TestDesktop.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace nocta {
+namespace {
+
+class Listener final : public BrightnessKeyboardDelegate {
+public:
+    std::vector<std::pair<bool, float>> presses;
+    void brightnessKeyPressed(bool raises, float level) override {
+        presses.emplace_back(raises, level);
+    }
+};
+
+using Presses = std::vector<std::pair<bool, float>>;
+
+class BrightnessControllerTest : public TestDesktop {
+protected:
+    std::shared_ptr<Listener> listener = std::make_shared<Listener>();
+
+    void start() {
+        displayService().refreshDisplays();
+        brightness().probe();
+        brightness().startKeyboardMonitoring();
+        brightness().delegate = listener;
+    }
+};
+
+TEST_F(BrightnessControllerTest, ConstructionFindsNothingBeforeTheDisplayListIsRead) {
+    plugBuiltIn();
+    EXPECT_FALSE(brightness().isAvailable());
+    displayService().refreshDisplays();
+    EXPECT_FALSE(brightness().isAvailable());
+    brightness().probe();
+    EXPECT_TRUE(brightness().isAvailable());
+}
+
+TEST_F(BrightnessControllerTest, ConstructionAfterTheListIsReadProbes) {
+    plugBuiltIn();
+    displayService().refreshDisplays();
+    EXPECT_TRUE(brightness().isAvailable());
+}
+
+TEST_F(BrightnessControllerTest, AsksAboutTheMainDisplayAlone) {
+    desktop.displays.plug({.id = external, .isMain = true});
+    desktop.displays.plug({.id = builtIn, .isBuiltIn = true});
+    start();
+    EXPECT_FALSE(brightness().isAvailable()) << "the built-in display is not the main one";
+    for (auto const& call : calls("getBrightness")) {
+        EXPECT_EQ(call, "getBrightness 2");
+    }
+}
+
+TEST_F(BrightnessControllerTest, ReadsTheLevelOrNone) {
+    EXPECT_EQ(brightness().readBrightness(), std::nullopt) << "no main display";
+    plugBuiltIn();
+    desktop.displays.display(builtIn).backlight = 0.625F;
+    displayService().refreshDisplays();
+    EXPECT_EQ(brightness().readBrightness(), std::nullopt) << "not available";
+    brightness().probe();
+    EXPECT_EQ(brightness().readBrightness(), 0.625F);
+    desktop.displays.backlightReadFails = true;
+    EXPECT_EQ(brightness().readBrightness(), std::nullopt) << "the call fails";
+}
+
+TEST_F(BrightnessControllerTest, TellsTheDelegateOfTheBrightnessKeysWithTheLevelOfThatMoment) {
+    plugBuiltIn();
+    start();
+    desktop.displays.display(builtIn).backlight = 0.5F;
+    desktop.keyboard.pressBrightnessUp();
+    desktop.displays.display(builtIn).backlight = 0.25F;
+    desktop.keyboard.pressBrightnessDown();
+    EXPECT_EQ(listener->presses, (Presses{{true, 0.5F}, {false, 0.25F}}));
+}
+
+TEST_F(BrightnessControllerTest, OtherSystemDefinedEventsAreIgnored) {
+    plugBuiltIn();
+    start();
+    for (auto const& event : {
+             SystemDefinedEvent{.subtype = 7, .data1 = 0x910A00},
+             SystemDefinedEvent{.subtype = 8, .data1 = 0x910B00}, // up
+             SystemDefinedEvent{.subtype = 8, .data1 = 0x910C00},
+             SystemDefinedEvent{.subtype = 8, .data1 = 0x8F0A00},
+             SystemDefinedEvent{.subtype = 8, .data1 = 0x920A00},
+             SystemDefinedEvent{.subtype = 8, .data1 = 0x000A00}, // volume
+             SystemDefinedEvent{.subtype = 8, .data1 = 0x1910A00},
+             SystemDefinedEvent{.subtype = 8, .data1 = -1},
+         }) {
+        desktop.keyboard.sendSystemDefined(event);
+    }
+    EXPECT_TRUE(listener->presses.empty());
+    desktop.keyboard.sendSystemDefined({.subtype = 8, .data1 = 0x910A01}); // a repeat flag
+    EXPECT_EQ(listener->presses.size(), 1U);
+}
+
+TEST_F(BrightnessControllerTest, KeysAreIgnoredWithOnlyExternalDisplays) {
+    plugExternal();
+    start();
+    EXPECT_FALSE(brightness().isAvailable());
+    desktop.keyboard.pressBrightnessUp();
+    EXPECT_TRUE(listener->presses.empty());
+}
+
+TEST_F(BrightnessControllerTest, DelegateIsNotKeptAlive) {
+    plugBuiltIn();
+    start();
+    std::weak_ptr<Listener> const gone = listener;
+    listener.reset();
+    EXPECT_TRUE(gone.expired());
+    desktop.keyboard.pressBrightnessUp();
+}
+
+TEST_F(BrightnessControllerTest, RefusedMonitorLeavesTheRestAtWork) {
+    plugBuiltIn();
+    desktop.keyboard.monitorIsRefused = true;
+    start();
+    desktop.keyboard.pressBrightnessUp();
+    EXPECT_TRUE(listener->presses.empty());
+    EXPECT_TRUE(brightness().readBrightness().has_value());
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,111 @@
+#include "settings/Profile.h"
+
+#include "settings/MenuBarIcon.h"
+#include "support/TestDesktop.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <unordered_set>
+
+namespace nocta {
+namespace {
+
+class ProfileTest : public TestDesktop {
+protected:
+    const Profile& everyday() { return instances().builtInProfiles()[0]; }
+};
+
+TEST_F(ProfileTest, BuiltInProfiles) {
+    auto const& [everydayProfile, nightOwl, focus] = instances().builtInProfiles();
+    EXPECT_EQ(everydayProfile, (Profile{everydayProfile.id, "Everyday", 0.75, 0.5, false, true, 20, true}));
+    EXPECT_EQ(nightOwl, (Profile{nightOwl.id, "Night Owl", 0.4, 0.8, false, true, 30, true}));
+    EXPECT_EQ(focus, (Profile{focus.id, "Focus", 0.6, 0.3, true, true, 25, true}));
+}
+
+TEST_F(ProfileTest, EverydayIsWhatTheSettingsStartWith) {
+    EXPECT_EQ(everyday().brightness, settings().unifiedBrightness.get());
+    EXPECT_EQ(everyday().warmth, settings().warmthLevel.get());
+    EXPECT_EQ(everyday().grayscaleEnabled, settings().grayscaleEnabled.get());
+    EXPECT_EQ(everyday().breakTimerEnabled, settings().breakTimerEnabled.get());
+    EXPECT_EQ(everyday().breakInterval, settings().breakIntervalMinutes.get());
+}
+
+TEST_F(ProfileTest, IdsAreMadeOnceARunAndNewInTheNext) {
+    auto const id = everyday().id;
+    EXPECT_EQ(Profile::builtInProfiles()[0].id, id) << "one constant for the process";
+    settings().applyProfile(everyday());
+    launch();
+    restart();
+    ASSERT_EQ(settings().activeProfileId.get(), id) << "loaded";
+    for (auto const& profile : instances().builtInProfiles()) {
+        EXPECT_NE(profile.id, id);
+    }
+}
+
+TEST_F(ProfileTest, IconAndDescriptionFollowTheNameExactly) {
+    struct Row {
+        std::string_view name;
+        std::string_view icon;
+        std::string_view description;
+    };
+    for (auto const& [name, icon, description] :
+         {Row{"Everyday", "sun.max", "Balanced for daily use"},
+          Row{"Night Owl", "moon.stars", "Warmer & dimmer for night"},
+          Row{"Focus", "brain.head.profile", "Minimal distractions"}, Row{"Custom", "circle", ""},
+          Row{"focus", "circle", ""}, Row{"", "circle", ""}}) {
+        Profile profile;
+        profile.name = name;
+        EXPECT_EQ(profile.icon(), icon) << name;
+        EXPECT_EQ(profile.description(), description) << name;
+    }
+}
+
+TEST_F(ProfileTest, JsonHasExactlyTheEightFieldsAndReadsBack) {
+    nlohmann::json const json = everyday();
+    EXPECT_EQ(json, (nlohmann::json{{"id", everyday().id.toString()},
+                                    {"name", "Everyday"},
+                                    {"brightness", 0.75},
+                                    {"warmth", 0.5},
+                                    {"grayscaleEnabled", false},
+                                    {"breakTimerEnabled", true},
+                                    {"breakInterval", 20},
+                                    {"isBuiltIn", true}}));
+    EXPECT_EQ(json.get<Profile>(), everyday());
+}
+
+TEST_F(ProfileTest, JsonThatIsNoProfileIsRefused) {
+    nlohmann::json const good = everyday();
+    for (auto const& [key, value] : good.items()) {
+        auto json = good;
+        json.erase(key);
+        EXPECT_THROW(json.get<Profile>(), nlohmann::json::exception) << key << " missing";
+        json[key] = nlohmann::json::array();
+        EXPECT_THROW(json.get<Profile>(), nlohmann::json::exception) << key << " mistyped";
+    }
+    auto json = good;
+    json["id"] = "everyday";
+    EXPECT_THROW(json.get<Profile>(), nlohmann::json::exception);
+}
+
+TEST_F(ProfileTest, EqualityIncludesTheId) {
+    auto twin = everyday();
+    EXPECT_EQ(twin, everyday());
+    twin.id = desktop.uuidSource.makeUuid();
+    EXPECT_NE(twin, everyday());
+    EXPECT_EQ(std::unordered_set<Profile>({everyday(), twin, everyday()}).size(), 2U);
+}
+
+TEST(MenuBarIconTest, RawValuesAreTheSymbolNamesInOrder) {
+    std::vector<std::string_view> names;
+    for (auto const icon : allMenuBarIcons) {
+        names.push_back(rawValue(icon));
+        EXPECT_EQ(menuBarIconFromRawValue(rawValue(icon)), icon);
+    }
+    EXPECT_EQ(names, (std::vector<std::string_view>{"eye", "leaf", "sparkles"}));
+    EXPECT_EQ(menuBarIconFromRawValue("moon"), std::nullopt);
+    EXPECT_EQ(menuBarIconFromRawValue("Eye"), std::nullopt);
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "app/SharedInstances.h"
+#include "backends/virtual/VirtualDesktop.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nocta {
+
+/// A view without a toolkit, and a count of those that are alive.
+class BlankViews final : public Views {
+public:
+    int made = 0;
+    int alive = 0;
+
+    std::unique_ptr<View> makePopoverContentView() override {
+        ++made;
+        return std::make_unique<Blank>(alive);
+    }
+
+private:
+    class Blank final : public View {
+    public:
+        explicit Blank(int& alive) : alive_(alive) { ++alive_; }
+        Blank(const Blank&) = delete;
+        Blank& operator=(const Blank&) = delete;
+        ~Blank() override { --alive_; }
+        void* nativeView() override { return nullptr; }
+
+    private:
+        int& alive_;
+    };
+};
+
+/// The whole program on a virtual desktop. A test prepares the desktop, launches, acts as a person
+/// does, and looks at what the desktop saw.
+class TestDesktop : public ::testing::Test {
+protected:
+    static constexpr DisplayId builtIn = 1;
+    static constexpr DisplayId external = 2;
+    static constexpr DisplayId secondExternal = 3;
+
+    void plugBuiltIn() { desktop.displays.plug({.id = builtIn, .isBuiltIn = true, .isMain = true}); }
+    void plugExternal(DisplayId id = external) {
+        desktop.displays.plug({.id = id, .mode = DisplayMode{2560, 1440}});
+    }
+
+    SharedInstances& instances() {
+        return instances_ ? *instances_ : instances_.emplace(desktop.ports);
+    }
+    SettingsManager& settings() { return instances().settingsManager(); }
+    DisplayService& displayService() { return instances().displayService(); }
+    GammaController& gamma() { return instances().gammaController(); }
+    BrightnessController& brightness() { return instances().brightnessController(); }
+    UnifiedBrightnessApplier& applier() { return instances().brightnessApplier(); }
+    ShortcutsManager& shortcuts() { return instances().shortcutsManager(); }
+
+    AppDelegate& delegate() { return delegate_ ? *delegate_ : delegate_.emplace(instances(), views); }
+    void launch() { desktop.application.launch(delegate()); }
+    void quit() { desktop.application.terminate(); }
+
+    /// The process goes and comes back; the defaults store and the displays stay.
+    void restart() {
+        quit();
+        delegate_.reset();
+        instances_.reset();
+        desktop.trace.clear();
+        launch();
+    }
+
+    /// The dimming that a display's red table shows: red is not tinted at 6500 K.
+    float shownDimming(DisplayId id) {
+        auto const& red = desktop.displays.display(id).red;
+        return red.empty() ? 0.0F : 1.0F - red.back();
+    }
+    float backlight() { return desktop.displays.display(builtIn).backlight; }
+
+    std::vector<std::string> calls(std::string_view prefix = "") {
+        return desktop.trace.calls(prefix);
+    }
+
+    VirtualDesktop desktop;
+    BlankViews views;
+
+private:
+    std::optional<SharedInstances> instances_;
+    std::optional<AppDelegate> delegate_;
+};
+
+} // namespace nocta
