@@ -14,10 +14,10 @@ template <class Point>
 double interpolated(std::span<const Point> points, double position) {
     auto const place = position * static_cast<double>(points.size() - 1);
     auto const index = static_cast<std::size_t>(place);
-    if (index + 1 >= points.size()) {
-        return points.back();
-    }
     auto const fraction = place - static_cast<double>(index);
+    if (fraction == 0) {
+        return points[index];
+    }
     return points[index] + fraction * (static_cast<double>(points[index + 1]) - points[index]);
 }
 

@@ -93,7 +93,7 @@ Guardian::Outcome Guardian::launch() {
         return Outcome::unguarded;
     }
 
-    GuardianHello const hello{.window = window_};
+    GuardianHello const hello{.window = connection_.window()};
     sendBytes(socket_.get(), &hello, sizeof hello);
     theirs.reset(); // so that a helper that dies closes the socket
     pollfd answerable{.fd = socket_.get(), .events = POLLIN, .revents = 0};
@@ -123,8 +123,13 @@ void Guardian::send(xcb_randr_crtc_t crtc, const GammaRamp& factory) {
 }
 
 void Guardian::replace() {
+    closed_->setEnabled(false);
     closed_.release()->deleteLater(); // this runs inside its signal
     end();
+    connection_.synchronize();
+    if (!connection_.isOpen()) {
+        return; // the server has gone, and the helper after it
+    }
     if (++replacements_ > mostReplacements || launch() != Outcome::guarded) {
         std::cerr << "nocta: " << guardianProgram()
                   << " keeps dying; a crash would leave the screen as it is" << std::endl;

@@ -2,6 +2,7 @@
 
 #include "backends/linux/FileDescriptor.h"
 #include "backends/linux/GammaRamp.h"
+#include "backends/linux/X11Connection.h"
 
 #include <QSocketNotifier>
 
@@ -20,8 +21,8 @@ namespace nocta {
 /// closes while it lives. A helper that dies is replaced.
 class Guardian {
 public:
-    /// `window` is one of the connection that writes the ramps.
-    explicit Guardian(xcb_window_t window) : window_(window) {}
+    /// `connection` is the one that writes the ramps.
+    explicit Guardian(X11Connection& connection) : connection_(connection) {}
     Guardian(const Guardian&) = delete;
     Guardian& operator=(const Guardian&) = delete;
     ~Guardian() { release(); }
@@ -46,7 +47,7 @@ private:
     void replace();
     void end();
 
-    xcb_window_t window_;
+    X11Connection& connection_;
     Outcome outcome_ = Outcome::unguarded;
     bool isStarted_ = false;
     int replacements_ = 0;

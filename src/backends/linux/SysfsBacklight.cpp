@@ -1,9 +1,15 @@
 #include "backends/linux/SysfsBacklight.h"
 
+#include "backends/linux/FileDescriptor.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <fstream>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -21,9 +27,21 @@ std::optional<Value> read(const std::filesystem::path& file) {
     return input >> value ? std::optional(value) : std::nullopt;
 }
 
-std::optional<std::uint32_t> largestLevel(const std::filesystem::path& device) {
-    auto const level = read<std::uint32_t>(device / "max_brightness");
-    return level && *level > 0 ? level : std::nullopt;
+/// A raw level, which the kernel keeps as an int; none where the file holds anything else.
+std::optional<int> readLevel(const std::filesystem::path& file) {
+    auto const level = read<int>(file);
+    return level && *level >= 0 ? level : std::nullopt;
+}
+
+std::optional<int> readLargestLevel(const std::filesystem::path& device) {
+    auto const level = readLevel(device / "max_brightness");
+    return level != 0 ? level : std::nullopt;
+}
+
+bool writeLevel(const std::filesystem::path& file, int level) {
+    auto const text = std::to_string(level);
+    FileDescriptor const output(open(file.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
+    return output && write(output.get(), text.data(), text.size()) == std::ssize(text);
 }
 
 } // namespace
@@ -34,8 +52,8 @@ SysfsBacklight::SysfsBacklight(Displays& displays, SessionWriter sessionWriter,
 
 Status SysfsBacklight::getBrightness(DisplayId display, float& level) {
     auto const found = displays_.displayIsBuiltin(display) ? device() : std::nullopt;
-    auto const largest = found ? largestLevel(*found) : std::nullopt;
-    auto const current = largest ? read<std::uint32_t>(*found / "brightness") : std::nullopt;
+    auto const largest = found ? readLargestLevel(*found) : std::nullopt;
+    auto const current = largest ? readLevel(*found / "brightness") : std::nullopt;
     if (!current) {
         return statusFailure;
     }
@@ -45,19 +63,16 @@ Status SysfsBacklight::getBrightness(DisplayId display, float& level) {
 
 Status SysfsBacklight::setBrightness(DisplayId display, float level) {
     auto const found = displays_.displayIsBuiltin(display) ? device() : std::nullopt;
-    auto const largest = found ? largestLevel(*found) : std::nullopt;
+    auto const largest = found ? readLargestLevel(*found) : std::nullopt;
     if (!largest || !(level >= 0 && level <= 1)) {
         return statusFailure;
     }
     // On a device of few levels a low one must not become 0, which may mean "off".
-    auto const lowest = level > 0 ? 1L : 0L;
-    auto const raw =
-        static_cast<std::uint32_t>(std::max(std::lround(double{level} * *largest), lowest));
-
-    std::fstream file(*found / "brightness"); // in and out, so that it is never created
-    auto const written = file && (file << raw << std::flush);
-    return written || sessionWriter_(found->filename().string(), raw) ? statusSuccess
-                                                                      : statusFailure;
+    auto const lowest = level > 0 ? 1 : 0;
+    auto const raw = std::max(static_cast<int>(std::lround(double{level} * *largest)), lowest);
+    auto const isDone = writeLevel(*found / "brightness", raw) ||
+                        sessionWriter_(found->filename().string(), static_cast<std::uint32_t>(raw));
+    return isDone ? statusSuccess : statusFailure;
 }
 
 std::optional<std::filesystem::path> SysfsBacklight::device() const {

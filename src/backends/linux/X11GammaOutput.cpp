@@ -7,7 +7,7 @@
 namespace nocta {
 
 X11GammaOutput::X11GammaOutput(X11Connection& connection, X11Displays& displays)
-    : connection_(connection), displays_(displays), guardian_(connection.window()) {}
+    : connection_(connection), displays_(displays), guardian_(connection) {}
 
 X11GammaOutput::~X11GammaOutput() {
     if (!factories_.empty()) {

@@ -1,0 +1,253 @@
+#include "backends/linux/IniDefaultsStore.h"
+
+#include "contracts/DefaultsStoreContract.h"
+#include "support/Process.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <thread>
+
+namespace nocta {
+
+/// Every look at the store goes through a new one over the same file, so that what is read is what
+/// was written.
+struct IniDefaultsStoreHarness {
+    TemporaryFolder folder;
+    std::string file = folder.path() + "/nocta/nocta.conf";
+    DefaultsMap registered;
+    std::optional<IniDefaultsStore> current;
+
+    DefaultsStore& store() { return current ? *current : current.emplace(file); }
+};
+INSTANTIATE_TYPED_TEST_SUITE_P(Ini, DefaultsStoreContract, IniDefaultsStoreHarness);
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class IniDefaultsStoreTest : public ::testing::Test {
+protected:
+    TemporaryFolder folder;
+    std::string file = folder.path() + "/nocta/nocta.conf";
+
+    void prepare(const std::string& content) const {
+        fs::create_directories(folder.path() + "/nocta");
+        writeFile(file, content);
+    }
+
+    /// Opens the store, sets a value, and returns what was said on standard error.
+    std::string saidWhenUsed() const {
+        ::testing::internal::CaptureStderr();
+        IniDefaultsStore store(file);
+        store.setDouble(0.3, "unifiedBrightness");
+        store.setDouble(0.4, "unifiedBrightness");
+        EXPECT_EQ(store.doubleForKey("unifiedBrightness"), 0.4) << "values in memory go on";
+        return ::testing::internal::GetCapturedStderr();
+    }
+    static auto lines(const std::string& text) { return std::ranges::count(text, '\n'); }
+};
+
+TEST_F(IniDefaultsStoreTest, NothingIsWrittenBeforeTheFirstChange) {
+    IniDefaultsStore store(file);
+    store.registerDefaults({{"a", 0.5}});
+    store.removeObjectForKey("b");
+    store.synchronize();
+    EXPECT_FALSE(fs::exists(file));
+}
+
+TEST_F(IniDefaultsStoreTest, EveryChangeIsInTheFileAtOnce) {
+    IniDefaultsStore store(file);
+    store.setDouble(0.6875, "unifiedBrightness");
+    EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.6875\n");
+    store.setBool(false, "isFirstLaunch");
+    store.setObject("leaf", "menuBarIcon");
+    EXPECT_EQ(contentOf(file),
+              "[General]\nunifiedBrightness=0.6875\nisFirstLaunch=false\nmenuBarIcon=leaf\n");
+    store.removeObjectForKey("unifiedBrightness");
+    EXPECT_EQ(contentOf(file), "[General]\nisFirstLaunch=false\nmenuBarIcon=leaf\n");
+}
+
+TEST_F(IniDefaultsStoreTest, AnotherStoreReadsWhatWasWritten) {
+    {
+        IniDefaultsStore store(file);
+        store.setDouble(1.0 / 3, "d");
+        store.setInteger(-5, "i");
+        store.setObject("true", "s");
+        store.synchronize();
+    }
+    IniDefaultsStore const store(file);
+    EXPECT_EQ(store.doubleForKey("d"), 1.0 / 3);
+    EXPECT_EQ(store.integerForKey("i"), -5);
+    EXPECT_EQ(store.stringForKey("s"), "true");
+}
+
+TEST_F(IniDefaultsStoreTest, OnlyTheUserMayReadTheFile) {
+    IniDefaultsStore store(file);
+    store.setBool(true, "a");
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(IniDefaultsStoreTest, UnparsableFileIsMovedAsideBeforeTheFirstWriteAndNothingIsLost) {
+    auto const garbage = std::string("\x7f" "ELF\0\x01 no settings at all", 25);
+    prepare(garbage);
+    auto const said = saidWhenUsed();
+    EXPECT_EQ(lines(said), 1) << said;
+    EXPECT_EQ(contentOf(file + ".damaged"), garbage);
+    EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.4\n");
+}
+
+TEST_F(IniDefaultsStoreTest, UnparsableFileStaysWhereItIsUntilSomethingIsWritten) {
+    prepare("garbage");
+    ::testing::internal::CaptureStderr();
+    { IniDefaultsStore const store(file); }
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(contentOf(file), "garbage");
+}
+
+TEST_F(IniDefaultsStoreTest, TruncatedFileKeepsWhatCanBeRead) {
+    prepare("[General]\nwarmthLevel=0.25\nbreakInter");
+    ::testing::internal::CaptureStderr();
+    IniDefaultsStore store(file);
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(store.doubleForKey("warmthLevel"), 0.25);
+    store.setBool(true, "a");
+    EXPECT_EQ(contentOf(file), "[General]\nwarmthLevel=0.25\na=true\n");
+    EXPECT_EQ(contentOf(file + ".damaged"), "[General]\nwarmthLevel=0.25\nbreakInter");
+}
+
+TEST_F(IniDefaultsStoreTest, EarlierDamagedFileIsNotOverwritten) {
+    prepare("garbage");
+    writeFile(file + ".damaged", "the first");
+    writeFile(file + ".damaged-2", "the second");
+    saidWhenUsed();
+    EXPECT_EQ(contentOf(file + ".damaged"), "the first");
+    EXPECT_EQ(contentOf(file + ".damaged-2"), "the second");
+    EXPECT_EQ(contentOf(file + ".damaged-3"), "garbage");
+}
+
+TEST_F(IniDefaultsStoreTest, FolderInTheFilesPlaceIsMovedAside) {
+    fs::create_directories(file + "/inside");
+    auto const said = saidWhenUsed();
+    EXPECT_EQ(lines(said), 1) << said;
+    EXPECT_TRUE(fs::exists(file + ".damaged/inside"));
+    EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.4\n");
+}
+
+TEST_F(IniDefaultsStoreTest, UnreadableFileIsMovedAside) {
+    fs::create_directories(folder.path() + "/nocta");
+    fs::create_symlink("nocta.conf", file); // a link to itself, unreadable even for root
+    auto const said = saidWhenUsed();
+    EXPECT_EQ(lines(said), 1) << said;
+    EXPECT_TRUE(fs::is_symlink(file + ".damaged"));
+    EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.4\n");
+}
+
+TEST_F(IniDefaultsStoreTest, EndlessFileIsNotReadToItsEnd) {
+    prepare("[General]\n");
+    fs::resize_file(file, 1ULL << 40);
+    saidWhenUsed();
+    EXPECT_EQ(fs::file_size(file + ".damaged"), 1ULL << 40);
+    EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.4\n");
+}
+
+TEST_F(IniDefaultsStoreTest, NamedPipeIsNotWaitedFor) {
+    fs::create_directories(folder.path() + "/nocta");
+    ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+    saidWhenUsed();
+    EXPECT_TRUE(fs::is_fifo(file + ".damaged"));
+}
+
+TEST_F(IniDefaultsStoreTest, LinkedFileStaysALink) {
+    prepare("");
+    auto const target = folder.path() + "/elsewhere.conf";
+    writeFile(target, "[General]\na=1\n");
+    fs::remove(file);
+    fs::create_symlink(target, file);
+    IniDefaultsStore store(file);
+    store.setInteger(2, "a");
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_EQ(contentOf(target), "[General]\na=2\n");
+}
+
+TEST_F(IniDefaultsStoreTest, FolderThatCannotBeMadeIsSaidOnce) {
+    writeFile(folder.path() + "/nocta", "a file where the folder should be");
+    auto const said = saidWhenUsed();
+    EXPECT_EQ(lines(said), 1) << said;
+    EXPECT_NE(said.find("cannot write"), std::string::npos);
+}
+
+TEST_F(IniDefaultsStoreTest, FullDiskKeepsTheOldFileAndIsSaidOnce) {
+    prepare("[General]\na=1\n");
+    // No file of this process may grow: what a full disk looks like to a writer.
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    auto const handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit const none{.rlim_cur = 0, .rlim_max = before.rlim_max};
+    auto const output = dup(STDERR_FILENO);
+    IniDefaultsStore store(file);
+    int pipeEnds[2] = {-1, -1};
+    ASSERT_EQ(pipe(pipeEnds), 0);
+    dup2(pipeEnds[1], STDERR_FILENO); // a captured file could not grow either
+    setrlimit(RLIMIT_FSIZE, &none);
+    store.setInteger(2, "a");
+    store.setInteger(3, "a");
+    store.synchronize();
+    setrlimit(RLIMIT_FSIZE, &before);
+    dup2(output, STDERR_FILENO);
+    close(output);
+    close(pipeEnds[1]);
+    std::signal(SIGXFSZ, handler);
+    std::string said;
+    for (char letter = 0; read(pipeEnds[0], &letter, 1) == 1;) {
+        said += letter;
+    }
+    close(pipeEnds[0]);
+
+    EXPECT_EQ(lines(said), 1) << said;
+    EXPECT_NE(said.find("cannot write"), std::string::npos) << said;
+    EXPECT_EQ(contentOf(file), "[General]\na=1\n");
+    EXPECT_EQ(store.integerForKey("a"), 3);
+    EXPECT_FALSE(fs::exists(file + ".new"));
+    store.setInteger(4, "a");
+    EXPECT_EQ(contentOf(file), "[General]\na=4\n") << "room again";
+}
+
+TEST_F(IniDefaultsStoreTest, KilledAtAnyMomentTheFileIsACompleteState) {
+    // The child writes a counter under two keys, one after the other; whenever it is killed, the
+    // first is equal to the second or one ahead.
+    for (int round = 0; round < 40; ++round) {
+        auto const child = fork();
+        if (child == 0) {
+            IniDefaultsStore store(file);
+            for (std::int64_t i = store.integerForKey("second") + 1;; ++i) {
+                store.setInteger(i, "first");
+                store.setInteger(i, "second");
+            }
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(500 + 137 * round)); // any moment
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        if (!fs::exists(file)) {
+            continue; // killed before its first write
+        }
+        auto const document = IniDocument::parse(contentOf(file));
+        ASSERT_TRUE(document.isWellFormed());
+        IniDefaultsStore const store(file);
+        auto const first = store.integerForKey("first");
+        auto const second = store.integerForKey("second");
+        ASSERT_TRUE(first == second || first == second + 1) << first << " " << second;
+    }
+    EXPECT_TRUE(fs::exists(file));
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,122 @@
+#include "support/Process.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <thread>
+
+namespace nocta {
+
+namespace {
+using namespace std::chrono_literals;
+constexpr auto ample = 30s;
+constexpr auto step = 2ms;
+} // namespace
+
+bool waitUntil(const std::function<bool()>& condition) {
+    auto const deadline = std::chrono::steady_clock::now() + ample;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(step);
+    }
+    return true;
+}
+
+Process::Process(const std::vector<std::string>& command, const Environment& variables,
+                 const std::string& output, int keptDescriptor) {
+    std::vector<char*> arguments;
+    for (auto const& word : command) {
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    }
+    arguments.push_back(nullptr);
+    id_ = fork();
+    if (id_ != 0) {
+        return;
+    }
+    for (auto const& [name, value] : variables) {
+        if (value.empty()) {
+            unsetenv(name.c_str());
+        } else {
+            setenv(name.c_str(), value.c_str(), 1);
+        }
+    }
+    if (!output.empty()) {
+        auto const file = open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+        dup2(file, STDOUT_FILENO);
+        dup2(file, STDERR_FILENO);
+        close(file);
+    }
+    if (keptDescriptor >= 0) {
+        fcntl(keptDescriptor, F_SETFD, 0);
+    }
+    execvp(arguments[0], arguments.data());
+    _exit(127);
+}
+
+Process::~Process() {
+    if (status_ == -1) {
+        signal(SIGKILL);
+        wait();
+    }
+}
+
+void Process::signal(int number) const {
+    kill(id_, number);
+}
+
+int Process::wait() {
+    if (status_ == -1) {
+        waitUntil([this] {
+            int status = 0;
+            if (waitpid(id_, &status, WNOHANG) != id_) {
+                return false;
+            }
+            status_ = status;
+            return true;
+        });
+    }
+    return status_;
+}
+
+int runToEnd(const std::vector<std::string>& command, const Process::Environment& variables) {
+    Process process(command, variables);
+    auto const status = process.wait();
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::string programFolder() {
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
+}
+
+TemporaryFolder::TemporaryFolder() {
+    auto name = (std::filesystem::temp_directory_path() / "nocta-test-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) {
+        throw std::runtime_error("cannot make a temporary folder");
+    }
+    path_ = name;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+std::string contentOf(const std::string& file) {
+    std::ifstream input(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
+}
+
+void writeFile(const std::string& file, const std::string& content) {
+    std::ofstream(file, std::ios::binary) << content;
+}
+
+} // namespace nocta

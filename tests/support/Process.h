@@ -1,0 +1,65 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace nocta {
+
+/// Lets time pass in small steps until the condition holds; false if it never does within a time
+/// that is ample even on a busy machine.
+bool waitUntil(const std::function<bool()>& condition);
+
+/// A child process; it is killed with this object.
+class Process {
+public:
+    using Environment = std::map<std::string, std::string>;
+
+    /// Starts `command` with the variables added to this process's own; an empty value takes a
+    /// variable away. Standard output and error go to the file `output` where one is named.
+    /// `keptDescriptor` is inherited under its own number.
+    explicit Process(const std::vector<std::string>& command, const Environment& variables = {},
+                     const std::string& output = {}, int keptDescriptor = -1);
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
+    ~Process();
+
+    pid_t id() const { return id_; }
+    void signal(int number) const;
+
+    /// The wait status; -1 if the process does not end in an ample time.
+    int wait();
+
+private:
+    pid_t id_ = -1;
+    int status_ = -1;
+};
+
+/// Runs a command to its end and returns its exit status, or -1.
+int runToEnd(const std::vector<std::string>& command, const Process::Environment& variables = {});
+
+/// The folder that this test program and the project's programs are in.
+std::string programFolder();
+
+/// A new folder, removed with everything in it at the end.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    const std::string& path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
+std::string contentOf(const std::string& file);
+void writeFile(const std::string& file, const std::string& content);
+
+} // namespace nocta

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <xcb/randr.h>
+#include <xcb/xcb.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace nocta {
+
+/// Another client of the X server, with a connection of its own: it reads what the program under
+/// test has written, calibrates displays before it starts, and types.
+class XClient {
+public:
+    /// Red, green and blue levels.
+    using Ramp = std::array<std::vector<std::uint16_t>, 3>;
+
+    /// Of the display that DISPLAY names.
+    XClient();
+    XClient(const XClient&) = delete;
+    XClient& operator=(const XClient&) = delete;
+    ~XClient();
+
+    /// The CRTCs in use, by output, in the server's order.
+    std::vector<xcb_randr_crtc_t> activeCrtcs();
+    xcb_randr_crtc_t crtcOf(xcb_randr_output_t output);
+
+    Ramp ramp(xcb_randr_crtc_t crtc);
+    void setRamp(xcb_randr_crtc_t crtc, const Ramp& ramp);
+
+    /// The last red level in 0.0–1.0.
+    double top(xcb_randr_crtc_t crtc);
+
+    /// Presses and releases the key that makes the symbol; one is given the symbol if none has it.
+    void press(xcb_keysym_t symbol);
+
+    /// Creates a property of one number on every output that is in use.
+    void setOutputProperty(const std::string& name, std::uint32_t value);
+
+    /// The ids of the mapped top-level windows of this size.
+    std::vector<xcb_window_t> windowsOfSize(int width, int height);
+
+private:
+    xcb_connection_t* x_;
+    xcb_window_t root_;
+};
+
+inline constexpr xcb_keysym_t brightnessUpSymbol = 0x1008FF02;
+inline constexpr xcb_keysym_t brightnessDownSymbol = 0x1008FF03;
+
+/// A ramp of `size` entries from 0 to the given tops, bent by an exponent: what a calibration looks
+/// like.
+XClient::Ramp calibration(std::size_t size, double exponent, std::array<double, 3> tops);
+
+} // namespace nocta

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "support/Process.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace nocta {
+
+/// A private X server, named in DISPLAY while it lives.
+class XServer {
+public:
+    /// Xvfb has one output, whose ramp starts all zero; Xorg with the dummy driver has sixteen, of
+    /// which the first is in use.
+    enum class Kind { xvfb, xorgDummy };
+
+    explicit XServer(Kind kind, const std::vector<std::string>& options = {});
+
+    const std::string& display() const { return display_; }
+
+    /// The server dies and its clients with it.
+    void kill();
+
+    /// Puts a second output in use, to the right of the first, or out of use; Xorg only.
+    void plugSecondOutput() const;
+    void unplugSecondOutput() const;
+
+    /// Runs xrandr with these options and expects it to succeed.
+    void xrandr(const std::vector<std::string>& options) const;
+
+private:
+    TemporaryFolder folder_;
+    std::string display_;
+    std::unique_ptr<Process> process_;
+};
+
+} // namespace nocta
