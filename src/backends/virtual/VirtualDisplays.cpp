@@ -1,20 +1,44 @@
 #include "backends/virtual/VirtualDisplays.h"
 
 #include <algorithm>
-#include <sstream>
+#include <array>
+#include <charconv>
 #include <stdexcept>
+#include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace nocta {
 
 namespace {
 
+void append(std::string& text, std::string_view word) {
+    text += word;
+}
+
+template <class Number>
+    requires std::is_arithmetic_v<Number>
+void append(std::string& text, Number number) {
+    std::array<char, 24> digits{};
+    auto* end = digits.data();
+    if constexpr (std::is_floating_point_v<Number>) {
+        constexpr int precision = 4;
+        end = std::to_chars(digits.data(), digits.data() + digits.size(), number,
+                            std::chars_format::general, precision)
+                  .ptr;
+    } else {
+        end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    }
+    text.append(digits.data(), end);
+}
+
+/// The words of a traced call with spaces between them; fractions have four digits.
 template <class... Words>
 std::string line(const Words&... words) {
-    std::ostringstream text;
-    text.precision(4);
+    std::string text;
     auto const* separator = "";
-    ((text << separator << words, separator = " "), ...);
-    return text.str();
+    ((text += separator, append(text, words), separator = " "), ...);
+    return text;
 }
 
 } // namespace

@@ -1,0 +1,185 @@
+// What Nocta costs on an X server: the way of a slider value to the server, and the program itself
+// from its start to its rest.
+
+#include "app/AppDelegate.h"
+#include "app/SharedInstances.h"
+#include "backends/linux/QtRunLoop.h"
+#include "backends/linux/X11Connection.h"
+#include "backends/linux/X11Displays.h"
+#include "backends/linux/X11GammaOutput.h"
+#include "backends/virtual/VirtualDesktop.h"
+#include "support/Process.h"
+#include "support/XClient.h"
+#include "support/XServer.h"
+
+#include <QCoreApplication>
+
+#include <benchmark/benchmark.h>
+#include <xcb/xcb.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+namespace nocta {
+namespace {
+
+class NoViews final : public Views {
+public:
+    std::unique_ptr<View> makePopoverContentView() override { return nullptr; }
+};
+
+void useOutputs(const XServer& server, std::int64_t count) {
+    for (std::int64_t i = 1; i < count; ++i) {
+        auto const name = "DUMMY" + std::to_string(i);
+        server.xrandr({"--addmode", name, "1280x720"});
+        server.xrandr({"--output", name, "--mode", "1280x720", "--pos",
+                       std::to_string(i % 3 * 1280) + "x" + std::to_string(i / 3 * 720)});
+    }
+}
+
+/// A brightness written to the settings until the X server's requests are flushed, everything
+/// between included but the file of the settings.
+void sliderToServer(benchmark::State& state) {
+    XServer const server(XServer::Kind::xorgDummy);
+    useOutputs(server, state.range(0));
+    VirtualDesktop desktop; // for the ports that take no part
+    QtRunLoop runLoop;
+    X11Connection connection(runLoop);
+    X11Displays displays(connection, runLoop, desktop.notificationCenter);
+    X11GammaOutput gammaOutput(connection, displays);
+    Desktop ports{.runLoop = runLoop,
+                  .notificationCenter = desktop.notificationCenter,
+                  .userDefaults = desktop.userDefaults,
+                  .uuidSource = desktop.uuidSource,
+                  .displays = displays,
+                  .gammaOutput = gammaOutput,
+                  .backlight = desktop.displays,
+                  .keyEvents = desktop.keyboard,
+                  .statusBar = desktop.statusBar,
+                  .popover = desktop.popover,
+                  .application = desktop.application};
+    SharedInstances instances(ports);
+    NoViews views;
+    AppDelegate delegate(instances, views);
+    delegate.applicationDidFinishLaunching();
+    QCoreApplication::processEvents();
+
+    double brightness = 0;
+    for (auto _ : state) {
+        brightness = brightness < 1 ? brightness + 0.01 : 0.1;
+        instances.settingsManager().unifiedBrightness.set(brightness);
+        QCoreApplication::processEvents(); // the end of the turn, with the flush
+        desktop.trace.clear();
+        state.PauseTiming();
+        connection.synchronize(); // an idle server for the next step, as between two of a hand
+        state.ResumeTiming();
+    }
+    delegate.applicationWillTerminate();
+}
+BENCHMARK(sliderToServer)->Arg(1)->Arg(4)->Unit(benchmark::kMicrosecond);
+
+/// A system tray that hosts nothing, but hears who asks to be hosted.
+class Tray {
+public:
+    Tray() : x_(xcb_connect(nullptr, nullptr)) {
+        auto const root = xcb_setup_roots_iterator(xcb_get_setup(x_)).data->root;
+        auto const window = xcb_generate_id(x_);
+        xcb_create_window(x_, XCB_COPY_FROM_PARENT, window, root, 0, 0, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_set_selection_owner(x_, window, atom("_NET_SYSTEM_TRAY_S0"), XCB_CURRENT_TIME);
+        dock_ = atom("_NET_SYSTEM_TRAY_OPCODE");
+    }
+    Tray(const Tray&) = delete;
+    Tray& operator=(const Tray&) = delete;
+    ~Tray() { xcb_disconnect(x_); }
+
+    /// Returns when somebody has asked.
+    void waitForIcon() {
+        for (bool asked = false; !asked;) {
+            std::unique_ptr<xcb_generic_event_t, FreeDeleter> const event(xcb_wait_for_event(x_));
+            asked = event == nullptr ||
+                    ((event->response_type & 0x7f) == XCB_CLIENT_MESSAGE &&
+                     reinterpret_cast<const xcb_client_message_event_t&>(*event).type == dock_);
+        }
+    }
+
+private:
+    xcb_atom_t atom(const std::string& name) {
+        std::unique_ptr<xcb_intern_atom_reply_t, FreeDeleter> const reply(xcb_intern_atom_reply(
+            x_, xcb_intern_atom(x_, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
+            nullptr));
+        return reply->atom;
+    }
+
+    xcb_connection_t* x_;
+    xcb_atom_t dock_ = XCB_ATOM_NONE;
+};
+
+/// In KiB, of every process of that name that the given one has started, and of itself.
+double proportionalSetSize(pid_t process) {
+    double sum = 0;
+    std::ifstream smaps("/proc/" + std::to_string(process) + "/smaps_rollup");
+    for (std::string word; smaps >> word;) {
+        if (word == "Pss:") {
+            double size = 0;
+            smaps >> size;
+            sum += size;
+        }
+    }
+    return sum;
+}
+
+pid_t childOf(pid_t process) {
+    std::ifstream children("/proc/" + std::to_string(process) + "/task/" +
+                           std::to_string(process) + "/children");
+    pid_t child = 0;
+    children >> child;
+    return child;
+}
+
+/// From the start of the process until it asks the tray for room; and, once it rests, what it and
+/// its guardian hold in memory.
+void startToTrayIcon(benchmark::State& state) {
+    XServer const server(XServer::Kind::xorgDummy);
+    XClient client;
+    TemporaryFolder home;
+    Process::Environment const environment = {
+        {"HOME", home.path()}, {"XDG_CONFIG_HOME", ""}, {"XDG_RUNTIME_DIR", home.path()},
+        {"WAYLAND_DISPLAY", ""}, {"SESSION_MANAGER", ""},
+        {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home.path() + "/no-bus"}};
+    auto const crtc = client.activeCrtcs().at(0);
+    auto const factory = client.ramp(crtc);
+    Tray tray;
+    double program = 0;
+    double guardian = 0;
+    for (auto _ : state) {
+        auto const start = std::chrono::steady_clock::now();
+        Process nocta({programFolder() + "/nocta"}, environment, home.path() + "/output");
+        tray.waitForIcon();
+        std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
+        state.SetIterationTime(taken.count());
+        waitUntil([&] { return client.ramp(crtc) != factory; });
+        program = proportionalSetSize(nocta.id());
+        guardian = proportionalSetSize(childOf(nocta.id()));
+        nocta.signal(SIGTERM);
+        nocta.wait();
+    }
+    state.counters["program_KiB"] = program;
+    state.counters["guardian_KiB"] = guardian;
+}
+BENCHMARK(startToTrayIcon)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
+
+} // namespace
+} // namespace nocta
+
+int main(int argc, char** argv) {
+    QCoreApplication const application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+}
