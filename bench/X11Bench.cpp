@@ -3,17 +3,16 @@
 
 #include "app/AppDelegate.h"
 #include "app/SharedInstances.h"
-#include "backends/linux/QtRunLoop.h"
-#include "backends/linux/X11Connection.h"
-#include "backends/linux/X11Displays.h"
-#include "backends/linux/X11GammaOutput.h"
+#include "backends/linux/shell/QtRunLoop.h"
+#include "backends/linux/x11/X11Connection.h"
+#include "backends/linux/x11/X11Displays.h"
+#include "backends/linux/x11/X11GammaOutput.h"
 #include "backends/virtual/VirtualDesktop.h"
 #include "support/Process.h"
 #include "support/XClient.h"
 #include "support/XServer.h"
 
 #include <QCoreApplication>
-
 #include <benchmark/benchmark.h>
 #include <xcb/xcb.h>
 
@@ -36,7 +35,7 @@ public:
 
 void useOutputs(const XServer& server, std::int64_t count) {
     for (std::int64_t i = 1; i < count; ++i) {
-        auto const name = "DUMMY" + std::to_string(i);
+        const auto name = "DUMMY" + std::to_string(i);
         server.xrandr({"--addmode", name, "1280x720"});
         server.xrandr({"--output", name, "--mode", "1280x720", "--pos",
                        std::to_string(i % 3 * 1280) + "x" + std::to_string(i / 3 * 720)});
@@ -46,7 +45,7 @@ void useOutputs(const XServer& server, std::int64_t count) {
 /// A brightness written to the settings until the X server's requests are flushed, everything
 /// between included but the file of the settings.
 void sliderToServer(benchmark::State& state) {
-    XServer const server(XServer::Kind::xorgDummy);
+    const XServer server(XServer::Kind::xorgDummy);
     useOutputs(server, state.range(0));
     VirtualDesktop desktop; // for the ports that take no part
     QtRunLoop runLoop;
@@ -88,8 +87,8 @@ BENCHMARK(sliderToServer)->Arg(1)->Arg(4)->Unit(benchmark::kMicrosecond);
 class Tray {
 public:
     Tray() : x_(xcb_connect(nullptr, nullptr)) {
-        auto const root = xcb_setup_roots_iterator(xcb_get_setup(x_)).data->root;
-        auto const window = xcb_generate_id(x_);
+        const auto root = xcb_setup_roots_iterator(xcb_get_setup(x_)).data->root;
+        const auto window = xcb_generate_id(x_);
         xcb_create_window(x_, XCB_COPY_FROM_PARENT, window, root, 0, 0, 1, 1, 0,
                           XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
         xcb_set_selection_owner(x_, window, atom("_NET_SYSTEM_TRAY_S0"), XCB_CURRENT_TIME);
@@ -102,7 +101,7 @@ public:
     /// Returns when somebody has asked.
     void waitForIcon() {
         for (bool asked = false; !asked;) {
-            std::unique_ptr<xcb_generic_event_t, FreeDeleter> const event(xcb_wait_for_event(x_));
+            const std::unique_ptr<xcb_generic_event_t, FreeDeleter> event(xcb_wait_for_event(x_));
             asked = event == nullptr ||
                     ((event->response_type & 0x7f) == XCB_CLIENT_MESSAGE &&
                      reinterpret_cast<const xcb_client_message_event_t&>(*event).type == dock_);
@@ -111,7 +110,7 @@ public:
 
 private:
     xcb_atom_t atom(const std::string& name) {
-        std::unique_ptr<xcb_intern_atom_reply_t, FreeDeleter> const reply(xcb_intern_atom_reply(
+        const std::unique_ptr<xcb_intern_atom_reply_t, FreeDeleter> reply(xcb_intern_atom_reply(
             x_, xcb_intern_atom(x_, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
             nullptr));
         return reply->atom;
@@ -136,8 +135,8 @@ double proportionalSetSize(pid_t process) {
 }
 
 pid_t childOf(pid_t process) {
-    std::ifstream children("/proc/" + std::to_string(process) + "/task/" +
-                           std::to_string(process) + "/children");
+    std::ifstream children("/proc/" + std::to_string(process) + "/task/" + std::to_string(process) +
+                           "/children");
     pid_t child = 0;
     children >> child;
     return child;
@@ -146,23 +145,26 @@ pid_t childOf(pid_t process) {
 /// From the start of the process until it asks the tray for room; and, once it rests, what it and
 /// its guardian hold in memory.
 void startToTrayIcon(benchmark::State& state) {
-    XServer const server(XServer::Kind::xorgDummy);
+    const XServer server(XServer::Kind::xorgDummy);
     XClient client;
     TemporaryFolder home;
     Process::Environment const environment = {
-        {"HOME", home.path()}, {"XDG_CONFIG_HOME", ""}, {"XDG_RUNTIME_DIR", home.path()},
-        {"WAYLAND_DISPLAY", ""}, {"SESSION_MANAGER", ""},
+        {"HOME", home.path()},
+        {"XDG_CONFIG_HOME", ""},
+        {"XDG_RUNTIME_DIR", home.path()},
+        {"WAYLAND_DISPLAY", ""},
+        {"SESSION_MANAGER", ""},
         {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home.path() + "/no-bus"}};
-    auto const crtc = client.activeCrtcs().at(0);
-    auto const factory = client.ramp(crtc);
+    const auto crtc = client.activeCrtcs().at(0);
+    const auto factory = client.ramp(crtc);
     Tray tray;
     double program = 0;
     double guardian = 0;
     for (auto _ : state) {
-        auto const start = std::chrono::steady_clock::now();
+        const auto start = std::chrono::steady_clock::now();
         Process nocta({programFolder() + "/nocta"}, environment, home.path() + "/output");
         tray.waitForIcon();
-        std::chrono::duration<double> const taken = std::chrono::steady_clock::now() - start;
+        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
         state.SetIterationTime(taken.count());
         waitUntil([&] { return client.ramp(crtc) != factory; });
         program = proportionalSetSize(nocta.id());
@@ -179,7 +181,7 @@ BENCHMARK(startToTrayIcon)->UseManualTime()->Iterations(20)->Unit(benchmark::kMi
 } // namespace nocta
 
 int main(int argc, char** argv) {
-    QCoreApplication const application(argc, argv);
+    const QCoreApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
 }

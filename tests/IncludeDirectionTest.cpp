@@ -13,14 +13,14 @@ namespace {
 using Rooms = std::set<std::string>;
 
 // Which room may include which besides itself.
-Rooms const services = {"settings", "display", "system"};
+const Rooms services = {"settings", "display", "system"};
 
 Rooms with(Rooms rooms, const Rooms& more) {
     rooms.insert(more.begin(), more.end());
     return rooms;
 }
 
-std::map<std::string, Rooms> const allowed = {
+const std::map<std::string, Rooms> allowed = {
     {"base", {}},
     {"platform", {"base"}},
     {"settings", with(services, {"base", "platform"})},
@@ -33,17 +33,17 @@ std::map<std::string, Rooms> const allowed = {
     {"tour", with(services, {"base", "platform", "app", "ui", "backends/virtual"})},
 };
 
-/// The main functions see everything: they choose the desktop.
+/// The program's main function sees everything: it puts the desktop and the face together.
 bool isMain(const std::filesystem::path& file) {
-    return file.filename() == "main.cpp";
+    return file == "main.cpp";
 }
 
 /// Free of Qt, so that they build and are tested without it.
-Rooms const withoutQt = with(services, {"base", "platform", "app", "backends/virtual"});
+const Rooms withoutQt = with(services, {"base", "platform", "app", "backends/virtual"});
 
 std::string roomOf(const std::string& path) {
-    auto const slash = path.find('/');
-    auto const first = path.substr(0, slash);
+    const auto slash = path.find('/');
+    const auto first = path.substr(0, slash);
     return first == "backends" ? path.substr(0, path.find('/', slash + 1)) : first;
 }
 
@@ -51,12 +51,12 @@ template <class Visit>
 void forEachInclude(Visit visit) {
     std::filesystem::path const root = NOCTA_SOURCE_DIR "/src";
     std::regex const include(R"re(^\s*#\s*include\s*(["<])([^">]+)[">])re");
-    for (auto const& entry : std::filesystem::recursive_directory_iterator(root)) {
-        auto const extension = entry.path().extension();
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+        const auto extension = entry.path().extension();
         if (extension != ".h" && extension != ".cpp" && extension != ".mm") {
             continue;
         }
-        auto const file = std::filesystem::relative(entry.path(), root);
+        const auto file = std::filesystem::relative(entry.path(), root);
         std::ifstream input(entry.path());
         for (std::string line; std::getline(input, line);) {
             std::smatch match;
@@ -71,14 +71,14 @@ TEST(IncludeDirection, EveryArrowRunsTheRightWay) {
     int arrows = 0;
     forEachInclude([&](const std::filesystem::path& file, const std::string& from,
                        const std::string& header, bool isOurs) {
-        if (!isOurs) {
+        if (!isOurs || isMain(file)) {
             return;
         }
         ++arrows;
         auto const to = roomOf(header);
         ASSERT_TRUE(allowed.contains(from)) << file << " is in a room that nobody knows";
         EXPECT_TRUE(allowed.contains(to)) << file << " includes " << header;
-        EXPECT_TRUE(from == to || isMain(file) || allowed.at(from).contains(to))
+        EXPECT_TRUE(from == to || allowed.at(from).contains(to))
             << file << " may not include " << header;
     });
     EXPECT_GT(arrows, 100) << "the source tree was not found";

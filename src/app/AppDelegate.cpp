@@ -72,7 +72,7 @@ void AppDelegate::startServices() {
 
     // The tables darken at once, by the lower half's rule alone; the applier then brings in the
     // backlight and the faint glow.
-    auto const brightness = settingsManager_.unifiedBrightness.get();
+    const auto brightness = settingsManager_.unifiedBrightness.get();
     gammaController_.setDimming(brightness < 0.5 ? static_cast<float>(1 - 2 * brightness) : 0.0F);
     brightnessApplier_.apply(brightness);
 

@@ -37,8 +37,8 @@ public:
     /// destroyed by a callback as long as `goOn` copes with that.
     template <class Predicate>
     void callWhile(Predicate goOn, const Args&... args) const {
-        auto const entries = *entries_;
-        for (auto const& entry : entries) {
+        const auto entries = *entries_;
+        for (const auto& entry : entries) {
             if (!goOn()) {
                 return;
             }

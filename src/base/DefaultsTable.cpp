@@ -36,7 +36,7 @@ Number numberFrom(const DefaultsValue* value) {
 } // namespace
 
 void DefaultsTable::registerDefaults(const DefaultsMap& defaults) {
-    for (auto const& [key, value] : defaults) {
+    for (const auto& [key, value] : defaults) {
         registered_.insert_or_assign(key, value);
     }
 }
@@ -54,8 +54,8 @@ std::int64_t DefaultsTable::integerForKey(std::string_view key) const {
 }
 
 std::optional<std::string> DefaultsTable::stringForKey(std::string_view key) const {
-    auto const* const value = find(key);
-    auto const* const text = value == nullptr ? nullptr : std::get_if<std::string>(value);
+    const auto* const value = find(key);
+    const auto* const text = value == nullptr ? nullptr : std::get_if<std::string>(value);
     return text == nullptr ? std::nullopt : std::optional(*text);
 }
 
@@ -64,14 +64,14 @@ void DefaultsTable::set(std::string_view key, DefaultsValue value) {
 }
 
 void DefaultsTable::remove(std::string_view key) {
-    if (auto const found = stored_.find(key); found != stored_.end()) {
+    if (const auto found = stored_.find(key); found != stored_.end()) {
         stored_.erase(found);
     }
 }
 
 const DefaultsValue* DefaultsTable::find(std::string_view key) const {
-    for (auto const* const layer : {&stored_, &registered_}) {
-        if (auto const found = layer->find(key); found != layer->end()) {
+    for (const auto* const layer : {&stored_, &registered_}) {
+        if (const auto found = layer->find(key); found != layer->end()) {
             return &found->second;
         }
     }

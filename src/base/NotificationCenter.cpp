@@ -9,7 +9,7 @@ Subscription NotificationCenter::observe(std::string_view name, std::function<vo
 }
 
 void NotificationCenter::post(std::string_view name) {
-    if (auto const found = observers_.find(name); found != observers_.end()) {
+    if (const auto found = observers_.find(name); found != observers_.end()) {
         found->second.call();
     }
 }

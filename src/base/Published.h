@@ -30,9 +30,9 @@ public:
 
     void set(T value) {
         state_->value = std::move(value);
-        auto const delivered = state_->value;
-        auto const write = ++state_->writes;
-        auto const isNewest = [state = std::weak_ptr(state_), write] {
+        const auto delivered = state_->value;
+        const auto write = ++state_->writes;
+        const auto isNewest = [state = std::weak_ptr(state_), write] {
             auto const alive = state.lock();
             return alive && alive->writes == write;
         };

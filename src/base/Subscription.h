@@ -25,7 +25,7 @@ public:
 
     /// Ends the registration; further calls do nothing.
     void cancel() {
-        if (auto const cancel = std::exchange(cancel_, nullptr)) {
+        if (const auto cancel = std::exchange(cancel_, nullptr)) {
             cancel();
         }
     }

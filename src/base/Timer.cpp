@@ -18,7 +18,7 @@ void Timer::start(RunLoop& runLoop, Duration interval, Repeat repeat,
 }
 
 void Timer::invalidate() {
-    if (auto const id = std::exchange(id_, std::nullopt)) {
+    if (const auto id = std::exchange(id_, std::nullopt)) {
         runLoop_->cancel(*id);
     }
 }

@@ -38,7 +38,7 @@ void BrightnessController::startKeyboardMonitoring() {
 }
 
 std::optional<float> BrightnessController::levelOfMainDisplay() {
-    auto const& main = displayService_.mainDisplay.get();
+    const auto& main = displayService_.mainDisplay.get();
     float level = 0;
     if (!main || backlight_.getBrightness(main->id, level) != statusSuccess) {
         return std::nullopt;
@@ -47,13 +47,13 @@ std::optional<float> BrightnessController::levelOfMainDisplay() {
 }
 
 void BrightnessController::handle(const SystemDefinedEvent& event) {
-    auto const data = event.data1;
+    const auto data = event.data1;
     if (event.subtype != auxiliaryControlButtons || (data & brightnessKeysMask) != brightnessKeys ||
         (data & stateMask) != keyDown) {
         return;
     }
-    auto const level = readBrightness();
-    auto const listener = delegate.lock();
+    const auto level = readBrightness();
+    const auto listener = delegate.lock();
     if (level && listener) {
         listener->brightnessKeyPressed((data & raisingKey) != 0, *level);
     }

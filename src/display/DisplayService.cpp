@@ -33,7 +33,7 @@ std::vector<DisplayInfo> DisplayService::activeDisplays() const {
 
     std::vector<DisplayInfo> list;
     list.reserve(ids.size());
-    for (auto const id : ids) {
+    for (const auto id : ids) {
         list.push_back(makeInfo(id));
     }
     return list;
@@ -47,7 +47,7 @@ DisplayInfo DisplayService::makeInfo(DisplayId display) const {
     info.isBuiltIn = platform_.displayIsBuiltin(display);
     info.supportsBrightnessControl = info.isBuiltIn;
 
-    auto const mode = platform_.displayCopyDisplayMode(display);
+    const auto mode = platform_.displayCopyDisplayMode(display);
     if (info.isBuiltIn) {
         info.name = "Built-in Display";
     } else if (mode) {

@@ -15,7 +15,7 @@ constexpr std::int64_t highestTemperature = 10000;
 
 template <class Value>
 Value valueOr(const std::map<DisplayId, Value>& values, DisplayId display, Value neutral) {
-    auto const found = values.find(display);
+    const auto found = values.find(display);
     return found == values.end() ? neutral : found->second;
 }
 
@@ -50,7 +50,7 @@ std::optional<GammaError> GammaController::applyTables(std::span<const float> re
                                                        std::span<const float> green,
                                                        std::span<const float> blue,
                                                        DisplayId display) {
-    for (auto const& table : {red, green, blue}) {
+    for (const auto& table : {red, green, blue}) {
         if (table.size() != gammaTableSize) {
             return GammaError::invalidTable;
         }
@@ -69,9 +69,9 @@ void GammaController::clearRecords() {
 
 template <class Value>
 void GammaController::store(std::map<DisplayId, Value>& values, Value value) {
-    for (auto const& display : displays_) {
+    for (const auto& display : displays_) {
         values.insert_or_assign(display.id, value);
-        auto const tables =
+        const auto tables =
             makeGammaTables(valueOr(currentTemperature_, display.id, neutralTemperature),
                             valueOr(currentDimming_, display.id, neutralDimming),
                             valueOr(currentSaturation_, display.id, neutralSaturation));

@@ -28,12 +28,12 @@ float clamp01(float value) {
 }
 
 RGBMultipliers rgbMultipliers(std::int64_t kelvin) {
-    auto const t = static_cast<float>(kelvin) / 100.0F;
+    const auto t = static_cast<float>(kelvin) / 100.0F;
     RGBMultipliers white;
     if (t <= 66.0F) {
         white.green = clamp01((99.4708023F * std::log(t) - 161.119568F) / 255.0F);
     } else {
-        auto const b = t - 60.0F;
+        const auto b = t - 60.0F;
         white.red = clamp01(329.698730F * std::pow(b, -0.133204758F) / 255.0F);
         white.green = clamp01(288.122162F * std::pow(b, -0.0755148456F) / 255.0F);
     }
@@ -46,17 +46,17 @@ RGBMultipliers rgbMultipliers(std::int64_t kelvin) {
 }
 
 GammaTables makeGammaTables(std::int64_t kelvin, float dimming, float saturation) {
-    auto const white = rgbMultipliers(kelvin);
-    auto const luminance =
+    const auto white = rgbMultipliers(kelvin);
+    const auto luminance =
         redWeight * white.red + greenWeight * white.green + blueWeight * white.blue;
-    auto const s = clamp01(saturation);
-    auto const k = 1.0F - s;
-    auto const height = 1.0F - dimming;
+    const auto s = clamp01(saturation);
+    const auto k = 1.0F - s;
+    const auto height = 1.0F - dimming;
 
     GammaTables tables;
     for (std::size_t i = 0; i < gammaTableSize; ++i) {
-        auto const x = height * inputLevels[i];
-        auto const gray = k * (luminance * x);
+        const auto x = height * inputLevels[i];
+        const auto gray = k * (luminance * x);
         tables.red[i] = s * (white.red * x) + gray;
         tables.green[i] = s * (white.green * x) + gray;
         tables.blue[i] = s * (white.blue * x) + gray;

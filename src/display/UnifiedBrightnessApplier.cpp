@@ -15,7 +15,7 @@ constexpr float fullBlack = 1.0F;
 constexpr float faintGlow = 0.9F;
 
 float backlightLevel(double brightness) {
-    auto const level = static_cast<float>((brightness - split) * 2 * 0.9 + 0.1);
+    const auto level = static_cast<float>((brightness - split) * 2 * 0.9 + 0.1);
     return std::max(std::min(level, highestBacklight), lowestBacklight);
 }
 
@@ -31,8 +31,8 @@ UnifiedBrightnessApplier::UnifiedBrightnessApplier(SettingsManager& settingsMana
       backlight_(backlight) {}
 
 void UnifiedBrightnessApplier::apply(double brightness) {
-    auto const ceiling = settingsManager_.allowFullBlack.get() ? fullBlack : faintGlow;
-    auto const dimmedBy = [&](double amount) {
+    const auto ceiling = settingsManager_.allowFullBlack.get() ? fullBlack : faintGlow;
+    const auto dimmedBy = [&](double amount) {
         gammaController_.setDimming(std::min(ceiling, static_cast<float>(amount)));
     };
 
@@ -52,7 +52,7 @@ void UnifiedBrightnessApplier::setBacklights(float level) {
     if (!brightnessController_.isAvailable()) {
         return;
     }
-    for (auto const& display : displayService_.activeDisplays()) {
+    for (const auto& display : displayService_.activeDisplays()) {
         if (display.supportsBrightnessControl) {
             backlight_.setBrightness(display.id, level);
         }

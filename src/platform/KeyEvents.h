@@ -27,8 +27,8 @@ public:
 
     /// Stands for addGlobalMonitorForEventsMatchingMask:handler: with system-defined events
     /// (mask 1 << 14).
-    virtual Subscription
-    addGlobalMonitorForSystemDefinedEvents(std::function<void(const SystemDefinedEvent&)> handler) = 0;
+    virtual Subscription addGlobalMonitorForSystemDefinedEvents(
+        std::function<void(const SystemDefinedEvent&)> handler) = 0;
 
     /// An active tap at the head of the login session's list, for key-down events (mask 1 << 10),
     /// enabled, its source on the main run loop. Stands for CGEventTapCreate,

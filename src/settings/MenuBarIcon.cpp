@@ -15,7 +15,7 @@ std::string_view rawValue(MenuBarIcon icon) {
 }
 
 std::optional<MenuBarIcon> menuBarIconFromRawValue(std::string_view value) {
-    auto const* const found = std::ranges::find(allMenuBarIcons, value, rawValue);
+    const auto* const found = std::ranges::find(allMenuBarIcons, value, rawValue);
     return found == allMenuBarIcons.end() ? std::nullopt : std::optional(*found);
 }
 

@@ -23,7 +23,7 @@ constexpr std::array presentations = {
 constexpr Presentation otherPresentation = {"", "circle", ""};
 
 const Presentation& presentationOf(std::string_view name) {
-    auto const* const found = std::ranges::find(presentations, name, &Presentation::name);
+    const auto* const found = std::ranges::find(presentations, name, &Presentation::name);
     return found == presentations.end() ? otherPresentation : *found;
 }
 
@@ -38,7 +38,7 @@ std::string_view Profile::description() const {
 }
 
 BuiltInProfiles makeBuiltInProfiles(UuidSource& uuidSource) {
-    auto const preset = [&](std::string_view name, double brightness, double warmth, bool grayscale,
+    const auto preset = [&](std::string_view name, double brightness, double warmth, bool grayscale,
                             std::int64_t breakInterval) {
         return Profile{.id = uuidSource.makeUuid(),
                        .name = std::string(name),
@@ -70,7 +70,7 @@ void to_json(nlohmann::json& json, const Profile& profile) {
 }
 
 void from_json(const nlohmann::json& json, Profile& profile) {
-    auto const id = Uuid::parse(json.at("id").get<std::string>());
+    const auto id = Uuid::parse(json.at("id").get<std::string>());
     if (!id) {
         throw nlohmann::json::other_error::create(500, "id is not a UUID", &json);
     }

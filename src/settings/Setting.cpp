@@ -15,12 +15,12 @@ void load(const DefaultsStore& store, std::string_view key, std::int64_t& value)
 }
 
 void load(const DefaultsStore& store, std::string_view key, MenuBarIcon& value) {
-    auto const stored = store.stringForKey(key);
+    const auto stored = store.stringForKey(key);
     value = menuBarIconFromRawValue(stored.value_or("")).value_or(MenuBarIcon::eye);
 }
 
 void load(const DefaultsStore& store, std::string_view key, std::optional<Uuid>& value) {
-    auto const stored = store.stringForKey(key);
+    const auto stored = store.stringForKey(key);
     value = stored ? Uuid::parse(*stored) : std::nullopt;
 }
 

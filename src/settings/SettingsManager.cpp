@@ -96,7 +96,7 @@ void SettingsManager::applyProfile(const Profile& profile) {
 }
 
 std::string_view SettingsManager::warmthDescription() const {
-    auto const warmth = warmthLevel.get();
+    const auto warmth = warmthLevel.get();
     if (warmth < coolBelow) {
         return "Cool";
     }

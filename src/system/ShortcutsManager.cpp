@@ -32,8 +32,8 @@ void ShortcutsManager::handle(const KeyDownEvent& event) {
     if (event.keyCode != brightnessDownKey && event.keyCode != brightnessUpKey) {
         return;
     }
-    auto const current = settingsManager_.unifiedBrightness.get();
-    auto const brightness = event.keyCode == brightnessUpKey
+    const auto current = settingsManager_.unifiedBrightness.get();
+    const auto brightness = event.keyCode == brightnessUpKey
                                 ? std::min(current + brightnessStep, 1.0)
                                 : std::max(current - brightnessStep, 0.0);
     // The write reaches the applier through the application's subscription; it is handed over

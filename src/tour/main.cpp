@@ -30,14 +30,13 @@ double top(const std::vector<float>& table) {
 
 void print(const char* step, const VirtualDesktop& desktop) {
     std::printf("%s\n", step);
-    for (auto const& display : desktop.displays.all()) {
-        std::printf("  display %u (%s): ", display.id,
-                    display.isBuiltIn ? "built in" : "external");
+    for (const auto& display : desktop.displays.all()) {
+        std::printf("  display %u (%s): ", display.id, display.isBuiltIn ? "built in" : "external");
         if (display.red.empty()) {
             std::printf("factory tables");
         } else {
-            std::printf("tables up to %.1f %% red, %.1f %% green, %.1f %% blue",
-                        top(display.red), top(display.green), top(display.blue));
+            std::printf("tables up to %.1f %% red, %.1f %% green, %.1f %% blue", top(display.red),
+                        top(display.green), top(display.blue));
         }
         if (display.isBuiltIn) {
             std::printf("; backlight %.0f %%", 100 * double{display.backlight});
@@ -72,7 +71,7 @@ int main() {
     NoViews views;
     NoctaApp app(instances, views);
     desktop.application.session = [&] { visit(desktop, instances.settingsManager()); };
-    auto const status = app.run();
+    const auto status = app.run();
     print("Nocta has quit", desktop);
     return status;
 }

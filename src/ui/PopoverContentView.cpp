@@ -45,7 +45,7 @@ void PopoverContentView::addBrightness(SettingsManager& settings) {
     column->addLayout(heading);
     column->addWidget(slider);
 
-    auto const show = [value, slider](double brightness) {
+    const auto show = [value, slider](double brightness) {
         QSignalBlocker const quiet(slider); // showing a value must not write it
         auto const percent = wholePercent(brightness);
         slider->setValue(percent);

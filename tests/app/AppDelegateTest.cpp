@@ -57,7 +57,7 @@ TEST_F(AppDelegateTest, FirstWriteAtStartKnowsNoBacklightAndNoExternalRule) {
     plugExternal();
     settings().unifiedBrightness.set(0.75);
     launch();
-    auto const written = calls("setDisplayTransferByTable");
+    const auto written = calls("setDisplayTransferByTable");
     ASSERT_EQ(written.size(), 2U);
     EXPECT_TRUE(written[0].starts_with("setDisplayTransferByTable 2 top 1 "));
     EXPECT_TRUE(written[1].starts_with("setDisplayTransferByTable 2 top 0.75 "));
@@ -100,7 +100,8 @@ TEST_F(AppDelegateTest, IconFollowsItsSettingAndIsRedrawnByEveryWrite) {
     EXPECT_EQ(desktop.statusBar.accessibilityDescription(), "Nocta");
     settings().menuBarIcon.set(MenuBarIcon::sparkles);
     settings().menuBarIcon.set(MenuBarIcon::sparkles);
-    EXPECT_EQ(calls("setImage"), (Calls{"setImage leaf", "setImage sparkles", "setImage sparkles"}));
+    EXPECT_EQ(calls("setImage"),
+              (Calls{"setImage leaf", "setImage sparkles", "setImage sparkles"}));
 }
 
 TEST_F(AppDelegateTest, ClickTogglesThePopoverWithANewViewEachTime) {

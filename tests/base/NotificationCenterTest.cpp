@@ -10,9 +10,9 @@ namespace {
 TEST(NotificationCenter, CallsTheObserversOfTheNameInOrder) {
     NotificationCenter center;
     std::string order;
-    auto const first = center.observe("a", [&] { order += '1'; });
-    auto const second = center.observe("a", [&] { order += '2'; });
-    auto const other = center.observe("b", [&] { order += 'b'; });
+    const auto first = center.observe("a", [&] { order += '1'; });
+    const auto second = center.observe("a", [&] { order += '2'; });
+    const auto other = center.observe("b", [&] { order += 'b'; });
     center.post("a");
     EXPECT_EQ(order, "12");
 }
@@ -29,12 +29,12 @@ TEST(NotificationCenter, NestedPostsReachEveryObserverEachTime) {
     NotificationCenter center;
     int first = 0;
     int second = 0;
-    auto const repeating = center.observe("a", [&] {
+    const auto repeating = center.observe("a", [&] {
         if (++first == 1) {
             center.post("a");
         }
     });
-    auto const counting = center.observe("a", [&] { ++second; });
+    const auto counting = center.observe("a", [&] { ++second; });
     center.post("a");
     EXPECT_EQ(first, 2);
     EXPECT_EQ(second, 2);

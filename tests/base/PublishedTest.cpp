@@ -15,7 +15,7 @@ using Values = std::vector<int>;
 TEST(Published, SubscriptionDoesNotDeliverTheValueCurrentWhenItIsMade) {
     Published<int> value(3);
     Values seen;
-    auto const subscription = value.subscribe([&](int v) { seen.push_back(v); });
+    const auto subscription = value.subscribe([&](int v) { seen.push_back(v); });
     EXPECT_TRUE(seen.empty());
     value.set(4);
     EXPECT_EQ(seen, Values{4});
@@ -24,7 +24,7 @@ TEST(Published, SubscriptionDoesNotDeliverTheValueCurrentWhenItIsMade) {
 TEST(Published, EveryWriteNotifiesOneOfAnEqualValueToo) {
     Published<int> value(3);
     Values seen;
-    auto const subscription = value.subscribe([&](int v) { seen.push_back(v); });
+    const auto subscription = value.subscribe([&](int v) { seen.push_back(v); });
     value.set(3);
     value.set(3);
     EXPECT_EQ(seen, (Values{3, 3}));
@@ -33,7 +33,7 @@ TEST(Published, EveryWriteNotifiesOneOfAnEqualValueToo) {
 TEST(Published, ValueIsStoredBeforeItIsDelivered) {
     Published<int> value(1);
     int stored = 0;
-    auto const subscription = value.subscribe([&](int /*v*/) { stored = value.get(); });
+    const auto subscription = value.subscribe([&](int /*v*/) { stored = value.get(); });
     value.set(2);
     EXPECT_EQ(stored, 2);
 }
@@ -41,8 +41,8 @@ TEST(Published, ValueIsStoredBeforeItIsDelivered) {
 TEST(Published, SubscribersAreCalledInOrderOfSubscription) {
     Published<int> value;
     std::string order;
-    auto const first = value.subscribe([&](int /*v*/) { order += 'a'; });
-    auto const second = value.subscribe([&](int /*v*/) { order += 'b'; });
+    const auto first = value.subscribe([&](int /*v*/) { order += 'a'; });
+    const auto second = value.subscribe([&](int /*v*/) { order += 'b'; });
     value.set(1);
     EXPECT_EQ(order, "ab");
 }
@@ -51,7 +51,7 @@ TEST(Published, DestroyedSubscriptionIsNotCalled) {
     Published<int> value;
     Values seen;
     {
-        auto const subscription = value.subscribe([&](int v) { seen.push_back(v); });
+        const auto subscription = value.subscribe([&](int v) { seen.push_back(v); });
     }
     value.set(1);
     EXPECT_TRUE(seen.empty());
@@ -61,7 +61,7 @@ TEST(Published, SubscriptionDestroyedDuringADeliveryIsNotCalledAgainInIt) {
     Published<int> value;
     Values seen;
     Subscription later;
-    auto const first = value.subscribe([&](int /*v*/) { later = Subscription(); });
+    const auto first = value.subscribe([&](int /*v*/) { later = Subscription(); });
     later = value.subscribe([&](int v) { seen.push_back(v); });
     value.set(1);
     EXPECT_TRUE(seen.empty());
@@ -69,7 +69,7 @@ TEST(Published, SubscriptionDestroyedDuringADeliveryIsNotCalledAgainInIt) {
 
 TEST(Published, SubscriptionMayEndInsideItsOwnCallback) {
     Published<int> value;
-    auto const token = std::make_shared<int>(0);
+    const auto token = std::make_shared<int>(0);
     Subscription own;
     own = value.subscribe([&own, token](int /*v*/) {
         own = Subscription();
@@ -85,7 +85,7 @@ TEST(Published, SubscriptionAddedDuringADeliveryWaitsForTheNext) {
     Published<int> value;
     Values seen;
     Subscription added;
-    auto const first = value.subscribe([&](int /*v*/) {
+    const auto first = value.subscribe([&](int /*v*/) {
         if (!added) {
             added = value.subscribe([&](int v) { seen.push_back(v); });
         }
@@ -100,13 +100,13 @@ TEST(Published, NestedWriteIsDeliveredInFullAndTheOuterDeliverySkipsWhoHasTheNew
     Published<int> value;
     Values first;
     Values second;
-    auto const clamping = value.subscribe([&](int v) {
+    const auto clamping = value.subscribe([&](int v) {
         first.push_back(v);
         if (v > 10) {
             value.set(10);
         }
     });
-    auto const following = value.subscribe([&](int v) { second.push_back(v); });
+    const auto following = value.subscribe([&](int v) { second.push_back(v); });
     value.set(99);
     EXPECT_EQ(first, (Values{99, 10}));
     EXPECT_EQ(second, Values{10});
@@ -116,7 +116,7 @@ TEST(Published, NestedWriteIsDeliveredInFullAndTheOuterDeliverySkipsWhoHasTheNew
 TEST(Published, CallbackKeepsItsValueWhileANestedWriteReplacesIt) {
     Published<std::string> value;
     std::string afterNested;
-    auto const subscription = value.subscribe([&](const std::string& v) {
+    const auto subscription = value.subscribe([&](const std::string& v) {
         if (v == "outer, long enough to be allocated") {
             value.set("inner, long enough to be allocated");
             afterNested = v;
@@ -129,11 +129,11 @@ TEST(Published, CallbackKeepsItsValueWhileANestedWriteReplacesIt) {
 TEST(Published, PublisherMayDieWhileDelivering) {
     auto value = std::make_unique<Published<int>>();
     Values seen;
-    auto const killer = value->subscribe([&](int v) {
+    const auto killer = value->subscribe([&](int v) {
         value.reset();
         seen.push_back(v);
     });
-    auto const later = value->subscribe([&](int v) { seen.push_back(v); });
+    const auto later = value->subscribe([&](int v) { seen.push_back(v); });
     value->set(1);
     EXPECT_EQ(seen, Values{1});
 }

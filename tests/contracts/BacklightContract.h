@@ -17,7 +17,7 @@ protected:
 TYPED_TEST_SUITE_P(BacklightContract);
 
 TYPED_TEST_P(BacklightContract, LevelIsReadBackAsItWasWritten) {
-    for (auto const level : {1.0F, 0.55F, 0.1F}) {
+    for (const auto level : {1.0F, 0.55F, 0.1F}) {
         EXPECT_EQ(this->harness.backlight().setBrightness(this->harness.builtIn, level),
                   statusSuccess);
         float read = -1;
@@ -29,7 +29,7 @@ TYPED_TEST_P(BacklightContract, LevelIsReadBackAsItWasWritten) {
 
 TYPED_TEST_P(BacklightContract, EveryOtherDisplayAnswersFailure) {
     float level = 0.25F;
-    for (auto const display : {this->harness.external, DisplayId{0xDEAD}}) {
+    for (const auto display : {this->harness.external, DisplayId{0xDEAD}}) {
         EXPECT_NE(this->harness.backlight().getBrightness(display, level), statusSuccess);
         EXPECT_NE(this->harness.backlight().setBrightness(display, 0.5F), statusSuccess);
     }
@@ -39,8 +39,7 @@ TYPED_TEST_P(BacklightContract, EveryOtherDisplayAnswersFailure) {
 TYPED_TEST_P(BacklightContract, FailingDeviceAnswersFailure) {
     this->harness.fail();
     float level = 0.25F;
-    EXPECT_NE(this->harness.backlight().getBrightness(this->harness.builtIn, level),
-              statusSuccess);
+    EXPECT_NE(this->harness.backlight().getBrightness(this->harness.builtIn, level), statusSuccess);
     EXPECT_EQ(level, 0.25F);
     EXPECT_NE(this->harness.backlight().setBrightness(this->harness.builtIn, 0.5F), statusSuccess);
 }

@@ -45,21 +45,21 @@ TYPED_TEST_P(DefaultsStoreContract, StoredValueHidesTheDefaultUntilItIsRemoved) 
 }
 
 TYPED_TEST_P(DefaultsStoreContract, ValuesReadBackExactly) {
-    for (auto const value : {0.0, 1.0, 0.1, 1.0 / 3, -2.5, 1e-300, 1.7976931348623157e308}) {
+    for (const auto value : {0.0, 1.0, 0.1, 1.0 / 3, -2.5, 1e-300, 1.7976931348623157e308}) {
         this->store().setDouble(value, "d");
         EXPECT_EQ(this->store().doubleForKey("d"), value);
     }
-    for (auto const value :
+    for (const auto value :
          {std::int64_t{0}, std::int64_t{-7}, std::numeric_limits<std::int64_t>::max(),
           std::numeric_limits<std::int64_t>::min()}) {
         this->store().setInteger(value, "i");
         EXPECT_EQ(this->store().integerForKey("i"), value);
     }
-    for (auto const value : {true, false}) {
+    for (const auto value : {true, false}) {
         this->store().setBool(value, "b");
         EXPECT_EQ(this->store().boolForKey("b"), value);
     }
-    for (auto const* const value :
+    for (const auto* const value :
          {"", "eye", "true", "12", "0.5", " padded ", "\"quoted\"", "a=b;c#d", "[General]",
           "two\nlines\r\n\tand \\ more", "äöü 👁"}) {
         this->store().setObject(value, "s");

@@ -54,10 +54,10 @@ TYPED_TEST_P(DisplaysContract, ListIsCountedAndThenFilled) {
 }
 
 TYPED_TEST_P(DisplaysContract, DisplayHasItsModeAndBounds) {
-    auto const id = this->list().at(0);
-    auto const mode = this->harness.displays().displayCopyDisplayMode(id);
+    const auto id = this->list().at(0);
+    const auto mode = this->harness.displays().displayCopyDisplayMode(id);
     ASSERT_TRUE(mode.has_value());
-    auto const bounds = this->harness.displays().displayBounds(id);
+    const auto bounds = this->harness.displays().displayBounds(id);
     EXPECT_EQ(bounds.width, mode->width);
     EXPECT_EQ(bounds.height, mode->height);
 }
@@ -73,9 +73,9 @@ TYPED_TEST_P(DisplaysContract, UnknownDisplayIsNothingAndFails) {
 
 TYPED_TEST_P(DisplaysContract, PluggingAndUnpluggingIsNotifiedWithTheNewList) {
     std::vector<std::size_t> sizes;
-    auto const subscription = this->harness.notificationCenter().observe(
+    const auto subscription = this->harness.notificationCenter().observe(
         didChangeScreenParametersNotification, [&] { sizes.push_back(this->list().size()); });
-    auto const before = this->list();
+    const auto before = this->list();
     this->harness.plug();
     ASSERT_FALSE(sizes.empty());
     EXPECT_EQ(sizes.back(), 2U);
@@ -85,9 +85,9 @@ TYPED_TEST_P(DisplaysContract, PluggingAndUnpluggingIsNotifiedWithTheNewList) {
 }
 
 TYPED_TEST_P(DisplaysContract, TablesReachTheDisplayOverItsFactoryOnes) {
-    auto const id = this->list().at(0);
-    auto const factory = this->harness.factoryTop(id);
-    for (auto const level : {0.5F, 0.0F, 1.0F}) {
+    const auto id = this->list().at(0);
+    const auto factory = this->harness.factoryTop(id);
+    for (const auto level : {0.5F, 0.0F, 1.0F}) {
         EXPECT_EQ(this->setRamp(id, level), statusSuccess);
         EXPECT_NEAR(this->harness.top(id), level * factory, this->oneStep);
     }
@@ -95,7 +95,7 @@ TYPED_TEST_P(DisplaysContract, TablesReachTheDisplayOverItsFactoryOnes) {
 
 TYPED_TEST_P(DisplaysContract, EveryDisplayHasTablesOfItsOwn) {
     this->harness.plug();
-    auto const ids = this->list();
+    const auto ids = this->list();
     ASSERT_EQ(ids.size(), 2U);
     EXPECT_EQ(this->setRamp(ids[0], 0.5F), statusSuccess);
     EXPECT_EQ(this->setRamp(ids[1], 0.25F), statusSuccess);
@@ -105,7 +105,7 @@ TYPED_TEST_P(DisplaysContract, EveryDisplayHasTablesOfItsOwn) {
 
 TYPED_TEST_P(DisplaysContract, UnpluggedDisplayFailsAndHarmsNoOther) {
     this->harness.plug();
-    auto const ids = this->list();
+    const auto ids = this->list();
     ASSERT_EQ(ids.size(), 2U);
     this->harness.unplug();
     EXPECT_NE(this->setRamp(ids[1], 0.5F), statusSuccess);
@@ -114,8 +114,8 @@ TYPED_TEST_P(DisplaysContract, UnpluggedDisplayFailsAndHarmsNoOther) {
 }
 
 TYPED_TEST_P(DisplaysContract, RestoringGivesTheFactoryTablesBackAndMayBeFollowedByAWrite) {
-    auto const id = this->list().at(0);
-    auto const factory = this->harness.factoryTop(id);
+    const auto id = this->list().at(0);
+    const auto factory = this->harness.factoryTop(id);
     this->setRamp(id, 0.5F);
     this->harness.gammaOutput().displayRestoreColorSyncSettings();
     EXPECT_EQ(this->harness.top(id), factory);
@@ -128,8 +128,8 @@ TYPED_TEST_P(DisplaysContract, RestoringGivesTheFactoryTablesBackAndMayBeFollowe
 REGISTER_TYPED_TEST_SUITE_P(DisplaysContract, ListIsCountedAndThenFilled,
                             DisplayHasItsModeAndBounds, UnknownDisplayIsNothingAndFails,
                             PluggingAndUnpluggingIsNotifiedWithTheNewList,
-                            TablesReachTheDisplayOverItsFactoryOnes,
-                            EveryDisplayHasTablesOfItsOwn, UnpluggedDisplayFailsAndHarmsNoOther,
+                            TablesReachTheDisplayOverItsFactoryOnes, EveryDisplayHasTablesOfItsOwn,
+                            UnpluggedDisplayFailsAndHarmsNoOther,
                             RestoringGivesTheFactoryTablesBackAndMayBeFollowedByAWrite);
 
 } // namespace nocta

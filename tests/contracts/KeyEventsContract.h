@@ -21,7 +21,7 @@ TYPED_TEST_SUITE_P(KeyEventsContract);
 
 TYPED_TEST_P(KeyEventsContract, TapHearsTheBrightnessKeys) {
     std::vector<std::int64_t> keys;
-    auto const tap = this->harness.keyEvents().createKeyDownTap(
+    const auto tap = this->harness.keyEvents().createKeyDownTap(
         [&](const KeyDownEvent& event) { keys.push_back(event.keyCode); });
     ASSERT_TRUE(tap);
     this->harness.pressBrightnessUp();
@@ -32,7 +32,7 @@ TYPED_TEST_P(KeyEventsContract, TapHearsTheBrightnessKeys) {
 
 TYPED_TEST_P(KeyEventsContract, MonitorHearsThemAsAuxiliaryControlButtons) {
     std::vector<std::int64_t> data;
-    auto const monitor = this->harness.keyEvents().addGlobalMonitorForSystemDefinedEvents(
+    const auto monitor = this->harness.keyEvents().addGlobalMonitorForSystemDefinedEvents(
         [&](const SystemDefinedEvent& event) {
             EXPECT_EQ(event.subtype, 8);
             data.push_back(event.data1);
@@ -47,7 +47,7 @@ TYPED_TEST_P(KeyEventsContract, NothingIsHeardAfterTheSubscriptionHasEnded) {
     int ended = 0;
     int lasting = 0;
     auto tap = this->harness.keyEvents().createKeyDownTap([&](const KeyDownEvent&) { ++ended; });
-    auto const other =
+    const auto other =
         this->harness.keyEvents().createKeyDownTap([&](const KeyDownEvent&) { ++lasting; });
     tap.cancel();
     this->harness.pressBrightnessUp();

@@ -70,7 +70,7 @@ TYPED_TEST_P(RunLoopContract, RepeatingTimerFiresUntilItIsInvalidatedInItsOwnAct
 }
 
 TYPED_TEST_P(RunLoopContract, TimerDoesNotFireBeforeItsTime) {
-    auto const start = this->loop().monotonicNow();
+    const auto start = this->loop().monotonicNow();
     std::optional<MonotonicTime> fired;
     Timer timer;
     timer.start(this->loop(), 3 * this->tick, Repeat::no,
@@ -80,7 +80,7 @@ TYPED_TEST_P(RunLoopContract, TimerDoesNotFireBeforeItsTime) {
 }
 
 TYPED_TEST_P(RunLoopContract, TimerMayBeDestroyedInItsOwnAction) {
-    auto const token = std::make_shared<int>(0);
+    const auto token = std::make_shared<int>(0);
     auto timer = std::make_unique<Timer>();
     timer->start(this->loop(), this->tick, Repeat::yes, [&timer, token] {
         timer.reset();

@@ -53,7 +53,7 @@ TEST_F(BrightnessControllerTest, AsksAboutTheMainDisplayAlone) {
     desktop.displays.plug({.id = builtIn, .isBuiltIn = true});
     start();
     EXPECT_FALSE(brightness().isAvailable()) << "the built-in display is not the main one";
-    for (auto const& call : calls("getBrightness")) {
+    for (const auto& call : calls("getBrightness")) {
         EXPECT_EQ(call, "getBrightness 2");
     }
 }
@@ -83,7 +83,7 @@ TEST_F(BrightnessControllerTest, TellsTheDelegateOfTheBrightnessKeysWithTheLevel
 TEST_F(BrightnessControllerTest, OtherSystemDefinedEventsAreIgnored) {
     plugBuiltIn();
     start();
-    for (auto const& event : {
+    for (const auto& event : {
              SystemDefinedEvent{.subtype = 7, .data1 = 0x910A00},
              SystemDefinedEvent{.subtype = 8, .data1 = 0x910B00}, // up
              SystemDefinedEvent{.subtype = 8, .data1 = 0x910C00},
@@ -111,7 +111,7 @@ TEST_F(BrightnessControllerTest, KeysAreIgnoredWithOnlyExternalDisplays) {
 TEST_F(BrightnessControllerTest, DelegateIsNotKeptAlive) {
     plugBuiltIn();
     start();
-    std::weak_ptr<Listener> const gone = listener;
+    const std::weak_ptr<Listener> gone = listener;
     listener.reset();
     EXPECT_TRUE(gone.expired());
     desktop.keyboard.pressBrightnessUp();

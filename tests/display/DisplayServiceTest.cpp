@@ -14,13 +14,13 @@ class DisplayServiceTest : public TestDesktop {
 protected:
     std::vector<std::string> names() {
         std::vector<std::string> found;
-        for (auto const& display : displayService().activeDisplays()) {
+        for (const auto& display : displayService().activeDisplays()) {
             found.push_back(display.name);
         }
         return found;
     }
     std::optional<DisplayId> mainId() {
-        auto const& main = displayService().mainDisplay.get();
+        const auto& main = displayService().mainDisplay.get();
         return main ? std::optional(main->id) : std::nullopt;
     }
 };
@@ -39,7 +39,7 @@ TEST_F(DisplayServiceTest, RecordOfADisplay) {
                            .isMain = true,
                            .mode = DisplayMode{2560, 1440},
                            .bounds = {-1280, 20, 1280, 720}});
-    DisplayInfo const expected{.id = 9,
+    const DisplayInfo expected{.id = 9,
                                .name = "2560x1440",
                                .isBuiltIn = false,
                                .isMain = true,
@@ -122,8 +122,8 @@ public:
 
 TEST(DisplayServiceRaceTest, DisplayThatGoesWhileTheListIsReadIsNotInIt) {
     ShrinkingDisplays displays;
-    DisplayService const service(displays);
-    auto const list = service.activeDisplays();
+    const DisplayService service(displays);
+    const auto list = service.activeDisplays();
     ASSERT_EQ(list.size(), 1U);
     EXPECT_EQ(list[0].name, "Display 6");
 }

@@ -18,7 +18,7 @@ protected:
     std::vector<float> blueTable(DisplayId id) { return desktop.displays.display(id).blue; }
 
     static std::vector<float> blueOf(std::int64_t kelvin, float dimming, float saturation) {
-        auto const tables = makeGammaTables(kelvin, dimming, saturation);
+        const auto tables = makeGammaTables(kelvin, dimming, saturation);
         return {tables.blue.begin(), tables.blue.end()};
     }
 };
@@ -40,7 +40,7 @@ TEST_F(GammaControllerTest, EachSetterWritesEveryDisplayWithAllThreeInputs) {
     gamma().setTemperature(3000);
     gamma().setSaturation(0.5F);
     EXPECT_EQ(calls("setDisplayTransferByTable").size(), 6U);
-    for (auto const id : {builtIn, external}) {
+    for (const auto id : {builtIn, external}) {
         EXPECT_EQ(blueTable(id), blueOf(3000, 0.25F, 0.5F));
         EXPECT_EQ(gamma().currentDimming().at(id), 0.25F);
         EXPECT_EQ(gamma().currentTemperature().at(id), 3000);
@@ -63,7 +63,7 @@ TEST_F(GammaControllerTest, DimmingAndSaturationAreClamped) {
         float given;
         float stored;
     };
-    for (auto const& [given, stored] :
+    for (const auto& [given, stored] :
          {Row{1.5F, 1.0F}, Row{-0.2F, 0.0F}, Row{0.0F, 0.0F}, Row{1.0F, 1.0F},
           Row{std::numeric_limits<float>::infinity(), 1.0F},
           Row{-std::numeric_limits<float>::infinity(), 0.0F}}) {
@@ -81,7 +81,7 @@ TEST_F(GammaControllerTest, TemperatureIsClamped) {
         std::int64_t given;
         std::int64_t stored;
     };
-    for (auto const& [given, stored] :
+    for (const auto& [given, stored] :
          {Row{500, 1000}, Row{1000, 1000}, Row{1001, 1001}, Row{999, 1000}, Row{10000, 10000},
           Row{10001, 10000}, Row{20000, 10000}, Row{std::numeric_limits<std::int64_t>::min(), 1000},
           Row{std::numeric_limits<std::int64_t>::max(), 10000}}) {
@@ -153,10 +153,10 @@ TEST_F(GammaControllerTest, FailingDisplayStopsNothing) {
 
 TEST_F(GammaControllerTest, ListThatIsNot256LongIsInvalid) {
     plugBuiltIn();
-    std::array<float, 257> const levels{};
-    auto const right = std::span(levels).first(256);
-    for (auto const size : {0U, 255U, 257U}) {
-        auto const wrong = std::span(levels).first(size);
+    const std::array<float, 257> levels{};
+    const auto right = std::span(levels).first(256);
+    for (const auto size : {0U, 255U, 257U}) {
+        const auto wrong = std::span(levels).first(size);
         EXPECT_EQ(gamma().applyTables(wrong, right, right, builtIn), GammaError::invalidTable);
         EXPECT_EQ(gamma().applyTables(right, wrong, right, builtIn), GammaError::invalidTable);
         EXPECT_EQ(gamma().applyTables(right, right, wrong, builtIn), GammaError::invalidTable);
@@ -166,7 +166,7 @@ TEST_F(GammaControllerTest, ListThatIsNot256LongIsInvalid) {
 }
 
 TEST_F(GammaControllerTest, RefusedTableIsAnError) {
-    std::array<float, 256> const levels{};
+    const std::array<float, 256> levels{};
     EXPECT_EQ(gamma().applyTables(levels, levels, levels, 0xDEAD), GammaError::setTableFailed);
     static_assert(static_cast<int>(GammaError::displayNotFound) == 0);
     static_assert(static_cast<int>(GammaError::setTableFailed) == 1);

@@ -21,7 +21,7 @@ struct White {
     double blue = 1;
 
     explicit White(double kelvin) {
-        auto const t = kelvin / 100;
+        const auto t = kelvin / 100;
         if (t <= 66) {
             green = clamped((99.4708025861 * std::log(t) - 161.1195681661) / 255);
         } else {
@@ -29,7 +29,8 @@ struct White {
             green = clamped(288.1221695283 * std::pow(t - 60, -0.0755148492) / 255);
         }
         if (t < 66) {
-            blue = t <= 19 ? 0 : clamped((138.5177312231 * std::log(t - 10) - 305.0447927307) / 255);
+            blue =
+                t <= 19 ? 0 : clamped((138.5177312231 * std::log(t - 10) - 305.0447927307) / 255);
         }
     }
 };
@@ -38,8 +39,8 @@ constexpr double singlePrecision = 2e-6;
 
 TEST(GammaTables, WhitePointAgreesWithDoublePrecisionAtEveryKelvin) {
     for (std::int64_t kelvin = 1000; kelvin <= 10000; ++kelvin) {
-        White const expected(static_cast<double>(kelvin));
-        auto const white = rgbMultipliers(kelvin);
+        const White expected(static_cast<double>(kelvin));
+        const auto white = rgbMultipliers(kelvin);
         ASSERT_NEAR(white.red, expected.red, singlePrecision) << kelvin;
         ASSERT_NEAR(white.green, expected.green, singlePrecision) << kelvin;
         ASSERT_NEAR(white.blue, expected.blue, singlePrecision) << kelvin;
@@ -47,28 +48,28 @@ TEST(GammaTables, WhitePointAgreesWithDoublePrecisionAtEveryKelvin) {
 }
 
 TEST(GammaTables, WhitePointAtItsBoundaries) {
-    auto const at1900 = rgbMultipliers(1900);
+    const auto at1900 = rgbMultipliers(1900);
     EXPECT_EQ(at1900.blue, 0.0F);
-    auto const at1910 = rgbMultipliers(1910);
+    const auto at1910 = rgbMultipliers(1910);
     EXPECT_GT(at1910.blue, 0.0F);
     EXPECT_LT(at1910.blue, 0.01F);
-    auto const at6500 = rgbMultipliers(6500);
+    const auto at6500 = rgbMultipliers(6500);
     EXPECT_EQ(at6500.red, 1.0F);
     EXPECT_NEAR(at6500.green, 0.9965, 5e-5);
     EXPECT_NEAR(at6500.blue, 0.9806, 5e-5);
-    auto const at6600 = rgbMultipliers(6600);
+    const auto at6600 = rgbMultipliers(6600);
     EXPECT_EQ(at6600.red, 1.0F);
     EXPECT_EQ(at6600.green, 1.0F) << "of the lower branch, which is above 1 there";
     EXPECT_EQ(at6600.blue, 1.0F);
-    auto const at6601 = rgbMultipliers(6601);
+    const auto at6601 = rgbMultipliers(6601);
     EXPECT_NEAR(at6601.green, 288.122162 * std::pow(6.01, -0.0755148456) / 255, singlePrecision);
     EXPECT_EQ(at6601.blue, 1.0F);
 }
 
 TEST(GammaTables, ArithmeticIsInSinglePrecisionWithTheConstantsToTheBit) {
-    auto const constant = [](std::uint32_t bits) { return std::bit_cast<float>(bits); };
+    const auto constant = [](std::uint32_t bits) { return std::bit_cast<float>(bits); };
     for (std::int64_t kelvin = 1000; kelvin <= 10000; kelvin += 7) {
-        auto const t = static_cast<float>(kelvin) / 100.0F;
+        const auto t = static_cast<float>(kelvin) / 100.0F;
         float green = 0;
         if (t <= 66.0F) {
             green = constant(0x42C6F10D) * std::log(t) - constant(0x43211E9C);
@@ -77,10 +78,10 @@ TEST(GammaTables, ArithmeticIsInSinglePrecisionWithTheConstantsToTheBit) {
         }
         EXPECT_EQ(rgbMultipliers(kelvin).green, clamp01(green / 255.0F)) << kelvin;
         if (t > 66.0F) {
-            auto const red = constant(0x43A4D970) * std::pow(t - 60.0F, -constant(0x3E0866D4));
+            const auto red = constant(0x43A4D970) * std::pow(t - 60.0F, -constant(0x3E0866D4));
             EXPECT_EQ(rgbMultipliers(kelvin).red, clamp01(red / 255.0F)) << kelvin;
         } else if (t > 19.0F && t < 66.0F) {
-            auto const blue = constant(0x430A848A) * std::log(t - 10.0F) - constant(0x439885BC);
+            const auto blue = constant(0x430A848A) * std::log(t - 10.0F) - constant(0x439885BC);
             EXPECT_EQ(rgbMultipliers(kelvin).blue, clamp01(blue / 255.0F)) << kelvin;
         }
     }
@@ -91,15 +92,15 @@ TEST(GammaTables, TablesAgreeWithAnIndependentComputation) {
     std::uniform_int_distribution<std::int64_t> kelvins(1000, 10000);
     std::uniform_real_distribution<float> fractions(0, 1);
     for (int round = 0; round < 500; ++round) {
-        auto const kelvin = kelvins(random);
-        auto const dimming = fractions(random);
-        auto const saturation = fractions(random);
-        White const white(static_cast<double>(kelvin));
-        auto const luminance = 0.299 * white.red + 0.587 * white.green + 0.114 * white.blue;
-        auto const tables = makeGammaTables(kelvin, dimming, saturation);
+        const auto kelvin = kelvins(random);
+        const auto dimming = fractions(random);
+        const auto saturation = fractions(random);
+        const White white(static_cast<double>(kelvin));
+        const auto luminance = 0.299 * white.red + 0.587 * white.green + 0.114 * white.blue;
+        const auto tables = makeGammaTables(kelvin, dimming, saturation);
         for (std::size_t i = 0; i < gammaTableSize; ++i) {
-            auto const x = (1.0 - double{dimming}) * static_cast<double>(i) / 255;
-            auto const gray = (1.0 - double{saturation}) * luminance;
+            const auto x = (1.0 - double{dimming}) * static_cast<double>(i) / 255;
+            const auto gray = (1.0 - double{saturation}) * luminance;
             ASSERT_NEAR(tables.red[i], x * (saturation * white.red + gray), singlePrecision);
             ASSERT_NEAR(tables.green[i], x * (saturation * white.green + gray), singlePrecision);
             ASSERT_NEAR(tables.blue[i], x * (saturation * white.blue + gray), singlePrecision);
@@ -110,19 +111,19 @@ TEST(GammaTables, TablesAgreeWithAnIndependentComputation) {
 TEST(GammaTables, EntryIsComputedInTheGivenOrderToTheBit) {
     constexpr float dimming = 0.37F;
     constexpr float saturation = 0.6F;
-    auto const white = rgbMultipliers(3100);
-    auto const luminance = 0.299F * white.red + 0.587F * white.green + 0.114F * white.blue;
-    auto const tables = makeGammaTables(3100, dimming, saturation);
+    const auto white = rgbMultipliers(3100);
+    const auto luminance = 0.299F * white.red + 0.587F * white.green + 0.114F * white.blue;
+    const auto tables = makeGammaTables(3100, dimming, saturation);
     for (std::size_t i = 0; i < gammaTableSize; ++i) {
-        float const x = (1.0F - dimming) * (static_cast<float>(i) / 255.0F);
-        float const colored = saturation * (white.green * x);
-        float const gray = (1.0F - saturation) * (luminance * x);
+        const float x = (1.0F - dimming) * (static_cast<float>(i) / 255.0F);
+        const float colored = saturation * (white.green * x);
+        const float gray = (1.0F - saturation) * (luminance * x);
         EXPECT_EQ(tables.green[i], colored + gray) << i;
     }
 }
 
 TEST(GammaTables, FullDimmingIsBlack) {
-    auto const tables = makeGammaTables(4000, 1.0F, 1.0F);
+    const auto tables = makeGammaTables(4000, 1.0F, 1.0F);
     for (std::size_t i = 0; i < gammaTableSize; ++i) {
         EXPECT_EQ(tables.red[i], 0.0F);
         EXPECT_EQ(tables.green[i], 0.0F);
@@ -131,8 +132,8 @@ TEST(GammaTables, FullDimmingIsBlack) {
 }
 
 TEST(GammaTables, WithoutSaturationTheThreeTablesAreEqual) {
-    for (auto const kelvin : {1000, 2700, 6500, 10000}) {
-        auto const tables = makeGammaTables(kelvin, 0.3F, 0.0F);
+    for (const auto kelvin : {1000, 2700, 6500, 10000}) {
+        const auto tables = makeGammaTables(kelvin, 0.3F, 0.0F);
         EXPECT_EQ(tables.red, tables.green) << kelvin;
         EXPECT_EQ(tables.red, tables.blue) << kelvin;
     }

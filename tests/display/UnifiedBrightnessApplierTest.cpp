@@ -32,7 +32,7 @@ TEST_F(UnifiedBrightnessApplierTest, CurveWithABacklight) {
         float dimming;
         float dimmingWithFullBlack;
     };
-    for (auto const& row : {
+    for (const auto& row : {
              Row{1.0, 1.0F, 0.0F, 0.0F},
              Row{0.75, 0.55F, 0.0F, 0.0F},
              Row{0.5, 0.1F, 0.0F, 0.0F},
@@ -42,11 +42,11 @@ TEST_F(UnifiedBrightnessApplierTest, CurveWithABacklight) {
              Row{0.04, 0.1F, 0.9F, 0.92F},
              Row{0.0, 0.1F, 0.9F, 1.0F},
          }) {
-        for (auto const fullBlack : {false, true}) {
+        for (const auto fullBlack : {false, true}) {
             settings().allowFullBlack.set(fullBlack);
             applier().apply(row.brightness);
             EXPECT_FLOAT_EQ(backlight(), row.backlight) << row.brightness;
-            auto const expected = fullBlack ? row.dimmingWithFullBlack : row.dimming;
+            const auto expected = fullBlack ? row.dimmingWithFullBlack : row.dimming;
             EXPECT_FLOAT_EQ(gamma().currentDimming().at(builtIn), expected) << row.brightness;
             EXPECT_FLOAT_EQ(gamma().currentDimming().at(external), expected) << row.brightness;
         }
@@ -58,10 +58,10 @@ TEST_F(UnifiedBrightnessApplierTest, ConversionsAndClampsAreInTheGivenOrder) {
     plugExternal();
     start();
     for (int step = 0; step <= 1000; ++step) {
-        auto const v = step / 1000.0;
+        const auto v = step / 1000.0;
         applier().apply(v);
         if (v >= 0.5) {
-            auto const level = static_cast<float>((v - 0.5) * 2 * 0.9 + 0.1);
+            const auto level = static_cast<float>((v - 0.5) * 2 * 0.9 + 0.1);
             ASSERT_EQ(backlight(), std::max(std::min(level, 1.0F), 0.1F)) << v;
             ASSERT_EQ(dimming(), 0.0F);
         } else {
@@ -76,7 +76,7 @@ TEST_F(UnifiedBrightnessApplierTest, BacklightIsWrittenBeforeTheTables) {
     plugExternal();
     start();
     applier().apply(0.25);
-    auto const written = calls("set");
+    const auto written = calls("set");
     ASSERT_EQ(written.size(), 3U);
     EXPECT_EQ(written[0], "setBrightness 1 0.1");
     EXPECT_TRUE(written[1].starts_with("setDisplayTransferByTable 1"));
@@ -86,9 +86,9 @@ TEST_F(UnifiedBrightnessApplierTest, BacklightIsWrittenBeforeTheTables) {
 TEST_F(UnifiedBrightnessApplierTest, OnlyExternalDisplaysAreDimmedOverTheWholeRange) {
     plugExternal();
     start();
-    for (auto const& [v, expected] : {std::pair{1.0, 0.0F}, std::pair{0.75, 0.25F},
-                                      std::pair{0.5, 0.5F}, std::pair{0.3, 0.7F},
-                                      std::pair{0.1, 0.9F}, std::pair{0.0, 0.9F}}) {
+    for (const auto& [v, expected] :
+         {std::pair{1.0, 0.0F}, std::pair{0.75, 0.25F}, std::pair{0.5, 0.5F}, std::pair{0.3, 0.7F},
+          std::pair{0.1, 0.9F}, std::pair{0.0, 0.9F}}) {
         applier().apply(v);
         EXPECT_EQ(dimming(), std::min(0.9F, static_cast<float>(1 - v))) << v;
         EXPECT_FLOAT_EQ(dimming(), expected) << v;
@@ -126,8 +126,8 @@ TEST_F(UnifiedBrightnessApplierTest, EveryBuiltInDisplayIsDrivenInListOrder) {
     desktop.displays.plug({.id = 4, .isBuiltIn = true});
     start();
     applier().apply(1.0);
-    EXPECT_EQ(backlightCalls(), (std::vector<std::string>{"setBrightness 5 1",
-                                                          "setBrightness 4 1"}));
+    EXPECT_EQ(backlightCalls(),
+              (std::vector<std::string>{"setBrightness 5 1", "setBrightness 4 1"}));
 }
 
 TEST_F(UnifiedBrightnessApplierTest, FailingBacklightWriteIsIgnored) {

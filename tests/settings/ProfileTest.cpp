@@ -17,8 +17,9 @@ protected:
 };
 
 TEST_F(ProfileTest, BuiltInProfiles) {
-    auto const& [everydayProfile, nightOwl, focus] = instances().builtInProfiles();
-    EXPECT_EQ(everydayProfile, (Profile{everydayProfile.id, "Everyday", 0.75, 0.5, false, true, 20, true}));
+    const auto& [everydayProfile, nightOwl, focus] = instances().builtInProfiles();
+    EXPECT_EQ(everydayProfile,
+              (Profile{everydayProfile.id, "Everyday", 0.75, 0.5, false, true, 20, true}));
     EXPECT_EQ(nightOwl, (Profile{nightOwl.id, "Night Owl", 0.4, 0.8, false, true, 30, true}));
     EXPECT_EQ(focus, (Profile{focus.id, "Focus", 0.6, 0.3, true, true, 25, true}));
 }
@@ -32,13 +33,13 @@ TEST_F(ProfileTest, EverydayIsWhatTheSettingsStartWith) {
 }
 
 TEST_F(ProfileTest, IdsAreMadeOnceARunAndNewInTheNext) {
-    auto const id = everyday().id;
+    const auto id = everyday().id;
     EXPECT_EQ(Profile::builtInProfiles()[0].id, id) << "one constant for the process";
     settings().applyProfile(everyday());
     launch();
     restart();
     ASSERT_EQ(settings().activeProfileId.get(), id) << "loaded";
-    for (auto const& profile : instances().builtInProfiles()) {
+    for (const auto& profile : instances().builtInProfiles()) {
         EXPECT_NE(profile.id, id);
     }
 }
@@ -49,7 +50,7 @@ TEST_F(ProfileTest, IconAndDescriptionFollowTheNameExactly) {
         std::string_view icon;
         std::string_view description;
     };
-    for (auto const& [name, icon, description] :
+    for (const auto& [name, icon, description] :
          {Row{"Everyday", "sun.max", "Balanced for daily use"},
           Row{"Night Owl", "moon.stars", "Warmer & dimmer for night"},
           Row{"Focus", "brain.head.profile", "Minimal distractions"}, Row{"Custom", "circle", ""},
@@ -76,7 +77,7 @@ TEST_F(ProfileTest, JsonHasExactlyTheEightFieldsAndReadsBack) {
 
 TEST_F(ProfileTest, JsonThatIsNoProfileIsRefused) {
     nlohmann::json const good = everyday();
-    for (auto const& [key, value] : good.items()) {
+    for (const auto& [key, value] : good.items()) {
         auto json = good;
         json.erase(key);
         EXPECT_THROW(json.get<Profile>(), nlohmann::json::exception) << key << " missing";
@@ -98,7 +99,7 @@ TEST_F(ProfileTest, EqualityIncludesTheId) {
 
 TEST(MenuBarIconTest, RawValuesAreTheSymbolNamesInOrder) {
     std::vector<std::string_view> names;
-    for (auto const icon : allMenuBarIcons) {
+    for (const auto icon : allMenuBarIcons) {
         names.push_back(rawValue(icon));
         EXPECT_EQ(menuBarIconFromRawValue(rawValue(icon)), icon);
     }

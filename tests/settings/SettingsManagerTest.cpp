@@ -75,24 +75,16 @@ TEST_F(SettingsManagerTest, EmptyStoreReadsAsTheDefaults) {
 
 TEST_F(SettingsManagerTest, FifteenDefaultsAreRegisteredAndThenEveryKeyIsLoadedInOrder) {
     settings();
-    EXPECT_EQ(calls(), (Calls{"registerDefaults 15",
-                              "doubleForKey unifiedBrightness",
-                              "doubleForKey warmthLevel",
-                              "boolForKey grayscaleEnabled",
-                              "boolForKey breakTimerEnabled",
-                              "integerForKey breakIntervalMinutes",
-                              "integerForKey breakDurationSeconds",
-                              "boolForKey suspendDuringMeetings",
-                              "integerForKey colorTemperatureDay",
-                              "integerForKey colorTemperatureNight",
-                              "boolForKey autoWarmthEnabled",
-                              "boolForKey locationEnabled",
-                              "boolForKey launchAtLogin",
-                              "boolForKey isFirstLaunch",
-                              "boolForKey allowFullBlack",
-                              "stringForKey menuBarIcon",
-                              "stringForKey activeProfileId",
-                              "removeObjectForKey activeProfileId"}));
+    EXPECT_EQ(
+        calls(),
+        (Calls{"registerDefaults 15", "doubleForKey unifiedBrightness", "doubleForKey warmthLevel",
+               "boolForKey grayscaleEnabled", "boolForKey breakTimerEnabled",
+               "integerForKey breakIntervalMinutes", "integerForKey breakDurationSeconds",
+               "boolForKey suspendDuringMeetings", "integerForKey colorTemperatureDay",
+               "integerForKey colorTemperatureNight", "boolForKey autoWarmthEnabled",
+               "boolForKey locationEnabled", "boolForKey launchAtLogin", "boolForKey isFirstLaunch",
+               "boolForKey allowFullBlack", "stringForKey menuBarIcon",
+               "stringForKey activeProfileId", "removeObjectForKey activeProfileId"}));
 }
 
 TEST_F(SettingsManagerTest, StoredValuesAreLoadedEvenOutOfRange) {
@@ -139,7 +131,7 @@ TEST_F(SettingsManagerTest, EveryWriteIsPersistedWithItsTypedSetter) {
 
 TEST_F(SettingsManagerTest, WriteIsPublishedBeforeItIsPersisted) {
     double storedWhenPublished = -1;
-    auto const subscription = settings().unifiedBrightness.subscribe([&](double /*value*/) {
+    const auto subscription = settings().unifiedBrightness.subscribe([&](double /*value*/) {
         storedWhenPublished = stored().doubleForKey("unifiedBrightness");
     });
     settings().unifiedBrightness.set(0.3);
@@ -148,7 +140,7 @@ TEST_F(SettingsManagerTest, WriteIsPublishedBeforeItIsPersisted) {
 }
 
 TEST_F(SettingsManagerTest, WriteMadeBySubscriberIsWhatIsPersistedLast) {
-    auto const subscription = settings().unifiedBrightness.subscribe([&](double value) {
+    const auto subscription = settings().unifiedBrightness.subscribe([&](double value) {
         if (value > 1) {
             settings().unifiedBrightness.set(1);
         }
@@ -199,7 +191,7 @@ TEST_F(SettingsManagerTest, ResetMakesFifteenSeparateChangesAndLeavesFirstLaunch
 TEST_F(SettingsManagerTest, ApplyingAProfileCopiesItsFiveValuesAndThenItsId) {
     settings().breakDurationSeconds.set(45);
     watchAll();
-    auto const focus = instances().builtInProfiles()[2];
+    const auto focus = instances().builtInProfiles()[2];
     settings().applyProfile(focus);
     EXPECT_EQ(changes, (Calls{"unifiedBrightness", "warmthLevel", "grayscaleEnabled",
                               "breakTimerEnabled", "breakIntervalMinutes", "activeProfileId"}));
@@ -215,7 +207,7 @@ TEST_F(SettingsManagerTest, ApplyingAProfileCopiesItsFiveValuesAndThenItsId) {
 }
 
 TEST_F(SettingsManagerTest, ChangingASettingKeepsTheActiveProfile) {
-    auto const nightOwl = instances().builtInProfiles()[1];
+    const auto nightOwl = instances().builtInProfiles()[1];
     settings().applyProfile(nightOwl);
     settings().unifiedBrightness.set(0.9);
     EXPECT_EQ(settings().activeProfileId.get(), nightOwl.id);
@@ -226,7 +218,7 @@ TEST_F(SettingsManagerTest, WarmthInOneWord) {
         double warmth;
         std::string_view word;
     };
-    for (auto const& [warmth, word] :
+    for (const auto& [warmth, word] :
          {Row{0.0, "Cool"}, Row{0.3299, "Cool"}, Row{0.33, "Neutral"}, Row{0.6599, "Neutral"},
           Row{0.66, "Warm"}, Row{1.0, "Warm"}}) {
         settings().warmthLevel.set(warmth);

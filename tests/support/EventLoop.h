@@ -10,7 +10,7 @@ namespace nocta {
 
 /// Serves Qt's event loop until the condition holds; false if it never does in an ample time.
 inline bool serveUntil(const std::function<bool()>& condition) {
-    QDeadlineTimer const ample(30000);
+    const QDeadlineTimer ample(30000);
     while (!condition() && !ample.hasExpired()) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     }

@@ -1,16 +1,15 @@
 #include "support/Process.h"
 
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 namespace nocta {
 
@@ -21,7 +20,7 @@ constexpr auto step = 2ms;
 } // namespace
 
 bool waitUntil(const std::function<bool()>& condition) {
-    auto const deadline = std::chrono::steady_clock::now() + ample;
+    const auto deadline = std::chrono::steady_clock::now() + ample;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;
@@ -34,7 +33,7 @@ bool waitUntil(const std::function<bool()>& condition) {
 Process::Process(const std::vector<std::string>& command, const Environment& variables,
                  const std::string& output, int keptDescriptor) {
     std::vector<char*> arguments;
-    for (auto const& word : command) {
+    for (const auto& word : command) {
         arguments.push_back(const_cast<char*>(word.c_str()));
     }
     arguments.push_back(nullptr);
@@ -42,7 +41,7 @@ Process::Process(const std::vector<std::string>& command, const Environment& var
     if (id_ != 0) {
         return;
     }
-    for (auto const& [name, value] : variables) {
+    for (const auto& [name, value] : variables) {
         if (value.empty()) {
             unsetenv(name.c_str());
         } else {
@@ -50,7 +49,7 @@ Process::Process(const std::vector<std::string>& command, const Environment& var
         }
     }
     if (!output.empty()) {
-        auto const file = open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+        const auto file = open(output.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
         dup2(file, STDOUT_FILENO);
         dup2(file, STDERR_FILENO);
         close(file);
@@ -89,7 +88,7 @@ int Process::wait() {
 
 int runToEnd(const std::vector<std::string>& command, const Process::Environment& variables) {
     Process process(command, variables);
-    auto const status = process.wait();
+    const auto status = process.wait();
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

@@ -46,7 +46,9 @@ protected:
     static constexpr DisplayId external = 2;
     static constexpr DisplayId secondExternal = 3;
 
-    void plugBuiltIn() { desktop.displays.plug({.id = builtIn, .isBuiltIn = true, .isMain = true}); }
+    void plugBuiltIn() {
+        desktop.displays.plug({.id = builtIn, .isBuiltIn = true, .isMain = true});
+    }
     void plugExternal(DisplayId id = external) {
         desktop.displays.plug({.id = id, .mode = DisplayMode{2560, 1440}});
     }
@@ -61,7 +63,9 @@ protected:
     UnifiedBrightnessApplier& applier() { return instances().brightnessApplier(); }
     ShortcutsManager& shortcuts() { return instances().shortcutsManager(); }
 
-    AppDelegate& delegate() { return delegate_ ? *delegate_ : delegate_.emplace(instances(), views); }
+    AppDelegate& delegate() {
+        return delegate_ ? *delegate_ : delegate_.emplace(instances(), views);
+    }
     void launch() { desktop.application.launch(delegate()); }
     void quit() { desktop.application.terminate(); }
 
@@ -76,7 +80,7 @@ protected:
 
     /// The dimming that a display's red table shows: red is not tinted at 6500 K.
     float shownDimming(DisplayId id) {
-        auto const& red = desktop.displays.display(id).red;
+        const auto& red = desktop.displays.display(id).red;
         return red.empty() ? 0.0F : 1.0F - red.back();
     }
     float backlight() { return desktop.displays.display(builtIn).backlight; }

@@ -43,12 +43,12 @@ XClient::~XClient() {
 }
 
 std::vector<xcb_randr_crtc_t> XClient::activeCrtcs() {
-    auto const resources = needed(xcb_randr_get_screen_resources_current_reply(
+    const auto resources = needed(xcb_randr_get_screen_resources_current_reply(
         x_, xcb_randr_get_screen_resources_current(x_, root_), nullptr));
-    auto const* const outputs = xcb_randr_get_screen_resources_current_outputs(resources.get());
+    const auto* const outputs = xcb_randr_get_screen_resources_current_outputs(resources.get());
     std::vector<xcb_randr_crtc_t> crtcs;
     for (int i = 0; i < resources->num_outputs; ++i) {
-        if (auto const crtc = crtcOf(outputs[i]); crtc != XCB_NONE) {
+        if (const auto crtc = crtcOf(outputs[i]); crtc != XCB_NONE) {
             crtcs.push_back(crtc);
         }
     }
@@ -56,14 +56,14 @@ std::vector<xcb_randr_crtc_t> XClient::activeCrtcs() {
 }
 
 xcb_randr_crtc_t XClient::crtcOf(xcb_randr_output_t output) {
-    auto const info = needed(xcb_randr_get_output_info_reply(
+    const auto info = needed(xcb_randr_get_output_info_reply(
         x_, xcb_randr_get_output_info(x_, output, XCB_CURRENT_TIME), nullptr));
     return info->crtc;
 }
 
 XClient::Ramp XClient::ramp(xcb_randr_crtc_t crtc) {
-    auto const reply = needed(
-        xcb_randr_get_crtc_gamma_reply(x_, xcb_randr_get_crtc_gamma(x_, crtc), nullptr));
+    const auto reply =
+        needed(xcb_randr_get_crtc_gamma_reply(x_, xcb_randr_get_crtc_gamma(x_, crtc), nullptr));
     Ramp ramp;
     std::array const channels = {xcb_randr_get_crtc_gamma_red(reply.get()),
                                  xcb_randr_get_crtc_gamma_green(reply.get()),
@@ -75,10 +75,10 @@ XClient::Ramp XClient::ramp(xcb_randr_crtc_t crtc) {
 }
 
 void XClient::setRamp(xcb_randr_crtc_t crtc, const Ramp& ramp) {
-    auto const request = xcb_randr_set_crtc_gamma_checked(
-        x_, crtc, static_cast<std::uint16_t>(ramp[0].size()), ramp[0].data(), ramp[1].data(),
-        ramp[2].data());
-    if (Owned<xcb_generic_error_t> const error(xcb_request_check(x_, request)); error) {
+    const auto request =
+        xcb_randr_set_crtc_gamma_checked(x_, crtc, static_cast<std::uint16_t>(ramp[0].size()),
+                                         ramp[0].data(), ramp[1].data(), ramp[2].data());
+    if (const Owned<xcb_generic_error_t> error(xcb_request_check(x_, request)); error) {
         throw std::runtime_error("the X server refused a gamma ramp");
     }
 }
@@ -89,7 +89,7 @@ double XClient::top(xcb_randr_crtc_t crtc) {
 
 void XClient::press(xcb_keysym_t symbol) {
     auto* const symbols = xcb_key_symbols_alloc(x_);
-    Owned<xcb_keycode_t> const codes(xcb_key_symbols_get_keycode(symbols, symbol));
+    const Owned<xcb_keycode_t> codes(xcb_key_symbols_get_keycode(symbols, symbol));
     auto code = codes == nullptr ? xcb_keycode_t{0} : *codes;
     xcb_key_symbols_free(symbols);
     if (code == 0) {
@@ -102,12 +102,12 @@ void XClient::press(xcb_keysym_t symbol) {
 }
 
 void XClient::setOutputProperty(const std::string& name, std::uint32_t value) {
-    auto const atom = needed(xcb_intern_atom_reply(
+    const auto atom = needed(xcb_intern_atom_reply(
         x_, xcb_intern_atom(x_, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
         nullptr));
-    auto const resources = needed(xcb_randr_get_screen_resources_current_reply(
+    const auto resources = needed(xcb_randr_get_screen_resources_current_reply(
         x_, xcb_randr_get_screen_resources_current(x_, root_), nullptr));
-    auto const* const outputs = xcb_randr_get_screen_resources_current_outputs(resources.get());
+    const auto* const outputs = xcb_randr_get_screen_resources_current_outputs(resources.get());
     for (int i = 0; i < resources->num_outputs; ++i) {
         if (crtcOf(outputs[i]) != XCB_NONE) {
             xcb_randr_change_output_property(x_, outputs[i], atom->atom, XCB_ATOM_INTEGER, 32,
@@ -118,14 +118,14 @@ void XClient::setOutputProperty(const std::string& name, std::uint32_t value) {
 }
 
 std::vector<xcb_window_t> XClient::windowsOfSize(int width, int height) {
-    auto const tree = needed(xcb_query_tree_reply(x_, xcb_query_tree(x_, root_), nullptr));
+    const auto tree = needed(xcb_query_tree_reply(x_, xcb_query_tree(x_, root_), nullptr));
     std::vector<xcb_window_t> found;
     for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
-        auto const window = xcb_query_tree_children(tree.get())[i];
-        Owned<xcb_get_geometry_reply_t> const size(
+        const auto window = xcb_query_tree_children(tree.get())[i];
+        const Owned<xcb_get_geometry_reply_t> size(
             xcb_get_geometry_reply(x_, xcb_get_geometry(x_, window), nullptr));
-        Owned<xcb_get_window_attributes_reply_t> const state(xcb_get_window_attributes_reply(
-            x_, xcb_get_window_attributes(x_, window), nullptr));
+        const Owned<xcb_get_window_attributes_reply_t> state(
+            xcb_get_window_attributes_reply(x_, xcb_get_window_attributes(x_, window), nullptr));
         if (size && state && state->map_state == XCB_MAP_STATE_VIEWABLE && size->width == width &&
             size->height == height) {
             found.push_back(window);
@@ -138,7 +138,7 @@ XClient::Ramp calibration(std::size_t size, double exponent, std::array<double, 
     XClient::Ramp ramp;
     for (std::size_t channel = 0; channel < ramp.size(); ++channel) {
         for (std::size_t i = 0; i < size; ++i) {
-            auto const level = static_cast<double>(i) / static_cast<double>(size - 1);
+            const auto level = static_cast<double>(i) / static_cast<double>(size - 1);
             ramp[channel].push_back(static_cast<std::uint16_t>(
                 std::lround(65535 * tops[channel] * std::pow(level, exponent))));
         }

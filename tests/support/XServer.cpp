@@ -1,11 +1,10 @@
 #include "support/XServer.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <stdexcept>
+#include <unistd.h>
 
 namespace nocta {
 
@@ -14,17 +13,16 @@ XServer::XServer(Kind kind, const std::vector<std::string>& options) {
     if (pipe2(ends, O_CLOEXEC) != 0) {
         throw std::runtime_error("cannot make a pipe");
     }
-    auto command =
-        kind == Kind::xvfb
-            ? std::vector<std::string>{"Xvfb", "-screen", "0", "1280x800x24"}
-            : std::vector<std::string>{"/usr/lib/xorg/Xorg",
-                                       "-config",
-                                       NOCTA_SOURCE_DIR "/tests/support/dummy-xorg.conf",
-                                       "-logfile",
-                                       folder_.path() + "/log",
-                                       "-novtswitch",
-                                       "-sharevts"};
-    for (auto const* const option : {"-noreset", "-nolisten", "tcp", "-displayfd"}) {
+    auto command = kind == Kind::xvfb
+                       ? std::vector<std::string>{"Xvfb", "-screen", "0", "1280x800x24"}
+                       : std::vector<std::string>{"/usr/lib/xorg/Xorg",
+                                                  "-config",
+                                                  NOCTA_SOURCE_DIR "/tests/support/dummy-xorg.conf",
+                                                  "-logfile",
+                                                  folder_.path() + "/log",
+                                                  "-novtswitch",
+                                                  "-sharevts"};
+    for (const auto* const option : {"-noreset", "-nolisten", "tcp", "-displayfd"}) {
         command.emplace_back(option);
     }
     command.push_back(std::to_string(ends[1]));

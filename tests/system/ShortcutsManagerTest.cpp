@@ -14,7 +14,7 @@ protected:
 
 TEST_F(ShortcutsManagerTest, KeysMoveTheBrightnessBySixteenths) {
     shortcuts().startMonitoring();
-    for (auto const expected : {0.6875, 0.625, 0.5625, 0.5, 0.4375}) {
+    for (const auto expected : {0.6875, 0.625, 0.5625, 0.5, 0.4375}) {
         desktop.keyboard.pressKey(144);
         EXPECT_EQ(value(), expected);
     }
@@ -34,7 +34,7 @@ TEST_F(ShortcutsManagerTest, BrightnessStaysWithinItsRange) {
 
 TEST_F(ShortcutsManagerTest, OtherKeysChangeNothing) {
     shortcuts().startMonitoring();
-    for (auto const key : {0, 49, 53, 107, 113, 143, 146, -1}) {
+    for (const auto key : {0, 49, 53, 107, 113, 143, 146, -1}) {
         desktop.keyboard.pressKey(key);
     }
     EXPECT_EQ(value(), 0.75);
@@ -45,7 +45,7 @@ TEST_F(ShortcutsManagerTest, EachPressIsAppliedTwiceWithTheSameValue) {
     launch();
     desktop.trace.clear();
     desktop.keyboard.pressBrightnessDown();
-    auto const written = calls("setDisplayTransferByTable");
+    const auto written = calls("setDisplayTransferByTable");
     ASSERT_EQ(written.size(), 2U);
     EXPECT_EQ(written[0], written[1]);
     EXPECT_EQ(calls("setDouble").size(), 1U);

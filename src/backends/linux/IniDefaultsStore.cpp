@@ -2,15 +2,14 @@
 
 #include "backends/linux/FileDescriptor.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <iostream>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace nocta {
@@ -22,8 +21,8 @@ constexpr std::size_t largestFile = 1 << 20;
 
 /// The whole content; an error number where it cannot be read or is no settings file by its size.
 int readFile(const std::filesystem::path& file, std::string& content) {
-    FileDescriptor const input(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status{};
+    const FileDescriptor input(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
     if (!input || fstat(input.get(), &status) != 0) {
         return errno;
     }
@@ -32,7 +31,7 @@ int readFile(const std::filesystem::path& file, std::string& content) {
     }
     std::array<char, 4096> block{};
     while (content.size() <= largestFile) {
-        auto const length = read(input.get(), block.data(), block.size());
+        const auto length = read(input.get(), block.data(), block.size());
         if (length < 0) {
             return errno;
         }
@@ -47,7 +46,7 @@ int readFile(const std::filesystem::path& file, std::string& content) {
 
 bool writeAll(int file, std::string_view text) {
     while (!text.empty()) {
-        auto const length = ::write(file, text.data(), text.size());
+        const auto length = ::write(file, text.data(), text.size());
         if (length < 0) {
             return false;
         }
@@ -69,17 +68,17 @@ IniDefaultsStore::IniDefaultsStore(std::filesystem::path file) : file_(std::move
 
 void IniDefaultsStore::load() {
     std::string content;
-    auto const error = readFile(file_, content);
+    const auto error = readFile(file_, content);
     if (error == ENOENT || error == ENOTDIR) {
         return;
     }
     document_ = IniDocument::parse(content);
-    for (auto const& [key, value] : document_.values()) {
+    for (const auto& [key, value] : document_.values()) {
         table_.set(key, value);
     }
     if (error != 0 || !document_.isWellFormed()) {
         mustMoveAside_ = true;
-        auto const* const reason = error != 0 ? std::strerror(error) : "it is not an INI file";
+        const auto* const reason = error != 0 ? std::strerror(error) : "it is not an INI file";
         std::cerr << "nocta: cannot read all of " << file_.string() << " (" << reason
                   << "); it will be moved aside" << std::endl;
     }
@@ -107,21 +106,20 @@ void IniDefaultsStore::synchronize() {
 }
 
 void IniDefaultsStore::write(Durability durability) {
-    auto const directory = file_.parent_path();
+    const auto directory = file_.parent_path();
     std::error_code ignored; // what matters shows when the file is opened
     std::filesystem::create_directories(directory, ignored);
 
-    auto const temporary = file_.string() + ".new";
-    auto const sync = durability == Durability::synchronous;
-    auto const written = [&] {
+    const auto temporary = file_.string() + ".new";
+    const auto sync = durability == Durability::synchronous;
+    const auto written = [&] {
         if (mustMoveAside_ && !moveAside()) {
             return false;
         }
         FileDescriptor const output(
             open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
         return output && writeAll(output.get(), document_.text()) &&
-               (!sync || fsync(output.get()) == 0) &&
-               rename(temporary.c_str(), file_.c_str()) == 0;
+               (!sync || fsync(output.get()) == 0) && rename(temporary.c_str(), file_.c_str()) == 0;
     }();
     if (!written) {
         if (!writeFailed_) {
@@ -131,7 +129,7 @@ void IniDefaultsStore::write(Durability durability) {
         }
         unlink(temporary.c_str());
     } else if (sync) {
-        FileDescriptor const folder(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        const FileDescriptor folder(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         fsync(folder.get()); // the rename itself; a file system that cannot has done what it can
     }
 }

@@ -22,7 +22,7 @@ constexpr std::array escapes = {Escape{'\\', '\\'}, Escape{'"', '"'}, Escape{'\n
                                 Escape{'\r', 'r'}, Escape{'\t', 't'}};
 
 std::string_view trimmed(std::string_view text) {
-    auto const first = text.find_first_not_of(blanks);
+    const auto first = text.find_first_not_of(blanks);
     if (first == std::string_view::npos) {
         return {};
     }
@@ -30,14 +30,14 @@ std::string_view trimmed(std::string_view text) {
 }
 
 bool isControl(char character) {
-    auto const code = static_cast<unsigned char>(character);
+    const auto code = static_cast<unsigned char>(character);
     return (code < 0x20 && character != '\t') || code == 0x7f;
 }
 
 template <class Number>
 std::optional<Number> parseNumber(std::string_view text) {
     Number number{};
-    auto const result = std::from_chars(text.data(), text.data() + text.size(), number);
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
     if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
         return std::nullopt;
     }
@@ -50,16 +50,16 @@ std::optional<std::string> parseQuoted(std::string_view text) {
         return std::nullopt;
     }
     std::string plain;
-    auto const inner = text.substr(1, text.size() - 2);
+    const auto inner = text.substr(1, text.size() - 2);
     for (std::size_t i = 0; i < inner.size(); ++i) {
         if (inner[i] != '\\') {
             plain += inner[i];
             continue;
         }
         ++i;
-        auto const* const escape =
-            i < inner.size() ? std::ranges::find(escapes, inner[i], &Escape::escaped)
-                             : escapes.end();
+        const auto* const escape = i < inner.size()
+                                       ? std::ranges::find(escapes, inner[i], &Escape::escaped)
+                                       : escapes.end();
         if (escape == escapes.end()) {
             return std::nullopt;
         }
@@ -70,8 +70,8 @@ std::optional<std::string> parseQuoted(std::string_view text) {
 
 std::string quoted(std::string_view plain) {
     std::string text = "\"";
-    for (auto const character : plain) {
-        auto const* const escape = std::ranges::find(escapes, character, &Escape::plain);
+    for (const auto character : plain) {
+        const auto* const escape = std::ranges::find(escapes, character, &Escape::plain);
         if (escape == escapes.end()) {
             text += character;
         } else {
@@ -86,31 +86,30 @@ DefaultsValue parseValue(std::string_view text) {
     if (text == "true" || text == "false") {
         return text == "true";
     }
-    if (auto const integer = parseNumber<std::int64_t>(text)) {
+    if (const auto integer = parseNumber<std::int64_t>(text)) {
         return *integer;
     }
     // Not a number and infinities read as text: no setting has a use for them.
-    if (auto const number = parseNumber<double>(text); number && std::isfinite(*number)) {
+    if (const auto number = parseNumber<double>(text); number && std::isfinite(*number)) {
         return *number;
     }
     return parseQuoted(text).value_or(std::string(text));
 }
 
 std::string valueText(const DefaultsValue& value) {
-    if (auto const* const text = std::get_if<std::string>(&value)) {
-        auto const readsBack =
+    if (const auto* const text = std::get_if<std::string>(&value)) {
+        const auto readsBack =
             parseValue(trimmed(*text)) == value && std::ranges::none_of(*text, isControl);
         return readsBack ? *text : quoted(*text);
     }
-    if (auto const* const flag = std::get_if<bool>(&value)) {
+    if (const auto* const flag = std::get_if<bool>(&value)) {
         return *flag ? "true" : "false";
     }
     std::array<char, 32> digits{};
-    auto const* const integer = std::get_if<std::int64_t>(&value);
-    auto const end =
-        integer != nullptr
-            ? std::to_chars(digits.begin(), digits.end(), *integer).ptr
-            : std::to_chars(digits.begin(), digits.end(), std::get<double>(value)).ptr;
+    const auto* const integer = std::get_if<std::int64_t>(&value);
+    const auto end = integer != nullptr
+                         ? std::to_chars(digits.begin(), digits.end(), *integer).ptr
+                         : std::to_chars(digits.begin(), digits.end(), std::get<double>(value)).ptr;
     return {digits.begin(), end};
 }
 
@@ -120,15 +119,15 @@ IniDocument IniDocument::parse(std::string_view text) {
     IniDocument document;
     bool inGeneral = true;
     while (!text.empty()) {
-        auto const end = std::min(text.find('\n'), text.size());
-        auto const content = trimmed(text.substr(0, end));
+        const auto end = std::min(text.find('\n'), text.size());
+        const auto content = trimmed(text.substr(0, end));
         Line line{std::string(text.substr(0, end)), inGeneral, {}};
         text.remove_prefix(std::min(end + 1, text.size()));
 
         if (content.starts_with('[') && content.ends_with(']')) {
             line.isGeneral = inGeneral = content == generalSection;
         } else if (!content.empty() && content.front() != ';' && content.front() != '#') {
-            auto const key = trimmed(content.substr(0, content.find('=')));
+            const auto key = trimmed(content.substr(0, content.find('=')));
             if (content.find('=') != std::string_view::npos) {
                 line.key = key;
             }
@@ -144,9 +143,9 @@ IniDocument IniDocument::parse(std::string_view text) {
 
 DefaultsMap IniDocument::values() const {
     DefaultsMap values;
-    for (auto const& line : lines_) {
+    for (const auto& line : lines_) {
         if (line.isGeneral && !line.key.empty()) {
-            auto const text = std::string_view(line.text);
+            const auto text = std::string_view(line.text);
             values.insert_or_assign(line.key, parseValue(trimmed(text.substr(text.find('=') + 1))));
         }
     }
@@ -155,8 +154,8 @@ DefaultsMap IniDocument::values() const {
 
 void IniDocument::set(std::string_view key, const DefaultsValue& value) {
     Line line{std::string(key) + "=" + valueText(value), true, std::string(key)};
-    auto const isOurs = [&](const Line& other) { return other.isGeneral && other.key == key; };
-    if (auto const existing = std::ranges::find_if(lines_, isOurs); existing != lines_.end()) {
+    const auto isOurs = [&](const Line& other) { return other.isGeneral && other.key == key; };
+    if (const auto existing = std::ranges::find_if(lines_, isOurs); existing != lines_.end()) {
         *existing = std::move(line);
         lines_.erase(std::remove_if(existing + 1, lines_.end(), isOurs), lines_.end());
         return;
@@ -177,7 +176,7 @@ void IniDocument::remove(std::string_view key) {
 
 std::string IniDocument::text() const {
     std::string text;
-    for (auto const& line : lines_) {
+    for (const auto& line : lines_) {
         text += line.text;
         text += '\n';
     }

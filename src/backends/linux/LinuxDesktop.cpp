@@ -1,16 +1,16 @@
 #include "backends/linux/IniDefaultsStore.h"
 #include "backends/linux/LibUuidSource.h"
-#include "backends/linux/QtApplication.h"
-#include "backends/linux/QtPopover.h"
-#include "backends/linux/QtRunLoop.h"
-#include "backends/linux/QtStatusBar.h"
-#include "backends/linux/SingleInstance.h"
 #include "backends/linux/SysfsBacklight.h"
 #include "backends/linux/Unavailable.h"
-#include "backends/linux/X11Connection.h"
-#include "backends/linux/X11Displays.h"
-#include "backends/linux/X11GammaOutput.h"
-#include "backends/linux/X11KeyEvents.h"
+#include "backends/linux/shell/QtApplication.h"
+#include "backends/linux/shell/QtPopover.h"
+#include "backends/linux/shell/QtRunLoop.h"
+#include "backends/linux/shell/QtStatusBar.h"
+#include "backends/linux/shell/SingleInstance.h"
+#include "backends/linux/x11/X11Connection.h"
+#include "backends/linux/x11/X11Displays.h"
+#include "backends/linux/x11/X11GammaOutput.h"
+#include "backends/linux/x11/X11KeyEvents.h"
 #include "platform/Desktop.h"
 
 #include <QApplication>
@@ -26,19 +26,19 @@ namespace nocta {
 namespace {
 
 std::string environment(const char* name) {
-    auto const* const value = std::getenv(name);
+    const auto* const value = std::getenv(name);
     return value == nullptr ? "" : value;
 }
 
 std::filesystem::path defaultsFile() {
-    auto const configuration =
+    const auto configuration =
         QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     return std::filesystem::path(configuration.toStdString()) / "nocta" / "nocta.conf";
 }
 
 bool canConnectToX() {
     auto* const connection = xcb_connect(nullptr, nullptr);
-    auto const isConnected = xcb_connection_has_error(connection) == 0;
+    const auto isConnected = xcb_connection_has_error(connection) == 0;
     xcb_disconnect(connection);
     return isConnected;
 }
@@ -128,8 +128,8 @@ public:
 } // namespace
 
 DesktopSession makeDesktop() {
-    auto const wayland = environment("WAYLAND_DISPLAY");
-    auto const x11 = environment("DISPLAY");
+    const auto wayland = environment("WAYLAND_DISPLAY");
+    const auto x11 = environment("DISPLAY");
     if (wayland.empty() && !canConnectToX()) {
         std::cerr << "nocta: cannot connect to the display \"" << x11 << "\"" << std::endl;
         return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};
@@ -139,7 +139,7 @@ DesktopSession makeDesktop() {
         return {.desktop = nullptr, .exitStatus = EXIT_SUCCESS};
     }
     QtApplication::blockEndingSignals();
-    auto const desktop = std::make_shared<LinuxDesktop>(std::move(instance));
+    const auto desktop = std::make_shared<LinuxDesktop>(std::move(instance));
     return {.desktop = std::shared_ptr<Desktop>(desktop, &desktop->ports)};
 }
 

@@ -2,15 +2,14 @@
 
 #include "backends/linux/FileDescriptor.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fcntl.h>
 #include <fstream>
 #include <iterator>
 #include <string_view>
+#include <unistd.h>
 #include <utility>
 
 namespace nocta {
@@ -29,18 +28,18 @@ std::optional<Value> read(const std::filesystem::path& file) {
 
 /// A raw level, which the kernel keeps as an int; none where the file holds anything else.
 std::optional<int> readLevel(const std::filesystem::path& file) {
-    auto const level = read<int>(file);
+    const auto level = read<int>(file);
     return level && *level >= 0 ? level : std::nullopt;
 }
 
 std::optional<int> readLargestLevel(const std::filesystem::path& device) {
-    auto const level = readLevel(device / "max_brightness");
+    const auto level = readLevel(device / "max_brightness");
     return level != 0 ? level : std::nullopt;
 }
 
 bool writeLevel(const std::filesystem::path& file, int level) {
-    auto const text = std::to_string(level);
-    FileDescriptor const output(open(file.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
+    const auto text = std::to_string(level);
+    const FileDescriptor output(open(file.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
     return output && write(output.get(), text.data(), text.size()) == std::ssize(text);
 }
 
@@ -51,9 +50,9 @@ SysfsBacklight::SysfsBacklight(Displays& displays, SessionWriter sessionWriter,
     : displays_(displays), sessionWriter_(std::move(sessionWriter)), sysfs_(std::move(sysfs)) {}
 
 Status SysfsBacklight::getBrightness(DisplayId display, float& level) {
-    auto const found = displays_.displayIsBuiltin(display) ? device() : std::nullopt;
-    auto const largest = found ? readLargestLevel(*found) : std::nullopt;
-    auto const current = largest ? readLevel(*found / "brightness") : std::nullopt;
+    const auto found = displays_.displayIsBuiltin(display) ? device() : std::nullopt;
+    const auto largest = found ? readLargestLevel(*found) : std::nullopt;
+    const auto current = largest ? readLevel(*found / "brightness") : std::nullopt;
     if (!current) {
         return statusFailure;
     }
@@ -62,27 +61,27 @@ Status SysfsBacklight::getBrightness(DisplayId display, float& level) {
 }
 
 Status SysfsBacklight::setBrightness(DisplayId display, float level) {
-    auto const found = displays_.displayIsBuiltin(display) ? device() : std::nullopt;
-    auto const largest = found ? readLargestLevel(*found) : std::nullopt;
+    const auto found = displays_.displayIsBuiltin(display) ? device() : std::nullopt;
+    const auto largest = found ? readLargestLevel(*found) : std::nullopt;
     if (!largest || !(level >= 0 && level <= 1)) {
         return statusFailure;
     }
     // On a device of few levels a low one must not become 0, which may mean "off".
-    auto const lowest = level > 0 ? 1 : 0;
-    auto const raw = std::max(static_cast<int>(std::lround(double{level} * *largest)), lowest);
-    auto const isDone = writeLevel(*found / "brightness", raw) ||
+    const auto lowest = level > 0 ? 1 : 0;
+    const auto raw = std::max(static_cast<int>(std::lround(double{level} * *largest)), lowest);
+    const auto isDone = writeLevel(*found / "brightness", raw) ||
                         sessionWriter_(found->filename().string(), static_cast<std::uint32_t>(raw));
     return isDone ? statusSuccess : statusFailure;
 }
 
 std::optional<std::filesystem::path> SysfsBacklight::device() const {
     std::optional<std::filesystem::path> best;
-    auto const* bestType = types.end();
+    const auto* bestType = types.end();
     std::error_code error;
     for (auto entry = std::filesystem::directory_iterator(sysfs_ / "class/backlight", error);
          !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        auto const type = read<std::string>(entry->path() / "type");
-        auto const* const rank = std::ranges::find(types, type.value_or(""));
+        const auto type = read<std::string>(entry->path() / "type");
+        const auto* const rank = std::ranges::find(types, type.value_or(""));
         if (rank < bestType || (rank == bestType && best && entry->path() < *best)) {
             bestType = rank;
             best = entry->path();

@@ -26,7 +26,7 @@ public:
     /// The calls that begin with `prefix`, without their times.
     std::vector<std::string> calls(std::string_view prefix = "") const {
         std::vector<std::string> found;
-        for (auto const& entry : entries_) {
+        for (const auto& entry : entries_) {
             if (entry.call.starts_with(prefix)) {
                 found.push_back(entry.call);
             }

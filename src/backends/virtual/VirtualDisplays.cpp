@@ -17,7 +17,7 @@ void append(std::string& text, std::string_view word) {
 }
 
 template <class Number>
-    requires std::is_arithmetic_v<Number>
+requires std::is_arithmetic_v<Number>
 void append(std::string& text, Number number) {
     std::array<char, 24> digits{};
     auto* end = digits.data();
@@ -36,7 +36,7 @@ void append(std::string& text, Number number) {
 template <class... Words>
 std::string line(const Words&... words) {
     std::string text;
-    auto const* separator = "";
+    const auto* separator = "";
     ((text += separator, append(text, words), separator = " "), ...);
     return text;
 }
@@ -67,7 +67,7 @@ Status VirtualDisplays::getActiveDisplayList(std::span<DisplayId> ids, std::uint
         count = 0;
         return statusFailure;
     }
-    auto const number = ids.empty() ? displays_.size() : std::min(ids.size(), displays_.size());
+    const auto number = ids.empty() ? displays_.size() : std::min(ids.size(), displays_.size());
     for (std::size_t i = 0; i < std::min(ids.size(), number); ++i) {
         ids[i] = displays_[i].id;
     }
@@ -76,30 +76,30 @@ Status VirtualDisplays::getActiveDisplayList(std::span<DisplayId> ids, std::uint
 }
 
 Rect VirtualDisplays::displayBounds(DisplayId id) {
-    auto const* const display = find(id);
+    const auto* const display = find(id);
     return display == nullptr ? Rect{} : display->bounds;
 }
 
 bool VirtualDisplays::displayIsMain(DisplayId id) {
-    auto const* const display = find(id);
+    const auto* const display = find(id);
     return display != nullptr && display->isMain;
 }
 
 bool VirtualDisplays::displayIsBuiltin(DisplayId id) {
-    auto const* const display = find(id);
+    const auto* const display = find(id);
     return display != nullptr && display->isBuiltIn;
 }
 
 std::optional<DisplayMode> VirtualDisplays::displayCopyDisplayMode(DisplayId id) {
-    auto const* const display = find(id);
+    const auto* const display = find(id);
     return display == nullptr ? std::nullopt : display->mode;
 }
 
 Status VirtualDisplays::setDisplayTransferByTable(DisplayId id, std::span<const float> red,
                                                   std::span<const float> green,
                                                   std::span<const float> blue) {
-    trace_.record(line("setDisplayTransferByTable", id, "top", red.back(), green.back(),
-                       blue.back()));
+    trace_.record(
+        line("setDisplayTransferByTable", id, "top", red.back(), green.back(), blue.back()));
     auto* const display = find(id);
     if (display == nullptr || display->gammaFails) {
         return statusFailure;
@@ -121,7 +121,7 @@ void VirtualDisplays::displayRestoreColorSyncSettings() {
 
 Status VirtualDisplays::getBrightness(DisplayId id, float& level) {
     trace_.record(line("getBrightness", id));
-    auto const* const display = find(id);
+    const auto* const display = find(id);
     if (display == nullptr || !display->isBuiltIn || backlightReadFails) {
         return statusFailure;
     }
@@ -140,7 +140,7 @@ Status VirtualDisplays::setBrightness(DisplayId id, float level) {
 }
 
 VirtualDisplays::Display* VirtualDisplays::find(DisplayId id) {
-    auto const found = std::ranges::find(displays_, id, &Display::id);
+    const auto found = std::ranges::find(displays_, id, &Display::id);
     return found == displays_.end() ? nullptr : &*found;
 }
 

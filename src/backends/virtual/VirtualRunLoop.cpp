@@ -7,7 +7,7 @@ namespace nocta {
 
 RunLoop::TimerId VirtualRunLoop::schedule(Duration interval, Repeat repeat,
                                           std::function<void()> action) {
-    auto const id = ++lastId_;
+    const auto id = ++lastId_;
     timers_.emplace(id, ScheduledTimer{monotonic_ + interval, interval, repeat,
                                        std::make_shared<std::function<void()>>(std::move(action))});
     return id;
@@ -22,10 +22,10 @@ void VirtualRunLoop::post(std::function<void()> action) {
 }
 
 void VirtualRunLoop::advance(Duration duration) {
-    auto const end = monotonic_ + duration;
+    const auto end = monotonic_ + duration;
     runPosted();
     while (!stopped_) {
-        auto const next = std::ranges::min_element(
+        const auto next = std::ranges::min_element(
             timers_, {}, [](const auto& timer) { return timer.second.deadline; });
         if (next == timers_.end() || next->second.deadline > end) {
             break;
@@ -45,7 +45,7 @@ void VirtualRunLoop::stop() {
 
 void VirtualRunLoop::runPosted() {
     while (!stopped_ && !posted_.empty()) {
-        auto const action = std::move(posted_.front());
+        const auto action = std::move(posted_.front());
         posted_.pop_front();
         action();
     }
@@ -59,8 +59,8 @@ void VirtualRunLoop::moveClocksTo(MonotonicTime instant) {
 }
 
 void VirtualRunLoop::fire(TimerId id) {
-    auto const timer = timers_.find(id);
-    auto const action = timer->second.action; // kept while it runs: it may cancel its own timer
+    const auto timer = timers_.find(id);
+    const auto action = timer->second.action; // kept while it runs: it may cancel its own timer
     if (timer->second.repeat == Repeat::yes) {
         timer->second.deadline += timer->second.interval;
     } else {

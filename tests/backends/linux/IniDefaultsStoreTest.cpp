@@ -5,16 +5,15 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 namespace nocta {
 
@@ -84,7 +83,7 @@ TEST_F(IniDefaultsStoreTest, AnotherStoreReadsWhatWasWritten) {
         store.setObject("true", "s");
         store.synchronize();
     }
-    IniDefaultsStore const store(file);
+    const IniDefaultsStore store(file);
     EXPECT_EQ(store.doubleForKey("d"), 1.0 / 3);
     EXPECT_EQ(store.integerForKey("i"), -5);
     EXPECT_EQ(store.stringForKey("s"), "true");
@@ -97,9 +96,11 @@ TEST_F(IniDefaultsStoreTest, OnlyTheUserMayReadTheFile) {
 }
 
 TEST_F(IniDefaultsStoreTest, UnparsableFileIsMovedAsideBeforeTheFirstWriteAndNothingIsLost) {
-    auto const garbage = std::string("\x7f" "ELF\0\x01 no settings at all", 25);
+    const auto garbage = std::string("\x7f"
+                                     "ELF\0\x01 no settings at all",
+                                     25);
     prepare(garbage);
-    auto const said = saidWhenUsed();
+    const auto said = saidWhenUsed();
     EXPECT_EQ(lines(said), 1) << said;
     EXPECT_EQ(contentOf(file + ".damaged"), garbage);
     EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.4\n");
@@ -108,7 +109,7 @@ TEST_F(IniDefaultsStoreTest, UnparsableFileIsMovedAsideBeforeTheFirstWriteAndNot
 TEST_F(IniDefaultsStoreTest, UnparsableFileStaysWhereItIsUntilSomethingIsWritten) {
     prepare("garbage");
     ::testing::internal::CaptureStderr();
-    { IniDefaultsStore const store(file); }
+    { const IniDefaultsStore store(file); }
     ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(contentOf(file), "garbage");
 }
@@ -136,7 +137,7 @@ TEST_F(IniDefaultsStoreTest, EarlierDamagedFileIsNotOverwritten) {
 
 TEST_F(IniDefaultsStoreTest, FolderInTheFilesPlaceIsMovedAside) {
     fs::create_directories(file + "/inside");
-    auto const said = saidWhenUsed();
+    const auto said = saidWhenUsed();
     EXPECT_EQ(lines(said), 1) << said;
     EXPECT_TRUE(fs::exists(file + ".damaged/inside"));
     EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.4\n");
@@ -145,7 +146,7 @@ TEST_F(IniDefaultsStoreTest, FolderInTheFilesPlaceIsMovedAside) {
 TEST_F(IniDefaultsStoreTest, UnreadableFileIsMovedAside) {
     fs::create_directories(folder.path() + "/nocta");
     fs::create_symlink("nocta.conf", file); // a link to itself, unreadable even for root
-    auto const said = saidWhenUsed();
+    const auto said = saidWhenUsed();
     EXPECT_EQ(lines(said), 1) << said;
     EXPECT_TRUE(fs::is_symlink(file + ".damaged"));
     EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.4\n");
@@ -168,7 +169,7 @@ TEST_F(IniDefaultsStoreTest, NamedPipeIsNotWaitedFor) {
 
 TEST_F(IniDefaultsStoreTest, LinkedFileStaysALink) {
     prepare("");
-    auto const target = folder.path() + "/elsewhere.conf";
+    const auto target = folder.path() + "/elsewhere.conf";
     writeFile(target, "[General]\na=1\n");
     fs::remove(file);
     fs::create_symlink(target, file);
@@ -180,7 +181,7 @@ TEST_F(IniDefaultsStoreTest, LinkedFileStaysALink) {
 
 TEST_F(IniDefaultsStoreTest, FolderThatCannotBeMadeIsSaidOnce) {
     writeFile(folder.path() + "/nocta", "a file where the folder should be");
-    auto const said = saidWhenUsed();
+    const auto said = saidWhenUsed();
     EXPECT_EQ(lines(said), 1) << said;
     EXPECT_NE(said.find("cannot write"), std::string::npos);
 }
@@ -190,9 +191,9 @@ TEST_F(IniDefaultsStoreTest, FullDiskKeepsTheOldFileAndIsSaidOnce) {
     // No file of this process may grow: what a full disk looks like to a writer.
     rlimit before{};
     getrlimit(RLIMIT_FSIZE, &before);
-    auto const handler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit const none{.rlim_cur = 0, .rlim_max = before.rlim_max};
-    auto const output = dup(STDERR_FILENO);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
+    const auto output = dup(STDERR_FILENO);
     IniDefaultsStore store(file);
     int pipeEnds[2] = {-1, -1};
     ASSERT_EQ(pipe(pipeEnds), 0);
@@ -225,7 +226,7 @@ TEST_F(IniDefaultsStoreTest, KilledAtAnyMomentTheFileIsACompleteState) {
     // The child writes a counter under two keys, one after the other; whenever it is killed, the
     // first is equal to the second or one ahead.
     for (int round = 0; round < 40; ++round) {
-        auto const child = fork();
+        const auto child = fork();
         if (child == 0) {
             IniDefaultsStore store(file);
             for (std::int64_t i = store.integerForKey("second") + 1;; ++i) {
@@ -239,11 +240,11 @@ TEST_F(IniDefaultsStoreTest, KilledAtAnyMomentTheFileIsACompleteState) {
         if (!fs::exists(file)) {
             continue; // killed before its first write
         }
-        auto const document = IniDocument::parse(contentOf(file));
+        const auto document = IniDocument::parse(contentOf(file));
         ASSERT_TRUE(document.isWellFormed());
-        IniDefaultsStore const store(file);
-        auto const first = store.integerForKey("first");
-        auto const second = store.integerForKey("second");
+        const IniDefaultsStore store(file);
+        const auto first = store.integerForKey("first");
+        const auto second = store.integerForKey("second");
         ASSERT_TRUE(first == second || first == second + 1) << first << " " << second;
     }
     EXPECT_TRUE(fs::exists(file));

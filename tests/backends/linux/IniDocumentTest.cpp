@@ -6,7 +6,7 @@ namespace nocta {
 namespace {
 
 TEST(IniDocument, ReadsTypedValuesOfTheGeneralSection) {
-    auto const document = IniDocument::parse("[General]\n"
+    const auto document = IniDocument::parse("[General]\n"
                                              "a=true\n"
                                              " b = -12 \r\n"
                                              "c=0.5\n"
@@ -31,9 +31,8 @@ TEST(IniDocument, ReadsTypedValuesOfTheGeneralSection) {
 }
 
 TEST(IniDocument, KeysBeforeAnySectionAreOursAndThoseOfOtherSectionsAreNot) {
-    auto const document = IniDocument::parse("a=1\n[Other]\na=2\nb=3\n[General]\nc=4\n");
-    EXPECT_EQ(document.values(),
-              (DefaultsMap{{"a", std::int64_t{1}}, {"c", std::int64_t{4}}}));
+    const auto document = IniDocument::parse("a=1\n[Other]\na=2\nb=3\n[General]\nc=4\n");
+    EXPECT_EQ(document.values(), (DefaultsMap{{"a", std::int64_t{1}}, {"c", std::int64_t{4}}}));
 }
 
 TEST(IniDocument, WritingKeepsEverythingElseInPlace) {
@@ -41,8 +40,7 @@ TEST(IniDocument, WritingKeepsEverythingElseInPlace) {
     document.set("b", 0.25);
     document.set("c", true);
     document.remove("a");
-    EXPECT_EQ(document.text(),
-              "; mine\n[General]\n# note\nb=0.25\n\nc=true\n[Other]\na=7\n");
+    EXPECT_EQ(document.text(), "; mine\n[General]\n# note\nb=0.25\n\nc=true\n[Other]\na=7\n");
 }
 
 TEST(IniDocument, EmptyDocumentGetsItsSection) {
@@ -62,11 +60,10 @@ TEST(IniDocument, KeyThatIsAssignedTwiceHasItsLastValueAndIsWrittenOnce) {
 }
 
 TEST(IniDocument, WhatIsNoIniIsNotWellFormedAndTheRestIsRead) {
-    for (auto const& text :
-         {std::string("[General]\na=1\nbreakTim"), std::string("a=1\n=5\n"),
-          std::string("a=1\n\x01\x02=3\n"), std::string("a=1\nb=\0\n", 8),
-          std::string("a=1\n[General\n")}) {
-        auto const document = IniDocument::parse(text);
+    for (const auto& text : {std::string("[General]\na=1\nbreakTim"), std::string("a=1\n=5\n"),
+                             std::string("a=1\n\x01\x02=3\n"), std::string("a=1\nb=\0\n", 8),
+                             std::string("a=1\n[General\n")}) {
+        const auto document = IniDocument::parse(text);
         EXPECT_FALSE(document.isWellFormed()) << text;
         EXPECT_EQ(document.values(), (DefaultsMap{{"a", std::int64_t{1}}})) << text;
         EXPECT_TRUE(IniDocument::parse(document.text()).isWellFormed());

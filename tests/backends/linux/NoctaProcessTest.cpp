@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cctype>
 #include <cmath>
@@ -14,6 +11,8 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <sys/wait.h>
+#include <unistd.h>
 
 // The program itself on a private X server: a person who presses keys and ends it in every way,
 // and another client that reads the gamma ramps.
@@ -34,7 +33,7 @@ protected:
         if (GetParam() == XServer::Kind::xorgDummy) {
             server.plugSecondOutput();
         }
-        for (auto const crtc : client.activeCrtcs()) {
+        for (const auto crtc : client.activeCrtcs()) {
             client.setRamp(crtc, factory());
         }
     }
@@ -64,7 +63,7 @@ protected:
     /// Whether every output shows the tables of a brightness at 6500 K laid over its factory ramp,
     /// within one 16-bit step.
     bool shows(double brightness) {
-        auto const crtcs = client.activeCrtcs();
+        const auto crtcs = client.activeCrtcs();
         return std::ranges::all_of(crtcs, [&](xcb_randr_crtc_t crtc) {
             return isClose(client.ramp(crtc), expected(brightness));
         });
@@ -74,26 +73,26 @@ protected:
     }
 
     bool isGivenBack() {
-        auto const crtcs = client.activeCrtcs();
+        const auto crtcs = client.activeCrtcs();
         return std::ranges::all_of(
             crtcs, [&](xcb_randr_crtc_t crtc) { return client.ramp(crtc) == factory(); });
     }
 
     static XClient::Ramp expected(double brightness) {
         // The displays are external, so the tables alone serve the range, down to a faint glow.
-        auto const height = 1 - std::min(0.9, 1 - brightness);
+        const auto height = 1 - std::min(0.9, 1 - brightness);
         std::array const white = {1.0, (99.4708025861 * std::log(65.0) - 161.1195681661) / 255,
                                   (138.5177312231 * std::log(55.0) - 305.0447927307) / 255};
         auto ramp = factory();
         for (std::size_t channel = 0; channel < 3; ++channel) {
-            auto const calibrated = factory()[channel];
+            const auto calibrated = factory()[channel];
             for (std::size_t i = 0; i < 256; ++i) {
-                auto const place = height * white[channel] * static_cast<double>(i);
-                auto const below = std::min(static_cast<std::size_t>(place), std::size_t{254});
-                ramp[channel][i] = static_cast<std::uint16_t>(std::lround(
-                    std::lerp(static_cast<double>(calibrated[below]),
-                              static_cast<double>(calibrated[below + 1]),
-                              place - static_cast<double>(below))));
+                const auto place = height * white[channel] * static_cast<double>(i);
+                const auto below = std::min(static_cast<std::size_t>(place), std::size_t{254});
+                ramp[channel][i] = static_cast<std::uint16_t>(
+                    std::lround(std::lerp(static_cast<double>(calibrated[below]),
+                                          static_cast<double>(calibrated[below + 1]),
+                                          place - static_cast<double>(below))));
             }
         }
         return ramp;
@@ -111,19 +110,19 @@ protected:
 
     /// A process that has ended and that nobody has asked about yet.
     static bool isZombie(pid_t process) {
-        auto const stat = contentOf("/proc/" + std::to_string(process) + "/stat");
+        const auto stat = contentOf("/proc/" + std::to_string(process) + "/stat");
         return stat.find(") Z ") != std::string::npos;
     }
 
     /// The guardians that the given process has started and that still run.
     static std::vector<pid_t> guardiansOf(pid_t parent) {
         std::vector<pid_t> found;
-        for (auto const& entry : std::filesystem::directory_iterator("/proc")) {
+        for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
             if (std::isdigit(entry.path().filename().string()[0]) == 0) {
                 continue;
             }
-            auto const stat = contentOf(entry.path().string() + "/stat");
-            auto const afterName = stat.rfind(')');
+            const auto stat = contentOf(entry.path().string() + "/stat");
+            const auto afterName = stat.rfind(')');
             if (stat.find("(nocta-guardian)") != std::string::npos &&
                 stat.find(") Z ") == std::string::npos &&
                 std::stoi(stat.substr(afterName + 4)) == parent) {
@@ -136,9 +135,8 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaProcessTest,
                          ::testing::Values(XServer::Kind::xvfb, XServer::Kind::xorgDummy),
                          [](const auto& instance) {
-                             return instance.param == XServer::Kind::xvfb
-                                        ? "Xvfb"
-                                        : "XorgWithTwoOutputs";
+                             return instance.param == XServer::Kind::xvfb ? "Xvfb"
+                                                                          : "XorgWithTwoOutputs";
                          });
 
 TEST_P(NoctaProcessTest, KeysDimTheScreenBySixteenthsAndTheSettingFollows) {
@@ -157,7 +155,7 @@ TEST_P(NoctaProcessTest, KeysDimTheScreenBySixteenthsAndTheSettingFollows) {
 }
 
 TEST_P(NoctaProcessTest, EverySignalThatEndsItGivesTheScreenBack) {
-    for (auto const ending : {SIGTERM, SIGINT, SIGHUP}) {
+    for (const auto ending : {SIGTERM, SIGINT, SIGHUP}) {
         startAndWaitFor(0.75);
         nocta->signal(ending);
         EXPECT_EQ(nocta->wait(), 0) << contentOf(output);
@@ -166,7 +164,7 @@ TEST_P(NoctaProcessTest, EverySignalThatEndsItGivesTheScreenBack) {
 }
 
 TEST_P(NoctaProcessTest, DeathGivesTheScreenBackTooAndARestartKnowsTheFactoryRamp) {
-    for (auto const death : {SIGKILL, SIGSEGV, SIGABRT}) {
+    for (const auto death : {SIGKILL, SIGSEGV, SIGABRT}) {
         startAndWaitFor(0.75);
         nocta->signal(death);
         nocta->wait();
@@ -200,14 +198,14 @@ TEST_P(NoctaProcessTest, QuickRestartsInARowDoNotConfuseTheGuardian) {
 
 TEST_P(NoctaProcessTest, GuardianDoesNotOutliveItsWork) {
     startAndWaitFor(0.75);
-    auto const guardians = guardiansOf(nocta->id());
+    const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
     nocta->signal(SIGKILL);
     nocta->wait();
     EXPECT_TRUE(waitUntil([&] { return kill(guardians[0], 0) != 0 || isZombie(guardians[0]); }));
 
     startAndWaitFor(0.75);
-    auto const others = guardiansOf(nocta->id());
+    const auto others = guardiansOf(nocta->id());
     ASSERT_EQ(others.size(), 1U);
     nocta->signal(SIGTERM);
     nocta->wait();
@@ -216,7 +214,7 @@ TEST_P(NoctaProcessTest, GuardianDoesNotOutliveItsWork) {
 
 TEST_P(NoctaProcessTest, GuardianThatDiesIsReplaced) {
     startAndWaitFor(0.75);
-    auto const first = guardiansOf(nocta->id());
+    const auto first = guardiansOf(nocta->id());
     ASSERT_EQ(first.size(), 1U);
     kill(first[0], SIGKILL);
     ASSERT_TRUE(waitUntil([&] {
@@ -261,14 +259,13 @@ TEST_P(NoctaProcessTest, DamagedSettingsAreMovedAsideAndTheDefaultsShown) {
 
 TEST_P(NoctaProcessTest, SettingsFromWhichNothingFollowsHarmNothing) {
     std::filesystem::create_directories(home.path() + "/.config/nocta");
-    for (auto const* const value : {"1e308", "-1e308", "nan", "moon", "99999999999999999999"}) {
+    for (const auto* const value : {"1e308", "-1e308", "nan", "moon", "99999999999999999999"}) {
         writeFile(settings, "[General]\nunifiedBrightness=" + std::string(value) +
                                 "\nbreakIntervalMinutes=9223372036854775807\n"
                                 "colorTemperatureDay=-9223372036854775808\nmenuBarIcon=7\n");
-        auto const shown = std::string(value) == "1e308" ||
-                                   std::string(value) == "99999999999999999999"
-                               ? 1.0
-                               : 0.0;
+        const auto shown =
+            std::string(value) == "1e308" || std::string(value) == "99999999999999999999" ? 1.0
+                                                                                          : 0.0;
         startAndWaitFor(shown);
         nocta->signal(SIGTERM);
         EXPECT_EQ(nocta->wait(), 0);
@@ -278,7 +275,7 @@ TEST_P(NoctaProcessTest, SettingsFromWhichNothingFollowsHarmNothing) {
 TEST_P(NoctaProcessTest, DyingServerEndsItWithALineAndNoCrash) {
     startAndWaitFor(0.75);
     server.kill();
-    auto const status = nocta->wait();
+    const auto status = nocta->wait();
     ASSERT_TRUE(WIFEXITED(status)) << "it crashed";
     EXPECT_EQ(WEXITSTATUS(status), 1);
     EXPECT_FALSE(contentOf(output).empty());
@@ -286,10 +283,10 @@ TEST_P(NoctaProcessTest, DyingServerEndsItWithALineAndNoCrash) {
 
 TEST_P(NoctaProcessTest, WithoutADisplayItSaysSoAndFails) {
     auto variables = environment();
-    for (auto const* const display : {":4095", "nonsense", ""}) {
+    for (const auto* const display : {":4095", "nonsense", ""}) {
         variables["DISPLAY"] = display;
         Process process({programFolder() + "/nocta"}, variables, output);
-        auto const status = process.wait();
+        const auto status = process.wait();
         ASSERT_TRUE(WIFEXITED(status)) << "it crashed";
         EXPECT_EQ(WEXITSTATUS(status), 1);
         EXPECT_EQ(contentOf(output),

@@ -1,4 +1,4 @@
-#include "backends/linux/QtRunLoop.h"
+#include "backends/linux/shell/QtRunLoop.h"
 
 #include "contracts/RunLoopContract.h"
 #include "support/EventLoop.h"

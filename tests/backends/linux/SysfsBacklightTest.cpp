@@ -105,7 +105,7 @@ TEST(SysfsBacklight, LowLevelOnACoarseDeviceIsNotOff) {
 }
 
 TEST(SysfsBacklight, NonsenseInTheTreeIsAFailure) {
-    for (auto const& [largest, current] :
+    for (const auto& [largest, current] :
          {std::pair{"", "5"}, std::pair{"0", "0"}, std::pair{"-7", "5"}, std::pair{"100", "dim"},
           std::pair{"99999999999999999999", "5"}}) {
         SysfsHarness harness;
@@ -119,7 +119,7 @@ TEST(SysfsBacklight, NonsenseInTheTreeIsAFailure) {
 
 TEST(SysfsBacklight, LevelOutsideTheRangeIsRefused) {
     SysfsHarness harness;
-    for (auto const level : {-0.1F, 1.1F, std::numeric_limits<float>::quiet_NaN()}) {
+    for (const auto level : {-0.1F, 1.1F, std::numeric_limits<float>::quiet_NaN()}) {
         EXPECT_NE(harness.port.setBrightness(harness.builtIn, level), statusSuccess);
     }
     EXPECT_EQ(harness.level("panel"), "1000\n");

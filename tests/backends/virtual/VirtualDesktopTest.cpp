@@ -31,7 +31,7 @@ struct VirtualDesktopHarness {
     void plug() { desktop.displays.plug({.id = external}); }
     void unplug() { desktop.displays.unplug(external); }
     double top(DisplayId id) {
-        auto const& red = desktop.displays.display(id).red;
+        const auto& red = desktop.displays.display(id).red;
         return red.empty() ? 1.0 : double{red.back()};
     }
     static double factoryTop(DisplayId /*id*/) { return 1.0; }
@@ -55,12 +55,12 @@ using namespace std::chrono_literals;
 TEST(VirtualDesktop, TraceKeepsEveryCallInOrderWithItsSimulatedTime) {
     VirtualDesktop desktop;
     desktop.displays.plug({.id = 7, .isBuiltIn = true});
-    auto const start = desktop.runLoop.wallNow();
+    const auto start = desktop.runLoop.wallNow();
     desktop.ports.backlight.setBrightness(7, 0.5F);
     desktop.runLoop.advance(1s);
     desktop.ports.userDefaults.synchronize();
-    ASSERT_EQ(desktop.trace.calls(), (std::vector<std::string>{"setBrightness 7 0.5",
-                                                               "synchronize"}));
+    ASSERT_EQ(desktop.trace.calls(),
+              (std::vector<std::string>{"setBrightness 7 0.5", "synchronize"}));
     EXPECT_EQ(desktop.trace.entries()[0].time, start);
     EXPECT_EQ(desktop.trace.entries()[1].time, start + 1s);
 }
@@ -68,7 +68,7 @@ TEST(VirtualDesktop, TraceKeepsEveryCallInOrderWithItsSimulatedTime) {
 TEST(VirtualDesktop, FailingGammaLeavesTheTablesAsTheyWere) {
     VirtualDesktop desktop;
     desktop.displays.plug({.id = 7, .gammaFails = true});
-    std::array<float, 256> const table{};
+    const std::array<float, 256> table{};
     EXPECT_NE(desktop.ports.gammaOutput.setDisplayTransferByTable(7, table, table, table),
               statusSuccess);
     EXPECT_TRUE(desktop.displays.display(7).red.empty());
@@ -95,7 +95,7 @@ TEST(VirtualDesktop, RefusedTapAndMonitorAreFalse) {
 TEST(VirtualDesktop, RandomIdentifiersRepeatThemselves) {
     VirtualDesktop first;
     VirtualDesktop second;
-    auto const uuid = first.ports.uuidSource.makeUuid();
+    const auto uuid = first.ports.uuidSource.makeUuid();
     EXPECT_EQ(uuid, second.ports.uuidSource.makeUuid());
     EXPECT_NE(uuid, first.ports.uuidSource.makeUuid());
 }

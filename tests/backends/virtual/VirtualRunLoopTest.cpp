@@ -29,7 +29,7 @@ namespace {
 using namespace std::chrono_literals;
 
 TEST(VirtualRunLoop, ClocksStartAtInstantsThatAreNotZero) {
-    VirtualRunLoop const runLoop;
+    const VirtualRunLoop runLoop;
     EXPECT_GT(runLoop.wallNow(), WallTime());
     EXPECT_GT(runLoop.monotonicNow(), MonotonicTime());
 }
@@ -56,8 +56,8 @@ TEST(VirtualRunLoop, FiresByDeadlineAndThenByOrderOfScheduling) {
 
 TEST(VirtualRunLoop, JumpsFromDeadlineToDeadlineWithBothClocks) {
     VirtualRunLoop runLoop;
-    auto const wall = runLoop.wallNow();
-    auto const monotonic = runLoop.monotonicNow();
+    const auto wall = runLoop.wallNow();
+    const auto monotonic = runLoop.monotonicNow();
     std::vector<Duration> fired;
     Timer timer;
     timer.start(runLoop, 30s, Repeat::yes, [&] {
@@ -93,7 +93,7 @@ TEST(VirtualRunLoop, PostedActionsRunBeforeTheNextDeadline) {
 
 TEST(VirtualRunLoop, SuspendMovesTheWallClockAlone) {
     VirtualRunLoop runLoop;
-    auto const wall = runLoop.wallNow();
+    const auto wall = runLoop.wallNow();
     int fired = 0;
     Timer timer;
     timer.start(runLoop, 1s, Repeat::yes, [&] { ++fired; });
@@ -105,7 +105,7 @@ TEST(VirtualRunLoop, SuspendMovesTheWallClockAlone) {
 
 TEST(VirtualRunLoop, SettingTheWallClockBackMovesNoDeadline) {
     VirtualRunLoop runLoop;
-    auto const wall = runLoop.wallNow();
+    const auto wall = runLoop.wallNow();
     int fired = 0;
     Timer timer;
     timer.start(runLoop, 1s, Repeat::no, [&] { ++fired; });

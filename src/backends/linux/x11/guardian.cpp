@@ -3,18 +3,17 @@
 // standard input. It keeps no more than those ramps and one connection to the X server, so that it
 // costs a few hundred kilobytes.
 
-#include "backends/linux/GuardianProtocol.h"
+#include "backends/linux/x11/GuardianProtocol.h"
 
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
-
-#include <poll.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <poll.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -45,7 +44,7 @@ xcb_window_t root = XCB_NONE;
 bool readRecord(void* record, std::size_t length) {
     auto* rest = static_cast<char*>(record);
     while (length > 0) {
-        auto const got = read(nocta, rest, length);
+        const auto got = read(nocta, rest, length);
         if (got <= 0) {
             return false;
         }
@@ -84,13 +83,13 @@ bool windowExists(xcb_window_t window) {
 /// Waits until the server has destroyed a window of which this client has the structure events.
 /// False after the time-out, or, if asked to listen, when Nocta has gone.
 bool waitForEndOf(xcb_window_t window, Clock::duration timeout, bool listen) {
-    auto const deadline = Clock::now() + timeout;
+    const auto deadline = Clock::now() + timeout;
     while (windowExists(window)) {
         if (auto* const event = xcb_poll_for_event(x)) {
             std::free(event); // which one does not matter: ask again
             continue;
         }
-        auto const left =
+        const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
         pollfd awaited[] = {{.fd = xcb_get_file_descriptor(x), .events = POLLIN, .revents = 0},
                             {.fd = listen ? nocta : -1, .events = 0, .revents = 0}};
@@ -109,13 +108,13 @@ bool takeOver() {
     if (atomReply == nullptr) {
         end(EXIT_FAILURE);
     }
-    auto const selection = atomReply->atom;
+    const auto selection = atomReply->atom;
     std::free(atomReply);
-    auto const window = xcb_generate_id(x);
+    const auto window = xcb_generate_id(x);
     xcb_create_window(x, XCB_COPY_FROM_PARENT, window, root, -1, -1, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
 
-    auto const deadline = Clock::now() + predecessorTimeout;
+    const auto deadline = Clock::now() + predecessorTimeout;
     while (true) {
         xcb_grab_server(x); // nobody else may take the selection between looking and taking
         auto* const reply =
@@ -123,7 +122,7 @@ bool takeOver() {
         if (reply == nullptr) {
             end(EXIT_FAILURE);
         }
-        auto const owner = reply->owner;
+        const auto owner = reply->owner;
         std::free(reply);
         if (owner == XCB_NONE) {
             xcb_set_selection_owner(x, window, selection, XCB_CURRENT_TIME);
@@ -174,9 +173,9 @@ std::vector<HeldRamp> serve() {
 }
 
 void giveBack(const std::vector<HeldRamp>& held) {
-    for (auto const& ramp : held) {
-        auto const size = ramp.levels.size() / 3;
-        auto const* const red = ramp.levels.data();
+    for (const auto& ramp : held) {
+        const auto size = ramp.levels.size() / 3;
+        const auto* const red = ramp.levels.data();
         xcb_randr_set_crtc_gamma(x, ramp.crtc, static_cast<std::uint16_t>(size), red, red + size,
                                  red + 2 * size);
     }
@@ -187,7 +186,7 @@ void giveBack(const std::vector<HeldRamp>& held) {
 
 int main() {
     // Whoever ends the session ends Nocta too, and this process is there for what happens then.
-    for (auto const signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
+    for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
         std::signal(signal, SIG_IGN);
     }
     setsid();
@@ -202,7 +201,7 @@ int main() {
         end(EXIT_SUCCESS);
     }
     answer(GuardianAnswer::ready);
-    auto const held = serve();
+    const auto held = serve();
     // What Nocta had still sent before it died must not be served after its ramps are given back.
     waitForEndOf(hello.window, lastRequestsTimeout, false);
     giveBack(held);

@@ -5,7 +5,6 @@
 #include "base/RunLoop.h"
 
 #include <QSocketNotifier>
-
 #include <xcb/xcb.h>
 
 #include <cstdlib>

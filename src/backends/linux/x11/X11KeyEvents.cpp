@@ -1,4 +1,4 @@
-#include "backends/linux/X11KeyEvents.h"
+#include "backends/linux/x11/X11KeyEvents.h"
 
 #include <xcb/xinput.h>
 
@@ -24,8 +24,8 @@ X11KeyEvents::X11KeyEvents(X11Connection& connection)
     : connection_(connection), keys_{{brightnessUpSymbol, brightnessUpKey, {}},
                                      {brightnessDownSymbol, brightnessDownKey, {}}} {
     auto* const x = connection_.get();
-    auto const* const extension = xcb_get_extension_data(x, &xcb_input_id);
-    XcbReply<xcb_input_xi_query_version_reply_t> const version(
+    const auto* const extension = xcb_get_extension_data(x, &xcb_input_id);
+    const XcbReply<xcb_input_xi_query_version_reply_t> version(
         extension != nullptr && extension->present != 0
             ? xcb_input_xi_query_version_reply(x, xcb_input_xi_query_version(x, 2, 2), nullptr)
             : nullptr);
@@ -59,11 +59,11 @@ Subscription X11KeyEvents::createKeyDownTap(std::function<void(const KeyDownEven
 }
 
 void X11KeyEvents::handle(const X11Connection::Event& event) {
-    auto const type = event.response_type & 0x7f;
+    const auto type = event.response_type & 0x7f;
     if (type == XCB_MAPPING_NOTIFY) {
         readMapping();
     } else if (type == XCB_GE_GENERIC) {
-        auto const& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
+        const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
         if (raw.extension == inputExtension_ && raw.event_type == XCB_INPUT_RAW_KEY_PRESS) {
             press(static_cast<xcb_keycode_t>(raw.detail));
         }
@@ -71,10 +71,10 @@ void X11KeyEvents::handle(const X11Connection::Event& event) {
 }
 
 void X11KeyEvents::press(xcb_keycode_t code) {
-    for (auto const& key : keys_) {
+    for (const auto& key : keys_) {
         if (std::ranges::find(key.codes, code) != key.codes.end()) {
-            monitors_.call({.subtype = auxiliaryControlButtons,
-                            .data1 = key.keyCode << 16 | keyDown});
+            monitors_.call(
+                {.subtype = auxiliaryControlButtons, .data1 = key.keyCode << 16 | keyDown});
             taps_.call({.keyCode = key.keyCode});
         }
     }
@@ -86,9 +86,9 @@ void X11KeyEvents::readMapping() {
     xcb_refresh_keyboard_mapping(symbols_.get(), &everything);
     for (auto& key : keys_) {
         key.codes.clear();
-        XcbReply<xcb_keycode_t> const codes(
+        const XcbReply<xcb_keycode_t> codes(
             xcb_key_symbols_get_keycode(symbols_.get(), key.symbol));
-        for (auto const* code = codes.get(); code != nullptr && *code != XCB_NO_SYMBOL; ++code) {
+        for (const auto* code = codes.get(); code != nullptr && *code != XCB_NO_SYMBOL; ++code) {
             key.codes.push_back(*code);
         }
     }

@@ -1,4 +1,4 @@
-#include "backends/linux/X11Connection.h"
+#include "backends/linux/x11/X11Connection.h"
 
 #include <utility>
 
@@ -42,7 +42,7 @@ X11Connection::~X11Connection() {
 }
 
 xcb_atom_t X11Connection::existingAtom(std::string_view name) const {
-    XcbReply<xcb_intern_atom_reply_t> const reply(xcb_intern_atom_reply(
+    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
         connection_,
         xcb_intern_atom(connection_, 1, static_cast<std::uint16_t>(name.size()), name.data()),
         nullptr));
@@ -50,13 +50,13 @@ xcb_atom_t X11Connection::existingAtom(std::string_view name) const {
 }
 
 void X11Connection::synchronize() {
-    XcbReply<xcb_get_input_focus_reply_t> const answered(xcb_get_input_focus_reply(
+    const XcbReply<xcb_get_input_focus_reply_t> answered(xcb_get_input_focus_reply(
         connection_, xcb_get_input_focus(connection_), nullptr)); // any request with a reply
     finishTurn();
 }
 
 void X11Connection::readEvents() {
-    while (XcbReply<Event> const event{xcb_poll_for_event(connection_)}) {
+    while (const XcbReply<Event> event{xcb_poll_for_event(connection_)}) {
         observers_.call(*event);
     }
     if (!isOpen() && !std::exchange(lossIsTold_, true)) {

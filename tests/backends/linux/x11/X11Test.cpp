@@ -1,8 +1,8 @@
-#include "backends/linux/QtRunLoop.h"
-#include "backends/linux/X11Connection.h"
-#include "backends/linux/X11Displays.h"
-#include "backends/linux/X11GammaOutput.h"
-#include "backends/linux/X11KeyEvents.h"
+#include "backends/linux/shell/QtRunLoop.h"
+#include "backends/linux/x11/X11Connection.h"
+#include "backends/linux/x11/X11Displays.h"
+#include "backends/linux/x11/X11GammaOutput.h"
+#include "backends/linux/x11/X11KeyEvents.h"
 #include "base/NotificationCenter.h"
 #include "contracts/DisplaysContract.h"
 #include "contracts/KeyEventsContract.h"
@@ -39,7 +39,7 @@ struct X11Session {
         return {ids.begin(), ids.begin() + count};
     }
     Status set(DisplayId id, const std::array<std::vector<float>, 3>& tables) {
-        auto const status =
+        const auto status =
             gammaOutput.setDisplayTransferByTable(id, tables[0], tables[1], tables[2]);
         connection.synchronize();
         return status;
@@ -87,14 +87,15 @@ struct X11Harness : X11Session {
 
 private:
     void noteFactoryTops() {
-        for (auto const id : list()) {
+        for (const auto id : list()) {
             factoryTops.emplace(id, client.top(client.crtcOf(id)));
         }
     }
     void pressAndHear(xcb_keysym_t symbol) {
         connection.synchronize(); // the subscription has arrived before the key does
         bool heard = false;
-        auto const listener = keyEvents().createKeyDownTap([&](const KeyDownEvent&) { heard = true; });
+        const auto listener =
+            keyEvents().createKeyDownTap([&](const KeyDownEvent&) { heard = true; });
         client.press(symbol);
         EXPECT_TRUE(serveUntil([&] { return heard; }));
     }
@@ -108,7 +109,7 @@ TEST(X11Displays, DisplayIsItsOutputWithItsCrtcsBoundsAndMode) {
     X11Session session(XServer::Kind::xorgDummy);
     session.server.plugSecondOutput();
     ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
-    auto const second = session.list()[1];
+    const auto second = session.list()[1];
     EXPECT_EQ(session.displays.displayBounds(second), (Rect{1280, 0, 1280, 720}));
     EXPECT_EQ(session.displays.displayCopyDisplayMode(second), (DisplayMode{1280, 720}));
     EXPECT_FALSE(session.displays.displayIsBuiltin(second));
@@ -125,14 +126,13 @@ TEST(X11Displays, PrimaryOutputIsTheMainDisplay) {
     }));
     EXPECT_FALSE(session.displays.displayIsMain(session.list()[0]));
     session.server.xrandr({"--noprimary"});
-    EXPECT_TRUE(
-        serveUntil([&] { return !session.displays.displayIsMain(session.list()[1]); }));
+    EXPECT_TRUE(serveUntil([&] { return !session.displays.displayIsMain(session.list()[1]); }));
 }
 
 TEST(X11Displays, OneChangeIsNotifiedOnceAndNoChangeNever) {
     X11Session session(XServer::Kind::xorgDummy);
     int notified = 0;
-    auto const subscription = session.notificationCenter.observe(
+    const auto subscription = session.notificationCenter.observe(
         didChangeScreenParametersNotification, [&] { ++notified; });
     session.server.xrandr({"--addmode", "DUMMY1", "1280x720"}); // tells, and changes no display
     session.server.xrandr({"--output", "DUMMY1", "--mode", "1280x720", "--same-as", "DUMMY0"});
@@ -178,8 +178,8 @@ protected:
     /// What a table of the given top shows at entry i of 256, over a calibration read as straight
     /// lines between its points.
     static double expected(const std::vector<std::uint16_t>& calibration, double top, int i) {
-        auto const place = top * i / 255 * 255;
-        auto const below = std::min(static_cast<std::size_t>(place), std::size_t{254});
+        const auto place = top * i / 255 * 255;
+        const auto below = std::min(static_cast<std::size_t>(place), std::size_t{254});
         return std::lerp(double{static_cast<double>(calibration[below])},
                          static_cast<double>(calibration[below + 1]),
                          place - static_cast<double>(below));
@@ -192,11 +192,11 @@ INSTANTIATE_TEST_SUITE_P(Servers, X11GammaOutputTest,
                          });
 
 TEST_P(X11GammaOutputTest, TablesAreLaidOverTheCalibration) {
-    auto const factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
+    const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
     session.client.setRamp(crtc, factory);
     std::array const tops = {1.0F, 0.75F, 0.4F};
     ASSERT_EQ(session.set(display, X11Session::tables(tops)), statusSuccess);
-    auto const shown = ramp();
+    const auto shown = ramp();
     for (std::size_t channel = 0; channel < 3; ++channel) {
         for (int i = 0; i < 256; ++i) {
             ASSERT_NEAR(shown[channel][static_cast<std::size_t>(i)],
@@ -213,12 +213,12 @@ TEST_P(X11GammaOutputTest, RampThatIsNoCalibrationCountsAsTheIdentityAndIsStillG
     falling[2][100] = 0;
     XClient::Ramp zero;
     zero.fill(std::vector<std::uint16_t>(256, 0));
-    for (auto const& factory : {falling, zero}) {
+    for (const auto& factory : {falling, zero}) {
         session.client.setRamp(crtc, factory);
         session.set(display, X11Session::tables({1.0F, 0.5F, 0.25F}));
-        auto const shown = ramp();
+        const auto shown = ramp();
         for (int i = 0; i < 256; ++i) {
-            auto const entry = static_cast<std::size_t>(i);
+            const auto entry = static_cast<std::size_t>(i);
             ASSERT_NEAR(shown[0][entry], 257.0 * i, 1);
             ASSERT_NEAR(shown[1][entry], 257.0 * i / 2, 1);
             ASSERT_NEAR(shown[2][entry], 257.0 * i / 4, 1);
@@ -229,9 +229,9 @@ TEST_P(X11GammaOutputTest, RampThatIsNoCalibrationCountsAsTheIdentityAndIsStillG
 }
 
 TEST_P(X11GammaOutputTest, EqualTablesHealARampThatSomebodyElseHasReset) {
-    auto const tables = X11Session::tables({0.5F, 0.5F, 0.5F});
+    const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
     session.set(display, tables);
-    auto const ours = ramp();
+    const auto ours = ramp();
     session.client.setRamp(crtc, calibration(256, 1.0, {1, 1, 1}));
     ASSERT_NE(ramp(), ours);
     session.set(display, tables);
@@ -239,10 +239,10 @@ TEST_P(X11GammaOutputTest, EqualTablesHealARampThatSomebodyElseHasReset) {
 }
 
 TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBackToo) {
-    auto const factory = ramp();
+    const auto factory = ramp();
     {
         X11GammaOutput output(session.connection, session.displays);
-        auto const tables = X11Session::tables({0.5F, 0.5F, 0.5F});
+        const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
         ASSERT_EQ(output.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]),
                   statusSuccess);
         EXPECT_NE(ramp(), factory);
@@ -251,9 +251,9 @@ TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBackToo) {
 }
 
 TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay) {
-    auto const tables = X11Session::tables({0.5F, 0.5F, 0.5F});
+    const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
     session.set(display, tables);
-    auto const ours = ramp();
+    const auto ours = ramp();
     X11Connection otherConnection(session.runLoop);
     X11GammaOutput other(otherConnection, session.displays);
     ::testing::internal::CaptureStderr();
@@ -279,7 +279,7 @@ TEST(X11GammaOutput, RampThatVanishedBetweenListingAndWritingHarmsNoOther) {
     X11Session session(XServer::Kind::xorgDummy);
     session.server.plugSecondOutput();
     ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
-    auto const list = session.list();
+    const auto list = session.list();
     session.server.unplugSecondOutput(); // and the program has not heard of it yet
     session.set(list[1], X11Session::tables({0.5F, 0.5F, 0.5F}));
     EXPECT_EQ(session.set(list[0], X11Session::tables({0.5F, 0.5F, 0.5F})), statusSuccess);
@@ -290,7 +290,7 @@ TEST(X11GammaOutput, RampThatVanishedBetweenListingAndWritingHarmsNoOther) {
 TEST(X11KeyEvents, KeyboardThatIsMappedAnewIsHeard) {
     X11Harness harness; // its client gives free keys the two symbols after the program has looked
     std::vector<std::int64_t> keys;
-    auto const tap = harness.keyEvents().createKeyDownTap(
+    const auto tap = harness.keyEvents().createKeyDownTap(
         [&](const KeyDownEvent& event) { keys.push_back(event.keyCode); });
     harness.pressBrightnessUp();
     harness.pressBrightnessDown();
@@ -300,7 +300,7 @@ TEST(X11KeyEvents, KeyboardThatIsMappedAnewIsHeard) {
 TEST(X11KeyEvents, OtherKeysAreNotPassedOn) {
     X11Harness harness;
     std::vector<std::int64_t> keys;
-    auto const tap = harness.keyEvents().createKeyDownTap(
+    const auto tap = harness.keyEvents().createKeyDownTap(
         [&](const KeyDownEvent& event) { keys.push_back(event.keyCode); });
     harness.client.press('a');
     harness.client.press(0x1008FF13); // volume up

@@ -1,12 +1,11 @@
-#include "backends/linux/QtApplication.h"
+#include "backends/linux/shell/QtApplication.h"
 
 #include <QCoreApplication>
 #include <QTimer>
 
-#include <sys/signalfd.h>
-
 #include <csignal>
 #include <cstdlib>
+#include <sys/signalfd.h>
 
 namespace nocta {
 
@@ -15,7 +14,7 @@ namespace {
 sigset_t endingSignals() {
     sigset_t signals;
     sigemptyset(&signals);
-    for (auto const signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const auto signal : {SIGINT, SIGTERM, SIGHUP}) {
         sigaddset(&signals, signal);
     }
     return signals;
@@ -24,12 +23,12 @@ sigset_t endingSignals() {
 } // namespace
 
 void QtApplication::blockEndingSignals() {
-    auto const signals = endingSignals();
+    const auto signals = endingSignals();
     sigprocmask(SIG_BLOCK, &signals, nullptr);
 }
 
 QtApplication::QtApplication(SingleInstance& instance) : instance_(instance) {
-    auto const signals = endingSignals();
+    const auto signals = endingSignals();
     signals_ = FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
     signalled_ = std::make_unique<QSocketNotifier>(signals_.get(), QSocketNotifier::Read);
     QObject::connect(signalled_.get(), &QSocketNotifier::activated, [this] {

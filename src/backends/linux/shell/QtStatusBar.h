@@ -16,8 +16,7 @@ class QtStatusItem final : public StatusItem {
 public:
     explicit QtStatusItem(RunLoop& runLoop);
 
-    void setImage(std::string_view symbolName,
-                  std::string_view accessibilityDescription) override;
+    void setImage(std::string_view symbolName, std::string_view accessibilityDescription) override;
     void setAction(std::function<void()> action) override;
 
     /// On screen; empty on panels that do not tell.

@@ -1,16 +1,14 @@
 #pragma once
 
 #include "backends/linux/FileDescriptor.h"
-#include "backends/linux/GammaRamp.h"
-#include "backends/linux/X11Connection.h"
+#include "backends/linux/x11/GammaRamp.h"
+#include "backends/linux/x11/X11Connection.h"
 
 #include <QSocketNotifier>
-
 #include <xcb/randr.h>
 
 #include <map>
 #include <memory>
-
 #include <sys/types.h>
 
 namespace nocta {

@@ -1,4 +1,4 @@
-#include "backends/linux/SymbolIcon.h"
+#include "backends/linux/shell/SymbolIcon.h"
 
 #include <QColor>
 #include <QFile>
@@ -35,9 +35,9 @@ QPixmap drawn(QSvgRenderer& symbol, int size, const QColor& color) {
     QPixmap pixmap(size, size);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
-    auto const halo = tinted(mask, color.lightnessF() < 0.5 ? Qt::white : Qt::black);
+    const auto halo = tinted(mask, color.lightnessF() < 0.5 ? Qt::white : Qt::black);
     painter.setOpacity(haloOpacity);
-    for (auto const& offset : {QPoint(-1, 0), QPoint(1, 0), QPoint(0, -1), QPoint(0, 1)}) {
+    for (const auto& offset : {QPoint(-1, 0), QPoint(1, 0), QPoint(0, -1), QPoint(0, 1)}) {
         painter.drawImage(offset, halo);
     }
     painter.setOpacity(1);
@@ -48,12 +48,13 @@ QPixmap drawn(QSvgRenderer& symbol, int size, const QColor& color) {
 } // namespace
 
 QIcon symbolIcon(std::string_view symbolName) {
-    auto const name = QString::fromUtf8(symbolName.data(), static_cast<qsizetype>(symbolName.size()));
+    const auto name =
+        QString::fromUtf8(symbolName.data(), static_cast<qsizetype>(symbolName.size()));
     QSvgRenderer symbol(QStringLiteral(":/symbols/%1.svg").arg(name));
     QIcon icon;
     if (symbol.isValid()) {
-        auto const color = QGuiApplication::palette().color(QPalette::WindowText);
-        for (auto const size : panelSizes) {
+        const auto color = QGuiApplication::palette().color(QPalette::WindowText);
+        for (const auto size : panelSizes) {
             icon.addPixmap(drawn(symbol, size, color));
         }
     }

@@ -1,6 +1,6 @@
-#include "backends/linux/QtStatusBar.h"
+#include "backends/linux/shell/QtStatusBar.h"
 
-#include "backends/linux/SymbolIcon.h"
+#include "backends/linux/shell/SymbolIcon.h"
 
 #include <chrono>
 #include <utility>

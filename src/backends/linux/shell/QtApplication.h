@@ -1,7 +1,7 @@
 #pragma once
 
 #include "backends/linux/FileDescriptor.h"
-#include "backends/linux/SingleInstance.h"
+#include "backends/linux/shell/SingleInstance.h"
 #include "platform/Application.h"
 
 #include <QSocketNotifier>

@@ -1,4 +1,4 @@
-#include "backends/linux/GammaRamp.h"
+#include "backends/linux/x11/GammaRamp.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,9 +12,9 @@ constexpr double highestLevel = 65535;
 /// The value at `position` (0.0–1.0) along evenly spaced points, at least one.
 template <class Point>
 double interpolated(std::span<const Point> points, double position) {
-    auto const place = position * static_cast<double>(points.size() - 1);
-    auto const index = static_cast<std::size_t>(place);
-    auto const fraction = place - static_cast<double>(index);
+    const auto place = position * static_cast<double>(points.size() - 1);
+    const auto index = static_cast<std::size_t>(place);
+    const auto fraction = place - static_cast<double>(index);
     if (fraction == 0) {
         return points[index];
     }
@@ -25,7 +25,7 @@ double interpolated(std::span<const Point> points, double position) {
 
 bool GammaRamp::isCalibration() const {
     bool rises = false;
-    for (auto const* const channel : {&red, &green, &blue}) {
+    for (const auto* const channel : {&red, &green, &blue}) {
         if (!std::ranges::is_sorted(*channel)) {
             return false;
         }
@@ -38,11 +38,11 @@ std::vector<std::uint16_t> laidOver(std::span<const float> table,
                                     std::span<const std::uint16_t> calibration, std::size_t size) {
     std::vector<std::uint16_t> ramp(size);
     for (std::size_t i = 0; i < size; ++i) {
-        auto const position =
+        const auto position =
             size < 2 ? 1.0 : static_cast<double>(i) / static_cast<double>(size - 1);
-        auto const level = interpolated(table, position);
-        auto const limited = level > 0 ? std::min(level, 1.0) : 0.0; // not a number gives 0
-        auto const output =
+        const auto level = interpolated(table, position);
+        const auto limited = level > 0 ? std::min(level, 1.0) : 0.0; // not a number gives 0
+        const auto output =
             calibration.empty() ? limited * highestLevel : interpolated(calibration, limited);
         ramp[i] = static_cast<std::uint16_t>(std::lround(output));
     }

@@ -1,4 +1,4 @@
-#include "backends/linux/X11Displays.h"
+#include "backends/linux/x11/X11Displays.h"
 
 #include <algorithm>
 #include <array>
@@ -27,9 +27,9 @@ std::string_view nameOf(const Reply& output) {
 
 std::optional<DisplayMode> modeOf(const xcb_randr_get_screen_resources_current_reply_t& resources,
                                   xcb_randr_mode_t mode) {
-    auto const modes = std::span(xcb_randr_get_screen_resources_current_modes(&resources),
-                                 resources.num_modes);
-    auto const found = std::ranges::find(modes, mode, &xcb_randr_mode_info_t::id);
+    const auto modes =
+        std::span(xcb_randr_get_screen_resources_current_modes(&resources), resources.num_modes);
+    const auto found = std::ranges::find(modes, mode, &xcb_randr_mode_info_t::id);
     return found == modes.end() ? std::nullopt
                                 : std::optional(DisplayMode{found->width, found->height});
 }
@@ -41,8 +41,8 @@ X11Displays::X11Displays(X11Connection& connection, RunLoop& runLoop,
     : connection_(connection), notificationCenter_(notificationCenter),
       refresh_(runLoop, [this] { refresh(); }) {
     auto* const x = connection_.get();
-    auto const* const extension = xcb_get_extension_data(x, &xcb_randr_id);
-    XcbReply<xcb_randr_query_version_reply_t> const version(
+    const auto* const extension = xcb_get_extension_data(x, &xcb_randr_id);
+    const XcbReply<xcb_randr_query_version_reply_t> version(
         extension != nullptr && extension->present != 0
             ? xcb_randr_query_version_reply(x, xcb_randr_query_version(x, 1, 5), nullptr)
             : nullptr);
@@ -53,8 +53,7 @@ X11Displays::X11Displays(X11Connection& connection, RunLoop& runLoop,
     }
     firstEvent_ = extension->first_event;
     xcb_randr_select_input(x, connection_.root(),
-                           XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE |
-                               XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                           XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
     outputs_ = readOutputs();
     events_ = connection_.observeEvents([this](const X11Connection::Event& event) {
@@ -68,7 +67,7 @@ X11Displays::X11Displays(X11Connection& connection, RunLoop& runLoop,
 }
 
 Status X11Displays::getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) {
-    auto const number = ids.empty() ? outputs_.size() : std::min(ids.size(), outputs_.size());
+    const auto number = ids.empty() ? outputs_.size() : std::min(ids.size(), outputs_.size());
     std::ranges::transform(std::span(outputs_).first(std::min(ids.size(), number)), ids.begin(),
                            &Output::id);
     count = static_cast<std::uint32_t>(number);
@@ -76,56 +75,58 @@ Status X11Displays::getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t
 }
 
 Rect X11Displays::displayBounds(DisplayId display) {
-    auto const* const output = find(display);
+    const auto* const output = find(display);
     return output == nullptr ? Rect{} : output->bounds;
 }
 
 bool X11Displays::displayIsMain(DisplayId display) {
-    auto const* const output = find(display);
+    const auto* const output = find(display);
     return output != nullptr && output->isPrimary;
 }
 
 bool X11Displays::displayIsBuiltin(DisplayId display) {
-    auto const* const output = find(display);
+    const auto* const output = find(display);
     return output != nullptr && output->isBuiltIn;
 }
 
 std::optional<DisplayMode> X11Displays::displayCopyDisplayMode(DisplayId display) {
-    auto const* const output = find(display);
+    const auto* const output = find(display);
     return output == nullptr ? std::nullopt : output->mode;
 }
 
 xcb_randr_crtc_t X11Displays::crtcOf(DisplayId display) const {
-    auto const* const output = find(display);
+    const auto* const output = find(display);
     return output == nullptr ? XCB_NONE : output->crtc;
 }
 
 bool X11Displays::isEmulation() const {
     auto* const x = connection_.get();
-    auto const property = connection_.existingAtom("RANDR Emulation");
+    const auto property = connection_.existingAtom("RANDR Emulation");
     return property != XCB_ATOM_NONE && std::ranges::any_of(outputs_, [&](const Output& output) {
-        XcbReply<xcb_randr_get_output_property_reply_t> const reply(
-            xcb_randr_get_output_property_reply(
-                x, xcb_randr_get_output_property(x, output.id, property, XCB_ATOM_ANY, 0, 1, 0, 0),
-                nullptr));
-        return reply && reply->type != XCB_ATOM_NONE;
-    });
+               XcbReply<xcb_randr_get_output_property_reply_t> const reply(
+                   xcb_randr_get_output_property_reply(
+                       x,
+                       xcb_randr_get_output_property(x, output.id, property, XCB_ATOM_ANY, 0, 1, 0,
+                                                     0),
+                       nullptr));
+               return reply && reply->type != XCB_ATOM_NONE;
+           });
 }
 
 std::vector<X11Displays::Output> X11Displays::readOutputs() const {
     auto* const x = connection_.get();
-    auto const root = connection_.root();
-    auto const primaryRequest = xcb_randr_get_output_primary(x, root);
-    auto const resourcesRequest = xcb_randr_get_screen_resources_current(x, root);
-    XcbReply<xcb_randr_get_output_primary_reply_t> const primary(
+    const auto root = connection_.root();
+    const auto primaryRequest = xcb_randr_get_output_primary(x, root);
+    const auto resourcesRequest = xcb_randr_get_screen_resources_current(x, root);
+    const XcbReply<xcb_randr_get_output_primary_reply_t> primary(
         xcb_randr_get_output_primary_reply(x, primaryRequest, nullptr));
-    XcbReply<xcb_randr_get_screen_resources_current_reply_t> const resources(
+    const XcbReply<xcb_randr_get_screen_resources_current_reply_t> resources(
         xcb_randr_get_screen_resources_current_reply(x, resourcesRequest, nullptr));
     if (!resources) {
         return {};
     }
 
-    auto const ids = std::span(xcb_randr_get_screen_resources_current_outputs(resources.get()),
+    const auto ids = std::span(xcb_randr_get_screen_resources_current_outputs(resources.get()),
                                resources->num_outputs);
     std::vector<xcb_randr_get_output_info_cookie_t> infoRequests;
     std::ranges::transform(ids, std::back_inserter(infoRequests), [&](xcb_randr_output_t id) {
@@ -135,7 +136,7 @@ std::vector<X11Displays::Output> X11Displays::readOutputs() const {
     std::vector<Output> outputs;
     std::vector<xcb_randr_get_crtc_info_cookie_t> crtcRequests;
     for (std::size_t i = 0; i < ids.size(); ++i) {
-        XcbReply<xcb_randr_get_output_info_reply_t> const info(
+        const XcbReply<xcb_randr_get_output_info_reply_t> info(
             xcb_randr_get_output_info_reply(x, infoRequests[i], nullptr));
         if (!info || info->crtc == XCB_NONE) {
             continue; // gone meanwhile, or showing nothing
@@ -146,11 +147,10 @@ std::vector<X11Displays::Output> X11Displays::readOutputs() const {
                            .isBuiltIn = isBuiltInConnector(nameOf(*info)),
                            .bounds = {},
                            .mode = {}});
-        crtcRequests.push_back(
-            xcb_randr_get_crtc_info(x, info->crtc, resources->config_timestamp));
+        crtcRequests.push_back(xcb_randr_get_crtc_info(x, info->crtc, resources->config_timestamp));
     }
     for (std::size_t i = 0; i < outputs.size(); ++i) {
-        XcbReply<xcb_randr_get_crtc_info_reply_t> const crtc(
+        const XcbReply<xcb_randr_get_crtc_info_reply_t> crtc(
             xcb_randr_get_crtc_info_reply(x, crtcRequests[i], nullptr));
         if (crtc) {
             outputs[i].bounds = {static_cast<double>(crtc->x), static_cast<double>(crtc->y),
@@ -172,7 +172,7 @@ void X11Displays::refresh() {
 }
 
 const X11Displays::Output* X11Displays::find(DisplayId display) const {
-    auto const found = std::ranges::find(outputs_, display, &Output::id);
+    const auto found = std::ranges::find(outputs_, display, &Output::id);
     return found == outputs_.end() ? nullptr : &*found;
 }
 

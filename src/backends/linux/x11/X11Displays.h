@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backends/linux/X11Connection.h"
+#include "backends/linux/x11/X11Connection.h"
 #include "base/NotificationCenter.h"
 #include "platform/Displays.h"
 
@@ -29,8 +29,6 @@ public:
 
     /// The CRTC that drives a display, or none.
     xcb_randr_crtc_t crtcOf(DisplayId display) const;
-
-    bool hasRandR() const { return firstEvent_ != 0; }
 
     /// True where the server only imitates RandR, as one inside a Wayland session does: its gamma
     /// ramps can be written and show nothing.

@@ -1,4 +1,4 @@
-#include "backends/linux/GammaRamp.h"
+#include "backends/linux/x11/GammaRamp.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ std::vector<float> line(float top) {
 std::vector<std::uint16_t> curve(std::size_t size, double exponent) {
     std::vector<std::uint16_t> ramp;
     for (std::size_t i = 0; i < size; ++i) {
-        auto const level = static_cast<double>(i) / static_cast<double>(size - 1);
+        const auto level = static_cast<double>(i) / static_cast<double>(size - 1);
         ramp.push_back(static_cast<std::uint16_t>(std::lround(65535 * std::pow(level, exponent))));
     }
     return ramp;
@@ -29,8 +29,8 @@ class GammaRampSizes : public ::testing::TestWithParam<std::size_t> {};
 INSTANTIATE_TEST_SUITE_P(InTheField, GammaRampSizes, ::testing::Values(256, 1024, 2048, 4096));
 
 TEST_P(GammaRampSizes, NeutralTableGivesTheCalibrationItself) {
-    auto const calibration = curve(GetParam(), 0.8);
-    auto const ramp = laidOver(line(1), calibration, GetParam());
+    const auto calibration = curve(GetParam(), 0.8);
+    const auto ramp = laidOver(line(1), calibration, GetParam());
     ASSERT_EQ(ramp.size(), GetParam());
     for (std::size_t i = 0; i < ramp.size(); ++i) {
         ASSERT_NEAR(ramp[i], calibration[i], 1) << i;
@@ -38,24 +38,24 @@ TEST_P(GammaRampSizes, NeutralTableGivesTheCalibrationItself) {
 }
 
 TEST_P(GammaRampSizes, TableIsEvaluatedFirstAndThenTheCalibration) {
-    auto const ramp = laidOver(line(0.5F), curve(GetParam(), 2), GetParam());
+    const auto ramp = laidOver(line(0.5F), curve(GetParam(), 2), GetParam());
     for (std::size_t i = 0; i < ramp.size(); ++i) {
-        auto const level = static_cast<double>(i) / static_cast<double>(ramp.size() - 1);
+        const auto level = static_cast<double>(i) / static_cast<double>(ramp.size() - 1);
         // A parabola read as straight lines between 256 points is off by less than 1/8 of a step².
         ASSERT_NEAR(ramp[i], 65535 * std::pow(0.5 * level, 2), 1.5) << i;
     }
 }
 
 TEST_P(GammaRampSizes, WithoutACalibrationTheTableIsResampled) {
-    auto const ramp = laidOver(line(0.75F), {}, GetParam());
+    const auto ramp = laidOver(line(0.75F), {}, GetParam());
     for (std::size_t i = 0; i < ramp.size(); ++i) {
-        auto const level = static_cast<double>(i) / static_cast<double>(ramp.size() - 1);
+        const auto level = static_cast<double>(i) / static_cast<double>(ramp.size() - 1);
         ASSERT_NEAR(ramp[i], 0.75 * 65535 * level, 1) << i;
     }
 }
 
 TEST(GammaRamp, LevelsOutsideTheRangeAreLimited) {
-    std::vector<float> const table = {-1.0F, 2.0F, std::numeric_limits<float>::quiet_NaN(),
+    const std::vector<float> table = {-1.0F, 2.0F, std::numeric_limits<float>::quiet_NaN(),
                                       std::numeric_limits<float>::infinity()};
     EXPECT_EQ(laidOver(table, {}, 4), (std::vector<std::uint16_t>{0, 65535, 0, 65535}));
 }
@@ -68,13 +68,13 @@ TEST(GammaRamp, SmallestSizes) {
 }
 
 TEST(GammaRamp, CalibrationNeverFallsAndIsNotAllZero) {
-    GammaRamp const rising{{0, 1, 2}, {0, 0, 5}, {3, 3, 3}};
+    const GammaRamp rising{{0, 1, 2}, {0, 0, 5}, {3, 3, 3}};
     EXPECT_TRUE(rising.isCalibration());
-    GammaRamp const falling{{0, 1, 2}, {0, 5, 4}, {0, 1, 2}};
+    const GammaRamp falling{{0, 1, 2}, {0, 5, 4}, {0, 1, 2}};
     EXPECT_FALSE(falling.isCalibration());
-    GammaRamp const zero{{0, 0}, {0, 0}, {0, 0}};
+    const GammaRamp zero{{0, 0}, {0, 0}, {0, 0}};
     EXPECT_FALSE(zero.isCalibration());
-    GammaRamp const oneDarkChannel{{0, 9}, {0, 9}, {0, 0}};
+    const GammaRamp oneDarkChannel{{0, 9}, {0, 9}, {0, 0}};
     EXPECT_TRUE(oneDarkChannel.isCalibration());
     EXPECT_FALSE(GammaRamp().isCalibration());
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backends/linux/X11Connection.h"
+#include "backends/linux/x11/X11Connection.h"
 #include "platform/KeyEvents.h"
 
 #include <xcb/xcb_keysyms.h>

@@ -1,11 +1,10 @@
-#include "backends/linux/SingleInstance.h"
-
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
+#include "backends/linux/shell/SingleInstance.h"
 
 #include <cstddef>
 #include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 #include <utility>
 
 namespace nocta {
@@ -27,20 +26,19 @@ bool isOwn(int socket) {
 
 SingleInstance::SingleInstance(std::string_view display)
     : socket_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
-    auto const name = "nocta-" + std::to_string(geteuid()) + "-" + std::string(display);
+    const auto name = "nocta-" + std::to_string(geteuid()) + "-" + std::string(display);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (!socket_ || name.size() >= sizeof address.sun_path) {
         return;
     }
     name.copy(address.sun_path + 1, name.size()); // a leading zero: an abstract name
-    auto const length =
-        static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
-    auto const* const generic = reinterpret_cast<const sockaddr*>(&address);
+    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
+    const auto* const generic = reinterpret_cast<const sockaddr*>(&address);
     if (bind(socket_.get(), generic, length) == 0 && ::listen(socket_.get(), waitingKnocks) == 0) {
         return;
     }
-    FileDescriptor const door(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const FileDescriptor door(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     isFirst_ = connect(door.get(), generic, length) != 0 || !isOwn(door.get());
     socket_.reset();
 }
@@ -54,7 +52,7 @@ void SingleInstance::listen(std::function<void()> knocked) {
 }
 
 void SingleInstance::answer() {
-    FileDescriptor const knock(accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    const FileDescriptor knock(accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
     if (knock && isOwn(knock.get())) {
         knocked_();
     }

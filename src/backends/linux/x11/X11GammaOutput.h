@@ -1,9 +1,9 @@
 #pragma once
 
-#include "backends/linux/GammaRamp.h"
-#include "backends/linux/Guardian.h"
-#include "backends/linux/X11Connection.h"
-#include "backends/linux/X11Displays.h"
+#include "backends/linux/x11/GammaRamp.h"
+#include "backends/linux/x11/Guardian.h"
+#include "backends/linux/x11/X11Connection.h"
+#include "backends/linux/x11/X11Displays.h"
 #include "platform/GammaOutput.h"
 
 #include <map>

@@ -1,4 +1,4 @@
-#include "backends/linux/X11GammaOutput.h"
+#include "backends/linux/x11/X11GammaOutput.h"
 
 #include <xcb/randr.h>
 
@@ -18,12 +18,12 @@ X11GammaOutput::~X11GammaOutput() {
 Status X11GammaOutput::setDisplayTransferByTable(DisplayId display, std::span<const float> red,
                                                  std::span<const float> green,
                                                  std::span<const float> blue) {
-    auto const crtc = displays_.crtcOf(display);
-    auto const* const factory = crtc == XCB_NONE ? nullptr : factoryOf(crtc);
+    const auto crtc = displays_.crtcOf(display);
+    const auto* const factory = crtc == XCB_NONE ? nullptr : factoryOf(crtc);
     if (factory == nullptr || factory->ramp.size() == 0) {
         return statusFailure;
     }
-    auto const channel = [&](std::span<const float> table,
+    const auto channel = [&](std::span<const float> table,
                              const std::vector<std::uint16_t>& factoryChannel) {
         auto const calibration = std::span(factoryChannel);
         return laidOver(table, factory->isCalibration ? calibration : calibration.first(0),
@@ -36,7 +36,7 @@ Status X11GammaOutput::setDisplayTransferByTable(DisplayId display, std::span<co
 }
 
 void X11GammaOutput::displayRestoreColorSyncSettings() {
-    for (auto const& [crtc, factory] : factories_) {
+    for (const auto& [crtc, factory] : factories_) {
         if (factory.ramp.size() > 0) {
             write(crtc, factory.ramp);
         }
@@ -47,29 +47,29 @@ void X11GammaOutput::displayRestoreColorSyncSettings() {
 }
 
 const X11GammaOutput::Factory* X11GammaOutput::factoryOf(xcb_randr_crtc_t crtc) {
-    if (auto const known = factories_.find(crtc); known != factories_.end()) {
+    if (const auto known = factories_.find(crtc); known != factories_.end()) {
         return &known->second;
     }
     if (!guardian_.start()) {
         return nullptr;
     }
     auto* const x = connection_.get();
-    XcbReply<xcb_randr_get_crtc_gamma_reply_t> const reply(
+    const XcbReply<xcb_randr_get_crtc_gamma_reply_t> reply(
         xcb_randr_get_crtc_gamma_reply(x, xcb_randr_get_crtc_gamma(x, crtc), nullptr));
     connection_.finishTurn();
     if (!reply) {
         return nullptr; // the CRTC has gone
     }
-    auto const* const red = xcb_randr_get_crtc_gamma_red(reply.get());
-    auto const* const green = xcb_randr_get_crtc_gamma_green(reply.get());
-    auto const* const blue = xcb_randr_get_crtc_gamma_blue(reply.get());
+    const auto* const red = xcb_randr_get_crtc_gamma_red(reply.get());
+    const auto* const green = xcb_randr_get_crtc_gamma_green(reply.get());
+    const auto* const blue = xcb_randr_get_crtc_gamma_blue(reply.get());
     GammaRamp ramp{.red = {red, red + reply->size},
                    .green = {green, green + reply->size},
                    .blue = {blue, blue + reply->size}};
     if (ramp.size() > 0) {
         guardian_.hold(crtc, ramp);
     }
-    auto const isCalibration = ramp.isCalibration();
+    const auto isCalibration = ramp.isCalibration();
     return &factories_.emplace(crtc, Factory{std::move(ramp), isCalibration}).first->second;
 }
 

@@ -4,7 +4,7 @@
 #include "ui/WidgetViews.h"
 
 int main() {
-    auto const session = nocta::makeDesktop();
+    const auto session = nocta::makeDesktop();
     if (session.desktop == nullptr) {
         return session.exitStatus;
     }

@@ -1,4 +1,4 @@
-#include "backends/linux/QtRunLoop.h"
+#include "backends/linux/shell/QtRunLoop.h"
 
 #include <chrono>
 #include <utility>
@@ -15,7 +15,7 @@ MonotonicTime QtRunLoop::monotonicNow() const {
 
 RunLoop::TimerId QtRunLoop::schedule(Duration interval, Repeat repeat,
                                      std::function<void()> action) {
-    auto const id = ++lastId_;
+    const auto id = ++lastId_;
     auto* const timer = new QTimer(&context_);
     timers_.emplace(id, timer);
     timer->setTimerType(Qt::PreciseTimer);
@@ -33,7 +33,7 @@ RunLoop::TimerId QtRunLoop::schedule(Duration interval, Repeat repeat,
 }
 
 void QtRunLoop::cancel(TimerId id) {
-    if (auto const found = timers_.find(id); found != timers_.end()) {
+    if (const auto found = timers_.find(id); found != timers_.end()) {
         auto* const timer = found->second;
         timers_.erase(found);
         timer->stop();

@@ -1,6 +1,6 @@
-#include "backends/linux/QtPopover.h"
+#include "backends/linux/shell/QtPopover.h"
 
-#include "backends/linux/QtStatusBar.h"
+#include "backends/linux/shell/QtStatusBar.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -20,10 +20,10 @@ constexpr int gap = 4; ///< points between the item and the popover
 
 /// Beside the anchor on the side that faces into the screen, centred on it, wholly on screen.
 QPoint placed(const QSize& size, const QRect& anchor, const QRect& available) {
-    auto const below = anchor.center().y() < available.center().y();
-    auto const x = anchor.center().x() - size.width() / 2;
-    auto const y = below ? anchor.bottom() + 1 + gap : anchor.top() - gap - size.height();
-    auto const within = [](int value, int low, int high) {
+    const auto below = anchor.center().y() < available.center().y();
+    const auto x = anchor.center().x() - size.width() / 2;
+    const auto y = below ? anchor.bottom() + 1 + gap : anchor.top() - gap - size.height();
+    const auto within = [](int value, int low, int high) {
         return std::max(low, std::min(value, high));
     };
     return {within(x, available.left(), available.right() + 1 - size.width()),
@@ -79,7 +79,7 @@ void QtPopover::setContentSize(double width, double height) {
 }
 
 void QtPopover::setBehavior(PopoverBehavior behavior) {
-    auto const type = behavior == PopoverBehavior::transient ? Qt::Popup : Qt::Tool;
+    const auto type = behavior == PopoverBehavior::transient ? Qt::Popup : Qt::Tool;
     window_->setWindowFlags(type | Qt::FramelessWindowHint);
 }
 
@@ -92,7 +92,7 @@ void QtPopover::show(StatusItem& relativeTo) {
     if (anchor.isEmpty()) {
         anchor = QRect(QCursor::pos(), QSize(1, 1));
     }
-    auto const* screen = QGuiApplication::screenAt(anchor.center());
+    const auto* screen = QGuiApplication::screenAt(anchor.center());
     if (screen == nullptr) {
         screen = QGuiApplication::primaryScreen();
     }

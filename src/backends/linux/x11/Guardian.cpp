@@ -1,18 +1,17 @@
-#include "backends/linux/Guardian.h"
+#include "backends/linux/x11/Guardian.h"
 
-#include "backends/linux/GuardianProtocol.h"
+#include "backends/linux/x11/GuardianProtocol.h"
 
 #include <csignal>
-#include <poll.h>
-#include <spawn.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <poll.h>
+#include <spawn.h>
 #include <string>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 namespace nocta {
@@ -26,14 +25,14 @@ constexpr int mostReplacements = 3;
 /// Installed beside the program.
 std::string guardianProgram() {
     std::error_code error;
-    auto const program = std::filesystem::read_symlink("/proc/self/exe", error);
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
     return (program.parent_path() / programName).string();
 }
 
 void sendBytes(int socket, const void* bytes, std::size_t length) {
-    auto const* rest = static_cast<const char*>(bytes);
+    const auto* rest = static_cast<const char*>(bytes);
     while (length > 0) {
-        auto const sent = ::send(socket, rest, length, MSG_NOSIGNAL);
+        const auto sent = ::send(socket, rest, length, MSG_NOSIGNAL);
         if (sent <= 0) {
             return; // the helper is gone; its closed socket is noticed by itself
         }
@@ -85,7 +84,7 @@ Guardian::Outcome Guardian::launch() {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDIN_FILENO);
-    auto const failed =
+    const auto failed =
         posix_spawn(&process_, program.c_str(), &actions, nullptr, arguments, environ) != 0;
     posix_spawn_file_actions_destroy(&actions);
     if (failed) {
@@ -93,12 +92,12 @@ Guardian::Outcome Guardian::launch() {
         return Outcome::unguarded;
     }
 
-    GuardianHello const hello{.window = connection_.window()};
+    const GuardianHello hello{.window = connection_.window()};
     sendBytes(socket_.get(), &hello, sizeof hello);
     theirs.reset(); // so that a helper that dies closes the socket
     pollfd answerable{.fd = socket_.get(), .events = POLLIN, .revents = 0};
     GuardianAnswer answer{};
-    auto const answered =
+    const auto answered =
         poll(&answerable, 1, answerTimeout) == 1 && read(socket_.get(), &answer, 1) == 1;
     if (!answered || answer != GuardianAnswer::ready) {
         end();
@@ -110,12 +109,12 @@ Guardian::Outcome Guardian::launch() {
 }
 
 void Guardian::send(xcb_randr_crtc_t crtc, const GammaRamp& factory) {
-    GuardedRamp const record{.crtc = crtc, .size = static_cast<std::uint32_t>(factory.size())};
-    auto const channelBytes = factory.size() * sizeof(std::uint16_t);
+    const GuardedRamp record{.crtc = crtc, .size = static_cast<std::uint32_t>(factory.size())};
+    const auto channelBytes = factory.size() * sizeof(std::uint16_t);
     std::vector<char> message(sizeof record + 3 * channelBytes);
     std::memcpy(message.data(), &record, sizeof record);
     auto* rest = message.data() + sizeof record;
-    for (auto const* const channel : {&factory.red, &factory.green, &factory.blue}) {
+    for (const auto* const channel : {&factory.red, &factory.green, &factory.blue}) {
         std::memcpy(rest, channel->data(), channelBytes);
         rest += channelBytes;
     }
@@ -135,7 +134,7 @@ void Guardian::replace() {
                   << " keeps dying; a crash would leave the screen as it is" << std::endl;
         return;
     }
-    for (auto const& [crtc, factory] : held_) {
+    for (const auto& [crtc, factory] : held_) {
         send(crtc, factory);
     }
 }
