@@ -1,12 +1,15 @@
 #include "ui/Percent.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 namespace nocta {
 
 int wholePercent(double fraction) {
-    return static_cast<int>(fraction * 100);
+    constexpr double lowest = std::numeric_limits<int>::min();
+    constexpr double highest = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(fraction * 100, lowest, highest));
 }
 
 double fractionOfPercent(int percent) {

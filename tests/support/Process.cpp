@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -41,6 +42,7 @@ Process::Process(const std::vector<std::string>& command, const Environment& var
     if (id_ != 0) {
         return;
     }
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // nothing stays behind when a test program dies
     for (const auto& [name, value] : variables) {
         if (value.empty()) {
             unsetenv(name.c_str());

@@ -241,6 +241,16 @@ TEST_P(NoctaProcessTest, SecondStartShowsThePopoverOfTheFirstAndEnds) {
     EXPECT_TRUE(shows(0.75));
 }
 
+TEST_P(NoctaProcessTest, SliderInThePopoverDimsTheScreen) {
+    startAndWaitFor(0.75);
+    ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
+    client.press(0xFF09); // Tab, to the first control
+    client.press(0xFF50); // Home
+    ASSERT_TRUE(waitForBrightness(0.0));
+    client.press(0xFF57); // End
+    ASSERT_TRUE(waitForBrightness(1.0));
+}
+
 TEST_P(NoctaProcessTest, StoredBrightnessIsShownAtTheStart) {
     std::filesystem::create_directories(home.path() + "/.config/nocta");
     writeFile(settings, "[General]\nunifiedBrightness=0.4\n");

@@ -1,0 +1,30 @@
+#include "ui/Percent.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace nocta {
+namespace {
+
+TEST(Percent, FractionsAreTruncated) {
+    EXPECT_EQ(wholePercent(0.755), 75);
+    EXPECT_EQ(wholePercent(0.0), 0);
+    EXPECT_EQ(wholePercent(0.999), 99);
+    EXPECT_EQ(wholePercent(1.0), 100);
+    EXPECT_EQ(wholePercent(0.29), 28) << "the double nearest to 0.29 is below it";
+    EXPECT_EQ(wholePercent(0.57), 56);
+    EXPECT_EQ(wholePercent(0.58), 57);
+}
+
+TEST(Percent, EveryPercentageHasTheSmallestFractionThatShowsAsIt) {
+    for (int percent = 0; percent <= 100; ++percent) {
+        const auto fraction = fractionOfPercent(percent);
+        EXPECT_EQ(wholePercent(fraction), percent);
+        EXPECT_NEAR(fraction, percent / 100.0, 1e-15);
+        EXPECT_LE(fraction, 1.0);
+    }
+}
+
+} // namespace
+} // namespace nocta
