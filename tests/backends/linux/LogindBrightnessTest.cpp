@@ -8,34 +8,40 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace nocta {
 namespace {
 
-/// A system bus of the test's own.
+/// A system bus of the test's own. All have one address, as the D-Bus library asks for it once.
 class PrivateSystemBus {
 public:
     PrivateSystemBus() {
-        writeFile(folder_.path() + "/bus.conf",
-                  "<busconfig><listen>unix:path=" + folder_.path() +
-                      "/bus</listen><auth>EXTERNAL</auth><policy context=\"default\">"
-                      "<allow user=\"*\"/><allow own=\"*\"/><allow send_destination=\"*\"/>"
-                      "<allow receive_sender=\"*\"/></policy></busconfig>");
-        const auto address = "unix:path=" + folder_.path() + "/bus";
+        static TemporaryFolder const folder;
+        auto const address = "unix:path=" + folder.path() + "/bus";
+        auto const configuration = folder.path() + "/bus.conf";
+        std::filesystem::remove(folder.path() + "/bus");
+        writeFile(configuration, "<busconfig><listen>" + address +
+                                     "</listen><auth>EXTERNAL</auth><policy context=\"default\">"
+                                     "<allow user=\"*\"/><allow own=\"*\"/>"
+                                     "<allow send_destination=\"*\" send_requested_reply=\"true\"/>"
+                                     "<allow send_destination=\"*\"/>"
+                                     "<allow receive_sender=\"*\"/></policy></busconfig>");
         setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
         process_.emplace(std::vector<std::string>{
-            "dbus-daemon", "--config-file=" + folder_.path() + "/bus.conf", "--nofork"});
+            "dbus-daemon", "--config-file=" + configuration, "--nofork"});
         EXPECT_TRUE(waitUntil([&] {
-            auto const isUp =
-                QDBusConnection::connectToBus(QString::fromStdString(address), "up").isConnected();
+            auto const isUp = QDBusConnection::connectToBus(QString::fromStdString(address), "up")
+                                  .isConnected();
             QDBusConnection::disconnectFromBus("up");
             return isUp;
         }));
     }
 
 private:
-    TemporaryFolder folder_;
     std::optional<Process> process_;
 };
 
@@ -67,11 +73,14 @@ TEST(LogindBrightness, AsksTheSeatManagerForThisSession) {
     EXPECT_EQ(call.arguments(), (QVariantList{"backlight", "intel_backlight", 10666U}));
 }
 
-TEST(LogindBrightness, WithoutASystemBusNobodyCanBeAsked) {
-    setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
+TEST(LogindBrightness, NobodyCanBeAskedWhileTheSystemBusIsGone) {
+    {
+        PrivateSystemBus const bus;
+        EXPECT_TRUE(setBrightnessThroughLogind("intel_backlight", 1));
+    }
     EXPECT_TRUE(serveUntil([] { return !setBrightnessThroughLogind("intel_backlight", 1); }));
-    const PrivateSystemBus bus;
-    EXPECT_TRUE(setBrightnessThroughLogind("intel_backlight", 1)) << "the bus has come up";
+    PrivateSystemBus const bus;
+    EXPECT_TRUE(setBrightnessThroughLogind("intel_backlight", 1)) << "the bus has come up again";
 }
 
 } // namespace
