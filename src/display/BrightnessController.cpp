@@ -6,15 +6,12 @@ namespace nocta {
 
 namespace {
 
-constexpr std::int16_t auxiliaryControlButtons = 8;
-
 // The fields of an auxiliary control button's data. The two brightness keys, 0x90 (lower) and
 // 0x91 (raise), differ in the lowest bit of the key code, which the mask leaves out.
 constexpr std::int64_t brightnessKeysMask = ~std::int64_t{0x1FFFF};
 constexpr std::int64_t brightnessKeys = 0x900000;
 constexpr std::int64_t raisingKey = 0x10000;
 constexpr std::int64_t stateMask = 0xFF00;
-constexpr std::int64_t keyDown = 0xA00;
 
 } // namespace
 
@@ -48,8 +45,9 @@ std::optional<float> BrightnessController::levelOfMainDisplay() {
 
 void BrightnessController::handle(const SystemDefinedEvent& event) {
     const auto data = event.data1;
-    if (event.subtype != auxiliaryControlButtons || (data & brightnessKeysMask) != brightnessKeys ||
-        (data & stateMask) != keyDown) {
+    if (event.subtype != auxiliaryControlButtonsSubtype ||
+        (data & brightnessKeysMask) != brightnessKeys ||
+        (data & stateMask) != auxiliaryControlButtonDown) {
         return;
     }
     const auto level = readBrightness();

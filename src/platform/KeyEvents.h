@@ -7,8 +7,17 @@
 
 namespace nocta {
 
-/// A system-defined event, as special keys send it. Subtype 8 is an auxiliary control button:
-/// bits 16–31 of `data1` are its key code, bits 8–15 its state (0x0A down, 0x0B up).
+// The virtual key codes of the two brightness keys.
+inline constexpr std::int64_t brightnessDownKeyCode = 144;
+inline constexpr std::int64_t brightnessUpKeyCode = 145;
+
+// The subtype of a system-defined event that tells of an auxiliary control button, and the state,
+// in its data, of one that goes down.
+inline constexpr std::int16_t auxiliaryControlButtonsSubtype = 8;
+inline constexpr std::int64_t auxiliaryControlButtonDown = 0xA00;
+
+/// A system-defined event, as special keys send it. For an auxiliary control button bits 16–31 of
+/// `data1` are its key code and bits 8–15 its state.
 struct SystemDefinedEvent {
     std::int16_t subtype = 0;
     std::int64_t data1 = 0;

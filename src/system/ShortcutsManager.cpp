@@ -7,8 +7,6 @@
 namespace nocta {
 
 namespace {
-constexpr std::int64_t brightnessDownKey = 144;
-constexpr std::int64_t brightnessUpKey = 145;
 constexpr double brightnessStep = 0.0625;
 } // namespace
 
@@ -29,11 +27,11 @@ void ShortcutsManager::startMonitoring() {
 }
 
 void ShortcutsManager::handle(const KeyDownEvent& event) {
-    if (event.keyCode != brightnessDownKey && event.keyCode != brightnessUpKey) {
+    if (event.keyCode != brightnessDownKeyCode && event.keyCode != brightnessUpKeyCode) {
         return;
     }
     const auto current = settingsManager_.unifiedBrightness.get();
-    const auto brightness = event.keyCode == brightnessUpKey
+    const auto brightness = event.keyCode == brightnessUpKeyCode
                                 ? std::min(current + brightnessStep, 1.0)
                                 : std::max(current - brightnessStep, 0.0);
     // The write reaches the applier through the application's subscription; it is handed over

@@ -1,15 +1,14 @@
 #include "ui/Percent.h"
 
-#include <algorithm>
+#include "base/Checked.h"
+
 #include <cmath>
 #include <limits>
 
 namespace nocta {
 
-int wholePercent(double fraction) {
-    constexpr double lowest = std::numeric_limits<int>::min();
-    constexpr double highest = std::numeric_limits<int>::max();
-    return static_cast<int>(std::clamp(fraction * 100, lowest, highest));
+std::int64_t wholePercent(double fraction) {
+    return truncated(fraction * 100);
 }
 
 double fractionOfPercent(int percent) {

@@ -9,6 +9,8 @@
 #include <QSlider>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <cstdint>
 #include <utility>
 
 namespace nocta {
@@ -16,7 +18,8 @@ namespace nocta {
 namespace {
 constexpr int margin = 16; // points
 constexpr int spacing = 8;
-constexpr int pageStep = 10; // per cent
+constexpr int wholeRange = 100; // per cent
+constexpr int pageStep = 10;
 } // namespace
 
 PopoverContentView::PopoverContentView(SettingsManager& settings, std::function<void()> quit) {
@@ -34,7 +37,7 @@ void PopoverContentView::addBrightness(SettingsManager& settings) {
     auto* const slider = new QSlider(Qt::Horizontal);
     slider->setObjectName(QStringLiteral("brightnessSlider"));
     slider->setAccessibleName(tr("Brightness"));
-    slider->setRange(0, 100);
+    slider->setRange(0, wholeRange);
     slider->setPageStep(pageStep);
 
     auto* const heading = new QHBoxLayout;
@@ -48,7 +51,7 @@ void PopoverContentView::addBrightness(SettingsManager& settings) {
     const auto show = [value, slider](double brightness) {
         QSignalBlocker const quiet(slider); // showing a value must not write it
         auto const percent = wholePercent(brightness);
-        slider->setValue(percent);
+        slider->setValue(static_cast<int>(std::clamp<std::int64_t>(percent, 0, wholeRange)));
         value->setText(tr("%1%").arg(percent));
     };
     show(settings.unifiedBrightness.get());
@@ -61,7 +64,6 @@ void PopoverContentView::addBrightness(SettingsManager& settings) {
 void PopoverContentView::addFooter(std::function<void()> quit) {
     auto* const button = new QPushButton(tr("Quit Nocta"));
     button->setObjectName(QStringLiteral("quitButton"));
-    button->setFlat(true);
     connect(button, &QPushButton::clicked, this, std::move(quit));
 
     auto* const footer = new QHBoxLayout;

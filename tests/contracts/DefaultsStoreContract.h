@@ -61,7 +61,7 @@ TYPED_TEST_P(DefaultsStoreContract, ValuesReadBackExactly) {
     }
     for (const auto* const value :
          {"", "eye", "true", "12", "0.5", " padded ", "\"quoted\"", "a=b;c#d", "[General]",
-          "two\nlines\r\n\tand \\ more", "äöü 👁"}) {
+          "two\nlines\r\n\tand \\ more", "\x01\x7f", "äöü 👁"}) {
         this->store().setObject(value, "s");
         EXPECT_EQ(this->store().stringForKey("s"), value);
     }

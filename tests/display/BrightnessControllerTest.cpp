@@ -108,6 +108,15 @@ TEST_F(BrightnessControllerTest, KeysAreIgnoredWithOnlyExternalDisplays) {
     EXPECT_TRUE(listener->presses.empty());
 }
 
+TEST_F(BrightnessControllerTest, KeysAreIgnoredWhileTheBacklightCountsAsUnavailable) {
+    plugBuiltIn();
+    desktop.displays.backlightReadFails = true;
+    start();
+    desktop.displays.backlightReadFails = false; // readable now, but nobody has probed
+    desktop.keyboard.pressBrightnessUp();
+    EXPECT_TRUE(listener->presses.empty());
+}
+
 TEST_F(BrightnessControllerTest, DelegateIsNotKeptAlive) {
     plugBuiltIn();
     start();

@@ -88,6 +88,19 @@ double XClient::top(xcb_randr_crtc_t crtc) {
 }
 
 void XClient::press(xcb_keysym_t symbol) {
+    hold(symbol);
+    release(symbol);
+}
+
+void XClient::hold(xcb_keysym_t symbol) {
+    key(symbol, XCB_KEY_PRESS);
+}
+
+void XClient::release(xcb_keysym_t symbol) {
+    key(symbol, XCB_KEY_RELEASE);
+}
+
+void XClient::key(xcb_keysym_t symbol, std::uint8_t event) {
     auto* const symbols = xcb_key_symbols_alloc(x_);
     const Owned<xcb_keycode_t> codes(xcb_key_symbols_get_keycode(symbols, symbol));
     auto code = codes == nullptr ? xcb_keycode_t{0} : *codes;
@@ -96,25 +109,61 @@ void XClient::press(xcb_keysym_t symbol) {
         code = spareKey + static_cast<xcb_keycode_t>(symbol & 1);
         xcb_change_keyboard_mapping(x_, 1, code, 1, &symbol);
     }
-    xcb_test_fake_input(x_, XCB_KEY_PRESS, code, XCB_CURRENT_TIME, root_, 0, 0, 0);
-    xcb_test_fake_input(x_, XCB_KEY_RELEASE, code, XCB_CURRENT_TIME, root_, 0, 0, 0);
-    needed(xcb_get_input_focus_reply(x_, xcb_get_input_focus(x_), nullptr));
+    xcb_test_fake_input(x_, event, code, XCB_CURRENT_TIME, root_, 0, 0, 0);
+    synchronize();
+}
+
+void XClient::disconnect(xcb_window_t window) {
+    xcb_kill_client(x_, window);
+    synchronize();
+}
+
+void XClient::becomeSystemTray() {
+    const auto window = xcb_generate_id(x_);
+    xcb_create_window(x_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const auto selection = atom("_NET_SYSTEM_TRAY_S0");
+    xcb_set_selection_owner(x_, window, selection, XCB_CURRENT_TIME);
+    xcb_client_message_event_t announcement{};
+    announcement.response_type = XCB_CLIENT_MESSAGE;
+    announcement.format = 32;
+    announcement.window = root_;
+    announcement.type = atom("MANAGER");
+    announcement.data.data32[0] = XCB_CURRENT_TIME;
+    announcement.data.data32[1] = selection;
+    announcement.data.data32[2] = window;
+    xcb_send_event(x_, 0, root_, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&announcement));
+    synchronize();
+}
+
+void XClient::setRootProperty(const std::string& name, const std::vector<std::uint16_t>& numbers) {
+    xcb_change_property(x_, XCB_PROP_MODE_REPLACE, root_, atom(name), XCB_ATOM_CARDINAL, 16,
+                        static_cast<std::uint32_t>(numbers.size()), numbers.data());
+    synchronize();
 }
 
 void XClient::setOutputProperty(const std::string& name, std::uint32_t value) {
-    const auto atom = needed(xcb_intern_atom_reply(
-        x_, xcb_intern_atom(x_, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
-        nullptr));
     const auto resources = needed(xcb_randr_get_screen_resources_current_reply(
         x_, xcb_randr_get_screen_resources_current(x_, root_), nullptr));
     const auto* const outputs = xcb_randr_get_screen_resources_current_outputs(resources.get());
     for (int i = 0; i < resources->num_outputs; ++i) {
-        if (crtcOf(outputs[i]) != XCB_NONE) {
-            xcb_randr_change_output_property(x_, outputs[i], atom->atom, XCB_ATOM_INTEGER, 32,
-                                             XCB_PROP_MODE_REPLACE, 1, &value);
-        }
+        xcb_randr_change_output_property(x_, outputs[i], atom(name), XCB_ATOM_INTEGER, 32,
+                                         XCB_PROP_MODE_REPLACE, 1, &value);
     }
+    synchronize();
+}
+
+void XClient::synchronize() {
     needed(xcb_get_input_focus_reply(x_, xcb_get_input_focus(x_), nullptr));
+}
+
+xcb_atom_t XClient::atom(const std::string& name) {
+    return needed(xcb_intern_atom_reply(
+                      x_,
+                      xcb_intern_atom(x_, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
+                      nullptr))
+        ->atom;
 }
 
 std::vector<xcb_window_t> XClient::windowsOfSize(int width, int height) {

@@ -36,14 +36,28 @@ public:
 
     /// Presses and releases the key that makes the symbol; one is given the symbol if none has it.
     void press(xcb_keysym_t symbol);
+    void hold(xcb_keysym_t symbol);
+    void release(xcb_keysym_t symbol);
 
-    /// Creates a property of one number on every output that is in use.
+    /// Makes the server close the connection of the client that owns a window.
+    void disconnect(xcb_window_t window);
+
+    /// Owns the selection of XEmbed trays and announces itself, as a panel does.
+    void becomeSystemTray();
+
+    void setRootProperty(const std::string& name, const std::vector<std::uint16_t>& numbers);
+
+    /// Creates a property of one number on every output.
     void setOutputProperty(const std::string& name, std::uint32_t value);
 
     /// The ids of the mapped top-level windows of this size.
     std::vector<xcb_window_t> windowsOfSize(int width, int height);
 
 private:
+    void synchronize();
+    xcb_atom_t atom(const std::string& name);
+    void key(xcb_keysym_t symbol, std::uint8_t event);
+
     xcb_connection_t* x_;
     xcb_window_t root_;
 };

@@ -17,6 +17,11 @@ TEST(Percent, FractionsAreTruncated) {
     EXPECT_EQ(wholePercent(0.58), 57);
 }
 
+TEST(PercentDeathTest, PercentageThatNoIntegerHoldsStopsTheProgram) {
+    EXPECT_DEATH(wholePercent(1e300), "too large for an integer");
+    EXPECT_DEATH(wholePercent(std::nan("")), "too large for an integer");
+}
+
 TEST(Percent, EveryPercentageHasTheSmallestFractionThatShowsAsIt) {
     for (int percent = 0; percent <= 100; ++percent) {
         const auto fraction = fractionOfPercent(percent);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <iostream>
@@ -62,6 +63,8 @@ IniDefaultsStore::IniDefaultsStore(std::filesystem::path file) : file_(std::move
     std::error_code error;
     if (auto target = std::filesystem::canonical(file_, error); !error) {
         file_ = std::move(target);
+    } else if (const auto missing = std::filesystem::read_symlink(file_, error); !error) {
+        file_ = file_.parent_path() / missing;
     }
     load();
 }
@@ -87,7 +90,7 @@ void IniDefaultsStore::load() {
 void IniDefaultsStore::set(DefaultsValue value, std::string_view key) {
     document_.set(key, value);
     table_.set(key, std::move(value));
-    write(Durability::eventual);
+    write();
 }
 
 void IniDefaultsStore::removeObjectForKey(std::string_view key) {
@@ -96,52 +99,63 @@ void IniDefaultsStore::removeObjectForKey(std::string_view key) {
     }
     document_.remove(key);
     table_.remove(key);
-    write(Durability::eventual);
+    write();
 }
 
 void IniDefaultsStore::synchronize() {
-    if (!table_.stored().empty()) {
-        write(Durability::synchronous);
+    if (!isWritten_) {
+        write();
+    }
+    // The content, and the folder, which holds the name. What cannot do that has done what it can.
+    for (const auto& path : {file_, file_.parent_path()}) {
+        if (const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+            file) {
+            fsync(file.get());
+        }
     }
 }
 
-void IniDefaultsStore::write(Durability durability) {
-    const auto directory = file_.parent_path();
+void IniDefaultsStore::write() {
     std::error_code ignored; // what matters shows when the file is opened
-    std::filesystem::create_directories(directory, ignored);
+    std::filesystem::create_directories(file_.parent_path(), ignored);
 
     const auto temporary = file_.string() + ".new";
-    const auto sync = durability == Durability::synchronous;
-    const auto written = [&] {
-        if (mustMoveAside_ && !moveAside()) {
-            return false;
-        }
+    isWritten_ = [&] {
         FileDescriptor const output(
             open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
-        return output && writeAll(output.get(), document_.text()) &&
-               (!sync || fsync(output.get()) == 0) && rename(temporary.c_str(), file_.c_str()) == 0;
+        return output && writeAll(output.get(), document_.text()) && replaceFile(temporary);
     }();
-    if (!written) {
-        if (!writeFailed_) {
-            writeFailed_ = true;
+    if (!isWritten_) {
+        if (!std::exchange(failureIsSaid_, true)) {
             std::cerr << "nocta: cannot write " << file_.string() << " (" << std::strerror(errno)
                       << "); settings last until Nocta ends" << std::endl;
         }
         unlink(temporary.c_str());
-    } else if (sync) {
-        const FileDescriptor folder(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        fsync(folder.get()); // the rename itself; a file system that cannot has done what it can
     }
 }
 
-bool IniDefaultsStore::moveAside() {
-    auto aside = file_.string() + ".damaged";
-    for (int number = 2; std::filesystem::exists(std::filesystem::symlink_status(aside));
-         ++number) {
-        aside = file_.string() + ".damaged-" + std::to_string(number);
+/// Puts the finished file in its place; a damaged one is kept under another name.
+bool IniDefaultsStore::replaceFile(const std::string& temporary) {
+    if (!mustMoveAside_) {
+        return rename(temporary.c_str(), file_.c_str()) == 0;
     }
-    mustMoveAside_ = rename(file_.c_str(), aside.c_str()) != 0;
-    return !mustMoveAside_;
+    const auto aside = [&](int number) {
+        return file_.string() + (number == 1 ? ".damaged" : ".damaged-" + std::to_string(number));
+    };
+    int number = 1;
+    while (renameat2(AT_FDCWD, file_.c_str(), AT_FDCWD, aside(number).c_str(), RENAME_NOREPLACE) !=
+           0) {
+        if (errno != EEXIST) {
+            return false;
+        }
+        ++number;
+    }
+    if (rename(temporary.c_str(), file_.c_str()) != 0) {
+        rename(aside(number).c_str(), file_.c_str());
+        return false;
+    }
+    mustMoveAside_ = false;
+    return true;
 }
 
 } // namespace nocta

@@ -11,9 +11,10 @@ namespace nocta {
 /// killed at any moment leaves a complete earlier or later state; `synchronize` waits until it is
 /// on the disk.
 ///
-/// A file that cannot be read as INI is moved aside before the first write, under a name that is
-/// not taken yet; what could be read of it counts. Where the file cannot be written the values in
-/// memory go on; one line on standard error says so, once.
+/// A file that cannot be read as INI is moved aside with the first write, under a name that is not
+/// taken yet; what could be read of it counts. Where the file cannot be written the values in
+/// memory go on; one line on standard error says so, once. What somebody else writes to the file
+/// meanwhile is read at the next start, unless a change has replaced it by then.
 class IniDefaultsStore final : public DefaultsStore {
 public:
     explicit IniDefaultsStore(std::filesystem::path file);
@@ -39,18 +40,17 @@ public:
     void synchronize() override;
 
 private:
-    enum class Durability { eventual, synchronous };
-
     void load();
     void set(DefaultsValue value, std::string_view key);
-    void write(Durability durability);
-    bool moveAside();
+    void write();
+    bool replaceFile(const std::string& temporary);
 
     std::filesystem::path file_;
     DefaultsTable table_;
     IniDocument document_;
     bool mustMoveAside_ = false;
-    bool writeFailed_ = false;
+    bool isWritten_ = true; ///< whether the file holds what memory holds
+    bool failureIsSaid_ = false;
 };
 
 } // namespace nocta

@@ -34,10 +34,10 @@ bool isControl(char character) {
     return (code < 0x20 && character != '\t') || code == 0x7f;
 }
 
-template <class Number>
-std::optional<Number> parseNumber(std::string_view text) {
+template <class Number, class... Base>
+std::optional<Number> parseNumber(std::string_view text, Base... base) {
     Number number{};
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number, base...);
     if (result.ec != std::errc() || result.ptr != text.data() + text.size()) {
         return std::nullopt;
     }
@@ -57,6 +57,13 @@ std::optional<std::string> parseQuoted(std::string_view text) {
             continue;
         }
         ++i;
+        if (const auto code = i < inner.size() && inner[i] == 'x'
+                                  ? parseNumber<unsigned char>(inner.substr(i + 1, 2), 16)
+                                  : std::nullopt) {
+            plain += static_cast<char>(*code);
+            i += 2;
+            continue;
+        }
         const auto* const escape = i < inner.size()
                                        ? std::ranges::find(escapes, inner[i], &Escape::escaped)
                                        : escapes.end();
@@ -72,7 +79,13 @@ std::string quoted(std::string_view plain) {
     std::string text = "\"";
     for (const auto character : plain) {
         const auto* const escape = std::ranges::find(escapes, character, &Escape::plain);
-        if (escape == escapes.end()) {
+        if (escape == escapes.end() && isControl(character)) {
+            constexpr std::string_view digits = "0123456789abcdef";
+            const auto code = static_cast<unsigned char>(character);
+            text += "\\x";
+            text += digits[code >> 4];
+            text += digits[code & 15];
+        } else if (escape == escapes.end()) {
             text += character;
         } else {
             text += '\\';

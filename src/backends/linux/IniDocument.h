@@ -12,7 +12,7 @@ namespace nocta {
 /// Everything else, other sections and comments too, stays in place when it is written back.
 ///
 /// Values are `true`, `false`, numbers in C notation, and text; text that would read as something
-/// else is written in double quotes with the escapes \\, \", \n, \r and \t.
+/// else is written in double quotes with the escapes \\, \", \n, \r, \t and \xHH.
 class IniDocument {
 public:
     /// Reads what can be read of any text.

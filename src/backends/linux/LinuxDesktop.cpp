@@ -1,3 +1,4 @@
+#include "backends/linux/FileDescriptor.h"
 #include "backends/linux/IniDefaultsStore.h"
 #include "backends/linux/LibUuidSource.h"
 #include "backends/linux/SysfsBacklight.h"
@@ -7,6 +8,7 @@
 #include "backends/linux/shell/QtRunLoop.h"
 #include "backends/linux/shell/QtStatusBar.h"
 #include "backends/linux/shell/SingleInstance.h"
+#include "backends/linux/shell/SystemTray.h"
 #include "backends/linux/x11/X11Connection.h"
 #include "backends/linux/x11/X11Displays.h"
 #include "backends/linux/x11/X11GammaOutput.h"
@@ -14,11 +16,17 @@
 #include "platform/Desktop.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QStandardPaths>
 
 #include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
 #include <iostream>
 #include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 #include <utility>
 
 namespace nocta {
@@ -31,9 +39,13 @@ std::string environment(const char* name) {
 }
 
 std::filesystem::path defaultsFile() {
-    const auto configuration =
-        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    return std::filesystem::path(configuration.toStdString()) / "nocta" / "nocta.conf";
+    const auto configuration = std::filesystem::path(
+        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation).toStdString());
+    // A relative XDG_CONFIG_HOME counts as none.
+    const auto folder = configuration.is_absolute()
+                            ? configuration
+                            : std::filesystem::path(QDir::homePath().toStdString()) / ".config";
+    return folder / "nocta" / "nocta.conf";
 }
 
 bool canConnectToX() {
@@ -41,6 +53,40 @@ bool canConnectToX() {
     const auto isConnected = xcb_connection_has_error(connection) == 0;
     xcb_disconnect(connection);
     return isConnected;
+}
+
+bool canConnectToWayland(const std::string& display) {
+    const auto path = std::filesystem::path(environment("XDG_RUNTIME_DIR")) / display;
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (display.empty() || path.native().size() >= sizeof address.sun_path) {
+        return false;
+    }
+    path.native().copy(address.sun_path, path.native().size());
+    const FileDescriptor server(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    return connect(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+/// Gives the standard streams that the starter has closed an end that takes everything; else the
+/// next file or connection would get their numbers, and whatever is said there.
+void keepStandardStreams() {
+    int descriptor = open("/dev/null", O_RDWR);
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
+        descriptor = dup(descriptor);
+    }
+    close(descriptor);
+}
+
+/// The display server of an X display, whichever of its screens is meant.
+std::string xServerName() {
+    char* host = nullptr;
+    int display = 0;
+    if (xcb_parse_display(nullptr, &host, &display, nullptr) == 0) {
+        return {};
+    }
+    auto name = std::string(host) + ":" + std::to_string(display);
+    std::free(host);
+    return name;
 }
 
 /// What this session can do for displays, gamma and keys. Here and nowhere else is it decided.
@@ -68,7 +114,7 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
     } else {
         gammaOutput = std::make_unique<X11GammaOutput>(*connection, *displays);
     }
-    auto keyEvents = std::make_unique<X11KeyEvents>(*connection);
+    auto keyEvents = std::make_unique<X11KeyEvents>(*connection, runLoop);
     return {std::move(connection), std::move(displays), std::move(gammaOutput),
             std::move(keyEvents)};
 }
@@ -107,9 +153,10 @@ private:
     LibUuidSource uuidSource_;
     DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_);
     SysfsBacklight backlight_{*server_.displays, setBrightnessThroughLogind};
-    QtStatusBar statusBar_{runLoop_};
+    SystemTray tray_{server_.connection.get()};
+    QtStatusBar statusBar_{tray_};
     QtPopover popover_;
-    QtApplication application_{instance_};
+    QtApplication application_{runLoop_, instance_, [this] { return tray_.isAvailable(); }};
 
 public:
     Desktop ports{.runLoop = runLoop_,
@@ -128,14 +175,21 @@ public:
 } // namespace
 
 DesktopSession makeDesktop() {
+    keepStandardStreams();
     const auto wayland = environment("WAYLAND_DISPLAY");
-    const auto x11 = environment("DISPLAY");
-    if (wayland.empty() && !canConnectToX()) {
-        std::cerr << "nocta: cannot connect to the display \"" << x11 << "\"" << std::endl;
+    const auto hasX = canConnectToX();
+    if (!hasX && !canConnectToWayland(wayland)) {
+        const auto display = environment("DISPLAY");
+        std::cerr << "nocta: cannot connect to the display \""
+                  << (display.empty() ? wayland : display) << "\"" << std::endl;
         return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};
     }
-    SingleInstance instance(wayland.empty() ? x11 : wayland);
-    if (!instance.isFirst()) {
+    SingleInstance instance(hasX ? xServerName() : wayland);
+    if (instance.role() == SingleInstance::Role::unanswered) {
+        std::cerr << "nocta: Nocta runs here already and does not answer" << std::endl;
+        return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};
+    }
+    if (instance.role() == SingleInstance::Role::answered) {
         return {.desktop = nullptr, .exitStatus = EXIT_SUCCESS};
     }
     QtApplication::blockEndingSignals();

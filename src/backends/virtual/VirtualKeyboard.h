@@ -13,8 +13,8 @@ public:
     explicit VirtualKeyboard(Trace& trace) : trace_(trace) {}
 
     // What a person does.
-    void pressBrightnessUp() { pressBrightnessKey(brightnessUpKey); }
-    void pressBrightnessDown() { pressBrightnessKey(brightnessDownKey); }
+    void pressBrightnessUp() { pressBrightnessKey(brightnessUpKeyCode); }
+    void pressBrightnessDown() { pressBrightnessKey(brightnessDownKeyCode); }
     void pressKey(std::int64_t keyCode) { taps_.call(KeyDownEvent{keyCode}); }
     void sendSystemDefined(SystemDefinedEvent event) { monitors_.call(event); }
     bool monitorIsRefused = false;
@@ -32,12 +32,9 @@ public:
     }
 
 private:
-    static constexpr std::int64_t brightnessDownKey = 144;
-    static constexpr std::int64_t brightnessUpKey = 145;
-
     void pressBrightnessKey(std::int64_t keyCode) {
-        constexpr std::int64_t keyDown = 0xA00;
-        sendSystemDefined({.subtype = 8, .data1 = keyCode << 16 | keyDown});
+        sendSystemDefined({.subtype = auxiliaryControlButtonsSubtype,
+                           .data1 = keyCode << 16 | auxiliaryControlButtonDown});
         pressKey(keyCode);
     }
 

@@ -222,6 +222,53 @@ TEST_F(IniDefaultsStoreTest, FullDiskKeepsTheOldFileAndIsSaidOnce) {
     EXPECT_EQ(contentOf(file), "[General]\na=4\n") << "room again";
 }
 
+TEST_F(IniDefaultsStoreTest, DamagedFileOnAFullDiskStaysWhereItIs) {
+    prepare("[General]\na=1\ngarbage");
+    fs::create_directories(file + ".new"); // in the way of every write
+    const auto said = saidWhenUsed();
+    EXPECT_EQ(lines(said), 2) << said; // that it cannot be read, and that it cannot be written
+    EXPECT_EQ(contentOf(file), "[General]\na=1\ngarbage");
+    EXPECT_FALSE(fs::exists(file + ".damaged"));
+}
+
+TEST_F(IniDefaultsStoreTest, FolderThatMayNotBeSearchedIsSaidOnce) {
+    prepare("[General]\na=1\n");
+    fs::permissions(folder.path(), fs::perms::all);
+    fs::permissions(folder.path() + "/nocta", fs::perms::owner_read);
+    constexpr uid_t nobody = 65534;
+    const auto self = geteuid();
+    ASSERT_TRUE(self != 0 || seteuid(nobody) == 0); // root may search everything
+    const auto said = saidWhenUsed();
+    ASSERT_EQ(seteuid(self), 0);
+    fs::permissions(folder.path() + "/nocta", fs::perms::owner_all);
+    EXPECT_NE(said.find("cannot write"), std::string::npos) << said;
+    EXPECT_EQ(contentOf(file), "[General]\na=1\n");
+}
+
+TEST_F(IniDefaultsStoreTest, SynchronizingWritesOnlyWhatIsNotWritten) {
+    IniDefaultsStore store(file);
+    store.setInteger(1, "a");
+    writeFile(file, "[General]\na=5\n"); // somebody else
+    store.synchronize();
+    EXPECT_EQ(contentOf(file), "[General]\na=5\n");
+    fs::create_directories(file + ".new");
+    ::testing::internal::CaptureStderr();
+    store.setInteger(2, "a");
+    fs::remove(file + ".new");
+    store.synchronize();
+    ::testing::internal::GetCapturedStderr();
+    EXPECT_EQ(contentOf(file), "[General]\na=2\n") << "a write that had failed";
+}
+
+TEST_F(IniDefaultsStoreTest, LinkToAFileThatIsNotThereYetStaysALink) {
+    fs::create_directories(folder.path() + "/nocta");
+    fs::create_symlink("../elsewhere.conf", file);
+    IniDefaultsStore store(file);
+    store.setInteger(2, "a");
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_EQ(contentOf(folder.path() + "/elsewhere.conf"), "[General]\na=2\n");
+}
+
 TEST_F(IniDefaultsStoreTest, KilledAtAnyMomentTheFileIsACompleteState) {
     // The child writes a counter under two keys, one after the other; whenever it is killed, the
     // first is equal to the second or one ahead.

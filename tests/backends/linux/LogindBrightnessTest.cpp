@@ -1,49 +1,16 @@
 #include "backends/linux/SysfsBacklight.h"
 #include "support/EventLoop.h"
-#include "support/Process.h"
+#include "support/PrivateBus.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <optional>
-#include <string>
-#include <vector>
-
 namespace nocta {
 namespace {
 
-/// A system bus of the test's own. All have one address, as the D-Bus library asks for it once.
-class PrivateSystemBus {
-public:
-    PrivateSystemBus() {
-        static TemporaryFolder const folder;
-        auto const address = "unix:path=" + folder.path() + "/bus";
-        auto const configuration = folder.path() + "/bus.conf";
-        std::filesystem::remove(folder.path() + "/bus");
-        writeFile(configuration, "<busconfig><listen>" + address +
-                                     "</listen><auth>EXTERNAL</auth><policy context=\"default\">"
-                                     "<allow user=\"*\"/><allow own=\"*\"/>"
-                                     "<allow send_destination=\"*\" send_requested_reply=\"true\"/>"
-                                     "<allow send_destination=\"*\"/>"
-                                     "<allow receive_sender=\"*\"/></policy></busconfig>");
-        setenv("DBUS_SYSTEM_BUS_ADDRESS", address.c_str(), 1);
-        process_.emplace(std::vector<std::string>{
-            "dbus-daemon", "--config-file=" + configuration, "--nofork"});
-        EXPECT_TRUE(waitUntil([&] {
-            auto const isUp = QDBusConnection::connectToBus(QString::fromStdString(address), "up")
-                                  .isConnected();
-            QDBusConnection::disconnectFromBus("up");
-            return isUp;
-        }));
-    }
-
-private:
-    std::optional<Process> process_;
-};
+constexpr auto systemBus = "DBUS_SYSTEM_BUS_ADDRESS";
 
 /// What logind is asked.
 class Session final : public QDBusVirtualObject {
@@ -58,7 +25,7 @@ public:
 };
 
 TEST(LogindBrightness, AsksTheSeatManagerForThisSession) {
-    const PrivateSystemBus bus;
+    const PrivateBus bus(systemBus);
     auto logind = QDBusConnection::connectToBus(QDBusConnection::SystemBus, "logind");
     Session session;
     ASSERT_TRUE(logind.registerVirtualObject("/org/freedesktop/login1/session/auto", &session));
@@ -75,11 +42,11 @@ TEST(LogindBrightness, AsksTheSeatManagerForThisSession) {
 
 TEST(LogindBrightness, NobodyCanBeAskedWhileTheSystemBusIsGone) {
     {
-        PrivateSystemBus const bus;
+        const PrivateBus bus(systemBus);
         EXPECT_TRUE(setBrightnessThroughLogind("intel_backlight", 1));
     }
     EXPECT_TRUE(serveUntil([] { return !setBrightnessThroughLogind("intel_backlight", 1); }));
-    PrivateSystemBus const bus;
+    const PrivateBus bus(systemBus);
     EXPECT_TRUE(setBrightnessThroughLogind("intel_backlight", 1)) << "the bus has come up again";
 }
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <cmath>
 #include <csignal>
 #include <filesystem>
@@ -212,6 +213,24 @@ TEST_P(NoctaProcessTest, GuardianDoesNotOutliveItsWork) {
     EXPECT_NE(kill(others[0], 0), 0) << "ended before its program";
 }
 
+TEST_P(NoctaProcessTest, DeathTogetherWithTheGuardianIsHealedByTheNextStart) {
+    startAndWaitFor(0.75);
+    const auto guardians = guardiansOf(nocta->id());
+    ASSERT_EQ(guardians.size(), 1U);
+    kill(guardians[0], SIGSTOP); // so that it cannot act on the death that it sees
+    nocta->signal(SIGKILL);
+    nocta->wait();
+    kill(guardians[0], SIGKILL);
+    EXPECT_TRUE(shows(0.75)) << "nobody was left to give it back";
+    startAndWaitFor(0.75);
+    ASSERT_TRUE(waitUntil([&] { return guardiansOf(nocta->id()).size() == 1; }));
+    client.press(brightnessDownSymbol);
+    ASSERT_TRUE(waitForBrightness(0.6875)) << "over the factory ramp, not over the tinted one";
+    nocta->signal(SIGTERM);
+    EXPECT_EQ(nocta->wait(), 0);
+    EXPECT_TRUE(isGivenBack());
+}
+
 TEST_P(NoctaProcessTest, GuardianThatDiesIsReplaced) {
     startAndWaitFor(0.75);
     const auto first = guardiansOf(nocta->id());
@@ -251,6 +270,66 @@ TEST_P(NoctaProcessTest, SliderInThePopoverDimsTheScreen) {
     ASSERT_TRUE(waitForBrightness(1.0));
 }
 
+TEST_P(NoctaProcessTest, SecondStartBeforeThePanelsTimeLeavesThePopoverOpen) {
+    startAndWaitFor(0.75);
+    EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, environment()), 0);
+    ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(waitUntil([&] { // longer than a panel is waited for
+        return std::chrono::steady_clock::now() - start > std::chrono::milliseconds(2500) ||
+               client.windowsOfSize(300, 280).empty();
+    }));
+    EXPECT_EQ(client.windowsOfSize(300, 280).size(), 1U);
+}
+
+TEST_P(NoctaProcessTest, StartWhileTheLastOneEndsTakesItsPlace) {
+    startAndWaitFor(0.75);
+    client.press(brightnessDownSymbol); // makes the settings file
+    ASSERT_TRUE(waitForBrightness(0.6875));
+    for (const auto* const brightness : {"0.4", "0.5", "0.4", "0.5"}) {
+        writeFile(settings, "[General]\nunifiedBrightness=" + std::string(brightness) + "\n");
+        const auto last = std::move(nocta);
+        last->signal(SIGTERM);
+        start();
+        EXPECT_EQ(last->wait(), 0);
+        ASSERT_TRUE(waitForBrightness(std::stod(brightness))) << contentOf(output);
+    }
+    nocta->signal(SIGTERM);
+    EXPECT_EQ(nocta->wait(), 0);
+    EXPECT_TRUE(isGivenBack());
+}
+
+TEST_P(NoctaProcessTest, OfTwoStartsAtOnceOneRunsAndTheOtherEnds) {
+    for (int round = 0; round < 5; ++round) {
+        Process first({programFolder() + "/nocta"}, environment(), output);
+        Process second({programFolder() + "/nocta"}, environment(), output);
+        pid_t ended = 0;
+        ASSERT_TRUE(waitUntil([&] {
+            for (const auto* const process : {&first, &second}) {
+                if (isZombie(process->id())) {
+                    ended = process->id();
+                }
+            }
+            return ended != 0;
+        }));
+        auto& loser = ended == first.id() ? first : second;
+        auto& winner = ended == first.id() ? second : first;
+        const auto status = loser.wait();
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+        ASSERT_TRUE(waitForBrightness(0.75)) << contentOf(output);
+        winner.signal(SIGTERM);
+        EXPECT_EQ(winner.wait(), 0);
+    }
+    EXPECT_TRUE(isGivenBack());
+}
+
+TEST_P(NoctaProcessTest, ScreenNumberInTheDisplaysNameMakesNoSecondNocta) {
+    startAndWaitFor(0.75);
+    auto variables = environment();
+    variables["DISPLAY"] = server.display() + ".0";
+    EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, variables), 0);
+}
+
 TEST_P(NoctaProcessTest, StoredBrightnessIsShownAtTheStart) {
     std::filesystem::create_directories(home.path() + "/.config/nocta");
     writeFile(settings, "[General]\nunifiedBrightness=0.4\n");
@@ -288,13 +367,18 @@ TEST_P(NoctaProcessTest, DyingServerEndsItWithALineAndNoCrash) {
     const auto status = nocta->wait();
     ASSERT_TRUE(WIFEXITED(status)) << "it crashed";
     EXPECT_EQ(WEXITSTATUS(status), 1);
-    EXPECT_FALSE(contentOf(output).empty());
+    const auto said = contentOf(output);
+    EXPECT_EQ(std::ranges::count(said, '\n'), 1) << said;
+    EXPECT_TRUE(said == "nocta: the X server has closed the connection\n" ||
+                said.starts_with("The X11 connection broke")) // if the toolkit notices first
+        << said;
 }
 
 TEST_P(NoctaProcessTest, WithoutADisplayItSaysSoAndFails) {
     auto variables = environment();
     for (const auto* const display : {":4095", "nonsense", ""}) {
         variables["DISPLAY"] = display;
+        variables["WAYLAND_DISPLAY"] = *display == '\0' ? "" : "wayland-that-is-gone";
         Process process({programFolder() + "/nocta"}, variables, output);
         const auto status = process.wait();
         ASSERT_TRUE(WIFEXITED(status)) << "it crashed";

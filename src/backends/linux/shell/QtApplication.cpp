@@ -1,21 +1,31 @@
 #include "backends/linux/shell/QtApplication.h"
 
 #include <QCoreApplication>
-#include <QTimer>
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <sys/signalfd.h>
+#include <utility>
 
 namespace nocta {
 
 namespace {
 
+using namespace std::chrono_literals;
+
+constexpr auto panelStartTime = 2s;
+
+/// Those that the program was not told to ignore, as `nohup` does.
 sigset_t endingSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     for (const auto signal : {SIGINT, SIGTERM, SIGHUP}) {
-        sigaddset(&signals, signal);
+        struct sigaction inherited {};
+        sigaction(signal, nullptr, &inherited);
+        if (inherited.sa_handler != SIG_IGN) {
+            sigaddset(&signals, signal);
+        }
     }
     return signals;
 }
@@ -27,7 +37,9 @@ void QtApplication::blockEndingSignals() {
     sigprocmask(SIG_BLOCK, &signals, nullptr);
 }
 
-QtApplication::QtApplication(SingleInstance& instance) : instance_(instance) {
+QtApplication::QtApplication(RunLoop& runLoop, SingleInstance& instance,
+                             std::function<bool()> hasTray)
+    : runLoop_(runLoop), instance_(instance), hasTray_(std::move(hasTray)) {
     const auto signals = endingSignals();
     signals_ = FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
     signalled_ = std::make_unique<QSocketNotifier>(signals_.get(), QSocketNotifier::Read);
@@ -38,10 +50,21 @@ QtApplication::QtApplication(SingleInstance& instance) : instance_(instance) {
 }
 
 int QtApplication::run(ApplicationDelegate& delegate) {
-    instance_.listen([&delegate] { delegate.applicationDidReopen(); });
     // From inside the loop, so that an end that is asked for meanwhile is heard.
-    QTimer::singleShot(0, [&delegate] { delegate.applicationDidFinishLaunching(); });
+    runLoop_.post([this, &delegate] {
+        delegate.applicationDidFinishLaunching();
+        instance_.listen([this, &delegate] {
+            trayTimeout_.invalidate();
+            delegate.applicationDidReopen();
+        });
+        trayTimeout_.start(runLoop_, panelStartTime, Repeat::no, [this, &delegate] {
+            if (!hasTray_()) {
+                delegate.applicationDidReopen();
+            }
+        });
+    });
     QCoreApplication::exec();
+    instance_.close(); // who starts now has to wait for the display, not for this process
     delegate.applicationWillTerminate();
     return exitStatus_;
 }

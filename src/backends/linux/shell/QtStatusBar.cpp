@@ -2,42 +2,67 @@
 
 #include "backends/linux/shell/SymbolIcon.h"
 
-#include <chrono>
+#include <QCoreApplication>
+#include <QEvent>
+#include <QPointer>
+
 #include <utility>
 
 namespace nocta {
 
 namespace {
-using namespace std::chrono_literals;
-constexpr auto panelStartTime = 2s;
+QString text(std::string_view utf8) {
+    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+}
 } // namespace
 
-QtStatusItem::QtStatusItem(RunLoop& runLoop) {
-    QObject::connect(&icon_, &QSystemTrayIcon::activated,
-                     [this](QSystemTrayIcon::ActivationReason reason) {
-                         if (reason != QSystemTrayIcon::MiddleClick && action_) {
-                             action_();
-                         }
-                     });
-    if (!QSystemTrayIcon::isSystemTrayAvailable()) {
-        trayTimeout_.start(runLoop, panelStartTime, Repeat::no, [this] {
-            if (!QSystemTrayIcon::isSystemTrayAvailable() && action_) {
-                action_();
-            }
-        });
-    }
+QtStatusItem::QtStatusItem(SystemTray& tray) {
+    QCoreApplication::instance()->installEventFilter(this);
+    tray.whenAvailable([item = QPointer(this)] {
+        if (item != nullptr) {
+            item->makeIcon();
+        }
+    });
 }
 
 void QtStatusItem::setImage(std::string_view symbolName,
                             std::string_view accessibilityDescription) {
-    icon_.setIcon(symbolIcon(symbolName));
-    icon_.setToolTip(QString::fromUtf8(accessibilityDescription.data(),
-                                       static_cast<qsizetype>(accessibilityDescription.size())));
-    icon_.show();
+    symbolName_ = text(symbolName);
+    description_ = text(accessibilityDescription);
+    draw();
 }
 
 void QtStatusItem::setAction(std::function<void()> action) {
     action_ = std::move(action);
+}
+
+bool QtStatusItem::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange &&
+        watched == QCoreApplication::instance()) {
+        draw();
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void QtStatusItem::makeIcon() {
+    icon_.emplace();
+    connect(&*icon_, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                // A double click has been a click already.
+                if ((reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context) &&
+                    action_) {
+                    action_();
+                }
+            });
+    draw();
+}
+
+void QtStatusItem::draw() {
+    if (icon_ && !symbolName_.isEmpty()) {
+        icon_->setIcon(symbolIcon(symbolName_));
+        icon_->setToolTip(description_);
+        icon_->show();
+    }
 }
 
 } // namespace nocta

@@ -1,43 +1,52 @@
 #pragma once
 
-#include "base/RunLoop.h"
-#include "base/Timer.h"
+#include "backends/linux/shell/SystemTray.h"
 #include "platform/StatusBar.h"
 
 #include <QRect>
+#include <QString>
 #include <QSystemTrayIcon>
+
+#include <optional>
 
 namespace nocta {
 
 /// The icon in the system tray: a StatusNotifierItem, or an XEmbed window where no panel hosts
-/// those. On a desktop that shows no tray at all it presses itself once, so that the program does
-/// not start unseen; a panel that is still starting is given a moment first.
-class QtStatusItem final : public StatusItem {
+/// those. It is shown as soon as there is a tray.
+class QtStatusItem final : public QObject, public StatusItem {
 public:
-    explicit QtStatusItem(RunLoop& runLoop);
+    explicit QtStatusItem(SystemTray& tray);
 
     void setImage(std::string_view symbolName, std::string_view accessibilityDescription) override;
     void setAction(std::function<void()> action) override;
 
     /// On screen; empty on panels that do not tell.
-    QRect geometry() const { return icon_.geometry(); }
+    QRect geometry() const { return icon_ ? icon_->geometry() : QRect(); }
+
+protected:
+    /// Draws the icon anew when the desktop's colours change.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void makeIcon();
+    void draw();
+
     std::function<void()> action_;
-    QSystemTrayIcon icon_;
-    Timer trayTimeout_;
+    QString symbolName_;
+    QString description_;
+    std::optional<QSystemTrayIcon> icon_;
 };
 
 class QtStatusBar final : public StatusBar {
 public:
-    explicit QtStatusBar(RunLoop& runLoop) : runLoop_(runLoop) {}
+    explicit QtStatusBar(SystemTray& tray) : tray_(tray) {}
 
     std::unique_ptr<StatusItem> statusItem() override {
-        return std::make_unique<QtStatusItem>(runLoop_);
+        return std::make_unique<QtStatusItem>(tray_);
     }
 
 private:
-    RunLoop& runLoop_;
+    SystemTray& tray_;
 };
 
 } // namespace nocta

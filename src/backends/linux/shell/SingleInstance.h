@@ -6,27 +6,35 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace nocta {
 
 /// Makes Nocta one process per user and display. The first start listens on a socket that the
-/// kernel removes with the process; a later start knocks there and has nothing else to do.
+/// kernel removes with the process; a later start knocks there, and has nothing else to do once it
+/// has been answered. Where the first is just ending, the later one takes its place.
 class SingleInstance {
 public:
-    /// `display` names the session's display server.
+    enum class Role { first, answered, unanswered };
+
+    /// `display` names the session's display server. Returns when the role is known.
     explicit SingleInstance(std::string_view display);
 
-    /// False when another Nocta of this user is there and has been told.
-    bool isFirst() const { return isFirst_; }
+    /// `unanswered` means that a Nocta of this user is there and does not react.
+    Role role() const { return role_; }
 
-    /// Calls `knocked` at every later start.
+    /// Answers later starts from now on, and calls `knocked` for each.
     void listen(std::function<void()> knocked);
 
+    /// Lets a later start be the first.
+    void close();
+
 private:
+    Role knock(std::string_view display);
     void answer();
 
-    bool isFirst_ = true;
+    Role role_ = Role::first;
     FileDescriptor socket_;
     std::unique_ptr<QSocketNotifier> knocks_;
     std::function<void()> knocked_;

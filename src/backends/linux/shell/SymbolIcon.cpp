@@ -18,6 +18,12 @@ namespace {
 constexpr std::array panelSizes = {16, 22, 24, 32, 48}; // pixels
 constexpr qreal haloOpacity = 0.55;
 
+QColor panelTextColor() {
+    const auto followsPalette = qgetenv("XDG_CURRENT_DESKTOP").contains("KDE");
+    return followsPalette ? QGuiApplication::palette().color(QPalette::WindowText)
+                          : QColor(Qt::white);
+}
+
 QImage tinted(QImage mask, const QColor& color) {
     QPainter painter(&mask);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
@@ -47,13 +53,11 @@ QPixmap drawn(QSvgRenderer& symbol, int size, const QColor& color) {
 
 } // namespace
 
-QIcon symbolIcon(std::string_view symbolName) {
-    const auto name =
-        QString::fromUtf8(symbolName.data(), static_cast<qsizetype>(symbolName.size()));
-    QSvgRenderer symbol(QStringLiteral(":/symbols/%1.svg").arg(name));
+QIcon symbolIcon(const QString& symbolName) {
+    QSvgRenderer symbol(QStringLiteral(":/symbols/%1.svg").arg(symbolName));
     QIcon icon;
     if (symbol.isValid()) {
-        const auto color = QGuiApplication::palette().color(QPalette::WindowText);
+        const auto color = panelTextColor();
         for (const auto size : panelSizes) {
             icon.addPixmap(drawn(symbol, size, color));
         }

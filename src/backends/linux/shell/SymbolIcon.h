@@ -1,14 +1,14 @@
 #pragma once
 
 #include <QIcon>
-
-#include <string_view>
+#include <QString>
 
 namespace nocta {
 
-/// A symbol of the program's own set as an icon for a panel: drawn in the text colour of the
-/// desktop's palette, with a thin halo of the opposite lightness, as no panel tells how dark it is.
-/// Null for a name that is not in the set.
-QIcon symbolIcon(std::string_view symbolName);
+/// A symbol of the program's own set as an icon for a panel. No panel tells how dark it is: most
+/// are dark whatever the windows are, Plasma's follow the palette. So the symbol is drawn light or,
+/// on Plasma, in the palette's text colour, with a thin halo of the opposite lightness that keeps
+/// it legible where that is wrong. Null for a name that is not in the set.
+QIcon symbolIcon(const QString& symbolName);
 
 } // namespace nocta

@@ -3,7 +3,6 @@
 #include "backends/linux/x11/GuardianProtocol.h"
 
 #include <csignal>
-#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <poll.h>
@@ -12,14 +11,14 @@
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
+#include <utility>
 
 namespace nocta {
 
 namespace {
 
 constexpr auto programName = "nocta-guardian";
-constexpr int answerTimeout = 5000; ///< milliseconds; above what the helper itself waits
+constexpr int answerTimeout = 5000; // milliseconds; above what the helper itself waits
 constexpr int mostReplacements = 3;
 
 /// Installed beside the program.
@@ -29,23 +28,13 @@ std::string guardianProgram() {
     return (program.parent_path() / programName).string();
 }
 
-void sendBytes(int socket, const void* bytes, std::size_t length) {
-    const auto* rest = static_cast<const char*>(bytes);
-    while (length > 0) {
-        const auto sent = ::send(socket, rest, length, MSG_NOSIGNAL);
-        if (sent <= 0) {
-            return; // the helper is gone; its closed socket is noticed by itself
-        }
-        rest += sent;
-        length -= static_cast<std::size_t>(sent);
-    }
-}
-
 } // namespace
 
 bool Guardian::start() {
-    if (!isStarted_) {
-        isStarted_ = true;
+    if (outcome_ == Outcome::refused && hasOwner()) {
+        return false;
+    }
+    if (outcome_ == Outcome::none || outcome_ == Outcome::refused) {
         outcome_ = launch();
         if (outcome_ == Outcome::refused) {
             std::cerr << "nocta: another Nocta controls the gamma of this display" << std::endl;
@@ -57,18 +46,23 @@ bool Guardian::start() {
     return outcome_ != Outcome::refused;
 }
 
-void Guardian::hold(xcb_randr_crtc_t crtc, const GammaRamp& factory) {
-    held_.insert_or_assign(crtc, factory);
-    send(crtc, factory);
+/// Whether some guardian works on this display.
+bool Guardian::hasOwner() {
+    auto* const x = connection_.get();
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        x, xcb_get_selection_owner(x, connection_.atom(guardianSelection)), nullptr));
+    connection_.finishTurn();
+    return !reply || reply->owner != XCB_NONE;
 }
 
-void Guardian::release() {
-    closed_.reset();
-    if (socket_) {
-        end();
-    }
-    held_.clear();
-    isStarted_ = false;
+void Guardian::dismiss() {
+    stop();
+    outcome_ = Outcome::none;
+}
+
+void Guardian::wake() {
+    closeSocket();
+    outcome_ = Outcome::none;
 }
 
 Guardian::Outcome Guardian::launch() {
@@ -76,7 +70,7 @@ Guardian::Outcome Guardian::launch() {
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         return Outcome::unguarded;
     }
-    socket_ = FileDescriptor(ends[0]);
+    FileDescriptor ours(ends[0]);
     FileDescriptor theirs(ends[1]);
 
     auto program = guardianProgram();
@@ -84,23 +78,24 @@ Guardian::Outcome Guardian::launch() {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDIN_FILENO);
-    const auto failed =
-        posix_spawn(&process_, program.c_str(), &actions, nullptr, arguments, environ) != 0;
+    const auto error =
+        posix_spawn(&process_, program.c_str(), &actions, nullptr, arguments, environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (failed) {
-        socket_.reset();
+    if (error != 0) {
+        process_ = -1;
         return Outcome::unguarded;
     }
+    theirs.reset(); // so that a helper that dies closes the socket
 
     const GuardianHello hello{.window = connection_.window()};
-    sendBytes(socket_.get(), &hello, sizeof hello);
-    theirs.reset(); // so that a helper that dies closes the socket
-    pollfd answerable{.fd = socket_.get(), .events = POLLIN, .revents = 0};
+    pollfd answerable{.fd = ours.get(), .events = POLLIN, .revents = 0};
     GuardianAnswer answer{};
-    const auto answered =
-        poll(&answerable, 1, answerTimeout) == 1 && read(socket_.get(), &answer, 1) == 1;
+    const auto answered = send(ours.get(), &hello, sizeof hello, MSG_NOSIGNAL) == sizeof hello &&
+                          poll(&answerable, 1, answerTimeout) == 1 &&
+                          read(ours.get(), &answer, 1) == 1;
+    socket_ = std::move(ours);
     if (!answered || answer != GuardianAnswer::ready) {
-        end();
+        stop();
         return answered ? Outcome::refused : Outcome::unguarded;
     }
     closed_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
@@ -108,40 +103,30 @@ Guardian::Outcome Guardian::launch() {
     return Outcome::guarded;
 }
 
-void Guardian::send(xcb_randr_crtc_t crtc, const GammaRamp& factory) {
-    const GuardedRamp record{.crtc = crtc, .size = static_cast<std::uint32_t>(factory.size())};
-    const auto channelBytes = factory.size() * sizeof(std::uint16_t);
-    std::vector<char> message(sizeof record + 3 * channelBytes);
-    std::memcpy(message.data(), &record, sizeof record);
-    auto* rest = message.data() + sizeof record;
-    for (const auto* const channel : {&factory.red, &factory.green, &factory.blue}) {
-        std::memcpy(rest, channel->data(), channelBytes);
-        rest += channelBytes;
-    }
-    sendBytes(socket_.get(), message.data(), message.size());
-}
-
 void Guardian::replace() {
-    closed_->setEnabled(false);
-    closed_.release()->deleteLater(); // this runs inside its signal
-    end();
-    connection_.synchronize();
-    if (!connection_.isOpen()) {
+    stop();
+    if (!connection_.synchronize()) {
         return; // the server has gone, and the helper after it
     }
     if (++replacements_ > mostReplacements || launch() != Outcome::guarded) {
         std::cerr << "nocta: " << guardianProgram()
                   << " keeps dying; a crash would leave the screen as it is" << std::endl;
-        return;
-    }
-    for (const auto& [crtc, factory] : held_) {
-        send(crtc, factory);
     }
 }
 
-void Guardian::end() {
-    kill(process_, SIGKILL); // before the socket closes, which would tell it to act
-    waitpid(process_, nullptr, 0);
+void Guardian::stop() {
+    if (process_ > 0) {
+        kill(process_, SIGKILL); // before the socket closes, which would tell it to act
+        waitpid(std::exchange(process_, -1), nullptr, 0);
+    }
+    closeSocket();
+}
+
+void Guardian::closeSocket() {
+    if (closed_ != nullptr) {
+        closed_->setEnabled(false);
+        closed_.release()->deleteLater(); // this may run inside its signal
+    }
     socket_.reset();
 }
 

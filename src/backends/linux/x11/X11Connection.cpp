@@ -21,12 +21,11 @@ X11Connection::X11Connection(RunLoop& runLoop)
           xcb_flush(connection_);
           readEvents();
       }) {
-    int screenNumber = 0;
-    connection_ = xcb_connect(nullptr, &screenNumber);
+    connection_ = xcb_connect(nullptr, &screenNumber_);
     if (!isOpen()) {
         return;
     }
-    screen_ = screenOf(connection_, screenNumber);
+    screen_ = screenOf(connection_, screenNumber_);
     window_ = xcb_generate_id(connection_);
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, root(), -1, -1, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
@@ -41,18 +40,20 @@ X11Connection::~X11Connection() {
     xcb_disconnect(connection_);
 }
 
-xcb_atom_t X11Connection::existingAtom(std::string_view name) const {
-    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection_,
-        xcb_intern_atom(connection_, 1, static_cast<std::uint16_t>(name.size()), name.data()),
-        nullptr));
+xcb_atom_t X11Connection::atom(std::string_view name, bool onlyIfExists) const {
+    const XcbReply<xcb_intern_atom_reply_t> reply(
+        xcb_intern_atom_reply(connection_,
+                              xcb_intern_atom(connection_, onlyIfExists ? 1 : 0,
+                                              static_cast<std::uint16_t>(name.size()), name.data()),
+                              nullptr));
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
-void X11Connection::synchronize() {
+bool X11Connection::synchronize() {
     const XcbReply<xcb_get_input_focus_reply_t> answered(xcb_get_input_focus_reply(
         connection_, xcb_get_input_focus(connection_), nullptr)); // any request with a reply
     finishTurn();
+    return answered != nullptr;
 }
 
 void X11Connection::readEvents() {

@@ -41,8 +41,12 @@ public:
     /// An input-only window that lives exactly as long as the server serves this connection.
     xcb_window_t window() const { return window_; }
 
+    int screenNumber() const { return screenNumber_; }
+
     /// None where the server has no atom of that name.
-    xcb_atom_t existingAtom(std::string_view name) const;
+    xcb_atom_t existingAtom(std::string_view name) const { return atom(name, true); }
+
+    xcb_atom_t atom(std::string_view name) const { return atom(name, false); }
 
     Subscription observeEvents(std::function<void(const Event&)> callback) {
         return observers_.add(std::move(callback));
@@ -52,15 +56,18 @@ public:
     /// delivers the events that came with replies, at the end of the run-loop turn.
     void finishTurn() { finishTurn_.request(); }
 
-    /// Flushes and returns when the server has done everything it was asked.
-    void synchronize();
+    /// Flushes and returns when the server has done everything it was asked; false where it has
+    /// gone.
+    bool synchronize();
 
     std::function<void()> onLost;
 
 private:
+    xcb_atom_t atom(std::string_view name, bool onlyIfExists) const;
     void readEvents();
 
     xcb_connection_t* connection_;
+    int screenNumber_ = 0;
     xcb_screen_t* screen_ = nullptr;
     xcb_window_t window_ = XCB_NONE;
     CallbackList<Event> observers_;

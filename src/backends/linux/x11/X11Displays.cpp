@@ -25,6 +25,11 @@ std::string_view nameOf(const Reply& output) {
             output.name_len};
 }
 
+std::span<const xcb_randr_output_t>
+outputsOf(const xcb_randr_get_screen_resources_current_reply_t& resources) {
+    return {xcb_randr_get_screen_resources_current_outputs(&resources), resources.num_outputs};
+}
+
 std::optional<DisplayMode> modeOf(const xcb_randr_get_screen_resources_current_reply_t& resources,
                                   xcb_randr_mode_t mode) {
     const auto modes =
@@ -102,12 +107,16 @@ xcb_randr_crtc_t X11Displays::crtcOf(DisplayId display) const {
 bool X11Displays::isEmulation() const {
     auto* const x = connection_.get();
     const auto property = connection_.existingAtom("RANDR Emulation");
-    return property != XCB_ATOM_NONE && std::ranges::any_of(outputs_, [&](const Output& output) {
+    const XcbReply<xcb_randr_get_screen_resources_current_reply_t> resources(
+        property == XCB_ATOM_NONE
+            ? nullptr
+            : xcb_randr_get_screen_resources_current_reply(
+                  x, xcb_randr_get_screen_resources_current(x, connection_.root()), nullptr));
+    return resources && std::ranges::any_of(outputsOf(*resources), [&](xcb_randr_output_t output) {
                XcbReply<xcb_randr_get_output_property_reply_t> const reply(
                    xcb_randr_get_output_property_reply(
                        x,
-                       xcb_randr_get_output_property(x, output.id, property, XCB_ATOM_ANY, 0, 1, 0,
-                                                     0),
+                       xcb_randr_get_output_property(x, output, property, XCB_ATOM_ANY, 0, 1, 0, 0),
                        nullptr));
                return reply && reply->type != XCB_ATOM_NONE;
            });

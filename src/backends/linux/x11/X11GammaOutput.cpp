@@ -10,16 +10,14 @@ X11GammaOutput::X11GammaOutput(X11Connection& connection, X11Displays& displays)
     : connection_(connection), displays_(displays), guardian_(connection) {}
 
 X11GammaOutput::~X11GammaOutput() {
-    if (!factories_.empty()) {
-        X11GammaOutput::displayRestoreColorSyncSettings();
-    }
+    X11GammaOutput::displayRestoreColorSyncSettings();
 }
 
 Status X11GammaOutput::setDisplayTransferByTable(DisplayId display, std::span<const float> red,
                                                  std::span<const float> green,
                                                  std::span<const float> blue) {
     const auto crtc = displays_.crtcOf(display);
-    const auto* const factory = crtc == XCB_NONE ? nullptr : factoryOf(crtc);
+    const auto* const factory = crtc == XCB_NONE || !arm() ? nullptr : factoryOf(crtc);
     if (factory == nullptr || factory->ramp.size() == 0) {
         return statusFailure;
     }
@@ -29,29 +27,50 @@ Status X11GammaOutput::setDisplayTransferByTable(DisplayId display, std::span<co
         return laidOver(table, factory->isCalibration ? calibration : calibration.first(0),
                         calibration.size());
     };
-    write(crtc, {.red = channel(red, factory->ramp.red),
-                 .green = channel(green, factory->ramp.green),
-                 .blue = channel(blue, factory->ramp.blue)});
+    const auto ramp = GammaRamp{.red = channel(red, factory->ramp.red),
+                                .green = channel(green, factory->ramp.green),
+                                .blue = channel(blue, factory->ramp.blue)};
+    xcb_randr_set_crtc_gamma(connection_.get(), crtc, static_cast<std::uint16_t>(ramp.size()),
+                             ramp.red.data(), ramp.green.data(), ramp.blue.data());
+    connection_.finishTurn();
     return statusSuccess;
 }
 
 void X11GammaOutput::displayRestoreColorSyncSettings() {
+    if (!std::exchange(isArmed_, false)) {
+        return;
+    }
+    FactoryRamps ramps;
     for (const auto& [crtc, factory] : factories_) {
         if (factory.ramp.size() > 0) {
-            write(crtc, factory.ramp);
+            ramps.emplace(crtc, factory.ramp);
         }
     }
-    connection_.synchronize();
-    guardian_.release();
+    giveBack(connection_.get(), connection_.root(), ramps);
+    if (connection_.synchronize()) {
+        guardian_.dismiss();
+    } else {
+        guardian_.wake();
+    }
     factories_.clear();
+}
+
+/// Sees to it, before the first write, that the screen is given back whatever happens.
+bool X11GammaOutput::arm() {
+    if (isArmed_ || !guardian_.start()) {
+        return isArmed_;
+    }
+    isArmed_ = true;
+    // What a Nocta has left that died together with its guardian.
+    for (auto& [crtc, ramp] : readFactoryRamps(connection_.get(), connection_.root())) {
+        remember(crtc, std::move(ramp));
+    }
+    return true;
 }
 
 const X11GammaOutput::Factory* X11GammaOutput::factoryOf(xcb_randr_crtc_t crtc) {
     if (const auto known = factories_.find(crtc); known != factories_.end()) {
         return &known->second;
-    }
-    if (!guardian_.start()) {
-        return nullptr;
     }
     auto* const x = connection_.get();
     const XcbReply<xcb_randr_get_crtc_gamma_reply_t> reply(
@@ -67,16 +86,15 @@ const X11GammaOutput::Factory* X11GammaOutput::factoryOf(xcb_randr_crtc_t crtc) 
                    .green = {green, green + reply->size},
                    .blue = {blue, blue + reply->size}};
     if (ramp.size() > 0) {
-        guardian_.hold(crtc, ramp);
+        keepFactoryRamp(x, connection_.root(), crtc, ramp);
     }
-    const auto isCalibration = ramp.isCalibration();
-    return &factories_.emplace(crtc, Factory{std::move(ramp), isCalibration}).first->second;
+    return remember(crtc, std::move(ramp));
 }
 
-void X11GammaOutput::write(xcb_randr_crtc_t crtc, const GammaRamp& ramp) {
-    xcb_randr_set_crtc_gamma(connection_.get(), crtc, static_cast<std::uint16_t>(ramp.size()),
-                             ramp.red.data(), ramp.green.data(), ramp.blue.data());
-    connection_.finishTurn();
+const X11GammaOutput::Factory* X11GammaOutput::remember(xcb_randr_crtc_t crtc, GammaRamp ramp) {
+    const auto isCalibration = ramp.isCalibration();
+    return &factories_.insert_or_assign(crtc, Factory{std::move(ramp), isCalibration})
+                .first->second;
 }
 
 } // namespace nocta

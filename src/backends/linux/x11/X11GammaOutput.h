@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backends/linux/x11/GammaRamp.h"
+#include "backends/linux/x11/FactoryRamps.h"
 #include "backends/linux/x11/Guardian.h"
 #include "backends/linux/x11/X11Connection.h"
 #include "backends/linux/x11/X11Displays.h"
@@ -11,10 +11,10 @@
 namespace nocta {
 
 /// The gamma ramps of the CRTCs that drive the displays. Each CRTC's factory ramp is read before
-/// the first write to it; tables are laid over it as over a calibration, and it is what the screen
-/// is given back as, by this process or, if that dies, by its guardian. No write waits for the
-/// server, and equal tables are written too: that heals a display which was reset by someone else,
-/// of which no event tells.
+/// the first write to it and kept on the server; tables are laid over it as over a calibration, and
+/// it is what the screen is given back as, by this process or, if that dies, by its guardian. No
+/// write waits for the server, and equal tables are written too: that heals a display which was
+/// reset by someone else, of which no event tells.
 class X11GammaOutput final : public GammaOutput {
 public:
     X11GammaOutput(X11Connection& connection, X11Displays& displays);
@@ -33,12 +33,14 @@ private:
         bool isCalibration = false;
     };
 
+    bool arm();
     const Factory* factoryOf(xcb_randr_crtc_t crtc);
-    void write(xcb_randr_crtc_t crtc, const GammaRamp& ramp);
+    const Factory* remember(xcb_randr_crtc_t crtc, GammaRamp ramp);
 
     X11Connection& connection_;
     X11Displays& displays_;
     Guardian guardian_;
+    bool isArmed_ = false;
     std::map<xcb_randr_crtc_t, Factory> factories_;
 };
 

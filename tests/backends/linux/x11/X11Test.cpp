@@ -1,4 +1,5 @@
 #include "backends/linux/shell/QtRunLoop.h"
+#include "backends/linux/x11/FactoryRamps.h"
 #include "backends/linux/x11/X11Connection.h"
 #include "backends/linux/x11/X11Displays.h"
 #include "backends/linux/x11/X11GammaOutput.h"
@@ -7,6 +8,7 @@
 #include "contracts/DisplaysContract.h"
 #include "contracts/KeyEventsContract.h"
 #include "support/EventLoop.h"
+#include "support/Process.h"
 #include "support/XClient.h"
 #include "support/XServer.h"
 
@@ -65,7 +67,7 @@ struct X11Harness : X11Session {
     X11Displays& displays() { return X11Session::displays; }
     GammaOutput& gammaOutput() { return X11Session::gammaOutput; }
     NotificationCenter& notificationCenter() { return X11Session::notificationCenter; }
-    KeyEvents& keyEvents() { return keys ? *keys : keys.emplace(connection); }
+    KeyEvents& keyEvents() { return keys ? *keys : keys.emplace(connection, runLoop); }
 
     void plug() {
         server.plugSecondOutput();
@@ -92,10 +94,10 @@ private:
         }
     }
     void pressAndHear(xcb_keysym_t symbol) {
-        connection.synchronize(); // the subscription has arrived before the key does
         bool heard = false;
         const auto listener =
             keyEvents().createKeyDownTap([&](const KeyDownEvent&) { heard = true; });
+        connection.synchronize(); // the program listens before the key is pressed
         client.press(symbol);
         EXPECT_TRUE(serveUntil([&] { return heard; }));
     }
@@ -131,13 +133,15 @@ TEST(X11Displays, PrimaryOutputIsTheMainDisplay) {
 
 TEST(X11Displays, OneChangeIsNotifiedOnceAndNoChangeNever) {
     X11Session session(XServer::Kind::xorgDummy);
-    int notified = 0;
+    std::vector<std::size_t> sizes;
     const auto subscription = session.notificationCenter.observe(
-        didChangeScreenParametersNotification, [&] { ++notified; });
+        didChangeScreenParametersNotification, [&] { sizes.push_back(session.list().size()); });
     session.server.xrandr({"--addmode", "DUMMY1", "1280x720"}); // tells, and changes no display
     session.server.xrandr({"--output", "DUMMY1", "--mode", "1280x720", "--same-as", "DUMMY0"});
     ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
-    EXPECT_EQ(notified, 1);
+    session.server.unplugSecondOutput();
+    ASSERT_TRUE(serveUntil([&] { return session.list().size() == 1; }));
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{2, 1}));
 }
 
 TEST(X11Displays, ServerWithoutRandRHasNoDisplaysAndSaysSo) {
@@ -262,6 +266,16 @@ TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "nocta: another Nocta controls the gamma of this display\n");
     EXPECT_EQ(ramp(), ours);
+
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    const auto factory = ramp();
+    EXPECT_EQ(other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]),
+              statusSuccess)
+        << "the first has gone";
+    EXPECT_TRUE(otherConnection.synchronize());
+    EXPECT_EQ(session.client.ramp(crtc), ours);
+    other.displayRestoreColorSyncSettings();
+    EXPECT_EQ(session.client.ramp(crtc), factory);
 }
 
 TEST_P(X11GammaOutputTest, DyingServerFailsWithoutACrash) {
@@ -273,6 +287,52 @@ TEST_P(X11GammaOutputTest, DyingServerFailsWithoutACrash) {
     session.set(display, X11Session::tables({1, 1, 1}));
     session.gammaOutput.displayRestoreColorSyncSettings();
     EXPECT_EQ(lost, 1);
+}
+
+TEST_P(X11GammaOutputTest, GuardianActsWhereTheConnectionIsLostAndTheServerIsNot) {
+    const auto factory = ramp();
+    session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
+    ASSERT_NE(ramp(), factory);
+    bool lost = false;
+    session.connection.onLost = [&] { lost = true; };
+    session.client.disconnect(session.connection.window());
+    ASSERT_TRUE(serveUntil([&] { return lost; }));
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    EXPECT_TRUE(waitUntil([&] { return session.client.ramp(crtc) == factory; }));
+}
+
+TEST_P(X11GammaOutputTest, FactoryRampIsKeptOnTheServerWhileItIsNotInForce) {
+    const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
+    session.client.setRamp(crtc, factory);
+    const auto root = session.connection.root();
+    EXPECT_TRUE(readFactoryRamps(session.connection.get(), root).empty());
+    session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
+    session.set(display, X11Session::tables({0.25F, 0.5F, 0.5F}));
+    const auto kept = readFactoryRamps(session.connection.get(), root);
+    ASSERT_EQ(kept.size(), 1U);
+    EXPECT_EQ(kept.at(crtc).red, factory[0]);
+    EXPECT_EQ(kept.at(crtc).green, factory[1]);
+    EXPECT_EQ(kept.at(crtc).blue, factory[2]);
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    EXPECT_TRUE(readFactoryRamps(session.connection.get(), root).empty());
+}
+
+TEST_P(X11GammaOutputTest, NonsenseInTheKeptRampsIsLeftOut) {
+    const auto root = session.connection.root();
+    for (const auto& numbers : {
+             std::vector<std::uint16_t>{1},
+             std::vector<std::uint16_t>{0, 63, 0},
+             std::vector<std::uint16_t>{0, 63, 0, 1, 2, 3},
+             std::vector<std::uint16_t>{0, 63, 256, 1, 2, 3},
+             std::vector<std::uint16_t>{65535, 65535, 65535, 0},
+         }) {
+        session.client.setRootProperty("_NOCTA_FACTORY_RAMPS", numbers);
+        EXPECT_TRUE(readFactoryRamps(session.connection.get(), root).empty());
+    }
+    session.client.setRootProperty("_NOCTA_FACTORY_RAMPS", {0, 63, 1, 7, 8, 9, 0, 64, 2, 1});
+    const auto kept = readFactoryRamps(session.connection.get(), root);
+    ASSERT_EQ(kept.size(), 1U);
+    EXPECT_EQ(kept.at(63).blue, std::vector<std::uint16_t>{9});
 }
 
 TEST(X11GammaOutput, RampThatVanishedBetweenListingAndWritingHarmsNoOther) {
@@ -295,6 +355,49 @@ TEST(X11KeyEvents, KeyboardThatIsMappedAnewIsHeard) {
     harness.pressBrightnessUp();
     harness.pressBrightnessDown();
     EXPECT_EQ(keys, (std::vector<std::int64_t>{145, 144}));
+}
+
+TEST(X11KeyEvents, HeldKeyRepeatsAtTheKeyboardsOwnPaceUntilItIsReleased) {
+    X11Harness harness;
+    harness.pressBrightnessUp(); // gives free keys the two symbols
+    harness.pressBrightnessDown();
+    ASSERT_EQ(runToEnd({"xset", "-display", harness.server.display(), "r", "rate", "50", "100"}),
+              0);
+    int heard = 0;
+    const auto tap = harness.keyEvents().createKeyDownTap([&](const KeyDownEvent& event) {
+        EXPECT_EQ(event.keyCode, 144);
+        ++heard;
+    });
+    harness.client.hold(brightnessDownSymbol);
+    EXPECT_TRUE(serveUntil([&] { return heard == 5; }));
+    harness.client.release(brightnessDownSymbol);
+    harness.pressBrightnessDown(); // heard after the release
+    const auto whenReleased = heard;
+    bool passed = false;
+    Timer timer;
+    timer.start(harness.runLoop, std::chrono::milliseconds(200), Repeat::no,
+                [&] { passed = true; });
+    ASSERT_TRUE(serveUntil([&] { return passed; }));
+    EXPECT_EQ(heard, whenReleased);
+}
+
+TEST(X11KeyEvents, HeldKeyDoesNotRepeatWhereRepeatingIsOff) {
+    X11Harness harness;
+    harness.pressBrightnessUp();
+    harness.pressBrightnessDown();
+    ASSERT_EQ(runToEnd({"xset", "-display", harness.server.display(), "r", "rate", "20", "100"}),
+              0);
+    ASSERT_EQ(runToEnd({"xset", "-display", harness.server.display(), "r", "off"}), 0);
+    int heard = 0;
+    const auto tap = harness.keyEvents().createKeyDownTap([&](const KeyDownEvent&) { ++heard; });
+    harness.client.hold(brightnessUpSymbol);
+    bool passed = false;
+    Timer timer;
+    timer.start(harness.runLoop, std::chrono::milliseconds(200), Repeat::no,
+                [&] { passed = true; });
+    ASSERT_TRUE(serveUntil([&] { return passed; }));
+    harness.client.release(brightnessUpSymbol);
+    EXPECT_EQ(heard, 1);
 }
 
 TEST(X11KeyEvents, OtherKeysAreNotPassedOn) {

@@ -1,0 +1,91 @@
+#include "backends/linux/shell/SystemTray.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+
+#include <string>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+const auto watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
+const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
+} // namespace
+
+SystemTray::SystemTray(X11Connection* connection) : connection_(connection) {
+    auto bus = QDBusConnection::sessionBus();
+    if (bus.isConnected()) {
+        watcher_.setConnection(bus);
+        watcher_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
+        watcher_.addWatchedService(watcherService);
+        connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, &SystemTray::askForHost);
+        bus.connect(watcherService, watcherPath, watcherService,
+                    QStringLiteral("StatusNotifierHostRegistered"), this, SLOT(askForHost()));
+        askForHost();
+    }
+    if (connection_ != nullptr) {
+        // A tray that comes announces itself to who has the root window's structure events.
+        const std::uint32_t structure = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+        xcb_change_window_attributes(connection_->get(), connection_->root(), XCB_CW_EVENT_MASK,
+                                     &structure);
+        selection_ =
+            connection_->atom("_NET_SYSTEM_TRAY_S" + std::to_string(connection_->screenNumber()));
+        events_ = connection_->observeEvents([this](const X11Connection::Event& event) {
+            if ((event.response_type & 0x7f) == XCB_CLIENT_MESSAGE) {
+                lookForXEmbedTray();
+            }
+        });
+        lookForXEmbedTray();
+    }
+}
+
+void SystemTray::whenAvailable(std::function<void()> action) {
+    if (isAvailable_) {
+        action();
+    } else {
+        action_ = std::move(action);
+    }
+}
+
+void SystemTray::askForHost() {
+    if (isAvailable_) {
+        return;
+    }
+    auto call = QDBusMessage::createMethodCall(watcherService, watcherPath,
+                                               QStringLiteral("org.freedesktop.DBus.Properties"),
+                                               QStringLiteral("Get"));
+    call << watcherService << QStringLiteral("IsStatusNotifierHostRegistered");
+    call.setAutoStartService(false);
+    auto* const answer =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        const QDBusPendingReply<QDBusVariant> reply = *answer;
+        answer->deleteLater();
+        if (reply.isValid() && reply.value().variant().toBool()) {
+            becomeAvailable();
+        }
+    });
+}
+
+void SystemTray::lookForXEmbedTray() {
+    auto* const x = connection_->get();
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(x, xcb_get_selection_owner(x, selection_), nullptr));
+    connection_->finishTurn();
+    if (reply && reply->owner != XCB_NONE) {
+        becomeAvailable();
+    }
+}
+
+void SystemTray::becomeAvailable() {
+    events_.cancel();
+    if (!std::exchange(isAvailable_, true) && action_) {
+        std::exchange(action_, nullptr)();
+    }
+}
+
+} // namespace nocta

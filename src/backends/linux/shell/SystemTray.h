@@ -1,0 +1,43 @@
+#pragma once
+
+#include "backends/linux/x11/X11Connection.h"
+
+#include <QDBusServiceWatcher>
+#include <QObject>
+
+#include <functional>
+
+namespace nocta {
+
+/// Knows whether the desktop has a place for icons: a host of StatusNotifierItems on the session
+/// bus, or an XEmbed tray on the X server. A panel often starts after the programs of a session,
+/// and the toolkit looks only once, so no icon may be made before there is a place for it. Nobody
+/// is waited for, and nothing is asked again unless something has changed.
+class SystemTray final : public QObject {
+    Q_OBJECT
+
+public:
+    /// `connection` may be null: no X server.
+    explicit SystemTray(X11Connection* connection);
+
+    bool isAvailable() const { return isAvailable_; }
+
+    /// Called once, when there is a place; at once if there is one already.
+    void whenAvailable(std::function<void()> action);
+
+private Q_SLOTS:
+    void askForHost();
+
+private:
+    void lookForXEmbedTray();
+    void becomeAvailable();
+
+    X11Connection* connection_;
+    xcb_atom_t selection_ = XCB_ATOM_NONE;
+    bool isAvailable_ = false;
+    std::function<void()> action_;
+    QDBusServiceWatcher watcher_;
+    Subscription events_;
+};
+
+} // namespace nocta

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+namespace nocta {
+
+/// Stops the program with a message: for arithmetic that would overflow and conversions out of
+/// range, which are programming errors and have no value to go on with.
+[[noreturn]] inline void stopProgram(const char* reason) {
+    std::fprintf(stderr, "nocta: stopped: %s\n", reason);
+    std::abort();
+}
+
+/// The integer part, towards zero; stops the program for what a 64-bit integer cannot hold.
+inline std::int64_t truncated(double value) {
+    constexpr double limit = 9223372036854775808.0; // 2^63
+    if (!(value >= -limit && value < limit)) {
+        stopProgram("a number is too large for an integer");
+    }
+    return static_cast<std::int64_t>(value);
+}
+
+} // namespace nocta
