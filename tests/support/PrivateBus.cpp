@@ -26,6 +26,10 @@ bool accepts(const std::string& path) {
 
 PrivateBus::PrivateBus(const std::string& variable) {
     static const TemporaryFolder folder;
+    // The library asks for both addresses when it first connects to either bus.
+    for (const auto* const name : {"DBUS_SYSTEM_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS"}) {
+        setenv(name, ("unix:path=" + folder.path() + "/" + name).c_str(), 1);
+    }
     const auto path = folder.path() + "/" + variable;
     const auto configuration = path + ".conf";
     address_ = "unix:path=" + path;
@@ -36,7 +40,6 @@ PrivateBus::PrivateBus(const std::string& variable) {
                   "<allow user=\"*\"/><allow own=\"*\"/><allow send_destination=\"*\"/>"
                   "<allow send_requested_reply=\"true\"/><allow receive_sender=\"*\"/>"
                   "</policy></busconfig>");
-    setenv(variable.c_str(), address_.c_str(), 1);
     process_.emplace(
         std::vector<std::string>{"dbus-daemon", "--config-file=" + configuration, "--nofork"},
         Process::Environment{}, path + ".log");

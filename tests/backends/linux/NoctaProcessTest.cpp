@@ -367,11 +367,12 @@ TEST_P(NoctaProcessTest, DyingServerEndsItWithALineAndNoCrash) {
     const auto status = nocta->wait();
     ASSERT_TRUE(WIFEXITED(status)) << "it crashed";
     EXPECT_EQ(WEXITSTATUS(status), 1);
+    // Nocta and the toolkit have a connection each; whoever notices first ends the program, and the
+    // other may still have its say.
     const auto said = contentOf(output);
-    EXPECT_EQ(std::ranges::count(said, '\n'), 1) << said;
-    EXPECT_TRUE(said == "nocta: the X server has closed the connection\n" ||
-                said.starts_with("The X11 connection broke")) // if the toolkit notices first
-        << said;
+    const std::string ours = "nocta: the X server has closed the connection\n";
+    const std::string theirs = "The X11 connection broke (error 1). Did the X11 server die?\n";
+    EXPECT_TRUE(said == ours || said == theirs || said == ours + theirs) << said;
 }
 
 TEST_P(NoctaProcessTest, WithoutADisplayItSaysSoAndFails) {
