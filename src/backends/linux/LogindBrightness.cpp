@@ -11,7 +11,7 @@ namespace {
 /// A connection of our own rather than the process's one, which never comes back once it is lost.
 QDBusConnection systemBus() {
     const auto name = QStringLiteral("nocta-logind");
-    if (const QDBusConnection connected(name); connected.isConnected()) {
+    if (QDBusConnection connected(name); connected.isConnected()) {
         return connected;
     }
     QDBusConnection::disconnectFromBus(name);

@@ -22,9 +22,12 @@ SystemTray::SystemTray(X11Connection* connection) : connection_(connection) {
         watcher_.setConnection(bus);
         watcher_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
         watcher_.addWatchedService(watcherService);
-        connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, &SystemTray::askForHost);
+        question_.setSingleShot(true);
+        QObject::connect(&question_, &QTimer::timeout, [this] { askForHost(); });
+        QObject::connect(&watcher_, &QDBusServiceWatcher::serviceRegistered,
+                         [this] { question_.start(); });
         bus.connect(watcherService, watcherPath, watcherService,
-                    QStringLiteral("StatusNotifierHostRegistered"), this, SLOT(askForHost()));
+                    QStringLiteral("StatusNotifierHostRegistered"), &question_, SLOT(start()));
         askForHost();
     }
     if (connection_ != nullptr) {
@@ -61,8 +64,8 @@ void SystemTray::askForHost() {
     call << watcherService << QStringLiteral("IsStatusNotifierHostRegistered");
     call.setAutoStartService(false);
     auto* const answer =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), &question_);
+    QObject::connect(answer, &QDBusPendingCallWatcher::finished, [this, answer] {
         const QDBusPendingReply<QDBusVariant> reply = *answer;
         answer->deleteLater();
         if (reply.isValid() && reply.value().variant().toBool()) {

@@ -3,7 +3,7 @@
 #include "backends/linux/x11/X11Connection.h"
 
 #include <QDBusServiceWatcher>
-#include <QObject>
+#include <QTimer>
 
 #include <functional>
 
@@ -13,9 +13,7 @@ namespace nocta {
 /// bus, or an XEmbed tray on the X server. A panel often starts after the programs of a session,
 /// and the toolkit looks only once, so no icon may be made before there is a place for it. Nobody
 /// is waited for, and nothing is asked again unless something has changed.
-class SystemTray final : public QObject {
-    Q_OBJECT
-
+class SystemTray {
 public:
     /// `connection` may be null: no X server.
     explicit SystemTray(X11Connection* connection);
@@ -25,10 +23,8 @@ public:
     /// Called once, when there is a place; at once if there is one already.
     void whenAvailable(std::function<void()> action);
 
-private Q_SLOTS:
-    void askForHost();
-
 private:
+    void askForHost();
     void lookForXEmbedTray();
     void becomeAvailable();
 
@@ -37,6 +33,7 @@ private:
     bool isAvailable_ = false;
     std::function<void()> action_;
     QDBusServiceWatcher watcher_;
+    QTimer question_; ///< asks at the end of the turn; a D-Bus signal can start a timer by itself
     Subscription events_;
 };
 
