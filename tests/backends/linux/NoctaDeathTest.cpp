@@ -1,0 +1,126 @@
+#include "support/NoctaProcess.h"
+
+#include <chrono>
+#include <csignal>
+#include <sys/wait.h>
+
+namespace nocta {
+namespace {
+
+class NoctaDeathTest : public NoctaProcess {};
+INSTANTIATE_TEST_SUITE_P(Servers, NoctaDeathTest, everyServer, serverName);
+
+TEST_P(NoctaDeathTest, EverySignalThatEndsItGivesTheScreenBack) {
+    for (const auto ending : {SIGTERM, SIGINT, SIGHUP}) {
+        startAndWaitFor(0.75);
+        nocta->signal(ending);
+        EXPECT_EQ(nocta->wait(), 0) << contentOf(output);
+        EXPECT_TRUE(isGivenBack()) << ending;
+    }
+}
+
+TEST_P(NoctaDeathTest, DeathGivesTheScreenBackTooAndARestartKnowsTheFactoryRamp) {
+    for (const auto death : {SIGKILL, SIGSEGV, SIGABRT}) {
+        startAndWaitFor(0.75);
+        nocta->signal(death);
+        nocta->wait();
+        EXPECT_TRUE(waitUntil([&] { return isGivenBack(); })) << death;
+    }
+    startAndWaitFor(0.75);
+    client.press(brightnessDownSymbol);
+    ASSERT_TRUE(waitForBrightness(0.6875));
+    writeFile(settings, "[General]\nunifiedBrightness=0.4\n");
+    nocta->signal(SIGKILL);
+    startAndWaitFor(0.4); // at once, while the guardian of the dead one may still be at work
+    nocta->signal(SIGTERM);
+    EXPECT_EQ(nocta->wait(), 0);
+    EXPECT_TRUE(isGivenBack());
+}
+
+TEST_P(NoctaDeathTest, QuickRestartsInARowDoNotConfuseTheGuardian) {
+    startAndWaitFor(0.75);
+    for (int restart = 0; restart < 5; ++restart) {
+        nocta->signal(SIGKILL);
+        start(); // killed again at whatever point it has reached
+    }
+    nocta->signal(SIGKILL);
+    nocta->wait();
+    EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }));
+    startAndWaitFor(0.75);
+    nocta->signal(SIGTERM);
+    nocta->wait();
+    EXPECT_TRUE(isGivenBack());
+}
+
+TEST_P(NoctaDeathTest, GuardianDoesNotOutliveItsWork) {
+    startAndWaitFor(0.75);
+    const auto guardians = guardiansOf(nocta->id());
+    ASSERT_EQ(guardians.size(), 1U);
+    nocta->signal(SIGKILL);
+    nocta->wait();
+    EXPECT_TRUE(waitUntil([&] { return kill(guardians[0], 0) != 0 || isZombie(guardians[0]); }));
+
+    startAndWaitFor(0.75);
+    const auto others = guardiansOf(nocta->id());
+    ASSERT_EQ(others.size(), 1U);
+    nocta->signal(SIGTERM);
+    nocta->wait();
+    EXPECT_NE(kill(others[0], 0), 0) << "ended before its program";
+}
+
+TEST_P(NoctaDeathTest, DeathTogetherWithTheGuardianIsHealedByTheNextStart) {
+    startAndWaitFor(0.75);
+    const auto guardians = guardiansOf(nocta->id());
+    ASSERT_EQ(guardians.size(), 1U);
+    kill(guardians[0], SIGSTOP); // so that it cannot act on the death that it sees
+    nocta->signal(SIGKILL);
+    nocta->wait();
+    kill(guardians[0], SIGKILL);
+    EXPECT_TRUE(shows(0.75)) << "nobody was left to give it back";
+    startAndWaitFor(0.75);
+    ASSERT_TRUE(waitUntil([&] { return guardiansOf(nocta->id()).size() == 1; }));
+    client.press(brightnessDownSymbol);
+    ASSERT_TRUE(waitForBrightness(0.6875)) << "over the factory ramp, not over the tinted one";
+    nocta->signal(SIGTERM);
+    EXPECT_EQ(nocta->wait(), 0);
+    EXPECT_TRUE(isGivenBack());
+}
+
+TEST_P(NoctaDeathTest, GuardianThatDiesIsReplaced) {
+    startAndWaitFor(0.75);
+    const auto first = guardiansOf(nocta->id());
+    ASSERT_EQ(first.size(), 1U);
+    kill(first[0], SIGKILL);
+    ASSERT_TRUE(waitUntil([&] {
+        auto const now = guardiansOf(nocta->id());
+        return now.size() == 1 && now[0] != first[0];
+    }));
+    client.press(brightnessDownSymbol);
+    ASSERT_TRUE(waitForBrightness(0.6875));
+    nocta->signal(SIGKILL);
+    nocta->wait();
+    EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }));
+}
+
+TEST_P(NoctaDeathTest, DyingServerEndsItWithALineAndNoCrash) {
+    // The toolkit does not free its connection to a server that has died.
+    const auto suppressions = home.path() + "/suppressions";
+    writeFile(suppressions, "leak:libX11.so\nleak:libxcb.so\n");
+    const auto options = "print_suppressions=0:suppressions=" + suppressions;
+    setenv("LSAN_OPTIONS", options.c_str(), 1);
+    startAndWaitFor(0.75);
+    unsetenv("LSAN_OPTIONS");
+    server.kill();
+    const auto status = nocta->wait();
+    ASSERT_TRUE(WIFEXITED(status)) << "it crashed";
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    // Nocta and the toolkit have a connection each; whoever notices first ends the program, and the
+    // other may still have its say.
+    const auto said = contentOf(output);
+    const std::string ours = "nocta: the X server has closed the connection\n";
+    const std::string theirs = "The X11 connection broke (error 1). Did the X11 server die?\n";
+    EXPECT_TRUE(said == ours || said == theirs || said == ours + theirs) << said;
+}
+
+} // namespace
+} // namespace nocta

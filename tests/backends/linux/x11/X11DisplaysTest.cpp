@@ -1,0 +1,72 @@
+#include "backends/linux/x11/X11Session.h"
+#include "contracts/DisplaysContract.h"
+
+namespace nocta {
+
+INSTANTIATE_TYPED_TEST_SUITE_P(X11, DisplaysContract, X11Harness);
+
+namespace {
+
+TEST(X11Displays, DisplayIsItsOutputWithItsCrtcsBoundsAndMode) {
+    X11Session session(XServer::Kind::xorgDummy);
+    session.server.plugSecondOutput();
+    ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
+    const auto second = session.list()[1];
+    EXPECT_EQ(session.displays.displayBounds(second), (Rect{1280, 0, 1280, 720}));
+    EXPECT_EQ(session.displays.displayCopyDisplayMode(second), (DisplayMode{1280, 720}));
+    EXPECT_FALSE(session.displays.displayIsBuiltin(second));
+    EXPECT_EQ(session.displays.crtcOf(second), session.client.crtcOf(second));
+}
+
+TEST(X11Displays, PrimaryOutputIsTheMainDisplay) {
+    X11Session session(XServer::Kind::xorgDummy);
+    session.server.plugSecondOutput();
+    session.server.xrandr({"--output", "DUMMY1", "--primary"});
+    ASSERT_TRUE(serveUntil([&] {
+        auto const list = session.list();
+        return list.size() == 2 && session.displays.displayIsMain(list[1]);
+    }));
+    EXPECT_FALSE(session.displays.displayIsMain(session.list()[0]));
+    session.server.xrandr({"--noprimary"});
+    EXPECT_TRUE(serveUntil([&] { return !session.displays.displayIsMain(session.list()[1]); }));
+}
+
+TEST(X11Displays, OneChangeIsNotifiedOnceAndNoChangeNever) {
+    X11Session session(XServer::Kind::xorgDummy);
+    std::vector<std::size_t> sizes;
+    const auto subscription = session.notificationCenter.observe(
+        didChangeScreenParametersNotification, [&] { sizes.push_back(session.list().size()); });
+    session.server.xrandr({"--addmode", "DUMMY1", "1280x720"}); // tells, and changes no display
+    session.server.xrandr({"--output", "DUMMY1", "--mode", "1280x720", "--same-as", "DUMMY0"});
+    ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
+    session.server.unplugSecondOutput();
+    ASSERT_TRUE(serveUntil([&] { return session.list().size() == 1; }));
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{2, 1}));
+}
+
+TEST(X11Displays, ServerWithoutRandRHasNoDisplaysAndSaysSo) {
+    ::testing::internal::CaptureStderr();
+    X11Session session(XServer::Kind::xvfb, {"-extension", "RANDR"});
+    EXPECT_NE(::testing::internal::GetCapturedStderr().find("has no RandR"), std::string::npos);
+    EXPECT_TRUE(session.list().empty());
+    EXPECT_NE(session.set(1, X11Session::tables({1, 1, 1})), statusSuccess);
+    session.gammaOutput.displayRestoreColorSyncSettings();
+}
+
+TEST(X11Displays, ServerWithoutAnOutputInUseHasNoDisplays) {
+    X11Session session(XServer::Kind::xorgDummy);
+    session.server.xrandr({"--output", "DUMMY0", "--off"});
+    EXPECT_TRUE(serveUntil([&] { return session.list().empty(); }));
+    session.server.xrandr({"--output", "DUMMY0", "--mode", "1280x720"});
+    EXPECT_TRUE(serveUntil([&] { return session.list().size() == 1; }));
+}
+
+TEST(X11Displays, EmulationIsKnownByItsOutputProperty) {
+    X11Session session(XServer::Kind::xvfb);
+    EXPECT_FALSE(session.displays.isEmulation());
+    session.client.setOutputProperty("RANDR Emulation", 1);
+    EXPECT_TRUE(session.displays.isEmulation());
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,193 @@
+#include "backends/linux/x11/FactoryRamps.h"
+#include "backends/linux/x11/X11Session.h"
+#include "support/Process.h"
+
+#include <cmath>
+
+namespace nocta {
+
+namespace {
+
+// A CRTC with a ramp of size 0 is not tested: no server that runs without a screen has one.
+
+class X11GammaOutputTest : public ::testing::TestWithParam<XServer::Kind> {
+protected:
+    X11Session session{GetParam()};
+    DisplayId display = session.list().at(0);
+    xcb_randr_crtc_t crtc = session.client.activeCrtcs().at(0);
+
+    XClient::Ramp ramp() {
+        session.connection.synchronize();
+        return session.client.ramp(crtc);
+    }
+
+    /// What a table of the given top shows at entry i of 256, over a calibration read as straight
+    /// lines between its points.
+    static double expected(const std::vector<std::uint16_t>& calibration, double top, int i) {
+        const auto place = top * i / 255 * 255;
+        const auto below = std::min(static_cast<std::size_t>(place), std::size_t{254});
+        return std::lerp(double{static_cast<double>(calibration[below])},
+                         static_cast<double>(calibration[below + 1]),
+                         place - static_cast<double>(below));
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Servers, X11GammaOutputTest,
+                         ::testing::Values(XServer::Kind::xvfb, XServer::Kind::xorgDummy),
+                         [](const auto& instance) {
+                             return instance.param == XServer::Kind::xvfb ? "Xvfb" : "XorgDummy";
+                         });
+
+TEST_P(X11GammaOutputTest, TablesAreLaidOverTheCalibration) {
+    const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
+    session.client.setRamp(crtc, factory);
+    std::array const tops = {1.0F, 0.75F, 0.4F};
+    ASSERT_EQ(session.set(display, X11Session::tables(tops)), statusSuccess);
+    const auto shown = ramp();
+    for (std::size_t channel = 0; channel < 3; ++channel) {
+        for (int i = 0; i < 256; ++i) {
+            ASSERT_NEAR(shown[channel][static_cast<std::size_t>(i)],
+                        expected(factory[channel], double{tops[channel]}, i), 1)
+                << channel << " " << i;
+        }
+    }
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    EXPECT_EQ(ramp(), factory) << "given back to the bit";
+}
+
+TEST_P(X11GammaOutputTest, RampThatIsNoCalibrationCountsAsTheIdentityAndIsStillGivenBack) {
+    auto falling = calibration(256, 1.0, {1, 1, 1});
+    falling[2][100] = 0;
+    XClient::Ramp zero;
+    zero.fill(std::vector<std::uint16_t>(256, 0));
+    for (const auto& factory : {falling, zero}) {
+        session.client.setRamp(crtc, factory);
+        session.set(display, X11Session::tables({1.0F, 0.5F, 0.25F}));
+        const auto shown = ramp();
+        for (int i = 0; i < 256; ++i) {
+            const auto entry = static_cast<std::size_t>(i);
+            ASSERT_NEAR(shown[0][entry], 257.0 * i, 1);
+            ASSERT_NEAR(shown[1][entry], 257.0 * i / 2, 1);
+            ASSERT_NEAR(shown[2][entry], 257.0 * i / 4, 1);
+        }
+        session.gammaOutput.displayRestoreColorSyncSettings();
+        EXPECT_EQ(ramp(), factory);
+    }
+}
+
+TEST_P(X11GammaOutputTest, EqualTablesHealARampThatSomebodyElseHasReset) {
+    const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
+    session.set(display, tables);
+    const auto ours = ramp();
+    session.client.setRamp(crtc, calibration(256, 1.0, {1, 1, 1}));
+    ASSERT_NE(ramp(), ours);
+    session.set(display, tables);
+    EXPECT_EQ(ramp(), ours);
+}
+
+TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBackToo) {
+    const auto factory = ramp();
+    {
+        X11GammaOutput output(session.connection, session.displays);
+        const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
+        ASSERT_EQ(output.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]),
+                  statusSuccess);
+        EXPECT_NE(ramp(), factory);
+    }
+    EXPECT_EQ(ramp(), factory);
+}
+
+TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay) {
+    const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
+    session.set(display, tables);
+    const auto ours = ramp();
+    X11Connection otherConnection(session.runLoop);
+    X11GammaOutput other(otherConnection, session.displays);
+    ::testing::internal::CaptureStderr();
+    EXPECT_NE(other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]),
+              statusSuccess);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "nocta: another Nocta controls the gamma of this display\n");
+    EXPECT_EQ(ramp(), ours);
+
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    const auto factory = ramp();
+    EXPECT_EQ(other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]),
+              statusSuccess)
+        << "the first has gone";
+    EXPECT_TRUE(otherConnection.synchronize());
+    EXPECT_EQ(session.client.ramp(crtc), ours);
+    other.displayRestoreColorSyncSettings();
+    EXPECT_EQ(session.client.ramp(crtc), factory);
+}
+
+TEST_P(X11GammaOutputTest, DyingServerFailsWithoutACrash) {
+    session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
+    int lost = 0;
+    session.connection.onLost = [&] { ++lost; };
+    session.server.kill();
+    EXPECT_TRUE(serveUntil([&] { return lost > 0; }));
+    session.set(display, X11Session::tables({1, 1, 1}));
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    EXPECT_EQ(lost, 1);
+}
+
+TEST_P(X11GammaOutputTest, GuardianActsWhereTheConnectionIsLostAndTheServerIsNot) {
+    const auto factory = ramp();
+    session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
+    ASSERT_NE(ramp(), factory);
+    bool lost = false;
+    session.connection.onLost = [&] { lost = true; };
+    session.client.disconnect(session.connection.window());
+    ASSERT_TRUE(serveUntil([&] { return lost; }));
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    EXPECT_TRUE(waitUntil([&] { return session.client.ramp(crtc) == factory; }));
+}
+
+TEST_P(X11GammaOutputTest, FactoryRampIsKeptOnTheServerWhileItIsNotInForce) {
+    const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
+    session.client.setRamp(crtc, factory);
+    const auto root = session.connection.root();
+    EXPECT_TRUE(readFactoryRamps(session.connection.get(), root).empty());
+    session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
+    session.set(display, X11Session::tables({0.25F, 0.5F, 0.5F}));
+    const auto kept = readFactoryRamps(session.connection.get(), root);
+    ASSERT_EQ(kept.size(), 1U);
+    EXPECT_EQ(kept.at(crtc).red, factory[0]);
+    EXPECT_EQ(kept.at(crtc).green, factory[1]);
+    EXPECT_EQ(kept.at(crtc).blue, factory[2]);
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    EXPECT_TRUE(readFactoryRamps(session.connection.get(), root).empty());
+}
+
+TEST_P(X11GammaOutputTest, NonsenseInTheKeptRampsIsLeftOut) {
+    const auto root = session.connection.root();
+    for (const auto& numbers : {
+             std::vector<std::uint16_t>{1},
+             std::vector<std::uint16_t>{0, 63, 0},
+             std::vector<std::uint16_t>{0, 63, 0, 1, 2, 3},
+             std::vector<std::uint16_t>{0, 63, 256, 1, 2, 3},
+             std::vector<std::uint16_t>{65535, 65535, 65535, 0},
+         }) {
+        session.client.setRootProperty("_NOCTA_FACTORY_RAMPS", numbers);
+        EXPECT_TRUE(readFactoryRamps(session.connection.get(), root).empty());
+    }
+    session.client.setRootProperty("_NOCTA_FACTORY_RAMPS", {0, 63, 1, 7, 8, 9, 0, 64, 2, 1});
+    const auto kept = readFactoryRamps(session.connection.get(), root);
+    ASSERT_EQ(kept.size(), 1U);
+    EXPECT_EQ(kept.at(63).blue, std::vector<std::uint16_t>{9});
+}
+
+TEST(X11GammaOutput, RampThatVanishedBetweenListingAndWritingHarmsNoOther) {
+    X11Session session(XServer::Kind::xorgDummy);
+    session.server.plugSecondOutput();
+    ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
+    const auto list = session.list();
+    session.server.unplugSecondOutput(); // and the program has not heard of it yet
+    session.set(list[1], X11Session::tables({0.5F, 0.5F, 0.5F}));
+    EXPECT_EQ(session.set(list[0], X11Session::tables({0.5F, 0.5F, 0.5F})), statusSuccess);
+    EXPECT_NEAR(session.client.top(session.client.crtcOf(list[0])), 0.5 * 65280 / 65535, 2e-5);
+    EXPECT_TRUE(serveUntil([&] { return session.list().size() == 1; }));
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "backends/linux/shell/QtRunLoop.h"
+#include "backends/linux/x11/X11Connection.h"
+#include "backends/linux/x11/X11Displays.h"
+#include "backends/linux/x11/X11GammaOutput.h"
+#include "backends/linux/x11/X11KeyEvents.h"
+#include "base/NotificationCenter.h"
+#include "support/EventLoop.h"
+#include "support/XClient.h"
+#include "support/XServer.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nocta {
+
+/// The X11 ports on a server of their own, and another client that looks at it.
+struct X11Session {
+    explicit X11Session(XServer::Kind kind, const std::vector<std::string>& options = {})
+        : server(kind, options) {}
+
+    XServer server;
+    XClient client;
+    QtRunLoop runLoop;
+    NotificationCenter notificationCenter;
+    X11Connection connection{runLoop};
+    X11Displays displays{connection, runLoop, notificationCenter};
+    X11GammaOutput gammaOutput{connection, displays};
+
+    std::vector<DisplayId> list() {
+        std::array<DisplayId, 16> ids{};
+        std::uint32_t count = 0;
+        displays.getActiveDisplayList(ids, count);
+        return {ids.begin(), ids.begin() + count};
+    }
+    Status set(DisplayId id, const std::array<std::vector<float>, 3>& tables) {
+        const auto status =
+            gammaOutput.setDisplayTransferByTable(id, tables[0], tables[1], tables[2]);
+        connection.synchronize();
+        return status;
+    }
+    /// Straight tables up to the three tops.
+    static std::array<std::vector<float>, 3> tables(std::array<float, 3> tops) {
+        std::array<std::vector<float>, 3> tables;
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            for (int i = 0; i < 256; ++i) {
+                tables[channel].push_back(tops[channel] * static_cast<float>(i) / 255.0F);
+            }
+        }
+        return tables;
+    }
+};
+
+/// The same as the harness of the contract suites.
+struct X11Harness : X11Session {
+    std::map<DisplayId, double> factoryTops;
+    std::optional<X11KeyEvents> keys;
+
+    X11Harness() : X11Session(XServer::Kind::xorgDummy) { noteFactoryTops(); }
+
+    X11Displays& displays() { return X11Session::displays; }
+    GammaOutput& gammaOutput() { return X11Session::gammaOutput; }
+    NotificationCenter& notificationCenter() { return X11Session::notificationCenter; }
+    KeyEvents& keyEvents() { return keys ? *keys : keys.emplace(connection, runLoop); }
+
+    void plug() {
+        server.plugSecondOutput();
+        serveUntil([this] { return list().size() == 2; });
+        noteFactoryTops();
+    }
+    void unplug() {
+        server.unplugSecondOutput();
+        serveUntil([this] { return list().size() == 1; });
+    }
+    double top(DisplayId id) {
+        connection.synchronize();
+        return client.top(client.crtcOf(id));
+    }
+    double factoryTop(DisplayId id) { return factoryTops.at(id); }
+
+    void pressBrightnessUp() { pressAndHear(brightnessUpSymbol); }
+    void pressBrightnessDown() { pressAndHear(brightnessDownSymbol); }
+
+private:
+    void noteFactoryTops() {
+        for (const auto id : list()) {
+            factoryTops.emplace(id, client.top(client.crtcOf(id)));
+        }
+    }
+    void pressAndHear(xcb_keysym_t symbol) {
+        bool heard = false;
+        const auto listener =
+            keyEvents().createKeyDownTap([&](const KeyDownEvent&) { heard = true; });
+        connection.synchronize(); // the program listens before the key is pressed
+        client.press(symbol);
+        EXPECT_TRUE(serveUntil([&] { return heard; }));
+    }
+};
+
+} // namespace nocta

@@ -1,0 +1,142 @@
+#pragma once
+
+#include "support/Process.h"
+#include "support/XClient.h"
+#include "support/XServer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace nocta {
+
+/// The program itself on a private X server: a person who presses keys and ends it in every way,
+/// and another client that reads the gamma ramps.
+class NoctaProcess : public ::testing::TestWithParam<XServer::Kind> {
+protected:
+    XServer server{GetParam()};
+    XClient client;
+    TemporaryFolder home;
+    std::string output = home.path() + "/output";
+    std::string settings = home.path() + "/.config/nocta/nocta.conf";
+    std::unique_ptr<Process> nocta;
+
+    void SetUp() override {
+        if (GetParam() == XServer::Kind::xorgDummy) {
+            server.plugSecondOutput();
+        }
+        for (const auto crtc : client.activeCrtcs()) {
+            client.setRamp(crtc, factory());
+        }
+    }
+
+    static XClient::Ramp factory() { return calibration(256, 0.9, {1.0, 0.98, 0.95}); }
+
+    Process::Environment environment() const {
+        return {{"HOME", home.path()},
+                {"XDG_CONFIG_HOME", ""},
+                {"XDG_RUNTIME_DIR", home.path()},
+                {"WAYLAND_DISPLAY", ""},
+                {"SESSION_MANAGER", ""},
+                {"QT_QPA_PLATFORM", ""},
+                {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home.path() + "/no-bus"},
+                {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + home.path() + "/no-bus"}};
+    }
+
+    void start() {
+        nocta = std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, environment(),
+                                          output);
+    }
+    void startAndWaitFor(double brightness) {
+        start();
+        ASSERT_TRUE(waitForBrightness(brightness)) << contentOf(output);
+    }
+
+    /// Whether every output shows the tables of a brightness at 6500 K laid over its factory ramp,
+    /// within one 16-bit step.
+    bool shows(double brightness) {
+        const auto crtcs = client.activeCrtcs();
+        return std::ranges::all_of(crtcs, [&](xcb_randr_crtc_t crtc) {
+            return isClose(client.ramp(crtc), expected(brightness));
+        });
+    }
+    bool waitForBrightness(double brightness) {
+        return waitUntil([&] { return shows(brightness); });
+    }
+
+    bool isGivenBack() {
+        const auto crtcs = client.activeCrtcs();
+        return std::ranges::all_of(
+            crtcs, [&](xcb_randr_crtc_t crtc) { return client.ramp(crtc) == factory(); });
+    }
+
+    static XClient::Ramp expected(double brightness) {
+        // The displays are external, so the tables alone serve the range, down to a faint glow.
+        const auto height = 1 - std::min(0.9, 1 - brightness);
+        std::array const white = {1.0, (99.4708025861 * std::log(65.0) - 161.1195681661) / 255,
+                                  (138.5177312231 * std::log(55.0) - 305.0447927307) / 255};
+        auto ramp = factory();
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            const auto calibrated = factory()[channel];
+            for (std::size_t i = 0; i < 256; ++i) {
+                const auto place = height * white[channel] * static_cast<double>(i);
+                const auto below = std::min(static_cast<std::size_t>(place), std::size_t{254});
+                ramp[channel][i] = static_cast<std::uint16_t>(
+                    std::lround(std::lerp(static_cast<double>(calibrated[below]),
+                                          static_cast<double>(calibrated[below + 1]),
+                                          place - static_cast<double>(below))));
+            }
+        }
+        return ramp;
+    }
+    static bool isClose(const XClient::Ramp& a, const XClient::Ramp& b) {
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            for (std::size_t i = 0; i < 256; ++i) {
+                if (std::abs(a[channel][i] - b[channel][i]) > 1) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
+    /// A process that has ended and that nobody has asked about yet.
+    static bool isZombie(pid_t process) {
+        const auto stat = contentOf("/proc/" + std::to_string(process) + "/stat");
+        return stat.find(") Z ") != std::string::npos;
+    }
+
+    /// The guardians that the given process has started and that still run.
+    static std::vector<pid_t> guardiansOf(pid_t parent) {
+        std::vector<pid_t> found;
+        for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+            if (std::isdigit(entry.path().filename().string()[0]) == 0) {
+                continue;
+            }
+            const auto stat = contentOf(entry.path().string() + "/stat");
+            const auto afterName = stat.rfind(')');
+            if (stat.find("(nocta-guardian)") != std::string::npos &&
+                stat.find(") Z ") == std::string::npos &&
+                std::stoi(stat.substr(afterName + 4)) == parent) {
+                found.push_back(std::stoi(entry.path().filename().string()));
+            }
+        }
+        return found;
+    }
+};
+
+inline const auto everyServer = ::testing::Values(XServer::Kind::xvfb, XServer::Kind::xorgDummy);
+
+inline std::string serverName(const ::testing::TestParamInfo<XServer::Kind>& instance) {
+    return instance.param == XServer::Kind::xvfb ? "Xvfb" : "XorgWithTwoOutputs";
+}
+
+} // namespace nocta
