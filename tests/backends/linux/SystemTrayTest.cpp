@@ -12,6 +12,8 @@
 #include <QDBusVirtualObject>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 namespace nocta {
 namespace {
 
@@ -77,6 +79,7 @@ TEST_F(SystemTrayTest, HostThatComesAfterTheProgramIsHeardOnce) {
 }
 
 TEST(SystemTray, XEmbedTrayThatComesAfterTheProgramIsHeard) {
+    setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
     const XServer server(XServer::Kind::xvfb);
     QtRunLoop runLoop;
     X11Connection connection(runLoop);
