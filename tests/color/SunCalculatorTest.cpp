@@ -1,0 +1,178 @@
+#include "color/SunCalculator.h"
+
+#include "base/Calendar.h"
+#include "support/TimeZone.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <ctime>
+#include <optional>
+#include <random>
+
+namespace nocta {
+namespace {
+
+using namespace std::chrono_literals;
+
+WallTime utc(int year, unsigned month, unsigned day, std::chrono::minutes time = 0min) {
+    return WallTime(std::chrono::sys_days(std::chrono::year(year) / month / day)) + time;
+}
+
+/// Hour and minute on the local clock.
+std::chrono::minutes clockTime(WallTime instant) {
+    const auto time = std::chrono::system_clock::to_time_t(
+        std::chrono::time_point_cast<std::chrono::system_clock::duration>(instant));
+    std::tm local{};
+    localtime_r(&time, &local);
+    EXPECT_EQ(local.tm_sec, 0);
+    return std::chrono::hours(local.tm_hour) + std::chrono::minutes(local.tm_min);
+}
+
+/// The same steps written once more, in long double and with remainders for normalising: minutes
+/// after midnight, or none in a polar day or night.
+struct Independent {
+    long double sunrise = 0;
+    long double sunset = 0;
+
+    static std::optional<Independent> times(int dayOfYear, long double latitude,
+                                            long double longitude, long double offsetHours) {
+        constexpr auto pi = 3.141592653589793238L;
+        const auto wrapped = [](long double value, long double limit) {
+            const auto rest = std::fmod(value, limit);
+            return rest < 0 ? rest + limit : rest;
+        };
+        const auto t = dayOfYear + (12 - longitude / 15) / 24;
+        const auto m = (0.9856L * t - 3.289L) * pi / 180;
+        const auto l =
+            wrapped(m * 180 / pi + 1.916L * std::sin(m) + 0.020L * std::sin(2 * m) + 282.634L, 360);
+        const auto lRadians = l * pi / 180;
+        // The angle with both coordinates lies in the quadrant of the longitude by itself.
+        const auto ra =
+            wrapped(std::atan2(0.91764L * std::sin(lRadians), std::cos(lRadians)) * 180 / pi, 360);
+        const auto declination = std::asin(0.39782L * std::sin(lRadians));
+        const auto phi = latitude * pi / 180;
+        const auto cosH = (-0.01453808050249674L - std::sin(declination) * std::sin(phi)) /
+                          (std::cos(declination) * std::cos(phi));
+        if (std::abs(cosH) > 1) {
+            return std::nullopt;
+        }
+        const auto h = std::acos(cosH) * 180 / pi;
+        const auto minutes = [&](long double angle) {
+            const auto local = angle / 15 + ra / 15 - 0.06571L * t - 6.622L - longitude / 15;
+            return wrapped(wrapped(local, 24) + offsetHours, 24) * 60;
+        };
+        return Independent{minutes(360 - h), minutes(h)};
+    }
+};
+
+TEST(SunCalculator, AgreesWithAnIndependentComputationInEveryZone) {
+    std::mt19937 random(1);
+    std::uniform_int_distribution days(0, 365 * 12);
+    std::uniform_real_distribution latitudes(-89.0, 89.0);
+    std::uniform_real_distribution longitudes(-180.0, 180.0);
+    int polar = 0;
+    int ordinary = 0;
+    for (const auto* const name :
+         {zone::utc, zone::berlin, zone::newYork, zone::kolkata, zone::kathmandu, zone::lordHowe,
+          zone::chatham, zone::lineIslands, zone::bakerIsland}) {
+        const TimeZone zone(name);
+        for (int round = 0; round < 1500; ++round) {
+            const auto date = utc(2019, 12, 25, 12h) + days(random) * 24h;
+            const auto now = utc(2019, 12, 25, 12h) + days(random) * 24h;
+            const auto latitude = latitudes(random);
+            const auto longitude = longitudes(random);
+            const auto times = SunCalculator::calculate(date, latitude, longitude, now);
+            ASSERT_EQ(Calendar::dayOf(times.sunrise), Calendar::dayOf(date));
+            ASSERT_EQ(Calendar::dayOf(times.sunset), Calendar::dayOf(date));
+
+            const auto day = Calendar::dayOf(date);
+            const auto dayOfYear = std::chrono::sys_days(std::chrono::year(day.year) /
+                                                         static_cast<unsigned>(day.month) /
+                                                         static_cast<unsigned>(day.day)) -
+                                   std::chrono::sys_days(std::chrono::year(day.year) / 1 / 1) +
+                                   std::chrono::days(1);
+            const auto offset =
+                std::chrono::duration<long double, std::ratio<3600>>(Calendar::offsetFromGMT(now));
+            const auto expected = Independent::times(static_cast<int>(dayOfYear.count()), latitude,
+                                                     longitude, offset.count());
+            if (!expected) {
+                ++polar;
+                ASSERT_EQ(clockTime(times.sunrise), 6h);
+                ASSERT_EQ(clockTime(times.sunset), 18h);
+                continue;
+            }
+            ++ordinary;
+            // A minute that the last bits push over its edge may come out as its neighbour.
+            const auto check = [&](WallTime time, long double minutes) {
+                const auto whole = static_cast<int>(std::floor(minutes));
+                const auto edge = std::abs(minutes - std::round(minutes)) < 1e-6L;
+                return edge || time == Calendar::instantAt(day, whole / 60, whole % 60);
+            };
+            ASSERT_TRUE(check(times.sunrise, expected->sunrise)) << name << " " << round;
+            ASSERT_TRUE(check(times.sunset, expected->sunset)) << name << " " << round;
+        }
+    }
+    EXPECT_GT(polar, 500);
+    EXPECT_GT(ordinary, 8000);
+}
+
+TEST(SunCalculator, AgreesWithAlmanacsWithinMinutes) {
+    struct Row {
+        const char* zone;
+        WallTime date;
+        double latitude;
+        double longitude;
+        std::chrono::minutes sunrise;
+        std::chrono::minutes sunset;
+    };
+    // Published times of Berlin, New York and Kolkata.
+    for (const auto& row : {
+             Row{zone::berlin, utc(2026, 6, 21, 12h), 52.52, 13.405, 4h + 43min, 21h + 33min},
+             Row{zone::berlin, utc(2026, 12, 21, 12h), 52.52, 13.405, 8h + 15min, 15h + 54min},
+             Row{zone::newYork, utc(2026, 3, 20, 16h), 40.713, -74.006, 6h + 59min, 19h + 8min},
+             Row{zone::kolkata, utc(2026, 9, 23, 6h), 22.573, 88.364, 5h + 28min, 17h + 31min},
+         }) {
+        const TimeZone zone(row.zone);
+        const auto times =
+            SunCalculator::calculate(row.date, row.latitude, row.longitude, row.date);
+        EXPECT_LE(std::abs((clockTime(times.sunrise) - row.sunrise).count()), 5) << row.zone;
+        EXPECT_LE(std::abs((clockTime(times.sunset) - row.sunset).count()), 5) << row.zone;
+    }
+}
+
+TEST(SunCalculator, BothPolarCasesAreSixAndEighteen) {
+    const TimeZone zone(zone::berlin);
+    for (const auto& date : {utc(2026, 12, 21, 12h), utc(2026, 6, 21, 12h)}) {
+        for (const auto latitude : {80.0, -80.0, 89.999, -89.999}) {
+            const auto times = SunCalculator::calculate(date, latitude, 15, date);
+            EXPECT_EQ(clockTime(times.sunrise), 6h);
+            EXPECT_EQ(clockTime(times.sunset), 18h);
+            EXPECT_EQ(Calendar::dayOf(times.sunset), Calendar::dayOf(date));
+        }
+    }
+}
+
+TEST(SunCalculator, OffsetIsThatOfNowAndNotOfTheDate) {
+    const TimeZone zone(zone::berlin);
+    const auto summer = utc(2026, 7, 15, 12h);
+    const auto winter = utc(2026, 1, 15, 12h);
+    const auto asked = SunCalculator::calculate(summer, 52.52, 13.405, winter);
+    const auto inSummer = SunCalculator::calculate(summer, 52.52, 13.405, summer);
+    EXPECT_EQ(inSummer.sunrise - asked.sunrise, 1h);
+    EXPECT_EQ(inSummer.sunset - asked.sunset, 1h);
+}
+
+TEST(SunCalculator, SunsetAfterMidnightIsWrappedOntoTheSameDay) {
+    const TimeZone zone(zone::utc); // far from the place: the sun sets there at 2 UTC
+    const auto date = utc(2026, 6, 21, 12h);
+    const auto times = SunCalculator::calculate(date, 40, -100, date);
+    EXPECT_LT(times.sunset, times.sunrise);
+    EXPECT_EQ(Calendar::dayOf(times.sunset), (CalendarDay{2026, 6, 21}));
+}
+
+} // namespace
+} // namespace nocta
