@@ -60,6 +60,7 @@ void sliderToServer(benchmark::State& state) {
                   .gammaOutput = gammaOutput,
                   .backlight = desktop.displays,
                   .keyEvents = desktop.keyboard,
+                  .locationManager = desktop.location,
                   .statusBar = desktop.statusBar,
                   .popover = desktop.popover,
                   .application = desktop.application};

@@ -59,6 +59,19 @@ UnifiedBrightnessApplier& SharedInstances::brightnessApplier() {
                 displayService(), desktop_.backlight);
 }
 
+LocationService& SharedInstances::locationService() {
+    return made(locationService_, desktop_.locationManager, settingsManager());
+}
+
+ScheduleService& SharedInstances::scheduleService() {
+    return made(scheduleService_, locationService(), desktop_.runLoop);
+}
+
+ColorTemperatureService& SharedInstances::colorTemperatureService() {
+    return made(colorTemperatureService_, settingsManager(), gammaController(), scheduleService(),
+                desktop_.runLoop);
+}
+
 ShortcutsManager& SharedInstances::shortcutsManager() {
     return made(shortcutsManager_, settingsManager(), brightnessApplier(), desktop_.keyEvents);
 }
@@ -85,6 +98,18 @@ BrightnessController& BrightnessController::shared() {
 
 UnifiedBrightnessApplier& UnifiedBrightnessApplier::shared() {
     return instances().brightnessApplier();
+}
+
+LocationService& LocationService::shared() {
+    return instances().locationService();
+}
+
+ScheduleService& ScheduleService::shared() {
+    return instances().scheduleService();
+}
+
+ColorTemperatureService& ColorTemperatureService::shared() {
+    return instances().colorTemperatureService();
 }
 
 ShortcutsManager& ShortcutsManager::shared() {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "color/ColorTemperatureService.h"
+#include "color/LocationService.h"
+#include "color/ScheduleService.h"
 #include "display/BrightnessController.h"
 #include "display/DisplayService.h"
 #include "display/GammaController.h"
@@ -31,6 +34,9 @@ public:
     GammaController& gammaController();
     BrightnessController& brightnessController();
     UnifiedBrightnessApplier& brightnessApplier();
+    LocationService& locationService();
+    ScheduleService& scheduleService();
+    ColorTemperatureService& colorTemperatureService();
     ShortcutsManager& shortcutsManager();
 
 private:
@@ -43,6 +49,9 @@ private:
     std::optional<GammaController> gammaController_;
     std::optional<BrightnessController> brightnessController_;
     std::optional<UnifiedBrightnessApplier> brightnessApplier_;
+    std::optional<LocationService> locationService_;
+    std::optional<ScheduleService> scheduleService_;
+    std::optional<ColorTemperatureService> colorTemperatureService_;
     std::optional<ShortcutsManager> shortcutsManager_;
 };
 

@@ -22,4 +22,20 @@ inline std::int64_t truncated(double value) {
     return static_cast<std::int64_t>(value);
 }
 
+inline std::int64_t checkedSum(std::int64_t a, std::int64_t b) {
+    std::int64_t sum = 0;
+    if (__builtin_add_overflow(a, b, &sum)) {
+        stopProgram("a sum is too large for an integer");
+    }
+    return sum;
+}
+
+inline std::int64_t checkedDifference(std::int64_t a, std::int64_t b) {
+    std::int64_t difference = 0;
+    if (__builtin_sub_overflow(a, b, &difference)) {
+        stopProgram("a difference is too large for an integer");
+    }
+    return difference;
+}
+
 } // namespace nocta

@@ -8,6 +8,7 @@
 #include "platform/Displays.h"
 #include "platform/GammaOutput.h"
 #include "platform/KeyEvents.h"
+#include "platform/LocationManager.h"
 #include "platform/Popover.h"
 #include "platform/StatusBar.h"
 #include "platform/UuidSource.h"
@@ -27,6 +28,7 @@ struct Desktop {
     GammaOutput& gammaOutput;
     Backlight& backlight;
     KeyEvents& keyEvents;
+    LocationManager& locationManager;
     StatusBar& statusBar;
     Popover& popover;
     Application& application;

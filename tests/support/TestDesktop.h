@@ -61,6 +61,9 @@ protected:
     GammaController& gamma() { return instances().gammaController(); }
     BrightnessController& brightness() { return instances().brightnessController(); }
     UnifiedBrightnessApplier& applier() { return instances().brightnessApplier(); }
+    LocationService& location() { return instances().locationService(); }
+    ScheduleService& schedule() { return instances().scheduleService(); }
+    ColorTemperatureService& colorTemperature() { return instances().colorTemperatureService(); }
     ShortcutsManager& shortcuts() { return instances().shortcutsManager(); }
 
     AppDelegate& delegate() {

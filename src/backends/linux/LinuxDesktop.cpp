@@ -153,6 +153,7 @@ private:
     LibUuidSource uuidSource_;
     DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_);
     SysfsBacklight backlight_{*server_.displays, setBrightnessThroughLogind};
+    UnavailableLocationManager locationManager_;
     SystemTray tray_{server_.connection.get()};
     QtStatusBar statusBar_{tray_};
     QtPopover popover_;
@@ -167,6 +168,7 @@ public:
                   .gammaOutput = *server_.gammaOutput,
                   .backlight = backlight_,
                   .keyEvents = *server_.keyEvents,
+                  .locationManager = locationManager_,
                   .statusBar = statusBar_,
                   .popover = popover_,
                   .application = application_};

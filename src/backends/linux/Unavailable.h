@@ -3,6 +3,7 @@
 #include "platform/Displays.h"
 #include "platform/GammaOutput.h"
 #include "platform/KeyEvents.h"
+#include "platform/LocationManager.h"
 
 namespace nocta {
 
@@ -41,6 +42,17 @@ public:
     Subscription createKeyDownTap(std::function<void(const KeyDownEvent&)> /*handler*/) override {
         return {};
     }
+};
+
+class UnavailableLocationManager final : public LocationManager {
+public:
+    void setDelegate(LocationManagerDelegate* /*delegate*/) override {}
+    AuthorizationStatus authorizationStatus() const override {
+        return AuthorizationStatus::restricted;
+    }
+    void requestWhenInUseAuthorization() override {}
+    void startUpdatingLocation() override {}
+    void stopUpdatingLocation() override {}
 };
 
 } // namespace nocta

@@ -4,6 +4,7 @@
 #include "backends/virtual/Trace.h"
 #include "backends/virtual/VirtualDisplays.h"
 #include "backends/virtual/VirtualKeyboard.h"
+#include "backends/virtual/VirtualLocation.h"
 #include "backends/virtual/VirtualRunLoop.h"
 #include "backends/virtual/VirtualShell.h"
 #include "backends/virtual/VirtualUuidSource.h"
@@ -27,6 +28,7 @@ public:
     VirtualUuidSource uuidSource;
     VirtualDisplays displays{trace, notificationCenter};
     VirtualKeyboard keyboard{trace};
+    VirtualLocation location{trace};
     VirtualStatusBar statusBar{trace};
     VirtualPopover popover{trace};
     VirtualApplication application{runLoop};
@@ -39,6 +41,7 @@ public:
                   .gammaOutput = displays,
                   .backlight = displays,
                   .keyEvents = keyboard,
+                  .locationManager = location,
                   .statusBar = statusBar,
                   .popover = popover,
                   .application = application};

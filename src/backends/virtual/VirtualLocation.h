@@ -1,0 +1,61 @@
+#pragma once
+
+#include "backends/virtual/Trace.h"
+#include "base/RunLoop.h"
+#include "platform/LocationManager.h"
+
+#include <span>
+#include <string_view>
+
+namespace nocta {
+
+/// A location service in memory: a person answers, and places arrive when a test sends them.
+class VirtualLocation final : public LocationManager {
+public:
+    explicit VirtualLocation(Trace& trace) : trace_(trace) {}
+
+    // What a person and the world do.
+    void answer(AuthorizationStatus status) {
+        status_ = status;
+        isAsking = false;
+        if (delegate_ != nullptr) {
+            delegate_->didChangeAuthorization();
+        }
+    }
+    void send(std::span<const Location> locations) {
+        if (delegate_ != nullptr) {
+            delegate_->didUpdateLocations(locations);
+        }
+    }
+    void send(Location location) { send(std::span(&location, 1)); }
+    void fail(std::string_view description) {
+        if (delegate_ != nullptr) {
+            delegate_->didFailWithError(description);
+        }
+    }
+    bool isAsking = false;
+    bool isUpdating = false;
+
+    // What the program does.
+    void setDelegate(LocationManagerDelegate* delegate) override { delegate_ = delegate; }
+    AuthorizationStatus authorizationStatus() const override { return status_; }
+    void requestWhenInUseAuthorization() override {
+        trace_.record("requestWhenInUseAuthorization");
+        isAsking = status_ == AuthorizationStatus::notDetermined;
+    }
+    void startUpdatingLocation() override {
+        trace_.record("startUpdatingLocation");
+        isUpdating = true;
+    }
+    void stopUpdatingLocation() override {
+        trace_.record("stopUpdatingLocation");
+        isUpdating = false;
+    }
+
+private:
+    Trace& trace_;
+    LocationManagerDelegate* delegate_ = nullptr;
+    AuthorizationStatus status_ = AuthorizationStatus::notDetermined;
+};
+
+} // namespace nocta

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <variant>
+
+namespace nocta {
+
+/// Inside the span around sunrise; `progress` goes from 0 to 1.
+struct Sunrise {
+    double progress = 0;
+    bool operator==(const Sunrise&) const = default;
+};
+
+/// Inside the span around sunset; `progress` goes from 0 to 1.
+struct Sunset {
+    double progress = 0;
+    bool operator==(const Sunset&) const = default;
+};
+
+struct Day {
+    bool operator==(const Day&) const = default;
+};
+
+struct Night {
+    bool operator==(const Night&) const = default;
+};
+
+/// Where the day stands.
+using SunPosition = std::variant<Sunrise, Sunset, Day, Night>;
+
+} // namespace nocta
