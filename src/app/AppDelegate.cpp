@@ -12,7 +12,10 @@ AppDelegate::AppDelegate(SharedInstances& instances, Views& views)
     : desktop_(instances.desktop()), views_(views), settingsManager_(instances.settingsManager()),
       gammaController_(instances.gammaController()),
       brightnessController_(instances.brightnessController()),
-      displayService_(instances.displayService()), shortcutsManager_(instances.shortcutsManager()),
+      colorTemperatureService_(instances.colorTemperatureService()),
+      displayService_(instances.displayService()), locationService_(instances.locationService()),
+      scheduleService_(instances.scheduleService()),
+      shortcutsManager_(instances.shortcutsManager()),
       brightnessApplier_(instances.brightnessApplier()) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
@@ -68,6 +71,10 @@ void AppDelegate::startServices() {
     gammaController_.start(desktop_.notificationCenter);
     brightnessController_.probe();
     brightnessController_.startKeyboardMonitoring();
+    scheduleService_.start();
+    if (settingsManager_.autoWarmthEnabled.get()) {
+        colorTemperatureService_.startAutomaticMode();
+    }
     shortcutsManager_.startMonitoring();
 
     // The tables darken at once, by the lower half's rule alone; the applier then brings in the
@@ -75,6 +82,9 @@ void AppDelegate::startServices() {
     const auto brightness = settingsManager_.unifiedBrightness.get();
     gammaController_.setDimming(brightness < 0.5 ? static_cast<float>(1 - 2 * brightness) : 0.0F);
     brightnessApplier_.apply(brightness);
+    if (!settingsManager_.autoWarmthEnabled.get()) {
+        colorTemperatureService_.setWarmth(settingsManager_.warmthLevel.get());
+    }
 
     subscribeToSettings();
 }
@@ -84,6 +94,11 @@ void AppDelegate::subscribeToSettings() {
         [this](double brightness) { brightnessApplier_.apply(brightness); }));
     cancellables_.push_back(settingsManager_.menuBarIcon.subscribe(
         [this](MenuBarIcon icon) { drawStatusItemIcon(icon); }));
+    cancellables_.push_back(settingsManager_.locationEnabled.subscribe([this](bool enabled) {
+        if (enabled) {
+            locationService_.locationManager().requestWhenInUseAuthorization();
+        }
+    }));
 }
 
 void AppDelegate::drawStatusItemIcon(MenuBarIcon icon) {

@@ -42,7 +42,10 @@ private:
     SettingsManager& settingsManager_;
     GammaController& gammaController_;
     BrightnessController& brightnessController_;
+    ColorTemperatureService& colorTemperatureService_;
     DisplayService& displayService_;
+    LocationService& locationService_;
+    ScheduleService& scheduleService_;
     ShortcutsManager& shortcutsManager_;
     UnifiedBrightnessApplier& brightnessApplier_;
     bool servicesStarted_ = false;

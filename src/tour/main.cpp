@@ -6,6 +6,7 @@
 #include "backends/virtual/VirtualDesktop.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -62,6 +63,7 @@ void visit(VirtualDesktop& desktop, SettingsManager& settings) {
 } // namespace
 
 int main() {
+    setenv("TZ", "UTC0", 1); // the same day everywhere
     VirtualDesktop desktop;
     desktop.displays.plug({.id = 1, .isBuiltIn = true, .isMain = true});
     desktop.displays.plug(

@@ -1,6 +1,8 @@
 #include "app/AppDelegate.h"
 
+#include "base/Calendar.h"
 #include "support/TestDesktop.h"
+#include "support/TimeZone.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +14,16 @@ namespace {
 using namespace std::chrono_literals;
 using Calls = std::vector<std::string>;
 
-class AppDelegateTest : public TestDesktop {};
+class AppDelegateTest : public TestDesktop {
+protected:
+    TimeZone zone{zone::utc}; // it is nine in the morning on the virtual desktop
+
+    /// The screen's colour does not follow the sun.
+    void SetUp() override {
+        settings().autoWarmthEnabled.set(false);
+        settings().warmthLevel.set(0);
+    }
+};
 
 TEST_F(AppDelegateTest, NothingIsShownOrWrittenBeforeLaunch) {
     plugBuiltIn();
@@ -31,26 +42,20 @@ TEST_F(AppDelegateTest, StartUpInOrder) {
     desktop.trace.clear();
     launch();
     // Dark by the lower half's rule alone, then backlight and faint glow.
-    EXPECT_EQ(calls(), (Calls{"statusItem",
-                              "setImage eye",
-                              "popover setContentSize 300 280",
-                              "popover setAnimates true",
-                              "getActiveDisplayList 0",
-                              "getActiveDisplayList 2",
-                              "getActiveDisplayList 0",
-                              "getActiveDisplayList 2",
-                              "getBrightness 1",
-                              "addGlobalMonitorForSystemDefinedEvents",
-                              "createKeyDownTap",
-                              "setDisplayTransferByTable 1 top 0.06 0.05979 0.05883",
-                              "setDisplayTransferByTable 2 top 0.06 0.05979 0.05883",
-                              "getActiveDisplayList 0",
-                              "getActiveDisplayList 2",
-                              "getActiveDisplayList 0",
-                              "getActiveDisplayList 2",
-                              "setBrightness 1 0.1",
-                              "setDisplayTransferByTable 1 top 0.1 0.09965 0.09806",
-                              "setDisplayTransferByTable 2 top 0.1 0.09965 0.09806"}));
+    EXPECT_EQ(
+        calls(),
+        (Calls{"statusItem", "setImage eye", "popover setContentSize 300 280",
+               "popover setAnimates true", "getActiveDisplayList 0", "getActiveDisplayList 2",
+               "getActiveDisplayList 0", "getActiveDisplayList 2", "getBrightness 1",
+               "addGlobalMonitorForSystemDefinedEvents", "createKeyDownTap",
+               "setDisplayTransferByTable 1 top 0.06 0.05979 0.05883",
+               "setDisplayTransferByTable 2 top 0.06 0.05979 0.05883", "getActiveDisplayList 0",
+               "getActiveDisplayList 2", "getActiveDisplayList 0", "getActiveDisplayList 2",
+               "setBrightness 1 0.1", "setDisplayTransferByTable 1 top 0.1 0.09965 0.09806",
+               "setDisplayTransferByTable 2 top 0.1 0.09965 0.09806",
+               // and then the stored warmth
+               "setDisplayTransferByTable 1 top 0.1 0.09965 0.09806",
+               "setDisplayTransferByTable 2 top 0.1 0.09965 0.09806"}));
 }
 
 TEST_F(AppDelegateTest, FirstWriteAtStartKnowsNoBacklightAndNoExternalRule) {
@@ -58,7 +63,7 @@ TEST_F(AppDelegateTest, FirstWriteAtStartKnowsNoBacklightAndNoExternalRule) {
     settings().unifiedBrightness.set(0.75);
     launch();
     const auto written = calls("setDisplayTransferByTable");
-    ASSERT_EQ(written.size(), 2U);
+    ASSERT_EQ(written.size(), 3U);
     EXPECT_TRUE(written[0].starts_with("setDisplayTransferByTable 2 top 1 "));
     EXPECT_TRUE(written[1].starts_with("setDisplayTransferByTable 2 top 0.75 "));
 }
@@ -198,6 +203,68 @@ TEST_F(AppDelegateTest, NoDisplayAtStartHarmsNothing) {
     EXPECT_FLOAT_EQ(shownDimming(external), 0.7F);
 }
 
+TEST_F(AppDelegateTest, StoredWarmthIsAppliedAtTheStartInManualMode) {
+    plugExternal();
+    settings().warmthLevel.set(0.5);
+    launch();
+    EXPECT_EQ(gamma().currentTemperature().at(external), 4600);
+    settings().warmthLevel.set(1);
+    EXPECT_EQ(gamma().currentTemperature().at(external), 2700);
+}
+
+TEST_F(AppDelegateTest, AutomaticWarmthStartsBeforeTheBrightnessIsApplied) {
+    plugExternal();
+    settings().autoWarmthEnabled.set(true);
+    settings().colorTemperatureDay.set(3000);
+    settings().unifiedBrightness.set(0.4);
+    launch();
+    const auto written = calls("setDisplayTransferByTable");
+    ASSERT_EQ(written.size(), 3U);
+    EXPECT_TRUE(written[0].starts_with("setDisplayTransferByTable 2 top 1 ")) << "not dimmed yet";
+    EXPECT_EQ(gamma().currentTemperature().at(external), 3000);
+    EXPECT_FLOAT_EQ(shownDimming(external), 0.6F);
+}
+
+TEST_F(AppDelegateTest, ScreenWarmsAtSunsetByItself) {
+    plugExternal();
+    settings().autoWarmthEnabled.set(true);
+    launch();
+    EXPECT_EQ(gamma().currentTemperature().at(external), 6500);
+    desktop.runLoop.advance(9h + 30min); // half past six, the middle of the span
+    EXPECT_EQ(gamma().currentTemperature().at(external), 4600);
+    desktop.runLoop.advance(1h);
+    EXPECT_EQ(gamma().currentTemperature().at(external), 2700);
+}
+
+TEST_F(AppDelegateTest, TurningLocationOnAsksTheUser) {
+    launch();
+    EXPECT_TRUE(calls("requestWhenInUseAuthorization").empty());
+    settings().locationEnabled.set(true);
+    EXPECT_TRUE(desktop.location.isAsking);
+    settings().locationEnabled.set(false);
+    EXPECT_EQ(calls("requestWhenInUseAuthorization").size(), 1U);
+}
+
+TEST_F(AppDelegateTest, GrantingLocationEnds) {
+    launch();
+    settings().locationEnabled.set(true);
+    desktop.location.answer(AuthorizationStatus::authorized);
+    EXPECT_TRUE(settings().locationEnabled.get());
+    EXPECT_FALSE(desktop.location.isAsking);
+    EXPECT_EQ(calls("startUpdatingLocation").size(), 1U);
+    desktop.location.send(Location{52.52, 13.405});
+    EXPECT_FALSE(desktop.location.isUpdating);
+    EXPECT_EQ(Calendar::dayOf(*schedule().sunriseTime.get()),
+              Calendar::dayOf(desktop.runLoop.wallNow()));
+}
+
+TEST_F(AppDelegateTest, RefusingLocationTurnsTheSettingOff) {
+    launch();
+    settings().locationEnabled.set(true);
+    desktop.location.answer(AuthorizationStatus::denied);
+    EXPECT_FALSE(settings().locationEnabled.get());
+}
+
 TEST(SharedInstancesTest, SharedIsTheOneOfTheProgram) {
     VirtualDesktop desktop;
     SharedInstances instances(desktop.ports);
@@ -206,6 +273,9 @@ TEST(SharedInstancesTest, SharedIsTheOneOfTheProgram) {
     EXPECT_EQ(&GammaController::shared(), &instances.gammaController());
     EXPECT_EQ(&BrightnessController::shared(), &instances.brightnessController());
     EXPECT_EQ(&UnifiedBrightnessApplier::shared(), &instances.brightnessApplier());
+    EXPECT_EQ(&LocationService::shared(), &instances.locationService());
+    EXPECT_EQ(&ScheduleService::shared(), &instances.scheduleService());
+    EXPECT_EQ(&ColorTemperatureService::shared(), &instances.colorTemperatureService());
     EXPECT_EQ(&ShortcutsManager::shared(), &instances.shortcutsManager());
     EXPECT_EQ(&Profile::builtInProfiles(), &instances.builtInProfiles());
 }

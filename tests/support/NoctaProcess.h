@@ -29,7 +29,14 @@ protected:
     std::string settings = home.path() + "/.config/nocta/nocta.conf";
     std::unique_ptr<Process> nocta;
 
+    /// The screen's colour does not follow the sun.
+    static std::string neutralSettings(const std::string& more = {}) {
+        return "[General]\nautoWarmthEnabled=false\nwarmthLevel=0\n" + more;
+    }
+
     void SetUp() override {
+        std::filesystem::create_directories(home.path() + "/.config/nocta");
+        writeFile(settings, neutralSettings());
         if (GetParam() == XServer::Kind::xorgDummy) {
             server.plugSecondOutput();
         }
@@ -78,11 +85,13 @@ protected:
             crtcs, [&](xcb_randr_crtc_t crtc) { return client.ramp(crtc) == factory(); });
     }
 
-    static XClient::Ramp expected(double brightness) {
+    /// For temperatures up to 6600 K.
+    static XClient::Ramp expected(double brightness, double kelvin = 6500) {
         // The displays are external, so the tables alone serve the range, down to a faint glow.
         const auto height = 1 - std::min(0.9, 1 - brightness);
-        std::array const white = {1.0, (99.4708025861 * std::log(65.0) - 161.1195681661) / 255,
-                                  (138.5177312231 * std::log(55.0) - 305.0447927307) / 255};
+        std::array const white = {
+            1.0, (99.4708025861 * std::log(kelvin / 100) - 161.1195681661) / 255,
+            (138.5177312231 * std::log(kelvin / 100 - 10) - 305.0447927307) / 255};
         auto ramp = factory();
         for (std::size_t channel = 0; channel < 3; ++channel) {
             const auto calibrated = factory()[channel];

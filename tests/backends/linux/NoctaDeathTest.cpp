@@ -29,7 +29,7 @@ TEST_P(NoctaDeathTest, DeathGivesTheScreenBackTooAndARestartKnowsTheFactoryRamp)
     startAndWaitFor(0.75);
     client.press(brightnessDownSymbol);
     ASSERT_TRUE(waitForBrightness(0.6875));
-    writeFile(settings, "[General]\nunifiedBrightness=0.4\n");
+    writeFile(settings, neutralSettings("unifiedBrightness=0.4\n"));
     nocta->signal(SIGKILL);
     startAndWaitFor(0.4); // at once, while the guardian of the dead one may still be at work
     nocta->signal(SIGTERM);

@@ -22,7 +22,7 @@ TEST_P(NoctaProcessTest, KeysDimTheScreenBySixteenthsAndTheSettingFollows) {
     ASSERT_TRUE(waitForBrightness(0.0625)); // shows like 0: the faint glow
     client.press(brightnessUpSymbol);
     ASSERT_TRUE(waitForBrightness(0.125));
-    EXPECT_EQ(contentOf(settings), "[General]\nunifiedBrightness=0.125\n");
+    EXPECT_EQ(contentOf(settings), neutralSettings("unifiedBrightness=0.125\n"));
 }
 
 TEST_P(NoctaProcessTest, SecondStartShowsThePopoverOfTheFirstAndEnds) {
@@ -65,7 +65,7 @@ TEST_P(NoctaProcessTest, StartWhileTheLastOneEndsTakesItsPlace) {
     client.press(brightnessDownSymbol); // makes the settings file
     ASSERT_TRUE(waitForBrightness(0.6875));
     for (const auto* const brightness : {"0.4", "0.5", "0.4", "0.5"}) {
-        writeFile(settings, "[General]\nunifiedBrightness=" + std::string(brightness) + "\n");
+        writeFile(settings, neutralSettings("unifiedBrightness=" + std::string(brightness) + "\n"));
         const auto last = std::move(nocta);
         last->signal(SIGTERM);
         start();
@@ -109,27 +109,33 @@ TEST_P(NoctaProcessTest, ScreenNumberInTheDisplaysNameMakesNoSecondNocta) {
 }
 
 TEST_P(NoctaProcessTest, StoredBrightnessIsShownAtTheStart) {
-    std::filesystem::create_directories(home.path() + "/.config/nocta");
-    writeFile(settings, "[General]\nunifiedBrightness=0.4\n");
+    writeFile(settings, neutralSettings("unifiedBrightness=0.4\n"));
     startAndWaitFor(0.4);
 }
 
-TEST_P(NoctaProcessTest, DamagedSettingsAreMovedAsideAndTheDefaultsShown) {
-    std::filesystem::create_directories(home.path() + "/.config/nocta");
-    writeFile(settings, "no settings at all");
+TEST_P(NoctaProcessTest, WarmthIsLaidUnderTheCalibrationToo) {
+    writeFile(settings, "[General]\nautoWarmthEnabled=false\nwarmthLevel=1\n");
+    start();
+    const auto warm = expected(0.75, 2700);
+    EXPECT_TRUE(waitUntil([&] { return isClose(client.ramp(client.activeCrtcs().at(0)), warm); }))
+        << contentOf(output);
+}
+
+TEST_P(NoctaProcessTest, DamagedSettingsAreMovedAsideAndWhatCanBeReadCounts) {
+    writeFile(settings, neutralSettings("no settings at all"));
     startAndWaitFor(0.75);
     client.press(brightnessDownSymbol);
     ASSERT_TRUE(waitForBrightness(0.6875));
-    EXPECT_EQ(contentOf(settings + ".damaged"), "no settings at all");
-    EXPECT_EQ(contentOf(settings), "[General]\nunifiedBrightness=0.6875\n");
+    EXPECT_EQ(contentOf(settings + ".damaged"), neutralSettings("no settings at all"));
+    EXPECT_EQ(contentOf(settings), neutralSettings("unifiedBrightness=0.6875\n"));
 }
 
 TEST_P(NoctaProcessTest, SettingsFromWhichNothingFollowsHarmNothing) {
-    std::filesystem::create_directories(home.path() + "/.config/nocta");
     for (const auto* const value : {"1e308", "-1e308", "nan", "moon", "99999999999999999999"}) {
-        writeFile(settings, "[General]\nunifiedBrightness=" + std::string(value) +
-                                "\nbreakIntervalMinutes=9223372036854775807\n"
-                                "colorTemperatureDay=-9223372036854775808\nmenuBarIcon=7\n");
+        writeFile(settings,
+                  neutralSettings("unifiedBrightness=" + std::string(value) +
+                                  "\nbreakIntervalMinutes=9223372036854775807\n"
+                                  "colorTemperatureDay=-9223372036854775808\nmenuBarIcon=7\n"));
         const auto shown =
             std::string(value) == "1e308" || std::string(value) == "99999999999999999999" ? 1.0
                                                                                           : 0.0;
