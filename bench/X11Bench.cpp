@@ -61,6 +61,8 @@ void sliderToServer(benchmark::State& state) {
                   .backlight = desktop.displays,
                   .keyEvents = desktop.keyboard,
                   .locationManager = desktop.location,
+                  .dynamicLibraries = desktop.filter,
+                  .displayFilter = desktop.filter,
                   .statusBar = desktop.statusBar,
                   .popover = desktop.popover,
                   .application = desktop.application};

@@ -13,7 +13,7 @@ namespace {
 using Rooms = std::set<std::string>;
 
 // Which room may include which besides itself.
-const Rooms services = {"settings", "display", "color", "system"};
+const Rooms services = {"settings", "display", "color", "grayscale", "system"};
 
 Rooms with(Rooms rooms, const Rooms& more) {
     rooms.insert(more.begin(), more.end());
@@ -26,6 +26,7 @@ const std::map<std::string, Rooms> allowed = {
     {"settings", with(services, {"base", "platform"})},
     {"display", with(services, {"base", "platform"})},
     {"color", with(services, {"base", "platform"})},
+    {"grayscale", with(services, {"base", "platform"})},
     {"system", with(services, {"base", "platform"})},
     {"app", with(services, {"base", "platform"})},
     {"ui", with(services, {"base", "platform", "app"})},

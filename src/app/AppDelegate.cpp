@@ -12,6 +12,7 @@ AppDelegate::AppDelegate(SharedInstances& instances, Views& views)
     : desktop_(instances.desktop()), views_(views), settingsManager_(instances.settingsManager()),
       gammaController_(instances.gammaController()),
       brightnessController_(instances.brightnessController()),
+      grayscaleService_(instances.grayscaleService()),
       colorTemperatureService_(instances.colorTemperatureService()),
       displayService_(instances.displayService()), locationService_(instances.locationService()),
       scheduleService_(instances.scheduleService()),
@@ -85,6 +86,9 @@ void AppDelegate::startServices() {
     if (!settingsManager_.autoWarmthEnabled.get()) {
         colorTemperatureService_.setWarmth(settingsManager_.warmthLevel.get());
     }
+    if (settingsManager_.grayscaleEnabled.get()) {
+        grayscaleService_.enable();
+    }
 
     subscribeToSettings();
 }
@@ -92,6 +96,8 @@ void AppDelegate::startServices() {
 void AppDelegate::subscribeToSettings() {
     cancellables_.push_back(settingsManager_.unifiedBrightness.subscribe(
         [this](double brightness) { brightnessApplier_.apply(brightness); }));
+    cancellables_.push_back(settingsManager_.grayscaleEnabled.subscribe(
+        [this](bool on) { grayscaleService_.setGrayscale(on); }));
     cancellables_.push_back(settingsManager_.menuBarIcon.subscribe(
         [this](MenuBarIcon icon) { drawStatusItemIcon(icon); }));
     cancellables_.push_back(settingsManager_.locationEnabled.subscribe([this](bool enabled) {

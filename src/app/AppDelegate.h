@@ -42,6 +42,7 @@ private:
     SettingsManager& settingsManager_;
     GammaController& gammaController_;
     BrightnessController& brightnessController_;
+    GrayscaleService& grayscaleService_;
     ColorTemperatureService& colorTemperatureService_;
     DisplayService& displayService_;
     LocationService& locationService_;

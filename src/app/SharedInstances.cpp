@@ -59,6 +59,11 @@ UnifiedBrightnessApplier& SharedInstances::brightnessApplier() {
                 displayService(), desktop_.backlight);
 }
 
+GrayscaleService& SharedInstances::grayscaleService() {
+    return made(grayscaleService_, gammaController(), desktop_.dynamicLibraries,
+                desktop_.displayFilter, desktop_.runLoop);
+}
+
 LocationService& SharedInstances::locationService() {
     return made(locationService_, desktop_.locationManager, settingsManager());
 }
@@ -98,6 +103,10 @@ BrightnessController& BrightnessController::shared() {
 
 UnifiedBrightnessApplier& UnifiedBrightnessApplier::shared() {
     return instances().brightnessApplier();
+}
+
+GrayscaleService& GrayscaleService::shared() {
+    return instances().grayscaleService();
 }
 
 LocationService& LocationService::shared() {

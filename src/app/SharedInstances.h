@@ -7,6 +7,7 @@
 #include "display/DisplayService.h"
 #include "display/GammaController.h"
 #include "display/UnifiedBrightnessApplier.h"
+#include "grayscale/GrayscaleService.h"
 #include "platform/Desktop.h"
 #include "settings/Profile.h"
 #include "settings/SettingsManager.h"
@@ -34,6 +35,7 @@ public:
     GammaController& gammaController();
     BrightnessController& brightnessController();
     UnifiedBrightnessApplier& brightnessApplier();
+    GrayscaleService& grayscaleService();
     LocationService& locationService();
     ScheduleService& scheduleService();
     ColorTemperatureService& colorTemperatureService();
@@ -49,6 +51,7 @@ private:
     std::optional<GammaController> gammaController_;
     std::optional<BrightnessController> brightnessController_;
     std::optional<UnifiedBrightnessApplier> brightnessApplier_;
+    std::optional<GrayscaleService> grayscaleService_;
     std::optional<LocationService> locationService_;
     std::optional<ScheduleService> scheduleService_;
     std::optional<ColorTemperatureService> colorTemperatureService_;

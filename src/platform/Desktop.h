@@ -5,7 +5,9 @@
 #include "platform/Application.h"
 #include "platform/Backlight.h"
 #include "platform/DefaultsStore.h"
+#include "platform/DisplayFilter.h"
 #include "platform/Displays.h"
+#include "platform/DynamicLibraries.h"
 #include "platform/GammaOutput.h"
 #include "platform/KeyEvents.h"
 #include "platform/LocationManager.h"
@@ -29,6 +31,8 @@ struct Desktop {
     Backlight& backlight;
     KeyEvents& keyEvents;
     LocationManager& locationManager;
+    DynamicLibraries& dynamicLibraries;
+    DisplayFilter& displayFilter;
     StatusBar& statusBar;
     Popover& popover;
     Application& application;

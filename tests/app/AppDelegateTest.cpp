@@ -236,6 +236,21 @@ TEST_F(AppDelegateTest, ScreenWarmsAtSunsetByItself) {
     EXPECT_EQ(gamma().currentTemperature().at(external), 2700);
 }
 
+TEST_F(AppDelegateTest, StoredGrayscaleIsSwitchedOnAtTheStartWithoutAFade) {
+    plugExternal();
+    settings().grayscaleEnabled.set(true);
+    launch();
+    EXPECT_TRUE(desktop.filter.isOn);
+    EXPECT_TRUE(gamma().currentSaturation().empty());
+    settings().grayscaleEnabled.set(false);
+    EXPECT_FALSE(desktop.filter.isOn);
+    EXPECT_EQ(gamma().currentSaturation().at(external), 0.0F);
+    settings().grayscaleEnabled.set(true);
+    EXPECT_FALSE(desktop.filter.isOn) << "after the fade";
+    desktop.runLoop.advance(300ms);
+    EXPECT_TRUE(desktop.filter.isOn);
+}
+
 TEST_F(AppDelegateTest, TurningLocationOnAsksTheUser) {
     launch();
     EXPECT_TRUE(calls("requestWhenInUseAuthorization").empty());
@@ -273,6 +288,7 @@ TEST(SharedInstancesTest, SharedIsTheOneOfTheProgram) {
     EXPECT_EQ(&GammaController::shared(), &instances.gammaController());
     EXPECT_EQ(&BrightnessController::shared(), &instances.brightnessController());
     EXPECT_EQ(&UnifiedBrightnessApplier::shared(), &instances.brightnessApplier());
+    EXPECT_EQ(&GrayscaleService::shared(), &instances.grayscaleService());
     EXPECT_EQ(&LocationService::shared(), &instances.locationService());
     EXPECT_EQ(&ScheduleService::shared(), &instances.scheduleService());
     EXPECT_EQ(&ColorTemperatureService::shared(), &instances.colorTemperatureService());

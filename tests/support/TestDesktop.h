@@ -61,6 +61,7 @@ protected:
     GammaController& gamma() { return instances().gammaController(); }
     BrightnessController& brightness() { return instances().brightnessController(); }
     UnifiedBrightnessApplier& applier() { return instances().brightnessApplier(); }
+    GrayscaleService& grayscale() { return instances().grayscaleService(); }
     LocationService& location() { return instances().locationService(); }
     ScheduleService& schedule() { return instances().scheduleService(); }
     ColorTemperatureService& colorTemperature() { return instances().colorTemperatureService(); }

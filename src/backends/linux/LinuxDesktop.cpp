@@ -154,6 +154,8 @@ private:
     DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_);
     SysfsBacklight backlight_{*server_.displays, setBrightnessThroughLogind};
     UnavailableLocationManager locationManager_;
+    UnavailableDynamicLibraries dynamicLibraries_;
+    UnavailableDisplayFilter displayFilter_;
     SystemTray tray_{server_.connection.get()};
     QtStatusBar statusBar_{tray_};
     QtPopover popover_;
@@ -169,6 +171,8 @@ public:
                   .backlight = backlight_,
                   .keyEvents = *server_.keyEvents,
                   .locationManager = locationManager_,
+                  .dynamicLibraries = dynamicLibraries_,
+                  .displayFilter = displayFilter_,
                   .statusBar = statusBar_,
                   .popover = popover_,
                   .application = application_};

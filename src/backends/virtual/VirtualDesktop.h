@@ -3,6 +3,7 @@
 #include "backends/virtual/MemoryDefaultsStore.h"
 #include "backends/virtual/Trace.h"
 #include "backends/virtual/VirtualDisplays.h"
+#include "backends/virtual/VirtualFilter.h"
 #include "backends/virtual/VirtualKeyboard.h"
 #include "backends/virtual/VirtualLocation.h"
 #include "backends/virtual/VirtualRunLoop.h"
@@ -29,6 +30,7 @@ public:
     VirtualDisplays displays{trace, notificationCenter};
     VirtualKeyboard keyboard{trace};
     VirtualLocation location{trace};
+    VirtualFilter filter{trace};
     VirtualStatusBar statusBar{trace};
     VirtualPopover popover{trace};
     VirtualApplication application{runLoop};
@@ -42,6 +44,8 @@ public:
                   .backlight = displays,
                   .keyEvents = keyboard,
                   .locationManager = location,
+                  .dynamicLibraries = filter,
+                  .displayFilter = filter,
                   .statusBar = statusBar,
                   .popover = popover,
                   .application = application};

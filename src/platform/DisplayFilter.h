@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+namespace nocta {
+
+/// The desktop's accessibility filters over the whole screen, by category and type. Category 1 is
+/// colour, and its type 1 is grayscale. Stands for the MADisplayFilterPref functions.
+class DisplayFilter {
+public:
+    virtual ~DisplayFilter() = default;
+
+    virtual void setType(std::int32_t category, std::int32_t type) = 0;
+    virtual void setCategoryEnabled(std::int32_t category, bool enabled) = 0;
+    virtual std::int32_t getType(std::int32_t category) = 0;
+    virtual bool getCategoryEnabled(std::int32_t category) = 0;
+};
+
+} // namespace nocta
