@@ -32,6 +32,23 @@ std::optional<double> progress(WallTime now, WallTime event) {
     return std::chrono::duration<double>(now - start) / std::chrono::duration<double>(end - start);
 }
 
+SunPosition positionAt(WallTime now, std::optional<WallTime> sunrise,
+                       std::optional<WallTime> sunset) {
+    if (!sunrise || !sunset) {
+        return Day{};
+    }
+    if (now < *sunrise - transitionHalfWidth || now > *sunset + transitionHalfWidth) {
+        return Night{};
+    }
+    if (const auto rising = progress(now, *sunrise)) {
+        return Sunrise{*rising};
+    }
+    if (const auto setting = progress(now, *sunset)) {
+        return Sunset{*setting};
+    }
+    return Day{};
+}
+
 } // namespace
 
 ScheduleService::ScheduleService(LocationService& locationService, RunLoop& runLoop)
@@ -89,19 +106,7 @@ void ScheduleService::updateSunPosition() {
         refreshLocation();
     }
 
-    const auto& sunrise = sunriseTime.get();
-    const auto& sunset = sunsetTime.get();
-    if (!sunrise || !sunset) {
-        currentSunPosition.set(Day{});
-    } else if (now < *sunrise - transitionHalfWidth || now > *sunset + transitionHalfWidth) {
-        currentSunPosition.set(Night{});
-    } else if (const auto rising = progress(now, *sunrise)) {
-        currentSunPosition.set(Sunrise{*rising});
-    } else if (const auto setting = progress(now, *sunset)) {
-        currentSunPosition.set(Sunset{*setting});
-    } else {
-        currentSunPosition.set(Day{});
-    }
+    currentSunPosition.set(positionAt(now, sunriseTime.get(), sunsetTime.get()));
 }
 
 void ScheduleService::refreshLocation() {

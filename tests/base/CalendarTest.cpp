@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-WallTime utc(int year, unsigned month, unsigned day, std::chrono::minutes time = 0min) {
+WallTime utc(int year, int month, int day, std::chrono::minutes time = 0min) {
     return WallTime(std::chrono::sys_days(std::chrono::year(year) / month / day)) + time;
 }
 

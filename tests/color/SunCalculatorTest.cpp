@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-WallTime utc(int year, unsigned month, unsigned day, std::chrono::minutes time = 0min) {
+WallTime utc(int year, int month, int day, std::chrono::minutes time = 0min) {
     return WallTime(std::chrono::sys_days(std::chrono::year(year) / month / day)) + time;
 }
 
@@ -90,11 +90,9 @@ TEST(SunCalculator, AgreesWithAnIndependentComputationInEveryZone) {
             ASSERT_EQ(Calendar::dayOf(times.sunset), Calendar::dayOf(date));
 
             const auto day = Calendar::dayOf(date);
-            const auto dayOfYear = std::chrono::sys_days(std::chrono::year(day.year) /
-                                                         static_cast<unsigned>(day.month) /
-                                                         static_cast<unsigned>(day.day)) -
-                                   std::chrono::sys_days(std::chrono::year(day.year) / 1 / 1) +
-                                   std::chrono::days(1);
+            const auto dayOfYear =
+                std::chrono::sys_days(std::chrono::year(day.year) / day.month / day.day) -
+                std::chrono::sys_days(std::chrono::year(day.year) / 1 / 1) + std::chrono::days(1);
             const auto offset =
                 std::chrono::duration<long double, std::ratio<3600>>(Calendar::offsetFromGMT(now));
             const auto expected = Independent::times(static_cast<int>(dayOfYear.count()), latitude,

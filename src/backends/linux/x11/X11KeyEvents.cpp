@@ -3,9 +3,17 @@
 #include <xcb/xcb_keysyms.h>
 #include <xcb/xinput.h>
 
-#define explicit explicit_ // a field of this header of C
+// A header of C with a field that is called `explicit`.
+#ifdef __clang__
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wkeyword-macro"
+#endif
+#define explicit explicit_
 #include <xcb/xkb.h>
 #undef explicit
+#ifdef __clang__
+#pragma clang diagnostic pop
+#endif
 
 #include <algorithm>
 #include <chrono>
