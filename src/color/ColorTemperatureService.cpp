@@ -92,19 +92,12 @@ std::int64_t ColorTemperatureService::automaticTemperature() const {
 void ColorTemperatureService::animateTo(std::int64_t kelvin, std::function<void()> completion) {
     const auto start = currentTemperature.get();
     const auto way = static_cast<double>(checkedDifference(kelvin, start));
-    animationTimer_.start(
-        runLoop_, animationInterval, Repeat::yes,
-        [this, start, way, step = 0, completion = std::move(completion)]() mutable {
-            ++step;
+    animation_.start(
+        runLoop_, animationSteps, animationInterval,
+        [this, start, way](int step) {
             show(checkedSum(start, truncated(static_cast<double>(step) / animationSteps * way)));
-            if (step == animationSteps) {
-                const auto finish = std::move(completion); // the timer takes its action along
-                animationTimer_.invalidate();
-                if (finish) {
-                    finish();
-                }
-            }
-        });
+        },
+        std::move(completion));
 }
 
 void ColorTemperatureService::show(std::int64_t kelvin) {

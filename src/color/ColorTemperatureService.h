@@ -2,6 +2,7 @@
 
 #include "base/Published.h"
 #include "base/RunLoop.h"
+#include "base/SteppedAnimation.h"
 #include "base/Timer.h"
 #include "color/ScheduleService.h"
 #include "display/GammaController.h"
@@ -49,7 +50,7 @@ private:
     ScheduleService& scheduleService_;
     RunLoop& runLoop_;
     Timer updateTimer_;
-    Timer animationTimer_;
+    SteppedAnimation animation_;
     Cancellables cancellables_;
 };
 

@@ -73,22 +73,14 @@ void GrayscaleService::switchFilterOff() {
 }
 
 void GrayscaleService::animateSaturation(float from, float to, std::function<void()> completion) {
-    animationTimer_.invalidate();
     gammaController_.setSaturation(from);
-    animationTimer_.start(
-        runLoop_, animationInterval, Repeat::yes,
-        [this, from, to, step = 0, completion = std::move(completion)]() mutable {
-            ++step;
+    animation_.start(
+        runLoop_, animationSteps, animationInterval,
+        [this, from, to](int step) {
             gammaController_.setSaturation(
                 from + (to - from) * (static_cast<float>(step) / float{animationSteps}));
-            if (step >= animationSteps) {
-                const auto finish = std::move(completion); // the timer takes its action along
-                animationTimer_.invalidate();
-                if (finish) {
-                    finish();
-                }
-            }
-        });
+        },
+        std::move(completion));
 }
 
 } // namespace nocta

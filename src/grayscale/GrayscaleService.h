@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/RunLoop.h"
-#include "base/Timer.h"
+#include "base/SteppedAnimation.h"
 #include "display/GammaController.h"
 #include "platform/DisplayFilter.h"
 #include "platform/DynamicLibraries.h"
@@ -45,7 +45,7 @@ private:
     GammaController& gammaController_;
     DisplayFilter& filter_;
     RunLoop& runLoop_;
-    Timer animationTimer_;
+    SteppedAnimation animation_;
 };
 
 } // namespace nocta

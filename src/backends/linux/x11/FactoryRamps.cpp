@@ -1,7 +1,7 @@
 #include "backends/linux/x11/FactoryRamps.h"
 
-#include <cstdlib>
-#include <memory>
+#include "backends/linux/x11/XcbReply.h"
+
 #include <span>
 #include <string_view>
 
@@ -18,14 +18,8 @@ constexpr std::size_t headerLength = 3;
 /// In 32-bit units: more than all the CRTCs of a server can need.
 constexpr std::uint32_t longestProperty = 1U << 22;
 
-struct FreeDeleter {
-    void operator()(void* memory) const { std::free(memory); }
-};
-template <class Reply>
-using Owned = std::unique_ptr<Reply, FreeDeleter>;
-
 xcb_atom_t property(xcb_connection_t* connection) {
-    const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
         connection, xcb_intern_atom(connection, 0, propertyName.size(), propertyName.data()),
         nullptr));
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
@@ -34,7 +28,7 @@ xcb_atom_t property(xcb_connection_t* connection) {
 } // namespace
 
 FactoryRamps readFactoryRamps(xcb_connection_t* connection, xcb_window_t root) {
-    const Owned<xcb_get_property_reply_t> reply(
+    const XcbReply<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(connection,
                                xcb_get_property(connection, 0, root, property(connection),
                                                 XCB_ATOM_CARDINAL, 0, longestProperty),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "backends/linux/x11/XcbReply.h"
 #include "base/CallbackList.h"
 #include "base/Deferred.h"
 #include "base/RunLoop.h"
@@ -7,19 +8,11 @@
 #include <QSocketNotifier>
 #include <xcb/xcb.h>
 
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <string_view>
 
 namespace nocta {
-
-/// Releases what xcb handed out.
-struct FreeDeleter {
-    void operator()(void* memory) const { std::free(memory); }
-};
-template <class Reply>
-using XcbReply = std::unique_ptr<Reply, FreeDeleter>;
 
 /// Nocta's own connection to the X server, apart from the toolkit's. Requests are gathered and
 /// flushed once at the end of the run-loop turn; errors that the server reports later are absorbed.
