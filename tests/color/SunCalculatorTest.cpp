@@ -1,6 +1,7 @@
 #include "color/SunCalculator.h"
 
 #include "base/Calendar.h"
+#include "support/IndependentSun.h"
 #include "support/TimeZone.h"
 
 #include <gtest/gtest.h>
@@ -32,43 +33,6 @@ std::chrono::minutes clockTime(WallTime instant) {
     return std::chrono::hours(local.tm_hour) + std::chrono::minutes(local.tm_min);
 }
 
-/// The same steps written once more, in long double and with remainders for normalising: minutes
-/// after midnight, or none in a polar day or night.
-struct Independent {
-    long double sunrise = 0;
-    long double sunset = 0;
-
-    static std::optional<Independent> times(int dayOfYear, long double latitude,
-                                            long double longitude, long double offsetHours) {
-        constexpr auto pi = 3.141592653589793238L;
-        const auto wrapped = [](long double value, long double limit) {
-            const auto rest = std::fmod(value, limit);
-            return rest < 0 ? rest + limit : rest;
-        };
-        const auto t = dayOfYear + (12 - longitude / 15) / 24;
-        const auto m = (0.9856L * t - 3.289L) * pi / 180;
-        const auto l =
-            wrapped(m * 180 / pi + 1.916L * std::sin(m) + 0.020L * std::sin(2 * m) + 282.634L, 360);
-        const auto lRadians = l * pi / 180;
-        // The angle with both coordinates lies in the quadrant of the longitude by itself.
-        const auto ra =
-            wrapped(std::atan2(0.91764L * std::sin(lRadians), std::cos(lRadians)) * 180 / pi, 360);
-        const auto declination = std::asin(0.39782L * std::sin(lRadians));
-        const auto phi = latitude * pi / 180;
-        const auto cosH = (-0.01453808050249674L - std::sin(declination) * std::sin(phi)) /
-                          (std::cos(declination) * std::cos(phi));
-        if (std::abs(cosH) > 1) {
-            return std::nullopt;
-        }
-        const auto h = std::acos(cosH) * 180 / pi;
-        const auto minutes = [&](long double angle) {
-            const auto local = angle / 15 + ra / 15 - 0.06571L * t - 6.622L - longitude / 15;
-            return wrapped(wrapped(local, 24) + offsetHours, 24) * 60;
-        };
-        return Independent{minutes(360 - h), minutes(h)};
-    }
-};
-
 TEST(SunCalculator, AgreesWithAnIndependentComputationInEveryZone) {
     std::mt19937 random(1);
     std::uniform_int_distribution days(0, 365 * 12);
@@ -95,8 +59,8 @@ TEST(SunCalculator, AgreesWithAnIndependentComputationInEveryZone) {
                 std::chrono::sys_days(std::chrono::year(day.year) / 1 / 1) + std::chrono::days(1);
             const auto offset =
                 std::chrono::duration<long double, std::ratio<3600>>(Calendar::offsetFromGMT(now));
-            const auto expected = Independent::times(static_cast<int>(dayOfYear.count()), latitude,
-                                                     longitude, offset.count());
+            const auto expected = IndependentSun::times(static_cast<int>(dayOfYear.count()),
+                                                        latitude, longitude, offset.count());
             if (!expected) {
                 ++polar;
                 ASSERT_EQ(clockTime(times.sunrise), 6h);

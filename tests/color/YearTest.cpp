@@ -1,4 +1,5 @@
 #include "base/Calendar.h"
+#include "support/IndependentSun.h"
 #include "support/TestDesktop.h"
 #include "support/TimeZone.h"
 
@@ -6,8 +7,9 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstdint>
+#include <ctime>
 #include <string>
-#include <vector>
 
 // A simulated year, minute by minute: every position and temperature that is published, against a
 // computation of its own.
@@ -34,19 +36,62 @@ INSTANTIATE_TEST_SUITE_P(Places, YearTest,
                                            Place{"AntarcticCircle", {-66.6, 15.0}}),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-/// Kelvin by whole seconds since the starts of the two spans, in integers.
-std::int64_t expectedTemperature(std::int64_t sinceSunriseSpan, std::int64_t sinceSunsetSpan) {
-    constexpr std::int64_t day = 6500;
-    constexpr std::int64_t night = 2700;
-    constexpr std::int64_t span = 1800;
-    if (sinceSunriseSpan < 0 || sinceSunsetSpan > span) {
-        return night;
+/// The two spans of a day and what follows from them, in whole seconds since the epoch.
+struct SunDay {
+    std::int64_t sunrise = 0;
+    std::int64_t sunset = 0;
+
+    static constexpr std::int64_t halfSpan = 900;
+    static constexpr std::int64_t span = 2 * halfSpan;
+
+    /// Of the local day and the offset of an instant.
+    static SunDay of(std::int64_t now, Location place) {
+        const auto time = static_cast<std::time_t>(now);
+        std::tm local{};
+        localtime_r(&time, &local);
+        const auto offset = static_cast<long double>(local.tm_gmtoff) / 3600;
+        const auto sun =
+            IndependentSun::times(local.tm_yday + 1, place.latitude, place.longitude, offset);
+        const auto at = [&](long double minutes) {
+            auto clock = local;
+            clock.tm_hour = 0;
+            clock.tm_min = static_cast<int>(std::floor(minutes));
+            clock.tm_sec = 0;
+            clock.tm_isdst = -1;
+            return std::int64_t{std::mktime(&clock)};
+        };
+        return {at(sun ? sun->sunrise : 6 * 60), at(sun ? sun->sunset : 18 * 60)};
     }
-    if (sinceSunriseSpan <= span) {
-        return night + (day - night) * sinceSunriseSpan / span;
+
+    SunPosition positionAt(std::int64_t now) const {
+        const auto sinceSunrise = now - (sunrise - halfSpan);
+        const auto sinceSunset = now - (sunset - halfSpan);
+        if (sinceSunrise < 0 || sinceSunset > span) {
+            return Night{};
+        }
+        if (sinceSunrise <= span) {
+            return Sunrise{static_cast<double>(sinceSunrise) / span};
+        }
+        if (sinceSunset >= 0) {
+            return Sunset{static_cast<double>(sinceSunset) / span};
+        }
+        return Day{};
     }
-    return sinceSunsetSpan < 0 ? day : day - (day - night) * sinceSunsetSpan / span;
-}
+
+    std::int64_t temperatureAt(std::int64_t now) const {
+        constexpr std::int64_t day = 6500;
+        constexpr std::int64_t night = 2700;
+        const auto sinceSunrise = now - (sunrise - halfSpan);
+        const auto sinceSunset = now - (sunset - halfSpan);
+        if (sinceSunrise < 0 || sinceSunset > span) {
+            return night;
+        }
+        if (sinceSunrise <= span) {
+            return night + (day - night) * sinceSunrise / span;
+        }
+        return sinceSunset < 0 ? day : day - (day - night) * sinceSunset / span;
+    }
+};
 
 TEST_P(YearTest, EveryMinuteAgreesWithAnIndependentComputation) {
     plugExternal();
@@ -54,30 +99,36 @@ TEST_P(YearTest, EveryMinuteAgreesWithAnIndependentComputation) {
     launch();
     desktop.location.send(GetParam().location);
 
-    int glides = 0;
-    for (int minute = 0; minute < 365 * 24 * 60; ++minute) {
-        desktop.runLoop.advance(60s);
-        const auto now = desktop.runLoop.wallNow();
-        const auto times = SunCalculator::calculate(now, GetParam().location.latitude,
-                                                    GetParam().location.longitude, now);
-        const auto sunrise = *schedule().sunriseTime.get();
-        const auto sunset = *schedule().sunsetTime.get();
-        // The times are those of the day, with the zone's offset when it began.
-        ASSERT_EQ(Calendar::dayOf(sunrise), Calendar::dayOf(now));
-        ASSERT_LE(std::chrono::abs(sunrise - times.sunrise), 1h);
-        ASSERT_LE(std::chrono::abs(sunset - times.sunset), 1h);
+    SunDay day;
+    CalendarDay date;
+    int published = 0;
+    const auto nowInSeconds = [&] {
+        return std::chrono::duration_cast<std::chrono::seconds>(
+                   desktop.runLoop.wallNow().time_since_epoch())
+            .count();
+    };
+    const auto watch = schedule().currentSunPosition.subscribe([&](const SunPosition& position) {
+        ++published;
+        // A new day is noticed by the first update in it, with the zone's offset of that moment.
+        if (const auto today = Calendar::dayOf(desktop.runLoop.wallNow()); today != date) {
+            date = today;
+            day = SunDay::of(nowInSeconds(), GetParam().location);
+        }
+        ASSERT_EQ(position, day.positionAt(nowInSeconds()));
+    });
 
-        const auto since = [&](WallTime event) {
-            return std::chrono::duration_cast<std::chrono::seconds>(now - (event - 15min)).count();
-        };
-        const auto expected = expectedTemperature(since(sunrise), since(sunset));
+    constexpr int minutes = 365 * 24 * 60;
+    int glides = 0;
+    for (int minute = 0; minute < minutes && !HasFatalFailure(); ++minute) {
+        desktop.runLoop.advance(60s);
         const auto shown = colorTemperature().currentTemperature.get();
         // The product of two fractions may fall a bit short of a whole kelvin.
-        ASSERT_LE(std::abs(shown - expected), 1) << minute;
+        ASSERT_LE(std::abs(shown - day.temperatureAt(nowInSeconds())), 1) << minute;
         ASSERT_EQ(gamma().currentTemperature().at(external), shown);
         glides += shown != 6500 && shown != 2700 ? 1 : 0;
         desktop.trace.clear();
     }
+    EXPECT_GE(published, minutes);
     EXPECT_GT(glides, 365 * 50);
 }
 

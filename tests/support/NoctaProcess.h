@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/Process.h"
+#include "support/WhitePoint.h"
 #include "support/XClient.h"
 #include "support/XServer.h"
 
@@ -85,13 +86,10 @@ protected:
             crtcs, [&](xcb_randr_crtc_t crtc) { return client.ramp(crtc) == factory(); });
     }
 
-    /// For temperatures up to 6600 K.
     static XClient::Ramp expected(double brightness, double kelvin = 6500) {
         // The displays are external, so the tables alone serve the range, down to a faint glow.
         const auto height = 1 - std::min(0.9, 1 - brightness);
-        std::array const white = {
-            1.0, (99.4708025861 * std::log(kelvin / 100) - 161.1195681661) / 255,
-            (138.5177312231 * std::log(kelvin / 100 - 10) - 305.0447927307) / 255};
+        const auto white = whitePoint(kelvin);
         auto ramp = factory();
         for (std::size_t channel = 0; channel < 3; ++channel) {
             const auto calibrated = factory()[channel];

@@ -53,9 +53,7 @@ protected:
         desktop.displays.plug({.id = id, .mode = DisplayMode{2560, 1440}});
     }
 
-    SharedInstances& instances() {
-        return instances_ ? *instances_ : instances_.emplace(desktop.ports);
-    }
+    SharedInstances& instances() { return instances_ ? *instances_ : instances_.emplace(ports()); }
     SettingsManager& settings() { return instances().settingsManager(); }
     DisplayService& displayService() { return instances().displayService(); }
     GammaController& gamma() { return instances().gammaController(); }
@@ -76,10 +74,15 @@ protected:
     /// The process goes and comes back; the defaults store and the displays stay.
     void restart() {
         quit();
-        delegate_.reset();
-        instances_.reset();
+        dropProgram();
         desktop.trace.clear();
         launch();
+    }
+
+    /// Before what it was given, where a fixture has put something real into it.
+    void dropProgram() {
+        delegate_.reset();
+        instances_.reset();
     }
 
     /// The dimming that a display's red table shows: red is not tinted at 6500 K.
@@ -95,6 +98,9 @@ protected:
 
     VirtualDesktop desktop;
     BlankViews views;
+
+    /// What the program is given: the virtual desktop, unless a fixture puts something real in it.
+    virtual Desktop& ports() { return desktop.ports; }
 
 private:
     std::optional<SharedInstances> instances_;

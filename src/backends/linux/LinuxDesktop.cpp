@@ -3,6 +3,7 @@
 #include "backends/linux/LibUuidSource.h"
 #include "backends/linux/SysfsBacklight.h"
 #include "backends/linux/Unavailable.h"
+#include "backends/linux/location/GeoClueLocationManager.h"
 #include "backends/linux/shell/QtApplication.h"
 #include "backends/linux/shell/QtPopover.h"
 #include "backends/linux/shell/QtRunLoop.h"
@@ -17,7 +18,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QStandardPaths>
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -38,14 +38,23 @@ std::string environment(const char* name) {
     return value == nullptr ? "" : value;
 }
 
+/// Nocta's folder in one of the user's base directories, which a variable may move. A relative one
+/// counts as none.
+std::filesystem::path folderIn(const char* variable, const char* usual) {
+    const auto chosen = std::filesystem::path(environment(variable));
+    const auto base = chosen.is_absolute()
+                          ? chosen
+                          : std::filesystem::path(QDir::homePath().toStdString()) / usual;
+    return base / "nocta";
+}
+
 std::filesystem::path defaultsFile() {
-    const auto configuration = std::filesystem::path(
-        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation).toStdString());
-    // A relative XDG_CONFIG_HOME counts as none.
-    const auto folder = configuration.is_absolute()
-                            ? configuration
-                            : std::filesystem::path(QDir::homePath().toStdString()) / ".config";
-    return folder / "nocta" / "nocta.conf";
+    return folderIn("XDG_CONFIG_HOME", ".config") / "nocta.conf";
+}
+
+/// What Nocta remembers that is no setting.
+std::filesystem::path stateFolder() {
+    return folderIn("XDG_STATE_HOME", ".local/state");
 }
 
 bool canConnectToX() {
@@ -153,7 +162,7 @@ private:
     LibUuidSource uuidSource_;
     DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_);
     SysfsBacklight backlight_{*server_.displays, setBrightnessThroughLogind};
-    UnavailableLocationManager locationManager_;
+    GeoClueLocationManager locationManager_{runLoop_, stateFolder() / "location-granted"};
     UnavailableDynamicLibraries dynamicLibraries_;
     UnavailableDisplayFilter displayFilter_;
     SystemTray tray_{server_.connection.get()};

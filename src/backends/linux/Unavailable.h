@@ -5,7 +5,6 @@
 #include "platform/DynamicLibraries.h"
 #include "platform/GammaOutput.h"
 #include "platform/KeyEvents.h"
-#include "platform/LocationManager.h"
 
 namespace nocta {
 
@@ -59,17 +58,6 @@ public:
     void setCategoryEnabled(std::int32_t /*category*/, bool /*enabled*/) override {}
     std::int32_t getType(std::int32_t /*category*/) override { return 0; }
     bool getCategoryEnabled(std::int32_t /*category*/) override { return false; }
-};
-
-class UnavailableLocationManager final : public LocationManager {
-public:
-    void setDelegate(LocationManagerDelegate* /*delegate*/) override {}
-    AuthorizationStatus authorizationStatus() const override {
-        return AuthorizationStatus::restricted;
-    }
-    void requestWhenInUseAuthorization() override {}
-    void startUpdatingLocation() override {}
-    void stopUpdatingLocation() override {}
 };
 
 } // namespace nocta

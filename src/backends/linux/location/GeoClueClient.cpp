@@ -1,0 +1,175 @@
+#include "backends/linux/location/GeoClueClient.h"
+
+#include "backends/linux/SystemBus.h"
+
+#include <QCoreApplication>
+#include <QDBusError>
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QVariantMap>
+
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+const auto serviceName = QStringLiteral("org.freedesktop.GeoClue2");
+const auto managerPath = QStringLiteral("/org/freedesktop/GeoClue2/Manager");
+const auto managerInterface = QStringLiteral("org.freedesktop.GeoClue2.Manager");
+const auto clientInterface = QStringLiteral("org.freedesktop.GeoClue2.Client");
+const auto locationInterface = QStringLiteral("org.freedesktop.GeoClue2.Location");
+const auto propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+
+const auto desktopId = QStringLiteral("nocta");
+constexpr auto cityAccuracy = 4U; // some kilometres; the sun's times change by seconds in them
+
+// Without someone who can ask the user the service does not answer at all.
+constexpr int answerTime = std::chrono::milliseconds(30s).count();
+// A person may think as long as they like.
+constexpr int userAnswerTime = std::numeric_limits<int>::max();
+
+} // namespace
+
+std::shared_ptr<GeoClueClient> GeoClueClient::create(Callbacks callbacks) {
+    const std::shared_ptr<GeoClueClient> client(new GeoClueClient(std::move(callbacks)));
+    client->open();
+    return client;
+}
+
+GeoClueClient::GeoClueClient(Callbacks callbacks)
+    : callbacks_(std::move(callbacks)), bus_(systemBus()) {
+    watcher_.setConnection(bus_);
+    watcher_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+    QObject::connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, [this] {
+        const auto alive = shared_from_this();
+        callbacks_.failed("the location service has gone");
+    });
+    moved_.setSingleShot(true);
+    QObject::connect(&moved_, &QTimer::timeout, [this] { readPlace(); });
+    busLost_.setSingleShot(true);
+    QObject::connect(&busLost_, &QTimer::timeout, [this] {
+        const auto alive = shared_from_this();
+        callbacks_.absent();
+    });
+    bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
+                 QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+                 &busLost_, SLOT(start()));
+}
+
+GeoClueClient::~GeoClueClient() {
+    if (!path_.isEmpty()) {
+        auto call = QDBusMessage::createMethodCall(service_, managerPath, managerInterface,
+                                                   QStringLiteral("DeleteClient"));
+        call << QVariant::fromValue(QDBusObjectPath(path_));
+        bus_.send(call);
+    }
+}
+
+void GeoClueClient::open() {
+    if (!bus_.isConnected()) {
+        busLost_.start();
+        return;
+    }
+    call(QDBusMessage::createMethodCall(serviceName, managerPath, managerInterface,
+                                        QStringLiteral("CreateClient")),
+         answerTime, [this](const QDBusMessage& answer) {
+             const QDBusPendingReply<QDBusObjectPath> path(answer);
+             if (path.isError()) {
+                 end(answer);
+                 return;
+             }
+             service_ = answer.service();
+             path_ = path.value().path();
+             start();
+         });
+}
+
+void GeoClueClient::start() {
+    watcher_.addWatchedService(service_);
+    bus_.connect(service_, path_, clientInterface, QStringLiteral("LocationUpdated"), &moved_,
+                 SLOT(start()));
+    const auto set = [this](const QString& property, const QVariant& value) {
+        auto message = QDBusMessage::createMethodCall(service_, path_, propertiesInterface,
+                                                      QStringLiteral("Set"));
+        message << clientInterface << property << QVariant::fromValue(QDBusVariant(value));
+        bus_.send(message);
+    };
+    set(QStringLiteral("DesktopId"), desktopId);
+    set(QStringLiteral("RequestedAccuracyLevel"), cityAccuracy);
+    call(QDBusMessage::createMethodCall(service_, path_, clientInterface, QStringLiteral("Start")),
+         userAnswerTime, [this](const QDBusMessage& answer) {
+             if (answer.type() == QDBusMessage::ErrorMessage) {
+                 end(answer);
+             } else {
+                 callbacks_.started();
+             }
+         });
+}
+
+void GeoClueClient::readPlace() {
+    auto ofClient =
+        QDBusMessage::createMethodCall(service_, path_, propertiesInterface, QStringLiteral("Get"));
+    ofClient << clientInterface << QStringLiteral("Location");
+    call(ofClient, answerTime, [this](const QDBusMessage& answer) {
+        const QDBusPendingReply<QDBusVariant> reply(answer);
+        if (reply.isError()) {
+            return; // the next place is told as well
+        }
+        auto ofPlace = QDBusMessage::createMethodCall(
+            service_, qvariant_cast<QDBusObjectPath>(reply.value().variant()).path(),
+            propertiesInterface, QStringLiteral("GetAll"));
+        ofPlace << locationInterface;
+        call(ofPlace, answerTime, [this](const QDBusMessage& place) {
+            const QDBusPendingReply<QVariantMap> values(place);
+            const auto degrees = [&](const QString& name, double most) {
+                const auto value = values.isError() ? QVariant() : values.value().value(name);
+                const auto number = value.typeId() == QMetaType::Double
+                                        ? value.toDouble()
+                                        : std::numeric_limits<double>::quiet_NaN();
+                return std::abs(number) <= most ? std::optional(number) : std::nullopt;
+            };
+            const auto latitude = degrees(QStringLiteral("Latitude"), 90);
+            const auto longitude = degrees(QStringLiteral("Longitude"), 180);
+            if (latitude && longitude) {
+                callbacks_.located({*latitude, *longitude});
+            }
+        });
+    });
+}
+
+/// Hands the answer over, an error as well, unless this client is gone by then.
+void GeoClueClient::call(const QDBusMessage& message, int timeout, Answer answer) {
+    auto* const watcher =
+        new QDBusPendingCallWatcher(bus_.asyncCall(message, timeout), QCoreApplication::instance());
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished,
+                     [watcher, client = weak_from_this(), answer = std::move(answer)] {
+                         watcher->deleteLater();
+                         if (const auto alive = client.lock()) {
+                             answer(watcher->reply());
+                         }
+                     });
+}
+
+void GeoClueClient::end(const QDBusMessage& error) {
+    switch (QDBusError(error).type()) {
+    case QDBusError::AccessDenied:
+        callbacks_.refused();
+        return;
+    case QDBusError::ServiceUnknown:
+        callbacks_.absent();
+        return;
+    default:
+        callbacks_.failed(error.errorMessage().toStdString());
+    }
+}
+
+} // namespace nocta

@@ -1,0 +1,134 @@
+#include "backends/linux/location/GeoClueLocationManager.h"
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <iostream>
+#include <span>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// At login the service, or who asks the user for it, may come up after this program.
+constexpr Duration firstRetryDelay = 1min;
+constexpr Duration longestRetryDelay = 1h;
+
+bool isThere(const std::filesystem::path& file) {
+    std::error_code error;
+    return std::filesystem::exists(file, error);
+}
+
+} // namespace
+
+GeoClueLocationManager::GeoClueLocationManager(RunLoop& runLoop, std::filesystem::path grantFile)
+    : runLoop_(runLoop), grantFile_(std::move(grantFile)),
+      status_(isThere(grantFile_) ? AuthorizationStatus::authorized
+                                  : AuthorizationStatus::notDetermined),
+      retryDelay_(firstRetryDelay), report_(runLoop, [this] {
+          if (delegate_ != nullptr) {
+              delegate_->didChangeAuthorization();
+          }
+      }) {}
+
+void GeoClueLocationManager::setDelegate(LocationManagerDelegate* delegate) {
+    delegate_ = delegate;
+    report_.request();
+}
+
+void GeoClueLocationManager::requestWhenInUseAuthorization() {
+    if (status_ == AuthorizationStatus::notDetermined && !client_) {
+        open();
+    }
+}
+
+void GeoClueLocationManager::startUpdatingLocation() {
+    if (status_ != AuthorizationStatus::authorized) {
+        return;
+    }
+    isUpdating_ = true;
+    retryDelay_ = firstRetryDelay;
+    if (!client_) {
+        open();
+    }
+}
+
+void GeoClueLocationManager::stopUpdatingLocation() {
+    isUpdating_ = false;
+    if (status_ == AuthorizationStatus::authorized) { // else the user is being asked
+        close();
+    }
+}
+
+void GeoClueLocationManager::open() {
+    retry_.invalidate();
+    client_ = GeoClueClient::create(
+        {.started = [this] { started(); },
+         .located = [this](Location location) { located(location); },
+         .refused = [this] { answered(AuthorizationStatus::denied); },
+         .absent = [this] { answered(AuthorizationStatus::restricted); },
+         .failed = [this](const std::string& description) { failed(description); }});
+}
+
+void GeoClueLocationManager::close() {
+    retry_.invalidate();
+    client_.reset();
+}
+
+void GeoClueLocationManager::started() {
+    if (status_ != AuthorizationStatus::authorized) {
+        answered(AuthorizationStatus::authorized);
+    }
+    if (!isUpdating_) {
+        close();
+    }
+}
+
+void GeoClueLocationManager::located(Location location) {
+    if (isUpdating_ && delegate_ != nullptr) {
+        delegate_->didUpdateLocations(std::span(&location, 1));
+    }
+}
+
+void GeoClueLocationManager::failed(const std::string& description) {
+    client_.reset();
+    if (isUpdating_) {
+        retry_.start(runLoop_, retryDelay_, Repeat::no, [this] { open(); });
+        retryDelay_ = std::min(2 * retryDelay_, longestRetryDelay);
+    }
+    if (delegate_ != nullptr) {
+        delegate_->didFailWithError(description);
+    }
+}
+
+void GeoClueLocationManager::answered(AuthorizationStatus status) {
+    status_ = status;
+    if (status != AuthorizationStatus::authorized) {
+        isUpdating_ = false;
+        close();
+    }
+    if (status != AuthorizationStatus::restricted) { // that is the system's answer, not the user's
+        remember(status == AuthorizationStatus::authorized);
+    }
+    if (delegate_ != nullptr) {
+        delegate_->didChangeAuthorization();
+    }
+}
+
+void GeoClueLocationManager::remember(bool isGranted) const {
+    std::error_code error;
+    if (!isGranted) {
+        std::filesystem::remove(grantFile_, error);
+        return;
+    }
+    std::filesystem::create_directories(grantFile_.parent_path(), error);
+    if (!std::ofstream(grantFile_)) {
+        std::cerr << "nocta: cannot write " << grantFile_.string()
+                  << "; the location will be asked for again" << std::endl;
+    }
+}
+
+} // namespace nocta

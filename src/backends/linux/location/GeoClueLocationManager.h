@@ -1,0 +1,52 @@
+#pragma once
+
+#include "backends/linux/location/GeoClueClient.h"
+#include "base/Deferred.h"
+#include "base/Timer.h"
+#include "platform/LocationManager.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace nocta {
+
+/// The location manager over GeoClue 2. The service has no question of its own: whether a program
+/// may know the place is answered when its client starts. A grant is therefore remembered in a
+/// file, so that the next start of the program gets a place without asking; whoever has refused is
+/// asked again in the next session at the earliest. The service is not spoken to before there is a
+/// grant or a request.
+class GeoClueLocationManager final : public LocationManager {
+public:
+    /// `grantFile` exists while the user's last answer was yes.
+    GeoClueLocationManager(RunLoop& runLoop, std::filesystem::path grantFile);
+    GeoClueLocationManager(const GeoClueLocationManager&) = delete;
+    GeoClueLocationManager& operator=(const GeoClueLocationManager&) = delete;
+
+    void setDelegate(LocationManagerDelegate* delegate) override;
+    AuthorizationStatus authorizationStatus() const override { return status_; }
+    void requestWhenInUseAuthorization() override;
+    void startUpdatingLocation() override;
+    void stopUpdatingLocation() override;
+
+private:
+    void open();
+    void close();
+    void started();
+    void located(Location location);
+    void failed(const std::string& description);
+    void answered(AuthorizationStatus status);
+    void remember(bool isGranted) const;
+
+    RunLoop& runLoop_;
+    std::filesystem::path grantFile_;
+    LocationManagerDelegate* delegate_ = nullptr;
+    AuthorizationStatus status_;
+    bool isUpdating_ = false;
+    std::shared_ptr<GeoClueClient> client_;
+    Duration retryDelay_;
+    Timer retry_;
+    Deferred report_;
+};
+
+} // namespace nocta

@@ -1,0 +1,154 @@
+#include "backends/linux/location/GeoClueLocationManager.h"
+#include "backends/linux/x11/X11Session.h"
+#include "base/Calendar.h"
+#include "support/GeoClue.h"
+#include "support/IndependentSun.h"
+#include "support/NoctaProcess.h"
+#include "support/TestDesktop.h"
+#include "support/TimeZone.h"
+#include "support/WhitePoint.h"
+
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+// GeoClue itself, which is told by a server of the test's own where it is.
+
+namespace nocta {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr Location berlin{52.52, 13.405};
+constexpr auto noRight = "no right to mount a file in a namespace of its own";
+
+/// The whole program on a virtual clock, with a real X server and a real location service.
+class GeoClueDaemonTest : public TestDesktop {
+protected:
+    const TimeZone zone{zone::berlin};
+    X11Session x{XServer::Kind::xvfb};
+    PrivateBus bus{"DBUS_SYSTEM_BUS_ADDRESS"};
+    GeoClueDaemon daemon;
+    std::optional<LocationAgent> agent;
+    TemporaryFolder state;
+    std::filesystem::path grantFile = state.path() + "/location-granted";
+    GeoClueLocationManager locationManager{desktop.runLoop, grantFile};
+
+    Desktop mixed{.runLoop = desktop.runLoop,
+                  .notificationCenter = x.notificationCenter,
+                  .userDefaults = desktop.userDefaults,
+                  .uuidSource = desktop.uuidSource,
+                  .displays = x.displays,
+                  .gammaOutput = x.gammaOutput,
+                  .backlight = desktop.displays,
+                  .keyEvents = desktop.keyboard,
+                  .locationManager = locationManager,
+                  .dynamicLibraries = desktop.filter,
+                  .displayFilter = desktop.filter,
+                  .statusBar = desktop.statusBar,
+                  .popover = desktop.popover,
+                  .application = desktop.application};
+    Desktop& ports() override { return mixed; }
+
+    void SetUp() override {
+        if (!daemon.canStart()) {
+            GTEST_SKIP() << noRight;
+        }
+        daemon.setPlace(berlin.latitude, berlin.longitude);
+    }
+
+    void TearDown() override { dropProgram(); }
+
+    void startDaemonForAUserWho(bool allows) {
+        daemon.start();
+        agent.emplace(allows);
+        ASSERT_TRUE(serveUntil([&] { return agent->introduceItself(); }));
+    }
+
+    /// On the longest day of the year, on Berlin's clock.
+    static WallTime at(int hour, int minute) {
+        return Calendar::instantAt({2026, 6, 21}, hour, minute).value();
+    }
+    void letTheClockShow(WallTime time) {
+        desktop.runLoop.setWallClock(time - 60s);
+        desktop.runLoop.advance(60s);
+    }
+
+    /// Another client's view of the white point, against the one of a temperature.
+    void expectWhitePointOf(double kelvin) {
+        x.connection.synchronize();
+        const auto ramp = x.client.ramp(x.client.activeCrtcs().at(0));
+        const auto white = whitePoint(kelvin);
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            EXPECT_NEAR(ramp[channel].back(), 65535 * white[channel], 1) << channel;
+        }
+    }
+};
+
+TEST_F(GeoClueDaemonTest, GrantMovesTheScheduleFromTheDefaultTimesToThoseOfThePlace) {
+    startDaemonForAUserWho(true);
+    settings().unifiedBrightness.set(1);
+    desktop.runLoop.setWallClock(at(19, 30));
+    launch();
+    expectWhitePointOf(2700); // an hour after the default sunset
+
+    settings().locationEnabled.set(true);
+    const auto sun = IndependentSun::times(172, berlin.latitude, berlin.longitude, 2).value();
+    ASSERT_TRUE(serveUntil([&] { return schedule().sunsetTime.get() > at(20, 0); }));
+    EXPECT_TRUE(std::filesystem::exists(grantFile));
+    const auto minutesOfSunset = (schedule().sunsetTime.get().value() - at(0, 0)) / 1min;
+    EXPECT_NEAR(static_cast<double>(minutesOfSunset), static_cast<double>(sun.sunset), 3)
+        << "the service blurs the place by some kilometres";
+
+    letTheClockShow(at(19, 31));
+    expectWhitePointOf(6500);
+    letTheClockShow(schedule().sunsetTime.get().value());
+    expectWhitePointOf(4600);
+    letTheClockShow(at(23, 30));
+    expectWhitePointOf(2700);
+    letTheClockShow(at(13, 0) + 24h);
+    expectWhitePointOf(6500);
+    quit();
+}
+
+TEST_F(GeoClueDaemonTest, LocationThatTheUserHasSwitchedOffIsADenial) {
+    startDaemonForAUserWho(false);
+    launch();
+    settings().locationEnabled.set(true);
+    ASSERT_TRUE(serveUntil([&] { return !settings().locationEnabled.get(); }));
+    EXPECT_EQ(location().authorizationStatus.get(), AuthorizationStatus::denied);
+    EXPECT_FALSE(std::filesystem::exists(grantFile));
+    quit();
+}
+
+class NoctaWithGeoClueTest : public NoctaProcess {};
+INSTANTIATE_TEST_SUITE_P(Servers, NoctaWithGeoClueTest, ::testing::Values(XServer::Kind::xvfb),
+                         serverName);
+
+TEST_P(NoctaWithGeoClueTest, RememberedGrantAsksForThePlaceAtTheStartAndNothingWaitsForIt) {
+    const PrivateBus bus("DBUS_SYSTEM_BUS_ADDRESS");
+    GeoClueDaemon daemon;
+    if (!daemon.canStart()) {
+        GTEST_SKIP() << noRight;
+    }
+    daemon.start();
+    LocationAgent agent(true);
+    ASSERT_TRUE(serveUntil([&] { return agent.introduceItself(); }));
+    auto variables = environment();
+    variables["DBUS_SYSTEM_BUS_ADDRESS"] = bus.address();
+    const auto state = home.path() + "/.local/state/nocta";
+    std::filesystem::create_directories(state);
+    writeFile(state + "/location-granted", "");
+
+    nocta = std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);
+    ASSERT_TRUE(waitForBrightness(0.75)) << contentOf(output);
+    ASSERT_TRUE(serveUntil([&] { return daemon.isAsked(); }));
+    EXPECT_NE(contentOf(settings).find("locationEnabled=true"), std::string::npos);
+    nocta->signal(SIGTERM);
+    EXPECT_EQ(nocta->wait(), 0);
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,258 @@
+#include "backends/linux/location/GeoClueLocationManager.h"
+
+#include "backends/linux/SystemBus.h"
+#include "backends/virtual/VirtualRunLoop.h"
+#include "support/GeoClue.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nocta {
+namespace {
+
+using namespace std::chrono_literals;
+using Calls = std::vector<std::string>;
+
+class GeoClueLocationManagerTest : public ::testing::Test, public LocationManagerDelegate {
+protected:
+    TemporaryFolder state;
+    std::filesystem::path grantFile = state.path() + "/nocta/location-granted";
+    VirtualRunLoop runLoop;
+    std::optional<PrivateBus> bus{"DBUS_SYSTEM_BUS_ADDRESS"};
+    std::optional<GeoClueLocationManager> manager;
+
+    std::vector<AuthorizationStatus> reports;
+    std::vector<Location> places;
+    std::vector<std::string> failures;
+
+    void makeManager() {
+        manager.emplace(runLoop, grantFile);
+        manager->setDelegate(this);
+        runLoop.advance(0s);
+    }
+    void rememberGrant() {
+        std::filesystem::create_directories(grantFile.parent_path());
+        writeFile(grantFile, "");
+    }
+    /// What was sent before has been served when this returns.
+    static void settle() {
+        auto ping = QDBusMessage::createMethodCall("org.freedesktop.GeoClue2", "/",
+                                                   "org.freedesktop.DBus.Peer", "Ping");
+        systemBus().call(ping, QDBus::BlockWithGui);
+    }
+
+    void didUpdateLocations(std::span<const Location> locations) override {
+        places.insert(places.end(), locations.begin(), locations.end());
+        manager->stopUpdatingLocation();
+    }
+    void didFailWithError(std::string_view description) override {
+        failures.emplace_back(description);
+    }
+    void didChangeAuthorization() override {
+        reports.push_back(manager->authorizationStatus());
+        if (reports.back() == AuthorizationStatus::authorized) {
+            manager->startUpdatingLocation();
+        }
+    }
+};
+
+TEST_F(GeoClueLocationManagerTest, TellsOnceThatNothingIsKnownAndAsksNobody) {
+    MockGeoClue service;
+    makeManager();
+    EXPECT_EQ(reports, (std::vector{AuthorizationStatus::notDetermined}));
+    manager->startUpdatingLocation();
+    settle();
+    EXPECT_EQ(service.calls, Calls{});
+}
+
+TEST_F(GeoClueLocationManagerTest, AGrantIsToldAndRememberedAndGivesOnePlace) {
+    MockGeoClue service;
+    makeManager();
+    manager->requestWhenInUseAuthorization();
+    manager->requestWhenInUseAuthorization(); // it is being asked already
+    ASSERT_TRUE(serveUntil([&] { return reports.size() == 2; }));
+    EXPECT_EQ(reports.back(), AuthorizationStatus::authorized);
+    EXPECT_TRUE(std::filesystem::exists(grantFile));
+    EXPECT_EQ(service.calls, (Calls{"CreateClient", "Set nocta", "Set 4", "Start"}));
+
+    service.sayThatThePlaceHasChanged();
+    ASSERT_TRUE(serveUntil([&] { return !places.empty(); }));
+    EXPECT_EQ(places, (std::vector<Location>{{52.5, 13.4}}));
+    ASSERT_TRUE(serveUntil(
+        [&] { return service.hasSeen("DeleteClient /org/freedesktop/GeoClue2/Client/1"); }));
+
+    manager->requestWhenInUseAuthorization();
+    settle();
+    EXPECT_EQ(std::count(service.calls.begin(), service.calls.end(), "CreateClient"), 1);
+    EXPECT_EQ(reports.size(), 2U) << "the answer is known";
+
+    manager->startUpdatingLocation();
+    ASSERT_TRUE(serveUntil(
+        [&] { return std::count(service.calls.begin(), service.calls.end(), "Start") == 2; }));
+    service.sayThatThePlaceHasChanged();
+    EXPECT_TRUE(serveUntil([&] { return places.size() == 2; }));
+}
+
+TEST_F(GeoClueLocationManagerTest, ARememberedGrantIsToldFromTheRunLoopAndGivesAPlace) {
+    rememberGrant();
+    MockGeoClue service;
+    manager.emplace(runLoop, grantFile);
+    manager->setDelegate(this);
+    EXPECT_EQ(manager->authorizationStatus(), AuthorizationStatus::authorized);
+    EXPECT_TRUE(reports.empty());
+    runLoop.advance(0s);
+    EXPECT_EQ(reports, (std::vector{AuthorizationStatus::authorized}));
+    ASSERT_TRUE(serveUntil([&] { return service.hasSeen("Start"); }));
+    service.sayThatThePlaceHasChanged();
+    EXPECT_TRUE(serveUntil([&] { return !places.empty(); }));
+    EXPECT_EQ(reports.size(), 1U);
+}
+
+TEST_F(GeoClueLocationManagerTest, ARefusalIsToldAndNotAskedAgain) {
+    MockGeoClue service;
+    service.start = MockGeoClue::Start::refuses;
+    makeManager();
+    manager->requestWhenInUseAuthorization();
+    ASSERT_TRUE(serveUntil([&] { return reports.size() == 2; }));
+    EXPECT_EQ(reports.back(), AuthorizationStatus::denied);
+    EXPECT_FALSE(std::filesystem::exists(grantFile));
+    ASSERT_TRUE(serveUntil(
+        [&] { return service.hasSeen("DeleteClient /org/freedesktop/GeoClue2/Client/1"); }));
+
+    manager->requestWhenInUseAuthorization();
+    manager->startUpdatingLocation();
+    settle();
+    EXPECT_EQ(std::count(service.calls.begin(), service.calls.end(), "CreateClient"), 1);
+    EXPECT_EQ(reports.size(), 2U);
+}
+
+TEST_F(GeoClueLocationManagerTest, ARefusalTakesARememberedGrantBack) {
+    rememberGrant();
+    MockGeoClue service;
+    service.start = MockGeoClue::Start::refuses;
+    makeManager();
+    ASSERT_TRUE(serveUntil([&] { return reports.size() == 2; }));
+    EXPECT_EQ(reports.back(), AuthorizationStatus::denied);
+    EXPECT_FALSE(std::filesystem::exists(grantFile));
+}
+
+TEST_F(GeoClueLocationManagerTest, WithoutTheServiceLocationIsRestricted) {
+    makeManager();
+    manager->requestWhenInUseAuthorization();
+    ASSERT_TRUE(serveUntil([&] { return reports.size() == 2; }));
+    EXPECT_EQ(reports.back(), AuthorizationStatus::restricted);
+    EXPECT_TRUE(failures.empty());
+}
+
+TEST_F(GeoClueLocationManagerTest, WithoutTheBusLocationIsRestrictedAndTheGrantIsKept) {
+    rememberGrant();
+    bus.reset();
+    ASSERT_TRUE(serveUntil([] { return !systemBus().isConnected(); }));
+    makeManager();
+    ASSERT_TRUE(serveUntil([&] { return reports.size() == 2; }));
+    EXPECT_EQ(reports.back(), AuthorizationStatus::restricted);
+    EXPECT_TRUE(std::filesystem::exists(grantFile));
+}
+
+TEST_F(GeoClueLocationManagerTest, AServiceThatHangsAndDiesIsTriedAgainLater) {
+    rememberGrant();
+    std::optional<MockGeoClue> service{std::in_place};
+    service->answersCreateClient = false;
+    makeManager();
+    ASSERT_TRUE(serveUntil([&] { return service->hasSeen("CreateClient"); }));
+    EXPECT_TRUE(failures.empty());
+    service.reset();
+    ASSERT_TRUE(serveUntil([&] { return failures.size() == 1; }));
+    EXPECT_EQ(reports.size(), 1U);
+
+    service.emplace();
+    runLoop.advance(59s);
+    settle();
+    EXPECT_EQ(service->calls, Calls{});
+    runLoop.advance(1s);
+    ASSERT_TRUE(serveUntil([&] { return service->hasSeen("Start"); }));
+    service->sayThatThePlaceHasChanged();
+    EXPECT_TRUE(serveUntil([&] { return places.size() == 1; }));
+}
+
+TEST_F(GeoClueLocationManagerTest, AServiceThatGoesWhileItLooksIsTriedAgainEverMoreSeldom) {
+    rememberGrant();
+    std::optional<MockGeoClue> service{std::in_place};
+    makeManager();
+    for (const auto delay : {1min, 2min, 4min, 8min, 16min, 32min, 60min, 60min}) {
+        ASSERT_TRUE(serveUntil([&] { return service->hasSeen("Start"); })) << delay.count();
+        settle();
+        failures.clear();
+        service.reset();
+        ASSERT_TRUE(serveUntil([&] { return failures.size() == 1; }));
+        service.emplace();
+        runLoop.advance(delay - 1s);
+        settle();
+        ASSERT_EQ(service->calls, Calls{});
+        runLoop.advance(1s);
+    }
+}
+
+TEST_F(GeoClueLocationManagerTest, ABusThatGoesWhileTheServiceLooksTakesTheServiceWithIt) {
+    rememberGrant();
+    MockGeoClue service;
+    makeManager();
+    ASSERT_TRUE(serveUntil([&] { return service.hasSeen("Start"); }));
+    settle();
+    bus.reset();
+    ASSERT_TRUE(serveUntil([&] { return reports.size() == 2; }));
+    EXPECT_EQ(reports.back(), AuthorizationStatus::restricted);
+    EXPECT_TRUE(std::filesystem::exists(grantFile));
+}
+
+TEST_F(GeoClueLocationManagerTest, NobodyIsToldAnythingOnceThePlaceIsNotWantedAnyMore) {
+    rememberGrant();
+    MockGeoClue service;
+    service.start = MockGeoClue::Start::waits;
+    makeManager();
+    ASSERT_TRUE(serveUntil([&] { return service.hasSeen("Start"); }));
+    manager->stopUpdatingLocation();
+    service.answerStart();
+    service.sayThatThePlaceHasChanged();
+    settle();
+    EXPECT_TRUE(places.empty());
+    EXPECT_TRUE(service.hasSeen("DeleteClient /org/freedesktop/GeoClue2/Client/1"));
+}
+
+TEST_F(GeoClueLocationManagerTest, PlacesThatAreNotOnEarthAreNotTold) {
+    rememberGrant();
+    MockGeoClue service;
+    makeManager();
+    ASSERT_TRUE(serveUntil([&] { return service.hasSeen("Start"); }));
+    int asked = 0;
+    for (const auto& place : {QVariantMap{}, QVariantMap{{"Latitude", 52.5}},
+                              QVariantMap{{"Latitude", 90.1}, {"Longitude", 13.4}},
+                              QVariantMap{{"Latitude", 52.5}, {"Longitude", -180.1}},
+                              QVariantMap{{"Latitude", std::nan("")}, {"Longitude", 13.4}},
+                              QVariantMap{{"Latitude", "52.5"}, {"Longitude", 13.4}}}) {
+        service.place = place;
+        service.sayThatThePlaceHasChanged();
+        ++asked;
+        const auto isAsked = [&] {
+            return std::ranges::count_if(service.calls, [](const std::string& call) {
+                       return call.starts_with("GetAll");
+                   }) == asked;
+        };
+        ASSERT_TRUE(serveUntil(isAsked));
+        settle();
+    }
+    EXPECT_TRUE(places.empty());
+    service.place = {{"Latitude", -90.0}, {"Longitude", 180.0}};
+    service.sayThatThePlaceHasChanged();
+    ASSERT_TRUE(serveUntil([&] { return !places.empty(); }));
+    EXPECT_EQ(places[0], (Location{-90, 180}));
+}
+
+} // namespace
+} // namespace nocta
