@@ -51,7 +51,8 @@ void sliderToServer(benchmark::State& state) {
     QtRunLoop runLoop;
     X11Connection connection(runLoop);
     X11Displays displays(connection, runLoop, desktop.notificationCenter);
-    X11GammaOutput gammaOutput(connection, displays);
+    Guardian guardian(connection);
+    X11GammaOutput gammaOutput(connection, displays, guardian);
     Desktop ports{.runLoop = runLoop,
                   .notificationCenter = desktop.notificationCenter,
                   .userDefaults = desktop.userDefaults,

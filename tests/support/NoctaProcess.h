@@ -123,6 +123,9 @@ protected:
 
     /// The guardians that the given process has started and that still run.
     static std::vector<pid_t> guardiansOf(pid_t parent) {
+        return childrenOf(parent, "nocta-guardian");
+    }
+    static std::vector<pid_t> childrenOf(pid_t parent, const std::string& name) {
         std::vector<pid_t> found;
         for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
             if (std::isdigit(entry.path().filename().string()[0]) == 0) {
@@ -130,7 +133,7 @@ protected:
             }
             const auto stat = contentOf(entry.path().string() + "/stat");
             const auto afterName = stat.rfind(')');
-            if (stat.find("(nocta-guardian)") != std::string::npos &&
+            if (stat.find("(" + name + ")") != std::string::npos &&
                 stat.find(") Z ") == std::string::npos &&
                 std::stoi(stat.substr(afterName + 4)) == parent) {
                 found.push_back(std::stoi(entry.path().filename().string()));

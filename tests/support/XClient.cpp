@@ -143,15 +143,36 @@ void XClient::setRootProperty(const std::string& name, const std::vector<std::ui
     synchronize();
 }
 
-void XClient::setOutputProperty(const std::string& name, std::uint32_t value) {
+void XClient::setOutputProperty(const std::string& name,
+                                const std::vector<std::uint32_t>& numbers) {
     const auto resources = needed(xcb_randr_get_screen_resources_current_reply(
         x_, xcb_randr_get_screen_resources_current(x_, root_), nullptr));
     const auto* const outputs = xcb_randr_get_screen_resources_current_outputs(resources.get());
     for (int i = 0; i < resources->num_outputs; ++i) {
-        xcb_randr_change_output_property(x_, outputs[i], atom(name), XCB_ATOM_INTEGER, 32,
-                                         XCB_PROP_MODE_REPLACE, 1, &value);
+        xcb_randr_change_output_property(
+            x_, outputs[i], atom(name), XCB_ATOM_INTEGER, 32, XCB_PROP_MODE_REPLACE,
+            static_cast<std::uint32_t>(numbers.size()), numbers.data());
     }
     synchronize();
+}
+
+std::vector<std::uint32_t> XClient::outputProperty(const std::string& name,
+                                                   xcb_randr_output_t output) {
+    const auto reply = needed(xcb_randr_get_output_property_reply(
+        x_, xcb_randr_get_output_property(x_, output, atom(name), XCB_ATOM_INTEGER, 0, 100, 0, 0),
+        nullptr));
+    const auto* const numbers =
+        reinterpret_cast<const std::uint32_t*>(xcb_randr_get_output_property_data(reply.get()));
+    return {numbers, numbers + reply->num_items};
+}
+
+std::vector<xcb_randr_output_t> XClient::activeOutputs() {
+    const auto resources = needed(xcb_randr_get_screen_resources_current_reply(
+        x_, xcb_randr_get_screen_resources_current(x_, root_), nullptr));
+    const auto* const outputs = xcb_randr_get_screen_resources_current_outputs(resources.get());
+    std::vector<xcb_randr_output_t> active(outputs, outputs + resources->num_outputs);
+    std::erase_if(active, [this](xcb_randr_output_t output) { return crtcOf(output) == XCB_NONE; });
+    return active;
 }
 
 void XClient::synchronize() {

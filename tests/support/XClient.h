@@ -47,8 +47,12 @@ public:
 
     void setRootProperty(const std::string& name, const std::vector<std::uint16_t>& numbers);
 
-    /// Creates a property of one number on every output.
-    void setOutputProperty(const std::string& name, std::uint32_t value);
+    /// Writes a property of numbers to every output.
+    void setOutputProperty(const std::string& name, const std::vector<std::uint32_t>& numbers);
+    std::vector<std::uint32_t> outputProperty(const std::string& name, xcb_randr_output_t output);
+
+    /// The outputs in use.
+    std::vector<xcb_randr_output_t> activeOutputs();
 
     /// The ids of the mapped top-level windows of this size.
     std::vector<xcb_window_t> windowsOfSize(int width, int height);

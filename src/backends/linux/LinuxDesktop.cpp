@@ -1,8 +1,10 @@
 #include "backends/linux/FileDescriptor.h"
 #include "backends/linux/IniDefaultsStore.h"
 #include "backends/linux/LibUuidSource.h"
+#include "backends/linux/SessionFilter.h"
 #include "backends/linux/SysfsBacklight.h"
 #include "backends/linux/Unavailable.h"
+#include "backends/linux/gnome/MagnifierFilter.h"
 #include "backends/linux/location/GeoClueLocationManager.h"
 #include "backends/linux/shell/QtApplication.h"
 #include "backends/linux/shell/QtPopover.h"
@@ -10,6 +12,8 @@
 #include "backends/linux/shell/QtStatusBar.h"
 #include "backends/linux/shell/SingleInstance.h"
 #include "backends/linux/shell/SystemTray.h"
+#include "backends/linux/x11/Guardian.h"
+#include "backends/linux/x11/X11ColorMatrixFilter.h"
 #include "backends/linux/x11/X11Connection.h"
 #include "backends/linux/x11/X11Displays.h"
 #include "backends/linux/x11/X11GammaOutput.h"
@@ -98,34 +102,50 @@ std::string xServerName() {
     return name;
 }
 
-/// What this session can do for displays, gamma and keys. Here and nowhere else is it decided.
+/// What this session can do for displays, gamma, gray and keys. Here and nowhere else is it
+/// decided.
 struct DisplayServer {
     std::unique_ptr<X11Connection> connection;
+    std::unique_ptr<Guardian> guardian;
     std::unique_ptr<Displays> displays;
     std::unique_ptr<GammaOutput> gammaOutput;
+    std::unique_ptr<GrayscaleFilter> grayscale;
     std::unique_ptr<KeyEvents> keyEvents;
 };
 
 DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificationCenter) {
+    DisplayServer server;
+    if (auto magnifier = std::make_unique<MagnifierFilter>(stateFolder() / "magnifier");
+        magnifier->isAvailable()) {
+        server.grayscale = std::move(magnifier);
+    }
     auto connection = std::make_unique<X11Connection>(runLoop);
     if (!connection->isOpen()) {
         std::cerr << "nocta: gamma and brightness keys are not supported in this session yet"
                   << std::endl;
-        return {nullptr, std::make_unique<UnavailableDisplays>(),
-                std::make_unique<UnavailableGammaOutput>(),
-                std::make_unique<UnavailableKeyEvents>()};
+        server.displays = std::make_unique<UnavailableDisplays>();
+        server.gammaOutput = std::make_unique<UnavailableGammaOutput>();
+        server.keyEvents = std::make_unique<UnavailableKeyEvents>();
+        return server;
     }
+    server.guardian = std::make_unique<Guardian>(*connection);
     auto displays = std::make_unique<X11Displays>(*connection, runLoop, notificationCenter);
-    std::unique_ptr<GammaOutput> gammaOutput;
     if (displays->isEmulation()) {
         std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
-        gammaOutput = std::make_unique<UnavailableGammaOutput>();
+        server.gammaOutput = std::make_unique<UnavailableGammaOutput>();
     } else {
-        gammaOutput = std::make_unique<X11GammaOutput>(*connection, *displays);
+        server.gammaOutput =
+            std::make_unique<X11GammaOutput>(*connection, *displays, *server.guardian);
+        auto matrices = std::make_unique<X11ColorMatrixFilter>(
+            *connection, *displays, notificationCenter, *server.guardian);
+        if (server.grayscale == nullptr && matrices->isAvailable()) {
+            server.grayscale = std::move(matrices);
+        }
     }
-    auto keyEvents = std::make_unique<X11KeyEvents>(*connection, runLoop);
-    return {std::move(connection), std::move(displays), std::move(gammaOutput),
-            std::move(keyEvents)};
+    server.displays = std::move(displays);
+    server.keyEvents = std::make_unique<X11KeyEvents>(*connection, runLoop);
+    server.connection = std::move(connection);
+    return server;
 }
 
 /// The toolkit, made before anything that needs it. It is given no arguments to read.
@@ -163,8 +183,7 @@ private:
     DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_);
     SysfsBacklight backlight_{*server_.displays, setBrightnessThroughLogind};
     GeoClueLocationManager locationManager_{runLoop_, stateFolder() / "location-granted"};
-    UnavailableDynamicLibraries dynamicLibraries_;
-    UnavailableDisplayFilter displayFilter_;
+    SessionFilter filter_{std::move(server_.grayscale)};
     SystemTray tray_{server_.connection.get()};
     QtStatusBar statusBar_{tray_};
     QtPopover popover_;
@@ -180,8 +199,8 @@ public:
                   .backlight = backlight_,
                   .keyEvents = *server_.keyEvents,
                   .locationManager = locationManager_,
-                  .dynamicLibraries = dynamicLibraries_,
-                  .displayFilter = displayFilter_,
+                  .dynamicLibraries = filter_,
+                  .displayFilter = filter_,
                   .statusBar = statusBar_,
                   .popover = popover_,
                   .application = application_};

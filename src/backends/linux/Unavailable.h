@@ -1,8 +1,6 @@
 #pragma once
 
-#include "platform/DisplayFilter.h"
 #include "platform/Displays.h"
-#include "platform/DynamicLibraries.h"
 #include "platform/GammaOutput.h"
 #include "platform/KeyEvents.h"
 
@@ -43,21 +41,6 @@ public:
     Subscription createKeyDownTap(std::function<void(const KeyDownEvent&)> /*handler*/) override {
         return {};
     }
-};
-
-class UnavailableDynamicLibraries final : public DynamicLibraries {
-public:
-    Handle open(std::string_view /*path*/) override { return 0; }
-    EntryPoint symbol(Handle /*library*/, std::string_view /*name*/) override { return {}; }
-    void close(Handle /*library*/) override {}
-};
-
-class UnavailableDisplayFilter final : public DisplayFilter {
-public:
-    void setType(std::int32_t /*category*/, std::int32_t /*type*/) override {}
-    void setCategoryEnabled(std::int32_t /*category*/, bool /*enabled*/) override {}
-    std::int32_t getType(std::int32_t /*category*/) override { return 0; }
-    bool getCategoryEnabled(std::int32_t /*category*/) override { return false; }
 };
 
 } // namespace nocta

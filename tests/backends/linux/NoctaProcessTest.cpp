@@ -161,7 +161,7 @@ TEST_P(NoctaProcessTest, WithoutADisplayItSaysSoAndFails) {
 }
 
 TEST_P(NoctaProcessTest, EmulatedRandRIsRefusedInOneLine) {
-    client.setOutputProperty("RANDR Emulation", 1);
+    client.setOutputProperty("RANDR Emulation", {1});
     start();
     ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
     EXPECT_TRUE(isGivenBack()) << "nothing was written";

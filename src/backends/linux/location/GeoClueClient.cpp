@@ -160,14 +160,12 @@ void GeoClueClient::call(const QDBusMessage& message, int timeout, Answer answer
 }
 
 void GeoClueClient::end(const QDBusMessage& error) {
-    switch (QDBusError(error).type()) {
-    case QDBusError::AccessDenied:
+    const auto type = QDBusError(error).type();
+    if (type == QDBusError::AccessDenied) {
         callbacks_.refused();
-        return;
-    case QDBusError::ServiceUnknown:
+    } else if (type == QDBusError::ServiceUnknown || !bus_.isConnected()) {
         callbacks_.absent();
-        return;
-    default:
+    } else {
         callbacks_.failed(error.errorMessage().toStdString());
     }
 }

@@ -1,44 +1,25 @@
 #include "backends/linux/x11/FactoryRamps.h"
 
-#include "backends/linux/x11/XcbReply.h"
-
-#include <span>
-#include <string_view>
+#include "backends/linux/x11/RootProperty.h"
 
 namespace nocta {
 
 namespace {
 
-constexpr std::string_view propertyName = "_NOCTA_FACTORY_RAMPS";
-
-// The property is a list of 16-bit numbers, one record after the other: the CRTC's upper and lower
-// half, the size, and size levels each of red, green and blue.
+// One record after the other: the CRTC's upper and lower half, the size, and size levels each of
+// red, green and blue.
 constexpr std::size_t headerLength = 3;
 
-/// In 32-bit units: more than all the CRTCs of a server can need.
-constexpr std::uint32_t longestProperty = 1U << 22;
-
-xcb_atom_t property(xcb_connection_t* connection) {
-    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 0, propertyName.size(), propertyName.data()),
-        nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+RootProperty<std::uint16_t> property(xcb_connection_t* connection, xcb_window_t root) {
+    return {connection, root, "_NOCTA_FACTORY_RAMPS"};
 }
 
 } // namespace
 
 FactoryRamps readFactoryRamps(xcb_connection_t* connection, xcb_window_t root) {
-    const XcbReply<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(connection,
-                               xcb_get_property(connection, 0, root, property(connection),
-                                                XCB_ATOM_CARDINAL, 0, longestProperty),
-                               nullptr));
+    const auto numbers = property(connection, root).read();
+    auto rest = std::span(numbers);
     FactoryRamps ramps;
-    if (!reply || reply->format != 16) {
-        return ramps;
-    }
-    auto rest = std::span(static_cast<const std::uint16_t*>(xcb_get_property_value(reply.get())),
-                          reply->value_len);
     while (rest.size() > headerLength) {
         const auto crtc = static_cast<xcb_randr_crtc_t>(rest[0]) << 16 | rest[1];
         const auto size = std::size_t{rest[2]};
@@ -65,9 +46,7 @@ void keepFactoryRamp(xcb_connection_t* connection, xcb_window_t root, xcb_randr_
     for (const auto* const channel : {&ramp.red, &ramp.green, &ramp.blue}) {
         record.insert(record.end(), channel->begin(), channel->end());
     }
-    xcb_change_property(connection, XCB_PROP_MODE_APPEND, root, property(connection),
-                        XCB_ATOM_CARDINAL, 16, static_cast<std::uint32_t>(record.size()),
-                        record.data());
+    property(connection, root).append(record);
 }
 
 void giveBack(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps) {
@@ -75,7 +54,7 @@ void giveBack(xcb_connection_t* connection, xcb_window_t root, const FactoryRamp
         xcb_randr_set_crtc_gamma(connection, crtc, static_cast<std::uint16_t>(ramp.size()),
                                  ramp.red.data(), ramp.green.data(), ramp.blue.data());
     }
-    xcb_delete_property(connection, root, property(connection));
+    property(connection, root).remove();
 }
 
 } // namespace nocta

@@ -11,9 +11,9 @@ namespace nocta {
 /// The ramps that an X server's CRTCs had before Nocta wrote to them, by CRTC.
 using FactoryRamps = std::map<xcb_randr_crtc_t, GammaRamp>;
 
-// They are kept on the server itself, in a property of its root window, for as long as they are
-// not in force: whatever dies, the next Nocta or guardian of that server finds them. Each function
-// sends its requests and flushes nothing, except that reading waits for the answer.
+// They are kept on the server itself for as long as they are not in force: whatever dies, the next
+// Nocta or guardian of that server finds them. Each function sends its requests and flushes
+// nothing, except that reading waits for the answer.
 
 /// What is kept; records that make no sense are left out.
 FactoryRamps readFactoryRamps(xcb_connection_t* connection, xcb_window_t root);

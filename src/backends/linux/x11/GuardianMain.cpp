@@ -1,8 +1,9 @@
-// nocta-guardian: gives the factory gamma ramps of an X server's displays back when the Nocta that
-// started it has died. It is started by Nocta alone and speaks `GuardianProtocol.h` on its
-// standard input. It keeps no more than one connection to the X server, so that it costs a few
-// hundred kilobytes.
+// nocta-guardian: gives the gamma ramps and colour matrices that an X server's displays had back
+// when the Nocta that started it has died. It is started by Nocta alone and speaks
+// `GuardianProtocol.h` on its standard input. It keeps no more than one connection to the X server,
+// so that it costs a few hundred kilobytes.
 
+#include "backends/linux/x11/ColorMatrices.h"
 #include "backends/linux/x11/FactoryRamps.h"
 #include "backends/linux/x11/GuardianProtocol.h"
 
@@ -155,11 +156,12 @@ int main() {
         end(EXIT_SUCCESS);
     }
     waitForEndOfProgram();
-    // What Nocta had still sent before it died must not be served after its ramps are given back.
+    // What Nocta had still sent before it died must not be served after the screen is given back.
     const auto deadline = Clock::now() + lastRequestsTimeout;
     while (readEvents() || (programWindow != XCB_NONE && waitForServer(deadline, false))) {
     }
     giveBack(x, root, readFactoryRamps(x, root));
+    giveBack(x, root, readFactoryMatrices(x, root));
     std::free(xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr)); // wait for it
     end(EXIT_SUCCESS);
 }

@@ -8,11 +8,11 @@ namespace nocta {
 // its standard input. Both run on one machine, so numbers are in its own byte order.
 //
 // Nocta sends a `GuardianHello`, and the guardian answers with one `GuardianAnswer`. When the
-// socket closes, Nocta has died or could not give the ramps back, and the guardian does. A Nocta
+// socket closes, Nocta has died or could not give the screen back, and the guardian does. A Nocta
 // that has done it kills its guardian.
 
 struct GuardianHello {
-    std::uint32_t window; ///< lives as long as the server serves Nocta's gamma requests
+    std::uint32_t window; ///< lives as long as the server serves Nocta's requests
 };
 
 enum class GuardianAnswer : char {

@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-X11GammaOutput::X11GammaOutput(X11Connection& connection, X11Displays& displays)
-    : connection_(connection), displays_(displays), guardian_(connection) {}
+X11GammaOutput::X11GammaOutput(X11Connection& connection, X11Displays& displays, Guardian& guardian)
+    : connection_(connection), displays_(displays), guardian_(guardian) {}
 
 X11GammaOutput::~X11GammaOutput() {
     X11GammaOutput::displayRestoreColorSyncSettings();

@@ -17,7 +17,7 @@ namespace nocta {
 /// reset by someone else, of which no event tells.
 class X11GammaOutput final : public GammaOutput {
 public:
-    X11GammaOutput(X11Connection& connection, X11Displays& displays);
+    X11GammaOutput(X11Connection& connection, X11Displays& displays, Guardian& guardian);
     X11GammaOutput(const X11GammaOutput&) = delete;
     X11GammaOutput& operator=(const X11GammaOutput&) = delete;
     ~X11GammaOutput() override;
@@ -39,7 +39,7 @@ private:
 
     X11Connection& connection_;
     X11Displays& displays_;
-    Guardian guardian_;
+    Guardian& guardian_;
     bool isArmed_ = false;
     std::map<xcb_randr_crtc_t, Factory> factories_;
 };

@@ -1,12 +1,10 @@
 #include "backends/linux/location/GeoClueLocationManager.h"
-#include "backends/linux/x11/X11Session.h"
 #include "base/Calendar.h"
+#include "support/DesktopOnX11.h"
 #include "support/GeoClue.h"
 #include "support/IndependentSun.h"
 #include "support/NoctaProcess.h"
-#include "support/TestDesktop.h"
 #include "support/TimeZone.h"
-#include "support/WhitePoint.h"
 
 #include <chrono>
 #include <cmath>
@@ -24,42 +22,23 @@ using namespace std::chrono_literals;
 constexpr Location berlin{52.52, 13.405};
 constexpr auto noRight = "no right to mount a file in a namespace of its own";
 
-/// The whole program on a virtual clock, with a real X server and a real location service.
-class GeoClueDaemonTest : public TestDesktop {
+class GeoClueDaemonTest : public DesktopOnX11 {
 protected:
     const TimeZone zone{zone::berlin};
-    X11Session x{XServer::Kind::xvfb};
     PrivateBus bus{"DBUS_SYSTEM_BUS_ADDRESS"};
     GeoClueDaemon daemon;
     std::optional<LocationAgent> agent;
     TemporaryFolder state;
     std::filesystem::path grantFile = state.path() + "/location-granted";
-    GeoClueLocationManager locationManager{desktop.runLoop, grantFile};
-
-    Desktop mixed{.runLoop = desktop.runLoop,
-                  .notificationCenter = x.notificationCenter,
-                  .userDefaults = desktop.userDefaults,
-                  .uuidSource = desktop.uuidSource,
-                  .displays = x.displays,
-                  .gammaOutput = x.gammaOutput,
-                  .backlight = desktop.displays,
-                  .keyEvents = desktop.keyboard,
-                  .locationManager = locationManager,
-                  .dynamicLibraries = desktop.filter,
-                  .displayFilter = desktop.filter,
-                  .statusBar = desktop.statusBar,
-                  .popover = desktop.popover,
-                  .application = desktop.application};
-    Desktop& ports() override { return mixed; }
+    GeoClueLocationManager geoClue{desktop.runLoop, grantFile};
 
     void SetUp() override {
         if (!daemon.canStart()) {
             GTEST_SKIP() << noRight;
         }
         daemon.setPlace(berlin.latitude, berlin.longitude);
+        locationManager = &geoClue;
     }
-
-    void TearDown() override { dropProgram(); }
 
     void startDaemonForAUserWho(bool allows) {
         daemon.start();
@@ -74,16 +53,6 @@ protected:
     void letTheClockShow(WallTime time) {
         desktop.runLoop.setWallClock(time - 60s);
         desktop.runLoop.advance(60s);
-    }
-
-    /// Another client's view of the white point, against the one of a temperature.
-    void expectWhitePointOf(double kelvin) {
-        x.connection.synchronize();
-        const auto ramp = x.client.ramp(x.client.activeCrtcs().at(0));
-        const auto white = whitePoint(kelvin);
-        for (std::size_t channel = 0; channel < 3; ++channel) {
-            EXPECT_NEAR(ramp[channel].back(), 65535 * white[channel], 1) << channel;
-        }
     }
 };
 

@@ -40,11 +40,13 @@ protected:
         std::filesystem::create_directories(grantFile.parent_path());
         writeFile(grantFile, "");
     }
-    /// What was sent before has been served when this returns.
+    /// What was sent to the service before has been served when this returns.
     static void settle() {
-        auto ping = QDBusMessage::createMethodCall("org.freedesktop.GeoClue2", "/",
-                                                   "org.freedesktop.DBus.Peer", "Ping");
-        systemBus().call(ping, QDBus::BlockWithGui);
+        const auto answer = systemBus().call(
+            QDBusMessage::createMethodCall("org.freedesktop.GeoClue2", "/org/freedesktop/GeoClue2",
+                                           "org.example.Test", "Settle"),
+            QDBus::BlockWithGui);
+        ASSERT_EQ(answer.type(), QDBusMessage::ReplyMessage);
     }
 
     void didUpdateLocations(std::span<const Location> locations) override {

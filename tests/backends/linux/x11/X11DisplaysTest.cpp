@@ -64,7 +64,7 @@ TEST(X11Displays, ServerWithoutAnOutputInUseHasNoDisplays) {
 TEST(X11Displays, EmulationIsKnownByItsOutputProperty) {
     X11Session session(XServer::Kind::xvfb);
     EXPECT_FALSE(session.displays.isEmulation());
-    session.client.setOutputProperty("RANDR Emulation", 1);
+    session.client.setOutputProperty("RANDR Emulation", {1});
     EXPECT_TRUE(session.displays.isEmulation());
 }
 

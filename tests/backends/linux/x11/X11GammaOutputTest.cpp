@@ -87,7 +87,7 @@ TEST_P(X11GammaOutputTest, EqualTablesHealARampThatSomebodyElseHasReset) {
 TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBackToo) {
     const auto factory = ramp();
     {
-        X11GammaOutput output(session.connection, session.displays);
+        X11GammaOutput output(session.connection, session.displays, session.guardian);
         const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
         ASSERT_EQ(output.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]),
                   statusSuccess);
@@ -101,7 +101,8 @@ TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay
     session.set(display, tables);
     const auto ours = ramp();
     X11Connection otherConnection(session.runLoop);
-    X11GammaOutput other(otherConnection, session.displays);
+    Guardian otherGuardian(otherConnection);
+    X11GammaOutput other(otherConnection, session.displays, otherGuardian);
     ::testing::internal::CaptureStderr();
     EXPECT_NE(other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]),
               statusSuccess);

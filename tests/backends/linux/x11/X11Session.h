@@ -31,7 +31,8 @@ struct X11Session {
     NotificationCenter notificationCenter;
     X11Connection connection{runLoop};
     X11Displays displays{connection, runLoop, notificationCenter};
-    X11GammaOutput gammaOutput{connection, displays};
+    Guardian guardian{connection};
+    X11GammaOutput gammaOutput{connection, displays, guardian};
 
     std::vector<DisplayId> list() {
         std::array<DisplayId, 16> ids{};

@@ -1,0 +1,106 @@
+#include "backends/linux/HelperProcess.h"
+
+#include <csignal>
+#include <filesystem>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+namespace nocta {
+
+std::string HelperProcess::path(const char* name) {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (program.parent_path() / name).string();
+}
+
+bool HelperProcess::start(const char* name, const std::vector<std::string>& arguments) {
+    int ends[2] = {-1, -1};
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
+        return false;
+    }
+    FileDescriptor ours(ends[0]);
+    const FileDescriptor theirs(ends[1]); // closed here, so that an end of the helper is seen
+
+    auto words = arguments;
+    words.insert(words.begin(), path(name));
+    std::vector<char*> list;
+    for (auto& word : words) {
+        list.push_back(word.data());
+    }
+    list.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDOUT_FILENO);
+    const auto error =
+        posix_spawn(&process_, words[0].c_str(), &actions, nullptr, list.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) {
+        process_ = -1;
+        return false;
+    }
+    socket_ = std::move(ours);
+    return true;
+}
+
+bool HelperProcess::send(const void* data, std::size_t size) const {
+    return ::send(socket_.get(), data, size, MSG_NOSIGNAL) == static_cast<ssize_t>(size);
+}
+
+std::optional<char> HelperProcess::answer(std::chrono::milliseconds timeout) const {
+    pollfd answerable{.fd = socket_.get(), .events = POLLIN, .revents = 0};
+    char byte = 0;
+    const auto answered = poll(&answerable, 1, static_cast<int>(timeout.count())) == 1 &&
+                          read(socket_.get(), &byte, 1) == 1;
+    return answered ? std::optional(byte) : std::nullopt;
+}
+
+void HelperProcess::endInput() const {
+    shutdown(socket_.get(), SHUT_WR);
+}
+
+void HelperProcess::whenEnded(std::function<void()> action) {
+    ended_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
+    QObject::connect(ended_.get(), &QSocketNotifier::activated, [this, action = std::move(action)] {
+        kill();
+        action();
+    });
+}
+
+bool HelperProcess::waitForEnd(std::chrono::milliseconds timeout) {
+    if (process_ > 0) {
+        pollfd ended{.fd = socket_.get(), .events = POLLIN, .revents = 0};
+        if (poll(&ended, 1, static_cast<int>(timeout.count())) != 1) {
+            return false;
+        }
+        reap();
+    }
+    return true;
+}
+
+void HelperProcess::kill() {
+    if (process_ > 0) {
+        ::kill(process_, SIGKILL); // before the socket closes, which it would see
+        reap();
+    }
+}
+
+void HelperProcess::reap() {
+    waitpid(process_, nullptr, 0);
+    release();
+}
+
+void HelperProcess::release() {
+    process_ = -1;
+    if (ended_ != nullptr) {
+        ended_->setEnabled(false);
+        ended_.release()->deleteLater(); // this may run inside its signal
+    }
+    socket_.reset();
+}
+
+} // namespace nocta

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "backends/linux/GrayscaleFilter.h"
+#include "platform/DisplayFilter.h"
+#include "platform/DynamicLibraries.h"
+
+#include <memory>
+
+namespace nocta {
+
+/// The display filter of a Linux session, over the one way that the session has to turn gray. The
+/// entry point that makes a change take effect belongs to a library of another system; here its
+/// name stands for that way, and is found where there is one.
+class SessionFilter final : public DisplayFilter, public DynamicLibraries {
+public:
+    /// Null where the session has no way to turn gray.
+    explicit SessionFilter(std::unique_ptr<GrayscaleFilter> grayscale);
+
+    void setType(std::int32_t category, std::int32_t type) override;
+    void setCategoryEnabled(std::int32_t category, bool enabled) override;
+    std::int32_t getType(std::int32_t category) override;
+    bool getCategoryEnabled(std::int32_t category) override;
+
+    Handle open(std::string_view path) override;
+    EntryPoint symbol(Handle library, std::string_view name) override;
+    void close(Handle /*library*/) override {}
+
+private:
+    std::unique_ptr<GrayscaleFilter> grayscale_;
+    std::int32_t type_ = 0;
+    bool isEnabled_ = false;
+};
+
+} // namespace nocta

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "backends/linux/GrayscaleFilter.h"
+#include "backends/linux/x11/ColorMatrices.h"
+#include "backends/linux/x11/Guardian.h"
+#include "backends/linux/x11/X11Connection.h"
+#include "backends/linux/x11/X11Displays.h"
+#include "base/NotificationCenter.h"
+#include "base/Subscription.h"
+
+#include <vector>
+
+namespace nocta {
+
+/// Gray by the colour transformation matrices of the outputs, which graphics drivers apply before
+/// the gamma ramps, so that dimming and warmth stay. A display that is plugged in while the filter
+/// is on turns gray as well; one whose driver has no matrix keeps its colours.
+class X11ColorMatrixFilter final : public GrayscaleFilter {
+public:
+    X11ColorMatrixFilter(X11Connection& connection, X11Displays& displays,
+                         NotificationCenter& notificationCenter, Guardian& guardian);
+    X11ColorMatrixFilter(const X11ColorMatrixFilter&) = delete;
+    X11ColorMatrixFilter& operator=(const X11ColorMatrixFilter&) = delete;
+    ~X11ColorMatrixFilter() override { X11ColorMatrixFilter::setOn(false); }
+
+    /// Whether any display has a matrix.
+    bool isAvailable() const;
+
+    bool isOn() override;
+    void setOn(bool on) override;
+
+private:
+    struct DisplayMatrix {
+        xcb_randr_output_t output = XCB_NONE;
+        ColorMatrix matrix{};
+    };
+
+    std::vector<DisplayMatrix> matrices() const;
+    void grayDisplays();
+    void giveBackDisplays();
+
+    X11Connection& connection_;
+    X11Displays& displays_;
+    Guardian& guardian_;
+    bool isOurs_ = false; ///< the screen is gray by this filter
+    Subscription screens_;
+};
+
+} // namespace nocta

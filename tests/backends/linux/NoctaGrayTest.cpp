@@ -1,0 +1,138 @@
+#include "support/GnomeSettings.h"
+#include "support/NoctaProcess.h"
+
+#include <csignal>
+#include <optional>
+
+namespace nocta {
+namespace {
+
+/// The program with a screen that is to be gray from the start, by whichever way the session has.
+class NoctaGrayTest : public NoctaProcess {
+protected:
+    std::vector<std::uint32_t> colored = {0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1};
+    std::optional<GnomeSettings> gnome;
+
+    void SetUp() override {
+        NoctaProcess::SetUp();
+        client.setOutputProperty("CTM", colored);
+    }
+    void startGray(bool gray = true) {
+        auto variables = environment();
+        variables["XDG_CURRENT_DESKTOP"] = "";
+        std::filesystem::path file = settings;
+        if (gnome) {
+            for (const auto& [name, value] : gnome->environment()) {
+                variables[name] = value;
+            }
+            file = variables["XDG_CONFIG_HOME"] + "/nocta/nocta.conf";
+            std::filesystem::create_directories(file.parent_path());
+        }
+        writeFile(file, neutralSettings(gray ? "grayscaleEnabled=true\n" : ""));
+        nocta =
+            std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);
+        ASSERT_TRUE(waitForBrightness(0.75)) << contentOf(output);
+    }
+
+    bool isColored() {
+        const auto outputs = client.activeOutputs();
+        return std::ranges::all_of(outputs, [&](xcb_randr_output_t id) {
+            return client.outputProperty("CTM", id) == colored;
+        });
+    }
+    bool isGray() {
+        const auto outputs = client.activeOutputs();
+        return std::ranges::all_of(outputs, [&](xcb_randr_output_t id) {
+            const auto matrix = client.outputProperty("CTM", id);
+            return matrix[0] == matrix[6] && matrix[6] == matrix[12] && matrix != colored;
+        });
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Servers, NoctaGrayTest, everyServer, serverName);
+
+TEST_P(NoctaGrayTest, EveryEndGivesTheColorsBack) {
+    for (const auto ending : {SIGTERM, SIGHUP, SIGKILL, SIGSEGV}) {
+        startGray();
+        ASSERT_TRUE(waitUntil([&] { return isGray(); })) << ending;
+        nocta->signal(ending);
+        nocta->wait();
+        EXPECT_TRUE(waitUntil([&] { return isColored() && isGivenBack(); })) << ending;
+    }
+}
+
+TEST_P(NoctaGrayTest, DeathTogetherWithTheGuardianIsHealedByTheNextStart) {
+    startGray();
+    ASSERT_TRUE(waitUntil([&] { return isGray(); }));
+    const auto guardians = guardiansOf(nocta->id());
+    ASSERT_EQ(guardians.size(), 1U);
+    kill(guardians[0], SIGSTOP); // so that it cannot act on the death that it sees
+    nocta->signal(SIGKILL);
+    nocta->wait();
+    kill(guardians[0], SIGKILL);
+    EXPECT_TRUE(isGray()) << "nobody was left to give the colours back";
+
+    startGray(false); // what it waits for is shown already
+    EXPECT_TRUE(waitUntil([&] { return isColored(); }));
+    ASSERT_TRUE(waitUntil([&] { return guardiansOf(nocta->id()).size() == 1; }));
+    client.press(brightnessDownSymbol);
+    ASSERT_TRUE(waitForBrightness(0.6875));
+    nocta->signal(SIGTERM);
+    EXPECT_EQ(nocta->wait(), 0);
+    EXPECT_TRUE(isColored());
+    EXPECT_TRUE(isGivenBack());
+}
+
+class NoctaOnGnomeTest : public NoctaGrayTest {
+protected:
+    void SetUp() override {
+        NoctaGrayTest::SetUp();
+        gnome.emplace();
+        before = gnome->everything();
+    }
+    std::string before;
+};
+INSTANTIATE_TEST_SUITE_P(Servers, NoctaOnGnomeTest, ::testing::Values(XServer::Kind::xvfb),
+                         serverName);
+
+TEST_P(NoctaOnGnomeTest, EveryEndGivesTheMagnifierBack) {
+    for (const auto ending : {SIGTERM, SIGKILL, SIGSEGV}) {
+        startGray();
+        ASSERT_TRUE(waitUntil([&] { return gnome->isGray(); })) << ending;
+        EXPECT_TRUE(isColored()) << "one way is enough";
+        nocta->signal(ending);
+        nocta->wait();
+        EXPECT_TRUE(waitUntil([&] { return gnome->everything() == before; })) << ending;
+    }
+}
+
+TEST_P(NoctaOnGnomeTest, HelperThatDiesIsReplacedAndWhatItKnewIsNotLost) {
+    startGray();
+    ASSERT_TRUE(waitUntil([&] { return gnome->isGray(); }));
+    const auto first = childrenOf(nocta->id(), "nocta-magnifier");
+    ASSERT_EQ(first.size(), 1U);
+    kill(first[0], SIGKILL);
+    ASSERT_TRUE(waitUntil([&] {
+        const auto now = childrenOf(nocta->id(), "nocta-magnifier");
+        return now.size() == 1 && now[0] != first[0] && gnome->isGray();
+    }));
+    nocta->signal(SIGTERM);
+    EXPECT_EQ(nocta->wait(), 0);
+    EXPECT_EQ(gnome->everything(), before);
+}
+
+TEST_P(NoctaOnGnomeTest, DeathTogetherWithTheHelperIsHealedByTheNextStart) {
+    startGray();
+    ASSERT_TRUE(waitUntil([&] { return gnome->isGray(); }));
+    const auto helpers = childrenOf(nocta->id(), "nocta-magnifier");
+    ASSERT_EQ(helpers.size(), 1U);
+    kill(helpers[0], SIGSTOP);
+    nocta->signal(SIGKILL);
+    nocta->wait();
+    kill(helpers[0], SIGKILL);
+    EXPECT_TRUE(gnome->isGray());
+    startGray(false);
+    EXPECT_EQ(gnome->everything(), before);
+}
+
+} // namespace
+} // namespace nocta

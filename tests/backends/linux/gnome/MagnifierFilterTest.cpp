@@ -1,0 +1,127 @@
+#include "backends/linux/gnome/MagnifierFilter.h"
+
+#include "support/EventLoop.h"
+#include "support/GnomeSettings.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace nocta {
+namespace {
+
+class MagnifierFilterTest : public ::testing::Test {
+protected:
+    GnomeSettings gnome;
+    TemporaryFolder state;
+    std::filesystem::path stateFile = state.path() + "/nocta/magnifier";
+    std::optional<MagnifierFilter> filter;
+
+    void SetUp() override {
+        for (const auto& [name, value] : gnome.environment()) {
+            setenv(name.c_str(), value.c_str(), 1);
+        }
+    }
+    void TearDown() override {
+        filter.reset();
+        for (const auto& [name, value] : gnome.environment()) {
+            unsetenv(name.c_str());
+        }
+    }
+    void turnGray() {
+        filter->setOn(true);
+        ASSERT_TRUE(serveUntil([&] { return gnome.isGray(); }));
+    }
+    void turnColored() {
+        filter->setOn(false);
+        ASSERT_TRUE(serveUntil([&] { return !std::filesystem::exists(stateFile); }));
+    }
+};
+
+TEST_F(MagnifierFilterTest, OtherDesktopsHaveNone) {
+    for (const auto* const desktops : {"", "KDE", "Budgie:GNOME", "X-Cinnamon", "GNOMEish"}) {
+        setenv("XDG_CURRENT_DESKTOP", desktops, 1);
+        EXPECT_FALSE(MagnifierFilter(stateFile).isAvailable()) << desktops;
+    }
+    unsetenv("XDG_CURRENT_DESKTOP");
+    EXPECT_FALSE(MagnifierFilter(stateFile).isAvailable());
+}
+
+TEST_F(MagnifierFilterTest, MagnifierThatIsOffShowsTheScreenAsItIsWithoutColor) {
+    gnome.set(GnomeSettings::magnifier, "mag-factor", "3.5");
+    gnome.set(GnomeSettings::magnifier, "lens-mode", "true");
+    gnome.set(GnomeSettings::magnifier, "screen-position", "'left-half'");
+    gnome.set(GnomeSettings::magnifier, "invert-lightness", "true");
+    gnome.set(GnomeSettings::magnifier, "color-saturation", "0.5");
+    gnome.set(GnomeSettings::applications, "screen-magnifier-enabled", "false");
+    const auto before = gnome.everything();
+
+    filter.emplace(stateFile);
+    EXPECT_TRUE(filter->isAvailable());
+    EXPECT_FALSE(filter->isOn());
+    EXPECT_EQ(gnome.everything(), before);
+    turnGray();
+    EXPECT_EQ(gnome.get(GnomeSettings::magnifier, "mag-factor"), "1.0\n");
+    EXPECT_EQ(gnome.get(GnomeSettings::magnifier, "lens-mode"), "false\n");
+    EXPECT_EQ(gnome.get(GnomeSettings::magnifier, "screen-position"), "'full-screen'\n");
+    EXPECT_EQ(gnome.get(GnomeSettings::magnifier, "invert-lightness"), "false\n");
+    turnColored();
+    EXPECT_EQ(gnome.everything(), before);
+    turnGray();
+    filter.reset();
+    EXPECT_EQ(gnome.everything(), before);
+}
+
+TEST_F(MagnifierFilterTest, ValuesThatTheUserHasNeverSetAreDefaultsAgain) {
+    filter.emplace(stateFile);
+    turnGray();
+    turnColored();
+    const auto keyFile =
+        contentOf(gnome.environment().at("XDG_CONFIG_HOME") + "/glib-2.0/settings/keyfile");
+    EXPECT_EQ(keyFile.find('='), std::string::npos) << keyFile;
+}
+
+TEST_F(MagnifierFilterTest, MagnifierThatTheUserHasOnLosesItsColorsAndNothingElse) {
+    gnome.set(GnomeSettings::applications, "screen-magnifier-enabled", "true");
+    gnome.set(GnomeSettings::magnifier, "mag-factor", "4.0");
+    const auto before = gnome.everything();
+    filter.emplace(stateFile);
+    turnGray();
+    EXPECT_EQ(gnome.get(GnomeSettings::magnifier, "mag-factor"), "4.0\n");
+    turnColored();
+    EXPECT_EQ(gnome.everything(), before);
+}
+
+TEST_F(MagnifierFilterTest, GrayOfTheUsersOwnIsRecognised) {
+    gnome.set(GnomeSettings::applications, "screen-magnifier-enabled", "true");
+    gnome.set(GnomeSettings::magnifier, "color-saturation", "0.0");
+    filter.emplace(stateFile);
+    EXPECT_TRUE(filter->isOn());
+}
+
+TEST_F(MagnifierFilterTest, QuickSwitchingEndsAsItWasLeft) {
+    const auto before = gnome.everything();
+    filter.emplace(stateFile);
+    for (int i = 0; i < 5; ++i) {
+        filter->setOn(true);
+        filter->setOn(false);
+    }
+    filter->setOn(true);
+    ASSERT_TRUE(serveUntil([&] { return gnome.isGray(); }));
+    filter->setOn(false);
+    filter.reset();
+    EXPECT_EQ(gnome.everything(), before);
+}
+
+TEST_F(MagnifierFilterTest, NoteThatSomebodyHasEditedHarmsNothing) {
+    const auto before = gnome.everything();
+    std::filesystem::create_directories(stateFile.parent_path());
+    writeFile(stateFile, "[org.gnome.desktop.a11y.magnifier]\nmag-factor='x'\nno-such-key=1\n"
+                         "color-saturation=\n[org.gnome.nothing]\nkey=1\n");
+    filter.emplace(stateFile);
+    EXPECT_TRUE(filter->isAvailable());
+    EXPECT_EQ(gnome.everything(), before);
+    EXPECT_FALSE(std::filesystem::exists(stateFile));
+}
+
+} // namespace
+} // namespace nocta
