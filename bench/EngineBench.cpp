@@ -1,11 +1,18 @@
-// What the arithmetic of the tables costs, without any display server.
+// What the arithmetic of the tables and of the sun costs, without any display server.
 
+#include "app/AppDelegate.h"
 #include "app/SharedInstances.h"
 #include "backends/virtual/VirtualDesktop.h"
+#include "base/Calendar.h"
+#include "color/SunCalculator.h"
 #include "display/GammaController.h"
 #include "display/GammaTables.h"
+#include "support/TimeZone.h"
 
 #include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdint>
 
 namespace nocta {
 namespace {
@@ -87,6 +94,63 @@ void setDimmingOnFourDisplaysWithTrace(benchmark::State& state) {
     }
 }
 BENCHMARK(setDimmingOnFourDisplaysWithTrace);
+
+constexpr auto noon =
+    WallTime(std::chrono::sys_days(std::chrono::year(2026) / 6 / 21)) + std::chrono::hours(10);
+
+/// Sunrise and sunset of a day.
+void calculateSun(benchmark::State& state) {
+    const TimeZone zone(zone::berlin); // else the C library looks for a changed file at each call
+    double latitude = 52.52;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(latitude);
+        auto times = SunCalculator::calculate(noon, latitude, 13.405, noon);
+        benchmark::DoNotOptimize(times);
+    }
+}
+BENCHMARK(calculateSun);
+
+/// What the calculation asks of the calendar, and nothing else.
+void calendarCallsOfTheSun(benchmark::State& state) {
+    const TimeZone zone(zone::berlin);
+    auto now = noon;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(now);
+        auto number = Calendar::dayOfYear(now);
+        auto offset = Calendar::offsetFromGMT(now);
+        auto sunrise = Calendar::instantAt(Calendar::dayOf(now), 4, 43);
+        auto sunset = Calendar::instantAt(Calendar::dayOf(now), 21, 33);
+        benchmark::DoNotOptimize(number);
+        benchmark::DoNotOptimize(offset);
+        benchmark::DoNotOptimize(sunrise);
+        benchmark::DoNotOptimize(sunset);
+    }
+}
+BENCHMARK(calendarCallsOfTheSun);
+
+class NoViews final : public Views {
+public:
+    std::unique_ptr<View> makePopoverContentView() override { return nullptr; }
+};
+
+/// The whole program at rest in automatic mode, one display: an hour of the virtual clock.
+void idleHour(benchmark::State& state) {
+    VirtualDesktop desktop;
+    desktop.displays.plug({.id = 1});
+    SharedInstances instances(desktop.ports);
+    NoViews views;
+    AppDelegate delegate(instances, views);
+    desktop.application.launch(delegate);
+    double tables = 0;
+    for (auto _ : state) {
+        desktop.trace.clear();
+        desktop.runLoop.advance(std::chrono::hours(1));
+        tables += static_cast<double>(desktop.trace.calls("setDisplayTransferByTable").size());
+    }
+    state.counters["tables"] = tables / static_cast<double>(state.iterations());
+    desktop.application.terminate();
+}
+BENCHMARK(idleHour)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 } // namespace nocta

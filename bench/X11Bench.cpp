@@ -18,8 +18,9 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstdio>
+#include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -33,26 +34,36 @@ public:
     std::unique_ptr<View> makePopoverContentView() override { return nullptr; }
 };
 
-void useOutputs(const XServer& server, std::int64_t count) {
-    for (std::int64_t i = 1; i < count; ++i) {
-        const auto name = "DUMMY" + std::to_string(i);
-        server.xrandr({"--addmode", name, "1280x720"});
-        server.xrandr({"--output", name, "--mode", "1280x720", "--pos",
-                       std::to_string(i % 3 * 1280) + "x" + std::to_string(i / 3 * 720)});
+/// An X server with so many outputs in use.
+struct ServerWithOutputs : XServer {
+    explicit ServerWithOutputs(std::int64_t count) : XServer(Kind::xorgDummy) {
+        for (std::int64_t i = 1; i < count; ++i) {
+            const auto name = "DUMMY" + std::to_string(i);
+            xrandr({"--addmode", name, "1280x720"});
+            xrandr({"--output", name, "--mode", "1280x720", "--pos",
+                    std::to_string(i % 3 * 1280) + "x" + std::to_string(i / 3 * 720)});
+        }
     }
-}
+};
 
-/// A brightness written to the settings until the X server's requests are flushed, everything
-/// between included but the file of the settings.
-void sliderToServer(benchmark::State& state) {
-    const XServer server(XServer::Kind::xorgDummy);
-    useOutputs(server, state.range(0));
+/// The program's services and a real X server, on the event loop of the desktop; no file is
+/// written.
+struct SessionOnX11 {
+    explicit SessionOnX11(std::int64_t outputs) : server(outputs) {
+        delegate.applicationDidFinishLaunching();
+        QCoreApplication::processEvents();
+    }
+    SessionOnX11(const SessionOnX11&) = delete;
+    SessionOnX11& operator=(const SessionOnX11&) = delete;
+    ~SessionOnX11() { delegate.applicationWillTerminate(); }
+
+    ServerWithOutputs server;
     VirtualDesktop desktop; // for the ports that take no part
     QtRunLoop runLoop;
-    X11Connection connection(runLoop);
-    X11Displays displays(connection, runLoop, desktop.notificationCenter);
-    Guardian guardian(connection);
-    X11GammaOutput gammaOutput(connection, displays, guardian);
+    X11Connection connection{runLoop};
+    X11Displays displays{connection, runLoop, desktop.notificationCenter};
+    Guardian guardian{connection};
+    X11GammaOutput gammaOutput{connection, displays, guardian};
     Desktop ports{.runLoop = runLoop,
                   .notificationCenter = desktop.notificationCenter,
                   .userDefaults = desktop.userDefaults,
@@ -67,25 +78,61 @@ void sliderToServer(benchmark::State& state) {
                   .statusBar = desktop.statusBar,
                   .popover = desktop.popover,
                   .application = desktop.application};
-    SharedInstances instances(ports);
+    SharedInstances instances{ports};
     NoViews views;
-    AppDelegate delegate(instances, views);
-    delegate.applicationDidFinishLaunching();
-    QCoreApplication::processEvents();
+    AppDelegate delegate{instances, views};
+};
 
+/// A brightness written to the settings until the X server's requests are flushed, everything
+/// between included but the file of the settings.
+void sliderToServer(benchmark::State& state) {
+    SessionOnX11 session(state.range(0));
     double brightness = 0;
     for (auto _ : state) {
         brightness = brightness < 1 ? brightness + 0.01 : 0.1;
-        instances.settingsManager().unifiedBrightness.set(brightness);
+        session.instances.settingsManager().unifiedBrightness.set(brightness);
         QCoreApplication::processEvents(); // the end of the turn, with the flush
-        desktop.trace.clear();
+        session.desktop.trace.clear();
         state.PauseTiming();
-        connection.synchronize(); // an idle server for the next step, as between two of a hand
+        session.connection
+            .synchronize(); // an idle server for the next step, as between two of a hand
         state.ResumeTiming();
     }
-    delegate.applicationWillTerminate();
 }
 BENCHMARK(sliderToServer)->Arg(1)->Arg(4)->Unit(benchmark::kMicrosecond);
+
+double processorSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+/// This process's processor time from automatic warmth being switched until the fifteenth step of
+/// the glide has been sent, at the glide's own pace.
+void glideToServer(benchmark::State& state) {
+    SessionOnX11 session(state.range(0));
+    auto& settings = session.instances.settingsManager();
+    settings.warmthLevel.set(0.5);
+    auto& shown = session.instances.colorTemperatureService().currentTemperature;
+    for (auto _ : state) {
+        int steps = 0;
+        const auto count = shown.subscribe([&](std::int64_t /*kelvin*/) { ++steps; });
+        const auto before = processorSeconds();
+        settings.autoWarmthEnabled.set(!settings.autoWarmthEnabled.get());
+        while (steps < 15) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        QCoreApplication::processEvents();
+        state.SetIterationTime(processorSeconds() - before);
+        session.desktop.trace.clear();
+    }
+}
+BENCHMARK(glideToServer)
+    ->Arg(1)
+    ->Arg(4)
+    ->UseManualTime()
+    ->Iterations(20)
+    ->Unit(benchmark::kMicrosecond);
 
 /// A system tray that hosts nothing, but hears who asks to be hosted.
 class Tray {
