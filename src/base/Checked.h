@@ -38,4 +38,12 @@ inline std::int64_t checkedDifference(std::int64_t a, std::int64_t b) {
     return difference;
 }
 
+inline std::int64_t checkedProduct(std::int64_t a, std::int64_t b) {
+    std::int64_t product = 0;
+    if (__builtin_mul_overflow(a, b, &product)) {
+        stopProgram("a product is too large for an integer");
+    }
+    return product;
+}
+
 } // namespace nocta

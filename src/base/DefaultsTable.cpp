@@ -18,7 +18,7 @@ Number numberFrom(const DefaultsValue* value) {
     return std::visit(
         [](const auto& held) -> Number {
             using Held = std::decay_t<decltype(held)>;
-            if constexpr (std::is_same_v<Held, std::string>) {
+            if constexpr (!std::is_arithmetic_v<Held>) {
                 return Number{};
             } else if constexpr (std::is_same_v<Number, bool>) {
                 return held != Held{};
@@ -54,9 +54,18 @@ std::int64_t DefaultsTable::integerForKey(std::string_view key) const {
 }
 
 std::optional<std::string> DefaultsTable::stringForKey(std::string_view key) const {
+    return objectForKey<std::string>(key);
+}
+
+std::optional<DefaultsData> DefaultsTable::dataForKey(std::string_view key) const {
+    return objectForKey<DefaultsData>(key);
+}
+
+template <class Object>
+std::optional<Object> DefaultsTable::objectForKey(std::string_view key) const {
     const auto* const value = find(key);
-    const auto* const text = value == nullptr ? nullptr : std::get_if<std::string>(value);
-    return text == nullptr ? std::nullopt : std::optional(*text);
+    const auto* const object = value == nullptr ? nullptr : std::get_if<Object>(value);
+    return object == nullptr ? std::nullopt : std::optional(*object);
 }
 
 void DefaultsTable::set(std::string_view key, DefaultsValue value) {

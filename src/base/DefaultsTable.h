@@ -6,16 +6,23 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 namespace nocta {
 
-using DefaultsValue = std::variant<bool, std::int64_t, double, std::string>;
+/// Bytes that mean something to who has stored them.
+struct DefaultsData {
+    std::vector<std::uint8_t> bytes;
+    bool operator==(const DefaultsData&) const = default;
+};
+
+using DefaultsValue = std::variant<bool, std::int64_t, double, std::string, DefaultsData>;
 using DefaultsMap = std::map<std::string, DefaultsValue, std::less<>>;
 
 /// Typed values by key over a layer of registered defaults: the rules that every defaults store
 /// shares. A getter returns the stored value, else the registered one, else its zero. Numbers and
-/// booleans convert to each other; text read as a number, a number read as text, and a number that
-/// does not fit give the zero.
+/// booleans convert to each other; anything else read as another type, and a number that does not
+/// fit, give the zero.
 class DefaultsTable {
 public:
     void registerDefaults(const DefaultsMap& defaults);
@@ -24,6 +31,7 @@ public:
     bool boolForKey(std::string_view key) const;
     std::int64_t integerForKey(std::string_view key) const;
     std::optional<std::string> stringForKey(std::string_view key) const;
+    std::optional<DefaultsData> dataForKey(std::string_view key) const;
 
     void set(std::string_view key, DefaultsValue value);
     void remove(std::string_view key);
@@ -33,6 +41,8 @@ public:
 
 private:
     const DefaultsValue* find(std::string_view key) const;
+    template <class Object>
+    std::optional<Object> objectForKey(std::string_view key) const;
 
     DefaultsMap registered_;
     DefaultsMap stored_;

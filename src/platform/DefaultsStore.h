@@ -23,11 +23,13 @@ public:
     virtual bool boolForKey(std::string_view key) const = 0;
     virtual std::int64_t integerForKey(std::string_view key) const = 0;
     virtual std::optional<std::string> stringForKey(std::string_view key) const = 0;
+    virtual std::optional<DefaultsData> dataForKey(std::string_view key) const = 0;
 
     virtual void setDouble(double value, std::string_view key) = 0;
     virtual void setBool(bool value, std::string_view key) = 0;
     virtual void setInteger(std::int64_t value, std::string_view key) = 0;
     virtual void setObject(std::string_view value, std::string_view key) = 0;
+    virtual void setObject(DefaultsData value, std::string_view key) = 0;
     virtual void removeObjectForKey(std::string_view key) = 0;
 
     virtual void synchronize() = 0;

@@ -7,7 +7,8 @@
 
 namespace nocta {
 
-// The virtual key codes of the two brightness keys.
+// Virtual key codes.
+inline constexpr std::int64_t spaceKeyCode = 49;
 inline constexpr std::int64_t brightnessDownKeyCode = 144;
 inline constexpr std::int64_t brightnessUpKeyCode = 145;
 

@@ -67,6 +67,25 @@ TYPED_TEST_P(DefaultsStoreContract, ValuesReadBackExactly) {
     }
 }
 
+TYPED_TEST_P(DefaultsStoreContract, DataReadBackExactlyAndAsNothingElse) {
+    DefaultsData everyByte;
+    for (int byte = 0; byte < 256; ++byte) {
+        everyByte.bytes.push_back(static_cast<std::uint8_t>(byte));
+    }
+    const std::string json = R"({"totalBreaks":3,"text":"\"@\\"})";
+    for (const auto& value :
+         {DefaultsData{}, everyByte, DefaultsData{{json.begin(), json.end()}}}) {
+        this->store().setObject(value, "data");
+        EXPECT_EQ(this->store().dataForKey("data"), value);
+        EXPECT_EQ(this->store().stringForKey("data"), std::nullopt);
+        EXPECT_EQ(this->store().integerForKey("data"), 0);
+    }
+    this->store().setObject("@\"text\"", "s");
+    EXPECT_EQ(this->store().dataForKey("s"), std::nullopt);
+    EXPECT_EQ(this->store().stringForKey("s"), "@\"text\"");
+    EXPECT_EQ(this->store().dataForKey("missing"), std::nullopt);
+}
+
 TYPED_TEST_P(DefaultsStoreContract, TextReadAsANumberAndANumberReadAsTextAreTheZero) {
     this->store().registerDefaults({{"n", 0.75}, {"s", "eye"}});
     this->store().setObject("moon", "n");
@@ -92,6 +111,7 @@ TYPED_TEST_P(DefaultsStoreContract, NumbersConvertToEachOther) {
 REGISTER_TYPED_TEST_SUITE_P(DefaultsStoreContract, MissingKeyReadsAsZero,
                             MissingKeyReadsAsItsRegisteredDefault,
                             StoredValueHidesTheDefaultUntilItIsRemoved, ValuesReadBackExactly,
+                            DataReadBackExactlyAndAsNothingElse,
                             TextReadAsANumberAndANumberReadAsTextAreTheZero,
                             NumbersConvertToEachOther);
 

@@ -4,6 +4,7 @@
 #include "platform/DefaultsStore.h"
 
 #include <filesystem>
+#include <utility>
 
 namespace nocta {
 
@@ -30,11 +31,17 @@ public:
     std::optional<std::string> stringForKey(std::string_view key) const override {
         return table_.stringForKey(key);
     }
+    std::optional<DefaultsData> dataForKey(std::string_view key) const override {
+        return table_.dataForKey(key);
+    }
     void setDouble(double value, std::string_view key) override { set(value, key); }
     void setBool(bool value, std::string_view key) override { set(value, key); }
     void setInteger(std::int64_t value, std::string_view key) override { set(value, key); }
     void setObject(std::string_view value, std::string_view key) override {
         set(std::string(value), key);
+    }
+    void setObject(DefaultsData value, std::string_view key) override {
+        set(std::move(value), key);
     }
     void removeObjectForKey(std::string_view key) override;
     void synchronize() override;

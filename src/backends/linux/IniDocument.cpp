@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r";
 constexpr std::string_view generalSection = "[General]";
+constexpr char dataMark = '@';
 
 struct Escape {
     char plain;
@@ -75,7 +76,7 @@ std::optional<std::string> parseQuoted(std::string_view text) {
     return plain;
 }
 
-std::string quoted(std::string_view plain) {
+std::string quoted(const std::string& plain) {
     std::string text = "\"";
     for (const auto character : plain) {
         const auto* const escape = std::ranges::find(escapes, character, &Escape::plain);
@@ -106,6 +107,11 @@ DefaultsValue parseValue(std::string_view text) {
     if (const auto number = parseNumber<double>(text); number && std::isfinite(*number)) {
         return *number;
     }
+    if (text.starts_with(dataMark)) {
+        if (const auto bytes = parseQuoted(text.substr(1))) {
+            return DefaultsData{{bytes->begin(), bytes->end()}};
+        }
+    }
     return parseQuoted(text).value_or(std::string(text));
 }
 
@@ -114,6 +120,9 @@ std::string valueText(const DefaultsValue& value) {
         const auto readsBack =
             parseValue(trimmed(*text)) == value && std::ranges::none_of(*text, isControl);
         return readsBack ? *text : quoted(*text);
+    }
+    if (const auto* const data = std::get_if<DefaultsData>(&value)) {
+        return dataMark + quoted({data->bytes.begin(), data->bytes.end()});
     }
     if (const auto* const flag = std::get_if<bool>(&value)) {
         return *flag ? "true" : "false";

@@ -12,7 +12,8 @@ namespace nocta {
 /// Everything else, other sections and comments too, stays in place when it is written back.
 ///
 /// Values are `true`, `false`, numbers in C notation, and text; text that would read as something
-/// else is written in double quotes with the escapes \\, \", \n, \r, \t and \xHH.
+/// else is written in double quotes with the escapes \\, \", \n, \r, \t and \xHH. Data are written
+/// like such a text, after an @.
 class IniDocument {
 public:
     /// Reads what can be read of any text.

@@ -1,5 +1,7 @@
 #include "backends/virtual/MemoryDefaultsStore.h"
 
+#include <utility>
+
 namespace nocta {
 
 void MemoryDefaultsStore::registerDefaults(const DefaultsMap& defaults) {
@@ -27,6 +29,11 @@ std::optional<std::string> MemoryDefaultsStore::stringForKey(std::string_view ke
     return table.stringForKey(key);
 }
 
+std::optional<DefaultsData> MemoryDefaultsStore::dataForKey(std::string_view key) const {
+    record("dataForKey", key);
+    return table.dataForKey(key);
+}
+
 void MemoryDefaultsStore::setDouble(double value, std::string_view key) {
     record("setDouble", key);
     table.set(key, value);
@@ -45,6 +52,11 @@ void MemoryDefaultsStore::setInteger(std::int64_t value, std::string_view key) {
 void MemoryDefaultsStore::setObject(std::string_view value, std::string_view key) {
     record("setObject", key);
     table.set(key, std::string(value));
+}
+
+void MemoryDefaultsStore::setObject(DefaultsData value, std::string_view key) {
+    record("setObject", key);
+    table.set(key, std::move(value));
 }
 
 void MemoryDefaultsStore::removeObjectForKey(std::string_view key) {

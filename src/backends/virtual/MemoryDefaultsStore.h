@@ -18,10 +18,12 @@ public:
     bool boolForKey(std::string_view key) const override;
     std::int64_t integerForKey(std::string_view key) const override;
     std::optional<std::string> stringForKey(std::string_view key) const override;
+    std::optional<DefaultsData> dataForKey(std::string_view key) const override;
     void setDouble(double value, std::string_view key) override;
     void setBool(bool value, std::string_view key) override;
     void setInteger(std::int64_t value, std::string_view key) override;
     void setObject(std::string_view value, std::string_view key) override;
+    void setObject(DefaultsData value, std::string_view key) override;
     void removeObjectForKey(std::string_view key) override;
     void synchronize() override;
 

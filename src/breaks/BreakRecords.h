@@ -1,0 +1,75 @@
+#pragma once
+
+#include "base/RunLoop.h"
+#include "base/Uuid.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <cstdint>
+#include <variant>
+
+namespace nocta {
+
+/// Why the countdown was stopped.
+enum class PauseReason { meeting, userPaused };
+
+/// The countdown to the next break runs.
+struct Counting {
+    double timeUntilBreak = 0; ///< seconds
+    bool operator==(const Counting&) const = default;
+};
+
+/// A break is in progress.
+struct Active {
+    double timeRemaining = 0; ///< seconds
+    bool operator==(const Active&) const = default;
+};
+
+struct Paused {
+    PauseReason reason = PauseReason::meeting;
+    bool operator==(const Paused&) const = default;
+};
+
+/// The break was put off.
+struct Snoozed {
+    WallTime until;
+    bool operator==(const Snoozed&) const = default;
+};
+
+/// Break reminders are off or were not started.
+struct Idle {
+    bool operator==(const Idle&) const = default;
+};
+
+using BreakState = std::variant<Counting, Active, Paused, Snoozed, Idle>;
+
+/// One break. At its end exactly one of the three outcomes is set.
+struct BreakSession {
+    Uuid id;
+    WallTime startTime;
+    WallTime endTime; ///< the start until the break has ended
+    bool wasCompleted = false;
+    bool wasSkipped = false;
+    bool wasSnoozed = false;
+    bool operator==(const BreakSession&) const = default;
+};
+
+/// Running totals of every break since the program was installed.
+struct BreakStatistics {
+    std::int64_t totalBreaks = 0;
+    std::int64_t completedBreaks = 0;
+    std::int64_t skippedBreaks = 0;
+    std::int64_t snoozedBreaks = 0;
+    double totalBreakTime = 0; ///< seconds, of completed breaks only
+    bool operator==(const BreakStatistics&) const = default;
+};
+
+// JSON objects whose keys are the fields' names. Times are seconds since the first instant of 2001
+// UTC. Reading throws nlohmann::json::exception for anything that is not exactly such an object,
+// other keys apart, which are ignored.
+void to_json(nlohmann::json& json, const BreakSession& session);
+void from_json(const nlohmann::json& json, BreakSession& session);
+void to_json(nlohmann::json& json, const BreakStatistics& statistics);
+void from_json(const nlohmann::json& json, BreakStatistics& statistics);
+
+} // namespace nocta
