@@ -131,6 +131,10 @@ BENCHMARK(calendarCallsOfTheSun);
 class NoViews final : public Views {
 public:
     std::unique_ptr<View> makePopoverContentView() override { return nullptr; }
+    std::unique_ptr<View> makeBreakOverlayView(std::function<void()> /*onSkip*/,
+                                               std::function<void()> /*onSnooze*/) override {
+        return nullptr;
+    }
 };
 
 /// The whole program at rest in automatic mode, one display: an hour of the virtual clock.

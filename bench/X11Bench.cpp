@@ -32,6 +32,10 @@ namespace {
 class NoViews final : public Views {
 public:
     std::unique_ptr<View> makePopoverContentView() override { return nullptr; }
+    std::unique_ptr<View> makeBreakOverlayView(std::function<void()> /*onSkip*/,
+                                               std::function<void()> /*onSnooze*/) override {
+        return nullptr;
+    }
 };
 
 /// An X server with so many outputs in use.
@@ -75,6 +79,9 @@ struct SessionOnX11 {
                   .locationManager = desktop.location,
                   .dynamicLibraries = desktop.filter,
                   .displayFilter = desktop.filter,
+                  .workspace = desktop.workspace,
+                  .userNotificationCenter = desktop.notifications,
+                  .overlayWindows = desktop.overlayWindows,
                   .statusBar = desktop.statusBar,
                   .popover = desktop.popover,
                   .application = desktop.application};

@@ -13,7 +13,7 @@ namespace {
 using Rooms = std::set<std::string>;
 
 // Which room may include which besides itself.
-const Rooms services = {"settings", "display", "color", "grayscale", "system"};
+const Rooms services = {"settings", "display", "color", "grayscale", "breaks", "system"};
 
 Rooms with(Rooms rooms, const Rooms& more) {
     rooms.insert(more.begin(), more.end());
@@ -27,6 +27,7 @@ const std::map<std::string, Rooms> allowed = {
     {"display", with(services, {"base", "platform"})},
     {"color", with(services, {"base", "platform"})},
     {"grayscale", with(services, {"base", "platform"})},
+    {"breaks", with(services, {"base", "platform"})},
     {"system", with(services, {"base", "platform"})},
     {"app", with(services, {"base", "platform"})},
     {"ui", with(services, {"base", "platform", "app"})},

@@ -12,12 +12,17 @@ AppDelegate::AppDelegate(SharedInstances& instances, Views& views)
     : desktop_(instances.desktop()), views_(views), settingsManager_(instances.settingsManager()),
       gammaController_(instances.gammaController()),
       brightnessController_(instances.brightnessController()),
-      grayscaleService_(instances.grayscaleService()),
+      grayscaleService_(instances.grayscaleService()), breakTimer_(instances.breakTimer()),
+      breakOverlayController_(breakTimer_, desktop_.overlayWindows, desktop_.application, views,
+                              desktop_.notificationCenter, desktop_.runLoop),
       colorTemperatureService_(instances.colorTemperatureService()),
       displayService_(instances.displayService()), locationService_(instances.locationService()),
+      meetingDetectorService_(instances.meetingDetectorService()),
+      notificationService_(instances.notificationService()),
       scheduleService_(instances.scheduleService()),
       shortcutsManager_(instances.shortcutsManager()),
-      brightnessApplier_(instances.brightnessApplier()) {}
+      brightnessApplier_(instances.brightnessApplier()),
+      appMonitorService_(instances.appMonitorService()) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
     makeStatusItem();
@@ -32,6 +37,7 @@ void AppDelegate::applicationDidReopen() {
 }
 
 void AppDelegate::applicationWillTerminate() {
+    breakTimer_.stop();
     desktop_.gammaOutput.displayRestoreColorSyncSettings();
     gammaController_.clearRecords();
     desktop_.userDefaults.synchronize();
@@ -76,7 +82,17 @@ void AppDelegate::startServices() {
     if (settingsManager_.autoWarmthEnabled.get()) {
         colorTemperatureService_.startAutomaticMode();
     }
+    meetingDetectorService_.startObserving();
+    meetingDetectorService_.startPolling();
+    meetingDetectorService_.checkFrontmostApplication();
     shortcutsManager_.startMonitoring();
+    appMonitorService_.startMonitoring();
+    appMonitorService_.frontmostApp.set(desktop_.workspace.frontmostApplication());
+    appMonitorService_.updateFullscreen();
+    notificationService_.requestAuthorization();
+    if (settingsManager_.breakTimerEnabled.get()) {
+        breakTimer_.start();
+    }
 
     // The tables darken at once, by the lower half's rule alone; the applier then brings in the
     // backlight and the faint glow.
@@ -100,6 +116,13 @@ void AppDelegate::subscribeToSettings() {
         [this](bool on) { grayscaleService_.setGrayscale(on); }));
     cancellables_.push_back(settingsManager_.menuBarIcon.subscribe(
         [this](MenuBarIcon icon) { drawStatusItemIcon(icon); }));
+    cancellables_.push_back(settingsManager_.breakTimerEnabled.subscribe([this](bool enabled) {
+        if (enabled) {
+            breakTimer_.start();
+        } else {
+            breakTimer_.stop();
+        }
+    }));
     cancellables_.push_back(settingsManager_.locationEnabled.subscribe([this](bool enabled) {
         if (enabled) {
             locationService_.locationManager().requestWhenInUseAuthorization();

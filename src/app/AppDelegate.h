@@ -2,6 +2,7 @@
 
 #include "app/SharedInstances.h"
 #include "base/Subscription.h"
+#include "breaks/BreakOverlayController.h"
 #include "platform/Application.h"
 #include "platform/Popover.h"
 #include "platform/StatusBar.h"
@@ -43,12 +44,17 @@ private:
     GammaController& gammaController_;
     BrightnessController& brightnessController_;
     GrayscaleService& grayscaleService_;
+    BreakTimer& breakTimer_;
+    BreakOverlayController breakOverlayController_;
     ColorTemperatureService& colorTemperatureService_;
     DisplayService& displayService_;
     LocationService& locationService_;
+    MeetingDetectorService& meetingDetectorService_;
+    NotificationService& notificationService_;
     ScheduleService& scheduleService_;
     ShortcutsManager& shortcutsManager_;
     UnifiedBrightnessApplier& brightnessApplier_;
+    AppMonitorService& appMonitorService_;
     bool servicesStarted_ = false;
     Cancellables cancellables_;
 };

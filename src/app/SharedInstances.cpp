@@ -64,6 +64,20 @@ GrayscaleService& SharedInstances::grayscaleService() {
                 desktop_.displayFilter, desktop_.runLoop);
 }
 
+MeetingDetectorService& SharedInstances::meetingDetectorService() {
+    return made(meetingDetectorService_, desktop_.workspace, desktop_.notificationCenter,
+                desktop_.runLoop);
+}
+
+BreakTimer& SharedInstances::breakTimer() {
+    return made(breakTimer_, settingsManager(), meetingDetectorService(), desktop_.userDefaults,
+                desktop_.uuidSource, desktop_.notificationCenter, desktop_.runLoop);
+}
+
+NotificationService& SharedInstances::notificationService() {
+    return made(notificationService_, desktop_.userNotificationCenter, breakTimer());
+}
+
 LocationService& SharedInstances::locationService() {
     return made(locationService_, desktop_.locationManager, settingsManager());
 }
@@ -79,6 +93,10 @@ ColorTemperatureService& SharedInstances::colorTemperatureService() {
 
 ShortcutsManager& SharedInstances::shortcutsManager() {
     return made(shortcutsManager_, settingsManager(), brightnessApplier(), desktop_.keyEvents);
+}
+
+AppMonitorService& SharedInstances::appMonitorService() {
+    return made(appMonitorService_, desktop_.workspace, desktop_.notificationCenter);
 }
 
 const BuiltInProfiles& Profile::builtInProfiles() {
@@ -107,6 +125,22 @@ UnifiedBrightnessApplier& UnifiedBrightnessApplier::shared() {
 
 GrayscaleService& GrayscaleService::shared() {
     return instances().grayscaleService();
+}
+
+MeetingDetectorService& MeetingDetectorService::shared() {
+    return instances().meetingDetectorService();
+}
+
+BreakTimer& BreakTimer::shared() {
+    return instances().breakTimer();
+}
+
+NotificationService& NotificationService::shared() {
+    return instances().notificationService();
+}
+
+AppMonitorService& AppMonitorService::shared() {
+    return instances().appMonitorService();
 }
 
 LocationService& LocationService::shared() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "breaks/BreakTimer.h"
+#include "breaks/MeetingDetectorService.h"
 #include "color/ColorTemperatureService.h"
 #include "color/LocationService.h"
 #include "color/ScheduleService.h"
@@ -11,6 +13,8 @@
 #include "platform/Desktop.h"
 #include "settings/Profile.h"
 #include "settings/SettingsManager.h"
+#include "system/AppMonitorService.h"
+#include "system/NotificationService.h"
 #include "system/ShortcutsManager.h"
 
 #include <optional>
@@ -36,10 +40,14 @@ public:
     BrightnessController& brightnessController();
     UnifiedBrightnessApplier& brightnessApplier();
     GrayscaleService& grayscaleService();
+    MeetingDetectorService& meetingDetectorService();
+    BreakTimer& breakTimer();
+    NotificationService& notificationService();
     LocationService& locationService();
     ScheduleService& scheduleService();
     ColorTemperatureService& colorTemperatureService();
     ShortcutsManager& shortcutsManager();
+    AppMonitorService& appMonitorService();
 
 private:
     Desktop& desktop_;
@@ -52,10 +60,14 @@ private:
     std::optional<BrightnessController> brightnessController_;
     std::optional<UnifiedBrightnessApplier> brightnessApplier_;
     std::optional<GrayscaleService> grayscaleService_;
+    std::optional<MeetingDetectorService> meetingDetectorService_;
+    std::optional<BreakTimer> breakTimer_;
+    std::optional<NotificationService> notificationService_;
     std::optional<LocationService> locationService_;
     std::optional<ScheduleService> scheduleService_;
     std::optional<ColorTemperatureService> colorTemperatureService_;
     std::optional<ShortcutsManager> shortcutsManager_;
+    std::optional<AppMonitorService> appMonitorService_;
 };
 
 } // namespace nocta

@@ -25,6 +25,10 @@ public:
     /// from `terminate`, a signal or the end of the session; the delegate is told of each.
     virtual int run(ApplicationDelegate& delegate) = 0;
 
+    /// Brings the program to the front, whatever is there. Stands for
+    /// activateIgnoringOtherApps:.
+    virtual void activateIgnoringOtherApps() = 0;
+
     /// Ends `run` after the work that runs now. Stands for terminate:.
     virtual void terminate() = 0;
 };

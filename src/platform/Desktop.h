@@ -11,9 +11,12 @@
 #include "platform/GammaOutput.h"
 #include "platform/KeyEvents.h"
 #include "platform/LocationManager.h"
+#include "platform/OverlayWindows.h"
 #include "platform/Popover.h"
 #include "platform/StatusBar.h"
+#include "platform/UserNotificationCenter.h"
 #include "platform/UuidSource.h"
+#include "platform/Workspace.h"
 
 #include <memory>
 
@@ -33,6 +36,9 @@ struct Desktop {
     LocationManager& locationManager;
     DynamicLibraries& dynamicLibraries;
     DisplayFilter& displayFilter;
+    Workspace& workspace;
+    UserNotificationCenter& userNotificationCenter;
+    OverlayWindows& overlayWindows;
     StatusBar& statusBar;
     Popover& popover;
     Application& application;

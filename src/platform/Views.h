@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 namespace nocta {
@@ -20,6 +21,8 @@ public:
     virtual ~Views() = default;
 
     virtual std::unique_ptr<View> makePopoverContentView() = 0;
+    virtual std::unique_ptr<View> makeBreakOverlayView(std::function<void()> onSkip,
+                                                       std::function<void()> onSnooze) = 0;
 };
 
 } // namespace nocta

@@ -22,6 +22,10 @@ public:
 class NoViews final : public Views {
 public:
     std::unique_ptr<View> makePopoverContentView() override { return std::make_unique<NoView>(); }
+    std::unique_ptr<View> makeBreakOverlayView(std::function<void()> /*onSkip*/,
+                                               std::function<void()> /*onSnooze*/) override {
+        return std::make_unique<NoView>();
+    }
 };
 
 /// The output level for the brightest input, in per cent.

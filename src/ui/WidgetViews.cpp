@@ -1,5 +1,6 @@
 #include "ui/WidgetViews.h"
 
+#include "ui/BreakOverlayView.h"
 #include "ui/PopoverContentView.h"
 
 #include <utility>
@@ -24,6 +25,14 @@ std::unique_ptr<View> WidgetViews::makePopoverContentView() {
     auto& application = instances_.desktop().application;
     return std::make_unique<WidgetView>(std::make_unique<PopoverContentView>(
         instances_.settingsManager(), [&application] { application.terminate(); }));
+}
+
+std::unique_ptr<View> WidgetViews::makeBreakOverlayView(std::function<void()> onSkip,
+                                                        std::function<void()> onSnooze) {
+    auto& desktop = instances_.desktop();
+    return std::make_unique<WidgetView>(std::make_unique<BreakOverlayView>(
+        instances_.breakTimer(), instances_.settingsManager(), desktop.workspace, desktop.runLoop,
+        std::move(onSkip), std::move(onSnooze)));
 }
 
 } // namespace nocta

@@ -11,6 +11,8 @@ public:
     explicit WidgetViews(SharedInstances& instances) : instances_(instances) {}
 
     std::unique_ptr<View> makePopoverContentView() override;
+    std::unique_ptr<View> makeBreakOverlayView(std::function<void()> onSkip,
+                                               std::function<void()> onSnooze) override;
 
 private:
     SharedInstances& instances_;

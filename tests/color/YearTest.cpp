@@ -96,7 +96,9 @@ struct SunDay {
 TEST_P(YearTest, EveryMinuteAgreesWithAnIndependentComputation) {
     plugExternal();
     desktop.runLoop.setWallClock(Calendar::instantAt({2026, 1, 1}, 0, 0).value() + 7s);
-    launch();
+    gamma().start(desktop.notificationCenter);
+    schedule().start();
+    colorTemperature().startAutomaticMode();
     desktop.location.send(GetParam().location);
 
     SunDay day;

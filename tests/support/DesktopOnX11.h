@@ -37,6 +37,9 @@ protected:
                                    .locationManager = *locationManager,
                                    .dynamicLibraries = *filter_,
                                    .displayFilter = *filter_,
+                                   .workspace = desktop.workspace,
+                                   .userNotificationCenter = desktop.notifications,
+                                   .overlayWindows = desktop.overlayWindows,
                                    .statusBar = desktop.statusBar,
                                    .popover = desktop.popover,
                                    .application = desktop.application});

@@ -6,9 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace nocta {
@@ -23,6 +25,16 @@ public:
         ++made;
         return std::make_unique<Blank>(alive);
     }
+    std::unique_ptr<View> makeBreakOverlayView(std::function<void()> skip,
+                                               std::function<void()> snooze) override {
+        onSkip = std::move(skip);
+        onSnooze = std::move(snooze);
+        return std::make_unique<Blank>(alive);
+    }
+
+    // What the buttons of the last overlay do.
+    std::function<void()> onSkip;
+    std::function<void()> onSnooze;
 
 private:
     class Blank final : public View {
@@ -63,7 +75,11 @@ protected:
     LocationService& location() { return instances().locationService(); }
     ScheduleService& schedule() { return instances().scheduleService(); }
     ColorTemperatureService& colorTemperature() { return instances().colorTemperatureService(); }
+    MeetingDetectorService& meetingDetector() { return instances().meetingDetectorService(); }
+    BreakTimer& breakTimer() { return instances().breakTimer(); }
+    NotificationService& notifications() { return instances().notificationService(); }
     ShortcutsManager& shortcuts() { return instances().shortcutsManager(); }
+    AppMonitorService& appMonitor() { return instances().appMonitorService(); }
 
     AppDelegate& delegate() {
         return delegate_ ? *delegate_ : delegate_.emplace(instances(), views);

@@ -7,6 +7,7 @@
 #include "backends/linux/gnome/MagnifierFilter.h"
 #include "backends/linux/location/GeoClueLocationManager.h"
 #include "backends/linux/shell/QtApplication.h"
+#include "backends/linux/shell/QtOverlayWindows.h"
 #include "backends/linux/shell/QtPopover.h"
 #include "backends/linux/shell/QtRunLoop.h"
 #include "backends/linux/shell/QtStatusBar.h"
@@ -184,6 +185,9 @@ private:
     SysfsBacklight backlight_{*server_.displays, setBrightnessThroughLogind};
     GeoClueLocationManager locationManager_{runLoop_, stateFolder() / "location-granted"};
     SessionFilter filter_{std::move(server_.grayscale)};
+    UnavailableWorkspace workspace_;
+    UnavailableUserNotificationCenter userNotificationCenter_;
+    QtOverlayWindows overlayWindows_{runLoop_, server_.connection.get()};
     SystemTray tray_{server_.connection.get()};
     QtStatusBar statusBar_{tray_};
     QtPopover popover_;
@@ -201,6 +205,9 @@ public:
                   .locationManager = locationManager_,
                   .dynamicLibraries = filter_,
                   .displayFilter = filter_,
+                  .workspace = workspace_,
+                  .userNotificationCenter = userNotificationCenter_,
+                  .overlayWindows = overlayWindows_,
                   .statusBar = statusBar_,
                   .popover = popover_,
                   .application = application_};

@@ -3,6 +3,8 @@
 #include "platform/Displays.h"
 #include "platform/GammaOutput.h"
 #include "platform/KeyEvents.h"
+#include "platform/UserNotificationCenter.h"
+#include "platform/Workspace.h"
 
 namespace nocta {
 
@@ -41,6 +43,27 @@ public:
     Subscription createKeyDownTap(std::function<void(const KeyDownEvent&)> /*handler*/) override {
         return {};
     }
+};
+
+class UnavailableWorkspace final : public Workspace {
+public:
+    Subscription observeDidActivateApplication(
+        std::function<void(const std::optional<RunningApplication>&)> /*callback*/) override {
+        return {};
+    }
+    std::optional<RunningApplication> frontmostApplication() override { return std::nullopt; }
+    std::optional<std::vector<WindowInfo>> copyWindowInfo() override { return std::nullopt; }
+    std::optional<Rect> mainScreenFrame() override { return std::nullopt; }
+    bool accessibilityDisplayShouldReduceMotion() override { return false; }
+};
+
+class UnavailableUserNotificationCenter final : public UserNotificationCenter {
+public:
+    void requestAuthorization(std::uint32_t /*options*/,
+                              AuthorizationHandler /*completionHandler*/) override {}
+    void setNotificationCategories(std::vector<UserNotificationCategory> /*categories*/) override {}
+    void setDelegate(UserNotificationCenterDelegate* /*delegate*/) override {}
+    void add(const UserNotification& /*notification*/) override {}
 };
 
 } // namespace nocta

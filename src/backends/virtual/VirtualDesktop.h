@@ -6,9 +6,12 @@
 #include "backends/virtual/VirtualFilter.h"
 #include "backends/virtual/VirtualKeyboard.h"
 #include "backends/virtual/VirtualLocation.h"
+#include "backends/virtual/VirtualNotifications.h"
+#include "backends/virtual/VirtualOverlayWindows.h"
 #include "backends/virtual/VirtualRunLoop.h"
 #include "backends/virtual/VirtualShell.h"
 #include "backends/virtual/VirtualUuidSource.h"
+#include "backends/virtual/VirtualWorkspace.h"
 #include "base/NotificationCenter.h"
 #include "platform/Desktop.h"
 
@@ -31,9 +34,12 @@ public:
     VirtualKeyboard keyboard{trace};
     VirtualLocation location{trace};
     VirtualFilter filter{trace};
+    VirtualWorkspace workspace{trace, displays};
+    VirtualNotifications notifications{trace, runLoop};
+    VirtualOverlayWindows overlayWindows{trace, runLoop, displays};
     VirtualStatusBar statusBar{trace};
     VirtualPopover popover{trace};
-    VirtualApplication application{runLoop};
+    VirtualApplication application{trace, runLoop};
 
     Desktop ports{.runLoop = runLoop,
                   .notificationCenter = notificationCenter,
@@ -46,6 +52,9 @@ public:
                   .locationManager = location,
                   .dynamicLibraries = filter,
                   .displayFilter = filter,
+                  .workspace = workspace,
+                  .userNotificationCenter = notifications,
+                  .overlayWindows = overlayWindows,
                   .statusBar = statusBar,
                   .popover = popover,
                   .application = application};

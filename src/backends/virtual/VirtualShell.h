@@ -62,7 +62,7 @@ private:
 /// `session` says and ends it.
 class VirtualApplication final : public Application {
 public:
-    explicit VirtualApplication(VirtualRunLoop& runLoop) : runLoop_(runLoop) {}
+    VirtualApplication(Trace& trace, VirtualRunLoop& runLoop) : trace_(trace), runLoop_(runLoop) {}
 
     /// What the person does between launch and quit.
     std::function<void()> session;
@@ -71,9 +71,11 @@ public:
     void startAgain() { delegate_->applicationDidReopen(); }
 
     int run(ApplicationDelegate& delegate) override;
+    void activateIgnoringOtherApps() override { trace_.record("activateIgnoringOtherApps"); }
     void terminate() override;
 
 private:
+    Trace& trace_;
     VirtualRunLoop& runLoop_;
     ApplicationDelegate* delegate_ = nullptr;
 };

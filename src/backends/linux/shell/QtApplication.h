@@ -26,6 +26,10 @@ public:
     static void blockEndingSignals();
 
     int run(ApplicationDelegate& delegate) override;
+
+    /// A window that is made key comes to the front by itself.
+    void activateIgnoringOtherApps() override {}
+
     void terminate() override;
 
     /// Ends `run` with a failure.

@@ -1,0 +1,191 @@
+#include "backends/linux/shell/QtOverlayWindows.h"
+
+#include "base/AlphaFade.h"
+
+#include <QApplication>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QVBoxLayout>
+#include <QWidget>
+#include <QWindow>
+
+#include <algorithm>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+/// Those of our keys that mean something to anyone; -1 for all others.
+std::int64_t nativeKeyCode(int key) {
+    return key == Qt::Key_Space ? spaceKeyCode : -1;
+}
+
+std::uint64_t idOf(const QScreen* screen) {
+    return reinterpret_cast<std::uintptr_t>(screen);
+}
+
+QScreen* screenOf(std::uint64_t id) {
+    const auto screens = QGuiApplication::screens();
+    const auto found = std::ranges::find(screens, id, idOf);
+    return found == screens.end() ? nullptr : *found;
+}
+
+} // namespace
+
+class QtOverlayWindows::Window final : public OverlayWindow {
+public:
+    Window(QtOverlayWindows& owner, const Screen& screen, const Style& style,
+           std::unique_ptr<View> content)
+        : owner_(owner), content_(std::move(content)) {
+        constexpr std::uint32_t allWorkspaces = 1;
+        constexpr WindowLevel normalLevel = 0;
+        Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+        flags.setFlag(Qt::WindowStaysOnTopHint, style.level > normalLevel);
+        flags.setFlag(Qt::X11BypassWindowManagerHint,
+                      (style.collectionBehavior & allWorkspaces) != 0);
+        widget_.setWindowFlags(flags);
+        widget_.setWindowTitle(QStringLiteral("Nocta"));
+        widget_.setAttribute(Qt::WA_TranslucentBackground);
+        widget_.setAttribute(Qt::WA_ShowWithoutActivating, false);
+        auto* const layout = new QVBoxLayout(&widget_);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(static_cast<QWidget*>(content_->nativeView()));
+        widget_.setWindowOpacity(0);
+        // A frame belongs to the scale factor of its screen.
+        widget_.winId();
+        if (auto* const place = screenOf(screen.id)) {
+            widget_.windowHandle()->setScreen(place);
+        }
+        widget_.setGeometry(qRound(screen.frame.x), qRound(screen.frame.y),
+                            qRound(screen.frame.width), qRound(screen.frame.height));
+    }
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+    ~Window() override { orderOut(); }
+
+    void makeKeyAndOrderFront() override {
+        if (auto* const popup = QApplication::activePopupWidget()) {
+            popup->close(); // it would keep the keyboard
+        }
+        if (!std::exchange(isShown_, true)) {
+            owner_.windowComes();
+        }
+        if (owner_.connection_ == nullptr) {
+            widget_.showFullScreen(); // nobody else can place a window on Wayland
+        } else {
+            widget_.show();
+        }
+        widget_.raise();
+        widget_.activateWindow();
+    }
+
+    void orderOut() override {
+        widget_.hide();
+        if (std::exchange(isShown_, false)) {
+            owner_.windowGoes();
+        }
+    }
+
+    void animateAlpha(double target, Duration duration, TimingFunction curve,
+                      std::function<void()> completion) override {
+        fade_.start(
+            owner_.runLoop_, {.from = alpha_, .to = target}, duration, curve,
+            [this](double alpha) {
+                alpha_ = alpha;
+                widget_.setWindowOpacity(alpha);
+            },
+            std::move(completion));
+    }
+
+private:
+    QtOverlayWindows& owner_;
+    bool isShown_ = false;
+    double alpha_ = 0;
+    QWidget widget_;
+    std::unique_ptr<View> content_; // goes before the window that shows it
+    AlphaFade fade_;
+};
+
+/// Sees every key before the window that it is pressed in.
+class QtOverlayWindows::KeyFilter final : public QObject {
+public:
+    explicit KeyFilter(CallbackList<KeyPress>& monitors) : monitors_(monitors) {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* receiver, QEvent* event) override {
+        // The window is asked first, and then the widget in it.
+        if (event->type() != QEvent::KeyPress || !receiver->isWindowType()) {
+            return false;
+        }
+        bool isSwallowed = false;
+        const auto key = static_cast<QKeyEvent*>(event)->key();
+        monitors_.call({.event = {nativeKeyCode(key)}, .isSwallowed = &isSwallowed});
+        return isSwallowed;
+    }
+
+private:
+    CallbackList<KeyPress>& monitors_;
+};
+
+QtOverlayWindows::QtOverlayWindows(RunLoop& runLoop, X11Connection* connection)
+    : runLoop_(runLoop), connection_(connection), filter_(std::make_unique<KeyFilter>(monitors_)) {}
+
+QtOverlayWindows::~QtOverlayWindows() = default;
+
+std::vector<Screen> QtOverlayWindows::screens() {
+    std::vector<Screen> screens;
+    for (const auto* const screen : QGuiApplication::screens()) {
+        const auto frame = screen->geometry();
+        if (!frame.isEmpty()) { // Qt keeps one without a size where there is none
+            screens.push_back(
+                {.id = idOf(screen),
+                 .frame = {static_cast<double>(frame.x()), static_cast<double>(frame.y()),
+                           static_cast<double>(frame.width()),
+                           static_cast<double>(frame.height())}});
+        }
+    }
+    return screens;
+}
+
+std::unique_ptr<OverlayWindow> QtOverlayWindows::makeWindow(const Screen& screen,
+                                                            const Style& style,
+                                                            std::unique_ptr<View> content) {
+    return std::make_unique<Window>(*this, screen, style, std::move(content));
+}
+
+Subscription
+QtOverlayWindows::addLocalMonitorForKeyDown(std::function<bool(const KeyDownEvent&)> handler) {
+    return monitors_.add([handler = std::move(handler)](const KeyPress& press) {
+        if (!*press.isSwallowed) {
+            *press.isSwallowed = handler(press.event);
+        }
+    });
+}
+
+/// The first window that is shown takes the keyboard from somebody.
+void QtOverlayWindows::windowComes() {
+    if (shown_++ > 0 || connection_ == nullptr) {
+        return;
+    }
+    auto* const x = connection_->get();
+    const XcbReply<xcb_get_input_focus_reply_t> focus(
+        xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr));
+    focusBefore_ = focus ? focus->focus : xcb_window_t{XCB_NONE};
+    connection_->finishTurn();
+}
+
+/// The last one gives it back; to a window that has gone meanwhile, in vain.
+void QtOverlayWindows::windowGoes() {
+    if (--shown_ > 0 || connection_ == nullptr || focusBefore_ == XCB_NONE) {
+        return;
+    }
+    xcb_set_input_focus(connection_->get(), XCB_INPUT_FOCUS_POINTER_ROOT, focusBefore_,
+                        XCB_CURRENT_TIME);
+    connection_->finishTurn();
+}
+
+} // namespace nocta

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "backends/linux/x11/X11Connection.h"
+#include "base/CallbackList.h"
+#include "platform/OverlayWindows.h"
+
+#include <memory>
+#include <vector>
+
+namespace nocta {
+
+/// Overlay windows in Qt. On X11 they are none of the window manager's business, so that they cover
+/// their screens exactly, on every workspace and above full-screen windows, whatever manages them
+/// or nothing does; the keyboard they take themselves, and the last one that goes gives it back to
+/// the window that had it. Without a compositor they are dark and opaque.
+class QtOverlayWindows final : public OverlayWindows {
+public:
+    /// `connection` may be null: no X server.
+    QtOverlayWindows(RunLoop& runLoop, X11Connection* connection);
+    QtOverlayWindows(const QtOverlayWindows&) = delete;
+    QtOverlayWindows& operator=(const QtOverlayWindows&) = delete;
+    ~QtOverlayWindows() override;
+
+    std::vector<Screen> screens() override;
+    std::unique_ptr<OverlayWindow> makeWindow(const Screen& screen, const Style& style,
+                                              std::unique_ptr<View> content) override;
+    Subscription
+    addLocalMonitorForKeyDown(std::function<bool(const KeyDownEvent&)> handler) override;
+
+private:
+    class Window;
+    class KeyFilter;
+    struct KeyPress {
+        KeyDownEvent event;
+        bool* isSwallowed;
+    };
+
+    void windowComes();
+    void windowGoes();
+
+    RunLoop& runLoop_;
+    X11Connection* connection_;
+    int shown_ = 0;
+    xcb_window_t focusBefore_ = XCB_NONE;
+    CallbackList<KeyPress> monitors_;
+    std::unique_ptr<KeyFilter> filter_;
+};
+
+} // namespace nocta

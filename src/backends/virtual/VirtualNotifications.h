@@ -1,0 +1,58 @@
+#pragma once
+
+#include "backends/virtual/Trace.h"
+#include "base/RunLoop.h"
+#include "platform/UserNotificationCenter.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace nocta {
+
+/// A notification centre in memory: what was shown stays to be looked at, and a person presses its
+/// buttons.
+class VirtualNotifications final : public UserNotificationCenter {
+public:
+    VirtualNotifications(Trace& trace, RunLoop& runLoop) : trace_(trace), runLoop_(runLoop) {}
+
+    // What there is, and what a person does and sees.
+    bool isGranted = true;
+    std::optional<std::string> error;
+    std::vector<UserNotificationCategory> categories;
+    std::vector<UserNotification> shown;
+    /// How the last one was shown.
+    std::uint32_t presentation = 0;
+    /// Whether the program says that it is done with the answer.
+    bool choose(const std::string& actionIdentifier) {
+        bool isDone = false;
+        if (delegate_ != nullptr) {
+            delegate_->didReceiveResponse(actionIdentifier, [&] { isDone = true; });
+        }
+        return isDone;
+    }
+
+    // What the program does.
+    void requestAuthorization(std::uint32_t options,
+                              AuthorizationHandler completionHandler) override {
+        trace_.record("requestAuthorization " + std::to_string(options));
+        runLoop_.post(
+            [this, handler = std::move(completionHandler)] { handler(isGranted, error); });
+    }
+    void setNotificationCategories(std::vector<UserNotificationCategory> newCategories) override {
+        categories = std::move(newCategories);
+    }
+    void setDelegate(UserNotificationCenterDelegate* delegate) override { delegate_ = delegate; }
+    void add(const UserNotification& notification) override {
+        presentation = delegate_ == nullptr ? 0 : delegate_->willPresentNotification();
+        shown.push_back(notification);
+    }
+
+private:
+    Trace& trace_;
+    RunLoop& runLoop_;
+    UserNotificationCenterDelegate* delegate_ = nullptr;
+};
+
+} // namespace nocta

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "base/SteppedAnimation.h"
+#include "base/TimingFunction.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <functional>
+#include <utility>
+
+namespace nocta {
+
+/// A fade of a window, as a member of its owner, at sixty pictures a second. Starting it replaces
+/// a fade that is running, whose completion then never runs.
+class AlphaFade {
+public:
+    struct Way {
+        double from = 0;
+        double to = 0;
+    };
+
+    /// Calls `show` with each alpha, the last one exactly `way.to`, and then `completion`.
+    void start(RunLoop& runLoop, Way way, Duration duration, TimingFunction curve,
+               std::function<void(double)> show, std::function<void()> completion) {
+        using Picture = std::chrono::duration<double, std::ratio<1, 60>>;
+        const auto steps = std::max(1, static_cast<int>(std::lround(Picture(duration).count())));
+        animation_.start(
+            runLoop, steps, duration / steps,
+            [way, steps, curve, show = std::move(show)](int step) {
+                const auto part = eased(curve, static_cast<double>(step) / steps);
+                show(step == steps ? way.to : std::lerp(way.from, way.to, part));
+            },
+            std::move(completion));
+    }
+
+private:
+    SteppedAnimation animation_;
+};
+
+} // namespace nocta

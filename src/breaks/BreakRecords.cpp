@@ -1,0 +1,91 @@
+#include "breaks/BreakRecords.h"
+
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <limits>
+#include <ratio>
+
+namespace nocta {
+
+namespace {
+
+constexpr WallTime referenceTime{std::chrono::sys_days(std::chrono::year(2001) / 1 / 1)};
+
+using Seconds = std::chrono::duration<double>;
+
+double sinceReference(WallTime time) {
+    return Seconds(time - referenceTime).count();
+}
+
+[[noreturn]] void refuse(const char* reason, const nlohmann::json& json) {
+    throw nlohmann::json::other_error::create(500, reason, &json);
+}
+
+WallTime timeFrom(const nlohmann::json& json) {
+    const auto seconds = json.get<double>();
+    constexpr auto limit = 1e9; // some thirty years either way; far from what a clock cannot hold
+    if (!(seconds > -limit && seconds < 10 * limit)) {
+        refuse("not a time", json);
+    }
+    return referenceTime + std::chrono::round<Duration>(Seconds(seconds));
+}
+
+std::int64_t integerFrom(const nlohmann::json& json) {
+    constexpr auto largest = std::uint64_t{std::numeric_limits<std::int64_t>::max()};
+    if (!json.is_number_integer() ||
+        (json.is_number_unsigned() && json.get<std::uint64_t>() > largest)) {
+        refuse("not a 64-bit integer", json);
+    }
+    return json.get<std::int64_t>();
+}
+
+} // namespace
+
+void to_json(nlohmann::json& json, const BreakSession& session) {
+    json = {
+        {"id", session.id.toString()},
+        {"startTime", sinceReference(session.startTime)},
+        {"endTime", sinceReference(session.endTime)},
+        {"wasCompleted", session.wasCompleted},
+        {"wasSkipped", session.wasSkipped},
+        {"wasSnoozed", session.wasSnoozed},
+    };
+}
+
+void from_json(const nlohmann::json& json, BreakSession& session) {
+    const auto id = Uuid::parse(json.at("id").get<std::string>());
+    if (!id) {
+        refuse("id is not a UUID", json);
+    }
+    session.id = *id;
+    session.startTime = timeFrom(json.at("startTime"));
+    session.endTime = timeFrom(json.at("endTime"));
+    json.at("wasCompleted").get_to(session.wasCompleted);
+    json.at("wasSkipped").get_to(session.wasSkipped);
+    json.at("wasSnoozed").get_to(session.wasSnoozed);
+}
+
+void to_json(nlohmann::json& json, const BreakStatistics& statistics) {
+    json = {
+        {"totalBreaks", statistics.totalBreaks},
+        {"completedBreaks", statistics.completedBreaks},
+        {"skippedBreaks", statistics.skippedBreaks},
+        {"snoozedBreaks", statistics.snoozedBreaks},
+        {"totalBreakTime", statistics.totalBreakTime},
+    };
+}
+
+void from_json(const nlohmann::json& json, BreakStatistics& statistics) {
+    statistics.totalBreaks = integerFrom(json.at("totalBreaks"));
+    statistics.completedBreaks = integerFrom(json.at("completedBreaks"));
+    statistics.skippedBreaks = integerFrom(json.at("skippedBreaks"));
+    statistics.snoozedBreaks = integerFrom(json.at("snoozedBreaks"));
+    const auto& time = json.at("totalBreakTime");
+    if (!time.is_number()) {
+        refuse("not a number", time); // nlohmann reads a boolean as one
+    }
+    time.get_to(statistics.totalBreakTime);
+}
+
+} // namespace nocta

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "base/NotificationCenter.h"
+#include "base/Published.h"
+#include "platform/Workspace.h"
+
+#include <optional>
+
+namespace nocta {
+
+/// Publishes which application is in front, and whether anything is shown full screen. It lives as
+/// long as the process.
+class AppMonitorService {
+public:
+    AppMonitorService(Workspace& workspace, NotificationCenter& notificationCenter);
+    AppMonitorService(const AppMonitorService&) = delete;
+    AppMonitorService& operator=(const AppMonitorService&) = delete;
+
+    static AppMonitorService& shared();
+
+    Published<std::optional<RunningApplication>> frontmostApp;
+    Published<bool> isFullscreen;
+
+    /// To be called once.
+    void startMonitoring();
+
+    /// Whether any window on screen, of whatever application, has exactly the size of the main
+    /// screen. A list of windows that cannot be read changes nothing.
+    void updateFullscreen();
+
+private:
+    Workspace& workspace_;
+    NotificationCenter& notificationCenter_;
+    Subscription observer_;
+    Subscription enterObserver_;
+    Subscription exitObserver_;
+};
+
+} // namespace nocta

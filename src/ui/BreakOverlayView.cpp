@@ -1,0 +1,211 @@
+#include "ui/BreakOverlayView.h"
+
+#include "base/Checked.h"
+#include "ui/BreakButtonStyle.h"
+#include "ui/Symbol.h"
+
+#include <QAccessible>
+#include <QFontInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr qreal backdropOpacity = 0.7;
+constexpr qreal textOpacity = 0.8;
+constexpr qreal hintOpacity = 0.5;
+
+constexpr int symbolSize = 60; // points; the drawing of a symbol fills five sixths of its square
+constexpr int ringSize = 100;
+constexpr qreal ringWidth = 4;
+constexpr qreal ringOpacity = 0.2;
+constexpr int buttonSpacing = 20;
+constexpr int smallPadding = 20;
+constexpr int largePadding = 30;
+
+// The sizes of text styles as multiples of that of the body.
+constexpr qreal titleScale = 22.0 / 13;
+constexpr qreal footnoteScale = 10.0 / 13;
+
+constexpr Duration movementDuration = 1s;
+constexpr int movementSteps = 30;
+constexpr std::int64_t tellingInterval = 10; // seconds
+
+QColor white(qreal opacity) {
+    auto color = QColor(Qt::white);
+    color.setAlphaF(static_cast<float>(opacity));
+    return color;
+}
+
+QLabel* makeLabel(const QString& text, qreal scale, QFont::Weight weight, qreal opacity) {
+    auto* const label = new QLabel(text);
+    auto font = label->font();
+    font.setPointSizeF(QFontInfo(font).pointSizeF() * scale);
+    font.setWeight(weight);
+    label->setFont(font);
+    label->setAlignment(Qt::AlignCenter);
+    label->setWordWrap(true);
+    auto palette = label->palette();
+    palette.setColor(QPalette::WindowText, white(opacity));
+    label->setPalette(palette);
+    return label;
+}
+
+class SymbolView final : public QWidget {
+public:
+    explicit SymbolView(QString name) : name_(std::move(name)) {
+        setFixedSize(symbolSize, symbolSize);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        drawSymbol(painter, rect(), name_, Qt::white);
+    }
+
+private:
+    QString name_;
+};
+
+} // namespace
+
+std::int64_t secondsLeft(const BreakState& state) {
+    const auto* const active = std::get_if<Active>(&state);
+    return active == nullptr ? 0 : truncated(active->timeRemaining);
+}
+
+double breakProgress(double remaining, double duration) {
+    return duration > 0 ? std::clamp((duration - remaining) / duration, 0.0, 1.0) : 1.0;
+}
+
+BreakProgressRing::BreakProgressRing(std::int64_t seconds) : seconds_(seconds) {
+    setFixedSize(ringSize, ringSize);
+    tell();
+}
+
+void BreakProgressRing::setProgress(double progress) {
+    progress_ = progress;
+    update();
+}
+
+void BreakProgressRing::setSeconds(std::int64_t seconds) {
+    seconds_ = seconds;
+    update();
+    if (seconds % tellingInterval == 0) {
+        tell();
+    }
+}
+
+void BreakProgressRing::tell() {
+    setAccessibleName(tr("%n second(s) left", nullptr,
+                         static_cast<int>(std::clamp<std::int64_t>(seconds_, 0, 1'000'000))));
+    QAccessibleEvent event(this, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&event);
+}
+
+void BreakProgressRing::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const auto inset = ringWidth / 2;
+    const auto circle = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
+    painter.setPen(QPen(white(ringOpacity), ringWidth, Qt::SolidLine, Qt::FlatCap));
+    painter.drawEllipse(circle);
+    if (progress_ > 0) {
+        constexpr int top = 90 * 16; // sixteenths of a degree
+        constexpr int wholeTurn = 360 * 16;
+        painter.setPen(QPen(Qt::white, ringWidth, Qt::SolidLine, Qt::RoundCap));
+        painter.drawArc(circle, top, -qRound(progress_ * wholeTurn));
+    }
+    auto medium = font();
+    medium.setWeight(QFont::Medium);
+    painter.setFont(medium);
+    painter.setPen(Qt::white);
+    painter.drawText(rect(), Qt::AlignCenter, tr("%1s").arg(seconds_));
+}
+
+BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& settings,
+                                   Workspace& workspace, RunLoop& runLoop,
+                                   std::function<void()> onSkip, std::function<void()> onSnooze)
+    : settings_(settings), workspace_(workspace), runLoop_(runLoop),
+      ring_(new BreakProgressRing(secondsLeft(breakTimer.state.get()))) {
+    setAccessibleName(tr("Time for a break"));
+    auto* const skip = new BreakButton(tr("Skip"), {.isPrimary = false});
+    skip->setObjectName(QStringLiteral("skipBreakButton"));
+    connect(skip, &QPushButton::clicked, this, std::move(onSkip));
+    auto* const snooze = new BreakButton(tr("Snooze 5 min"), {.isPrimary = true});
+    snooze->setObjectName(QStringLiteral("snoozeBreakButton"));
+    connect(snooze, &QPushButton::clicked, this, std::move(onSnooze));
+    auto* const buttons = new QHBoxLayout;
+    buttons->setSpacing(buttonSpacing);
+    buttons->addStretch();
+    buttons->addWidget(skip);
+    buttons->addWidget(snooze);
+    buttons->addStretch();
+
+    auto* const column = new QVBoxLayout(this);
+    column->setSpacing(0);
+    column->addStretch();
+    column->addWidget(new SymbolView(QStringLiteral("eye")), 0, Qt::AlignHCenter);
+    column->addSpacing(smallPadding);
+    column->addWidget(makeLabel(tr("Time for a break"), titleScale, QFont::DemiBold, 1));
+    column->addSpacing(smallPadding / 2);
+    column->addWidget(
+        makeLabel(tr("Look at something far away for 20 seconds"), 1, QFont::Normal, textOpacity));
+    column->addSpacing(largePadding);
+    column->addWidget(ring_, 0, Qt::AlignHCenter);
+    column->addSpacing(largePadding);
+    column->addLayout(buttons);
+    column->addSpacing(smallPadding);
+    column->addWidget(
+        makeLabel(tr("Press Space to skip"), footnoteScale, QFont::Normal, hintOpacity));
+    column->addStretch();
+    primaryButton_ = snooze;
+
+    cancellables_.push_back(
+        breakTimer.state.subscribe([this](const BreakState& state) { follow(state); }));
+}
+
+void BreakOverlayView::paintEvent(QPaintEvent* /*event*/) {
+    auto backdrop = QColor(Qt::black);
+    backdrop.setAlphaF(static_cast<float>(backdropOpacity));
+    QPainter(this).fillRect(rect(), backdrop);
+}
+
+void BreakOverlayView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    primaryButton_->setFocus();
+}
+
+void BreakOverlayView::follow(const BreakState& state) {
+    ring_->setSeconds(secondsLeft(state));
+    if (const auto* const active = std::get_if<Active>(&state)) {
+        moveTo(breakProgress(active->timeRemaining,
+                             static_cast<double>(settings_.breakDurationSeconds.get())));
+    }
+}
+
+void BreakOverlayView::moveTo(double progress) {
+    if (workspace_.accessibilityDisplayShouldReduceMotion()) {
+        ring_->setProgress(progress);
+        return;
+    }
+    movement_.start(runLoop_, movementSteps, movementDuration / movementSteps,
+                    [this, from = ring_->progress(), progress](int step) {
+                        ring_->setProgress(
+                            std::lerp(from, progress, static_cast<double>(step) / movementSteps));
+                    },
+                    {});
+}
+
+} // namespace nocta

@@ -1,0 +1,188 @@
+#include "breaks/BreakOverlayController.h"
+
+#include "support/TestDesktop.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace nocta {
+namespace {
+
+using namespace std::chrono_literals;
+using Calls = std::vector<std::string>;
+
+class BreakOverlayControllerTest : public TestDesktop {
+protected:
+    static constexpr std::int64_t escape = 53;
+    static constexpr std::int64_t enter = 36;
+
+    void SetUp() override {
+        plugBuiltIn();
+        desktop.displays.plug({.id = external, .bounds = {-2560, 100, 2560, 1440}});
+        settings().breakTimerEnabled.set(true);
+        settings().breakIntervalMinutes.set(1);
+        settings().breakDurationSeconds.set(20);
+        launch();
+        desktop.trace.clear();
+    }
+    void waitForBreak() {
+        while (!std::holds_alternative<Active>(breakTimer().state.get())) {
+            desktop.runLoop.advance(1s);
+        }
+    }
+    auto windows() { return desktop.overlayWindows.windows(); }
+    bool isGone() { return windows().empty() && views.alive == 0; }
+    BreakStatistics totals() { return breakTimer().statistics.get(); }
+};
+
+TEST_F(BreakOverlayControllerTest, EveryScreenIsCoveredByAWindowOfItsOwn) {
+    EXPECT_TRUE(isGone());
+    waitForBreak();
+    const auto shown = windows();
+    ASSERT_EQ(shown.size(), 2U);
+    EXPECT_EQ(shown[0].screen.frame, (Rect{0, 0, 1920, 1080}));
+    EXPECT_EQ(shown[1].screen.frame, (Rect{-2560, 100, 2560, 1440}));
+    for (const auto& window : shown) {
+        EXPECT_TRUE(window.isOnScreen);
+        EXPECT_EQ(window.style.level, 1000);
+        EXPECT_EQ(window.style.collectionBehavior, 257U);
+        EXPECT_EQ(window.alpha, 0);
+        EXPECT_NE(window.content, nullptr);
+    }
+    EXPECT_EQ(calls("overlay"), (Calls{"overlay 1 makeKeyAndOrderFront", "overlay 1 fade in",
+                                       "overlay 2 makeKeyAndOrderFront", "overlay 2 fade in"}));
+    EXPECT_EQ(calls("activate").size(), 2U);
+    EXPECT_EQ(desktop.overlayWindows.keyScreen, external);
+}
+
+TEST_F(BreakOverlayControllerTest, FadesInAndOutInTheirTimeAndIsGoneThen) {
+    waitForBreak();
+    desktop.runLoop.advance(200ms);
+    EXPECT_NEAR(windows()[0].alpha, 0.5, 1e-6) << "half of an eased way";
+    desktop.runLoop.advance(200ms);
+    EXPECT_EQ(windows()[0].alpha, 1);
+    EXPECT_EQ(windows()[1].alpha, 1);
+    desktop.runLoop.advance(19600ms); // the break is over
+    EXPECT_EQ(totals().completedBreaks, 1);
+    desktop.runLoop.advance(150ms);
+    EXPECT_LT(windows()[0].alpha, 0.75);
+    EXPECT_GT(windows()[0].alpha, 0.5) << "it starts slowly";
+    desktop.runLoop.advance(140ms);
+    EXPECT_EQ(windows().size(), 2U);
+    desktop.runLoop.advance(10ms);
+    EXPECT_TRUE(isGone());
+    EXPECT_EQ(calls("overlay 1 orderOut").size(), 1U);
+}
+
+TEST_F(BreakOverlayControllerTest, SpaceAloneIsSwallowedAndSkips) {
+    EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "nobody listens yet";
+    waitForBreak();
+    for (const auto key : {escape, enter, std::int64_t{0}, std::int64_t{48}}) {
+        EXPECT_TRUE(desktop.overlayWindows.press(key)) << key;
+    }
+    EXPECT_EQ(totals(), BreakStatistics{});
+    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode));
+    EXPECT_EQ(totals().skippedBreaks, 1);
+    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode)) << "the monitor stays while fading";
+    EXPECT_EQ(totals().totalBreaks, 1);
+    desktop.runLoop.advance(300ms);
+    EXPECT_TRUE(isGone());
+    EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode));
+}
+
+TEST_F(BreakOverlayControllerTest, ButtonsSkipAndSnooze) {
+    waitForBreak();
+    views.onSnooze();
+    EXPECT_EQ(totals().snoozedBreaks, 1);
+    EXPECT_EQ(breakTimer().state.get(), BreakState(Snoozed{desktop.runLoop.wallNow() + 5min}));
+    waitForBreak();
+    views.onSkip();
+    EXPECT_EQ(totals().skippedBreaks, 1);
+    desktop.runLoop.advance(1s);
+    EXPECT_TRUE(isGone());
+}
+
+TEST_F(BreakOverlayControllerTest, SecondStartAddsNothingAndAnEndWhileHiddenDoesNothing) {
+    desktop.notificationCenter.post(breakDidEndNotification);
+    EXPECT_TRUE(calls("overlay").empty());
+    waitForBreak();
+    desktop.notificationCenter.post(breakDidStartNotification);
+    EXPECT_EQ(windows().size(), 2U);
+    EXPECT_EQ(views.alive, 2);
+}
+
+TEST_F(BreakOverlayControllerTest, StartWhileFadingIsIgnoredAndTheFadeGoesOn) {
+    waitForBreak();
+    breakTimer().skip();
+    desktop.runLoop.advance(100ms);
+    desktop.notificationCenter.post(breakDidStartNotification);
+    desktop.notificationCenter.post(breakDidEndNotification); // fades anew from where it was
+    desktop.runLoop.advance(299ms);
+    EXPECT_EQ(windows().size(), 2U);
+    desktop.runLoop.advance(1ms);
+    EXPECT_TRUE(isGone());
+    waitForBreak();
+    EXPECT_EQ(windows().size(), 2U);
+}
+
+TEST_F(BreakOverlayControllerTest, ScreensThatComeAndGoChangeNothingUntilTheNextShow) {
+    waitForBreak();
+    desktop.displays.plug({.id = secondExternal, .bounds = {1920, 0, 1280, 720}});
+    desktop.displays.unplug(external);
+    EXPECT_EQ(windows().size(), 2U);
+    breakTimer().skip();
+    desktop.runLoop.advance(300ms);
+    EXPECT_TRUE(isGone());
+    waitForBreak();
+    const auto shown = windows();
+    ASSERT_EQ(shown.size(), 2U);
+    EXPECT_EQ(shown[1].screen.id, secondExternal);
+}
+
+TEST_F(BreakOverlayControllerTest, WithoutScreensItStillShowsAndHides) {
+    desktop.displays.unplug(builtIn);
+    desktop.displays.unplug(external);
+    waitForBreak();
+    EXPECT_TRUE(windows().empty());
+    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode)) << "the monitor is there";
+    EXPECT_EQ(totals().skippedBreaks, 1);
+    desktop.runLoop.advance(0s);
+    EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "and it has gone";
+    plugBuiltIn();
+    waitForBreak();
+    EXPECT_EQ(windows().size(), 1U);
+}
+
+TEST_F(BreakOverlayControllerTest, StopDuringABreakLeavesTheWindowsUntilALaterBreakHasEnded) {
+    waitForBreak();
+    settings().breakTimerEnabled.set(false);
+    desktop.runLoop.advance(1h);
+    EXPECT_EQ(windows().size(), 2U);
+    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode));
+    views.onSkip();
+    views.onSnooze();
+    EXPECT_EQ(totals(), BreakStatistics{});
+    EXPECT_EQ(windows().size(), 2U);
+
+    settings().breakTimerEnabled.set(true);
+    waitForBreak();
+    EXPECT_EQ(windows().size(), 2U) << "the later break adds none";
+    desktop.runLoop.advance(20s);
+    EXPECT_EQ(totals().completedBreaks, 1);
+    desktop.runLoop.advance(300ms);
+    EXPECT_TRUE(isGone());
+}
+
+TEST_F(BreakOverlayControllerTest, EndOfTheProgramDuringABreakTakesTheWindowsAway) {
+    waitForBreak();
+    quit();
+    dropProgram();
+    EXPECT_TRUE(isGone());
+}
+
+} // namespace
+} // namespace nocta
