@@ -108,8 +108,7 @@ void BreakProgressRing::setSeconds(std::int64_t seconds) {
 }
 
 void BreakProgressRing::tell() {
-    setAccessibleName(tr("%n second(s) left", nullptr,
-                         static_cast<int>(std::clamp<std::int64_t>(seconds_, 0, 1'000'000))));
+    setAccessibleName(tr("Seconds left: %1").arg(seconds_));
     QAccessibleEvent event(this, QAccessible::NameChanged);
     QAccessible::updateAccessibility(&event);
 }

@@ -1,5 +1,6 @@
 #include "support/Process.h"
 
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -112,8 +113,14 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 std::string contentOf(const std::string& file) {
-    std::ifstream input(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
+    std::ifstream stream(file);
+    std::string content;
+    std::array<char, 4096> block{};
+    // `read` fails quietly where a process's file goes with the process.
+    while (stream.read(block.data(), block.size()) || stream.gcount() > 0) {
+        content.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+    }
+    return content;
 }
 
 void writeFile(const std::string& file, const std::string& content) {

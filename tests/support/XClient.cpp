@@ -1,5 +1,7 @@
 #include "support/XClient.h"
 
+#include "support/Process.h"
+
 #include <xcb/xcb_keysyms.h>
 #include <xcb/xtest.h>
 
@@ -187,21 +189,79 @@ xcb_atom_t XClient::atom(const std::string& name) {
         ->atom;
 }
 
-std::vector<xcb_window_t> XClient::windowsOfSize(int width, int height) {
+std::vector<XClient::TopWindow> XClient::topWindows() {
     const auto tree = needed(xcb_query_tree_reply(x_, xcb_query_tree(x_, root_), nullptr));
-    std::vector<xcb_window_t> found;
+    std::vector<TopWindow> found;
     for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
         const auto window = xcb_query_tree_children(tree.get())[i];
-        const Owned<xcb_get_geometry_reply_t> size(
+        const Owned<xcb_get_geometry_reply_t> place(
             xcb_get_geometry_reply(x_, xcb_get_geometry(x_, window), nullptr));
         const Owned<xcb_get_window_attributes_reply_t> state(
             xcb_get_window_attributes_reply(x_, xcb_get_window_attributes(x_, window), nullptr));
-        if (size && state && state->map_state == XCB_MAP_STATE_VIEWABLE && size->width == width &&
-            size->height == height) {
-            found.push_back(window);
+        if (place && state && state->map_state == XCB_MAP_STATE_VIEWABLE) {
+            found.push_back({window, place->x, place->y, place->width, place->height,
+                             state->override_redirect != 0});
         }
     }
     return found;
+}
+
+std::vector<xcb_window_t> XClient::windowsOfSize(int width, int height) {
+    std::vector<xcb_window_t> found;
+    for (const auto& window : topWindows()) {
+        if (window.width == width && window.height == height) {
+            found.push_back(window.id);
+        }
+    }
+    return found;
+}
+
+std::vector<XClient::TopWindow> XClient::activeFrames() {
+    std::vector<TopWindow> frames;
+    for (const auto crtc : activeCrtcs()) {
+        const auto info = needed(xcb_randr_get_crtc_info_reply(
+            x_, xcb_randr_get_crtc_info(x_, crtc, XCB_CURRENT_TIME), nullptr));
+        frames.push_back({crtc, info->x, info->y, info->width, info->height, false});
+    }
+    return frames;
+}
+
+bool XClient::hasWindowManager() {
+    const auto check = needed(xcb_get_property_reply(
+        x_, xcb_get_property(x_, 0, root_, atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1),
+        nullptr));
+    return check->value_len == 1;
+}
+
+xcb_window_t XClient::openWindow(bool fullScreen) {
+    const auto window = xcb_generate_id(x_);
+    xcb_create_window(x_, XCB_COPY_FROM_PARENT, window, root_, 50, 60, 300, 200, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    if (fullScreen) {
+        const auto state = atom("_NET_WM_STATE_FULLSCREEN");
+        xcb_change_property(x_, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_STATE"), XCB_ATOM_ATOM,
+                            32, 1, &state);
+    }
+    // A window manager that is still starting may lose the request.
+    const auto isShown = [&] {
+        xcb_map_window(x_, window);
+        return needed(xcb_get_window_attributes_reply(x_, xcb_get_window_attributes(x_, window),
+                                                      nullptr))
+                   ->map_state == XCB_MAP_STATE_VIEWABLE;
+    };
+    if (!waitUntil(isShown)) {
+        throw std::runtime_error("no window");
+    }
+    return window;
+}
+
+xcb_window_t XClient::focus() {
+    return needed(xcb_get_input_focus_reply(x_, xcb_get_input_focus(x_), nullptr))->focus;
+}
+
+void XClient::setFocus(xcb_window_t window) {
+    xcb_set_input_focus(x_, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+    synchronize();
 }
 
 XClient::Ramp calibration(std::size_t size, double exponent, std::array<double, 3> tops) {

@@ -54,6 +54,28 @@ public:
     /// The outputs in use.
     std::vector<xcb_randr_output_t> activeOutputs();
 
+    struct TopWindow {
+        xcb_window_t id = XCB_NONE;
+        int x = 0;
+        int y = 0;
+        int width = 0;
+        int height = 0;
+        bool isOverrideRedirect = false;
+    };
+
+    /// The mapped windows on the root window, the topmost last.
+    std::vector<TopWindow> topWindows();
+
+    /// The frames of the CRTCs in use.
+    std::vector<TopWindow> activeFrames();
+
+    bool hasWindowManager();
+
+    /// A window of this client, mapped; full screen where a window manager is asked for that.
+    xcb_window_t openWindow(bool fullScreen);
+    xcb_window_t focus();
+    void setFocus(xcb_window_t window);
+
     /// The ids of the mapped top-level windows of this size.
     std::vector<xcb_window_t> windowsOfSize(int width, int height);
 

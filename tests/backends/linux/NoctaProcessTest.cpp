@@ -134,7 +134,7 @@ TEST_P(NoctaProcessTest, SettingsFromWhichNothingFollowsHarmNothing) {
     for (const auto* const value : {"1e308", "-1e308", "nan", "moon", "99999999999999999999"}) {
         writeFile(settings,
                   neutralSettings("unifiedBrightness=" + std::string(value) +
-                                  "\nbreakIntervalMinutes=9223372036854775807\n"
+                                  "\nbreakDurationSeconds=9223372036854775807\n"
                                   "colorTemperatureDay=-9223372036854775808\nmenuBarIcon=7\n"));
         const auto shown =
             std::string(value) == "1e308" || std::string(value) == "99999999999999999999" ? 1.0
@@ -143,6 +143,15 @@ TEST_P(NoctaProcessTest, SettingsFromWhichNothingFollowsHarmNothing) {
         nocta->signal(SIGTERM);
         EXPECT_EQ(nocta->wait(), 0);
     }
+}
+
+TEST_P(NoctaProcessTest, IntervalThatNoIntegerHoldsStopsItWithALineAndTheScreenIsGivenBack) {
+    writeFile(settings, neutralSettings("breakIntervalMinutes=9223372036854775807\n"));
+    start();
+    const auto status = nocta->wait();
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT);
+    EXPECT_EQ(contentOf(output), "nocta: stopped: a product is too large for an integer\n");
+    EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }));
 }
 
 TEST_P(NoctaProcessTest, WithoutADisplayItSaysSoAndFails) {

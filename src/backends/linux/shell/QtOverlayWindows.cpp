@@ -17,6 +17,9 @@ namespace nocta {
 
 namespace {
 
+/// In one break, as another program may insist as well.
+constexpr int mostTakenBack = 10;
+
 /// Those of our keys that mean something to anyone; -1 for all others.
 std::int64_t nativeKeyCode(int key) {
     return key == Qt::Key_Space ? spaceKeyCode : -1;
@@ -77,11 +80,17 @@ public:
         } else {
             widget_.show();
         }
+        owner_.keyWindow_ = this;
         widget_.raise();
-        widget_.activateWindow();
+        takeKeyboard();
     }
 
+    void takeKeyboard() { widget_.activateWindow(); }
+
     void orderOut() override {
+        if (owner_.keyWindow_ == this) {
+            owner_.keyWindow_ = nullptr;
+        }
         widget_.hide();
         if (std::exchange(isShown_, false)) {
             owner_.windowGoes();
@@ -132,7 +141,10 @@ private:
 };
 
 QtOverlayWindows::QtOverlayWindows(RunLoop& runLoop, X11Connection* connection)
-    : runLoop_(runLoop), connection_(connection), filter_(std::make_unique<KeyFilter>(monitors_)) {}
+    : runLoop_(runLoop), connection_(connection), filter_(std::make_unique<KeyFilter>(monitors_)) {
+    QObject::connect(qApp, &QGuiApplication::focusWindowChanged, filter_.get(),
+                     [this](const QWindow* window) { keyboardHasGoneTo(window); });
+}
 
 QtOverlayWindows::~QtOverlayWindows() = default;
 
@@ -171,11 +183,19 @@ void QtOverlayWindows::windowComes() {
     if (shown_++ > 0 || connection_ == nullptr) {
         return;
     }
+    timesTakenBack_ = 0;
     auto* const x = connection_->get();
     const XcbReply<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr));
     focusBefore_ = focus ? focus->focus : xcb_window_t{XCB_NONE};
     connection_->finishTurn();
+}
+
+/// Another program's window is none to Qt.
+void QtOverlayWindows::keyboardHasGoneTo(const QWindow* window) {
+    if (window == nullptr && keyWindow_ != nullptr && ++timesTakenBack_ <= mostTakenBack) {
+        keyWindow_->takeKeyboard();
+    }
 }
 
 /// The last one gives it back; to a window that has gone meanwhile, in vain.

@@ -7,12 +7,15 @@
 #include <memory>
 #include <vector>
 
+class QWindow;
+
 namespace nocta {
 
 /// Overlay windows in Qt. On X11 they are none of the window manager's business, so that they cover
 /// their screens exactly, on every workspace and above full-screen windows, whatever manages them
-/// or nothing does; the keyboard they take themselves, and the last one that goes gives it back to
-/// the window that had it. Without a compositor they are dark and opaque.
+/// or nothing does. The keyboard they take themselves, and take it back from a window that comes up
+/// below them, so that nobody types into what cannot be seen; the last one that goes gives it back
+/// to the window that had it. Without a compositor they are dark and opaque.
 class QtOverlayWindows final : public OverlayWindows {
 public:
     /// `connection` may be null: no X server.
@@ -37,10 +40,13 @@ private:
 
     void windowComes();
     void windowGoes();
+    void keyboardHasGoneTo(const QWindow* window);
 
     RunLoop& runLoop_;
     X11Connection* connection_;
     int shown_ = 0;
+    Window* keyWindow_ = nullptr; ///< the last one that was made key, while it is shown
+    int timesTakenBack_ = 0;
     xcb_window_t focusBefore_ = XCB_NONE;
     CallbackList<KeyPress> monitors_;
     std::unique_ptr<KeyFilter> filter_;
