@@ -116,6 +116,7 @@ void BreakProgressRing::tell() {
 void BreakProgressRing::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
     const auto inset = ringWidth / 2;
     const auto circle = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
     painter.setPen(QPen(white(ringOpacity), ringWidth, Qt::SolidLine, Qt::FlatCap));

@@ -11,8 +11,8 @@ void drawSymbol(QPainter& painter, const QRectF& place, const QString& name, con
     if (!symbol.isValid()) {
         return;
     }
-    const auto ratio = painter.device()->devicePixelRatioF();
-    QPixmap tinted((place.size() * ratio).toSize());
+    const auto pixelsPerPoint = painter.deviceTransform().m11();
+    QPixmap tinted((place.size() * pixelsPerPoint).toSize());
     tinted.fill(Qt::transparent);
     QPainter tint(&tinted);
     symbol.render(&tint);
