@@ -185,7 +185,7 @@ private:
     SysfsBacklight backlight_{*server_.displays, setBrightnessThroughLogind};
     GeoClueLocationManager locationManager_{runLoop_, stateFolder() / "location-granted"};
     SessionFilter filter_{std::move(server_.grayscale)};
-    UnavailableWorkspace workspace_;
+    UnavailableWorkspace workspace_{[] { return false; }};
     UnavailableUserNotificationCenter userNotificationCenter_;
     QtOverlayWindows overlayWindows_{runLoop_, server_.connection.get()};
     SystemTray tray_{server_.connection.get()};

@@ -6,6 +6,8 @@
 #include "platform/UserNotificationCenter.h"
 #include "platform/Workspace.h"
 
+#include <utility>
+
 namespace nocta {
 
 // Ports for what this session cannot do. Each says so and does nothing.
@@ -45,8 +47,12 @@ public:
     }
 };
 
+/// What the user wishes is known all the same.
 class UnavailableWorkspace final : public Workspace {
 public:
+    explicit UnavailableWorkspace(std::function<bool()> shouldReduceMotion)
+        : shouldReduceMotion_(std::move(shouldReduceMotion)) {}
+
     Subscription observeDidActivateApplication(
         std::function<void(const std::optional<RunningApplication>&)> /*callback*/) override {
         return {};
@@ -54,7 +60,10 @@ public:
     std::optional<RunningApplication> frontmostApplication() override { return std::nullopt; }
     std::optional<std::vector<WindowInfo>> copyWindowInfo() override { return std::nullopt; }
     std::optional<Rect> mainScreenFrame() override { return std::nullopt; }
-    bool accessibilityDisplayShouldReduceMotion() override { return false; }
+    bool accessibilityDisplayShouldReduceMotion() override { return shouldReduceMotion_(); }
+
+private:
+    std::function<bool()> shouldReduceMotion_;
 };
 
 class UnavailableUserNotificationCenter final : public UserNotificationCenter {

@@ -32,9 +32,7 @@ SystemTray::SystemTray(X11Connection* connection) : connection_(connection) {
     }
     if (connection_ != nullptr) {
         // A tray that comes announces itself to who has the root window's structure events.
-        const std::uint32_t structure = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-        xcb_change_window_attributes(connection_->get(), connection_->root(), XCB_CW_EVENT_MASK,
-                                     &structure);
+        connection_->selectRootEvents(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
         selection_ =
             connection_->atom("_NET_SYSTEM_TRAY_S" + std::to_string(connection_->screenNumber()));
         events_ = connection_->observeEvents([this](const X11Connection::Event& event) {

@@ -49,6 +49,12 @@ xcb_atom_t X11Connection::atom(std::string_view name, bool onlyIfExists) const {
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
+void X11Connection::selectRootEvents(std::uint32_t mask) {
+    rootEvents_ |= mask;
+    xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &rootEvents_);
+    finishTurn();
+}
+
 bool X11Connection::synchronize() {
     const XcbReply<xcb_get_input_focus_reply_t> answered(xcb_get_input_focus_reply(
         connection_, xcb_get_input_focus(connection_), nullptr)); // any request with a reply

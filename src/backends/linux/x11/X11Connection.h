@@ -8,6 +8,7 @@
 #include <QSocketNotifier>
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -36,6 +37,10 @@ public:
 
     int screenNumber() const { return screenNumber_; }
 
+    /// Lets `observeEvents` hear of these events of the root window as well. A client has one event
+    /// mask on a window, so nobody else may set that of the root.
+    void selectRootEvents(std::uint32_t mask);
+
     /// None where the server has no atom of that name.
     xcb_atom_t existingAtom(std::string_view name) const { return atom(name, true); }
 
@@ -63,6 +68,7 @@ private:
     int screenNumber_ = 0;
     xcb_screen_t* screen_ = nullptr;
     xcb_window_t window_ = XCB_NONE;
+    std::uint32_t rootEvents_ = 0;
     CallbackList<Event> observers_;
     bool lossIsTold_ = false;
     std::unique_ptr<QSocketNotifier> readable_;

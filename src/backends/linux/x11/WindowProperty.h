@@ -1,0 +1,63 @@
+#pragma once
+
+#include "backends/linux/x11/X11Connection.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nocta {
+
+/// A property of another client's window, asked for when this is made and waited for when it is
+/// read, which is to be done once; several may be asked for first. A window that has gone has no
+/// properties, and one of another type than expected counts as missing.
+class WindowProperty {
+public:
+    /// `length` bounds what is read, in units of 32 bits.
+    WindowProperty(const X11Connection& connection, xcb_window_t window, xcb_atom_t property,
+                   xcb_atom_t type, std::uint32_t length)
+        : connection_(connection), type_(type),
+          request_(xcb_get_property(connection.get(), 0, window, property, type, 0, length)) {}
+
+    std::optional<std::vector<std::uint32_t>> numbers() const {
+        const auto reply = answer();
+        if (!reply || reply->type != type_ || reply->format != 32) {
+            return std::nullopt;
+        }
+        const auto* const numbers =
+            static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+        return std::vector(numbers, numbers + reply->value_len);
+    }
+
+    /// The texts in it, each of which ends with a null character or the property.
+    std::vector<std::string> texts() const {
+        const auto reply = answer();
+        if (!reply || reply->format != 8) {
+            return {};
+        }
+        const auto* const bytes = static_cast<const char*>(xcb_get_property_value(reply.get()));
+        const auto length = static_cast<qsizetype>(reply->value_len);
+        const auto all = reply->type == XCB_ATOM_STRING ? QString::fromLatin1(bytes, length)
+                                                        : QString::fromUtf8(bytes, length);
+        std::vector<std::string> texts;
+        for (const auto& text : all.split(QChar::Null)) {
+            texts.push_back(text.toStdString());
+        }
+        return texts;
+    }
+
+private:
+    XcbReply<xcb_get_property_reply_t> answer() const {
+        return XcbReply<xcb_get_property_reply_t>(
+            xcb_get_property_reply(connection_.get(), request_, nullptr));
+    }
+
+    const X11Connection& connection_;
+    xcb_atom_t type_;
+    xcb_get_property_cookie_t request_;
+};
+
+} // namespace nocta

@@ -1,0 +1,268 @@
+#include "backends/linux/x11/X11Workspace.h"
+
+#include "backends/linux/FlatpakInfo.h"
+#include "backends/linux/x11/ApplicationIdentity.h"
+#include "backends/linux/x11/WindowProperty.h"
+
+#include <xcb/res.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+// Bounds of what is read of a property, in units of 32 bits.
+constexpr std::uint32_t longestText = 256;
+constexpr std::uint32_t mostWindows = 1024;
+constexpr std::uint32_t mostAtoms = 64;
+
+constexpr std::uint32_t onEveryDesktop = 0xFFFFFFFF;
+
+/// Two windows of one application may differ in everything but its identifier.
+bool isSame(const std::optional<RunningApplication>& one,
+            const std::optional<RunningApplication>& other) {
+    return one && other && one->bundleIdentifier ? one->bundleIdentifier == other->bundleIdentifier
+                                                 : one == other;
+}
+
+std::string textAt(const std::vector<std::string>& texts, std::size_t index) {
+    return index < texts.size() ? texts[index] : std::string();
+}
+
+bool contains(const std::optional<std::vector<std::uint32_t>>& numbers, std::uint32_t number) {
+    return numbers && std::ranges::find(*numbers, number) != numbers->end();
+}
+
+double overlap(const Rect& one, const Rect& other) {
+    const auto width =
+        std::min(one.x + one.width, other.x + other.width) - std::max(one.x, other.x);
+    const auto height =
+        std::min(one.y + one.height, other.y + other.height) - std::max(one.y, other.y);
+    return std::max(width, 0.0) * std::max(height, 0.0);
+}
+
+/// What tells whether a window is on screen and how large it is, asked for at once.
+struct WindowRequest {
+    xcb_get_window_attributes_cookie_t attributes;
+    xcb_get_geometry_cookie_t geometry;
+    WindowProperty desktop;
+    WindowProperty state;
+    WindowProperty type;
+};
+
+} // namespace
+
+X11Workspace::X11Workspace(X11Connection& connection, Displays& displays, RunLoop& runLoop,
+                           std::function<bool()> shouldReduceMotion,
+                           std::filesystem::path processes)
+    : connection_(connection), displays_(displays),
+      shouldReduceMotion_(std::move(shouldReduceMotion)), processes_(std::move(processes)),
+      noticeActivation_(runLoop, [this] { noticeActivation(); }) {
+    auto* const x = connection_.get();
+    const auto* const extension = xcb_get_extension_data(x, &xcb_res_id);
+    const XcbReply<xcb_res_query_version_reply_t> version(
+        extension != nullptr && extension->present != 0
+            ? xcb_res_query_version_reply(x, xcb_res_query_version(x, 1, 2), nullptr)
+            : nullptr);
+    knowsProcesses_ = version && std::pair(version->server_major, version->server_minor) >=
+                                     std::pair<std::uint16_t, std::uint16_t>(1, 2);
+    connection_.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
+    events_ = connection_.observeEvents([this](const X11Connection::Event& event) {
+        if ((event.response_type & 0x7f) != XCB_PROPERTY_NOTIFY) {
+            return;
+        }
+        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        if (change.window == connection_.root() &&
+            (change.atom == atoms_.activeWindow || change.atom == atoms_.supportingWmCheck)) {
+            noticeActivation_.request(); // one change is often told several times
+        }
+    });
+    frontmost_ = frontmostApplication();
+}
+
+Subscription X11Workspace::observeDidActivateApplication(
+    std::function<void(const std::optional<RunningApplication>&)> callback) {
+    return activated_.add(std::move(callback));
+}
+
+std::optional<RunningApplication> X11Workspace::frontmostApplication() {
+    auto application = applicationOf(activeWindow());
+    connection_.finishTurn();
+    return application;
+}
+
+std::optional<std::vector<WindowInfo>> X11Workspace::copyWindowInfo() {
+    auto* const x = connection_.get();
+    const auto windows = managedWindows(atoms_.clientListStacking, mostWindows);
+    connection_.finishTurn();
+    if (!windows) {
+        return std::nullopt;
+    }
+    const auto property = [this](xcb_window_t window, xcb_atom_t atom, xcb_atom_t type,
+                                 std::uint32_t length) {
+        return WindowProperty(connection_, window, atom, type, length);
+    };
+    const auto currentDesktop =
+        property(connection_.root(), atoms_.currentDesktop, XCB_ATOM_CARDINAL, 1);
+    std::vector<WindowRequest> requests;
+    for (const auto window : *windows) {
+        requests.push_back(
+            {.attributes = xcb_get_window_attributes(x, window),
+             .geometry = xcb_get_geometry(x, window),
+             .desktop = property(window, atoms_.wmDesktop, XCB_ATOM_CARDINAL, 1),
+             .state = property(window, atoms_.wmState, XCB_ATOM_ATOM, mostAtoms),
+             .type = property(window, atoms_.wmWindowType, XCB_ATOM_ATOM, mostAtoms)});
+    }
+
+    const auto shownDesktop = currentDesktop.numbers();
+    std::vector<WindowInfo> infos;
+    for (const auto& request : requests) {
+        const XcbReply<xcb_get_window_attributes_reply_t> attributes(
+            xcb_get_window_attributes_reply(x, request.attributes, nullptr));
+        const XcbReply<xcb_get_geometry_reply_t> geometry(
+            xcb_get_geometry_reply(x, request.geometry, nullptr));
+        const auto desktop = request.desktop.numbers();
+        const auto isOnScreen = attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE &&
+                                !contains(request.state.numbers(), atoms_.wmStateHidden) &&
+                                (!desktop || !shownDesktop || desktop == shownDesktop ||
+                                 contains(desktop, onEveryDesktop));
+        // The wallpaper is as large as the screen and belongs to no application.
+        const auto isWallpaper = contains(request.type.numbers(), atoms_.wmWindowTypeDesktop);
+        if (geometry && isOnScreen && !isWallpaper) {
+            infos.push_back({.width = geometry->width, .height = geometry->height});
+        }
+    }
+    return infos;
+}
+
+std::optional<Rect> X11Workspace::mainScreenFrame() {
+    const auto screens = screenFrames();
+    const auto window = frameOf(activeWindow());
+    connection_.finishTurn();
+    const auto screen = std::ranges::max_element(
+        screens, {}, [&](const Rect& frame) { return overlap(frame, window); });
+    return screen == screens.end() ? std::nullopt : std::optional(*screen);
+}
+
+void X11Workspace::noticeActivation() {
+    const auto application = frontmostApplication();
+    if (!isSame(application, frontmost_)) {
+        frontmost_ = application;
+        activated_.call(application);
+    }
+}
+
+/// What the window manager says on the root window; none where none is running, as one that was
+/// killed leaves its words behind.
+std::optional<std::vector<xcb_window_t>> X11Workspace::managedWindows(xcb_atom_t property,
+                                                                      std::uint32_t most) const {
+    const WindowProperty wanted(connection_, connection_.root(), property, XCB_ATOM_WINDOW, most);
+    const WindowProperty check(connection_, connection_.root(), atoms_.supportingWmCheck,
+                               XCB_ATOM_WINDOW, 1);
+    auto windows = wanted.numbers();
+    const auto manager = check.numbers();
+    if (!manager || manager->empty()) {
+        return std::nullopt;
+    }
+    const WindowProperty sign(connection_, manager->front(), atoms_.supportingWmCheck,
+                              XCB_ATOM_WINDOW, 1);
+    return sign.numbers() == manager ? std::move(windows) : std::nullopt;
+}
+
+xcb_window_t X11Workspace::activeWindow() const {
+    const auto windows = managedWindows(atoms_.activeWindow, 1);
+    return !windows || windows->empty() ? xcb_window_t{XCB_NONE} : windows->front();
+}
+
+std::optional<RunningApplication> X11Workspace::applicationOf(xcb_window_t window) const {
+    if (window == XCB_NONE) {
+        return std::nullopt;
+    }
+    const auto property = [&](xcb_atom_t atom, xcb_atom_t type) {
+        return WindowProperty(connection_, window, atom, type, longestText);
+    };
+    const auto windowClass = property(XCB_ATOM_WM_CLASS, XCB_ATOM_ANY);
+    const auto name = property(atoms_.wmName, atoms_.utf8String);
+    std::vector<WindowProperty> desktopFiles;
+    for (const auto atom : atoms_.desktopFile) {
+        desktopFiles.push_back(property(atom, XCB_ATOM_ANY));
+    }
+
+    ApplicationIdentity identity;
+    identity.windowClass = textAt(windowClass.texts(), 1); // after the instance
+    const auto title = textAt(name.texts(), 0);
+    for (const auto& desktopFile : desktopFiles) {
+        const auto text = textAt(desktopFile.texts(), 0);
+        identity.desktopFile = identity.desktopFile.empty() ? text : identity.desktopFile;
+    }
+    if (const auto process = processOf(window); process != 0) {
+        identity.flatpak = flatpakId(processes_ / std::to_string(process) / "root");
+    }
+    const RunningApplication application{
+        .bundleIdentifier = bundleIdentifierOf(identity),
+        .localizedName = identity.windowClass.empty() ? title : identity.windowClass};
+    return application == RunningApplication{} ? std::nullopt : std::optional(application);
+}
+
+/// The process whose connection made a window, as the server knows it, or 0. What a window says
+/// itself is numbered by the sandbox that its program may be in.
+std::uint32_t X11Workspace::processOf(xcb_window_t window) const {
+    constexpr std::uint32_t wanted = XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID;
+    if (!knowsProcesses_) {
+        return 0;
+    }
+    auto* const x = connection_.get();
+    const xcb_res_client_id_spec_t client{.client = window, .mask = wanted};
+    const XcbReply<xcb_res_query_client_ids_reply_t> reply(
+        xcb_res_query_client_ids_reply(x, xcb_res_query_client_ids(x, 1, &client), nullptr));
+    if (!reply) {
+        return 0;
+    }
+    auto id = xcb_res_query_client_ids_ids_iterator(reply.get());
+    for (; id.rem > 0; xcb_res_client_id_value_next(&id)) {
+        if (id.data->spec.mask == wanted && xcb_res_client_id_value_value_length(id.data) == 1) {
+            return *xcb_res_client_id_value_value(id.data);
+        }
+    }
+    return 0;
+}
+
+/// On the root window; empty for none.
+Rect X11Workspace::frameOf(xcb_window_t window) const {
+    if (window == XCB_NONE) {
+        return {};
+    }
+    auto* const x = connection_.get();
+    const auto geometryRequest = xcb_get_geometry(x, window);
+    const auto originRequest = xcb_translate_coordinates(x, window, connection_.root(), 0, 0);
+    const XcbReply<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(x, geometryRequest, nullptr));
+    const XcbReply<xcb_translate_coordinates_reply_t> origin(
+        xcb_translate_coordinates_reply(x, originRequest, nullptr));
+    if (!geometry || !origin) {
+        return {};
+    }
+    return {static_cast<double>(origin->dst_x), static_cast<double>(origin->dst_y),
+            static_cast<double>(geometry->width), static_cast<double>(geometry->height)};
+}
+
+/// The main display's first.
+std::vector<Rect> X11Workspace::screenFrames() const {
+    std::uint32_t count = 0;
+    displays_.getActiveDisplayList({}, count);
+    std::vector<DisplayId> ids(count);
+    displays_.getActiveDisplayList(ids, count);
+    ids.resize(count);
+    std::stable_partition(ids.begin(), ids.end(),
+                          [this](DisplayId id) { return displays_.displayIsMain(id); });
+    std::vector<Rect> frames;
+    std::ranges::transform(ids, std::back_inserter(frames),
+                           [this](DisplayId id) { return displays_.displayBounds(id); });
+    return frames;
+}
+
+} // namespace nocta

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "backends/linux/x11/X11Connection.h"
+#include "base/CallbackList.h"
+#include "base/Deferred.h"
+#include "platform/Workspace.h"
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace nocta {
+
+/// The applications of an X11 session, as its window manager tells of them by EWMH. Everything is
+/// read when it is asked for and nothing is polled. Where no window manager runs nothing is in
+/// front, and no windows can be listed.
+class X11Workspace final : public Workspace {
+public:
+    /// `processes` is where the kernel shows the processes of the system.
+    X11Workspace(X11Connection& connection, Displays& displays, RunLoop& runLoop,
+                 std::function<bool()> shouldReduceMotion,
+                 std::filesystem::path processes = "/proc");
+
+    Subscription observeDidActivateApplication(
+        std::function<void(const std::optional<RunningApplication>&)> callback) override;
+    std::optional<RunningApplication> frontmostApplication() override;
+    std::optional<std::vector<WindowInfo>> copyWindowInfo() override;
+    std::optional<Rect> mainScreenFrame() override;
+    bool accessibilityDisplayShouldReduceMotion() override { return shouldReduceMotion_(); }
+
+private:
+    struct Atoms {
+        const X11Connection& connection;
+        xcb_atom_t supportingWmCheck = connection.atom("_NET_SUPPORTING_WM_CHECK");
+        xcb_atom_t activeWindow = connection.atom("_NET_ACTIVE_WINDOW");
+        xcb_atom_t clientListStacking = connection.atom("_NET_CLIENT_LIST_STACKING");
+        xcb_atom_t currentDesktop = connection.atom("_NET_CURRENT_DESKTOP");
+        xcb_atom_t wmDesktop = connection.atom("_NET_WM_DESKTOP");
+        xcb_atom_t wmState = connection.atom("_NET_WM_STATE");
+        xcb_atom_t wmStateHidden = connection.atom("_NET_WM_STATE_HIDDEN");
+        xcb_atom_t wmWindowType = connection.atom("_NET_WM_WINDOW_TYPE");
+        xcb_atom_t wmWindowTypeDesktop = connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP");
+        xcb_atom_t wmName = connection.atom("_NET_WM_NAME");
+        xcb_atom_t utf8String = connection.atom("UTF8_STRING");
+        /// The desktop file's, of which every toolkit has one of its own.
+        std::array<xcb_atom_t, 3> desktopFile = {connection.atom("_GTK_APPLICATION_ID"),
+                                                 connection.atom("_KDE_NET_WM_DESKTOP_FILE"),
+                                                 connection.atom("_BAMF_DESKTOP_FILE")};
+    };
+
+    void noticeActivation();
+    std::optional<std::vector<xcb_window_t>> managedWindows(xcb_atom_t property,
+                                                            std::uint32_t most) const;
+    xcb_window_t activeWindow() const;
+    std::optional<RunningApplication> applicationOf(xcb_window_t window) const;
+    std::uint32_t processOf(xcb_window_t window) const;
+    Rect frameOf(xcb_window_t window) const;
+    std::vector<Rect> screenFrames() const;
+
+    X11Connection& connection_;
+    Displays& displays_;
+    std::function<bool()> shouldReduceMotion_;
+    std::filesystem::path processes_;
+    Atoms atoms_{connection_};
+    bool knowsProcesses_ = false; ///< the server tells which process is behind a window
+    std::optional<RunningApplication> frontmost_; ///< as it was told last
+    CallbackList<std::optional<RunningApplication>> activated_;
+    Deferred noticeActivation_;
+    Subscription events_;
+};
+
+} // namespace nocta

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/Displays.h"
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace nocta {
+
+/// An application on the X server that DISPLAY names, with a connection and windows of its own. It
+/// asks the window manager for what a person does with them, and writes whatever properties it
+/// likes, on the root window too.
+class XApplication {
+public:
+    /// The instance and the class of its windows; without a class they have neither.
+    explicit XApplication(std::string instance = {}, std::string windowClass = {});
+    XApplication(const XApplication&) = delete;
+    XApplication& operator=(const XApplication&) = delete;
+    ~XApplication();
+
+    xcb_window_t root() const { return root_; }
+
+    /// A window that is not shown yet.
+    xcb_window_t make(const Rect& frame = {100, 100, 400, 300});
+    void show(xcb_window_t window);
+    xcb_window_t open(const Rect& frame = {100, 100, 400, 300});
+    void close(xcb_window_t window);
+
+    void activate(xcb_window_t window);
+    void minimize(xcb_window_t window);
+    void enterFullScreen(xcb_window_t window);
+    void moveToDesktop(xcb_window_t window, std::uint32_t desktop);
+
+    void setText(xcb_window_t window, const std::string& property, const std::string& text,
+                 const std::string& type = "UTF8_STRING");
+    void setNumbers(xcb_window_t window, const std::string& property,
+                    const std::vector<std::uint32_t>& numbers, const std::string& type);
+    void removeProperty(xcb_window_t window, const std::string& property);
+
+    xcb_atom_t atom(const std::string& name);
+
+    /// The first number in a property of the root window, or 0.
+    std::uint32_t rootNumber(const std::string& property);
+
+private:
+    void ask(xcb_window_t window, const std::string& what, std::vector<std::uint32_t> data);
+    void synchronize();
+
+    xcb_connection_t* x_;
+    xcb_window_t root_;
+    std::string classes_; ///< as WM_CLASS has them
+};
+
+} // namespace nocta
