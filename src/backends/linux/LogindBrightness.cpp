@@ -1,5 +1,5 @@
+#include "backends/linux/MessageBus.h"
 #include "backends/linux/SysfsBacklight.h"
-#include "backends/linux/SystemBus.h"
 
 #include <QDBusMessage>
 #include <QString>

@@ -1,6 +1,6 @@
 #include "backends/linux/location/GeoClueClient.h"
 
-#include "backends/linux/SystemBus.h"
+#include "backends/linux/MessageBus.h"
 
 #include <QCoreApplication>
 #include <QDBusError>

@@ -1,0 +1,135 @@
+#include "backends/linux/FreedesktopNotifications.h"
+
+#include "backends/linux/MessageBus.h"
+
+#include <QDBusError>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QTimer>
+#include <QVariantMap>
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+namespace nocta {
+
+namespace {
+
+const auto service = QStringLiteral("org.freedesktop.Notifications");
+const auto path = QStringLiteral("/org/freedesktop/Notifications");
+
+const auto applicationName = QStringLiteral("Nocta");
+const auto desktopEntry = QStringLiteral("nocta");
+const auto soundName = QStringLiteral("message-new-instant");
+
+constexpr int usualTime = -1;
+// Who stops waiting does not learn the number of a notification that is shown late.
+constexpr int anyTime = std::numeric_limits<int>::max();
+
+QDBusMessage methodCall(const QString& method) {
+    return QDBusMessage::createMethodCall(service, path, service, method);
+}
+
+/// In one line, whatever the service writes.
+std::string description(const QDBusError& error) {
+    return error.type() == QDBusError::ServiceUnknown
+               ? "this desktop has no notification service"
+               : "the notification service does not answer: " +
+                     error.message().simplified().toStdString();
+}
+
+} // namespace
+
+FreedesktopNotifications::FreedesktopNotifications() : bus_(sessionBus()) {
+    signals_.invoked = [this](const QString& sender, unsigned int id, const QString& action) {
+        if (shown_.erase({sender, id}) != 0 && delegate_ != nullptr) {
+            delegate_->didReceiveResponse(action.toStdString(), [] {});
+        }
+    };
+    signals_.closed = [this](const QString& sender, unsigned int id) {
+        shown_.erase({sender, id});
+    };
+    bus_.connect(service, path, service, QStringLiteral("ActionInvoked"), &signals_,
+                 SLOT(actionInvoked(unsigned int, QString, QDBusMessage)));
+    bus_.connect(service, path, service, QStringLiteral("NotificationClosed"), &signals_,
+                 SLOT(notificationClosed(unsigned int, unsigned int, QDBusMessage)));
+}
+
+void FreedesktopNotifications::requestAuthorization(std::uint32_t /*options*/,
+                                                    AuthorizationHandler completionHandler) {
+    if (!bus_.isConnected()) {
+        QTimer::singleShot(0, &signals_, [handler = std::move(completionHandler)] {
+            handler(false, "there is no session bus to reach a notification service by");
+        });
+        return;
+    }
+    call(methodCall(QStringLiteral("GetCapabilities")), usualTime,
+         [handler = std::move(completionHandler)](const QDBusMessage& answer) {
+             const QDBusPendingReply<QStringList> capabilities(answer);
+             handler(capabilities.isValid(),
+                     capabilities.isValid() ? std::nullopt
+                                            : std::optional(description(capabilities.error())));
+         });
+}
+
+void FreedesktopNotifications::setNotificationCategories(
+    std::vector<UserNotificationCategory> categories) {
+    categories_ = std::move(categories);
+}
+
+void FreedesktopNotifications::add(const UserNotification& notification) {
+    const auto presentation = delegate_ == nullptr ? 0 : delegate_->willPresentNotification();
+    if ((presentation & (notificationAlert | notificationBanner)) == 0 || !bus_.isConnected()) {
+        return;
+    }
+    // Asked each time, as another service may have taken the place of the last one.
+    call(methodCall(QStringLiteral("GetCapabilities")), usualTime,
+         [this, notification, presentation](const QDBusMessage& answer) {
+             const QDBusPendingReply<QStringList> capabilities(answer);
+             if (capabilities.isValid()) {
+                 show(notification, presentation, capabilities.value());
+             }
+         });
+}
+
+void FreedesktopNotifications::show(const UserNotification& notification,
+                                    std::uint32_t presentation, const QStringList& capabilities) {
+    const auto category = std::ranges::find(categories_, notification.categoryIdentifier,
+                                            &UserNotificationCategory::identifier);
+    QStringList actions;
+    // Some services that have no buttons would show a dialog instead.
+    if (category != categories_.end() && capabilities.contains(QStringLiteral("actions"))) {
+        for (const auto& action : category->actions) {
+            actions << QString::fromStdString(action.identifier)
+                    << QString::fromStdString(action.title);
+        }
+    }
+    const auto body = QString::fromStdString(notification.body);
+    QVariantMap hints{{QStringLiteral("desktop-entry"), desktopEntry}};
+    if ((presentation & notificationSound) != 0) {
+        hints.insert(QStringLiteral("sound-name"), soundName);
+    }
+    auto message = methodCall(QStringLiteral("Notify"));
+    message << applicationName << 0U /* replaces none */ << QString() /* the desktop entry's icon */
+            << QString::fromStdString(notification.title)
+            << (capabilities.contains(QStringLiteral("body-markup")) ? body.toHtmlEscaped() : body)
+            << actions << hints << -1 /* for as long as the service likes */;
+    call(message, anyTime, [this](const QDBusMessage& answer) {
+        if (const QDBusPendingReply<unsigned int> id(answer); id.isValid()) {
+            shown_.emplace(answer.service(), id.value());
+        }
+    });
+}
+
+/// Hands the answer over, an error as well, unless this object is gone by then.
+void FreedesktopNotifications::call(const QDBusMessage& message, int timeout, Answer answer) {
+    auto* const watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message, timeout), &signals_);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished,
+                     [watcher, answer = std::move(answer)] {
+                         watcher->deleteLater();
+                         answer(watcher->reply());
+                     });
+}
+
+} // namespace nocta
