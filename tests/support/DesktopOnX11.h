@@ -19,6 +19,7 @@ protected:
 
     X11Session x;
     LocationManager* locationManager = &desktop.location;
+    UserNotificationCenter* userNotificationCenter = &desktop.notifications;
 
     /// Made when the program is.
     Desktop& ports() override {
@@ -38,7 +39,7 @@ protected:
                                    .dynamicLibraries = *filter_,
                                    .displayFilter = *filter_,
                                    .workspace = desktop.workspace,
-                                   .userNotificationCenter = desktop.notifications,
+                                   .userNotificationCenter = *userNotificationCenter,
                                    .overlayWindows = desktop.overlayWindows,
                                    .statusBar = desktop.statusBar,
                                    .popover = desktop.popover,

@@ -1,6 +1,8 @@
 #include "backends/linux/FileDescriptor.h"
+#include "backends/linux/FreedesktopNotifications.h"
 #include "backends/linux/IniDefaultsStore.h"
 #include "backends/linux/LibUuidSource.h"
+#include "backends/linux/ReducedMotion.h"
 #include "backends/linux/SessionFilter.h"
 #include "backends/linux/SysfsBacklight.h"
 #include "backends/linux/Unavailable.h"
@@ -19,6 +21,7 @@
 #include "backends/linux/x11/X11Displays.h"
 #include "backends/linux/x11/X11GammaOutput.h"
 #include "backends/linux/x11/X11KeyEvents.h"
+#include "backends/linux/x11/X11Workspace.h"
 #include "platform/Desktop.h"
 
 #include <QApplication>
@@ -27,6 +30,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <string>
 #include <sys/socket.h>
@@ -103,8 +107,8 @@ std::string xServerName() {
     return name;
 }
 
-/// What this session can do for displays, gamma, gray and keys. Here and nowhere else is it
-/// decided.
+/// What this session can do for displays, gamma, gray, keys and applications. Here and nowhere else
+/// is it decided.
 struct DisplayServer {
     std::unique_ptr<X11Connection> connection;
     std::unique_ptr<Guardian> guardian;
@@ -112,9 +116,11 @@ struct DisplayServer {
     std::unique_ptr<GammaOutput> gammaOutput;
     std::unique_ptr<GrayscaleFilter> grayscale;
     std::unique_ptr<KeyEvents> keyEvents;
+    std::unique_ptr<Workspace> workspace;
 };
 
-DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificationCenter) {
+DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificationCenter,
+                                 std::function<bool()> shouldReduceMotion) {
     DisplayServer server;
     if (auto magnifier = std::make_unique<MagnifierFilter>(stateFolder() / "magnifier");
         magnifier->isAvailable()) {
@@ -127,6 +133,7 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
         server.displays = std::make_unique<UnavailableDisplays>();
         server.gammaOutput = std::make_unique<UnavailableGammaOutput>();
         server.keyEvents = std::make_unique<UnavailableKeyEvents>();
+        server.workspace = std::make_unique<UnavailableWorkspace>(std::move(shouldReduceMotion));
         return server;
     }
     server.guardian = std::make_unique<Guardian>(*connection);
@@ -143,6 +150,8 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
             server.grayscale = std::move(matrices);
         }
     }
+    server.workspace = std::make_unique<X11Workspace>(*connection, *displays, runLoop,
+                                                      std::move(shouldReduceMotion));
     server.displays = std::move(displays);
     server.keyEvents = std::make_unique<X11KeyEvents>(*connection, runLoop);
     server.connection = std::move(connection);
@@ -181,12 +190,13 @@ private:
     NotificationCenter notificationCenter_;
     IniDefaultsStore userDefaults_{defaultsFile()};
     LibUuidSource uuidSource_;
-    DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_);
+    ReducedMotion reducedMotion_;
+    DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_,
+                                               [this] { return reducedMotion_.isWished(); });
     SysfsBacklight backlight_{*server_.displays, setBrightnessThroughLogind};
     GeoClueLocationManager locationManager_{runLoop_, stateFolder() / "location-granted"};
     SessionFilter filter_{std::move(server_.grayscale)};
-    UnavailableWorkspace workspace_{[] { return false; }};
-    UnavailableUserNotificationCenter userNotificationCenter_;
+    FreedesktopNotifications userNotificationCenter_;
     QtOverlayWindows overlayWindows_{runLoop_, server_.connection.get()};
     SystemTray tray_{server_.connection.get()};
     QtStatusBar statusBar_{tray_};
@@ -205,7 +215,7 @@ public:
                   .locationManager = locationManager_,
                   .dynamicLibraries = filter_,
                   .displayFilter = filter_,
-                  .workspace = workspace_,
+                  .workspace = *server_.workspace,
                   .userNotificationCenter = userNotificationCenter_,
                   .overlayWindows = overlayWindows_,
                   .statusBar = statusBar_,

@@ -3,7 +3,6 @@
 #include "platform/Displays.h"
 #include "platform/GammaOutput.h"
 #include "platform/KeyEvents.h"
-#include "platform/UserNotificationCenter.h"
 #include "platform/Workspace.h"
 
 #include <utility>
@@ -64,15 +63,6 @@ public:
 
 private:
     std::function<bool()> shouldReduceMotion_;
-};
-
-class UnavailableUserNotificationCenter final : public UserNotificationCenter {
-public:
-    void requestAuthorization(std::uint32_t /*options*/,
-                              AuthorizationHandler /*completionHandler*/) override {}
-    void setNotificationCategories(std::vector<UserNotificationCategory> /*categories*/) override {}
-    void setDelegate(UserNotificationCenterDelegate* /*delegate*/) override {}
-    void add(const UserNotification& /*notification*/) override {}
 };
 
 } // namespace nocta

@@ -1,9 +1,9 @@
 #include "backends/linux/FreedesktopNotifications.h"
 
 #include "backends/linux/MessageBus.h"
+#include "support/Dunst.h"
 #include "support/EventLoop.h"
 #include "support/PrivateBus.h"
-#include "support/XServer.h"
 
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -385,42 +385,16 @@ protected:
 };
 
 TEST_F(NotificationDaemonTest, ButtonThatIsPressedReachesTheDelegate) {
-    const XServer server(XServer::Kind::xvfb);
-    TemporaryFolder folder;
-    // Asked which of several buttons is meant, this person always takes the later one.
-    writeFile(folder.path() + "/dunstrc", "[global]\ndmenu = /bin/grep minutes\n");
-    Process dunst({"dunst", "-conf", folder.path() + "/dunstrc"},
-                  {{"DISPLAY", server.display()},
-                   {"WAYLAND_DISPLAY", ""},
-                   {"HOME", folder.path()},
-                   {"DBUS_SESSION_BUS_ADDRESS", bus->address()}},
-                  folder.path() + "/log");
-    ASSERT_TRUE(serveUntil([] {
-        return sessionBus().interface()->isServiceRegistered(serviceName).value();
-    })) << contentOf(folder.path() + "/log");
+    const Dunst dunst(bus->address(), "minutes");
 
     makeCenter();
     request();
     ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
     EXPECT_EQ(answers, (std::vector{Answer{true, std::nullopt}}));
     center->add(reminder);
-    const auto displayed = [] {
-        return sessionBus()
-            .call(QDBusMessage::createMethodCall(serviceName, "/org/freedesktop/Notifications",
-                                                 "org.freedesktop.DBus.Properties", "Get")
-                      << "org.dunstproject.cmd0"
-                      << "displayedLength",
-                  QDBus::BlockWithGui)
-            .arguments()
-            .value(0)
-            .value<QDBusVariant>()
-            .variant()
-            .toInt();
-    };
-    ASSERT_TRUE(serveUntil([&] { return displayed() == 1; })) << contentOf(folder.path() + "/log");
-    ASSERT_EQ(runToEnd({"dunstctl", "action", "0"}, {{"DBUS_SESSION_BUS_ADDRESS", bus->address()}}),
-              0);
-    ASSERT_TRUE(waitForResponse()) << contentOf(folder.path() + "/log");
+    ASSERT_TRUE(serveUntil([] { return Dunst::displayed() == 1; }));
+    ASSERT_TRUE(dunst.press());
+    ASSERT_TRUE(waitForResponse());
     EXPECT_EQ(responses, std::vector<std::string>{"LATER"});
 }
 
