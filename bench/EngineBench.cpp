@@ -137,11 +137,13 @@ public:
     }
 };
 
-/// The whole program at rest in automatic mode, one display: an hour of the virtual clock.
+/// The whole program at rest in automatic mode, one display: an hour of the virtual clock, with or
+/// without breaks to count for.
 void idleHour(benchmark::State& state) {
     VirtualDesktop desktop;
     desktop.displays.plug({.id = 1});
     SharedInstances instances(desktop.ports);
+    instances.settingsManager().breakTimerEnabled.set(state.range(0) != 0);
     NoViews views;
     AppDelegate delegate(instances, views);
     desktop.application.launch(delegate);
@@ -154,7 +156,7 @@ void idleHour(benchmark::State& state) {
     state.counters["tables"] = tables / static_cast<double>(state.iterations());
     desktop.application.terminate();
 }
-BENCHMARK(idleHour)->Unit(benchmark::kMicrosecond);
+BENCHMARK(idleHour)->ArgName("breaks")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 } // namespace nocta

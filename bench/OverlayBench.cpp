@@ -1,0 +1,97 @@
+// What a break costs on an X server until its windows are there.
+
+#include "app/SharedInstances.h"
+#include "backends/linux/shell/QtOverlayWindows.h"
+#include "backends/linux/shell/QtRunLoop.h"
+#include "backends/virtual/VirtualDesktop.h"
+#include "breaks/BreakOverlayController.h"
+#include "support/Process.h"
+#include "support/XClient.h"
+#include "support/XServer.h"
+#include "ui/WidgetViews.h"
+
+#include <QApplication>
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace nocta {
+namespace {
+
+constexpr int mostOutputs = 4;
+
+void useOutputs(const XServer& server, std::int64_t count) {
+    for (std::int64_t i = 1; i < mostOutputs; ++i) {
+        const auto name = "DUMMY" + std::to_string(i);
+        if (i < count) {
+            server.xrandr({"--output", name, "--mode", "1280x720", "--pos",
+                           std::to_string(1920 + 1280 * (i - 1)) + "x0"});
+        } else {
+            server.xrandr({"--output", name, "--off"});
+        }
+    }
+    waitUntil([&] {
+        QCoreApplication::processEvents();
+        return QGuiApplication::screens().size() == count;
+    });
+}
+
+/// From the start of a break until another client sees every window mapped, with the first picture
+/// of each drawn.
+void breakStartToLastWindow(benchmark::State& state, const XServer& server) {
+    useOutputs(server, state.range(0));
+    XClient client;
+    VirtualDesktop desktop; // for the ports that take no part
+    QtRunLoop runLoop;
+    X11Connection connection(runLoop);
+    QtOverlayWindows windows(runLoop, &connection);
+    SharedInstances instances(desktop.ports);
+    WidgetViews views(instances);
+    BreakOverlayController overlay(instances.breakTimer(), windows, desktop.application, views,
+                                   desktop.notificationCenter, runLoop);
+    const auto before = client.topWindows().size();
+    const auto serve = [](auto condition) {
+        while (!condition()) {
+            QCoreApplication::processEvents();
+        }
+    };
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        desktop.notificationCenter.post(breakDidStartNotification);
+        QCoreApplication::processEvents();
+        serve([&] {
+            return client.topWindows().size() == before + static_cast<std::size_t>(state.range(0));
+        });
+        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+        state.SetIterationTime(taken.count());
+        desktop.notificationCenter.post(breakDidEndNotification);
+        serve([&] { return !overlay.isShowing.get(); });
+        desktop.trace.clear();
+    }
+}
+
+} // namespace
+} // namespace nocta
+
+int main(int argc, char** argv) {
+    const nocta::XServer server(nocta::XServer::Kind::xorgDummy);
+    for (int i = 1; i < nocta::mostOutputs; ++i) {
+        server.xrandr({"--addmode", "DUMMY" + std::to_string(i), "1280x720"});
+    }
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    for (const auto outputs : {1, nocta::mostOutputs}) {
+        benchmark::RegisterBenchmark(
+            "breakStartToLastWindow",
+            [&](benchmark::State& state) { nocta::breakStartToLastWindow(state, server); })
+            ->Arg(outputs)
+            ->UseManualTime()
+            ->Iterations(10)
+            ->Unit(benchmark::kMillisecond);
+    }
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+}
