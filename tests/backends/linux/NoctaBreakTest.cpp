@@ -1,5 +1,7 @@
 #include "support/NoctaProcess.h"
+#include "support/XApplication.h"
 
+#include <chrono>
 #include <csignal>
 #include <optional>
 #include <sys/wait.h>
@@ -116,6 +118,27 @@ TEST_P(NoctaBreakTest, KeyboardIsGivenBackToTheWindowThatHadIt) {
     EXPECT_TRUE(waitUntil([&] { return client.focus() == other; }));
     EXPECT_TRUE(isUncovered());
     EXPECT_TRUE(hasTotals(R"(\"snoozedBreaks\":1)")) << contentOf(settings);
+}
+
+TEST_P(NoctaBreakTest, MeetingInFrontHoldsTheCountdownEvenAfterItsEnd) {
+    startWindowManager();
+    openFocusedWindow();
+    XApplication zoom("zoom", "zoom");
+    const auto meeting = zoom.open();
+    zoom.activate(meeting);
+    ASSERT_TRUE(waitUntil([&] { return zoom.rootNumber("_NET_ACTIVE_WINDOW") == meeting; }));
+    startWithBreaks();
+    ASSERT_TRUE(waitForBrightness(0.75));
+    const auto start = std::chrono::steady_clock::now();
+    const auto runFor = [&](std::chrono::milliseconds time) {
+        waitUntil(
+            [&] { return std::chrono::steady_clock::now() - start > time || !isUncovered(); });
+    };
+    runFor(std::chrono::milliseconds(2000)); // the break would come after one second
+    EXPECT_TRUE(isUncovered());
+    zoom.close(meeting);
+    runFor(std::chrono::milliseconds(4000));
+    EXPECT_TRUE(isUncovered());
 }
 
 TEST_P(NoctaBreakTest, BreakEndsByItself) {

@@ -51,7 +51,6 @@ public:
         widget_.setWindowFlags(flags);
         widget_.setWindowTitle(QStringLiteral("Nocta"));
         widget_.setAttribute(Qt::WA_TranslucentBackground);
-        widget_.setAttribute(Qt::WA_ShowWithoutActivating, false);
         auto* const layout = new QVBoxLayout(&widget_);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(static_cast<QWidget*>(content_->nativeView()));
@@ -75,10 +74,10 @@ public:
         if (!std::exchange(isShown_, true)) {
             owner_.windowComes();
         }
-        if (owner_.connection_ == nullptr) {
-            widget_.showFullScreen(); // nobody else can place a window on Wayland
-        } else {
+        if (QGuiApplication::platformName() == QStringLiteral("xcb")) {
             widget_.show();
+        } else {
+            widget_.showFullScreen(); // on Wayland a window cannot be placed by its program
         }
         owner_.keyWindow_ = this;
         widget_.raise();
