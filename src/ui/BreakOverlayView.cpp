@@ -8,6 +8,7 @@
 #include <QFontInfo>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -176,10 +177,10 @@ BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& sett
         breakTimer.state.subscribe([this](const BreakState& state) { follow(state); }));
 }
 
-void BreakOverlayView::paintEvent(QPaintEvent* /*event*/) {
+void BreakOverlayView::paintEvent(QPaintEvent* event) {
     auto backdrop = QColor(Qt::black);
     backdrop.setAlphaF(static_cast<float>(backdropOpacity));
-    QPainter(this).fillRect(rect(), backdrop);
+    QPainter(this).fillRect(event->rect(), backdrop);
 }
 
 void BreakOverlayView::showEvent(QShowEvent* event) {

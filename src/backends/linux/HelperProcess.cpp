@@ -1,5 +1,6 @@
 #include "backends/linux/HelperProcess.h"
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <poll.h>
@@ -27,11 +28,8 @@ bool HelperProcess::start(const char* name, const std::vector<std::string>& argu
 
     auto words = arguments;
     words.insert(words.begin(), path(name));
-    std::vector<char*> list;
-    for (auto& word : words) {
-        list.push_back(word.data());
-    }
-    list.push_back(nullptr);
+    std::vector<char*> list(words.size() + 1, nullptr);
+    std::ranges::transform(words, list.begin(), [](std::string& word) { return word.data(); });
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDIN_FILENO);
