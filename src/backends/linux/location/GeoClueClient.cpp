@@ -40,7 +40,7 @@ constexpr int userAnswerTime = std::numeric_limits<int>::max();
 } // namespace
 
 std::shared_ptr<GeoClueClient> GeoClueClient::create(Callbacks callbacks) {
-    const std::shared_ptr<GeoClueClient> client(new GeoClueClient(std::move(callbacks)));
+    std::shared_ptr<GeoClueClient> client(new GeoClueClient(std::move(callbacks)));
     client->open();
     return client;
 }
