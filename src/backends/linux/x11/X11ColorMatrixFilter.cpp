@@ -42,12 +42,8 @@ void X11ColorMatrixFilter::setOn(bool on) {
 }
 
 std::vector<X11ColorMatrixFilter::DisplayMatrix> X11ColorMatrixFilter::matrices() const {
-    std::uint32_t count = 0;
-    displays_.getActiveDisplayList({}, count);
-    std::vector<DisplayId> displays(count);
-    displays_.getActiveDisplayList(displays, count);
     std::vector<DisplayMatrix> found;
-    for (const auto display : displays) {
+    for (const auto display : displays_.ids()) {
         if (const auto matrix = readMatrix(connection_.get(), display)) {
             found.push_back({display, *matrix});
         }

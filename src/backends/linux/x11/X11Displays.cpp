@@ -99,6 +99,12 @@ std::optional<DisplayMode> X11Displays::displayCopyDisplayMode(DisplayId display
     return output == nullptr ? std::nullopt : output->mode;
 }
 
+std::vector<DisplayId> X11Displays::ids() const {
+    std::vector<DisplayId> ids(outputs_.size());
+    std::ranges::transform(outputs_, ids.begin(), &Output::id);
+    return ids;
+}
+
 xcb_randr_crtc_t X11Displays::crtcOf(DisplayId display) const {
     const auto* const output = find(display);
     return output == nullptr ? XCB_NONE : output->crtc;

@@ -27,6 +27,9 @@ public:
     bool displayIsBuiltin(DisplayId display) override;
     std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) override;
 
+    /// All of the list, for the other parts of this backend.
+    std::vector<DisplayId> ids() const;
+
     /// The CRTC that drives a display, or none.
     xcb_randr_crtc_t crtcOf(DisplayId display) const;
 

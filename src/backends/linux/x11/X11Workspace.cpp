@@ -56,7 +56,7 @@ struct WindowRequest {
 
 } // namespace
 
-X11Workspace::X11Workspace(X11Connection& connection, Displays& displays, RunLoop& runLoop,
+X11Workspace::X11Workspace(X11Connection& connection, X11Displays& displays, RunLoop& runLoop,
                            std::function<bool()> shouldReduceMotion,
                            std::filesystem::path processes)
     : connection_(connection), displays_(displays),
@@ -252,11 +252,7 @@ Rect X11Workspace::frameOf(xcb_window_t window) const {
 
 /// The main display's first.
 std::vector<Rect> X11Workspace::screenFrames() const {
-    std::uint32_t count = 0;
-    displays_.getActiveDisplayList({}, count);
-    std::vector<DisplayId> ids(count);
-    displays_.getActiveDisplayList(ids, count);
-    ids.resize(count);
+    auto ids = displays_.ids();
     std::stable_partition(ids.begin(), ids.end(),
                           [this](DisplayId id) { return displays_.displayIsMain(id); });
     std::vector<Rect> frames;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "backends/linux/x11/X11Connection.h"
+#include "backends/linux/x11/X11Displays.h"
 #include "base/CallbackList.h"
 #include "base/Deferred.h"
 #include "platform/Workspace.h"
@@ -20,7 +21,7 @@ namespace nocta {
 class X11Workspace final : public Workspace {
 public:
     /// `processes` is where the kernel shows the processes of the system.
-    X11Workspace(X11Connection& connection, Displays& displays, RunLoop& runLoop,
+    X11Workspace(X11Connection& connection, X11Displays& displays, RunLoop& runLoop,
                  std::function<bool()> shouldReduceMotion,
                  std::filesystem::path processes = "/proc");
 
@@ -61,7 +62,7 @@ private:
     std::vector<Rect> screenFrames() const;
 
     X11Connection& connection_;
-    Displays& displays_;
+    X11Displays& displays_;
     std::function<bool()> shouldReduceMotion_;
     std::filesystem::path processes_;
     Atoms atoms_{connection_};
