@@ -30,10 +30,11 @@ const std::map<std::string, Rooms> allowed = {
     {"breaks", with(services, {"base", "platform"})},
     {"system", with(services, {"base", "platform"})},
     {"app", with(services, {"base", "platform"})},
-    {"ui", with(services, {"base", "platform", "app"})},
+    {"symbols", {}},
+    {"ui", with(services, {"base", "platform", "app", "symbols"})},
     {"backends/virtual", {"base", "platform"}},
-    {"backends/linux", {"base", "platform"}},
-    {"tour", with(services, {"base", "platform", "app", "ui", "backends/virtual"})},
+    {"backends/linux", {"base", "platform", "symbols"}},
+    {"tour", with(services, {"base", "platform", "app", "symbols", "ui", "backends/virtual"})},
 };
 
 /// The program's main function sees everything: it puts the desktop and the face together.

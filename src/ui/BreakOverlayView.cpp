@@ -1,8 +1,8 @@
 #include "ui/BreakOverlayView.h"
 
 #include "base/Checked.h"
+#include "symbols/Symbol.h"
 #include "ui/BreakButtonStyle.h"
-#include "ui/Symbol.h"
 
 #include <QAccessible>
 #include <QFontInfo>

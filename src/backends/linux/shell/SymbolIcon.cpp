@@ -1,13 +1,12 @@
 #include "backends/linux/shell/SymbolIcon.h"
 
+#include "symbols/Symbol.h"
+
 #include <QColor>
-#include <QFile>
 #include <QGuiApplication>
-#include <QImage>
 #include <QPainter>
 #include <QPalette>
 #include <QPixmap>
-#include <QSvgRenderer>
 
 #include <array>
 
@@ -24,42 +23,28 @@ QColor panelTextColor() {
                           : QColor(Qt::white);
 }
 
-QImage tinted(QImage mask, const QColor& color) {
-    QPainter painter(&mask);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(mask.rect(), color);
-    return mask;
-}
-
-QPixmap drawn(QSvgRenderer& symbol, int size, const QColor& color) {
-    QImage mask(size, size, QImage::Format_ARGB32_Premultiplied);
-    mask.fill(Qt::transparent);
-    QPainter maskPainter(&mask);
-    symbol.render(&maskPainter);
-    maskPainter.end();
-
+QPixmap drawn(const QString& symbolName, int size, const QColor& color) {
     QPixmap pixmap(size, size);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
-    const auto halo = tinted(mask, color.lightnessF() < 0.5 ? Qt::white : Qt::black);
+    const QColor halo = color.lightnessF() < 0.5 ? Qt::white : Qt::black;
     painter.setOpacity(haloOpacity);
     for (const auto& offset : {QPoint(-1, 0), QPoint(1, 0), QPoint(0, -1), QPoint(0, 1)}) {
-        painter.drawImage(offset, halo);
+        drawSymbol(painter, pixmap.rect().translated(offset), symbolName, halo);
     }
     painter.setOpacity(1);
-    painter.drawImage(0, 0, tinted(mask, color));
+    drawSymbol(painter, pixmap.rect(), symbolName, color);
     return pixmap;
 }
 
 } // namespace
 
 QIcon symbolIcon(const QString& symbolName) {
-    QSvgRenderer symbol(QStringLiteral(":/symbols/%1.svg").arg(symbolName));
     QIcon icon;
-    if (symbol.isValid()) {
+    if (hasSymbol(symbolName)) {
         const auto color = panelTextColor();
         for (const auto size : panelSizes) {
-            icon.addPixmap(drawn(symbol, size, color));
+            icon.addPixmap(drawn(symbolName, size, color));
         }
     }
     return icon;
