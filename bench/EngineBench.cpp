@@ -3,6 +3,7 @@
 #include "app/AppDelegate.h"
 #include "app/SharedInstances.h"
 #include "backends/virtual/VirtualDesktop.h"
+#include "backends/virtual/VirtualViews.h"
 #include "base/Calendar.h"
 #include "color/SunCalculator.h"
 #include "display/GammaController.h"
@@ -128,15 +129,6 @@ void calendarCallsOfTheSun(benchmark::State& state) {
 }
 BENCHMARK(calendarCallsOfTheSun);
 
-class NoViews final : public Views {
-public:
-    std::unique_ptr<View> makePopoverContentView() override { return nullptr; }
-    std::unique_ptr<View> makeBreakOverlayView(std::function<void()> /*onSkip*/,
-                                               std::function<void()> /*onSnooze*/) override {
-        return nullptr;
-    }
-};
-
 /// The whole program at rest in automatic mode, one display: an hour of the virtual clock, with or
 /// without breaks to count for.
 void idleHour(benchmark::State& state) {
@@ -144,7 +136,7 @@ void idleHour(benchmark::State& state) {
     desktop.displays.plug({.id = 1});
     SharedInstances instances(desktop.ports);
     instances.settingsManager().breakTimerEnabled.set(state.range(0) != 0);
-    NoViews views;
+    VirtualViews views;
     AppDelegate delegate(instances, views);
     desktop.application.launch(delegate);
     double tables = 0;

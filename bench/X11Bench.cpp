@@ -8,6 +8,7 @@
 #include "backends/linux/x11/X11Displays.h"
 #include "backends/linux/x11/X11GammaOutput.h"
 #include "backends/virtual/VirtualDesktop.h"
+#include "backends/virtual/VirtualViews.h"
 #include "support/Process.h"
 #include "support/XClient.h"
 #include "support/XServer.h"
@@ -28,15 +29,6 @@
 
 namespace nocta {
 namespace {
-
-class NoViews final : public Views {
-public:
-    std::unique_ptr<View> makePopoverContentView() override { return nullptr; }
-    std::unique_ptr<View> makeBreakOverlayView(std::function<void()> /*onSkip*/,
-                                               std::function<void()> /*onSnooze*/) override {
-        return nullptr;
-    }
-};
 
 /// An X server with so many outputs in use.
 struct ServerWithOutputs : XServer {
@@ -77,6 +69,7 @@ struct SessionOnX11 {
                   .backlight = desktop.displays,
                   .keyEvents = desktop.keyboard,
                   .locationManager = desktop.location,
+                  .loginItem = desktop.loginItem,
                   .dynamicLibraries = desktop.filter,
                   .displayFilter = desktop.filter,
                   .workspace = desktop.workspace,
@@ -84,9 +77,10 @@ struct SessionOnX11 {
                   .overlayWindows = desktop.overlayWindows,
                   .statusBar = desktop.statusBar,
                   .popover = desktop.popover,
+                  .appWindows = desktop.appWindows,
                   .application = desktop.application};
     SharedInstances instances{ports};
-    NoViews views;
+    VirtualViews views;
     AppDelegate delegate{instances, views};
 };
 

@@ -5,6 +5,19 @@ namespace nocta {
 namespace {
 constexpr double popoverWidth = 300;  // points
 constexpr double popoverHeight = 280; // points
+
+constexpr std::uint32_t titled = 1;
+constexpr std::uint32_t closable = 2;
+constexpr std::uint32_t miniaturizable = 4;
+constexpr AppWindows::WindowLevel floating = 3;
+
+constexpr AppWindows::Style preferencesStyle = {.title = "Preferences",
+                                                .styleMask = titled | closable | miniaturizable};
+constexpr AppWindows::Style onboardingStyle = {.title = "Welcome to Nocta",
+                                               .width = 500,
+                                               .height = 580,
+                                               .styleMask = titled | closable,
+                                               .level = floating};
 } // namespace
 
 // The members' order is the order in which the services are first made.
@@ -21,6 +34,7 @@ AppDelegate::AppDelegate(SharedInstances& instances, Views& views)
       notificationService_(instances.notificationService()),
       scheduleService_(instances.scheduleService()),
       shortcutsManager_(instances.shortcutsManager()),
+      launchAtLoginService_(instances.launchAtLoginService()),
       brightnessApplier_(instances.brightnessApplier()),
       appMonitorService_(instances.appMonitorService()) {}
 
@@ -28,10 +42,15 @@ void AppDelegate::applicationDidFinishLaunching() {
     makeStatusItem();
     makePopover();
     startServices();
+    if (settingsManager_.isFirstLaunch.get()) {
+        showOnboardingWindow();
+    }
 }
 
 void AppDelegate::applicationDidReopen() {
-    if (popover_ != nullptr && !popover_->isShown()) {
+    if (onboardingWindow_ != nullptr) {
+        onboardingWindow_->makeKeyAndOrderFront();
+    } else if (popover_ != nullptr && !popover_->isShown()) {
         showPopover();
     }
 }
@@ -51,6 +70,15 @@ void AppDelegate::togglePopover() {
     }
 }
 
+void AppDelegate::showPreferencesWindow() {
+    desktop_.application.activateIgnoringOtherApps();
+    if (preferencesWindow_ == nullptr) {
+        preferencesWindow_ = desktop_.appWindows.makeWindow(
+            preferencesStyle, views_.makePreferencesView(), [this] { preferencesWindow_.reset(); });
+    }
+    preferencesWindow_->makeKeyAndOrderFront();
+}
+
 void AppDelegate::makeStatusItem() {
     statusItem_ = desktop_.statusBar.statusItem();
     if (statusItem_ == nullptr) {
@@ -58,6 +86,7 @@ void AppDelegate::makeStatusItem() {
     }
     drawStatusItemIcon(settingsManager_.menuBarIcon.get());
     statusItem_->setAction([this] { togglePopover(); });
+    statusItem_->setMenu(views_.makeStatusMenu([this] { showPreferencesWindow(); }));
 }
 
 void AppDelegate::makePopover() {
@@ -140,8 +169,23 @@ void AppDelegate::showPopover() {
     if (statusItem_ == nullptr || popover_ == nullptr) {
         return;
     }
-    popover_->setContentView(views_.makePopoverContentView());
+    popover_->setContentView(views_.makePopoverContentView([this] { showPreferencesWindow(); }));
     popover_->show(*statusItem_);
+}
+
+/// Closed before it is finished, it comes back at the next start.
+void AppDelegate::showOnboardingWindow() {
+    onboardingWindow_ = desktop_.appWindows.makeWindow(
+        onboardingStyle, views_.makeOnboardingView([this] { completeOnboarding(); }),
+        [this] { onboardingWindow_.reset(); });
+    onboardingWindow_->makeKeyAndOrderFront();
+    desktop_.application.activateIgnoringOtherApps();
+}
+
+void AppDelegate::completeOnboarding() {
+    // Later, as it is the window's own button that completes.
+    desktop_.runLoop.post([this] { onboardingWindow_.reset(); });
+    settingsManager_.isFirstLaunch.set(false);
 }
 
 } // namespace nocta

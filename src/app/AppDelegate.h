@@ -3,6 +3,7 @@
 #include "app/SharedInstances.h"
 #include "base/Subscription.h"
 #include "breaks/BreakOverlayController.h"
+#include "platform/AppWindows.h"
 #include "platform/Application.h"
 #include "platform/Popover.h"
 #include "platform/StatusBar.h"
@@ -28,6 +29,9 @@ public:
     /// What a click on the status item does.
     void togglePopover();
 
+    /// Brings the preferences window to the front, made anew where it was closed.
+    void showPreferencesWindow();
+
 private:
     void makeStatusItem();
     void makePopover();
@@ -35,6 +39,8 @@ private:
     void subscribeToSettings();
     void drawStatusItemIcon(MenuBarIcon icon);
     void showPopover();
+    void showOnboardingWindow();
+    void completeOnboarding();
 
     Desktop& desktop_;
     Views& views_;
@@ -53,8 +59,11 @@ private:
     NotificationService& notificationService_;
     ScheduleService& scheduleService_;
     ShortcutsManager& shortcutsManager_;
+    LaunchAtLoginService& launchAtLoginService_;
     UnifiedBrightnessApplier& brightnessApplier_;
     AppMonitorService& appMonitorService_;
+    std::unique_ptr<AppWindow> preferencesWindow_; ///< while it is open
+    std::unique_ptr<AppWindow> onboardingWindow_;  ///< while it is open
     bool servicesStarted_ = false;
     Cancellables cancellables_;
 };

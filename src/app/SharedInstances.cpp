@@ -95,6 +95,10 @@ ShortcutsManager& SharedInstances::shortcutsManager() {
     return made(shortcutsManager_, settingsManager(), brightnessApplier(), desktop_.keyEvents);
 }
 
+LaunchAtLoginService& SharedInstances::launchAtLoginService() {
+    return made(launchAtLoginService_, desktop_.loginItem);
+}
+
 AppMonitorService& SharedInstances::appMonitorService() {
     return made(appMonitorService_, desktop_.workspace, desktop_.notificationCenter);
 }
@@ -153,6 +157,10 @@ ScheduleService& ScheduleService::shared() {
 
 ColorTemperatureService& ColorTemperatureService::shared() {
     return instances().colorTemperatureService();
+}
+
+LaunchAtLoginService& LaunchAtLoginService::shared() {
+    return instances().launchAtLoginService();
 }
 
 ShortcutsManager& ShortcutsManager::shared() {

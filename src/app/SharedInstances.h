@@ -14,6 +14,7 @@
 #include "settings/Profile.h"
 #include "settings/SettingsManager.h"
 #include "system/AppMonitorService.h"
+#include "system/LaunchAtLoginService.h"
 #include "system/NotificationService.h"
 #include "system/ShortcutsManager.h"
 
@@ -47,6 +48,7 @@ public:
     ScheduleService& scheduleService();
     ColorTemperatureService& colorTemperatureService();
     ShortcutsManager& shortcutsManager();
+    LaunchAtLoginService& launchAtLoginService();
     AppMonitorService& appMonitorService();
 
 private:
@@ -67,6 +69,7 @@ private:
     std::optional<ScheduleService> scheduleService_;
     std::optional<ColorTemperatureService> colorTemperatureService_;
     std::optional<ShortcutsManager> shortcutsManager_;
+    std::optional<LaunchAtLoginService> launchAtLoginService_;
     std::optional<AppMonitorService> appMonitorService_;
 };
 

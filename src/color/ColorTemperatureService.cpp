@@ -22,11 +22,11 @@ constexpr Duration updateInterval = 60s;
 constexpr int animationSteps = 15;
 constexpr Duration animationInterval = 20ms; // 0.3 s in 15 steps
 
+} // namespace
+
 std::int64_t temperatureOfWarmth(double warmth) {
     return checkedDifference(coolestTemperature, truncated(warmth * warmthRange));
 }
-
-} // namespace
 
 ColorTemperatureService::ColorTemperatureService(SettingsManager& settingsManager,
                                                  GammaController& gammaController,

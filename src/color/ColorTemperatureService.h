@@ -13,6 +13,9 @@
 
 namespace nocta {
 
+/// The temperature of a manual warmth of 0.0 to 1.0: 6500 K less 3800 K times it.
+std::int64_t temperatureOfWarmth(double warmth);
+
 /// Decides the colour temperature that the displays show: by the warmth slider in manual mode, by
 /// the daylight schedule in automatic mode. Switching between the modes glides over 0.3 seconds;
 /// everything else acts at once. It lives as long as the process.

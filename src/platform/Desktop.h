@@ -2,6 +2,7 @@
 
 #include "base/NotificationCenter.h"
 #include "base/RunLoop.h"
+#include "platform/AppWindows.h"
 #include "platform/Application.h"
 #include "platform/Backlight.h"
 #include "platform/DefaultsStore.h"
@@ -11,6 +12,7 @@
 #include "platform/GammaOutput.h"
 #include "platform/KeyEvents.h"
 #include "platform/LocationManager.h"
+#include "platform/LoginItem.h"
 #include "platform/OverlayWindows.h"
 #include "platform/Popover.h"
 #include "platform/StatusBar.h"
@@ -34,6 +36,7 @@ struct Desktop {
     Backlight& backlight;
     KeyEvents& keyEvents;
     LocationManager& locationManager;
+    LoginItem& loginItem;
     DynamicLibraries& dynamicLibraries;
     DisplayFilter& displayFilter;
     Workspace& workspace;
@@ -41,6 +44,7 @@ struct Desktop {
     OverlayWindows& overlayWindows;
     StatusBar& statusBar;
     Popover& popover;
+    AppWindows& appWindows;
     Application& application;
 };
 

@@ -12,6 +12,9 @@ class GammaOutput {
 public:
     virtual ~GammaOutput() = default;
 
+    /// Whether displays can be given tables in this session at all.
+    virtual bool isAvailable() const = 0;
+
     /// Sets a display's tables: three lists of equal length, output levels in 0.0–1.0 for evenly
     /// spaced input levels. The status is what is known at once; the write reaches the display at
     /// the end of the run-loop turn. Stands for CGSetDisplayTransferByTable.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Views.h"
+
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -17,6 +19,10 @@ public:
 
     /// What a click on the item does.
     virtual void setAction(std::function<void()> action) = 0;
+
+    /// The menu of a desktop whose status items have one, at a right click or a long press. It
+    /// takes the view and keeps it.
+    virtual void setMenu(std::unique_ptr<View> menu) = 0;
 };
 
 /// The desktop's status bar: menu bar, system tray or panel.

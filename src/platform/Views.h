@@ -20,7 +20,12 @@ class Views {
 public:
     virtual ~Views() = default;
 
-    virtual std::unique_ptr<View> makePopoverContentView() = 0;
+    /// `showPreferences` is what the button of that name does.
+    virtual std::unique_ptr<View> makePopoverContentView(std::function<void()> showPreferences) = 0;
+    virtual std::unique_ptr<View> makePreferencesView() = 0;
+    virtual std::unique_ptr<View> makeOnboardingView(std::function<void()> onComplete) = 0;
+    /// What the popover offers, as a menu.
+    virtual std::unique_ptr<View> makeStatusMenu(std::function<void()> showPreferences) = 0;
     virtual std::unique_ptr<View> makeBreakOverlayView(std::function<void()> onSkip,
                                                        std::function<void()> onSnooze) = 0;
 };

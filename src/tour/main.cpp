@@ -4,6 +4,7 @@
 #include "app/NoctaApp.h"
 #include "app/SharedInstances.h"
 #include "backends/virtual/VirtualDesktop.h"
+#include "backends/virtual/VirtualViews.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -13,20 +14,6 @@
 namespace {
 
 using namespace nocta;
-
-class NoView final : public View {
-public:
-    void* nativeView() override { return nullptr; }
-};
-
-class NoViews final : public Views {
-public:
-    std::unique_ptr<View> makePopoverContentView() override { return std::make_unique<NoView>(); }
-    std::unique_ptr<View> makeBreakOverlayView(std::function<void()> /*onSkip*/,
-                                               std::function<void()> /*onSnooze*/) override {
-        return std::make_unique<NoView>();
-    }
-};
 
 /// The output level for the brightest input, in per cent.
 double top(const std::vector<float>& table) {
@@ -74,7 +61,7 @@ int main() {
         {.id = 2, .mode = DisplayMode{2560, 1440}, .bounds = {1920, 0, 2560, 1440}});
 
     SharedInstances instances(desktop.ports);
-    NoViews views;
+    VirtualViews views;
     NoctaApp app(instances, views);
     desktop.application.session = [&] { visit(desktop, instances.settingsManager()); };
     const auto status = app.run();

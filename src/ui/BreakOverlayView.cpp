@@ -3,6 +3,7 @@
 #include "base/Checked.h"
 #include "symbols/Symbol.h"
 #include "ui/BreakButtonStyle.h"
+#include "ui/Text.h"
 
 #include <QAccessible>
 #include <QFontInfo>
@@ -109,7 +110,7 @@ void BreakProgressRing::setSeconds(std::int64_t seconds) {
 }
 
 void BreakProgressRing::tell() {
-    setAccessibleName(tr("Seconds left: %1").arg(seconds_));
+    setAccessibleName(Text::tr("Seconds left: %1").arg(seconds_));
     QAccessibleEvent event(this, QAccessible::NameChanged);
     QAccessible::updateAccessibility(&event);
 }
@@ -132,7 +133,7 @@ void BreakProgressRing::paintEvent(QPaintEvent* /*event*/) {
     medium.setWeight(QFont::Medium);
     painter.setFont(medium);
     painter.setPen(Qt::white);
-    painter.drawText(rect(), Qt::AlignCenter, tr("%1s").arg(seconds_));
+    painter.drawText(rect(), Qt::AlignCenter, Text::tr("%1s").arg(seconds_));
 }
 
 BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& settings,
@@ -140,11 +141,11 @@ BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& sett
                                    std::function<void()> onSkip, std::function<void()> onSnooze)
     : settings_(settings), workspace_(workspace), runLoop_(runLoop),
       ring_(new BreakProgressRing(secondsLeft(breakTimer.state.get()))) {
-    setAccessibleName(tr("Time for a break"));
-    auto* const skip = new BreakButton(tr("Skip"), {.isPrimary = false});
+    setAccessibleName(Text::tr("Time for a break"));
+    auto* const skip = new BreakButton(Text::tr("Skip"), {.isPrimary = false});
     skip->setObjectName(QStringLiteral("skipBreakButton"));
     connect(skip, &QPushButton::clicked, this, std::move(onSkip));
-    auto* const snooze = new BreakButton(tr("Snooze 5 min"), {.isPrimary = true});
+    auto* const snooze = new BreakButton(Text::tr("Snooze 5 min"), {.isPrimary = true});
     snooze->setObjectName(QStringLiteral("snoozeBreakButton"));
     connect(snooze, &QPushButton::clicked, this, std::move(onSnooze));
     auto* const buttons = new QHBoxLayout;
@@ -159,17 +160,17 @@ BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& sett
     column->addStretch();
     column->addWidget(new SymbolView(QStringLiteral("eye")), 0, Qt::AlignHCenter);
     column->addSpacing(smallPadding);
-    column->addWidget(makeLabel(tr("Time for a break"), titleScale, QFont::DemiBold, 1));
+    column->addWidget(makeLabel(Text::tr("Time for a break"), titleScale, QFont::DemiBold, 1));
     column->addSpacing(smallPadding / 2);
-    column->addWidget(
-        makeLabel(tr("Look at something far away for 20 seconds"), 1, QFont::Normal, textOpacity));
+    column->addWidget(makeLabel(Text::tr("Look at something far away for 20 seconds"), 1,
+                                QFont::Normal, textOpacity));
     column->addSpacing(largePadding);
     column->addWidget(ring_, 0, Qt::AlignHCenter);
     column->addSpacing(largePadding);
     column->addLayout(buttons);
     column->addSpacing(smallPadding);
     column->addWidget(
-        makeLabel(tr("Press Space to skip"), footnoteScale, QFont::Normal, hintOpacity));
+        makeLabel(Text::tr("Press Space to skip"), footnoteScale, QFont::Normal, hintOpacity));
     column->addStretch();
     primaryButton_ = snooze;
 

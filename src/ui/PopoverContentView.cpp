@@ -1,75 +1,155 @@
 #include "ui/PopoverContentView.h"
 
-#include "ui/Percent.h"
+#include "ui/Binding.h"
+#include "ui/Colors.h"
+#include "ui/Descriptions.h"
+#include "ui/Missing.h"
+#include "ui/Text.h"
+#include "ui/controls/CustomSlider.h"
+#include "ui/controls/FooterButton.h"
+#include "ui/controls/Hairline.h"
+#include "ui/controls/Label.h"
+#include "ui/controls/SegmentedPicker.h"
+#include "ui/controls/Switch.h"
+#include "ui/controls/SymbolView.h"
+#include "ui/controls/WarmthSlider.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
-#include <QPushButton>
-#include <QSignalBlocker>
-#include <QSlider>
-#include <QVBoxLayout>
+#include <QStackedLayout>
 
-#include <algorithm>
-#include <cstdint>
 #include <utility>
 
 namespace nocta {
 
 namespace {
-constexpr int margin = 16; // points
-constexpr int spacing = 8;
-constexpr int wholeRange = 100; // per cent
-constexpr int pageStep = 10;
+
+constexpr int sideMargin = 16; // points
+constexpr int topMargin = 16;
+constexpr int bottomMargin = 8;
+constexpr int sectionSpacing = 8;
+constexpr int rowSpacing = 8;
+constexpr int symbolSize = 18;
+constexpr int pickerWidth = 120;
+
+QHBoxLayout* makeRow() {
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(rowSpacing);
+    return row;
+}
+
 } // namespace
 
-PopoverContentView::PopoverContentView(SettingsManager& settings, std::function<void()> quit) {
+PopoverContentView::PopoverContentView(SharedInstances& instances,
+                                       std::function<void()> showPreferences)
+    : instances_(instances), settings_(instances.settingsManager()) {
     auto* const column = new QVBoxLayout(this);
-    column->setContentsMargins(margin, margin, margin, margin);
-    column->setSpacing(spacing);
-    addBrightness(settings);
+    column->setContentsMargins(sideMargin, topMargin, sideMargin, bottomMargin);
+    column->setSpacing(0);
+    addBrightness(*column);
+    column->addSpacing(sectionSpacing);
+    addWarmth(*column);
+    column->addSpacing(sectionSpacing);
+    addEyeRelief(*column);
+    column->addSpacing(sectionSpacing);
+    addBreakTimer(*column);
     column->addStretch();
-    addFooter(std::move(quit));
+    column->addWidget(new Hairline);
+    column->addSpacing(sectionSpacing / 2);
+    addFooter(*column, std::move(showPreferences));
 }
 
-void PopoverContentView::addBrightness(SettingsManager& settings) {
-    auto* const label = new QLabel(tr("Brightness"));
-    auto* const value = new QLabel;
-    auto* const slider = new QSlider(Qt::Horizontal);
-    slider->setObjectName(QStringLiteral("brightnessSlider"));
-    slider->setAccessibleName(tr("Brightness"));
-    slider->setRange(0, wholeRange);
-    slider->setPageStep(pageStep);
-
-    auto* const heading = new QHBoxLayout;
-    heading->addWidget(label);
+void PopoverContentView::addBrightness(QVBoxLayout& column) {
+    auto* const heading = makeRow();
+    heading->addWidget(new Label(Text::tr("Brightness")));
     heading->addStretch();
+    auto* const value = new Label({});
+    value->setObjectName(QStringLiteral("brightnessValue"));
+    follow(*value, settings_.unifiedBrightness,
+           [value](double brightness) { value->setText(percentage(brightness)); });
     heading->addWidget(value);
-    auto* const column = static_cast<QVBoxLayout*>(layout());
-    column->addLayout(heading);
-    column->addWidget(slider);
+    column.addLayout(heading);
 
-    const auto show = [value, slider](double brightness) {
-        QSignalBlocker const quiet(slider); // showing a value must not write it
-        auto const percent = wholePercent(brightness);
-        slider->setValue(static_cast<int>(std::clamp<std::int64_t>(percent, 0, wholeRange)));
-        value->setText(tr("%1%").arg(percent));
-    };
-    show(settings.unifiedBrightness.get());
-    cancellables_.push_back(settings.unifiedBrightness.subscribe(show));
-    connect(slider, &QSlider::valueChanged, this, [&settings](int percent) {
-        settings.unifiedBrightness.set(fractionOfPercent(percent));
-    });
+    auto* const slider = new CustomSlider(Text::tr("Brightness"), settings_.unifiedBrightness,
+                                          {.lower = 0, .upper = 1}, accentColor);
+    slider->setObjectName(QStringLiteral("brightnessSlider"));
+    explain(*slider, missingForBrightness(instances_));
+    column.addWidget(slider);
 }
 
-void PopoverContentView::addFooter(std::function<void()> quit) {
-    auto* const button = new QPushButton(tr("Quit Nocta"));
-    button->setObjectName(QStringLiteral("quitButton"));
-    connect(button, &QPushButton::clicked, this, std::move(quit));
+void PopoverContentView::addWarmth(QVBoxLayout& column) {
+    auto* const heading = makeRow();
+    heading->addWidget(new SymbolView(QStringLiteral("paintpalette"), symbolSize));
+    heading->addWidget(new Label(Text::tr("Warmth")));
+    heading->addStretch();
+    auto* const picker = new SegmentedPicker(
+        Text::tr("Warmth"), {{.text = Text::tr("Auto")}, {.text = Text::tr("Manual")}});
+    picker->setMinimumWidth(pickerWidth);
+    picker->setObjectName(QStringLiteral("warmthModePicker"));
+    bind(*picker, settings_.autoWarmthEnabled, std::vector{true, false});
+    heading->addWidget(picker);
+    column.addLayout(heading);
+
+    auto* const caption = new Label(Text::tr("Adjusts with sunset"), TextStyle::secondary);
+    auto* const slider = new WarmthSlider(Text::tr("Warmth"), settings_.warmthLevel);
+    slider->setObjectName(QStringLiteral("warmthSlider"));
+    explain(*slider, missingForBrightness(instances_));
+    auto* const choice = new QStackedLayout; // both take the same room
+    choice->addWidget(caption);
+    choice->addWidget(slider);
+    follow(*caption, settings_.autoWarmthEnabled, [choice, caption, slider](bool isAutomatic) {
+        choice->setCurrentWidget(isAutomatic ? static_cast<QWidget*>(caption) : slider);
+    });
+    column.addLayout(choice);
+}
+
+void PopoverContentView::addEyeRelief(QVBoxLayout& column) {
+    auto* const row = makeRow();
+    row->addWidget(new SymbolView(QStringLiteral("circle.lefthalf.filled"), symbolSize));
+    auto* const toggle = new Switch(Text::tr("Eye Relief"));
+    toggle->setObjectName(QStringLiteral("grayscaleToggle"));
+    bind(*toggle, settings_.grayscaleEnabled);
+    explain(*toggle, missingForGrayscale(instances_));
+    row->addWidget(toggle);
+    column.addLayout(row);
+}
+
+void PopoverContentView::addBreakTimer(QVBoxLayout& column) {
+    auto* const toggle = new Switch(Text::tr("Break Timer"));
+    toggle->setObjectName(QStringLiteral("breakTimerToggle"));
+    bind(*toggle, settings_.breakTimerEnabled);
+    column.addWidget(toggle);
+
+    auto* const status = new Label({}, TextStyle::secondary);
+    status->setObjectName(QStringLiteral("breakStatus"));
+    follow(*status, instances_.breakTimer().state,
+           [status](const BreakState& state) { status->setText(breakStatusLine(state)); });
+    column.addWidget(status);
+}
+
+void PopoverContentView::addFooter(QVBoxLayout& column, std::function<void()> showPreferences) {
+    auto* const preferences = new FooterButton(QStringLiteral("gear"), Text::tr("Preferences"));
+    preferences->setObjectName(QStringLiteral("preferencesButton"));
+    connect(preferences, &QPushButton::clicked, this, std::move(showPreferences));
+
+    auto* const updates = new FooterButton(QStringLiteral("arrow.triangle.2.circlepath"),
+                                           Text::tr("Check for Updates"));
+    updates->setObjectName(QStringLiteral("checkForUpdatesButton"));
+    updates->setEnabled(false);
+    explain(*updates, Text::tr("Nocta cannot look for updates by itself."));
+
+    auto* const quit = new FooterButton(QStringLiteral("power"), Text::tr("Quit Nocta"));
+    quit->setObjectName(QStringLiteral("quitButton"));
+    connect(quit, &QPushButton::clicked, this,
+            [&application = instances_.desktop().application] { application.terminate(); });
 
     auto* const footer = new QHBoxLayout;
+    footer->setSpacing(rowSpacing / 2);
+    footer->addWidget(preferences);
     footer->addStretch();
-    footer->addWidget(button);
-    static_cast<QVBoxLayout*>(layout())->addLayout(footer);
+    footer->addWidget(updates);
+    footer->addStretch();
+    footer->addWidget(quit);
+    column.addLayout(footer);
 }
 
 } // namespace nocta

@@ -1,24 +1,28 @@
 #pragma once
 
-#include "base/Subscription.h"
-#include "settings/SettingsManager.h"
+#include "app/SharedInstances.h"
 
+#include <QVBoxLayout>
 #include <QWidget>
 
 #include <functional>
 
 namespace nocta {
 
-/// What the popover shows: the unified brightness, and the way out. Made anew at each opening.
+/// What the popover shows: the four everyday features, and the ways on. Made anew at each opening.
 class PopoverContentView final : public QWidget {
 public:
-    PopoverContentView(SettingsManager& settings, std::function<void()> quit);
+    PopoverContentView(SharedInstances& instances, std::function<void()> showPreferences);
 
 private:
-    void addBrightness(SettingsManager& settings);
-    void addFooter(std::function<void()> quit);
+    void addBrightness(QVBoxLayout& column);
+    void addWarmth(QVBoxLayout& column);
+    void addEyeRelief(QVBoxLayout& column);
+    void addBreakTimer(QVBoxLayout& column);
+    void addFooter(QVBoxLayout& column, std::function<void()> showPreferences);
 
-    Cancellables cancellables_;
+    SharedInstances& instances_;
+    SettingsManager& settings_;
 };
 
 } // namespace nocta

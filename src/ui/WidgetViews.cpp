@@ -2,6 +2,9 @@
 
 #include "ui/BreakOverlayView.h"
 #include "ui/PopoverContentView.h"
+#include "ui/StatusMenu.h"
+#include "ui/onboarding/OnboardingView.h"
+#include "ui/preferences/PreferencesView.h"
 
 #include <utility>
 
@@ -21,10 +24,23 @@ private:
 
 } // namespace
 
-std::unique_ptr<View> WidgetViews::makePopoverContentView() {
-    auto& application = instances_.desktop().application;
-    return std::make_unique<WidgetView>(std::make_unique<PopoverContentView>(
-        instances_.settingsManager(), [&application] { application.terminate(); }));
+std::unique_ptr<View> WidgetViews::makePopoverContentView(std::function<void()> showPreferences) {
+    return std::make_unique<WidgetView>(
+        std::make_unique<PopoverContentView>(instances_, std::move(showPreferences)));
+}
+
+std::unique_ptr<View> WidgetViews::makePreferencesView() {
+    return std::make_unique<WidgetView>(std::make_unique<PreferencesView>(instances_));
+}
+
+std::unique_ptr<View> WidgetViews::makeOnboardingView(std::function<void()> onComplete) {
+    return std::make_unique<WidgetView>(
+        std::make_unique<OnboardingView>(instances_, std::move(onComplete)));
+}
+
+std::unique_ptr<View> WidgetViews::makeStatusMenu(std::function<void()> showPreferences) {
+    return std::make_unique<WidgetView>(
+        std::make_unique<StatusMenu>(instances_, std::move(showPreferences)));
 }
 
 std::unique_ptr<View> WidgetViews::makeBreakOverlayView(std::function<void()> onSkip,

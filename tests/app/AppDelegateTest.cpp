@@ -57,7 +57,63 @@ TEST_F(AppDelegateTest, StartUpInOrder) {
                "setDisplayTransferByTable 2 top 0.1 0.09965 0.09806",
                // and then the stored warmth
                "setDisplayTransferByTable 1 top 0.1 0.09965 0.09806",
-               "setDisplayTransferByTable 2 top 0.1 0.09965 0.09806"}));
+               "setDisplayTransferByTable 2 top 0.1 0.09965 0.09806",
+               // and, over running services, the first launch
+               "window makeKeyAndOrderFront Welcome to Nocta", "activateIgnoringOtherApps"}));
+}
+
+TEST_F(AppDelegateTest, OnboardingIsAFixedFloatingWindow) {
+    launch();
+    const auto windows = desktop.appWindows.windows();
+    ASSERT_EQ(windows.size(), 1U);
+    EXPECT_EQ(windows[0].title, "Welcome to Nocta");
+    EXPECT_EQ(windows[0].style.width, 500);
+    EXPECT_EQ(windows[0].style.height, 580);
+    EXPECT_EQ(windows[0].style.styleMask, 3U);
+    EXPECT_EQ(windows[0].style.level, 3);
+}
+
+TEST_F(AppDelegateTest, CompletedOnboardingClosesAndNeverReturns) {
+    launch();
+    EXPECT_TRUE(settings().isFirstLaunch.get());
+    views.completeOnboarding();
+    EXPECT_FALSE(settings().isFirstLaunch.get());
+    desktop.runLoop.advance(0s);
+    EXPECT_TRUE(desktop.appWindows.windows().empty());
+    settings().resetToDefaults();
+    restart();
+    EXPECT_TRUE(desktop.appWindows.windows().empty());
+}
+
+TEST_F(AppDelegateTest, OnboardingThatIsClosedReturnsAtTheNextStart) {
+    launch();
+    desktop.appWindows.close("Welcome to Nocta");
+    EXPECT_TRUE(desktop.appWindows.windows().empty());
+    restart();
+    EXPECT_TRUE(desktop.appWindows.isOnScreen("Welcome to Nocta"));
+}
+
+TEST_F(AppDelegateTest, StartingAgainShowsTheOnboardingThatIsOpen) {
+    launch();
+    desktop.trace.clear();
+    desktop.application.startAgain();
+    EXPECT_EQ(calls(), Calls{"window makeKeyAndOrderFront Welcome to Nocta"});
+}
+
+TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAnewAfterTheyWereClosed) {
+    launch();
+    desktop.statusBar.click();
+    desktop.trace.clear();
+    views.showPreferences();
+    views.showPreferences();
+    EXPECT_EQ(calls(),
+              (Calls{"activateIgnoringOtherApps", "window makeKeyAndOrderFront Preferences",
+                     "activateIgnoringOtherApps", "window makeKeyAndOrderFront Preferences"}));
+    EXPECT_TRUE(desktop.appWindows.isOnScreen("Preferences"));
+    desktop.appWindows.close("Preferences");
+    EXPECT_FALSE(desktop.appWindows.isOnScreen("Preferences"));
+    views.showPreferences();
+    EXPECT_TRUE(desktop.appWindows.isOnScreen("Preferences"));
 }
 
 TEST_F(AppDelegateTest, FirstWriteAtStartKnowsNoBacklightAndNoExternalRule) {
@@ -116,12 +172,12 @@ TEST_F(AppDelegateTest, ClickTogglesThePopoverWithANewViewEachTime) {
     EXPECT_FALSE(desktop.popover.isShown());
     desktop.statusBar.click();
     EXPECT_TRUE(desktop.popover.isShown());
-    EXPECT_EQ(views.made, 1);
+    EXPECT_EQ(views.popoversMade, 1);
     desktop.statusBar.click();
     EXPECT_FALSE(desktop.popover.isShown());
     EXPECT_EQ(views.alive, 0) << "dropped at closing";
     desktop.statusBar.click();
-    EXPECT_EQ(views.made, 2);
+    EXPECT_EQ(views.popoversMade, 2);
     EXPECT_EQ(views.alive, 1);
 }
 
@@ -133,12 +189,13 @@ TEST_F(AppDelegateTest, PopoverIsTransient) {
 }
 
 TEST_F(AppDelegateTest, StartingAgainShowsThePopoverAndLeavesItOpen) {
+    settings().isFirstLaunch.set(false);
     launch();
     desktop.application.startAgain();
     EXPECT_TRUE(desktop.popover.isShown());
     desktop.application.startAgain();
     EXPECT_TRUE(desktop.popover.isShown());
-    EXPECT_EQ(views.made, 1);
+    EXPECT_EQ(views.popoversMade, 1);
 }
 
 TEST_F(AppDelegateTest, WithoutAStatusItemEverythingElseWorks) {

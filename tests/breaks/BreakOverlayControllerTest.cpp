@@ -96,11 +96,11 @@ TEST_F(BreakOverlayControllerTest, SpaceAloneIsSwallowedAndSkips) {
 
 TEST_F(BreakOverlayControllerTest, ButtonsSkipAndSnooze) {
     waitForBreak();
-    views.onSnooze();
+    views.snooze();
     EXPECT_EQ(totals().snoozedBreaks, 1);
     EXPECT_EQ(breakTimer().state.get(), BreakState(Snoozed{desktop.runLoop.wallNow() + 5min}));
     waitForBreak();
-    views.onSkip();
+    views.skip();
     EXPECT_EQ(totals().skippedBreaks, 1);
     desktop.runLoop.advance(1s);
     EXPECT_TRUE(isGone());
@@ -163,8 +163,8 @@ TEST_F(BreakOverlayControllerTest, StopDuringABreakLeavesTheWindowsUntilALaterBr
     desktop.runLoop.advance(1h);
     EXPECT_EQ(windows().size(), 2U);
     EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode));
-    views.onSkip();
-    views.onSnooze();
+    views.skip();
+    views.snooze();
     EXPECT_EQ(totals(), BreakStatistics{});
     EXPECT_EQ(windows().size(), 2U);
 

@@ -36,6 +36,7 @@ protected:
                                    .backlight = desktop.displays,
                                    .keyEvents = desktop.keyboard,
                                    .locationManager = *locationManager,
+                                   .loginItem = desktop.loginItem,
                                    .dynamicLibraries = *filter_,
                                    .displayFilter = *filter_,
                                    .workspace = desktop.workspace,
@@ -43,6 +44,7 @@ protected:
                                    .overlayWindows = desktop.overlayWindows,
                                    .statusBar = desktop.statusBar,
                                    .popover = desktop.popover,
+                                   .appWindows = desktop.appWindows,
                                    .application = desktop.application});
         }
         return *mixed_;

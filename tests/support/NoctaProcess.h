@@ -30,9 +30,9 @@ protected:
     std::string settings = home.path() + "/.config/nocta/nocta.conf";
     std::unique_ptr<Process> nocta;
 
-    /// The screen's colour does not follow the sun.
+    /// The screen's colour does not follow the sun, and onboarding is over.
     static std::string neutralSettings(const std::string& more = {}) {
-        return "[General]\nautoWarmthEnabled=false\nwarmthLevel=0\n" + more;
+        return "[General]\nautoWarmthEnabled=false\nisFirstLaunch=false\nwarmthLevel=0\n" + more;
     }
 
     void SetUp() override {

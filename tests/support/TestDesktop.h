@@ -3,52 +3,16 @@
 #include "app/AppDelegate.h"
 #include "app/SharedInstances.h"
 #include "backends/virtual/VirtualDesktop.h"
+#include "backends/virtual/VirtualViews.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace nocta {
-
-/// A view without a toolkit, and a count of those that are alive.
-class BlankViews final : public Views {
-public:
-    int made = 0;
-    int alive = 0;
-
-    std::unique_ptr<View> makePopoverContentView() override {
-        ++made;
-        return std::make_unique<Blank>(alive);
-    }
-    std::unique_ptr<View> makeBreakOverlayView(std::function<void()> skip,
-                                               std::function<void()> snooze) override {
-        onSkip = std::move(skip);
-        onSnooze = std::move(snooze);
-        return std::make_unique<Blank>(alive);
-    }
-
-    // What the buttons of the last overlay do.
-    std::function<void()> onSkip;
-    std::function<void()> onSnooze;
-
-private:
-    class Blank final : public View {
-    public:
-        explicit Blank(int& alive) : alive_(alive) { ++alive_; }
-        Blank(const Blank&) = delete;
-        Blank& operator=(const Blank&) = delete;
-        ~Blank() override { --alive_; }
-        void* nativeView() override { return nullptr; }
-
-    private:
-        int& alive_;
-    };
-};
 
 /// The whole program on a virtual desktop. A test prepares the desktop, launches, acts as a person
 /// does, and looks at what the desktop saw.
@@ -77,6 +41,7 @@ protected:
     ColorTemperatureService& colorTemperature() { return instances().colorTemperatureService(); }
     MeetingDetectorService& meetingDetector() { return instances().meetingDetectorService(); }
     BreakTimer& breakTimer() { return instances().breakTimer(); }
+    LaunchAtLoginService& launchAtLogin() { return instances().launchAtLoginService(); }
     NotificationService& notifications() { return instances().notificationService(); }
     ShortcutsManager& shortcuts() { return instances().shortcutsManager(); }
     AppMonitorService& appMonitor() { return instances().appMonitorService(); }
@@ -113,7 +78,7 @@ protected:
     }
 
     VirtualDesktop desktop;
-    BlankViews views;
+    VirtualViews views;
 
     /// What the program is given: the virtual desktop, unless a fixture puts something real in it.
     virtual Desktop& ports() { return desktop.ports; }

@@ -1,3 +1,4 @@
+#include "backends/linux/AutostartLoginItem.h"
 #include "backends/linux/FileDescriptor.h"
 #include "backends/linux/FreedesktopNotifications.h"
 #include "backends/linux/IniDefaultsStore.h"
@@ -8,6 +9,7 @@
 #include "backends/linux/Unavailable.h"
 #include "backends/linux/gnome/MagnifierFilter.h"
 #include "backends/linux/location/GeoClueLocationManager.h"
+#include "backends/linux/shell/QtAppWindows.h"
 #include "backends/linux/shell/QtApplication.h"
 #include "backends/linux/shell/QtOverlayWindows.h"
 #include "backends/linux/shell/QtPopover.h"
@@ -47,23 +49,20 @@ std::string environment(const char* name) {
     return value == nullptr ? "" : value;
 }
 
-/// Nocta's folder in one of the user's base directories, which a variable may move. A relative one
-/// counts as none.
-std::filesystem::path folderIn(const char* variable, const char* usual) {
+/// One of the user's base directories, which a variable may move. A relative one counts as none.
+std::filesystem::path baseDirectory(const char* variable, const char* usual) {
     const auto chosen = std::filesystem::path(environment(variable));
-    const auto base = chosen.is_absolute()
-                          ? chosen
-                          : std::filesystem::path(QDir::homePath().toStdString()) / usual;
-    return base / "nocta";
+    return chosen.is_absolute() ? chosen
+                                : std::filesystem::path(QDir::homePath().toStdString()) / usual;
 }
 
-std::filesystem::path defaultsFile() {
-    return folderIn("XDG_CONFIG_HOME", ".config") / "nocta.conf";
+std::filesystem::path configFolder() {
+    return baseDirectory("XDG_CONFIG_HOME", ".config");
 }
 
 /// What Nocta remembers that is no setting.
 std::filesystem::path stateFolder() {
-    return folderIn("XDG_STATE_HOME", ".local/state");
+    return baseDirectory("XDG_STATE_HOME", ".local/state") / "nocta";
 }
 
 bool canConnectToX() {
@@ -188,19 +187,22 @@ private:
     Toolkit toolkit_;
     QtRunLoop runLoop_;
     NotificationCenter notificationCenter_;
-    IniDefaultsStore userDefaults_{defaultsFile()};
+    IniDefaultsStore userDefaults_{configFolder() / "nocta" / "nocta.conf"};
     LibUuidSource uuidSource_;
     ReducedMotion reducedMotion_;
     DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_,
                                                [this] { return reducedMotion_.isWished(); });
     SysfsBacklight backlight_{*server_.displays, setBrightnessThroughLogind};
     GeoClueLocationManager locationManager_{runLoop_, stateFolder() / "location-granted"};
+    AutostartLoginItem loginItem_{configFolder() / "autostart" / "nocta.desktop",
+                                  QCoreApplication::applicationFilePath().toStdString()};
     SessionFilter filter_{std::move(server_.grayscale)};
     FreedesktopNotifications userNotificationCenter_;
     QtOverlayWindows overlayWindows_{runLoop_, server_.connection.get()};
     SystemTray tray_{server_.connection.get()};
     QtStatusBar statusBar_{tray_};
-    QtPopover popover_;
+    QtPopover popover_{server_.connection.get()};
+    QtAppWindows appWindows_;
     QtApplication application_{runLoop_, instance_, [this] { return tray_.isAvailable(); }};
 
 public:
@@ -213,6 +215,7 @@ public:
                   .backlight = backlight_,
                   .keyEvents = *server_.keyEvents,
                   .locationManager = locationManager_,
+                  .loginItem = loginItem_,
                   .dynamicLibraries = filter_,
                   .displayFilter = filter_,
                   .workspace = *server_.workspace,
@@ -220,6 +223,7 @@ public:
                   .overlayWindows = overlayWindows_,
                   .statusBar = statusBar_,
                   .popover = popover_,
+                  .appWindows = appWindows_,
                   .application = application_};
 };
 

@@ -27,6 +27,7 @@ public:
 
 class UnavailableGammaOutput final : public GammaOutput {
 public:
+    bool isAvailable() const override { return false; }
     Status setDisplayTransferByTable(DisplayId /*display*/, std::span<const float> /*red*/,
                                      std::span<const float> /*green*/,
                                      std::span<const float> /*blue*/) override {

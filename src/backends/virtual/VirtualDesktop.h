@@ -2,10 +2,12 @@
 
 #include "backends/virtual/MemoryDefaultsStore.h"
 #include "backends/virtual/Trace.h"
+#include "backends/virtual/VirtualAppWindows.h"
 #include "backends/virtual/VirtualDisplays.h"
 #include "backends/virtual/VirtualFilter.h"
 #include "backends/virtual/VirtualKeyboard.h"
 #include "backends/virtual/VirtualLocation.h"
+#include "backends/virtual/VirtualLoginItem.h"
 #include "backends/virtual/VirtualNotifications.h"
 #include "backends/virtual/VirtualOverlayWindows.h"
 #include "backends/virtual/VirtualRunLoop.h"
@@ -33,12 +35,14 @@ public:
     VirtualDisplays displays{trace, notificationCenter};
     VirtualKeyboard keyboard{trace};
     VirtualLocation location{trace};
+    VirtualLoginItem loginItem{trace};
     VirtualFilter filter{trace};
     VirtualWorkspace workspace{trace, displays};
     VirtualNotifications notifications{trace, runLoop};
     VirtualOverlayWindows overlayWindows{trace, runLoop, displays};
     VirtualStatusBar statusBar{trace};
     VirtualPopover popover{trace};
+    VirtualAppWindows appWindows{trace};
     VirtualApplication application{trace, runLoop};
 
     Desktop ports{.runLoop = runLoop,
@@ -50,6 +54,7 @@ public:
                   .backlight = displays,
                   .keyEvents = keyboard,
                   .locationManager = location,
+                  .loginItem = loginItem,
                   .dynamicLibraries = filter,
                   .displayFilter = filter,
                   .workspace = workspace,
@@ -57,6 +62,7 @@ public:
                   .overlayWindows = overlayWindows,
                   .statusBar = statusBar,
                   .popover = popover,
+                  .appWindows = appWindows,
                   .application = application};
 };
 

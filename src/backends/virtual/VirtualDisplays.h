@@ -39,6 +39,7 @@ public:
     void unplug(DisplayId id);
     Display& display(DisplayId id);
     const std::vector<Display>& all() const { return displays_; }
+    bool takesTables = true;
     bool listFails = false;
     bool backlightReadFails = false;
     bool backlightWriteFails = false;
@@ -49,6 +50,7 @@ public:
     bool displayIsMain(DisplayId display) override;
     bool displayIsBuiltin(DisplayId display) override;
     std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) override;
+    bool isAvailable() const override { return takesTables; }
     Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
                                      std::span<const float> green,
                                      std::span<const float> blue) override;

@@ -17,10 +17,12 @@ public:
         bar_.trace_.record("setImage " + symbolName);
     }
     void setAction(std::function<void()> newAction) override { action = std::move(newAction); }
+    void setMenu(std::unique_ptr<View> newMenu) override { menu = std::move(newMenu); }
 
     std::string symbolName;
     std::string accessibilityDescription;
     std::function<void()> action;
+    std::unique_ptr<View> menu;
 
 private:
     VirtualStatusBar& bar_;

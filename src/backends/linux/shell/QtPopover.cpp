@@ -4,6 +4,7 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QTimer>
@@ -16,7 +17,15 @@ namespace nocta {
 
 namespace {
 
-constexpr int gap = 4; ///< points between the item and the popover
+// In points.
+constexpr int gap = 4; // between the item and the popover
+constexpr int borderWidth = 1;
+constexpr qreal cornerRadius = 12;
+constexpr int shadowReach = 16;
+constexpr int shadowDrop = 4;
+
+constexpr float borderOpacity = 0.16F;
+constexpr int shadowLayerAlpha = 8; // of 255
 
 /// Beside the anchor on the side that faces into the screen, centred on it, wholly on screen.
 QPoint placed(const QSize& size, const QRect& anchor, const QRect& available) {
@@ -37,15 +46,30 @@ public:
     Window() {
         setWindowTitle(QStringLiteral("Nocta"));
         setAttribute(Qt::WA_NoMouseReplay); // a click on the item closes, and must not open again
-        auto* const layout = new QVBoxLayout(this);
-        layout->setContentsMargins(1, 1, 1, 1); // the border
+        setAttribute(Qt::WA_TranslucentBackground);
+        new QVBoxLayout(this);
     }
+
+    QSize contentSize;
 
     void setView(std::unique_ptr<View> view) {
         view_ = std::move(view);
         if (view_ != nullptr) {
             layout()->addWidget(static_cast<QWidget*>(view_->nativeView()));
         }
+    }
+
+    /// Takes the size that the content needs, at least that which was set, beside the anchor.
+    void place(const QRect& anchor, const QRect& available, bool isComposited) {
+        shadowWidth_ = isComposited ? shadowReach : 0;
+        layout()->setContentsMargins(shadowWidth_, shadowWidth_, shadowWidth_, shadowWidth_);
+        const auto body = view_ == nullptr ? contentSize
+                                           : static_cast<QWidget*>(view_->nativeView())
+                                                 ->minimumSizeHint()
+                                                 .expandedTo(contentSize);
+        const auto corner = placed(body, anchor, available);
+        setFixedSize(body + QSize(2 * shadowWidth_, 2 * shadowWidth_));
+        move(corner - QPoint(shadowWidth_, shadowWidth_));
     }
 
 protected:
@@ -59,28 +83,66 @@ protected:
         });
     }
 
+    /// The shadow is not the popover.
+    void mousePressEvent(QMouseEvent* event) override {
+        if (body().contains(event->position())) {
+            QWidget::mousePressEvent(event);
+        } else {
+            close();
+        }
+    }
+
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
-        painter.fillRect(rect(), palette().window());
-        painter.setPen(palette().mid().color());
-        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+        auto border = palette().color(QPalette::WindowText);
+        border.setAlphaF(borderOpacity);
+        if (shadowWidth_ == 0) {
+            painter.fillRect(rect(), palette().window());
+            painter.setPen(border);
+            painter.drawRect(rect().adjusted(0, 0, -1, -1));
+            return;
+        }
+        painter.setRenderHint(QPainter::Antialiasing);
+        paintShadow(painter);
+        painter.setPen(QPen(border, borderWidth));
+        painter.setBrush(palette().window());
+        constexpr auto half = borderWidth / 2.0;
+        painter.drawRoundedRect(body().adjusted(half, half, -half, -half), cornerRadius,
+                                cornerRadius);
     }
 
 private:
+    QRectF body() const {
+        return QRectF(rect()).adjusted(shadowWidth_, shadowWidth_, -shadowWidth_, -shadowWidth_);
+    }
+
+    /// Rounded shapes on top of each other, each a little wider than the next.
+    void paintShadow(QPainter& painter) const {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(QColor(0, 0, 0, shadowLayerAlpha));
+        for (int reach = shadowReach - shadowDrop; reach > 0; reach -= 2) {
+            painter.drawRoundedRect(
+                body().adjusted(-reach, shadowDrop - reach, reach, shadowDrop + reach),
+                cornerRadius + reach, cornerRadius + reach);
+        }
+    }
+
     std::unique_ptr<View> view_;
+    int shadowWidth_ = 0;
 };
 
-QtPopover::QtPopover() : window_(std::make_unique<Window>()) {}
+QtPopover::QtPopover(X11Connection* connection)
+    : connection_(connection), window_(std::make_unique<Window>()) {}
 
 QtPopover::~QtPopover() = default;
 
 void QtPopover::setContentSize(double width, double height) {
-    window_->setFixedSize(qRound(width), qRound(height));
+    window_->contentSize = QSize(qRound(width), qRound(height));
 }
 
 void QtPopover::setBehavior(PopoverBehavior behavior) {
     const auto type = behavior == PopoverBehavior::transient ? Qt::Popup : Qt::Tool;
-    window_->setWindowFlags(type | Qt::FramelessWindowHint);
+    window_->setWindowFlags(type | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
 }
 
 void QtPopover::setContentView(std::unique_ptr<View> view) {
@@ -97,7 +159,9 @@ void QtPopover::show(StatusItem& relativeTo) {
         screen = QGuiApplication::primaryScreen();
     }
     if (screen != nullptr) {
-        window_->move(placed(window_->size(), anchor, screen->availableGeometry()));
+        // Every Wayland session has a compositor.
+        window_->place(anchor, screen->availableGeometry(),
+                       connection_ == nullptr || connection_->isComposited());
     }
     window_->show();
     window_->activateWindow();

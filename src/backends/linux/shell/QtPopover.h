@@ -1,5 +1,6 @@
 #pragma once
 
+#include "backends/linux/x11/X11Connection.h"
 #include "platform/Popover.h"
 
 #include <QWidget>
@@ -10,10 +11,12 @@ namespace nocta {
 
 /// The popover as a window of its own that closes when the user clicks elsewhere or presses
 /// Escape. It opens at the status item; where the panel does not tell where that is, at the
-/// pointer. It appears at once: only a compositor could fade it.
+/// pointer. It appears at once: only a compositor could fade it. With a compositor it has round
+/// corners and a shadow.
 class QtPopover final : public Popover {
 public:
-    QtPopover();
+    /// `connection` may be null: no X server.
+    explicit QtPopover(X11Connection* connection);
     QtPopover(const QtPopover&) = delete;
     QtPopover& operator=(const QtPopover&) = delete;
     ~QtPopover() override;
@@ -29,6 +32,7 @@ public:
 private:
     class Window;
 
+    X11Connection* connection_;
     std::unique_ptr<Window> window_;
 };
 

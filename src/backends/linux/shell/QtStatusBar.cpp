@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QMenu>
 #include <QPointer>
 
 #include <utility>
@@ -36,6 +37,13 @@ void QtStatusItem::setAction(std::function<void()> action) {
     action_ = std::move(action);
 }
 
+void QtStatusItem::setMenu(std::unique_ptr<View> menu) {
+    menu_ = std::move(menu);
+    if (icon_) {
+        icon_->setContextMenu(static_cast<QMenu*>(menu_->nativeView()));
+    }
+}
+
 bool QtStatusItem::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::ApplicationPaletteChange &&
         watched == QCoreApplication::instance()) {
@@ -49,11 +57,13 @@ void QtStatusItem::makeIcon() {
     connect(&*icon_, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 // A double click has been a click already.
-                if ((reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context) &&
-                    action_) {
+                if (reason == QSystemTrayIcon::Trigger && action_) {
                     action_();
                 }
             });
+    if (menu_ != nullptr) {
+        icon_->setContextMenu(static_cast<QMenu*>(menu_->nativeView()));
+    }
     draw();
 }
 

@@ -19,6 +19,7 @@ public:
 
     void setImage(std::string_view symbolName, std::string_view accessibilityDescription) override;
     void setAction(std::function<void()> action) override;
+    void setMenu(std::unique_ptr<View> menu) override;
 
     /// On screen; empty on panels that do not tell.
     QRect geometry() const { return icon_ ? icon_->geometry() : QRect(); }
@@ -34,6 +35,7 @@ private:
     std::function<void()> action_;
     QString symbolName_;
     QString description_;
+    std::unique_ptr<View> menu_;
     std::optional<QSystemTrayIcon> icon_;
 };
 

@@ -73,11 +73,7 @@ void SystemTray::askForHost() {
 }
 
 void SystemTray::lookForXEmbedTray() {
-    auto* const x = connection_->get();
-    const XcbReply<xcb_get_selection_owner_reply_t> reply(
-        xcb_get_selection_owner_reply(x, xcb_get_selection_owner(x, selection_), nullptr));
-    connection_->finishTurn();
-    if (reply && reply->owner != XCB_NONE) {
+    if (connection_->isOwned(selection_)) {
         becomeAvailable();
     }
 }

@@ -55,6 +55,13 @@ void X11Connection::selectRootEvents(std::uint32_t mask) {
     finishTurn();
 }
 
+bool X11Connection::isOwned(xcb_atom_t selection) {
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection_, xcb_get_selection_owner(connection_, selection), nullptr));
+    finishTurn();
+    return reply && reply->owner != XCB_NONE;
+}
+
 bool X11Connection::synchronize() {
     const XcbReply<xcb_get_input_focus_reply_t> answered(xcb_get_input_focus_reply(
         connection_, xcb_get_input_focus(connection_), nullptr)); // any request with a reply

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace nocta {
@@ -45,6 +46,12 @@ public:
     xcb_atom_t existingAtom(std::string_view name) const { return atom(name, true); }
 
     xcb_atom_t atom(std::string_view name) const { return atom(name, false); }
+
+    /// Whether some client owns the selection.
+    bool isOwned(xcb_atom_t selection);
+
+    /// Whether a compositor mixes the windows, so that a part of one can be seen through.
+    bool isComposited() { return isOwned(atom("_NET_WM_CM_S" + std::to_string(screenNumber_))); }
 
     Subscription observeEvents(std::function<void(const Event&)> callback) {
         return observers_.add(std::move(callback));

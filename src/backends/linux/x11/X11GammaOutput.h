@@ -22,6 +22,7 @@ public:
     X11GammaOutput& operator=(const X11GammaOutput&) = delete;
     ~X11GammaOutput() override;
 
+    bool isAvailable() const override { return true; }
     Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
                                      std::span<const float> green,
                                      std::span<const float> blue) override;

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "backends/virtual/Trace.h"
+#include "platform/AppWindows.h"
+
+#include <list>
+#include <string>
+
+namespace nocta {
+
+/// Windows in memory.
+class VirtualAppWindows final : public AppWindows {
+public:
+    explicit VirtualAppWindows(Trace& trace) : trace_(trace) {}
+
+    /// A window that the program has, as a person sees it.
+    struct Shown {
+        std::string title;
+        Style style;
+        View* content = nullptr;
+        bool isOnScreen = false;
+    };
+
+    // What a person does and sees.
+    std::vector<Shown> windows() const;
+    bool isOnScreen(std::string_view title) const;
+    /// By the title bar.
+    void close(std::string_view title);
+
+    // What the program does.
+    std::unique_ptr<AppWindow> makeWindow(const Style& style, std::unique_ptr<View> content,
+                                          std::function<void()> onClose) override;
+
+private:
+    class Window;
+
+    Trace& trace_;
+    std::list<Window*> windows_;
+};
+
+} // namespace nocta

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "app/SharedInstances.h"
+
+#include <QWidget>
+
+namespace nocta {
+
+// Where this desktop lacks what a control is for, the control writes its setting all the same, and
+// its tool tip says what is missing. These give an empty text where nothing is.
+
+QString missingForBrightness(SharedInstances& instances);
+QString missingForGrayscale(SharedInstances& instances);
+QString missingForLocation(SharedInstances& instances);
+
+/// As a tool tip, and as a description for a screen reader. An empty text changes nothing.
+void explain(QWidget& control, const QString& text);
+
+} // namespace nocta

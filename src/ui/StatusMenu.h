@@ -1,0 +1,23 @@
+#pragma once
+
+#include "app/SharedInstances.h"
+
+#include <QMenu>
+
+#include <functional>
+
+namespace nocta {
+
+/// What the popover offers, as a menu of the status item, for panels beside which nothing can be
+/// placed.
+class StatusMenu final : public QMenu {
+public:
+    StatusMenu(SharedInstances& instances, std::function<void()> showPreferences);
+
+private:
+    void addBrightness(SettingsManager& settings);
+    void addWarmth(SettingsManager& settings);
+    void addToggle(const QString& text, Setting<bool>& setting);
+};
+
+} // namespace nocta

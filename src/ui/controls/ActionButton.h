@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QPushButton>
+
+namespace nocta {
+
+/// A button that does something. A prominent one is what most people want next.
+class ActionButton final : public QPushButton {
+public:
+    enum class Rank { normal, prominent };
+
+    explicit ActionButton(const QString& text, Rank rank = Rank::normal);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Rank rank_;
+};
+
+} // namespace nocta

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QAbstractButton>
+
+namespace nocta {
+
+/// Opens and closes what it is about.
+class DisclosureButton final : public QAbstractButton {
+public:
+    /// `content` is closed at first.
+    DisclosureButton(const QString& text, QWidget& content);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace nocta

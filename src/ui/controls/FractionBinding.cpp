@@ -1,0 +1,25 @@
+#include "ui/controls/FractionBinding.h"
+
+#include "ui/Binding.h"
+#include "ui/Percent.h"
+
+#include <QSignalBlocker>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace nocta {
+
+void bindFraction(QSlider& slider, Setting<double>& fraction) {
+    bind(
+        slider, fraction,
+        [&slider](double value) {
+            QSignalBlocker const quiet(slider); // showing a value must not write it
+            slider.setValue(static_cast<int>(
+                std::clamp<std::int64_t>(wholePercent(value), slider.minimum(), slider.maximum())));
+        },
+        &QSlider::valueChanged,
+        [&fraction](int percent) { fraction.set(fractionOfPercent(percent)); });
+}
+
+} // namespace nocta

@@ -1,0 +1,38 @@
+#include "ui/controls/NumberPicker.h"
+
+#include "ui/Binding.h"
+
+#include <utility>
+
+namespace nocta {
+
+NumberPicker::NumberPicker(const QString& name, Setting<std::int64_t>& setting,
+                           std::span<const std::int64_t> numbers,
+                           std::function<QString(std::int64_t)> label)
+    : label_(std::move(label)) {
+    setAccessibleName(name);
+    for (const auto number : numbers) {
+        insert(count(), number);
+    }
+    bind(
+        *this, setting, [this](std::int64_t number) { setCurrentIndex(indexOf(number)); },
+        &QComboBox::activated,
+        [this, &setting](int index) { setting.set(itemData(index).toLongLong()); });
+}
+
+int NumberPicker::indexOf(std::int64_t number) {
+    int index = 0;
+    while (index < count() && itemData(index).toLongLong() < number) {
+        ++index;
+    }
+    if (index == count() || itemData(index).toLongLong() != number) {
+        insert(index, number);
+    }
+    return index;
+}
+
+void NumberPicker::insert(int index, std::int64_t number) {
+    insertItem(index, label_(number), QVariant::fromValue(qlonglong{number}));
+}
+
+} // namespace nocta

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "app/SharedInstances.h"
+
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QWidget>
+
+#include <functional>
+
+namespace nocta {
+
+/// The first launch, in four steps. What it offers takes effect at once; leaving it early loses
+/// nothing.
+class OnboardingView final : public QWidget {
+public:
+    OnboardingView(SharedInstances& instances, std::function<void()> onComplete);
+
+private:
+    void goTo(int step);
+
+    std::function<void()> onComplete_;
+    QStackedWidget* steps_;
+    QPushButton* back_;
+    QPushButton* next_;
+};
+
+} // namespace nocta

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "app/SharedInstances.h"
+
+#include <QPushButton>
+#include <QWidget>
+
+#include <functional>
+
+namespace nocta {
+
+/// What the user may allow.
+class PermissionsStep final : public QWidget {
+public:
+    explicit PermissionsStep(SharedInstances& instances);
+};
+
+/// A permission with the button that asks for it, or a check mark once it is granted.
+class PermissionRow final : public QWidget {
+public:
+    PermissionRow(const QString& icon, const QString& title, const QString& description,
+                  bool isOptional, std::function<void()> action);
+
+    void setGranted(bool isGranted);
+    QPushButton& button() { return *allow_; }
+
+private:
+    QPushButton* allow_;
+    QWidget* granted_;
+};
+
+} // namespace nocta

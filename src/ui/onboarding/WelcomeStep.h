@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QWidget>
+
+namespace nocta {
+
+/// What Nocta does, in three lines.
+class WelcomeStep final : public QWidget {
+public:
+    WelcomeStep();
+};
+
+/// A symbol, what it stands for, and a line about it.
+class FeatureRow final : public QWidget {
+public:
+    FeatureRow(const QString& icon, const QString& title, const QString& description);
+};
+
+} // namespace nocta

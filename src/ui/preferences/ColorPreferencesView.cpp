@@ -1,0 +1,105 @@
+#include "ui/preferences/ColorPreferencesView.h"
+
+#include "ui/Binding.h"
+#include "ui/Descriptions.h"
+#include "ui/Missing.h"
+#include "ui/Text.h"
+#include "ui/controls/KelvinField.h"
+#include "ui/controls/Label.h"
+#include "ui/controls/Switch.h"
+#include "ui/controls/SymbolView.h"
+#include "ui/controls/WarmthSlider.h"
+
+#include <QHBoxLayout>
+
+#include <vector>
+
+namespace nocta {
+
+namespace {
+
+constexpr int symbolSize = 16; // points
+
+/// Why the controls cannot be used.
+QWidget* makeGrayscaleNote() {
+    auto* const note = new QWidget;
+    note->setObjectName(QStringLiteral("grayscaleNote"));
+    auto* const row = new QHBoxLayout(note);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(new SymbolView(QStringLiteral("info.circle"), symbolSize));
+    row->addWidget(
+        new Label(Text::tr("Color settings are disabled while Grayscale mode is active."),
+                  TextStyle::note),
+        1);
+    return note;
+}
+
+/// A temperature in kelvin and what it looks like.
+QWidget* makeTemperature(const QString& name, Setting<std::int64_t>& setting) {
+    auto* const pair = new QWidget;
+    auto* const row = new QHBoxLayout(pair);
+    row->setContentsMargins(0, 0, 0, 0);
+    auto* const field = new KelvinField(name, setting);
+    pair->setFocusProxy(field);
+    row->addWidget(field);
+    auto* const description = new Label({}, TextStyle::secondary);
+    follow(*description, setting, [description](std::int64_t kelvin) {
+        description->setText(temperatureDescription(kelvin));
+    });
+    row->addWidget(description);
+    return pair;
+}
+
+} // namespace
+
+ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
+    auto& settings = instances.settingsManager();
+
+    auto* const manual = addSection(Text::tr("Manual Warmth"));
+    auto* const value = new Label({});
+    follow(*value, settings.warmthLevel,
+           [value](double warmth) { value->setText(percentage(warmth)); });
+    manual->addRow(Text::tr("Warmth"), value);
+    auto* const slider = new WarmthSlider(Text::tr("Warmth"), settings.warmthLevel);
+    slider->setObjectName(QStringLiteral("warmthSlider"));
+    explain(*slider, missingForBrightness(instances));
+    manual->add(slider);
+    auto* const note = makeGrayscaleNote();
+    manual->add(note);
+
+    auto* const automatic = new Switch(Text::tr("Auto-adjust based on time"));
+    automatic->setObjectName(QStringLiteral("autoWarmthToggle"));
+    bind(*automatic, settings.autoWarmthEnabled);
+    explain(*automatic, missingForBrightness(instances));
+    auto* const location = new Switch(Text::tr("Use my location"));
+    location->setObjectName(QStringLiteral("locationToggle"));
+    bind(*location, settings.locationEnabled);
+    explain(*location, missingForLocation(instances));
+    auto* const day = makeTemperature(Text::tr("Day"), settings.colorTemperatureDay);
+    day->focusProxy()->setObjectName(QStringLiteral("dayTemperature"));
+    auto* const night = makeTemperature(Text::tr("Night"), settings.colorTemperatureNight);
+    night->focusProxy()->setObjectName(QStringLiteral("nightTemperature"));
+
+    auto* const temperature = addSection(Text::tr("Color Temperature"));
+    temperature->add(automatic);
+    temperature->add(location);
+    temperature->addRow(Text::tr("Day"), day);
+    temperature->addRow(Text::tr("Night"), night);
+    temperature->addNote(Text::tr("Nocta transitions smoothly between your day and night "
+                                  "temperatures at sunrise and sunset."));
+    auto* const status = new Label({}, TextStyle::note);
+    follow(*status, settings.locationEnabled,
+           [status](bool enabled) { status->setText(sunTimesLine(enabled)); });
+    temperature->add(status);
+
+    follow(*this, settings.grayscaleEnabled,
+           [note, controls =
+                      std::vector<QWidget*>{slider, automatic, location, day, night}](bool isGray) {
+               note->setVisible(isGray);
+               for (auto* const control : controls) {
+                   control->setEnabled(!isGray);
+               }
+           });
+}
+
+} // namespace nocta

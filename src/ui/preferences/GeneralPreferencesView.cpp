@@ -1,0 +1,63 @@
+#include "ui/preferences/GeneralPreferencesView.h"
+
+#include "ui/Binding.h"
+#include "ui/Missing.h"
+#include "ui/Text.h"
+#include "ui/controls/ActionButton.h"
+#include "ui/controls/SegmentedPicker.h"
+#include "ui/controls/Switch.h"
+
+namespace nocta {
+
+namespace {
+
+/// Each is shown by its symbol; the name is for who cannot see it.
+QString nameOf(MenuBarIcon icon) {
+    switch (icon) {
+    case MenuBarIcon::leaf:
+        return Text::tr("Leaf");
+    case MenuBarIcon::sparkles:
+        return Text::tr("Sparkles");
+    default:
+        return Text::tr("Eye");
+    }
+}
+
+} // namespace
+
+GeneralPreferencesView::GeneralPreferencesView(SharedInstances& instances) {
+    auto& settings = instances.settingsManager();
+    auto& launchService = instances.launchAtLoginService();
+
+    auto* const launch = new Switch(Text::tr("Launch at login"));
+    launch->setObjectName(QStringLiteral("launchAtLoginToggle"));
+    bind(*launch, launchService.isEnabled,
+         [&launchService](bool on) { on ? launchService.enable() : launchService.disable(); });
+    addSection(Text::tr("Startup"))->add(launch);
+
+    std::vector<SegmentLook> looks;
+    std::vector<MenuBarIcon> icons(allMenuBarIcons.begin(), allMenuBarIcons.end());
+    for (const auto icon : icons) {
+        looks.push_back({.text = nameOf(icon), .symbol = QString::fromUtf8(rawValue(icon))});
+    }
+    auto* const picker = new SegmentedPicker(Text::tr("Menu Bar Icon"), looks);
+    picker->setObjectName(QStringLiteral("menuBarIconPicker"));
+    bind(*picker, settings.menuBarIcon, icons);
+    addSection(Text::tr("Menu Bar Icon"))->add(picker);
+
+    auto* const grayscale = new Switch(Text::tr("Eye Relief mode"));
+    grayscale->setObjectName(QStringLiteral("grayscaleToggle"));
+    bind(*grayscale, settings.grayscaleEnabled);
+    explain(*grayscale, missingForGrayscale(instances));
+    auto* const eyeRelief = addSection(Text::tr("Eye Relief"));
+    eyeRelief->add(grayscale);
+    eyeRelief->addNote(Text::tr("Switches your display to black & white, reducing eye strain and "
+                                "making apps less appealing."));
+
+    auto* const reset = new ActionButton(Text::tr("Reset to Defaults"));
+    reset->setObjectName(QStringLiteral("resetButton"));
+    connect(reset, &QPushButton::clicked, this, [&settings] { settings.resetToDefaults(); });
+    addSection(Text::tr("Reset"))->add(reset);
+}
+
+} // namespace nocta
