@@ -1,18 +1,28 @@
-// nocta-pictures: draws the pictures of the documents into a folder, from the program's own views
-// on the virtual desktop.
+// nocta-pictures: draws the program's own views on the virtual desktop, in every look: the pictures
+// of the documents, and sheets on which all can be compared.
 
 #include "app/SharedInstances.h"
 #include "backends/virtual/VirtualDesktop.h"
-#include "ui/BreakOverlayView.h"
+#include "tour/PseudoLocale.h"
+#include "ui/WidgetViews.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QDir>
 #include <QImage>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QStyleFactory>
+#include <QTabBar>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
+#include <memory>
+#include <vector>
 
 namespace {
 
@@ -20,6 +30,131 @@ using namespace nocta;
 using namespace std::chrono_literals;
 
 constexpr QSize screenSize(960, 600); // points
+constexpr QSize popoverSize(300, 280);
+constexpr QSize onboardingSize(500, 580);
+constexpr int sheetMargin = 16;
+constexpr qsizetype mostOnSheet = 12;
+
+/// The program over a virtual desktop, and the view that is looked at.
+struct Stage {
+    VirtualDesktop desktop;
+    SharedInstances instances{desktop.ports};
+    WidgetViews views{instances};
+    std::unique_ptr<View> view;
+    QSize leastSize;
+
+    Stage() {
+        desktop.workspace.reducesMotion = true;
+        instances.settingsManager().autoWarmthEnabled.set(true);
+        instances.breakTimer();
+    }
+    QWidget& widget() const { return *static_cast<QWidget*>(view->nativeView()); }
+    void click(const char* name) const {
+        widget().findChild<QAbstractButton*>(QLatin1String(name))->click();
+    }
+};
+
+struct Scene {
+    QString name;
+    std::function<void(Stage&)> prepare;
+};
+
+void openPopover(Stage& stage, const BreakState& state, bool isAutomatic = true) {
+    stage.instances.settingsManager().autoWarmthEnabled.set(isAutomatic);
+    stage.instances.breakTimer().state.set(state);
+    stage.view = stage.views.makePopoverContentView([] {});
+    stage.leastSize = popoverSize;
+}
+
+void openPreferences(Stage& stage, int tab) {
+    stage.instances.breakTimer().statistics.set({.totalBreaks = 46,
+                                                 .completedBreaks = 39,
+                                                 .skippedBreaks = 5,
+                                                 .snoozedBreaks = 2,
+                                                 .totalBreakTime = 780});
+    stage.view = stage.views.makePreferencesView();
+    stage.widget().findChild<QTabBar*>(QStringLiteral("preferencesTabs"))->setCurrentIndex(tab);
+}
+
+void openOnboarding(Stage& stage, int step) {
+    stage.view = stage.views.makeOnboardingView([] {});
+    stage.leastSize = onboardingSize;
+    for (int i = 0; i < step; ++i) {
+        stage.click("continueButton");
+    }
+}
+
+void openBreak(Stage& stage) {
+    auto& settings = stage.instances.settingsManager();
+    settings.breakIntervalMinutes.set(1);
+    settings.breakDurationSeconds.set(20);
+    stage.desktop.runLoop.advance(0s);
+    stage.instances.breakTimer().start();
+    stage.desktop.runLoop.advance(60s);
+    stage.view = stage.views.makeBreakOverlayView([] {}, [] {});
+    stage.leastSize = screenSize;
+}
+
+using Scenes = std::vector<Scene>;
+
+Scenes popovers() {
+    return {
+        {"popover", [](Stage& stage) { openPopover(stage, Counting{720}); }},
+        {"popover-manual", [](Stage& stage) { openPopover(stage, Counting{59.9}, false); }},
+        {"popover-break", [](Stage& stage) { openPopover(stage, Active{12}); }},
+        {"popover-meeting", [](Stage& stage) { openPopover(stage, Paused{PauseReason::meeting}); }},
+        {"popover-paused",
+         [](Stage& stage) { openPopover(stage, Paused{PauseReason::userPaused}, false); }},
+        {"popover-snoozed", [](Stage& stage) { openPopover(stage, Snoozed{}); }},
+        {"popover-off",
+         [](Stage& stage) {
+             stage.instances.settingsManager().breakTimerEnabled.set(false);
+             openPopover(stage, Idle{});
+         }},
+    };
+}
+
+Scenes preferences() {
+    return {
+        {"preferences-general", [](Stage& stage) { openPreferences(stage, 0); }},
+        {"preferences-brightness", [](Stage& stage) { openPreferences(stage, 1); }},
+        {"preferences-color", [](Stage& stage) { openPreferences(stage, 2); }},
+        {"preferences-color-gray",
+         [](Stage& stage) {
+             stage.instances.settingsManager().grayscaleEnabled.set(true);
+             openPreferences(stage, 2);
+         }},
+        {"preferences-breaks", [](Stage& stage) { openPreferences(stage, 3); }},
+    };
+}
+
+Scenes onboarding() {
+    return {
+        {"onboarding-welcome", [](Stage& stage) { openOnboarding(stage, 0); }},
+        {"onboarding-permissions", [](Stage& stage) { openOnboarding(stage, 1); }},
+        {"onboarding-permissions-granted",
+         [](Stage& stage) {
+             openOnboarding(stage, 1);
+             stage.desktop.location.answer(AuthorizationStatus::authorized);
+         }},
+        {"onboarding-style",
+         [](Stage& stage) {
+             openOnboarding(stage, 2);
+             stage.click("Night Owl");
+         }},
+        {"onboarding-style-adjusted",
+         [](Stage& stage) {
+             openOnboarding(stage, 2);
+             stage.click("Focus");
+             stage.click("adjustSettingsButton");
+         }},
+        {"onboarding-ready", [](Stage& stage) { openOnboarding(stage, 3); }},
+    };
+}
+
+Scenes breaks() {
+    return {{"break-overlay", openBreak}};
+}
 
 /// What lies under the cover: a desktop in the evening with a window on it.
 void paintDesktop(QPainter& painter) {
@@ -36,30 +171,61 @@ void paintDesktop(QPainter& painter) {
     }
 }
 
-QImage breakOverlay(qreal scale) {
-    VirtualDesktop desktop;
-    desktop.workspace.reducesMotion = true;
-    SharedInstances instances(desktop.ports);
-    auto& settings = instances.settingsManager();
-    settings.breakIntervalMinutes.set(1);
-    settings.breakDurationSeconds.set(20);
-    desktop.runLoop.advance(0s);
-    auto& timer = instances.breakTimer();
-    timer.start();
-    desktop.runLoop.advance(60s);
-    BreakOverlayView view(
-        timer, settings, desktop.workspace, desktop.runLoop, [] {}, [] {});
-    view.setAttribute(Qt::WA_DontShowOnScreen);
-    view.resize(screenSize);
-    view.show();
-    desktop.runLoop.advance(7s);
+/// As the window around it would do it: a wrapped text needs more height the narrower it is.
+void fit(QWidget& widget, const QSize& least) {
+    auto size = widget.minimumSizeHint().expandedTo(widget.minimumSize()).expandedTo(least);
+    if (widget.hasHeightForWidth()) {
+        size.setHeight(std::max(size.height(), widget.heightForWidth(size.width())));
+    }
+    widget.resize(size);
+}
 
-    QImage picture(screenSize * scale, QImage::Format_RGB32);
+QImage drawn(const Scene& scene, qreal scale) {
+    Stage stage;
+    scene.prepare(stage);
+    auto& widget = stage.widget();
+    widget.setAttribute(Qt::WA_DontShowOnScreen);
+    fit(widget, stage.leastSize);
+    widget.show();
+    fit(widget, stage.leastSize);
+    if (stage.leastSize == screenSize) {
+        stage.desktop.runLoop.advance(7s);
+    }
+
+    QImage picture(widget.size() * scale, QImage::Format_RGB32);
     picture.setDevicePixelRatio(scale);
+    picture.fill(widget.palette().color(QPalette::Window));
     QPainter painter(&picture);
-    paintDesktop(painter);
-    view.render(&painter, {}, {}, QWidget::DrawChildren);
+    if (stage.leastSize == screenSize) {
+        paintDesktop(painter);
+    }
+    widget.render(&painter, {}, {}, QWidget::DrawChildren);
     return picture;
+}
+
+/// Side by side, in as many rows as make it no wider than three.
+QImage sheet(const Scenes& scenes, qreal scale) {
+    std::vector<QImage> pictures;
+    QSize cell;
+    for (const auto& scene : scenes) {
+        pictures.push_back(drawn(scene, scale));
+        cell = cell.expandedTo(pictures.back().size());
+    }
+    const auto count = static_cast<int>(pictures.size());
+    const auto columns = std::min(count, 4);
+    const auto rows = (count + columns - 1) / columns;
+    const QSize step = cell + QSize(sheetMargin, sheetMargin);
+    QImage all(step.width() * columns + sheetMargin, step.height() * rows + sheetMargin,
+               QImage::Format_RGB32);
+    all.fill(QColor(128, 128, 128));
+    QPainter painter(&all);
+    for (int i = 0; i < count; ++i) {
+        auto& picture = pictures[static_cast<std::size_t>(i)];
+        picture.setDevicePixelRatio(1);
+        painter.drawImage(sheetMargin + step.width() * (i % columns),
+                          sheetMargin + step.height() * (i / columns), picture);
+    }
+    return all;
 }
 
 bool save(const QImage& picture, const QString& file) {
@@ -70,21 +236,83 @@ bool save(const QImage& picture, const QString& file) {
     return isSaved;
 }
 
+QPalette darkPalette() {
+    QPalette dark(QColor(45, 45, 45), QColor(36, 36, 36));
+    dark.setColor(QPalette::Base, QColor(28, 28, 28));
+    dark.setColor(QPalette::WindowText, QColor(238, 238, 238));
+    dark.setColor(QPalette::Text, QColor(238, 238, 238));
+    dark.setColor(QPalette::ButtonText, QColor(238, 238, 238));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        dark.setColor(QPalette::Disabled, role, QColor(130, 130, 130));
+    }
+    return dark;
+}
+
+/// The pictures that the documents show.
+bool drawForDocuments(const QString& folder) {
+    bool isComplete = true;
+    for (const auto& scenes : {popovers(), preferences(), onboarding()}) {
+        for (const auto& scene : scenes) {
+            static const QStringList shown = {
+                QStringLiteral("popover"), QStringLiteral("preferences-color"),
+                QStringLiteral("preferences-breaks"), QStringLiteral("onboarding-style")};
+            if (shown.contains(scene.name)) {
+                isComplete &= save(drawn(scene, 1), folder + "/" + scene.name + ".png");
+            }
+        }
+    }
+    for (const auto percent : {100, 150, 200}) {
+        isComplete &= save(drawn(breaks().front(), percent / 100.0),
+                           QStringLiteral("%1/break-overlay-%2.png").arg(folder).arg(percent));
+    }
+    return isComplete;
+}
+
+bool drawSheets(const QString& folder, const QString& look, qreal scale) {
+    bool isComplete = true;
+    const std::array<std::pair<QString, Scenes>, 4> groups = {
+        std::pair{QStringLiteral("popover"), popovers()},
+        std::pair{QStringLiteral("preferences"), preferences()},
+        std::pair{QStringLiteral("onboarding"), onboarding()},
+        std::pair{QStringLiteral("break"), breaks()}};
+    for (const auto& [name, scenes] : groups) {
+        Q_ASSERT(static_cast<qsizetype>(scenes.size()) <= mostOnSheet);
+        isComplete &= save(
+            sheet(scenes, scale),
+            QStringLiteral("%1/%2-%3-%4.png").arg(folder, name, look).arg(qRound(scale * 100)));
+    }
+    return isComplete;
+}
+
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    if (argumentCount != 2) {
-        std::cerr << "usage: nocta-pictures FOLDER" << std::endl;
+    if (argumentCount != 3) {
+        std::cerr << "usage: nocta-pictures DOCUMENTS SHEETS" << std::endl;
         return EXIT_FAILURE;
     }
+    const auto documents = QString::fromLocal8Bit(arguments[1]);
+    const auto sheets = QString::fromLocal8Bit(arguments[2]);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     const QApplication application(argumentCount, arguments);
+    QDir().mkpath(sheets);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 10));
-    bool isComplete = true;
-    for (const auto percent : {100, 150, 200}) {
-        isComplete &=
-            save(breakOverlay(percent / 100.0),
-                 QStringLiteral("%1/break-overlay-%2.png").arg(arguments[1]).arg(percent));
+
+    bool isComplete = drawForDocuments(documents);
+    for (const auto scale : {1.0, 2.0}) {
+        isComplete &= drawSheets(sheets, QStringLiteral("light"), scale);
+    }
+    PseudoLocale pseudoLocale;
+    QCoreApplication::installTranslator(&pseudoLocale);
+    isComplete &= drawSheets(sheets, QStringLiteral("pseudo"), 1);
+    QCoreApplication::removeTranslator(&pseudoLocale);
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    isComplete &= drawSheets(sheets, QStringLiteral("mirrored"), 1);
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+    QApplication::setPalette(darkPalette());
+    for (const auto scale : {1.0, 2.0}) {
+        isComplete &= drawSheets(sheets, QStringLiteral("dark"), scale);
     }
     return isComplete ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -6,6 +6,7 @@
 #include "ui/Missing.h"
 #include "ui/Text.h"
 #include "ui/controls/CustomSlider.h"
+#include "ui/controls/FocusRing.h"
 #include "ui/controls/FooterButton.h"
 #include "ui/controls/Hairline.h"
 #include "ui/controls/Label.h"
@@ -23,7 +24,7 @@ namespace nocta {
 
 namespace {
 
-constexpr int sideMargin = 16; // points
+constexpr int sideMargin = 16 - focusRingRoom; // points
 constexpr int topMargin = 16;
 constexpr int bottomMargin = 8;
 constexpr int sectionSpacing = 8;
@@ -31,9 +32,11 @@ constexpr int rowSpacing = 8;
 constexpr int symbolSize = 18;
 constexpr int pickerWidth = 120;
 
+/// Of a symbol and what belongs to it.
 QHBoxLayout* makeRow() {
     auto* const row = new QHBoxLayout;
-    row->setSpacing(rowSpacing);
+    row->setContentsMargins(focusRingRoom, 0, 0, 0);
+    row->setSpacing(rowSpacing - focusRingRoom);
     return row;
 }
 
@@ -59,7 +62,7 @@ PopoverContentView::PopoverContentView(SharedInstances& instances,
 }
 
 void PopoverContentView::addBrightness(QVBoxLayout& column) {
-    auto* const heading = makeRow();
+    auto* const heading = new QHBoxLayout;
     heading->addWidget(new Label(Text::tr("Brightness")));
     heading->addStretch();
     auto* const value = new Label({});

@@ -1,33 +1,41 @@
-#include "ui/PopoverContentView.h"
+#include "support/Face.h"
 
-#include "support/TestDesktop.h"
-
-#include <QLabel>
-#include <QPushButton>
 #include <QSlider>
-#include <QTest>
-#include <gtest/gtest.h>
 
-#include <optional>
+#include <chrono>
 
 namespace nocta {
 namespace {
 
-class PopoverContentViewTest : public TestDesktop {
+using namespace std::chrono_literals;
+
+class PopoverContentViewTest : public Face {
 protected:
     int preferences = 0;
-    std::optional<PopoverContentView> view;
 
     void SetUp() override {
-        view.emplace(instances(), [this] { ++preferences; });
-        view->show();
+        delegate();
+        desktop.trace.clear();
+        open(realViews.makePopoverContentView([this] { ++preferences; }), QSize(300, 280));
     }
-    QSlider& slider() { return *view->findChild<QSlider*>("brightnessSlider"); }
-
-    /// The brightness in words.
-    QString shownBrightness() { return view->findChild<QLabel*>("brightnessValue")->text(); }
+    QSlider& slider() { return control<QSlider>("brightnessSlider"); }
+    QSlider& warmth() { return control<QSlider>("warmthSlider"); }
+    QString shownBrightness() { return control<QLabel>("brightnessValue").text(); }
+    QString status() { return control<QLabel>("breakStatus").text(); }
     double brightness() { return settings().unifiedBrightness.get(); }
+
+    /// Where on a slider its knob is at that value.
+    static QPoint placeOf(const QSlider& slider, int percent) {
+        constexpr int reach = 12; // half the knob, and the ring around it
+        const auto way = slider.width() - 2 * reach;
+        const auto along = slider.isRightToLeft() ? 100 - percent : percent;
+        return {reach + way * along / 100, slider.height() / 2};
+    }
 };
+
+TEST_F(PopoverContentViewTest, EnglishFitsIntoItsSize) {
+    EXPECT_EQ(widget().size(), QSize(300, 280));
+}
 
 TEST_F(PopoverContentViewTest, OpensOnTheCurrentValue) {
     EXPECT_EQ(shownBrightness(), "75%");
@@ -56,8 +64,55 @@ TEST_F(PopoverContentViewTest, EveryStepShowsWhatItIs) {
     }
 }
 
+TEST_F(PopoverContentViewTest, DraggingTheKnobWritesOnceForEachStep) {
+    const auto start = placeOf(slider(), 75);
+    QTest::mousePress(&slider(), Qt::LeftButton, {}, start);
+    EXPECT_TRUE(calls("setDouble").empty()) << "nothing has moved yet";
+    for (int percent = 74; percent >= 30; --percent) {
+        QTest::mouseMove(&slider(), placeOf(slider(), percent));
+    }
+    QTest::mouseRelease(&slider(), Qt::LeftButton, {}, placeOf(slider(), 30));
+    EXPECT_EQ(brightness(), 0.3);
+    EXPECT_EQ(calls("setDouble").size(), 45U);
+    QTest::mouseMove(&slider(), placeOf(slider(), 80));
+    EXPECT_EQ(brightness(), 0.3) << "the button is up";
+}
+
+TEST_F(PopoverContentViewTest, DragBeyondTheEndStopsThere) {
+    QTest::mousePress(&slider(), Qt::LeftButton, {}, placeOf(slider(), 75));
+    QTest::mouseMove(&slider(), QPoint(2000, 5));
+    EXPECT_EQ(brightness(), 1.0);
+    QTest::mouseMove(&slider(), QPoint(-2000, 5));
+    EXPECT_EQ(brightness(), 0.0);
+    QTest::mouseRelease(&slider(), Qt::LeftButton);
+}
+
+TEST_F(PopoverContentViewTest, PressBesideTheKnobTakesItThere) {
+    QTest::mouseClick(&slider(), Qt::LeftButton, {}, placeOf(slider(), 20));
+    EXPECT_EQ(brightness(), 0.2);
+    QTest::mouseClick(&slider(), Qt::RightButton, {}, placeOf(slider(), 90));
+    EXPECT_EQ(brightness(), 0.2);
+}
+
+TEST_F(PopoverContentViewTest, WheelMovesTheSlider) {
+    const auto place = QPointF(placeOf(slider(), 75));
+    QWheelEvent down(place, slider().mapToGlobal(place), {}, QPoint(0, -120), Qt::NoButton, {},
+                     Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&slider(), &down);
+    EXPECT_LT(brightness(), 0.75);
+    EXPECT_GE(brightness(), 0.65);
+}
+
+TEST_F(PopoverContentViewTest, MirroredSliderGrowsToTheLeft) {
+    widget().setLayoutDirection(Qt::RightToLeft);
+    QTest::mouseClick(&slider(), Qt::LeftButton, {}, placeOf(slider(), 20));
+    EXPECT_EQ(brightness(), 0.2);
+    EXPECT_GT(placeOf(slider(), 20).x(), slider().width() / 2);
+    QTest::keyClick(&slider(), Qt::Key_Left);
+    EXPECT_EQ(shownBrightness(), "21%");
+}
+
 TEST_F(PopoverContentViewTest, ChangeFromElsewhereMovesTheViewAndIsNotWrittenBack) {
-    desktop.trace.clear();
     settings().unifiedBrightness.set(0.5625);
     EXPECT_EQ(shownBrightness(), "56%");
     EXPECT_EQ(slider().value(), 56);
@@ -75,10 +130,84 @@ TEST_F(PopoverContentViewTest, ValueOutsideTheRangeIsShownAsItIsAndNotWrittenBac
     EXPECT_EQ(slider().value(), 0);
 }
 
+TEST_F(PopoverContentViewTest, WarmthSliderIsThereInManualModeOnly) {
+    EXPECT_TRUE(shows("Adjusts with sunset"));
+    EXPECT_FALSE(warmth().isVisible());
+    settings().warmthLevel.set(0.7);
+    click("Manual");
+    EXPECT_FALSE(settings().autoWarmthEnabled.get());
+    EXPECT_FALSE(shows("Adjusts with sunset"));
+    EXPECT_TRUE(warmth().isVisible());
+    EXPECT_EQ(warmth().value(), 70);
+    QTest::mouseClick(&warmth(), Qt::LeftButton, {}, placeOf(warmth(), 40));
+    EXPECT_EQ(settings().warmthLevel.get(), 0.4);
+    click("Auto");
+    EXPECT_TRUE(settings().autoWarmthEnabled.get());
+    EXPECT_FALSE(warmth().isVisible());
+    settings().autoWarmthEnabled.set(false);
+    EXPECT_TRUE(button("Manual").isChecked());
+    EXPECT_TRUE(warmth().isVisible());
+}
+
+TEST_F(PopoverContentViewTest, ArrowKeysChooseAmongTheSegments) {
+    button("Auto").setFocus();
+    QTest::keyClick(&button("Auto"), Qt::Key_Right);
+    EXPECT_FALSE(settings().autoWarmthEnabled.get());
+    EXPECT_TRUE(button("Manual").hasFocus());
+}
+
+TEST_F(PopoverContentViewTest, EyeReliefFollowsAndWritesItsSettingAndLeavesTheWarmthAlone) {
+    click("Manual");
+    click("grayscaleToggle");
+    EXPECT_TRUE(settings().grayscaleEnabled.get());
+    EXPECT_TRUE(warmth().isEnabled());
+    QTest::keyClick(&button("Eye Relief"), Qt::Key_Space);
+    EXPECT_FALSE(settings().grayscaleEnabled.get());
+    settings().grayscaleEnabled.set(true);
+    EXPECT_TRUE(button("grayscaleToggle").isChecked());
+}
+
+TEST_F(PopoverContentViewTest, StatusLineFollowsTheTimer) {
+    EXPECT_EQ(status(), "Off");
+    launch();
+    EXPECT_EQ(status(), "20m left");
+    desktop.runLoop.advance(1s);
+    EXPECT_EQ(status(), "19m left");
+    desktop.runLoop.advance(20min - 1s);
+    EXPECT_EQ(status(), "Break: 20s");
+    breakTimer().snooze(5);
+    EXPECT_EQ(status(), "Snoozed");
+    click("breakTimerToggle");
+    EXPECT_EQ(status(), "Off");
+    EXPECT_FALSE(settings().breakTimerEnabled.get());
+    click("Break Timer");
+    EXPECT_EQ(status(), "20m left");
+}
+
+TEST_F(PopoverContentViewTest, FooterLeadsOn) {
+    click("preferencesButton");
+    EXPECT_EQ(preferences, 1);
+    EXPECT_FALSE(button("Check for Updates").isEnabled());
+    EXPECT_FALSE(button("Check for Updates").toolTip().isEmpty());
+    launch();
+    click("quitButton");
+    EXPECT_EQ(calls("synchronize").size(), 1U) << "the program has ended";
+}
+
 TEST_F(PopoverContentViewTest, ClosedViewIsNotToldAnyMore) {
     view.reset();
     settings().unifiedBrightness.set(0.25);
     EXPECT_EQ(brightness(), 0.25);
+}
+
+TEST_F(PopoverContentViewTest, WhatTheDesktopLacksIsSaidAndTheSettingIsWrittenAllTheSame) {
+    EXPECT_EQ(slider().toolTip(), "");
+    desktop.displays.takesTables = false;
+    open(realViews.makePopoverContentView([] {}), QSize(300, 280));
+    EXPECT_FALSE(slider().toolTip().isEmpty());
+    EXPECT_TRUE(slider().isEnabled());
+    QTest::keyClick(&slider(), Qt::Key_Left);
+    EXPECT_EQ(brightness(), 0.74);
 }
 
 } // namespace

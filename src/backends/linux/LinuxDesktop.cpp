@@ -16,6 +16,7 @@
 #include "backends/linux/shell/QtRunLoop.h"
 #include "backends/linux/shell/QtStatusBar.h"
 #include "backends/linux/shell/SingleInstance.h"
+#include "backends/linux/shell/SymbolIcon.h"
 #include "backends/linux/shell/SystemTray.h"
 #include "backends/linux/x11/Guardian.h"
 #include "backends/linux/x11/X11ColorMatrixFilter.h"
@@ -168,6 +169,7 @@ struct Toolkit {
         QApplication::setQuitOnLastWindowClosed(false);
         QApplication::setApplicationName(QStringLiteral("nocta"));
         QApplication::setApplicationDisplayName(QStringLiteral("Nocta"));
+        QApplication::setWindowIcon(symbolIcon(QStringLiteral("eye")));
     }
 };
 

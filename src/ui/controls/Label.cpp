@@ -1,6 +1,7 @@
 #include "ui/controls/Label.h"
 
 #include "ui/Colors.h"
+#include "ui/controls/FocusRing.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -34,7 +35,9 @@ constexpr std::array looks = {
 
 Label::Label(const QString& text, TextStyle style) : QLabel(text), style_(style) {
     setTextFormat(Qt::PlainText);
+    setForegroundRole(QPalette::WindowText); // on a button it would be another
     setWordWrap(looks.at(static_cast<std::size_t>(style)).isWrapped);
+    setContentsMargins(focusRingRoom, 0, focusRingRoom, 0); // in line with what has a ring
     dress();
 }
 

@@ -16,6 +16,7 @@ constexpr qreal cornerRadius = 6; // points
 constexpr int horizontalPadding = 8;
 constexpr int verticalPadding = 4;
 constexpr int symbolSize = 18;
+constexpr int symbolPadding = 16;
 constexpr double troughPart = 0.1;
 
 class Segment final : public QRadioButton {
@@ -33,7 +34,8 @@ public:
     QSize sizeHint() const override {
         const auto width = symbol_.isEmpty() ? fontMetrics().horizontalAdvance(text()) : symbolSize;
         const auto height = symbol_.isEmpty() ? fontMetrics().height() : symbolSize;
-        return {width + 2 * (horizontalPadding + focusRingRoom),
+        const auto padding = symbol_.isEmpty() ? horizontalPadding : symbolPadding;
+        return {width + 2 * (padding + focusRingRoom),
                 height + 2 * (verticalPadding + focusRingRoom)};
     }
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -80,7 +82,7 @@ SegmentedPicker::SegmentedPicker(const QString& name, const std::vector<SegmentL
         segments_.addButton(segment, index++);
         row->addWidget(segment);
     }
-    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
 void SegmentedPicker::choose(qsizetype index) {

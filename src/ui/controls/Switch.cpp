@@ -15,6 +15,7 @@ constexpr int trackWidth = 34; // points, of the switch alone
 constexpr int trackHeight = 20;
 constexpr int gap = 8; // between text and switch
 constexpr qreal knobInset = 2;
+constexpr double offPart = 0.45; // of the text's colour, for the track
 constexpr qreal disabledOpacity = 0.4;
 } // namespace
 
@@ -35,17 +36,19 @@ void Switch::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
     painter.setPen(palette().color(QPalette::Active, QPalette::WindowText));
-    painter.drawText(rect(),
+    const auto room = rect().adjusted(focusRingRoom, 0, -focusRingRoom, 0);
+    painter.drawText(room,
                      QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter |
                          Qt::TextShowMnemonic,
                      text());
 
-    const auto room = rect().adjusted(focusRingRoom, 0, -focusRingRoom, 0);
     const QRectF track = QStyle::alignedRect(layoutDirection(), Qt::AlignRight | Qt::AlignVCenter,
                                              QSize(trackWidth, trackHeight), room);
     const auto radius = track.height() / 2;
     painter.setPen(Qt::NoPen);
-    painter.setBrush(isChecked() ? accentColor(palette()) : secondaryColor(palette()));
+    painter.setBrush(isChecked() ? accentColor(palette())
+                                 : mixed(palette().color(QPalette::Window),
+                                         palette().color(QPalette::WindowText), offPart));
     painter.drawRoundedRect(track, radius, radius);
 
     const auto knobSize = track.height() - 2 * knobInset;

@@ -46,16 +46,19 @@ void TrackSlider::moveTo(qreal x) {
 void TrackSlider::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
     const auto middle = height() / 2.0;
     const QRectF track(focusRingRoom, middle - trackHeight / 2, width() - 2 * focusRingRoom,
                        trackHeight);
     const auto center = knobCenter();
+    painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
     paintTrack(painter, track, center);
+    painter.setOpacity(1);
 
     const QRectF knob(center - knobSize / 2, middle - knobSize / 2, knobSize, knobSize);
     painter.setPen(QPen(secondaryColor(palette()), 1));
-    painter.setBrush(isSliderDown() ? QColor(235, 235, 235) : QColor(Qt::white));
+    const auto white = isSliderDown() ? QColor(235, 235, 235) : QColor(Qt::white);
+    painter.setBrush(
+        isEnabled() ? white : mixed(palette().color(QPalette::Window), white, disabledOpacity));
     painter.drawEllipse(knob.adjusted(0.5, 0.5, -0.5, -0.5));
     paintFocusRing(painter, *this, knob, knobSize / 2);
 }

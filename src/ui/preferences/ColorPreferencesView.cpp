@@ -10,6 +10,7 @@
 #include "ui/controls/SymbolView.h"
 #include "ui/controls/WarmthSlider.h"
 
+#include <QGridLayout>
 #include <QHBoxLayout>
 
 #include <vector>
@@ -34,20 +35,22 @@ QWidget* makeGrayscaleNote() {
     return note;
 }
 
-/// A temperature in kelvin and what it looks like.
-QWidget* makeTemperature(const QString& name, Setting<std::int64_t>& setting) {
-    auto* const pair = new QWidget;
-    auto* const row = new QHBoxLayout(pair);
-    row->setContentsMargins(0, 0, 0, 0);
+/// A row: what the temperature is of, the temperature in kelvin, and what it looks like.
+KelvinField* addTemperature(QGridLayout& rows, const QString& name,
+                            Setting<std::int64_t>& setting) {
     auto* const field = new KelvinField(name, setting);
-    pair->setFocusProxy(field);
-    row->addWidget(field);
+    auto* const label = new Label(name);
+    label->setBuddy(field);
     auto* const description = new Label({}, TextStyle::secondary);
     follow(*description, setting, [description](std::int64_t kelvin) {
         description->setText(temperatureDescription(kelvin));
     });
-    row->addWidget(description);
-    return pair;
+    const auto row = rows.rowCount();
+    rows.addWidget(label, row, 0);
+    rows.addWidget(field, row, 1);
+    rows.addWidget(description, row, 2);
+    rows.setColumnStretch(0, 1);
+    return field;
 }
 
 } // namespace
@@ -75,16 +78,18 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
     location->setObjectName(QStringLiteral("locationToggle"));
     bind(*location, settings.locationEnabled);
     explain(*location, missingForLocation(instances));
-    auto* const day = makeTemperature(Text::tr("Day"), settings.colorTemperatureDay);
-    day->focusProxy()->setObjectName(QStringLiteral("dayTemperature"));
-    auto* const night = makeTemperature(Text::tr("Night"), settings.colorTemperatureNight);
-    night->focusProxy()->setObjectName(QStringLiteral("nightTemperature"));
+    auto* const temperatures = new QWidget;
+    auto* const rows = new QGridLayout(temperatures);
+    rows->setContentsMargins(0, 0, 0, 0);
+    auto* const day = addTemperature(*rows, Text::tr("Day"), settings.colorTemperatureDay);
+    day->setObjectName(QStringLiteral("dayTemperature"));
+    auto* const night = addTemperature(*rows, Text::tr("Night"), settings.colorTemperatureNight);
+    night->setObjectName(QStringLiteral("nightTemperature"));
 
     auto* const temperature = addSection(Text::tr("Color Temperature"));
     temperature->add(automatic);
     temperature->add(location);
-    temperature->addRow(Text::tr("Day"), day);
-    temperature->addRow(Text::tr("Night"), night);
+    temperature->add(temperatures);
     temperature->addNote(Text::tr("Nocta transitions smoothly between your day and night "
                                   "temperatures at sunrise and sunset."));
     auto* const status = new Label({}, TextStyle::note);

@@ -58,7 +58,7 @@ public:
         layout->addWidget(view);
         layout->setSizeConstraint(QLayout::SetFixedSize);
         view->setMinimumSize(
-            view->minimumSizeHint().expandedTo(QSize(qRound(style.width), qRound(style.height))));
+            view->minimumSize().expandedTo(QSize(qRound(style.width), qRound(style.height))));
     }
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;

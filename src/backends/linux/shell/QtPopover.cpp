@@ -18,7 +18,7 @@ namespace nocta {
 namespace {
 
 // In points.
-constexpr int gap = 4; // between the item and the popover
+constexpr int gap = 4; // between the popover and the item, and the edges of the screen
 constexpr int borderWidth = 1;
 constexpr qreal cornerRadius = 12;
 constexpr int shadowReach = 16;
@@ -28,7 +28,8 @@ constexpr float borderOpacity = 0.16F;
 constexpr int shadowLayerAlpha = 8; // of 255
 
 /// Beside the anchor on the side that faces into the screen, centred on it, wholly on screen.
-QPoint placed(const QSize& size, const QRect& anchor, const QRect& available) {
+QPoint placed(const QSize& size, const QRect& anchor, const QRect& screen) {
+    const auto available = screen.adjusted(gap, gap, -gap, -gap);
     const auto below = anchor.center().y() < available.center().y();
     const auto x = anchor.center().x() - size.width() / 2;
     const auto y = below ? anchor.bottom() + 1 + gap : anchor.top() - gap - size.height();

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "support/TestDesktop.h"
+#include "ui/WidgetViews.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QLabel>
+#include <QTest>
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace nocta {
+
+/// The real views over the virtual desktop, one at a time, and a person who uses them.
+class Face : public TestDesktop {
+protected:
+    WidgetViews realViews{instances()};
+    std::unique_ptr<View> view;
+
+    /// Shows a view in the size that its window would give it.
+    void open(std::unique_ptr<View> newView, const QSize& least = {}) {
+        view = std::move(newView);
+        fit(least);
+        widget().show();
+        fit(least);
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&widget()));
+    }
+    void TearDown() override { view.reset(); }
+
+    QWidget& widget() const { return *static_cast<QWidget*>(view->nativeView()); }
+
+    /// A control by its identifier or by what a screen reader calls it.
+    template <class Control = QWidget>
+    Control& control(const QString& name) const {
+        const auto all = widget().findChildren<Control*>();
+        const auto found = std::ranges::find_if(all, [&](const Control* candidate) {
+            return candidate->objectName() == name || accessibleName(*candidate) == name;
+        });
+        if (found == all.end()) {
+            throw std::runtime_error("no " + name.toStdString());
+        }
+        return **found;
+    }
+    QAbstractButton& button(const QString& name) const { return control<QAbstractButton>(name); }
+
+    void click(const QString& name) const {
+        auto& target = button(name);
+        ASSERT_TRUE(target.isVisible()) << name.toStdString();
+        QTest::mouseClick(&target, Qt::LeftButton);
+    }
+
+    /// By its own name or, as that of a list is its choice on Linux, by that of its label.
+    static QString accessibleName(const QWidget& widget) {
+        if (!widget.accessibleName().isEmpty()) {
+            return widget.accessibleName();
+        }
+        auto* const interface =
+            QAccessible::queryAccessibleInterface(const_cast<QWidget*>(&widget));
+        return interface == nullptr ? QString() : interface->text(QAccessible::Name);
+    }
+
+    /// The texts of the labels that can be seen.
+    QStringList shownTexts() const {
+        QStringList texts;
+        for (const auto* const label : widget().findChildren<QLabel*>()) {
+            if (label->isVisible()) {
+                texts << label->text();
+            }
+        }
+        return texts;
+    }
+    bool shows(const QString& text) const { return shownTexts().contains(text); }
+
+private:
+    void fit(const QSize& least) {
+        auto size = widget().minimumSizeHint().expandedTo(widget().minimumSize()).expandedTo(least);
+        if (widget().hasHeightForWidth()) {
+            size.setHeight(std::max(size.height(), widget().heightForWidth(size.width())));
+        }
+        widget().resize(size);
+    }
+};
+
+} // namespace nocta

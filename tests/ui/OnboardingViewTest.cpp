@@ -1,0 +1,145 @@
+#include "support/Face.h"
+
+#include <QSlider>
+
+#include <chrono>
+
+namespace nocta {
+namespace {
+
+using namespace std::chrono_literals;
+
+class OnboardingViewTest : public Face {
+protected:
+    int completions = 0;
+
+    void SetUp() override {
+        launch();
+        open(realViews.makeOnboardingView([this] { ++completions; }), QSize(500, 580));
+    }
+    void goTo(int step) {
+        for (int i = 0; i < step; ++i) {
+            click("continueButton");
+        }
+    }
+};
+
+TEST_F(OnboardingViewTest, FourStepsLeadToTheEndAndBack) {
+    EXPECT_EQ(widget().size(), QSize(500, 580));
+    EXPECT_TRUE(shows("Welcome to Nocta"));
+    EXPECT_TRUE(shows("Take care of your eyes, without thinking about it."));
+    EXPECT_TRUE(shows("Customizable intervals, pauses during meetings"));
+    EXPECT_FALSE(button("backButton").isVisible());
+    click("Continue");
+    EXPECT_TRUE(shows("Permissions"));
+    click("Continue");
+    EXPECT_TRUE(shows("Choose Your Style"));
+    click("Back");
+    EXPECT_TRUE(shows("Permissions"));
+    click("Continue");
+    click("Continue");
+    EXPECT_TRUE(shows("You're All Set"));
+    EXPECT_EQ(completions, 0);
+    click("Finish");
+    EXPECT_EQ(completions, 1);
+}
+
+TEST_F(OnboardingViewTest, KeyboardAloneLeadsThrough) {
+    for (int i = 0; i < 4; ++i) {
+        QTest::keyClick(widget().focusWidget(), Qt::Key_Space);
+    }
+    EXPECT_EQ(completions, 1);
+}
+
+TEST_F(OnboardingViewTest, AllowAsksAndAGrantShowsTheMark) {
+    goTo(1);
+    EXPECT_TRUE(shows("(Optional)"));
+    EXPECT_TRUE(shows("You can always change these in System Preferences."));
+    EXPECT_FALSE(control("grantedMark").isVisible());
+    click("allowButton");
+    EXPECT_TRUE(desktop.location.isAsking);
+    desktop.location.answer(AuthorizationStatus::authorized);
+    EXPECT_FALSE(button("allowButton").isVisible());
+    EXPECT_TRUE(control("grantedMark").isVisible());
+    EXPECT_TRUE(settings().locationEnabled.get());
+}
+
+TEST_F(OnboardingViewTest, RefusalLeavesTheButtonAndTurnsLocationOff) {
+    settings().locationEnabled.set(true);
+    goTo(1);
+    click("allowButton");
+    desktop.location.answer(AuthorizationStatus::denied);
+    EXPECT_TRUE(button("allowButton").isVisible());
+    EXPECT_FALSE(settings().locationEnabled.get());
+    click("Continue");
+    EXPECT_TRUE(shows("Choose Your Style"));
+}
+
+TEST_F(OnboardingViewTest, CardSaysWhatItsProfileDoes) {
+    goTo(2);
+    for (const auto* const text :
+         {"Everyday", "Balanced for daily use", "75%", "Neutral", "Every 20 min", "Night Owl",
+          "40%", "Warm", "Every 30 min", "Focus", "60%", "Cool", "Every 25 min", "Eye Relief"}) {
+        EXPECT_TRUE(shows(text)) << text;
+    }
+    EXPECT_EQ(shownTexts().count("Eye Relief"), 1) << "of the one that is gray";
+}
+
+TEST_F(OnboardingViewTest, ChosenCardTakesEffectAtOnce) {
+    plugExternal();
+    settings().autoWarmthEnabled.set(false);
+    desktop.runLoop.advance(1s); // the glide into manual mode
+    goTo(2);
+    for (const auto* const name : {"Everyday", "Night Owl", "Focus"}) {
+        EXPECT_FALSE(button(name).isChecked()) << name;
+    }
+    click("Night Owl");
+    EXPECT_TRUE(button("Night Owl").isChecked());
+    EXPECT_EQ(settings().activeProfileId.get(), instances().builtInProfiles()[1].id);
+    desktop.runLoop.advance(1s); // the fade out of gray
+    EXPECT_FLOAT_EQ(shownDimming(external), 0.6F);
+    EXPECT_EQ(gamma().currentTemperature().at(external), 6500 - 3040);
+    click("Everyday");
+    EXPECT_FALSE(button("Night Owl").isChecked());
+    EXPECT_EQ(settings().unifiedBrightness.get(), 0.75);
+}
+
+TEST_F(OnboardingViewTest, ProfileLeavesAutomaticWarmthAlone) {
+    goTo(2);
+    click("Night Owl");
+    EXPECT_TRUE(settings().autoWarmthEnabled.get());
+    EXPECT_EQ(settings().warmthLevel.get(), 0.8);
+}
+
+TEST_F(OnboardingViewTest, AdjustmentsAreKept) {
+    goTo(2);
+    EXPECT_FALSE(control("brightnessSlider").isVisible());
+    click("Focus");
+    click("Adjust settings");
+    ASSERT_TRUE(control("brightnessSlider").isVisible());
+    EXPECT_TRUE(shows("60%"));
+    QTest::keyClick(&control("brightnessSlider"), Qt::Key_Left);
+    QTest::keyClick(&control("warmthSlider"), Qt::Key_Right);
+    click("Eye Relief mode");
+    click("Break reminders");
+    EXPECT_EQ(settings().unifiedBrightness.get(), 0.59);
+    EXPECT_EQ(settings().warmthLevel.get(), 0.31);
+    EXPECT_FALSE(settings().grayscaleEnabled.get());
+    EXPECT_FALSE(settings().breakTimerEnabled.get());
+    EXPECT_EQ(settings().activeProfileId.get(), instances().builtInProfiles()[2].id);
+    click("Adjust settings");
+    EXPECT_FALSE(control("brightnessSlider").isVisible());
+    click("Continue");
+    EXPECT_EQ(settings().unifiedBrightness.get(), 0.59);
+}
+
+TEST_F(OnboardingViewTest, LastStepOffersTheLogin) {
+    goTo(3);
+    EXPECT_TRUE(shows("Nocta lives in your menu bar — click the eye icon anytime to adjust your "
+                      "settings."));
+    click("Launch Nocta at login");
+    EXPECT_EQ(desktop.loginItem.present, LoginItem::Status::enabled);
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,199 @@
+#include "support/Face.h"
+
+#include <QComboBox>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTabBar>
+
+namespace nocta {
+namespace {
+
+class PreferencesViewTest : public Face {
+protected:
+    void SetUp() override { open(realViews.makePreferencesView()); }
+
+    QTabBar& tabs() { return control<QTabBar>("preferencesTabs"); }
+    void choose(const QString& title) {
+        for (int i = 0; i < tabs().count(); ++i) {
+            if (tabs().tabText(i) == title) {
+                QTest::mouseClick(&tabs(), Qt::LeftButton, {}, tabs().tabRect(i).center());
+                return;
+            }
+        }
+        FAIL() << "no tab " << title.toStdString();
+    }
+    QComboBox& picker(const QString& name) { return control<QComboBox>(name); }
+    void pick(const QString& name, const QString& choice) {
+        auto& list = picker(name);
+        list.setFocus();
+        for (int i = 0; i < list.count() && list.currentText() != choice; ++i) {
+            QTest::keyClick(&list, Qt::Key_Down);
+        }
+        ASSERT_EQ(list.currentText(), choice);
+    }
+};
+
+TEST_F(PreferencesViewTest, TabsAreInOrder) {
+    QStringList titles;
+    for (int i = 0; i < tabs().count(); ++i) {
+        titles << tabs().tabText(i);
+    }
+    EXPECT_EQ(titles, (QStringList{"General", "Brightness", "Color", "Breaks"}));
+    EXPECT_TRUE(shows("Startup"));
+    tabs().setFocus();
+    QTest::keyClick(&tabs(), Qt::Key_Right);
+    EXPECT_TRUE(shows("How It Works"));
+}
+
+TEST_F(PreferencesViewTest, LaunchToggleIsBoundToTheServiceAndSpringsBack) {
+    settings().launchAtLogin.set(true);
+    EXPECT_FALSE(button("launchAtLoginToggle").isChecked());
+    click("launchAtLoginToggle");
+    EXPECT_TRUE(launchAtLogin().isEnabled.get());
+    settings().resetToDefaults();
+    EXPECT_TRUE(button("launchAtLoginToggle").isChecked()) << "a reset does not unregister";
+    desktop.loginItem.error = "Permission denied";
+    testing::internal::CaptureStdout();
+    click("Launch at login");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Failed to disable launch at login: Permission denied\n");
+    EXPECT_TRUE(button("launchAtLoginToggle").isChecked());
+}
+
+TEST_F(PreferencesViewTest, IconIsPickedByItsSymbol) {
+    EXPECT_TRUE(button("Eye").isChecked());
+    click("Leaf");
+    EXPECT_EQ(settings().menuBarIcon.get(), MenuBarIcon::leaf);
+    settings().menuBarIcon.set(MenuBarIcon::sparkles);
+    EXPECT_TRUE(button("Sparkles").isChecked());
+}
+
+TEST_F(PreferencesViewTest, EyeReliefDisablesTheColorsAndSaysWhy) {
+    const auto note = "Color settings are disabled while Grayscale mode is active.";
+    choose("Color");
+    EXPECT_FALSE(shows(note));
+    choose("General");
+    click("Eye Relief mode");
+    EXPECT_TRUE(settings().grayscaleEnabled.get());
+    choose("Color");
+    EXPECT_TRUE(shows(note));
+    for (const auto* const name : {"warmthSlider", "autoWarmthToggle", "locationToggle",
+                                   "dayTemperature", "nightTemperature"}) {
+        EXPECT_FALSE(control(name).isEnabled()) << name;
+    }
+    settings().grayscaleEnabled.set(false);
+    EXPECT_FALSE(shows(note));
+    EXPECT_TRUE(control("warmthSlider").isEnabled());
+}
+
+TEST_F(PreferencesViewTest, ResetMovesEveryOpenControlAndLeavesTheFirstLaunchAlone) {
+    settings().isFirstLaunch.set(false);
+    settings().unifiedBrightness.set(0.1);
+    settings().breakIntervalMinutes.set(45);
+    settings().colorTemperatureDay.set(5000);
+    click("Reset to Defaults");
+    EXPECT_EQ(settings().unifiedBrightness.get(), 0.75);
+    EXPECT_FALSE(settings().isFirstLaunch.get());
+    EXPECT_EQ(control<QSlider>("brightnessSlider").value(), 75);
+    EXPECT_EQ(picker("intervalPicker").currentText(), "Every 20 minutes");
+    EXPECT_EQ(control<QSpinBox>("dayTemperature").value(), 6500);
+}
+
+TEST_F(PreferencesViewTest, BrightnessTabExplainsAndMovesTheBrightness) {
+    choose("Brightness");
+    for (const auto* const line :
+         {"Nocta extends your brightness range beyond what macOS allows. The setting applies to "
+          "all your displays at once.",
+          "On your built-in display:", "100% → 50%: Adjusts hardware brightness",
+          "49% → 0%: Dims further using a software overlay",
+          "On external monitors:", "100% → 0%: Dims using a software overlay", "75%",
+          "When off, a faint glow is kept at minimum so the screen is never fully dark."}) {
+        EXPECT_TRUE(shows(line)) << line;
+    }
+    QTest::keyClick(&control("brightnessSlider"), Qt::Key_PageUp);
+    EXPECT_EQ(settings().unifiedBrightness.get(), 0.85);
+    EXPECT_TRUE(shows("85%"));
+    click("Allow completely black screen");
+    EXPECT_TRUE(settings().allowFullBlack.get());
+}
+
+TEST_F(PreferencesViewTest, ColorTabShowsTheTemperaturesWithTheirDescriptions) {
+    choose("Color");
+    EXPECT_TRUE(shows("Neutral"));
+    EXPECT_TRUE(shows("Candlelight"));
+    auto& night = control<QSpinBox>("Night");
+    EXPECT_EQ(night.text(), "2700 K");
+    night.setFocus();
+    QTest::keyClick(&night, Qt::Key_Up);
+    EXPECT_EQ(settings().colorTemperatureNight.get(), 2800);
+    night.selectAll();
+    QTest::keyClicks(&night, "3800");
+    EXPECT_EQ(settings().colorTemperatureNight.get(), 2800) << "not yet entered";
+    QTest::keyClick(&night, Qt::Key_Return);
+    EXPECT_EQ(settings().colorTemperatureNight.get(), 3800);
+    EXPECT_TRUE(shows("Warm"));
+    settings().colorTemperatureDay.set(20000);
+    EXPECT_EQ(control<QSpinBox>("Day").value(), 20000) << "shown as it is";
+    EXPECT_EQ(settings().colorTemperatureDay.get(), 20000);
+}
+
+TEST_F(PreferencesViewTest, ColorTabFollowsWarmthAndLocation) {
+    choose("Color");
+    QTest::keyClick(&control("warmthSlider"), Qt::Key_End);
+    EXPECT_EQ(settings().warmthLevel.get(), 1.0);
+    EXPECT_TRUE(shows("100%"));
+    EXPECT_TRUE(shows("Using default times (6:30 AM / 6:30 PM)."));
+    launch();
+    click("Use my location");
+    EXPECT_TRUE(desktop.location.isAsking);
+    EXPECT_TRUE(shows("Using your location for accurate sunrise/sunset times."));
+    desktop.location.answer(AuthorizationStatus::denied);
+    EXPECT_FALSE(button("locationToggle").isChecked());
+    EXPECT_TRUE(shows("Using default times (6:30 AM / 6:30 PM)."));
+    click("Auto-adjust based on time");
+    EXPECT_FALSE(settings().autoWarmthEnabled.get());
+}
+
+TEST_F(PreferencesViewTest, BreaksTabWritesItsSettings) {
+    choose("Breaks");
+    EXPECT_EQ(picker("Interval").currentText(), "Every 20 minutes");
+    EXPECT_EQ(picker("Break duration").currentText(), "20 seconds");
+    pick("intervalPicker", "Every 30 minutes");
+    EXPECT_EQ(settings().breakIntervalMinutes.get(), 30);
+    pick("durationPicker", "45 seconds");
+    EXPECT_EQ(settings().breakDurationSeconds.get(), 45);
+    click("Enable break reminders");
+    EXPECT_FALSE(settings().breakTimerEnabled.get());
+    click("Suspend during meetings");
+    EXPECT_FALSE(settings().suspendDuringMeetings.get());
+}
+
+TEST_F(PreferencesViewTest, IntervalThatIsNotOfferedIsShownInItsPlace) {
+    settings().breakIntervalMinutes.set(37);
+    auto& list = picker("intervalPicker");
+    EXPECT_EQ(list.currentText(), "Every 37 minutes");
+    EXPECT_EQ(list.itemText(list.currentIndex() - 1), "Every 30 minutes");
+    EXPECT_EQ(list.itemText(list.currentIndex() + 1), "Every 40 minutes");
+    EXPECT_EQ(settings().breakIntervalMinutes.get(), 37);
+}
+
+TEST_F(PreferencesViewTest, StatisticsFollowTheTimer) {
+    choose("Breaks");
+    const auto text = [&](const char* name) { return control<QLabel>(name).text(); };
+    EXPECT_EQ(text("completionRate"), "0%");
+    breakTimer().statistics.set({.totalBreaks = 7, .completedBreaks = 5, .skippedBreaks = 2});
+    EXPECT_EQ(text("completedBreaks"), "5");
+    EXPECT_EQ(text("skippedBreaks"), "2");
+    EXPECT_EQ(text("completionRate"), "71%");
+}
+
+TEST_F(PreferencesViewTest, WhatTheDesktopLacksIsSaid) {
+    EXPECT_EQ(button("grayscaleToggle").toolTip(), "");
+    EXPECT_EQ(button("locationToggle").toolTip(), "");
+    desktop.location.answer(AuthorizationStatus::restricted);
+    open(realViews.makePreferencesView());
+    EXPECT_FALSE(button("locationToggle").toolTip().isEmpty());
+}
+
+} // namespace
+} // namespace nocta
