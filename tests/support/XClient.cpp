@@ -115,6 +115,94 @@ void XClient::key(xcb_keysym_t symbol, std::uint8_t event) {
     synchronize();
 }
 
+void XClient::pointer(std::uint8_t event, std::uint8_t detail, int x, int y) {
+    xcb_test_fake_input(x_, event, detail, XCB_CURRENT_TIME, root_, static_cast<std::int16_t>(x),
+                        static_cast<std::int16_t>(y), 0);
+    synchronize();
+}
+
+void XClient::moveTo(int x, int y) {
+    pointer(XCB_MOTION_NOTIFY, 0, x, y);
+}
+
+void XClient::holdButton(std::uint8_t button) {
+    pointer(XCB_BUTTON_PRESS, button, 0, 0);
+}
+
+void XClient::releaseButton(std::uint8_t button) {
+    pointer(XCB_BUTTON_RELEASE, button, 0, 0);
+}
+
+void XClient::click(int x, int y, std::uint8_t button) {
+    moveTo(x, y);
+    holdButton(button);
+    releaseButton(button);
+}
+
+std::vector<XClient::TopWindow>
+XClient::windows(const std::function<bool(const TopWindow&)>& matches) {
+    std::vector<TopWindow> found;
+    collect(root_, found);
+    std::erase_if(found, [&](const TopWindow& window) { return !matches(window); });
+    return found;
+}
+
+void XClient::collect(xcb_window_t parent, std::vector<TopWindow>& found) {
+    const Owned<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(x_, xcb_query_tree(x_, parent), nullptr));
+    for (int i = 0; tree && i < xcb_query_tree_children_length(tree.get()); ++i) {
+        const auto window = xcb_query_tree_children(tree.get())[i];
+        const Owned<xcb_get_geometry_reply_t> size(
+            xcb_get_geometry_reply(x_, xcb_get_geometry(x_, window), nullptr));
+        const Owned<xcb_translate_coordinates_reply_t> place(xcb_translate_coordinates_reply(
+            x_, xcb_translate_coordinates(x_, window, root_, 0, 0), nullptr));
+        const Owned<xcb_get_window_attributes_reply_t> state(
+            xcb_get_window_attributes_reply(x_, xcb_get_window_attributes(x_, window), nullptr));
+        if (size && place && state && state->map_state == XCB_MAP_STATE_VIEWABLE) {
+            found.push_back({window, place->dst_x, place->dst_y, size->width, size->height,
+                             state->override_redirect != 0});
+            collect(window, found);
+        }
+    }
+}
+
+std::vector<std::uint8_t> XClient::picture(const TopWindow& window) {
+    const auto image = needed(xcb_get_image_reply(
+        x_,
+        xcb_get_image(x_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, static_cast<std::int16_t>(window.x),
+                      static_cast<std::int16_t>(window.y), static_cast<std::uint16_t>(window.width),
+                      static_cast<std::uint16_t>(window.height), ~0U),
+        nullptr));
+    const auto* const pixels = xcb_get_image_data(image.get());
+    return {pixels, pixels + xcb_get_image_data_length(image.get())};
+}
+
+void XClient::askToClose(xcb_window_t window) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = atom("WM_PROTOCOLS");
+    message.data.data32[0] = atom("WM_DELETE_WINDOW");
+    xcb_send_event(x_, 0, window, 0, reinterpret_cast<const char*>(&message));
+    synchronize();
+}
+
+std::string XClient::nameOf(xcb_window_t window) {
+    const Owned<xcb_get_property_reply_t> name(xcb_get_property_reply(
+        x_, xcb_get_property(x_, 0, window, atom("_NET_WM_NAME"), atom("UTF8_STRING"), 0, 100),
+        nullptr));
+    return name ? std::string(static_cast<const char*>(xcb_get_property_value(name.get())),
+                              static_cast<std::size_t>(xcb_get_property_value_length(name.get())))
+                : std::string();
+}
+
+bool XClient::hasProperty(xcb_window_t window, const std::string& name) {
+    const Owned<xcb_get_property_reply_t> property(xcb_get_property_reply(
+        x_, xcb_get_property(x_, 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 1), nullptr));
+    return property && property->type != XCB_NONE;
+}
+
 void XClient::disconnect(xcb_window_t window) {
     xcb_kill_client(x_, window);
     synchronize();

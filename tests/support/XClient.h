@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,12 @@ public:
     void press(xcb_keysym_t symbol);
     void hold(xcb_keysym_t symbol);
     void release(xcb_keysym_t symbol);
+
+    /// Moves the pointer, and presses and releases a button of it: 1 is the left, 3 the right one.
+    void moveTo(int x, int y);
+    void holdButton(std::uint8_t button);
+    void releaseButton(std::uint8_t button);
+    void click(int x, int y, std::uint8_t button = 1);
 
     /// Makes the server close the connection of the client that owns a window.
     void disconnect(xcb_window_t window);
@@ -79,8 +86,20 @@ public:
     /// The ids of the mapped top-level windows of this size.
     std::vector<xcb_window_t> windowsOfSize(int width, int height);
 
+    /// The windows that can be seen and that `matches`, at any depth, in the coordinates of the
+    /// root.
+    std::vector<TopWindow> windows(const std::function<bool(const TopWindow&)>& matches);
+    /// The pixels that can be seen at the place of a window.
+    std::vector<std::uint8_t> picture(const TopWindow& window);
+    /// As the button of a title bar does.
+    void askToClose(xcb_window_t window);
+    std::string nameOf(xcb_window_t window);
+    bool hasProperty(xcb_window_t window, const std::string& name);
+
 private:
     void synchronize();
+    void collect(xcb_window_t parent, std::vector<TopWindow>& found);
+    void pointer(std::uint8_t event, std::uint8_t detail, int x, int y);
     xcb_atom_t atom(const std::string& name);
     void key(xcb_keysym_t symbol, std::uint8_t event);
 

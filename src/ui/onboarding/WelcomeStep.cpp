@@ -31,7 +31,7 @@ WelcomeStep::WelcomeStep() {
                                      Text::tr("Your screen adapts to the time of day")));
     column->addWidget(new FeatureRow(QStringLiteral("clock"), Text::tr("Smart Break Reminders"),
                                      Text::tr("Customizable intervals, pauses during meetings")));
-    column->addStretch();
+    column->addStretch(2);
 }
 
 FeatureRow::FeatureRow(const QString& icon, const QString& title, const QString& description) {
