@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QString>
 
-#include <string>
 #include <string_view>
 
 namespace nocta {
@@ -15,7 +14,7 @@ struct Text {
     Q_DECLARE_TR_FUNCTIONS(Nocta)
 
 public:
-    static QString of(std::string_view english) { return tr(std::string(english).c_str()); }
+    static QString of(std::string_view english);
 };
 
 } // namespace nocta

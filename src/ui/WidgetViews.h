@@ -2,10 +2,11 @@
 
 #include "app/SharedInstances.h"
 #include "platform/Views.h"
+#include "ui/Language.h"
 
 namespace nocta {
 
-/// Makes the views as Qt widgets.
+/// Makes the views as Qt widgets, in the language of the user.
 class WidgetViews final : public Views {
 public:
     explicit WidgetViews(SharedInstances& instances) : instances_(instances) {}
@@ -19,6 +20,7 @@ public:
 
 private:
     SharedInstances& instances_;
+    Language language_;
 };
 
 } // namespace nocta

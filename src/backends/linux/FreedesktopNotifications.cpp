@@ -2,6 +2,7 @@
 
 #include "backends/linux/MessageBus.h"
 
+#include <QCoreApplication>
 #include <QDBusError>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -15,6 +16,10 @@
 namespace nocta {
 
 namespace {
+
+QString translated(const std::string& english) {
+    return QCoreApplication::translate("Nocta", english.c_str());
+}
 
 const auto service = QStringLiteral("org.freedesktop.Notifications");
 const auto path = QStringLiteral("/org/freedesktop/Notifications");
@@ -102,17 +107,17 @@ void FreedesktopNotifications::show(const UserNotification& notification,
     if (category != categories_.end() && capabilities.contains(QStringLiteral("actions"))) {
         for (const auto& action : category->actions) {
             actions << QString::fromStdString(action.identifier)
-                    << QString::fromStdString(action.title);
+                    << translated(action.title);
         }
     }
-    const auto body = QString::fromStdString(notification.body);
+    const auto body = translated(notification.body);
     QVariantMap hints{{QStringLiteral("desktop-entry"), desktopEntry}};
     if ((presentation & notificationSound) != 0) {
         hints.insert(QStringLiteral("sound-name"), soundName);
     }
     auto message = methodCall(QStringLiteral("Notify"));
     message << applicationName << 0U /* replaces none */ << QString() /* the desktop entry's icon */
-            << QString::fromStdString(notification.title)
+            << translated(notification.title)
             << (capabilities.contains(QStringLiteral("body-markup")) ? body.toHtmlEscaped() : body)
             << actions << hints << -1 /* for as long as the service likes */;
     call(message, anyTime, [this](const QDBusMessage& answer) {

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QLocale>
+#include <QTranslator>
+
+namespace nocta {
+
+/// The texts of a language, the program's own and the toolkit's, for as long as it lives. What has
+/// no translation is shown in English.
+class Language {
+public:
+    explicit Language(const QLocale& locale = QLocale());
+    Language(const Language&) = delete;
+    Language& operator=(const Language&) = delete;
+    ~Language();
+
+private:
+    QTranslator own_;
+    QTranslator toolkit_;
+};
+
+} // namespace nocta

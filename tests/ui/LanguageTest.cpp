@@ -1,0 +1,107 @@
+#include "ui/Language.h"
+
+#include "support/Face.h"
+#include "ui/Descriptions.h"
+
+#include <QComboBox>
+#include <QFile>
+#include <QXmlStreamReader>
+
+#include <set>
+
+namespace nocta {
+namespace {
+
+/// Remembers what is asked for, and translates nothing.
+class Recorder final : public QTranslator {
+public:
+    mutable std::set<QString> asked;
+
+    Recorder() { QCoreApplication::installTranslator(this); }
+    Recorder(const Recorder&) = delete;
+    Recorder& operator=(const Recorder&) = delete;
+    ~Recorder() override { QCoreApplication::removeTranslator(this); }
+
+    QString translate(const char* context, const char* source, const char* /*disambiguation*/,
+                      int /*n*/) const override {
+        if (qstrcmp(context, "Nocta") == 0) {
+            asked.insert(QString::fromUtf8(source));
+        }
+        return {};
+    }
+    bool isEmpty() const override { return false; }
+};
+
+std::set<QString> textsInFile() {
+    QFile file(QStringLiteral(NOCTA_SOURCE_DIR "/resources/translations/nocta_en.ts"));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    QXmlStreamReader reader(&file);
+    std::set<QString> texts;
+    while (!reader.atEnd()) {
+        if (reader.readNextStartElement() && reader.name() == QStringLiteral("source")) {
+            texts.insert(reader.readElementText());
+        }
+    }
+    return texts;
+}
+
+class LanguageTest : public Face {};
+
+TEST_F(LanguageTest, EnglishHasItsSingulars) {
+    settings().breakIntervalMinutes.set(1);
+    settings().breakDurationSeconds.set(1);
+    const Language english(QLocale(QStringLiteral("en_GB")));
+    open(realViews.makePreferencesView());
+    EXPECT_EQ(control<QComboBox>("intervalPicker").currentText(), "Every 1 minute");
+    EXPECT_EQ(control<QComboBox>("durationPicker").currentText(), "1 second");
+    settings().breakIntervalMinutes.set(25);
+    EXPECT_EQ(control<QComboBox>("intervalPicker").currentText(), "Every 25 minutes");
+}
+
+TEST_F(LanguageTest, LanguageWithoutAFileIsEnglish) {
+    const Language klingon(QLocale(QStringLiteral("tlh")));
+    EXPECT_EQ(breakStatusLine(Counting{59}), "59s left");
+}
+
+TEST_F(LanguageTest, TranslatorsFindEveryTextThatIsShown) {
+    const Recorder recorder;
+    desktop.displays.takesTables = false;
+    desktop.filter.hasEntryPoint = false;
+    desktop.location.answer(AuthorizationStatus::restricted);
+    launch();
+    for (const auto& state : std::vector<BreakState>{Counting{59}, Counting{60}, Active{1},
+                                                     Paused{PauseReason::meeting},
+                                                     Paused{PauseReason::userPaused}, Snoozed{}}) {
+        breakStatusLine(state);
+    }
+    for (const auto kelvin : {1000, 3000, 4000, 5000, 6000}) {
+        temperatureDescription(kelvin);
+    }
+    sunTimesLine(true);
+    for (const auto warmth : {0.0, 0.5, 1.0}) {
+        warmthWord(warmth);
+    }
+    open(realViews.makePopoverContentView([] {}));
+    open(realViews.makePreferencesView());
+    open(realViews.makeOnboardingView([] {}));
+    click("continueButton");
+    click("continueButton");
+    click("continueButton");
+    const auto menu = realViews.makeStatusMenu([] {});
+    breakTimer().start();
+    const auto overlay = realViews.makeBreakOverlayView([] {}, [] {});
+
+    auto expected = recorder.asked;
+    for (const auto* const ofAPort : {"Preferences", "Welcome to Nocta", "Skip", "Snooze 5 min"}) {
+        expected.insert(QString::fromUtf8(ofAPort));
+    }
+    EXPECT_GT(expected.size(), 90U) << "the views were not seen";
+    const auto found = textsInFile();
+    for (const auto& text : expected) {
+        EXPECT_TRUE(found.contains(text))
+            << text.toStdString() << ": bring the files up to date with the target translations";
+    }
+}
+
+} // namespace
+} // namespace nocta
