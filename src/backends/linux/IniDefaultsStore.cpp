@@ -1,15 +1,14 @@
 #include "backends/linux/IniDefaultsStore.h"
 
+#include "backends/linux/FileContent.h"
 #include "backends/linux/FileDescriptor.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <iostream>
 #include <string>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -19,31 +18,6 @@ namespace {
 
 /// Far above what sixteen settings and their neighbours can need.
 constexpr std::size_t largestFile = 1 << 20;
-
-/// The whole content; an error number where it cannot be read or is no settings file by its size.
-int readFile(const std::filesystem::path& file, std::string& content) {
-    const FileDescriptor input(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status {};
-    if (!input || fstat(input.get(), &status) != 0) {
-        return errno;
-    }
-    if (!S_ISREG(status.st_mode)) {
-        return S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
-    }
-    std::array<char, 4096> block{};
-    while (content.size() <= largestFile) {
-        const auto length = read(input.get(), block.data(), block.size());
-        if (length < 0) {
-            return errno;
-        }
-        if (length == 0) {
-            return 0;
-        }
-        content.append(block.data(), static_cast<std::size_t>(length));
-    }
-    content.clear();
-    return EFBIG;
-}
 
 bool writeAll(int file, std::string_view text) {
     while (!text.empty()) {
@@ -71,7 +45,7 @@ IniDefaultsStore::IniDefaultsStore(std::filesystem::path file) : file_(std::move
 
 void IniDefaultsStore::load() {
     std::string content;
-    const auto error = readFile(file_, content);
+    const auto error = readFile(file_, largestFile, content);
     if (error == ENOENT || error == ENOTDIR) {
         return;
     }
