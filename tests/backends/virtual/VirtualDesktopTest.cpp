@@ -4,6 +4,7 @@
 #include "contracts/DefaultsStoreContract.h"
 #include "contracts/DisplaysContract.h"
 #include "contracts/KeyEventsContract.h"
+#include "contracts/LoginItemContract.h"
 
 #include <gtest/gtest.h>
 
@@ -25,6 +26,7 @@ struct VirtualDesktopHarness {
     Displays& displays() { return desktop.displays; }
     GammaOutput& gammaOutput() { return desktop.displays; }
     Backlight& backlight() { return desktop.displays; }
+    LoginItem& loginItem() { return desktop.loginItem; }
     KeyEvents& keyEvents() { return desktop.keyboard; }
     NotificationCenter& notificationCenter() { return desktop.notificationCenter; }
 
@@ -41,12 +43,15 @@ struct VirtualDesktopHarness {
     }
     void pressBrightnessUp() { desktop.keyboard.pressBrightnessUp(); }
     void pressBrightnessDown() { desktop.keyboard.pressBrightnessDown(); }
+    void switchOff() { desktop.loginItem.present = LoginItem::Status::notRegistered; }
+    void refuse() { desktop.loginItem.error = "Operation not permitted"; }
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DefaultsStoreContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DisplaysContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, BacklightContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, KeyEventsContract, VirtualDesktopHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, LoginItemContract, VirtualDesktopHarness);
 
 namespace {
 

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/LoginItem.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+namespace nocta {
+
+/// What every login item promises. `Harness` has a `loginItem()` that is not registered at first,
+/// `switchOff()`, as a person does it in the desktop's own tool, and `refuse()`, after which the
+/// desktop registers nothing.
+template <class Harness>
+class LoginItemContract : public ::testing::Test {
+protected:
+    LoginItem& loginItem() { return harness.loginItem(); }
+    Harness harness;
+};
+
+TYPED_TEST_SUITE_P(LoginItemContract);
+
+TYPED_TEST_P(LoginItemContract, IsEnabledFromRegisteringToUnregistering) {
+    EXPECT_EQ(this->loginItem().status(), LoginItem::Status::notRegistered);
+    EXPECT_EQ(this->loginItem().registerItem(), std::nullopt);
+    EXPECT_EQ(this->loginItem().status(), LoginItem::Status::enabled);
+    EXPECT_EQ(this->loginItem().unregisterItem(), std::nullopt);
+    EXPECT_EQ(this->loginItem().status(), LoginItem::Status::notRegistered);
+}
+
+TYPED_TEST_P(LoginItemContract, WhatIsAsItIsToBeIsNoError) {
+    EXPECT_EQ(this->loginItem().unregisterItem(), std::nullopt);
+    EXPECT_EQ(this->loginItem().status(), LoginItem::Status::notRegistered);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(this->loginItem().registerItem(), std::nullopt);
+        EXPECT_EQ(this->loginItem().status(), LoginItem::Status::enabled);
+    }
+}
+
+TYPED_TEST_P(LoginItemContract, ItemThatWasSwitchedOffIsEnabledByRegisteringItAgain) {
+    ASSERT_EQ(this->loginItem().registerItem(), std::nullopt);
+    this->harness.switchOff();
+    EXPECT_NE(this->loginItem().status(), LoginItem::Status::enabled);
+    EXPECT_EQ(this->loginItem().registerItem(), std::nullopt);
+    EXPECT_EQ(this->loginItem().status(), LoginItem::Status::enabled);
+}
+
+TYPED_TEST_P(LoginItemContract, ItemThatWasSwitchedOffCanBeUnregistered) {
+    ASSERT_EQ(this->loginItem().registerItem(), std::nullopt);
+    this->harness.switchOff();
+    EXPECT_EQ(this->loginItem().unregisterItem(), std::nullopt);
+    EXPECT_EQ(this->loginItem().status(), LoginItem::Status::notRegistered);
+}
+
+TYPED_TEST_P(LoginItemContract, RefusalIsDescribedAndChangesNothing) {
+    this->harness.refuse();
+    const auto error = this->loginItem().registerItem();
+    ASSERT_NE(error, std::nullopt);
+    EXPECT_NE(*error, "");
+    EXPECT_EQ(this->loginItem().status(), LoginItem::Status::notRegistered);
+}
+
+REGISTER_TYPED_TEST_SUITE_P(LoginItemContract, IsEnabledFromRegisteringToUnregistering,
+                            WhatIsAsItIsToBeIsNoError,
+                            ItemThatWasSwitchedOffIsEnabledByRegisteringItAgain,
+                            ItemThatWasSwitchedOffCanBeUnregistered,
+                            RefusalIsDescribedAndChangesNothing);
+
+} // namespace nocta
