@@ -1,6 +1,8 @@
 #include "backends/linux/AutostartLoginItem.h"
 
-#include <QFile>
+#include "backends/linux/FileContent.h"
+
+#include <QByteArray>
 #include <QSaveFile>
 #include <QString>
 
@@ -15,7 +17,7 @@ namespace nocta {
 
 namespace {
 
-constexpr qint64 largestEntry = 1 << 16; // bytes
+constexpr std::size_t largestEntry = 1 << 16; // bytes
 
 /// An argument of an Exec line: quoted, with a backslash before what the quotes do not protect;
 /// as any string of a desktop entry, with its backslashes doubled; and with its percent signs
@@ -59,13 +61,13 @@ AutostartLoginItem::AutostartLoginItem(std::filesystem::path entry, std::filesys
     : entry_(std::move(entry)), program_(std::move(program)) {}
 
 LoginItem::Status AutostartLoginItem::status() {
-    QFile file(entry_);
-    if (!file.open(QIODevice::ReadOnly) || file.isSequential()) {
+    std::string content;
+    if (readFile(entry_, largestEntry, content) != 0) {
         return Status::notRegistered;
     }
     bool isInside = false;
     auto status = Status::notRegistered;
-    for (const auto& line : file.read(largestEntry).split('\n')) {
+    for (const auto& line : QByteArray::fromStdString(content).split('\n')) {
         const auto text = line.trimmed();
         if (text.startsWith('[')) {
             isInside = text == "[Desktop Entry]";
@@ -102,14 +104,16 @@ std::optional<std::string> AutostartLoginItem::registerItem() {
                       execArgument(program_) +
                       "\n"
                       "Terminal=false\n";
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
+    // What cannot be written is only noticed when the buffer is flushed, and not by `commit`.
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush() ||
+        !file.commit()) {
         return file.errorString().toStdString();
     }
     return std::nullopt;
 }
 
 std::optional<std::string> AutostartLoginItem::unregisterItem() {
-    if (unlink(entry_.c_str()) != 0 && errno != ENOENT) {
+    if (unlink(entry_.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR) {
         return std::strerror(errno);
     }
     return std::nullopt;
