@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QDBusServiceWatcher>
-#include <QTimer>
+#include "backends/linux/PortalSettings.h"
 
 namespace nocta {
 
@@ -11,17 +10,12 @@ namespace nocta {
 class ReducedMotion {
 public:
     ReducedMotion();
-    ReducedMotion(const ReducedMotion&) = delete;
-    ReducedMotion& operator=(const ReducedMotion&) = delete;
 
     bool isWished() const { return isWished_; }
 
 private:
-    void read();
-
     bool isWished_ = false;
-    QDBusServiceWatcher portal_;
-    QTimer read_; ///< reads at the end of the turn; a D-Bus signal can start a timer by itself
+    PortalSettings settings_;
 };
 
 } // namespace nocta

@@ -1,0 +1,51 @@
+#include "backends/linux/PortalSettings.h"
+
+#include "backends/linux/MessageBus.h"
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+
+#include <utility>
+
+namespace nocta {
+
+namespace {
+const auto service = QStringLiteral("org.freedesktop.portal.Desktop");
+const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
+const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
+} // namespace
+
+PortalSettings::PortalSettings(QStringList namespaces, std::function<void(Settings)> told)
+    : namespaces_(std::move(namespaces)), told_(std::move(told)) {
+    auto bus = sessionBus();
+    if (!bus.isConnected()) {
+        return;
+    }
+    read_.setSingleShot(true);
+    QObject::connect(&read_, &QTimer::timeout, [this] { read(); });
+    portal_.setConnection(bus);
+    portal_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
+    portal_.addWatchedService(service);
+    QObject::connect(&portal_, &QDBusServiceWatcher::serviceRegistered, [this] { read_.start(); });
+    bus.connect(service, path, interface, QStringLiteral("SettingChanged"), &read_, SLOT(start()));
+    read();
+}
+
+void PortalSettings::read() {
+    auto call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
+    call << namespaces_;
+    auto* const answer = new QDBusPendingCallWatcher(sessionBus().asyncCall(call), &read_);
+    QObject::connect(answer, &QDBusPendingCallWatcher::finished, [this, answer] {
+        answer->deleteLater();
+        const auto reply = answer->reply();
+        if (reply.signature() != QStringLiteral("a{sa{sv}}")) {
+            return; // an error, or nonsense
+        }
+        Settings settings;
+        qvariant_cast<QDBusArgument>(reply.arguments().constFirst()) >> settings;
+        told_(std::move(settings));
+    });
+}
+
+} // namespace nocta

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "support/EventLoop.h"
+#include "support/PrivateBus.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
+#include <QMap>
+#include <QVariantMap>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace nocta {
+
+/// A portal on the test's bus, with the settings that the test wants.
+class SettingsPortal final : public QDBusVirtualObject {
+public:
+    explicit SettingsPortal(const PrivateBus& bus)
+        : bus_(QDBusConnection::connectToBus(QString::fromStdString(bus.address()), "a portal")) {
+        EXPECT_TRUE(bus_.registerVirtualObject("/org/freedesktop/portal/desktop", this));
+        EXPECT_TRUE(bus_.registerService("org.freedesktop.portal.Desktop"));
+    }
+    SettingsPortal(const SettingsPortal&) = delete;
+    SettingsPortal& operator=(const SettingsPortal&) = delete;
+    ~SettingsPortal() override { QDBusConnection::disconnectFromBus("a portal"); }
+
+    int questions = 0;
+    std::map<std::string, QVariantMap> settings;
+    std::optional<QVariant> nonsense; ///< answered instead
+
+    void sayThatASettingHasChanged() {
+        auto signal = QDBusMessage::createSignal(
+            "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings", "SettingChanged");
+        signal << "org.freedesktop.appearance"
+               << "reduced-motion" << QVariant::fromValue(QDBusVariant(0U));
+        bus_.send(signal);
+    }
+    /// Returns when the answer has come: it has, when that to a later change has.
+    void sayThatASettingHasChangedAndIsHeard() {
+        for (int i = 0; i < 2; ++i) {
+            const auto before = questions;
+            sayThatASettingHasChanged();
+            ASSERT_TRUE(serveUntil([&] { return questions == before + 1; }));
+        }
+    }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        ++questions;
+        EXPECT_EQ(message.member(), "ReadAll");
+        if (nonsense) {
+            return bus.send(message.createReply(*nonsense));
+        }
+        QDBusArgument answer;
+        answer.beginMap(QMetaType::fromType<QString>(), QMetaType::fromType<QVariantMap>());
+        for (const auto& name : message.arguments().value(0).toStringList()) {
+            if (const auto group = settings.find(name.toStdString()); group != settings.end()) {
+                answer.beginMapEntry();
+                answer << name << group->second;
+                answer.endMapEntry();
+            }
+        }
+        answer.endMap();
+        return bus.send(message.createReply(QVariant::fromValue(answer)));
+    }
+    QString introspect(const QString& /*path*/) const override { return {}; }
+
+private:
+    QDBusConnection bus_;
+};
+
+} // namespace nocta
