@@ -9,6 +9,7 @@
 #include "backends/linux/Unavailable.h"
 #include "backends/linux/gnome/MagnifierFilter.h"
 #include "backends/linux/location/GeoClueLocationManager.h"
+#include "backends/linux/shell/ColorScheme.h"
 #include "backends/linux/shell/QtAppWindows.h"
 #include "backends/linux/shell/QtApplication.h"
 #include "backends/linux/shell/QtOverlayWindows.h"
@@ -187,6 +188,7 @@ public:
 private:
     SingleInstance instance_;
     Toolkit toolkit_;
+    ColorScheme colorScheme_;
     QtRunLoop runLoop_;
     NotificationCenter notificationCenter_;
     IniDefaultsStore userDefaults_{configFolder() / "nocta" / "nocta.conf"};

@@ -1,0 +1,255 @@
+#include "backends/linux/shell/ColorScheme.h"
+
+#include "support/EventLoop.h"
+#include "support/PrivateBus.h"
+#include "support/SettingsPortal.h"
+#include "ui/Colors.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QPalette>
+#include <QProxyStyle>
+#include <QWidget>
+#include <QWindow>
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace nocta {
+namespace {
+
+constexpr auto groups = std::to_array({QPalette::Active, QPalette::Inactive, QPalette::Disabled});
+
+const QColor lightWindow(0xf4, 0xf0, 0xe8);
+const QColor darkWindow(0x10, 0x18, 0x20);
+
+/// Stands for the theme of a desktop: a style has the last word on the toolkit's own palette.
+class Theme final : public QProxyStyle {
+public:
+    explicit Theme(const QColor& window) : QProxyStyle("Fusion"), window_(window) {}
+
+    using QProxyStyle::polish;
+    void polish(QPalette& palette) override { palette = {window_, window_}; }
+
+private:
+    QColor window_;
+};
+
+class ColorSchemeTest : public ::testing::Test {
+protected:
+    PrivateBus bus{"DBUS_SESSION_BUS_ADDRESS"};
+
+    ColorSchemeTest() { setTheme(lightWindow); }
+    ~ColorSchemeTest() override { QApplication::setPalette(QPalette()); }
+
+    static void setTheme(const QColor& window) { QApplication::setStyle(new Theme(window)); }
+
+    static QColor windowColor() { return QApplication::palette().color(QPalette::Window); }
+    /// Dark, and no theme's.
+    static bool isOurs() {
+        return windowColor() != darkWindow &&
+               windowColor().lightness() <
+                   QApplication::palette().color(QPalette::WindowText).lightness();
+    }
+    /// 0: no preference, 1: dark, 2: light.
+    static void prefer(SettingsPortal& portal, const QVariant& scheme) {
+        portal.settings["org.freedesktop.appearance"]["color-scheme"] = scheme;
+    }
+    /// With ours in force, for a preference of dark.
+    static void waitForOurs(SettingsPortal& portal) {
+        prefer(portal, 1U);
+        portal.sayThatASettingHasChanged();
+        ASSERT_TRUE(serveUntil(isOurs));
+    }
+};
+
+TEST_F(ColorSchemeTest, DarkIsPreferredAtTheStart) {
+    SettingsPortal portal(bus);
+    prefer(portal, 1U);
+    QWidget window;
+    QWidget child(&window);
+    const ColorScheme scheme;
+    EXPECT_EQ(windowColor(), lightWindow) << "not known yet";
+    ASSERT_TRUE(serveUntil(isOurs));
+    EXPECT_EQ(child.palette().color(QPalette::Window), windowColor()) << "windows that are open";
+}
+
+TEST_F(ColorSchemeTest, FollowsThePreferenceBothWays) {
+    SettingsPortal portal(bus);
+    const ColorScheme scheme;
+    ASSERT_TRUE(serveUntil([&] { return portal.questions == 1; }));
+    for (const auto other : {0U, 2U}) {
+        waitForOurs(portal);
+        prefer(portal, other);
+        portal.sayThatASettingHasChanged();
+        EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }));
+    }
+    waitForOurs(portal);
+    portal.settings.clear();
+    portal.sayThatASettingHasChanged();
+    EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; })) << "known no longer";
+    EXPECT_EQ(QApplication::palette(), QPalette(lightWindow, lightWindow));
+    EXPECT_EQ(QApplication::palette().resolveMask(), 0U) << "nothing of ours is left";
+}
+
+TEST_F(ColorSchemeTest, LightPreferenceChangesNothing) {
+    SettingsPortal portal(bus);
+    const ColorScheme scheme;
+    ASSERT_TRUE(serveUntil([&] { return portal.questions == 1; }));
+    for (const auto& window : {lightWindow, darkWindow}) {
+        setTheme(window);
+        for (const auto preference : {0U, 2U}) {
+            prefer(portal, preference);
+            portal.sayThatASettingHasChangedAndIsHeard();
+            EXPECT_EQ(windowColor(), window);
+        }
+    }
+    setTheme(lightWindow);
+    waitForOurs(portal); // it was listening
+}
+
+TEST_F(ColorSchemeTest, ThemeThatIsDarkByItselfStays) {
+    SettingsPortal portal(bus);
+    prefer(portal, 1U);
+    setTheme(darkWindow);
+    const ColorScheme scheme;
+    ASSERT_TRUE(serveUntil([&] { return portal.questions == 1; }));
+    portal.sayThatASettingHasChangedAndIsHeard();
+    EXPECT_EQ(windowColor(), darkWindow);
+    EXPECT_EQ(QApplication::palette().resolveMask(), 0U);
+
+    setTheme(lightWindow);
+    EXPECT_TRUE(isOurs()) << "a light theme is known to be unwanted";
+}
+
+TEST_F(ColorSchemeTest, ThemeThatTurnsDarkTakesThePlaceOfOurs) {
+    SettingsPortal portal(bus);
+    const ColorScheme scheme;
+    waitForOurs(portal);
+    QWindow window;
+    setTheme(darkWindow);
+    QEvent themeChange(QEvent::ThemeChange); // what the toolkit sends to every window
+    QCoreApplication::sendEvent(&window, &themeChange);
+    EXPECT_EQ(windowColor(), darkWindow);
+
+    setTheme(lightWindow);
+    EXPECT_TRUE(isOurs());
+    prefer(portal, 0U);
+    portal.sayThatASettingHasChanged();
+    EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }));
+}
+
+TEST_F(ColorSchemeTest, ThemeThatChangesUnderOursIsTheOneThatComesBack) {
+    SettingsPortal portal(bus);
+    const ColorScheme scheme;
+    waitForOurs(portal);
+    const QColor another(0xe0, 0xf0, 0xff);
+    setTheme(another);
+    EXPECT_TRUE(isOurs());
+    prefer(portal, 2U);
+    portal.sayThatASettingHasChanged();
+    EXPECT_TRUE(serveUntil([&] { return windowColor() == another; }));
+}
+
+TEST_F(ColorSchemeTest, OtherSettingsChangeNoPalette) {
+    struct Counter : QObject {
+        int changes = 0;
+        bool eventFilter(QObject* watched, QEvent* event) override {
+            changes += event->type() == QEvent::ApplicationPaletteChange ? 1 : 0;
+            return QObject::eventFilter(watched, event);
+        }
+    };
+    SettingsPortal portal(bus);
+    const ColorScheme scheme;
+    waitForOurs(portal);
+    Counter counter;
+    QCoreApplication::instance()->installEventFilter(&counter);
+    portal.sayThatASettingHasChangedAndIsHeard();
+    EXPECT_EQ(counter.changes, 0);
+    prefer(portal, 0U);
+    portal.sayThatASettingHasChangedAndIsHeard();
+    EXPECT_EQ(counter.changes, 1);
+}
+
+TEST_F(ColorSchemeTest, PortalThatComesAfterTheProgramIsAsked) {
+    const ColorScheme scheme;
+    QCoreApplication::processEvents();
+    EXPECT_EQ(windowColor(), lightWindow);
+    SettingsPortal portal(bus);
+    prefer(portal, 1U);
+    EXPECT_TRUE(serveUntil(isOurs));
+}
+
+TEST_F(ColorSchemeTest, NonsenseIsNoPreference) {
+    SettingsPortal portal(bus);
+    const ColorScheme scheme;
+    for (const auto& value : {QVariant("1"), QVariant(1), QVariant(true), QVariant(7U)}) {
+        waitForOurs(portal);
+        prefer(portal, value);
+        portal.sayThatASettingHasChanged();
+        EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }));
+    }
+    waitForOurs(portal);
+    for (const auto& nonsense :
+         {QVariant("text"), QVariant(2U), QVariant(QVariantMap{{"color-scheme", 2U}})}) {
+        portal.nonsense = nonsense;
+        portal.sayThatASettingHasChangedAndIsHeard();
+        EXPECT_TRUE(isOurs()) << "no answer changes nothing";
+    }
+}
+
+TEST_F(ColorSchemeTest, EveryRoleIsDarkAndTextIsReadable) {
+    SettingsPortal portal(bus);
+    const ColorScheme scheme;
+    waitForOurs(portal);
+    const auto palette = QApplication::palette();
+    for (const auto group : groups) {
+        for (int role = 0; role < QPalette::NColorRoles; ++role) {
+            EXPECT_TRUE(role == QPalette::NoRole ||
+                        palette.isBrushSet(group, static_cast<QPalette::ColorRole>(role)))
+                << group << " " << role;
+        }
+        for (const auto ground : {QPalette::Window, QPalette::Base, QPalette::AlternateBase,
+                                  QPalette::Button, QPalette::ToolTipBase}) {
+            EXPECT_LT(palette.color(group, ground).lightness(), 64) << group << " " << ground;
+        }
+    }
+    struct Pair {
+        QPalette::ColorRole text;
+        QPalette::ColorRole ground;
+    };
+    for (const auto& [text, ground] :
+         {Pair{QPalette::WindowText, QPalette::Window}, Pair{QPalette::WindowText, QPalette::Base},
+          Pair{QPalette::Text, QPalette::Window}, Pair{QPalette::Text, QPalette::Base},
+          Pair{QPalette::Text, QPalette::AlternateBase},
+          Pair{QPalette::PlaceholderText, QPalette::Base},
+          Pair{QPalette::ButtonText, QPalette::Button},
+          Pair{QPalette::BrightText, QPalette::Window},
+          Pair{QPalette::HighlightedText, QPalette::Highlight},
+          Pair{QPalette::Link, QPalette::Window}, Pair{QPalette::Link, QPalette::Base},
+          Pair{QPalette::LinkVisited, QPalette::Window},
+          Pair{QPalette::LinkVisited, QPalette::Base},
+          Pair{QPalette::ToolTipText, QPalette::ToolTipBase}}) {
+        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+            EXPECT_GE(contrastRatio(palette.color(group, text), palette.color(group, ground)),
+                      readableContrast)
+                << group << " " << text << " on " << ground;
+        }
+        const auto disabled = contrastRatio(palette.color(QPalette::Disabled, text),
+                                            palette.color(QPalette::Disabled, ground));
+        EXPECT_GT(disabled, 2) << text << " on " << ground << " can be made out";
+        EXPECT_LT(disabled, contrastRatio(palette.color(text), palette.color(ground)));
+    }
+}
+
+TEST(ColorScheme, NothingChangesWhereThereIsNoBus) {
+    { const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS"); }
+    const auto before = QApplication::palette();
+    const ColorScheme scheme;
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QApplication::palette(), before);
+    EXPECT_EQ(QApplication::palette().resolveMask(), 0U);
+}
+
+} // namespace
+} // namespace nocta
