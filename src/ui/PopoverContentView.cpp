@@ -97,12 +97,12 @@ void PopoverContentView::addWarmth(QVBoxLayout& column) {
     slider->setObjectName(QStringLiteral("warmthSlider"));
     explain(*slider, missingForBrightness(instances_));
     auto* const choice = new QStackedLayout; // both take the same room
+    column.addLayout(choice);                // first, as it shows what is added at once
     choice->addWidget(caption);
     choice->addWidget(slider);
     follow(*caption, settings_.autoWarmthEnabled, [choice, caption, slider](bool isAutomatic) {
         choice->setCurrentWidget(isAutomatic ? static_cast<QWidget*>(caption) : slider);
     });
-    column.addLayout(choice);
 }
 
 void PopoverContentView::addEyeRelief(QVBoxLayout& column) {

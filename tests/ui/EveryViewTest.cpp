@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QEvent>
 #include <QRadioButton>
 #include <QSlider>
 #include <QSpinBox>
@@ -149,6 +150,26 @@ public:
 private:
     PseudoLocale translator_;
 };
+
+/// Counts the windows that are shown while it lives.
+struct WindowCounter : QObject {
+    int shown = 0;
+
+    WindowCounter() { QCoreApplication::instance()->installEventFilter(this); }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const auto* const widget = qobject_cast<QWidget*>(watched);
+        shown += event->type() == QEvent::Show && widget != nullptr && widget->isWindow() ? 1 : 0;
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+TEST_F(EveryViewTest, NothingIsAWindowOfItsOwnWhileTheViewIsMade) {
+    for (const auto& place : places()) {
+        const WindowCounter windows;
+        const auto made = place.make(realViews);
+        EXPECT_EQ(windows.shown, 0) << place.name;
+    }
+}
 
 TEST_F(EveryViewTest, NothingIsCutOffInEnglish) {
     visitAll([this] { expectNothingIsCutOff(); });
