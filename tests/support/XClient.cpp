@@ -89,6 +89,13 @@ double XClient::top(xcb_randr_crtc_t crtc) {
     return ramp(crtc)[0].back() / 65535.0;
 }
 
+std::uint32_t XClient::pixel(xcb_window_t window, std::int16_t x, std::int16_t y) {
+    const auto image = needed(xcb_get_image_reply(
+        x_, xcb_get_image(x_, XCB_IMAGE_FORMAT_Z_PIXMAP, window, x, y, 1, 1, ~0U), nullptr));
+    const auto* const bytes = xcb_get_image_data(image.get()); // blue comes first
+    return static_cast<std::uint32_t>(bytes[2] << 16 | bytes[1] << 8 | bytes[0]);
+}
+
 void XClient::press(xcb_keysym_t symbol) {
     hold(symbol);
     release(symbol);

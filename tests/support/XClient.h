@@ -35,6 +35,9 @@ public:
     /// The last red level in 0.0–1.0.
     double top(xcb_randr_crtc_t crtc);
 
+    /// What a window shows at a point of it, 0xRRGGBB.
+    std::uint32_t pixel(xcb_window_t window, std::int16_t x, std::int16_t y);
+
     /// Presses and releases the key that makes the symbol; one is given the symbol if none has it.
     void press(xcb_keysym_t symbol);
     void hold(xcb_keysym_t symbol);

@@ -1,5 +1,9 @@
 #include "support/NoctaProcess.h"
 
+#include "support/EventLoop.h"
+#include "support/PrivateBus.h"
+#include "support/SettingsPortal.h"
+
 #include <chrono>
 #include <csignal>
 #include <sys/wait.h>
@@ -46,6 +50,28 @@ TEST_P(NoctaProcessTest, SliderInThePopoverDimsTheScreen) {
     ASSERT_TRUE(waitForBrightness(0.0));
     client.press(0xFF57); // End
     ASSERT_TRUE(waitForBrightness(1.0));
+}
+
+TEST_P(NoctaProcessTest, WindowTurnsDarkAndLightAsTheUserPrefers) {
+    const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
+    SettingsPortal portal(bus);
+    auto& scheme = portal.settings["org.freedesktop.appearance"]["color-scheme"];
+    scheme = 1U;
+    auto variables = environment();
+    variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    nocta = std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);
+    const auto levelIsIn = [&](std::uint32_t least, std::uint32_t most) {
+        const auto windows = client.topWindows(); // the popover, as there is no tray
+        const auto blue = windows.empty() ? 256 : client.pixel(windows.back().id, 4, 4) & 0xFF;
+        return least <= blue && blue <= most;
+    };
+    ASSERT_TRUE(serveUntil([&] { return levelIsIn(0x20, 0x30); })) << contentOf(output);
+    scheme = 2U;
+    portal.sayThatASettingHasChanged();
+    ASSERT_TRUE(serveUntil([&] { return levelIsIn(0xE0, 0xFF); })) << contentOf(output);
+    scheme = 1U;
+    portal.sayThatASettingHasChanged();
+    EXPECT_TRUE(serveUntil([&] { return levelIsIn(0x20, 0x30); }));
 }
 
 TEST_P(NoctaProcessTest, SecondStartBeforeThePanelsTimeLeavesThePopoverOpen) {
