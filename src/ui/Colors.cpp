@@ -32,7 +32,7 @@ double leastContrast(const QColor& color, const QPalette& palette) {
 } // namespace
 
 double contrastRatio(const QColor& a, const QColor& b) {
-    const auto [darker, lighter] = std::minmax(relativeLuminance(a), relativeLuminance(b));
+    const auto [darker, lighter] = std::minmax({relativeLuminance(a), relativeLuminance(b)});
     return (lighter + 0.05) / (darker + 0.05);
 }
 
