@@ -17,6 +17,7 @@
 #include <benchmark/benchmark.h>
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
@@ -24,8 +25,11 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace nocta {
 namespace {
@@ -209,6 +213,8 @@ void startToTrayIcon(benchmark::State& state) {
         {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home.path() + "/no-bus"}};
     const auto crtc = client.activeCrtcs().at(0);
     const auto factory = client.ramp(crtc);
+    std::filesystem::create_directories(home.path() + "/.config/nocta");
+    writeFile(home.path() + "/.config/nocta/nocta.conf", "[General]\nisFirstLaunch=false\n");
     Tray tray;
     double program = 0;
     double guardian = 0;
@@ -228,6 +234,131 @@ void startToTrayIcon(benchmark::State& state) {
     state.counters["guardian_KiB"] = guardian;
 }
 BENCHMARK(startToTrayIcon)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
+
+/// The program with a window manager and a panel, and a person at the mouse.
+class Person {
+public:
+    Person() {
+        std::filesystem::create_directories(home_.path() + "/.config/nocta");
+        writeFile(home_.path() + "/.config/nocta/nocta.conf",
+                  "[General]\nautoWarmthEnabled=false\nisFirstLaunch=false\n");
+        windowManager_ = start("openbox");
+        waitUntil([&] { return client_.hasWindowManager(); });
+        panel_ = start("tint2");
+        nocta_ = start(programFolder() + "/nocta");
+        waitUntil([&] { // for an icon that is drawn, when the panel has placed it
+            const auto found = icons();
+            return !found.empty() && std::ranges::any_of(client_.picture(found.front()),
+                                                         [](auto level) { return level > 200; });
+        });
+    }
+
+    /// Clicks the icon and returns when the popover can be seen with its slider.
+    void openPopover() {
+        const auto icon = icons().front();
+        client_.click(icon.x + icon.width / 2, icon.y + icon.height / 2);
+        while (!isSliderSeen()) {
+        }
+    }
+    void closePopover() {
+        client_.click(5, 5); // and the next click on the icon makes no double one
+        while (!client_.windowsOfSize(300, 280).empty()) {
+        }
+    }
+    void openAndClosePreferences() {
+        openPopover();
+        client_.click(popover()->x + 43, popover()->y + 262);
+        const auto preferences = [&] {
+            return find(
+                [&](const auto& w) { return client_.nameOf(w.id) == "Preferences — Nocta"; });
+        };
+        while (preferences().empty() || client_.focus() != preferences().front().id) {
+        }
+        client_.askToClose(preferences().front().id);
+        while (!preferences().empty()) {
+        }
+    }
+    double memory() const { return proportionalSetSize(nocta_->id()); }
+
+private:
+    std::vector<XClient::TopWindow>
+    find(const std::function<bool(const XClient::TopWindow&)>& matches) {
+        return client_.windows(matches);
+    }
+    std::vector<XClient::TopWindow> icons() {
+        return find([&](const auto& w) {
+            return w.width < 64 && w.height < 64 && client_.hasProperty(w.id, "_XEMBED_INFO");
+        });
+    }
+    /// It is on the root window, above all others.
+    std::optional<XClient::TopWindow> popover() {
+        const auto top = client_.topWindows().back();
+        return top.width == 300 && top.height == 280 ? std::optional(top) : std::nullopt;
+    }
+    /// The filled track is the one thing in that line that has a color.
+    bool isSliderSeen() {
+        const auto found = popover();
+        if (!found) {
+            return false;
+        }
+        auto track = *found;
+        track.x += 40;
+        track.y += 44;
+        track.width = 1;
+        track.height = 1;
+        const auto pixel = client_.picture(track);
+        return pixel[0] + 60 < pixel[2]; // less blue than red
+    }
+    std::unique_ptr<Process> start(const std::string& program) {
+        return std::make_unique<Process>(
+            std::vector{program},
+            Process::Environment{
+                {"HOME", home_.path()},
+                {"XDG_CONFIG_HOME", ""},
+                {"XDG_RUNTIME_DIR", home_.path()},
+                {"WAYLAND_DISPLAY", ""},
+                {"SESSION_MANAGER", ""},
+                {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home_.path() + "/no-bus"}},
+            home_.path() + "/output");
+    }
+
+    XServer server_{XServer::Kind::xorgDummy};
+    XClient client_;
+    TemporaryFolder home_;
+    std::unique_ptr<Process> windowManager_;
+    std::unique_ptr<Process> panel_;
+    std::unique_ptr<Process> nocta_;
+};
+
+/// From a click on the icon until another client sees the popover's slider.
+void clickToPopover(benchmark::State& state) {
+    Person person;
+    person.openPopover(); // the fonts are read once
+    person.closePopover();
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        person.openPopover();
+        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+        state.SetIterationTime(taken.count());
+        person.closePopover();
+    }
+}
+BENCHMARK(clickToPopover)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
+
+/// What the program holds in memory at rest, and after each of its windows was opened and closed.
+void memoryAfterWindows(benchmark::State& state) {
+    Person person;
+    state.counters["atRest_KiB"] = person.memory();
+    int rounds = 0;
+    for (auto _ : state) {
+        person.openAndClosePreferences();
+        if (++rounds == 1) {
+            state.counters["afterOne_KiB"] = person.memory();
+        }
+    }
+    state.counters["afterAll_KiB"] = person.memory();
+}
+BENCHMARK(memoryAfterWindows)->Iterations(10)->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace nocta
