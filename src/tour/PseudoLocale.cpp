@@ -11,6 +11,7 @@ constexpr double growth = 0.4;
 
 const auto plain = QStringLiteral("AEIOUYaceinosuyz");
 const auto accented = QStringLiteral("ÅÉÎÖÛÝåçéîñöšûýž");
+const auto rightToLeftMark = QChar(0x200F);
 const auto opening = QLatin1Char('[');
 const auto closing = QLatin1Char(']');
 
@@ -27,7 +28,11 @@ QString PseudoLocale::translate(const char* context, const char* source,
         return {};
     }
     const auto english = QString::fromUtf8(source);
-    QString text(opening);
+    QString text;
+    if (direction_ == Qt::RightToLeft) {
+        text += rightToLeftMark;
+    }
+    text += opening;
     for (qsizetype i = 0; i < english.size(); ++i) {
         if (english[i] == QLatin1Char('%') && i + 1 < english.size()) { // a place for a value
             text += english[i++];

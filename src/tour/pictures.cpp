@@ -32,6 +32,7 @@ using namespace std::chrono_literals;
 constexpr QSize screenSize(960, 600); // points
 constexpr QSize popoverSize(300, 280);
 constexpr QSize onboardingSize(500, 580);
+constexpr qreal popoverRadius = 12;
 constexpr int sheetMargin = 16;
 constexpr qsizetype mostOnSheet = 12;
 
@@ -42,6 +43,7 @@ struct Stage {
     WidgetViews views{instances};
     std::unique_ptr<View> view;
     QSize leastSize;
+    enum class Ground { window, popover, desktop } ground = Ground::window;
 
     Stage() {
         desktop.workspace.reducesMotion = true;
@@ -64,6 +66,7 @@ void openPopover(Stage& stage, const BreakState& state, bool isAutomatic = true)
     stage.instances.breakTimer().state.set(state);
     stage.view = stage.views.makePopoverContentView([] {});
     stage.leastSize = popoverSize;
+    stage.ground = Stage::Ground::popover;
 }
 
 void openPreferences(Stage& stage, int tab) {
@@ -93,6 +96,7 @@ void openBreak(Stage& stage) {
     stage.desktop.runLoop.advance(60s);
     stage.view = stage.views.makeBreakOverlayView([] {}, [] {});
     stage.leastSize = screenSize;
+    stage.ground = Stage::Ground::desktop;
 }
 
 using Scenes = std::vector<Scene>;
@@ -171,6 +175,23 @@ void paintDesktop(QPainter& painter) {
     }
 }
 
+void paintGround(QPainter& painter, const Stage& stage) {
+    const auto& widget = stage.widget();
+    switch (stage.ground) {
+    case Stage::Ground::desktop:
+        paintDesktop(painter);
+        break;
+    case Stage::Ground::popover:
+        painter.setPen(QPen(widget.palette().mid(), 1));
+        painter.setBrush(widget.palette().window());
+        painter.drawRoundedRect(QRectF(widget.rect()).adjusted(0.5, 0.5, -0.5, -0.5), popoverRadius,
+                                popoverRadius);
+        break;
+    case Stage::Ground::window:
+        painter.fillRect(widget.rect(), widget.palette().window());
+    }
+}
+
 /// As the window around it would do it: a wrapped text needs more height the narrower it is.
 void fit(QWidget& widget, const QSize& least) {
     auto size = widget.minimumSizeHint().expandedTo(widget.minimumSize()).expandedTo(least);
@@ -188,22 +209,20 @@ QImage drawn(const Scene& scene, qreal scale) {
     fit(widget, stage.leastSize);
     widget.show();
     fit(widget, stage.leastSize);
-    if (stage.leastSize == screenSize) {
-        stage.desktop.runLoop.advance(7s);
+    if (stage.ground == Stage::Ground::desktop) {
+        stage.desktop.runLoop.advance(7s); // into the break
     }
-
-    QImage picture(widget.size() * scale, QImage::Format_RGB32);
+    QImage picture(widget.size() * scale, QImage::Format_ARGB32_Premultiplied);
     picture.setDevicePixelRatio(scale);
-    picture.fill(widget.palette().color(QPalette::Window));
+    picture.fill(Qt::transparent);
     QPainter painter(&picture);
-    if (stage.leastSize == screenSize) {
-        paintDesktop(painter);
-    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintGround(painter, stage);
     widget.render(&painter, {}, {}, QWidget::DrawChildren);
     return picture;
 }
 
-/// Side by side, in as many rows as make it no wider than three.
+/// Side by side, in as many rows as make it no wider than four.
 QImage sheet(const Scenes& scenes, qreal scale) {
     std::vector<QImage> pictures;
     QSize cell;
@@ -303,12 +322,15 @@ int main(int argumentCount, char** arguments) {
     for (const auto scale : {1.0, 2.0}) {
         isComplete &= drawSheets(sheets, QStringLiteral("light"), scale);
     }
-    PseudoLocale pseudoLocale;
-    QCoreApplication::installTranslator(&pseudoLocale);
-    isComplete &= drawSheets(sheets, QStringLiteral("pseudo"), 1);
-    QCoreApplication::removeTranslator(&pseudoLocale);
-    QApplication::setLayoutDirection(Qt::RightToLeft);
-    isComplete &= drawSheets(sheets, QStringLiteral("mirrored"), 1);
+    for (const auto direction : {Qt::LeftToRight, Qt::RightToLeft}) {
+        PseudoLocale pseudoLocale(direction);
+        QCoreApplication::installTranslator(&pseudoLocale);
+        QApplication::setLayoutDirection(direction);
+        isComplete &= drawSheets(sheets,
+                                 direction == Qt::LeftToRight ? QStringLiteral("pseudo")
+                                                              : QStringLiteral("mirrored"),
+                                 1);
+    }
     QApplication::setLayoutDirection(Qt::LeftToRight);
     QApplication::setPalette(darkPalette());
     for (const auto scale : {1.0, 2.0}) {
