@@ -1,19 +1,16 @@
 #include "ui/PopoverContentView.h"
 
 #include "ui/Binding.h"
-#include "ui/Colors.h"
 #include "ui/Descriptions.h"
 #include "ui/Missing.h"
+#include "ui/SettingControls.h"
 #include "ui/Text.h"
-#include "ui/controls/CustomSlider.h"
 #include "ui/controls/FocusRing.h"
 #include "ui/controls/FooterButton.h"
 #include "ui/controls/Hairline.h"
 #include "ui/controls/Label.h"
 #include "ui/controls/SegmentedPicker.h"
-#include "ui/controls/Switch.h"
 #include "ui/controls/SymbolView.h"
-#include "ui/controls/WarmthSlider.h"
 
 #include <QHBoxLayout>
 #include <QStackedLayout>
@@ -48,7 +45,7 @@ PopoverContentView::PopoverContentView(SharedInstances& instances,
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(sideMargin, topMargin, sideMargin, bottomMargin);
     column->setSpacing(0);
-    addBrightness(*column);
+    column->addWidget(makeBrightnessField(instances));
     column->addSpacing(sectionSpacing);
     addWarmth(*column);
     column->addSpacing(sectionSpacing);
@@ -59,24 +56,6 @@ PopoverContentView::PopoverContentView(SharedInstances& instances,
     column->addWidget(new Hairline);
     column->addSpacing(sectionSpacing / 2);
     addFooter(*column, std::move(showPreferences));
-}
-
-void PopoverContentView::addBrightness(QVBoxLayout& column) {
-    auto* const heading = new QHBoxLayout;
-    heading->addWidget(new Label(Text::tr("Brightness")));
-    heading->addStretch();
-    auto* const value = new Label({});
-    value->setObjectName(QStringLiteral("brightnessValue"));
-    follow(*value, settings_.unifiedBrightness,
-           [value](double brightness) { value->setText(percentage(brightness)); });
-    heading->addWidget(value);
-    column.addLayout(heading);
-
-    auto* const slider = new CustomSlider(Text::tr("Brightness"), settings_.unifiedBrightness,
-                                          {.lower = 0, .upper = 1}, accentColor);
-    slider->setObjectName(QStringLiteral("brightnessSlider"));
-    explain(*slider, missingForBrightness(instances_));
-    column.addWidget(slider);
 }
 
 void PopoverContentView::addWarmth(QVBoxLayout& column) {
@@ -93,9 +72,7 @@ void PopoverContentView::addWarmth(QVBoxLayout& column) {
     column.addLayout(heading);
 
     auto* const caption = new Label(Text::tr("Adjusts with sunset"), TextStyle::secondary);
-    auto* const slider = new WarmthSlider(Text::tr("Warmth"), settings_.warmthLevel);
-    slider->setObjectName(QStringLiteral("warmthSlider"));
-    explain(*slider, missingForBrightness(instances_));
+    auto* const slider = makeWarmthSlider(instances_);
     auto* const choice = new QStackedLayout; // both take the same room
     column.addLayout(choice);                // first, as it shows what is added at once
     choice->addWidget(caption);
@@ -108,19 +85,13 @@ void PopoverContentView::addWarmth(QVBoxLayout& column) {
 void PopoverContentView::addEyeRelief(QVBoxLayout& column) {
     auto* const row = makeRow();
     row->addWidget(new SymbolView(QStringLiteral("circle.lefthalf.filled"), symbolSize));
-    auto* const toggle = new Switch(Text::tr("Eye Relief"));
-    toggle->setObjectName(QStringLiteral("grayscaleToggle"));
-    bind(*toggle, settings_.grayscaleEnabled);
-    explain(*toggle, missingForGrayscale(instances_));
-    row->addWidget(toggle);
+    row->addWidget(makeGrayscaleToggle(Text::tr("Eye Relief"), instances_));
     column.addLayout(row);
 }
 
 void PopoverContentView::addBreakTimer(QVBoxLayout& column) {
-    auto* const toggle = new Switch(Text::tr("Break Timer"));
-    toggle->setObjectName(QStringLiteral("breakTimerToggle"));
-    bind(*toggle, settings_.breakTimerEnabled);
-    column.addWidget(toggle);
+    column.addWidget(
+        makeToggle(Text::tr("Break Timer"), "breakTimerToggle", settings_.breakTimerEnabled));
 
     auto* const status = new Label({}, TextStyle::secondary);
     status->setObjectName(QStringLiteral("breakStatus"));

@@ -15,7 +15,6 @@ public:
     PopoverContentView(SharedInstances& instances, std::function<void()> showPreferences);
 
 private:
-    void addBrightness(QVBoxLayout& column);
     void addWarmth(QVBoxLayout& column);
     void addEyeRelief(QVBoxLayout& column);
     void addBreakTimer(QVBoxLayout& column);

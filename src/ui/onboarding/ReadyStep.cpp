@@ -1,8 +1,7 @@
 #include "ui/onboarding/ReadyStep.h"
 
-#include "ui/Binding.h"
+#include "ui/SettingControls.h"
 #include "ui/Text.h"
-#include "ui/controls/Switch.h"
 #include "ui/controls/SymbolView.h"
 #include "ui/onboarding/StepLayout.h"
 
@@ -23,10 +22,7 @@ ReadyStep::ReadyStep(LaunchAtLoginService& launchService) {
         0, new SymbolView(QStringLiteral("checkmark.circle.fill"), emblemSize, SymbolColor::accent),
         0, Qt::AlignHCenter);
     column->insertStretch(0);
-    auto* const launch = new Switch(Text::tr("Launch Nocta at login"));
-    launch->setObjectName(QStringLiteral("launchAtLoginToggle"));
-    bind(*launch, launchService.isEnabled,
-         [&launchService](bool on) { on ? launchService.enable() : launchService.disable(); });
+    auto* const launch = makeLaunchAtLoginToggle(Text::tr("Launch Nocta at login"), launchService);
     launch->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     column->addWidget(launch, 0, Qt::AlignHCenter);
     column->addStretch();

@@ -1,15 +1,9 @@
 #include "ui/onboarding/StyleSelectionStep.h"
 
-#include "ui/Binding.h"
-#include "ui/Colors.h"
-#include "ui/Descriptions.h"
-#include "ui/Missing.h"
+#include "ui/SettingControls.h"
 #include "ui/Text.h"
-#include "ui/controls/CustomSlider.h"
 #include "ui/controls/DisclosureButton.h"
 #include "ui/controls/Label.h"
-#include "ui/controls/Switch.h"
-#include "ui/controls/WarmthSlider.h"
 #include "ui/onboarding/ProfileCard.h"
 #include "ui/onboarding/StepLayout.h"
 
@@ -47,25 +41,10 @@ QWidget* StyleSelectionStep::makeAdjustments(SharedInstances& instances) {
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(adjustmentSpacing);
 
-    auto* const heading = new QHBoxLayout;
-    heading->addWidget(new Label(Text::tr("Brightness")));
-    heading->addStretch();
-    auto* const value = new Label({});
-    follow(*value, settings_.unifiedBrightness,
-           [value](double brightness) { value->setText(percentage(brightness)); });
-    heading->addWidget(value);
-    column->addLayout(heading);
-    auto* const brightness = new CustomSlider(Text::tr("Brightness"), settings_.unifiedBrightness,
-                                              {.lower = 0, .upper = 1}, accentColor);
-    brightness->setObjectName(QStringLiteral("brightnessSlider"));
-    explain(*brightness, missingForBrightness(instances));
-    column->addWidget(brightness);
+    column->addWidget(makeBrightnessField(instances));
 
     column->addWidget(new Label(Text::tr("Warmth")));
-    auto* const warmth = new WarmthSlider(Text::tr("Warmth"), settings_.warmthLevel);
-    warmth->setObjectName(QStringLiteral("warmthSlider"));
-    explain(*warmth, missingForBrightness(instances));
-    column->addWidget(warmth);
+    column->addWidget(makeWarmthSlider(instances));
     auto* const ends = new QHBoxLayout;
     ends->addWidget(new Label(Text::tr("Cool"), TextStyle::note));
     ends->addStretch();
@@ -74,15 +53,9 @@ QWidget* StyleSelectionStep::makeAdjustments(SharedInstances& instances) {
     ends->addWidget(new Label(Text::tr("Warm"), TextStyle::note));
     column->addLayout(ends);
 
-    auto* const grayscale = new Switch(Text::tr("Eye Relief mode"));
-    grayscale->setObjectName(QStringLiteral("grayscaleToggle"));
-    bind(*grayscale, settings_.grayscaleEnabled);
-    explain(*grayscale, missingForGrayscale(instances));
-    column->addWidget(grayscale);
-    auto* const breaks = new Switch(Text::tr("Break reminders"));
-    breaks->setObjectName(QStringLiteral("breakTimerToggle"));
-    bind(*breaks, settings_.breakTimerEnabled);
-    column->addWidget(breaks);
+    column->addWidget(makeGrayscaleToggle(Text::tr("Eye Relief mode"), instances));
+    column->addWidget(
+        makeToggle(Text::tr("Break reminders"), "breakTimerToggle", settings_.breakTimerEnabled));
     return adjustments;
 }
 

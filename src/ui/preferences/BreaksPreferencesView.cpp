@@ -2,10 +2,10 @@
 
 #include "ui/Binding.h"
 #include "ui/Descriptions.h"
+#include "ui/SettingControls.h"
 #include "ui/Text.h"
 #include "ui/controls/Label.h"
 #include "ui/controls/NumberPicker.h"
-#include "ui/controls/Switch.h"
 
 #include <array>
 #include <cstdint>
@@ -20,9 +20,6 @@ constexpr std::array<std::int64_t, 8> offeredSeconds = {10, 15, 20, 30, 45, 60, 
 BreaksPreferencesView::BreaksPreferencesView(SharedInstances& instances) {
     auto& settings = instances.settingsManager();
 
-    auto* const enabled = new Switch(Text::tr("Enable break reminders"));
-    enabled->setObjectName(QStringLiteral("breakTimerToggle"));
-    bind(*enabled, settings.breakTimerEnabled);
     auto* const interval =
         new NumberPicker(Text::tr("Interval"), settings.breakIntervalMinutes, offeredMinutes,
                          [](std::int64_t minutes) {
@@ -34,15 +31,14 @@ BreaksPreferencesView::BreaksPreferencesView(SharedInstances& instances) {
         [](std::int64_t seconds) { return Text::tr("%n seconds", nullptr, countOf(seconds)); });
     duration->setObjectName(QStringLiteral("durationPicker"));
     auto* const timer = addSection(Text::tr("Break Timer"));
-    timer->add(enabled);
+    timer->add(makeToggle(Text::tr("Enable break reminders"), "breakTimerToggle",
+                          settings.breakTimerEnabled));
     timer->addRow(Text::tr("Interval"), interval);
     timer->addRow(Text::tr("Break duration"), duration);
 
-    auto* const meetings = new Switch(Text::tr("Suspend during meetings"));
-    meetings->setObjectName(QStringLiteral("suspendDuringMeetingsToggle"));
-    bind(*meetings, settings.suspendDuringMeetings);
     auto* const smart = addSection(Text::tr("Smart Features"));
-    smart->add(meetings);
+    smart->add(makeToggle(Text::tr("Suspend during meetings"), "suspendDuringMeetingsToggle",
+                          settings.suspendDuringMeetings));
     smart->addNote(Text::tr("Automatically pauses break reminders when Zoom, Google Meet, or Teams "
                             "is active."));
 

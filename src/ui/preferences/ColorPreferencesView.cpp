@@ -3,12 +3,11 @@
 #include "ui/Binding.h"
 #include "ui/Descriptions.h"
 #include "ui/Missing.h"
+#include "ui/SettingControls.h"
 #include "ui/Text.h"
 #include "ui/controls/KelvinField.h"
 #include "ui/controls/Label.h"
-#include "ui/controls/Switch.h"
 #include "ui/controls/SymbolView.h"
-#include "ui/controls/WarmthSlider.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -59,24 +58,17 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
     auto& settings = instances.settingsManager();
 
     auto* const manual = addSection(Text::tr("Manual Warmth"));
-    auto* const value = new Label({});
-    follow(*value, settings.warmthLevel,
-           [value](double warmth) { value->setText(percentage(warmth)); });
-    manual->addRow(Text::tr("Warmth"), value);
-    auto* const slider = new WarmthSlider(Text::tr("Warmth"), settings.warmthLevel);
-    slider->setObjectName(QStringLiteral("warmthSlider"));
-    explain(*slider, missingForBrightness(instances));
+    manual->add(makeLevelHeading(Text::tr("Warmth"), "warmthValue", settings.warmthLevel));
+    auto* const slider = makeWarmthSlider(instances);
     manual->add(slider);
     auto* const note = makeGrayscaleNote();
     manual->add(note);
 
-    auto* const automatic = new Switch(Text::tr("Auto-adjust based on time"));
-    automatic->setObjectName(QStringLiteral("autoWarmthToggle"));
-    bind(*automatic, settings.autoWarmthEnabled);
+    auto* const automatic = makeToggle(Text::tr("Auto-adjust based on time"), "autoWarmthToggle",
+                                       settings.autoWarmthEnabled);
     explain(*automatic, missingForBrightness(instances));
-    auto* const location = new Switch(Text::tr("Use my location"));
-    location->setObjectName(QStringLiteral("locationToggle"));
-    bind(*location, settings.locationEnabled);
+    auto* const location =
+        makeToggle(Text::tr("Use my location"), "locationToggle", settings.locationEnabled);
     explain(*location, missingForLocation(instances));
     auto* const temperatures = new QWidget;
     auto* const rows = new QGridLayout(temperatures);

@@ -1,11 +1,10 @@
 #include "ui/preferences/GeneralPreferencesView.h"
 
 #include "ui/Binding.h"
-#include "ui/Missing.h"
+#include "ui/SettingControls.h"
 #include "ui/Text.h"
 #include "ui/controls/ActionButton.h"
 #include "ui/controls/SegmentedPicker.h"
-#include "ui/controls/Switch.h"
 
 namespace nocta {
 
@@ -27,13 +26,10 @@ QString nameOf(MenuBarIcon icon) {
 
 GeneralPreferencesView::GeneralPreferencesView(SharedInstances& instances) {
     auto& settings = instances.settingsManager();
-    auto& launchService = instances.launchAtLoginService();
 
-    auto* const launch = new Switch(Text::tr("Launch at login"));
-    launch->setObjectName(QStringLiteral("launchAtLoginToggle"));
-    bind(*launch, launchService.isEnabled,
-         [&launchService](bool on) { on ? launchService.enable() : launchService.disable(); });
-    addSection(Text::tr("Startup"))->add(launch);
+    addSection(Text::tr("Startup"))
+        ->add(
+            makeLaunchAtLoginToggle(Text::tr("Launch at login"), instances.launchAtLoginService()));
 
     std::vector<SegmentLook> looks;
     std::vector<MenuBarIcon> icons(allMenuBarIcons.begin(), allMenuBarIcons.end());
@@ -45,12 +41,8 @@ GeneralPreferencesView::GeneralPreferencesView(SharedInstances& instances) {
     bind(*picker, settings.menuBarIcon, icons);
     addSection(Text::tr("Menu Bar Icon"))->add(picker);
 
-    auto* const grayscale = new Switch(Text::tr("Eye Relief mode"));
-    grayscale->setObjectName(QStringLiteral("grayscaleToggle"));
-    bind(*grayscale, settings.grayscaleEnabled);
-    explain(*grayscale, missingForGrayscale(instances));
     auto* const eyeRelief = addSection(Text::tr("Eye Relief"));
-    eyeRelief->add(grayscale);
+    eyeRelief->add(makeGrayscaleToggle(Text::tr("Eye Relief mode"), instances));
     eyeRelief->addNote(Text::tr("Switches your display to black & white, reducing eye strain and "
                                 "making apps less appealing."));
 
