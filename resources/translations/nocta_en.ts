@@ -484,5 +484,17 @@
         <source>Minimal distractions</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Open</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Closed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The desktop&apos;s settings do not allow Nocta to know the location.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

@@ -6,18 +6,15 @@ namespace {
 constexpr double popoverWidth = 300;  // points
 constexpr double popoverHeight = 280; // points
 
-constexpr std::uint32_t titled = 1;
-constexpr std::uint32_t closable = 2;
-constexpr std::uint32_t miniaturizable = 4;
-constexpr AppWindows::WindowLevel floating = 3;
-
-constexpr AppWindows::Style preferencesStyle = {.title = "Preferences",
-                                                .styleMask = titled | closable | miniaturizable};
+constexpr AppWindows::Style preferencesStyle = {
+    .title = "Preferences",
+    .styleMask = AppWindows::titled | AppWindows::closable | AppWindows::miniaturizable};
 constexpr AppWindows::Style onboardingStyle = {.title = "Welcome to Nocta",
                                                .width = 500,
                                                .height = 580,
-                                               .styleMask = titled | closable,
-                                               .level = floating};
+                                               .styleMask =
+                                                   AppWindows::titled | AppWindows::closable,
+                                               .level = AppWindows::floatingLevel};
 } // namespace
 
 // The members' order is the order in which the services are first made.
@@ -36,7 +33,8 @@ AppDelegate::AppDelegate(SharedInstances& instances, Views& views)
       shortcutsManager_(instances.shortcutsManager()),
       launchAtLoginService_(instances.launchAtLoginService()),
       brightnessApplier_(instances.brightnessApplier()),
-      appMonitorService_(instances.appMonitorService()) {}
+      appMonitorService_(instances.appMonitorService()),
+      closeOnboarding_(desktop_.runLoop, [this] { onboardingWindow_.reset(); }) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
     makeStatusItem();
@@ -183,8 +181,7 @@ void AppDelegate::showOnboardingWindow() {
 }
 
 void AppDelegate::completeOnboarding() {
-    // Later, as it is the window's own button that completes.
-    desktop_.runLoop.post([this] { onboardingWindow_.reset(); });
+    closeOnboarding_.request(); // later, as it is the window's own button that completes
     settingsManager_.isFirstLaunch.set(false);
 }
 

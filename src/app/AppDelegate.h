@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/SharedInstances.h"
+#include "base/Deferred.h"
 #include "base/Subscription.h"
 #include "breaks/BreakOverlayController.h"
 #include "platform/AppWindows.h"
@@ -65,6 +66,7 @@ private:
     std::unique_ptr<AppWindow> preferencesWindow_; ///< while it is open
     std::unique_ptr<AppWindow> onboardingWindow_;  ///< while it is open
     bool servicesStarted_ = false;
+    Deferred closeOnboarding_;
     Cancellables cancellables_;
 };
 

@@ -22,16 +22,22 @@ class AppWindows {
 public:
     using WindowLevel = std::int64_t;
 
+    // Bits of a style mask.
+    static constexpr std::uint32_t titled = 1;
+    static constexpr std::uint32_t closable = 2;
+    static constexpr std::uint32_t miniaturizable = 4;
+
+    static constexpr WindowLevel normalLevel = 0;
+    static constexpr WindowLevel floatingLevel = 3;
+
     struct Style {
         std::string_view title; ///< in English
         /// Of the content, in points; 0 is what the content wishes. A content that needs more has
         /// it.
         double width = 0;
         double height = 0;
-        /// A mask of 1, titled, 2, closable, and 4, can be minimised.
         std::uint32_t styleMask = 0;
-        /// 0 is normal, 3 floats above the normal ones.
-        WindowLevel level = 0;
+        WindowLevel level = normalLevel;
     };
 
     virtual ~AppWindows() = default;

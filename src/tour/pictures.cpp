@@ -34,7 +34,6 @@ constexpr QSize popoverSize(300, 280);
 constexpr QSize onboardingSize(500, 580);
 constexpr qreal popoverRadius = 12;
 constexpr int sheetMargin = 16;
-constexpr qsizetype mostOnSheet = 12;
 
 /// The program over a virtual desktop, and the view that is looked at.
 struct Stage {
@@ -295,7 +294,6 @@ bool drawSheets(const QString& folder, const QString& look, qreal scale) {
         std::pair{QStringLiteral("onboarding"), onboarding()},
         std::pair{QStringLiteral("break"), breaks()}};
     for (const auto& [name, scenes] : groups) {
-        Q_ASSERT(static_cast<qsizetype>(scenes.size()) <= mostOnSheet);
         isComplete &= save(
             sheet(scenes, scale),
             QStringLiteral("%1/%2-%3-%4.png").arg(folder, name, look).arg(qRound(scale * 100)));

@@ -1,6 +1,5 @@
 #include "ui/BreakButtonStyle.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace nocta {
@@ -48,20 +47,12 @@ void BreakButtonStyle::paint(QPushButton& button) const {
 }
 
 BreakButton::BreakButton(const QString& text, BreakButtonStyle style)
-    : QPushButton(text), style_(style) {
+    : Button(text), style_(style) {
     setFocusPolicy(Qt::StrongFocus);
 }
 
 void BreakButton::paintEvent(QPaintEvent* /*event*/) {
     style_.paint(*this);
-}
-
-void BreakButton::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        click();
-    } else {
-        QPushButton::keyPressEvent(event);
-    }
 }
 
 } // namespace nocta

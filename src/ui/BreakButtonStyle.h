@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QPushButton>
+#include "ui/controls/Button.h"
+
 #include <QString>
 
 namespace nocta {
@@ -13,9 +14,8 @@ struct BreakButtonStyle {
     void paint(QPushButton& button) const;
 };
 
-/// A button of the break overlay. Enter presses it when it has the focus; Space belongs to the
-/// overlay.
-class BreakButton final : public QPushButton {
+/// A button of the break overlay. Space belongs to the overlay.
+class BreakButton final : public Button {
 public:
     BreakButton(const QString& text, BreakButtonStyle style);
 
@@ -24,7 +24,6 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     BreakButtonStyle style_;

@@ -19,11 +19,15 @@ void install(QTranslator& translator, const QLocale& locale, const QString& name
 Language::Language(const QLocale& locale) {
     install(toolkit_, locale, QStringLiteral("qtbase"),
             QLibraryInfo::path(QLibraryInfo::TranslationsPath));
-    install(own_, locale, QStringLiteral("nocta"), QStringLiteral(":/translations"));
+    for (auto* const translator : {&english_, &own_}) { // the last one is asked first
+        install(*translator, translator == &own_ ? locale : QLocale(QLocale::English),
+                QStringLiteral("nocta"), QStringLiteral(":/translations"));
+    }
 }
 
 Language::~Language() {
     QCoreApplication::removeTranslator(&own_);
+    QCoreApplication::removeTranslator(&english_);
     QCoreApplication::removeTranslator(&toolkit_);
 }
 

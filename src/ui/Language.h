@@ -15,6 +15,7 @@ public:
     ~Language();
 
 private:
+    QTranslator english_; ///< for its plural forms
     QTranslator own_;
     QTranslator toolkit_;
 };

@@ -17,17 +17,18 @@ QString missingForGrayscale(SharedInstances& instances) {
 }
 
 QString missingForLocation(SharedInstances& instances) {
-    return instances.desktop().locationManager.authorizationStatus() ==
-                   AuthorizationStatus::restricted
-               ? Text::tr("This desktop has no location service that answers.")
-               : QString();
+    switch (instances.locationService().authorizationStatus.get()) {
+    case AuthorizationStatus::restricted:
+        return Text::tr("This desktop has no location service that answers.");
+    case AuthorizationStatus::denied:
+        return Text::tr("The desktop's settings do not allow Nocta to know the location.");
+    default:
+        return {};
+    }
 }
 
 void explain(QWidget& control, const QString& text) {
-    if (!text.isEmpty()) {
-        control.setToolTip(text);
-        control.setAccessibleDescription(text);
-    }
+    control.setToolTip(text); // which a screen reader is given as well
 }
 
 } // namespace nocta

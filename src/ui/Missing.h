@@ -13,7 +13,7 @@ QString missingForBrightness(SharedInstances& instances);
 QString missingForGrayscale(SharedInstances& instances);
 QString missingForLocation(SharedInstances& instances);
 
-/// As a tool tip, and as a description for a screen reader. An empty text changes nothing.
+/// As a tool tip; an empty text takes it away.
 void explain(QWidget& control, const QString& text);
 
 } // namespace nocta

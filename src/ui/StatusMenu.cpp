@@ -5,6 +5,8 @@
 #include "ui/Percent.h"
 #include "ui/Text.h"
 
+#include <QActionGroup>
+
 #include <array>
 #include <utility>
 
@@ -12,7 +14,14 @@ namespace nocta {
 
 namespace {
 constexpr std::array offeredPercents = {100, 75, 50, 25, 0};
+
+/// Of which one is taken, or none.
+QActionGroup* makeChoices(QMenu& menu) {
+    auto* const choices = new QActionGroup(&menu);
+    choices->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
+    return choices;
 }
+} // namespace
 
 StatusMenu::StatusMenu(SharedInstances& instances, std::function<void()> showPreferences) {
     auto& settings = instances.settingsManager();
@@ -29,8 +38,10 @@ StatusMenu::StatusMenu(SharedInstances& instances, std::function<void()> showPre
 
 void StatusMenu::addBrightness(SettingsManager& settings) {
     auto* const menu = addMenu(Text::tr("Brightness"));
+    auto* const choices = makeChoices(*menu);
     for (const auto percent : offeredPercents) {
-        auto* const item = menu->addAction(percentage(fractionOfPercent(percent)));
+        auto* const item = choices->addAction(percentage(fractionOfPercent(percent)));
+        menu->addAction(item);
         item->setCheckable(true);
         bind(
             *item, settings.unifiedBrightness,
@@ -47,8 +58,10 @@ void StatusMenu::addBrightness(SettingsManager& settings) {
 
 void StatusMenu::addWarmth(SettingsManager& settings) {
     auto* const menu = addMenu(Text::tr("Warmth"));
+    auto* const choices = makeChoices(*menu);
     for (const auto isAutomatic : {true, false}) {
-        auto* const item = menu->addAction(isAutomatic ? Text::tr("Auto") : Text::tr("Manual"));
+        auto* const item = choices->addAction(isAutomatic ? Text::tr("Auto") : Text::tr("Manual"));
+        menu->addAction(item);
         item->setCheckable(true);
         bind(
             *item, settings.autoWarmthEnabled,

@@ -210,7 +210,10 @@ TEST_F(EveryViewTest, EveryControlHasANameARoleAndAFocus) {
             EXPECT_FALSE(accessibleName(*child).isEmpty()) << child->objectName().toStdString();
             EXPECT_NE(interface->role(), QAccessible::Client);
             EXPECT_NE(interface->role(), QAccessible::NoRole);
-            if (child->isEnabled()) {
+            const auto* const segment = qobject_cast<QRadioButton*>(child);
+            const auto isReachedByArrows =
+                segment != nullptr && segment->group() != nullptr && !segment->isChecked();
+            if (child->isEnabled() && !isReachedByArrows) {
                 EXPECT_TRUE((child->focusPolicy() & Qt::TabFocus) != 0)
                     << child->objectName().toStdString();
             }
@@ -227,6 +230,7 @@ TEST_F(EveryViewTest, TabGoesFromTheTopDownThroughEveryControl) {
             ASSERT_NE(QApplication::focusWidget(), nullptr);
             way.push_back(QApplication::focusWidget());
         } while (way.size() < 60 && way.back() != way.front());
+        ASSERT_LT(way.size(), 60U) << "it never comes back";
         way.resize(way.size() > 1 ? way.size() - 1 : 1);
         std::ranges::rotate(way, std::ranges::min_element(way, {}, [this](const QWidget* control) {
                                 const auto place = control->mapTo(&widget(), QPoint());

@@ -190,9 +190,25 @@ TEST_F(PreferencesViewTest, StatisticsFollowTheTimer) {
 TEST_F(PreferencesViewTest, WhatTheDesktopLacksIsSaid) {
     EXPECT_EQ(button("grayscaleToggle").toolTip(), "");
     EXPECT_EQ(button("locationToggle").toolTip(), "");
+    const auto shown = [&] { return button("locationToggle").toolTip(); };
     desktop.location.answer(AuthorizationStatus::restricted);
-    open(realViews.makePreferencesView());
-    EXPECT_FALSE(button("locationToggle").toolTip().isEmpty());
+    EXPECT_EQ(shown(), "This desktop has no location service that answers.");
+    desktop.location.answer(AuthorizationStatus::denied);
+    EXPECT_EQ(shown(), "The desktop's settings do not allow Nocta to know the location.");
+    desktop.location.answer(AuthorizationStatus::authorized);
+    EXPECT_EQ(shown(), "");
+}
+
+TEST_F(PreferencesViewTest, MissingGrayFilterIsSaid) {
+    view.reset();
+    dropProgram();
+    desktop.filter.hasEntryPoint = false;
+    WidgetViews anew(instances());
+    open(anew.makePreferencesView());
+    EXPECT_FALSE(button("grayscaleToggle").toolTip().isEmpty());
+    click("grayscaleToggle");
+    EXPECT_TRUE(settings().grayscaleEnabled.get());
+    view.reset();
 }
 
 } // namespace

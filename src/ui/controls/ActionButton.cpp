@@ -16,7 +16,7 @@ constexpr double pressedPart = 0.18;
 constexpr qreal disabledOpacity = 0.4;
 } // namespace
 
-ActionButton::ActionButton(const QString& text, Rank rank) : QPushButton(text), rank_(rank) {
+ActionButton::ActionButton(const QString& text, Rank rank) : Button(text), rank_(rank) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFocusPolicy(Qt::StrongFocus);
 }

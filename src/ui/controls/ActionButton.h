@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QPushButton>
+#include "ui/controls/Button.h"
 
 namespace nocta {
 
 /// A button that does something. A prominent one is what most people want next.
-class ActionButton final : public QPushButton {
+class ActionButton final : public Button {
 public:
     enum class Rank { normal, prominent };
 

@@ -1,6 +1,7 @@
 #include "ui/controls/DisclosureButton.h"
 
 #include "symbols/Symbol.h"
+#include "ui/Text.h"
 #include "ui/controls/FocusRing.h"
 
 #include <QPainter>
@@ -17,13 +18,19 @@ constexpr int padding = 4;
 constexpr qreal cornerRadius = 6;
 } // namespace
 
-DisclosureButton::DisclosureButton(const QString& text, QWidget& content) {
+DisclosureButton::DisclosureButton(const QString& text, QWidget& content) : content_(content) {
     setText(text);
-    setCheckable(true);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    content.hide();
-    connect(this, &QAbstractButton::toggled, &content, &QWidget::setVisible);
+    setOpen(false);
+    connect(this, &QAbstractButton::clicked, this, [this] { setOpen(!isOpen_); });
+}
+
+void DisclosureButton::setOpen(bool isOpen) {
+    isOpen_ = isOpen;
+    content_.setVisible(isOpen);
+    setAccessibleDescription(isOpen ? Text::tr("Open") : Text::tr("Closed"));
+    update();
 }
 
 QSize DisclosureButton::sizeHint() const {
@@ -44,7 +51,7 @@ void DisclosureButton::paintEvent(QPaintEvent* /*event*/) {
     const auto place = QStyle::alignedRect(layoutDirection(), Qt::AlignRight | Qt::AlignVCenter,
                                            QSize(symbolSize, symbolSize), room);
     drawSymbol(painter, place,
-               isChecked() ? QStringLiteral("chevron.up") : QStringLiteral("chevron.down"), ink);
+               isOpen_ ? QStringLiteral("chevron.up") : QStringLiteral("chevron.down"), ink);
     paintFocusRing(
         painter, *this,
         QRectF(rect()).adjusted(focusRingRoom, focusRingRoom, -focusRingRoom, -focusRingRoom),

@@ -10,11 +10,19 @@ public:
     /// `content` is closed at first.
     DisclosureButton(const QString& text, QWidget& content);
 
+    bool isOpen() const { return isOpen_; }
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    void setOpen(bool isOpen);
+
+    QWidget& content_;
+    bool isOpen_ = false;
 };
 
 } // namespace nocta

@@ -4,7 +4,6 @@
 #include "ui/Colors.h"
 #include "ui/controls/FocusRing.h"
 
-#include <QEvent>
 #include <QFontInfo>
 #include <QPainter>
 
@@ -33,7 +32,7 @@ QFont smallFont(const QFont& font) {
 } // namespace
 
 FooterButton::FooterButton(const QString& symbol, const QString& text)
-    : QPushButton(text), symbol_(symbol) {
+    : Button(text), symbol_(symbol) {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     setAttribute(Qt::WA_Hover);
@@ -43,13 +42,6 @@ QSize FooterButton::sizeHint() const {
     const QFontMetrics metrics(smallFont(font()));
     return {std::max(symbolSize, metrics.horizontalAdvance(text())) + 2 * horizontalPadding,
             symbolSize + gap + metrics.height() + 2 * verticalPadding};
-}
-
-bool FooterButton::event(QEvent* event) {
-    if (event->type() == QEvent::HoverEnter || event->type() == QEvent::HoverLeave) {
-        update();
-    }
-    return QPushButton::event(event);
 }
 
 void FooterButton::paintEvent(QPaintEvent* /*event*/) {

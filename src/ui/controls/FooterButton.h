@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QPushButton>
+#include "ui/controls/Button.h"
 
 namespace nocta {
 
 /// A plain button with a symbol above its small text.
-class FooterButton final : public QPushButton {
+class FooterButton final : public Button {
 public:
     FooterButton(const QString& symbol, const QString& text);
 
@@ -13,7 +13,6 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

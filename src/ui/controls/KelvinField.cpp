@@ -5,6 +5,7 @@
 #include "ui/Text.h"
 
 #include <QSignalBlocker>
+#include <QWheelEvent>
 
 #include <algorithm>
 
@@ -20,6 +21,7 @@ KelvinField::KelvinField(const QString& name, Setting<std::int64_t>& setting) {
     setAccessibleName(name);
     setSuffix(Text::tr(" K"));
     setSingleStep(step);
+    setCorrectionMode(QAbstractSpinBox::CorrectToNearestValue);
     setKeyboardTracking(false); // half a number is none
     bind(
         *this, setting,
@@ -30,6 +32,14 @@ KelvinField::KelvinField(const QString& name, Setting<std::int64_t>& setting) {
             setValue(shown);
         },
         &QSpinBox::valueChanged, [&setting](int kelvin) { setting.set(kelvin); });
+}
+
+void KelvinField::wheelEvent(QWheelEvent* event) {
+    if (hasFocus()) {
+        QSpinBox::wheelEvent(event);
+    } else {
+        event->ignore();
+    }
 }
 
 } // namespace nocta

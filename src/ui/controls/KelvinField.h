@@ -13,6 +13,10 @@ namespace nocta {
 class KelvinField final : public QSpinBox {
 public:
     KelvinField(const QString& name, Setting<std::int64_t>& setting);
+
+protected:
+    /// A page that is scrolled past must not change it.
+    void wheelEvent(QWheelEvent* event) override;
 };
 
 } // namespace nocta

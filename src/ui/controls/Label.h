@@ -5,9 +5,9 @@
 namespace nocta {
 
 enum class TextStyle {
-    title,     ///< of a window or a step
-    heading,   ///< of a section
-    body,      ///
+    title,   ///< of a window or a step
+    heading, ///< of a section
+    body,
     secondary, ///< body of less weight
     paragraph, ///< the same, over as many lines as it takes
     note,      ///< small, of less weight, over as many lines as it takes

@@ -15,20 +15,23 @@ NumberPicker::NumberPicker(const QString& name, Setting<std::int64_t>& setting,
         insert(count(), number);
     }
     bind(
-        *this, setting, [this](std::int64_t number) { setCurrentIndex(indexOf(number)); },
-        &QComboBox::activated,
+        *this, setting, [this](std::int64_t number) { choose(number); }, &QComboBox::activated,
         [this, &setting](int index) { setting.set(itemData(index).toLongLong()); });
 }
 
-int NumberPicker::indexOf(std::int64_t number) {
+void NumberPicker::choose(std::int64_t number) {
+    if (strangerIndex_ >= 0) {
+        removeItem(std::exchange(strangerIndex_, -1));
+    }
     int index = 0;
     while (index < count() && itemData(index).toLongLong() < number) {
         ++index;
     }
     if (index == count() || itemData(index).toLongLong() != number) {
         insert(index, number);
+        strangerIndex_ = index;
     }
-    return index;
+    setCurrentIndex(index);
 }
 
 void NumberPicker::insert(int index, std::int64_t number) {

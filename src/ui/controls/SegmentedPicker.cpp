@@ -25,7 +25,10 @@ public:
         : QRadioButton(look.symbol.isEmpty() ? look.text : QString()), symbol_(look.symbol) {
         setAccessibleName(look.text);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        setFocusPolicy(Qt::StrongFocus);
+        // Tab goes to the chosen one, and arrows to the others.
+        setFocusPolicy(Qt::ClickFocus);
+        connect(this, &QAbstractButton::toggled, this,
+                [this](bool on) { setFocusPolicy(on ? Qt::StrongFocus : Qt::ClickFocus); });
         if (!symbol_.isEmpty()) {
             setToolTip(look.text);
         }
@@ -86,13 +89,7 @@ SegmentedPicker::SegmentedPicker(const QString& name, const std::vector<SegmentL
 }
 
 void SegmentedPicker::choose(qsizetype index) {
-    if (auto* const segment = segments_.button(static_cast<int>(index))) {
-        segment->setChecked(true);
-    } else if (auto* const chosen = segments_.checkedButton()) {
-        segments_.setExclusive(false); // else one is always taken
-        chosen->setChecked(false);
-        segments_.setExclusive(true);
-    }
+    segments_.button(static_cast<int>(index))->setChecked(true);
 }
 
 void SegmentedPicker::paintEvent(QPaintEvent* /*event*/) {

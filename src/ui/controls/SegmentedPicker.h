@@ -24,7 +24,6 @@ public:
 
     QButtonGroup& segments() { return segments_; }
 
-    /// None where there is no segment of that number.
     void choose(qsizetype index);
 
 protected:
@@ -34,7 +33,7 @@ private:
     QButtonGroup segments_;
 };
 
-/// One segment for each of the values, in their order.
+/// One segment for each of all the values that the setting can have, in their order.
 template <class Setting, class T>
 void bind(SegmentedPicker& picker, Setting& setting, std::vector<T> values) {
     follow(picker, setting, [&picker, values](const T& value) {

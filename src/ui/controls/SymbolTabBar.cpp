@@ -16,7 +16,6 @@ constexpr int gap = 4;
 constexpr int horizontalPadding = 16;
 constexpr int verticalPadding = 8;
 constexpr qreal cornerRadius = 8;
-constexpr double chosenPart = 0.1;
 } // namespace
 
 SymbolTabBar::SymbolTabBar() {
@@ -40,7 +39,6 @@ QSize SymbolTabBar::tabSizeHint(int index) const {
 void SymbolTabBar::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const auto window = palette().color(QPalette::Window);
     const auto text = palette().color(QPalette::WindowText);
     for (int index = 0; index < count(); ++index) {
         const auto shape =
@@ -48,9 +46,10 @@ void SymbolTabBar::paintEvent(QPaintEvent* /*event*/) {
                 .adjusted(focusRingRoom, focusRingRoom, -focusRingRoom, -focusRingRoom);
         const auto isChosen = index == currentIndex();
         if (isChosen) {
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(mixed(window, text, chosenPart));
-            painter.drawRoundedRect(shape, cornerRadius, cornerRadius);
+            painter.setPen(QPen(hairlineColor(palette()), 1));
+            painter.setBrush(panelColor(palette()));
+            painter.drawRoundedRect(shape.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius,
+                                    cornerRadius);
         }
         const QRectF place(shape.center().x() - symbolSize / 2.0,
                            tabRect(index).top() + verticalPadding, symbolSize, symbolSize);

@@ -12,11 +12,6 @@ SymbolView::SymbolView(const QString& name, int size, SymbolColor color)
     setFixedSize(size, size);
 }
 
-void SymbolView::setName(const QString& name) {
-    name_ = name;
-    update();
-}
-
 void SymbolView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     drawSymbol(painter, rect(), name_,

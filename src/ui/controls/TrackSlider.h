@@ -6,7 +6,7 @@ namespace nocta {
 
 /// A horizontal slider over whole per cents with a knob on a track: the track's look is a
 /// subclass's. A press anywhere on it takes the knob there; arrows move it by 1 %, page keys by
-/// 10 %, and the wheel as well.
+/// 10 %, and the wheel by 1 % a line.
 class TrackSlider : public QSlider {
 public:
     /// The name is what a screen reader calls it.

@@ -57,7 +57,6 @@ void OnboardingView::goTo(int step) {
     steps_->setCurrentIndex(step);
     back_->setVisible(step > 0);
     next_->setText(step == steps_->count() - 1 ? Text::tr("Finish") : Text::tr("Continue"));
-    next_->updateGeometry();
     next_->setFocus();
 }
 

@@ -32,9 +32,11 @@ PermissionsStep::PermissionsStep(SharedInstances& instances) {
                           Text::tr("For sunrise/sunset calculation"), true, [&service] {
                               service.locationManager().requestWhenInUseAuthorization();
                           });
-    explain(location->button(), missingForLocation(instances));
     follow(*location, service.authorizationStatus,
-           [location](AuthorizationStatus status) { location->setGranted(isGranted(status)); });
+           [location, &instances](AuthorizationStatus status) {
+               location->setGranted(isGranted(status));
+               explain(location->button(), missingForLocation(instances));
+           });
     column->addWidget(location);
     column->addStretch();
     auto* const footer =

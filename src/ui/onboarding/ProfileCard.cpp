@@ -46,7 +46,7 @@ std::vector<Facet> facetsOf(const Profile& profile) {
 
 } // namespace
 
-ProfileCard::ProfileCard(const Profile& profile) : profile_(profile) {
+ProfileCard::ProfileCard(const Profile& profile) {
     setObjectName(QString::fromStdString(profile.name));
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

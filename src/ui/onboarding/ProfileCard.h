@@ -11,17 +11,12 @@ class ProfileCard final : public QRadioButton {
 public:
     explicit ProfileCard(const Profile& profile);
 
-    const Profile& profile() const { return profile_; }
-
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     bool hitButton(const QPoint& position) const override { return rect().contains(position); }
     void paintEvent(QPaintEvent* event) override;
-
-private:
-    Profile profile_;
 };
 
 } // namespace nocta

@@ -23,8 +23,8 @@ StyleSelectionStep::StyleSelectionStep(SharedInstances& instances)
                        Text::tr("Pick a starting point. You can adjust everything later."));
     for (const auto& profile : instances.builtInProfiles()) {
         auto* const card = new ProfileCard(profile);
-        connect(card, &QAbstractButton::clicked, this, [this, &profile] { select(profile); });
-        cards_.push_back(card);
+        connect(card, &QAbstractButton::clicked, this,
+                [this, &profile] { settings_.applyProfile(profile); });
         column->addWidget(card);
     }
     auto* const adjustments = makeAdjustments(instances);
@@ -57,14 +57,6 @@ QWidget* StyleSelectionStep::makeAdjustments(SharedInstances& instances) {
     column->addWidget(
         makeToggle(Text::tr("Break reminders"), "breakTimerToggle", settings_.breakTimerEnabled));
     return adjustments;
-}
-
-void StyleSelectionStep::select(const Profile& profile) {
-    selectedProfile_ = profile;
-    settings_.applyProfile(profile);
-    for (auto* const card : cards_) {
-        card->setChecked(card->profile() == *selectedProfile_);
-    }
 }
 
 } // namespace nocta

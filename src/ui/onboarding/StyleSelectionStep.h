@@ -4,12 +4,7 @@
 
 #include <QWidget>
 
-#include <optional>
-#include <vector>
-
 namespace nocta {
-
-class ProfileCard;
 
 /// A profile to begin with, and the settings that it makes.
 class StyleSelectionStep final : public QWidget {
@@ -18,11 +13,8 @@ public:
 
 private:
     QWidget* makeAdjustments(SharedInstances& instances);
-    void select(const Profile& profile);
 
     SettingsManager& settings_;
-    std::optional<Profile> selectedProfile_;
-    std::vector<ProfileCard*> cards_;
 };
 
 } // namespace nocta

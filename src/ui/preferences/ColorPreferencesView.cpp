@@ -69,7 +69,10 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
     explain(*automatic, missingForBrightness(instances));
     auto* const location =
         makeToggle(Text::tr("Use my location"), "locationToggle", settings.locationEnabled);
-    explain(*location, missingForLocation(instances));
+    follow(*location, instances.locationService().authorizationStatus,
+           [location, &instances](AuthorizationStatus /*status*/) {
+               explain(*location, missingForLocation(instances));
+           });
     auto* const temperatures = new QWidget;
     auto* const rows = new QGridLayout(temperatures);
     rows->setContentsMargins(0, 0, 0, 0);
@@ -77,6 +80,9 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
     day->setObjectName(QStringLiteral("dayTemperature"));
     auto* const night = addTemperature(*rows, Text::tr("Night"), settings.colorTemperatureNight);
     night->setObjectName(QStringLiteral("nightTemperature"));
+    for (auto* const temperature : {day, night}) {
+        explain(*temperature, missingForBrightness(instances));
+    }
 
     auto* const temperature = addSection(Text::tr("Color Temperature"));
     temperature->add(automatic);

@@ -99,6 +99,7 @@ TEST_P(NoctaFaceTest, BrightnessIsDraggedInThePopoverOfTheIcon) {
     const auto screen = client.activeFrames().at(0);
     EXPECT_GE(popover.x, screen.x);
     EXPECT_LE(popover.x + popover.width, screen.x + screen.width);
+    EXPECT_GE(popover.y, screen.y);
     EXPECT_LE(popover.y + popover.height, screen.y + screen.height) << "wholly on screen";
 
     // The knob's way is 250 points long and begins 25 from the left.

@@ -3,28 +3,31 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWidget>
 
+#include <algorithm>
+#include <string>
 #include <utility>
 
 namespace nocta {
 
 namespace {
 
+/// What a window manager may put around a window, in points.
+constexpr QSize frameRoom(16, 48);
+
 Qt::WindowFlags flagsOf(const AppWindows::Style& style) {
-    constexpr std::uint32_t titled = 1;
-    constexpr std::uint32_t closable = 2;
-    constexpr std::uint32_t miniaturizable = 4;
-    constexpr AppWindows::WindowLevel normalLevel = 0;
-    const auto isMiniaturizable = (style.styleMask & miniaturizable) != 0;
+    const auto isMiniaturizable = (style.styleMask & AppWindows::miniaturizable) != 0;
     // A dialog is what a window manager gives nothing but a title and a way to close it.
     Qt::WindowFlags flags = (isMiniaturizable ? Qt::Window : Qt::Dialog) | Qt::CustomizeWindowHint;
-    flags.setFlag(Qt::WindowTitleHint, (style.styleMask & titled) != 0);
-    flags.setFlag(Qt::WindowCloseButtonHint, (style.styleMask & closable) != 0);
+    flags.setFlag(Qt::WindowTitleHint, (style.styleMask & AppWindows::titled) != 0);
+    flags.setFlag(Qt::WindowCloseButtonHint, (style.styleMask & AppWindows::closable) != 0);
     flags.setFlag(Qt::WindowMinimizeButtonHint, isMiniaturizable);
-    flags.setFlag(Qt::WindowStaysOnTopHint, style.level > normalLevel);
+    flags.setFlag(Qt::WindowStaysOnTopHint, style.level > AppWindows::normalLevel);
     return flags;
 }
 
@@ -36,11 +39,51 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override {
         QWidget::closeEvent(event);
-        QTimer::singleShot(0, this, onClose_);
+        QTimer::singleShot(0, this, [this] {
+            if (!isVisible()) {
+                const auto onClose = onClose_; // it destroys this
+                onClose();
+            }
+        });
     }
 
 private:
     std::function<void()> onClose_;
+};
+
+/// Gives its content all the room that it needs, on a screen that has it; else it scrolls.
+class Scroller final : public QScrollArea {
+public:
+    explicit Scroller(QWidget& content) {
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus); // it follows what has the keyboard
+        setWidgetResizable(true);
+        setWidget(&content);
+        viewport()->setAutoFillBackground(false);
+        content.setAutoFillBackground(false);
+    }
+
+    QSize sizeHint() const override {
+        auto size = widget()->minimumSizeHint().expandedTo(widget()->minimumSize());
+        if (widget()->hasHeightForWidth()) {
+            size.setHeight(std::max(size.height(), widget()->heightForWidth(size.width())));
+        }
+        const auto room = screen()->availableGeometry().size() - frameRoom;
+        const auto barWidth = verticalScrollBar()->sizeHint().width();
+        if (size.height() > room.height()) {
+            size.rwidth() += barWidth;
+        }
+        return size.boundedTo(room);
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::LayoutRequest) {
+            updateGeometry();
+        }
+        return QScrollArea::eventFilter(watched, event);
+    }
 };
 
 } // namespace
@@ -55,10 +98,10 @@ public:
         auto* const view = static_cast<QWidget*>(content_->nativeView());
         auto* const layout = new QVBoxLayout(&widget_);
         layout->setContentsMargins(0, 0, 0, 0);
-        layout->addWidget(view);
         layout->setSizeConstraint(QLayout::SetFixedSize);
         view->setMinimumSize(
             view->minimumSize().expandedTo(QSize(qRound(style.width), qRound(style.height))));
+        layout->addWidget(new Scroller(*view));
     }
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
@@ -67,7 +110,7 @@ public:
         if (auto* const popup = QApplication::activePopupWidget()) {
             popup->close(); // a transient popover gives way
         }
-        if (!widget_.isVisible()) {
+        if (!widget_.isVisible() || !isWithinReach()) {
             center();
         }
         widget_.showNormal();
@@ -76,13 +119,20 @@ public:
     }
 
 private:
+    /// The screen that it was on may have gone.
+    bool isWithinReach() const {
+        const auto frame = widget_.frameGeometry();
+        const auto seen = frame & widget_.screen()->availableGeometry();
+        return seen.width() * 2 > frame.width() && seen.top() <= frame.top();
+    }
+
     void center() {
         widget_.adjustSize();
-        if (const auto* const screen = widget_.screen()) {
-            auto frame = widget_.rect();
-            frame.moveCenter(screen->availableGeometry().center());
-            widget_.move(frame.topLeft());
-        }
+        const auto available = widget_.screen()->availableGeometry();
+        auto frame = QRect(QPoint(), widget_.frameSize());
+        frame.moveCenter(available.center());
+        widget_.move(std::max(frame.left(), available.left()),
+                     std::max(frame.top(), available.top()));
     }
 
     ClosingWidget widget_;

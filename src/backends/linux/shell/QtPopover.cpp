@@ -73,6 +73,12 @@ public:
         move(corner - QPoint(shadowWidth_, shadowWidth_));
     }
 
+    void focusFirstControl() {
+        if (focusWidget() == nullptr) {
+            focusNextChild();
+        }
+    }
+
 protected:
     void hideEvent(QHideEvent* event) override {
         QWidget::hideEvent(event);
@@ -166,6 +172,7 @@ void QtPopover::show(StatusItem& relativeTo) {
     }
     window_->show();
     window_->activateWindow();
+    window_->focusFirstControl();
 }
 
 void QtPopover::close() {

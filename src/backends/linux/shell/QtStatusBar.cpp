@@ -39,9 +39,7 @@ void QtStatusItem::setAction(std::function<void()> action) {
 
 void QtStatusItem::setMenu(std::unique_ptr<View> menu) {
     menu_ = std::move(menu);
-    if (icon_) {
-        icon_->setContextMenu(static_cast<QMenu*>(menu_->nativeView()));
-    }
+    attachMenu();
 }
 
 bool QtStatusItem::eventFilter(QObject* watched, QEvent* event) {
@@ -61,10 +59,15 @@ void QtStatusItem::makeIcon() {
                     action_();
                 }
             });
-    if (menu_ != nullptr) {
-        icon_->setContextMenu(static_cast<QMenu*>(menu_->nativeView()));
-    }
+    attachMenu();
     draw();
+}
+
+void QtStatusItem::attachMenu() {
+    if (icon_ && menu_ != nullptr) {
+        auto* const menu = static_cast<QWidget*>(menu_->nativeView());
+        icon_->setContextMenu(qobject_cast<QMenu*>(menu));
+    }
 }
 
 void QtStatusItem::draw() {

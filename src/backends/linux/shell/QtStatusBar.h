@@ -30,6 +30,7 @@ protected:
 
 private:
     void makeIcon();
+    void attachMenu();
     void draw();
 
     std::function<void()> action_;

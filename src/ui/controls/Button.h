@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QPushButton>
+
+namespace nocta {
+
+/// A push button that Enter presses too, in any window.
+class Button : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+};
+
+} // namespace nocta
