@@ -161,6 +161,8 @@ TEST_F(ColorSchemeTest, OtherSettingsChangeNoPalette) {
     };
     SettingsPortal portal(bus);
     const ColorScheme scheme;
+    // Else the first answer may be the dark one, and that to the change is still to come.
+    ASSERT_TRUE(serveUntil([&] { return portal.questions == 1; }));
     waitForOurs(portal);
     Counter counter;
     QCoreApplication::instance()->installEventFilter(&counter);
