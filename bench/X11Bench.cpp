@@ -78,6 +78,7 @@ struct SessionOnX11 {
                   .displayFilter = desktop.filter,
                   .workspace = desktop.workspace,
                   .userNotificationCenter = desktop.notifications,
+                  .urlSession = desktop.urlSession,
                   .overlayWindows = desktop.overlayWindows,
                   .statusBar = desktop.statusBar,
                   .popover = desktop.popover,

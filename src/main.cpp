@@ -8,7 +8,7 @@ int main() {
     if (session.desktop == nullptr) {
         return session.exitStatus;
     }
-    nocta::SharedInstances instances(*session.desktop);
+    nocta::SharedInstances instances(*session.desktop, NOCTA_API_BASE);
     nocta::WidgetViews views(instances);
     nocta::NoctaApp app(instances, views);
     return app.run();

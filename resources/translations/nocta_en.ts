@@ -496,5 +496,61 @@
         <source>The desktop&apos;s settings do not allow Nocta to know the location.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Category</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Message</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What&apos;s on your mind?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Email (optional)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Help shape Nocta — share a suggestion, report a bug, or tell us what you think.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Only if you&apos;d like a reply.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Send feedback</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Send another</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Thanks for your feedback!</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Suggestion</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Bug report</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Other</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Failed to prepare request</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Failed to send. Please try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

@@ -25,7 +25,8 @@ Service& made(std::optional<Service>& service, Needs&... needs) {
 
 } // namespace
 
-SharedInstances::SharedInstances(Desktop& desktop) : desktop_(desktop) {
+SharedInstances::SharedInstances(Desktop& desktop, std::string_view apiBase)
+    : desktop_(desktop), apiBase_(apiBase) {
     programInstances = this;
 }
 
@@ -99,6 +100,10 @@ LaunchAtLoginService& SharedInstances::launchAtLoginService() {
     return made(launchAtLoginService_, desktop_.loginItem);
 }
 
+FeedbackService& SharedInstances::feedbackService() {
+    return made(feedbackService_, desktop_.urlSession, apiBase_);
+}
+
 AppMonitorService& SharedInstances::appMonitorService() {
     return made(appMonitorService_, desktop_.workspace, desktop_.notificationCenter);
 }
@@ -141,6 +146,10 @@ BreakTimer& BreakTimer::shared() {
 
 NotificationService& NotificationService::shared() {
     return instances().notificationService();
+}
+
+FeedbackService& FeedbackService::shared() {
+    return instances().feedbackService();
 }
 
 AppMonitorService& AppMonitorService::shared() {

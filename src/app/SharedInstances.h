@@ -14,11 +14,13 @@
 #include "settings/Profile.h"
 #include "settings/SettingsManager.h"
 #include "system/AppMonitorService.h"
+#include "system/FeedbackService.h"
 #include "system/LaunchAtLoginService.h"
 #include "system/NotificationService.h"
 #include "system/ShortcutsManager.h"
 
 #include <optional>
+#include <string_view>
 
 namespace nocta {
 
@@ -27,7 +29,8 @@ namespace nocta {
 /// service's `shared()` refers to. Tests make as many as they like, one after the other.
 class SharedInstances {
 public:
-    explicit SharedInstances(Desktop& desktop);
+    /// `apiBase` is where this build sends feedback to; empty for nowhere.
+    explicit SharedInstances(Desktop& desktop, std::string_view apiBase = {});
     SharedInstances(const SharedInstances&) = delete;
     SharedInstances& operator=(const SharedInstances&) = delete;
     ~SharedInstances();
@@ -49,10 +52,12 @@ public:
     ColorTemperatureService& colorTemperatureService();
     ShortcutsManager& shortcutsManager();
     LaunchAtLoginService& launchAtLoginService();
+    FeedbackService& feedbackService();
     AppMonitorService& appMonitorService();
 
 private:
     Desktop& desktop_;
+    std::string_view apiBase_;
 
     // In order of need: what comes later may refer to what comes earlier and goes first.
     std::optional<BuiltInProfiles> builtInProfiles_;
@@ -70,6 +75,7 @@ private:
     std::optional<ColorTemperatureService> colorTemperatureService_;
     std::optional<ShortcutsManager> shortcutsManager_;
     std::optional<LaunchAtLoginService> launchAtLoginService_;
+    std::optional<FeedbackService> feedbackService_;
     std::optional<AppMonitorService> appMonitorService_;
 };
 

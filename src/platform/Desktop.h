@@ -16,6 +16,7 @@
 #include "platform/OverlayWindows.h"
 #include "platform/Popover.h"
 #include "platform/StatusBar.h"
+#include "platform/UrlSession.h"
 #include "platform/UserNotificationCenter.h"
 #include "platform/UuidSource.h"
 #include "platform/Workspace.h"
@@ -41,6 +42,7 @@ struct Desktop {
     DisplayFilter& displayFilter;
     Workspace& workspace;
     UserNotificationCenter& userNotificationCenter;
+    UrlSession& urlSession;
     OverlayWindows& overlayWindows;
     StatusBar& statusBar;
     Popover& popover;

@@ -128,6 +128,18 @@ Scenes preferences() {
              openPreferences(stage, 2);
          }},
         {"preferences-breaks", [](Stage& stage) { openPreferences(stage, 3); }},
+        {"preferences-feedback", [](Stage& stage) { openPreferences(stage, 4); }},
+        {"preferences-feedback-failed",
+         [](Stage& stage) {
+             stage.instances.feedbackService().message.set("The moon is too bright.");
+             stage.instances.feedbackService().send();
+             openPreferences(stage, 4);
+         }},
+        {"preferences-feedback-sent",
+         [](Stage& stage) {
+             stage.instances.feedbackService().sent.set(true);
+             openPreferences(stage, 4);
+         }},
     };
 }
 

@@ -14,6 +14,11 @@ namespace {
     QT_TRANSLATE_NOOP("Nocta", "Warmer & dimmer for night"),
     QT_TRANSLATE_NOOP("Nocta", "Focus"),
     QT_TRANSLATE_NOOP("Nocta", "Minimal distractions"),
+    QT_TRANSLATE_NOOP("Nocta", "Suggestion"),
+    QT_TRANSLATE_NOOP("Nocta", "Bug report"),
+    QT_TRANSLATE_NOOP("Nocta", "Other"),
+    QT_TRANSLATE_NOOP("Nocta", "Failed to prepare request"),
+    QT_TRANSLATE_NOOP("Nocta", "Failed to send. Please try again."),
     QT_TRANSLATE_NOOP("Nocta", "Skip"),
     QT_TRANSLATE_NOOP("Nocta", "Snooze 5 min"),
 };

@@ -41,6 +41,7 @@ protected:
                                    .displayFilter = *filter_,
                                    .workspace = desktop.workspace,
                                    .userNotificationCenter = *userNotificationCenter,
+                                   .urlSession = desktop.urlSession,
                                    .overlayWindows = desktop.overlayWindows,
                                    .statusBar = desktop.statusBar,
                                    .popover = desktop.popover,

@@ -29,7 +29,9 @@ protected:
         desktop.displays.plug({.id = id, .mode = DisplayMode{2560, 1440}});
     }
 
-    SharedInstances& instances() { return instances_ ? *instances_ : instances_.emplace(ports()); }
+    SharedInstances& instances() {
+        return instances_ ? *instances_ : instances_.emplace(ports(), "https://feedback.example");
+    }
     SettingsManager& settings() { return instances().settingsManager(); }
     DisplayService& displayService() { return instances().displayService(); }
     GammaController& gamma() { return instances().gammaController(); }
@@ -42,6 +44,7 @@ protected:
     MeetingDetectorService& meetingDetector() { return instances().meetingDetectorService(); }
     BreakTimer& breakTimer() { return instances().breakTimer(); }
     LaunchAtLoginService& launchAtLogin() { return instances().launchAtLoginService(); }
+    FeedbackService& feedback() { return instances().feedbackService(); }
     NotificationService& notifications() { return instances().notificationService(); }
     ShortcutsManager& shortcuts() { return instances().shortcutsManager(); }
     AppMonitorService& appMonitor() { return instances().appMonitorService(); }

@@ -5,6 +5,7 @@
 #include "tour/PseudoLocale.h"
 #include "ui/Colors.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QComboBox>
 #include <QEvent>
@@ -41,7 +42,7 @@ std::vector<Place> places() {
                               {"popover, manual", popover, {300, 280}, [](QWidget& view) {
                                    view.findChildren<QRadioButton*>().last()->click();
                                }}};
-    for (int tab = 0; tab < 4; ++tab) {
+    for (int tab = 0; tab < 5; ++tab) {
         all.push_back({"preferences", preferences, {}, [tab](QWidget& view) {
                            view.findChild<QTabBar*>()->setCurrentIndex(tab);
                        }});
@@ -84,7 +85,10 @@ protected:
         const auto* const parent = child.parentWidget();
         return qobject_cast<const QComboBox*>(parent) != nullptr ||
                qobject_cast<const QSpinBox*>(parent) != nullptr ||
-               qobject_cast<const QTabBar*>(parent) != nullptr;
+               qobject_cast<const QTabBar*>(parent) != nullptr ||
+               qobject_cast<const QAbstractScrollArea*>(parent) != nullptr ||
+               (parent != nullptr &&
+                qobject_cast<const QAbstractScrollArea*>(parent->parentWidget()) != nullptr);
     }
 
     std::vector<QWidget*> visibleWidgets() {

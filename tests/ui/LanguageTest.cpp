@@ -80,6 +80,8 @@ TEST_F(LanguageTest, TranslatorsFindEveryTextThatIsShown) {
         temperatureDescription(kelvin);
     }
     sunTimesLine(true);
+    feedback().message.set("half a character: \xE2\x82");
+    feedback().send();
     for (const auto warmth : {0.0, 0.5, 1.0}) {
         warmthWord(warmth);
     }

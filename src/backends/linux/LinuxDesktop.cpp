@@ -3,6 +3,7 @@
 #include "backends/linux/FreedesktopNotifications.h"
 #include "backends/linux/IniDefaultsStore.h"
 #include "backends/linux/LibUuidSource.h"
+#include "backends/linux/QtUrlSession.h"
 #include "backends/linux/ReducedMotion.h"
 #include "backends/linux/SessionFilter.h"
 #include "backends/linux/SysfsBacklight.h"
@@ -202,6 +203,7 @@ private:
                                   QCoreApplication::applicationFilePath().toStdString()};
     SessionFilter filter_{std::move(server_.grayscale)};
     FreedesktopNotifications userNotificationCenter_;
+    QtUrlSession urlSession_;
     QtOverlayWindows overlayWindows_{runLoop_, server_.connection.get()};
     SystemTray tray_{server_.connection.get()};
     QtStatusBar statusBar_{tray_};
@@ -224,6 +226,7 @@ public:
                   .displayFilter = filter_,
                   .workspace = *server_.workspace,
                   .userNotificationCenter = userNotificationCenter_,
+                  .urlSession = urlSession_,
                   .overlayWindows = overlayWindows_,
                   .statusBar = statusBar_,
                   .popover = popover_,

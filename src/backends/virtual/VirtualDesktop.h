@@ -12,6 +12,7 @@
 #include "backends/virtual/VirtualOverlayWindows.h"
 #include "backends/virtual/VirtualRunLoop.h"
 #include "backends/virtual/VirtualShell.h"
+#include "backends/virtual/VirtualUrlSession.h"
 #include "backends/virtual/VirtualUuidSource.h"
 #include "backends/virtual/VirtualWorkspace.h"
 #include "base/NotificationCenter.h"
@@ -39,6 +40,7 @@ public:
     VirtualFilter filter{trace};
     VirtualWorkspace workspace{trace, displays};
     VirtualNotifications notifications{trace, runLoop};
+    VirtualUrlSession urlSession{trace};
     VirtualOverlayWindows overlayWindows{trace, runLoop, displays};
     VirtualStatusBar statusBar{trace};
     VirtualPopover popover{trace};
@@ -59,6 +61,7 @@ public:
                   .displayFilter = filter,
                   .workspace = workspace,
                   .userNotificationCenter = notifications,
+                  .urlSession = urlSession,
                   .overlayWindows = overlayWindows,
                   .statusBar = statusBar,
                   .popover = popover,

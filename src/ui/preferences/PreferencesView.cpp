@@ -6,6 +6,7 @@
 #include "ui/preferences/BreaksPreferencesView.h"
 #include "ui/preferences/BrightnessPreferencesView.h"
 #include "ui/preferences/ColorPreferencesView.h"
+#include "ui/preferences/FeedbackPreferencesView.h"
 #include "ui/preferences/GeneralPreferencesView.h"
 #include "ui/preferences/PreferencesTab.h"
 
@@ -30,6 +31,8 @@ QWidget* makePage(PreferencesTab tab, SharedInstances& instances) {
         return new ColorPreferencesView(instances);
     case PreferencesTab::breaks:
         return new BreaksPreferencesView(instances);
+    case PreferencesTab::feedback:
+        return new FeedbackPreferencesView(instances.feedbackService());
     default:
         return nullptr;
     }

@@ -56,15 +56,23 @@ protected:
         return waitUntil([&] { return !find(title).has_value(); });
     }
 
+    /// The symbol is white.
+    bool isDrawn(const Window& icon) {
+        return std::ranges::any_of(client.picture(icon),
+                                   [](std::uint8_t level) { return level > 200; });
+    }
+
     /// The program's icon in the panel.
     Window waitForIcon() {
         std::vector<Window> icons;
-        EXPECT_TRUE(waitUntil([&] {
+        EXPECT_TRUE(waitUntil([&] { // where it stays: a panel that starts moves it
+            const auto before = icons;
             icons = client.windows([&](const Window& window) {
                 return window.width < 64 && window.height < 64 &&
                        client.hasProperty(window.id, "_XEMBED_INFO");
             });
-            return !icons.empty();
+            return !icons.empty() && !before.empty() && icons[0].x == before[0].x &&
+                   icons[0].y == before[0].y && isDrawn(icons[0]);
         })) << contentOf(home.path() + "/tint2");
         return icons.empty() ? Window{} : icons.front();
     }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/UrlSession.h"
+
+#include <QNetworkAccessManager>
+
+#include <memory>
+
+namespace nocta {
+
+/// The network by Qt: HTTPS alone, certificates checked against those of the system.
+class QtUrlSession final : public UrlSession {
+public:
+    Subscription dataTask(const UrlRequest& request,
+                          std::function<void(const UrlResponse&)> completion) override;
+
+private:
+    std::unique_ptr<QNetworkAccessManager> manager_; ///< made for the first task
+};
+
+} // namespace nocta

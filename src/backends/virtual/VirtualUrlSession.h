@@ -1,0 +1,45 @@
+#pragma once
+
+#include "backends/virtual/Trace.h"
+#include "platform/UrlSession.h"
+
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace nocta {
+
+/// A network in memory: a request waits until it is answered.
+class VirtualUrlSession final : public UrlSession {
+public:
+    explicit VirtualUrlSession(Trace& trace) : trace_(trace) {}
+
+    /// The last one that waits for an answer.
+    const UrlRequest* waiting() const { return task_ == nullptr ? nullptr : &task_->request; }
+    void answer(const UrlResponse& response) {
+        const auto task = std::exchange(task_, nullptr);
+        task->completion(response);
+    }
+
+    Subscription dataTask(const UrlRequest& request,
+                          std::function<void(const UrlResponse&)> completion) override {
+        trace_.record("dataTask " + request.method + " " + request.url);
+        task_ = std::make_shared<Task>(Task{request, std::move(completion)});
+        return Subscription([this, task = std::weak_ptr(task_)] {
+            if (task_ != nullptr && task_ == task.lock()) {
+                task_ = nullptr;
+            }
+        });
+    }
+
+private:
+    struct Task {
+        UrlRequest request;
+        std::function<void(const UrlResponse&)> completion;
+    };
+
+    Trace& trace_;
+    std::shared_ptr<Task> task_;
+};
+
+} // namespace nocta

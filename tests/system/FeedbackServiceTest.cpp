@@ -1,0 +1,122 @@
+#include "system/FeedbackService.h"
+
+#include "support/TestDesktop.h"
+
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+
+namespace nocta {
+namespace {
+
+using namespace std::chrono_literals;
+using Json = nlohmann::json;
+
+class FeedbackServiceTest : public TestDesktop {
+protected:
+    void write(const std::string& message, const std::string& email = {}) {
+        feedback().message.set(message);
+        feedback().email.set(email);
+    }
+    Json sentJson() { return Json::parse(desktop.urlSession.waiting()->body); }
+    std::string error() { return feedback().errorMessage.get().value_or(""); }
+};
+
+TEST_F(FeedbackServiceTest, PostsWhatWasWritten) {
+    write(" \n It is dark here.\t\r\n", "  me@example.org ");
+    feedback().feedbackType.set(FeedbackType::bug);
+    feedback().send();
+    EXPECT_TRUE(feedback().isSending.get());
+    const auto* const request = desktop.urlSession.waiting();
+    ASSERT_NE(request, nullptr);
+    EXPECT_EQ(request->url, "https://feedback.example/api/feedback");
+    EXPECT_EQ(request->method, "POST");
+    EXPECT_EQ(request->timeout, 60s);
+    EXPECT_EQ(request->headers, (decltype(request->headers){{"Content-Type", "application/json"}}));
+    EXPECT_EQ(
+        sentJson(),
+        (Json{{"message", "It is dark here."}, {"type", "bug"}, {"email", "me@example.org"}}));
+}
+
+TEST_F(FeedbackServiceTest, EmailOfBlanksIsLeftOut) {
+    write("hello", " \xC2\xA0\xE3\x80\x80 ");
+    feedback().send();
+    EXPECT_EQ(sentJson(), (Json{{"message", "hello"}, {"type", "suggestion"}}));
+}
+
+TEST_F(FeedbackServiceTest, AnyTextIsSentAsItIs) {
+    for (const auto& text : {std::string("🌙 \"quoted\" \\ </script>"), std::string("a\0b", 3),
+                             std::string(1 << 20, 'x')}) {
+        write(text);
+        feedback().send();
+        EXPECT_EQ(sentJson()["message"].get<std::string>(), text);
+        desktop.urlSession.answer({.statusCode = 500});
+    }
+}
+
+TEST_F(FeedbackServiceTest, TwoHundredAloneIsSuccess) {
+    write("hello");
+    for (const auto status : {201, 204, 302, 400, 404, 500, 0}) {
+        feedback().send();
+        desktop.urlSession.answer({.statusCode = status});
+        EXPECT_EQ(error(), "Failed to send. Please try again.") << status;
+        EXPECT_FALSE(feedback().isSending.get());
+        EXPECT_FALSE(feedback().sent.get());
+        EXPECT_EQ(feedback().message.get(), "hello") << "the form is kept";
+    }
+    feedback().send();
+    EXPECT_EQ(error(), "") << "cleared when it is sent anew";
+    desktop.urlSession.answer({.statusCode = 200});
+    EXPECT_TRUE(feedback().sent.get());
+    EXPECT_EQ(error(), "");
+}
+
+TEST_F(FeedbackServiceTest, ErrorOfTheNetworkIsShownInItsWords) {
+    write("hello");
+    feedback().send();
+    desktop.urlSession.answer({.error = "Host not found"});
+    EXPECT_EQ(error(), "Host not found");
+    EXPECT_FALSE(feedback().isSending.get());
+}
+
+TEST_F(FeedbackServiceTest, NothingIsSentOfNothingOrTwice) {
+    write(" \n ");
+    feedback().send();
+    EXPECT_TRUE(calls("dataTask").empty());
+    write("hello");
+    feedback().send();
+    feedback().send();
+    EXPECT_EQ(calls("dataTask").size(), 1U);
+}
+
+TEST_F(FeedbackServiceTest, WithoutAnAddressOrWithATextThatIsNoneNothingCanBePrepared) {
+    FeedbackService nowhere(desktop.urlSession, "");
+    nowhere.message.set("hello");
+    nowhere.send();
+    EXPECT_EQ(nowhere.errorMessage.get(), "Failed to prepare request");
+    EXPECT_FALSE(nowhere.isSending.get());
+    write("half a character: \xE2\x82");
+    feedback().send();
+    EXPECT_EQ(error(), "Failed to prepare request");
+    EXPECT_TRUE(calls("dataTask").empty());
+}
+
+TEST_F(FeedbackServiceTest, AnotherMessageBeginsEmptyAndKeepsTheAddress) {
+    write("hello", "me@example.org");
+    feedback().send();
+    desktop.urlSession.answer({.statusCode = 200});
+    feedback().sendAnother();
+    EXPECT_FALSE(feedback().sent.get());
+    EXPECT_EQ(feedback().message.get(), "");
+    EXPECT_EQ(feedback().email.get(), "me@example.org");
+}
+
+TEST_F(FeedbackServiceTest, ProgramThatEndsIsToldNothing) {
+    write("hello");
+    feedback().send();
+    dropProgram();
+    EXPECT_EQ(desktop.urlSession.waiting(), nullptr);
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,77 @@
+#include "ui/preferences/FeedbackPreferencesView.h"
+
+#include "support/Face.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTabBar>
+#include <nlohmann/json.hpp>
+
+namespace nocta {
+namespace {
+
+class FeedbackPreferencesViewTest : public Face {
+protected:
+    void SetUp() override { openTab(); }
+
+    void openTab() {
+        open(realViews.makePreferencesView());
+        control<QTabBar>("preferencesTabs").setCurrentIndex(4);
+    }
+    QPlainTextEdit& message() { return control<QPlainTextEdit>("messageField"); }
+    nlohmann::json sentJson() { return nlohmann::json::parse(desktop.urlSession.waiting()->body); }
+};
+
+TEST_F(FeedbackPreferencesViewTest, WhatIsTypedIsSent) {
+    EXPECT_TRUE(shows("Help shape Nocta — share a suggestion, report a bug, or tell us what you "
+                      "think."));
+    EXPECT_EQ(message().placeholderText(), "What's on your mind?");
+    EXPECT_FALSE(button("Send feedback").isEnabled());
+    QTest::keyClicks(&message(), "Dark is good.");
+    QTest::keyClicks(&control<QLineEdit>("Email (optional)"), "me@example.org");
+    QTest::keyClick(&control<QComboBox>("Category"), Qt::Key_Down);
+    EXPECT_EQ(control<QComboBox>("Category").currentText(), "Bug report");
+    click("sendButton");
+    EXPECT_EQ(sentJson(),
+              (nlohmann::json{
+                  {"message", "Dark is good."}, {"type", "bug"}, {"email", "me@example.org"}}));
+    EXPECT_FALSE(button("sendButton").isVisible());
+    EXPECT_TRUE(control("sendProgress").isVisible());
+    desktop.urlSession.answer({.statusCode = 200});
+    EXPECT_TRUE(shows("Thanks for your feedback!"));
+    click("Send another");
+    EXPECT_EQ(message().toPlainText(), "");
+    EXPECT_TRUE(message().isVisible());
+}
+
+TEST_F(FeedbackPreferencesViewTest, FailureIsShownAndTheFormIsKept) {
+    QTest::keyClicks(&message(), "Dark is good.");
+    click("sendButton");
+    desktop.urlSession.answer({.statusCode = 204});
+    EXPECT_TRUE(shows("Failed to send. Please try again."));
+    EXPECT_EQ(message().toPlainText(), "Dark is good.");
+    click("sendButton");
+    EXPECT_FALSE(shows("Failed to send. Please try again."));
+    desktop.urlSession.answer({.error = "Host not found"});
+    EXPECT_TRUE(shows("Host not found"));
+}
+
+TEST_F(FeedbackPreferencesViewTest, HalfAMessageOutlivesItsWindow) {
+    QTest::keyClicks(&message(), "Half a thou");
+    view.reset();
+    openTab();
+    EXPECT_EQ(message().toPlainText(), "Half a thou");
+}
+
+TEST_F(FeedbackPreferencesViewTest, AnswerThatComesAfterTheWindowHasGoneHarmsNothing) {
+    QTest::keyClicks(&message(), "Dark is good.");
+    click("sendButton");
+    view.reset();
+    desktop.urlSession.answer({.statusCode = 200});
+    openTab();
+    EXPECT_TRUE(shows("Thanks for your feedback!"));
+}
+
+} // namespace
+} // namespace nocta
