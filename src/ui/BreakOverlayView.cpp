@@ -1,9 +1,9 @@
 #include "ui/BreakOverlayView.h"
 
 #include "base/Checked.h"
-#include "symbols/Symbol.h"
 #include "ui/BreakButtonStyle.h"
 #include "ui/Text.h"
+#include "ui/controls/SymbolView.h"
 
 #include <QAccessible>
 #include <QFontInfo>
@@ -63,22 +63,6 @@ QLabel* makeLabel(const QString& text, qreal scale, QFont::Weight weight, qreal 
     label->setPalette(palette);
     return label;
 }
-
-class SymbolView final : public QWidget {
-public:
-    explicit SymbolView(QString name) : name_(std::move(name)) {
-        setFixedSize(symbolSize, symbolSize);
-    }
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QPainter painter(this);
-        drawSymbol(painter, rect(), name_, Qt::white);
-    }
-
-private:
-    QString name_;
-};
 
 } // namespace
 
@@ -158,7 +142,8 @@ BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& sett
     auto* const column = new QVBoxLayout(this);
     column->setSpacing(0);
     column->addStretch();
-    column->addWidget(new SymbolView(QStringLiteral("eye")), 0, Qt::AlignHCenter);
+    column->addWidget(new SymbolView(QStringLiteral("eye"), symbolSize, SymbolColor::white), 0,
+                      Qt::AlignHCenter);
     column->addSpacing(smallPadding);
     column->addWidget(makeLabel(Text::tr("Time for a break"), titleScale, QFont::DemiBold, 1));
     column->addSpacing(smallPadding / 2);

@@ -19,10 +19,10 @@ void install(QTranslator& translator, const QLocale& locale, const QString& name
 Language::Language(const QLocale& locale) {
     install(toolkit_, locale, QStringLiteral("qtbase"),
             QLibraryInfo::path(QLibraryInfo::TranslationsPath));
-    for (auto* const translator : {&english_, &own_}) { // the last one is asked first
-        install(*translator, translator == &own_ ? locale : QLocale(QLocale::English),
-                QStringLiteral("nocta"), QStringLiteral(":/translations"));
-    }
+    const auto name = QStringLiteral("nocta");
+    const auto folder = QStringLiteral(":/translations");
+    install(english_, QLocale(QLocale::English), name, folder);
+    install(own_, locale, name, folder); // last, as that is asked first
 }
 
 Language::~Language() {

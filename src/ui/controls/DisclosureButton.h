@@ -10,8 +10,6 @@ public:
     /// `content` is closed at first.
     DisclosureButton(const QString& text, QWidget& content);
 
-    bool isOpen() const { return isOpen_; }
-
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 

@@ -7,6 +7,22 @@
 
 namespace nocta {
 
+namespace {
+
+QColor colorOf(SymbolColor color, const QPalette& palette) {
+    switch (color) {
+    case SymbolColor::accent:
+        return accentColor(palette);
+    case SymbolColor::white:
+        return Qt::white;
+    case SymbolColor::text:
+        break;
+    }
+    return palette.color(QPalette::WindowText);
+}
+
+} // namespace
+
 SymbolView::SymbolView(const QString& name, int size, SymbolColor color)
     : name_(name), color_(color) {
     setFixedSize(size, size);
@@ -14,9 +30,7 @@ SymbolView::SymbolView(const QString& name, int size, SymbolColor color)
 
 void SymbolView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    drawSymbol(painter, rect(), name_,
-               color_ == SymbolColor::accent ? accentColor(palette())
-                                             : palette().color(QPalette::WindowText));
+    drawSymbol(painter, rect(), name_, colorOf(color_, palette()));
 }
 
 } // namespace nocta

@@ -5,10 +5,10 @@
 
 namespace nocta {
 
-enum class SymbolColor { text, accent };
+enum class SymbolColor { text, accent, white };
 
-/// A symbol in the colour of the text or in the accent. It has a name for a screen reader only
-/// where nothing beside it says what it stands for.
+/// A symbol in the colour of the text, in the accent, or white on a dark cover. It has a name for a
+/// screen reader only where nothing beside it says what it stands for.
 class SymbolView final : public QWidget {
 public:
     /// `size` in points.

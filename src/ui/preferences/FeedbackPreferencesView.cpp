@@ -53,20 +53,20 @@ QWidget* FeedbackPreferencesView::makeForm() {
             service_.feedbackType.set(allFeedbackTypes.at(static_cast<std::size_t>(index)));
         });
 
-    auto* const message = new QPlainTextEdit(QString::fromStdString(service_.message.get()));
+    auto* const message = new QPlainTextEdit;
     message->setObjectName(QStringLiteral("messageField"));
     message->setAccessibleName(Text::tr("Message"));
     message->setPlaceholderText(Text::tr("What's on your mind?"));
     message->setTabChangesFocus(true);
     message->setFixedHeight(messageHeight);
-    connect(message, &QPlainTextEdit::textChanged, this,
-            [this, message] { service_.message.set(message->toPlainText().toStdString()); });
     follow(*message, service_.message, [message](const std::string& text) {
         const auto shown = QString::fromStdString(text);
         if (shown != message->toPlainText()) { // else the cursor would jump
             message->setPlainText(shown);
         }
     });
+    connect(message, &QPlainTextEdit::textChanged, this,
+            [this, message] { service_.message.set(message->toPlainText().toStdString()); });
 
     auto* const email = new QLineEdit(QString::fromStdString(service_.email.get()));
     email->setObjectName(QStringLiteral("emailField"));
