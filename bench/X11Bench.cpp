@@ -64,7 +64,8 @@ struct SessionOnX11 {
     X11Displays displays{connection, runLoop, desktop.notificationCenter};
     Guardian guardian{connection};
     X11GammaOutput gammaOutput{connection, displays, guardian};
-    Desktop ports{.runLoop = runLoop,
+    Desktop ports{.bundle = desktop.bundle,
+                  .runLoop = runLoop,
                   .notificationCenter = desktop.notificationCenter,
                   .userDefaults = desktop.userDefaults,
                   .uuidSource = desktop.uuidSource,
@@ -79,6 +80,7 @@ struct SessionOnX11 {
                   .workspace = desktop.workspace,
                   .userNotificationCenter = desktop.notifications,
                   .urlSession = desktop.urlSession,
+                  .updater = desktop.updater,
                   .overlayWindows = desktop.overlayWindows,
                   .statusBar = desktop.statusBar,
                   .popover = desktop.popover,

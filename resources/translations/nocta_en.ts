@@ -267,10 +267,6 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Nocta cannot look for updates by itself.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>Quit Nocta</source>
         <translation type="unfinished"></translation>
     </message>
@@ -550,6 +546,150 @@
     </message>
     <message>
         <source>Failed to send. Please try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This build of Nocta does not know where to look for updates.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Updates of Nocta come with those of the system.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Automatically check for updates</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Automatically download updates</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Version %1 (%2)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nocta</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check for Updates Now</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Updates</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It took too long</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The address is not encrypted</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The feed is too long</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The feed gives the file no length that could be right</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file&apos;s address is not encrypted</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is no package</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is not signed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is not signed by the publisher</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is longer than the feed says</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is shorter than the feed says</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Software Update</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check for updates automatically?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nocta can look for a newer version once a day. The preferences let you change this at any time.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Don&apos;t Check</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Check Automatically</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Checking for updates…</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nocta is up to date</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Version %1 is the newest.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nocta %1 is available</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>You have version %1.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What is new</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Skip This Version</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remind Me Later</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Install</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Downloading Nocta %1</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The update did not work</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -1,5 +1,10 @@
 #include "app/AppDelegate.h"
 
+#include <iostream>
+#include <optional>
+#include <string>
+#include <variant>
+
 namespace nocta {
 
 namespace {
@@ -15,6 +20,8 @@ constexpr AppWindows::Style onboardingStyle = {.title = "Welcome to Nocta",
                                                .styleMask =
                                                    AppWindows::titled | AppWindows::closable,
                                                .level = AppWindows::floatingLevel};
+constexpr AppWindows::Style updateStyle = {.title = "Software Update",
+                                           .styleMask = AppWindows::titled | AppWindows::closable};
 } // namespace
 
 // The members' order is the order in which the services are first made.
@@ -34,9 +41,11 @@ AppDelegate::AppDelegate(SharedInstances& instances, Views& views)
       launchAtLoginService_(instances.launchAtLoginService()),
       brightnessApplier_(instances.brightnessApplier()),
       appMonitorService_(instances.appMonitorService()),
-      closeOnboarding_(desktop_.runLoop, [this] { onboardingWindow_.reset(); }) {}
+      closeOnboarding_(desktop_.runLoop, [this] { onboardingWindow_.reset(); }),
+      updateStageChanged_(desktop_.runLoop, [this] { showUpdateStage(); }) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
+    startUpdater();
     makeStatusItem();
     makePopover();
     startServices();
@@ -183,6 +192,36 @@ void AppDelegate::showOnboardingWindow() {
 void AppDelegate::completeOnboarding() {
     closeOnboarding_.request(); // later, as it is the window's own button that completes
     settingsManager_.isFirstLaunch.set(false);
+}
+
+/// An updater that cannot start leaves the program as it is.
+void AppDelegate::startUpdater() {
+    cancellables_.push_back(desktop_.updater.stage.subscribe(
+        [this](const UpdateStage& /*stage*/) { updateStageChanged_.request(); }));
+    desktop_.updater.startUpdater([](const std::optional<std::string>& error) {
+        if (error) {
+            std::cerr << "Sparkle update check failed: " << *error << std::endl;
+        }
+    });
+}
+
+/// In a window for each stage. Its own button may have ended the stage before.
+void AppDelegate::showUpdateStage() {
+    const auto& stage = desktop_.updater.stage.get();
+    if (shownUpdateStage_ != stage.index()) {
+        shownUpdateStage_ = stage.index();
+        updateWindow_ =
+            std::holds_alternative<std::monostate>(stage)
+                ? nullptr
+                : desktop_.appWindows.makeWindow(updateStyle, views_.makeUpdateView(),
+                                                 [this] { desktop_.updater.dismiss(); });
+    }
+    if (updateWindow_ != nullptr) {
+        updateWindow_->makeKeyAndOrderFront();
+    }
+    if (std::holds_alternative<UpdateCheckInProgress>(stage)) { // the user has asked for it
+        desktop_.application.activateIgnoringOtherApps();
+    }
 }
 
 } // namespace nocta

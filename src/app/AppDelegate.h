@@ -10,6 +10,7 @@
 #include "platform/StatusBar.h"
 #include "platform/Views.h"
 
+#include <cstddef>
 #include <memory>
 
 namespace nocta {
@@ -42,6 +43,8 @@ private:
     void showPopover();
     void showOnboardingWindow();
     void completeOnboarding();
+    void startUpdater();
+    void showUpdateStage();
 
     Desktop& desktop_;
     Views& views_;
@@ -65,8 +68,11 @@ private:
     AppMonitorService& appMonitorService_;
     std::unique_ptr<AppWindow> preferencesWindow_; ///< while it is open
     std::unique_ptr<AppWindow> onboardingWindow_;  ///< while it is open
+    std::unique_ptr<AppWindow> updateWindow_;      ///< while the updater has something to show
+    std::size_t shownUpdateStage_ = 0;
     bool servicesStarted_ = false;
     Deferred closeOnboarding_;
+    Deferred updateStageChanged_;
     Cancellables cancellables_;
 };
 

@@ -25,8 +25,7 @@ Service& made(std::optional<Service>& service, Needs&... needs) {
 
 } // namespace
 
-SharedInstances::SharedInstances(Desktop& desktop, std::string_view apiBase)
-    : desktop_(desktop), apiBase_(apiBase) {
+SharedInstances::SharedInstances(Desktop& desktop) : desktop_(desktop) {
     programInstances = this;
 }
 
@@ -101,7 +100,7 @@ LaunchAtLoginService& SharedInstances::launchAtLoginService() {
 }
 
 FeedbackService& SharedInstances::feedbackService() {
-    return made(feedbackService_, desktop_.urlSession, apiBase_);
+    return made(feedbackService_, desktop_.urlSession, desktop_.bundle.apiBase);
 }
 
 AppMonitorService& SharedInstances::appMonitorService() {

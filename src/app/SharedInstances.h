@@ -20,7 +20,6 @@
 #include "system/ShortcutsManager.h"
 
 #include <optional>
-#include <string_view>
 
 namespace nocta {
 
@@ -29,8 +28,7 @@ namespace nocta {
 /// service's `shared()` refers to. Tests make as many as they like, one after the other.
 class SharedInstances {
 public:
-    /// `apiBase` is where this build sends feedback to; empty for nowhere.
-    explicit SharedInstances(Desktop& desktop, std::string_view apiBase = {});
+    explicit SharedInstances(Desktop& desktop);
     SharedInstances(const SharedInstances&) = delete;
     SharedInstances& operator=(const SharedInstances&) = delete;
     ~SharedInstances();
@@ -57,7 +55,6 @@ public:
 
 private:
     Desktop& desktop_;
-    std::string_view apiBase_;
 
     // In order of need: what comes later may refer to what comes earlier and goes first.
     std::optional<BuiltInProfiles> builtInProfiles_;

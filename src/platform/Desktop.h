@@ -5,6 +5,7 @@
 #include "platform/AppWindows.h"
 #include "platform/Application.h"
 #include "platform/Backlight.h"
+#include "platform/Bundle.h"
 #include "platform/DefaultsStore.h"
 #include "platform/DisplayFilter.h"
 #include "platform/Displays.h"
@@ -16,6 +17,7 @@
 #include "platform/OverlayWindows.h"
 #include "platform/Popover.h"
 #include "platform/StatusBar.h"
+#include "platform/Updater.h"
 #include "platform/UrlSession.h"
 #include "platform/UserNotificationCenter.h"
 #include "platform/UuidSource.h"
@@ -28,6 +30,7 @@ namespace nocta {
 /// Everything that Nocta asks of the desktop it runs on. What a desktop cannot do is a port that
 /// says so; no port is ever missing.
 struct Desktop {
+    const Bundle& bundle;
     RunLoop& runLoop;
     NotificationCenter& notificationCenter;
     DefaultsStore& userDefaults;
@@ -43,6 +46,7 @@ struct Desktop {
     Workspace& workspace;
     UserNotificationCenter& userNotificationCenter;
     UrlSession& urlSession;
+    Updater& updater;
     OverlayWindows& overlayWindows;
     StatusBar& statusBar;
     Popover& popover;
@@ -57,7 +61,8 @@ struct DesktopSession {
     int exitStatus = 0;
 };
 
-/// Probes the session and chooses its desktop; defined once per operating system.
-DesktopSession makeDesktop();
+/// Probes the session and chooses its desktop; defined once per operating system. The desktop
+/// refers to the bundle.
+DesktopSession makeDesktop(const Bundle& bundle);
 
 } // namespace nocta

@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -28,13 +29,18 @@ struct UrlResponse {
 /// Loads addresses over the network. Stands for NSURLSession.
 class UrlSession {
 public:
+    using Completion = std::function<void(const UrlResponse& response)>;
+    using DidReceiveData = std::function<void(std::string_view data)>;
+
     virtual ~UrlSession() = default;
 
     /// `completion` is called once, from the run loop, unless what is returned has gone: that ends
-    /// the task. Redirections are followed, but never to an address that is not encrypted. Stands
-    /// for dataTaskWithRequest:completionHandler: and resume.
-    virtual Subscription dataTask(const UrlRequest& request,
-                                  std::function<void(const UrlResponse&)> completion) = 0;
+    /// the task, at any time. The body of the response is given to `didReceiveData` as it comes,
+    /// in pieces; without that it is dropped, and one of more than 1 MiB not waited for.
+    /// Redirections are followed, but never to an address that is not encrypted. Stands for
+    /// dataTaskWithRequest:completionHandler:, URLSession:dataTask:didReceiveData: and resume.
+    virtual Subscription dataTask(const UrlRequest& request, Completion completion,
+                                  DidReceiveData didReceiveData) = 0;
 };
 
 } // namespace nocta

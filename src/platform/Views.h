@@ -24,6 +24,8 @@ public:
     virtual std::unique_ptr<View> makePopoverContentView(std::function<void()> showPreferences) = 0;
     virtual std::unique_ptr<View> makePreferencesView() = 0;
     virtual std::unique_ptr<View> makeOnboardingView(std::function<void()> onComplete) = 0;
+    /// Of the updater's present stage.
+    virtual std::unique_ptr<View> makeUpdateView() = 0;
     /// What the popover offers, as a menu.
     virtual std::unique_ptr<View> makeStatusMenu(std::function<void()> showPreferences) = 0;
     virtual std::unique_ptr<View> makeBreakOverlayView(std::function<void()> onSkip,

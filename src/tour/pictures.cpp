@@ -140,6 +140,45 @@ Scenes preferences() {
              stage.instances.feedbackService().sent.set(true);
              openPreferences(stage, 4);
          }},
+        {"preferences-about",
+         [](Stage& stage) {
+             stage.desktop.updater.canCheckForUpdates.set(true);
+             stage.desktop.updater.checksAutomatically = true;
+             openPreferences(stage, 5);
+         }},
+        {"preferences-about-no-feed",
+         [](Stage& stage) {
+             stage.desktop.updater.present = Updater::Availability::noFeed;
+             openPreferences(stage, 5);
+         }},
+    };
+}
+
+void openUpdate(Stage& stage, UpdateStage shown) {
+    stage.desktop.updater.stage.set(std::move(shown));
+    stage.desktop.updater.downloadProgress.set(0.4);
+    stage.view = stage.views.makeUpdateView();
+}
+
+Scenes updates() {
+    return {
+        {"update-permission", [](Stage& stage) { openUpdate(stage, UpdatePermissionRequest{}); }},
+        {"update-check", [](Stage& stage) { openUpdate(stage, UpdateCheckInProgress{}); }},
+        {"update-none", [](Stage& stage) { openUpdate(stage, UpdateNotFound{}); }},
+        {"update-found",
+         [](Stage& stage) {
+             openUpdate(stage, UpdateFound{.version = "1.3",
+                                           .releaseNotes =
+                                               "Darker nights\n\n• The faint glow is fainter.\n• "
+                                               "Breaks wait for the end of a meeting that is "
+                                               "held in a browser."});
+         }},
+        {"update-download",
+         [](Stage& stage) { openUpdate(stage, UpdateDownload{.version = "1.3"}); }},
+        {"update-failed",
+         [](Stage& stage) {
+             openUpdate(stage, UpdaterError{"The file is not signed by the publisher"});
+         }},
     };
 }
 
@@ -300,10 +339,11 @@ bool drawForDocuments(const QString& folder) {
 
 bool drawSheets(const QString& folder, const QString& look, qreal scale) {
     bool isComplete = true;
-    const std::array<std::pair<QString, Scenes>, 4> groups = {
+    const std::array<std::pair<QString, Scenes>, 5> groups = {
         std::pair{QStringLiteral("popover"), popovers()},
         std::pair{QStringLiteral("preferences"), preferences()},
         std::pair{QStringLiteral("onboarding"), onboarding()},
+        std::pair{QStringLiteral("update"), updates()},
         std::pair{QStringLiteral("break"), breaks()}};
     for (const auto& [name, scenes] : groups) {
         isComplete &= save(

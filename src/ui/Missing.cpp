@@ -27,6 +27,17 @@ QString missingForLocation(SharedInstances& instances) {
     }
 }
 
+QString missingForUpdates(SharedInstances& instances) {
+    switch (instances.desktop().updater.availability()) {
+    case Updater::Availability::noFeed:
+        return Text::tr("This build of Nocta does not know where to look for updates.");
+    case Updater::Availability::packageManager:
+        return Text::tr("Updates of Nocta come with those of the system.");
+    default:
+        return {};
+    }
+}
+
 void explain(QWidget& control, const QString& text) {
     control.setToolTip(text); // which a screen reader is given as well
 }

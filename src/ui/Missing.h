@@ -12,6 +12,7 @@ namespace nocta {
 QString missingForBrightness(SharedInstances& instances);
 QString missingForGrayscale(SharedInstances& instances);
 QString missingForLocation(SharedInstances& instances);
+QString missingForUpdates(SharedInstances& instances);
 
 /// As a tool tip; an empty text takes it away.
 void explain(QWidget& control, const QString& text);

@@ -2,7 +2,6 @@
 
 #include "ui/Binding.h"
 #include "ui/Descriptions.h"
-#include "ui/Missing.h"
 #include "ui/SettingControls.h"
 #include "ui/Text.h"
 #include "ui/controls/FocusRing.h"
@@ -108,8 +107,7 @@ void PopoverContentView::addFooter(QVBoxLayout& column, std::function<void()> sh
     auto* const updates = new FooterButton(QStringLiteral("arrow.triangle.2.circlepath"),
                                            Text::tr("Check for Updates"));
     updates->setObjectName(QStringLiteral("checkForUpdatesButton"));
-    updates->setEnabled(false);
-    explain(*updates, Text::tr("Nocta cannot look for updates by itself."));
+    bindToUpdateCheck(*updates, instances_);
 
     auto* const quit = new FooterButton(QStringLiteral("power"), Text::tr("Quit Nocta"));
     quit->setObjectName(QStringLiteral("quitButton"));

@@ -71,4 +71,12 @@ Switch* makeLaunchAtLoginToggle(const QString& text, LaunchAtLoginService& servi
     return toggle;
 }
 
+void bindToUpdateCheck(QAbstractButton& button, SharedInstances& instances) {
+    auto& updater = instances.desktop().updater;
+    follow(button, updater.canCheckForUpdates, [&button](bool can) { button.setEnabled(can); });
+    explain(button, missingForUpdates(instances));
+    QObject::connect(&button, &QAbstractButton::clicked, &button,
+                     [&updater] { updater.checkForUpdates(); });
+}
+
 } // namespace nocta

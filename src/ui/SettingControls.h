@@ -4,6 +4,7 @@
 #include "ui/controls/Switch.h"
 #include "ui/controls/WarmthSlider.h"
 
+#include <QAbstractButton>
 #include <QWidget>
 
 namespace nocta {
@@ -21,6 +22,9 @@ Switch* makeToggle(const QString& text, const char* identifier, Setting<bool>& s
 Switch* makeGrayscaleToggle(const QString& text, SharedInstances& instances);
 
 Switch* makeLaunchAtLoginToggle(const QString& text, LaunchAtLoginService& service);
+
+/// What it does is to look for updates.
+void bindToUpdateCheck(QAbstractButton& button, SharedInstances& instances);
 
 /// A name and, at the other end of the row, a fraction as a whole percentage. For a layout.
 QWidget* makeLevelHeading(const QString& name, const char* identifier, Setting<double>& setting);

@@ -32,6 +32,10 @@ StatusMenu::StatusMenu(SharedInstances& instances, std::function<void()> showPre
     addSeparator();
     connect(addAction(Text::tr("Preferences")), &QAction::triggered, this,
             std::move(showPreferences));
+    auto& updater = instances.desktop().updater;
+    auto* const updates = addAction(Text::tr("Check for Updates"));
+    follow(*updates, updater.canCheckForUpdates, [updates](bool can) { updates->setEnabled(can); });
+    connect(updates, &QAction::triggered, this, [&updater] { updater.checkForUpdates(); });
     connect(addAction(Text::tr("Quit Nocta")), &QAction::triggered, this,
             [&application = instances.desktop().application] { application.terminate(); });
 }

@@ -6,8 +6,9 @@ namespace nocta {
 
 namespace {
 
-/// What the services say in English, for the translators' tools, which look for texts here.
-[[maybe_unused]] constexpr std::array textsOfServices = {
+/// What the services and the desktop say in English, for the translators' tools, which look for
+/// texts here.
+[[maybe_unused]] constexpr std::array textsFromElsewhere = {
     QT_TRANSLATE_NOOP("Nocta", "Everyday"),
     QT_TRANSLATE_NOOP("Nocta", "Balanced for daily use"),
     QT_TRANSLATE_NOOP("Nocta", "Night Owl"),
@@ -19,6 +20,17 @@ namespace {
     QT_TRANSLATE_NOOP("Nocta", "Other"),
     QT_TRANSLATE_NOOP("Nocta", "Failed to prepare request"),
     QT_TRANSLATE_NOOP("Nocta", "Failed to send. Please try again."),
+    QT_TRANSLATE_NOOP("Nocta", "It took too long"),
+    QT_TRANSLATE_NOOP("Nocta", "The address is not encrypted"),
+    QT_TRANSLATE_NOOP("Nocta", "The feed is too long"),
+    QT_TRANSLATE_NOOP("Nocta", "The feed gives the file no length that could be right"),
+    QT_TRANSLATE_NOOP("Nocta", "The file's address is not encrypted"),
+    QT_TRANSLATE_NOOP("Nocta", "The file is no package"),
+    QT_TRANSLATE_NOOP("Nocta", "The file is not signed"),
+    QT_TRANSLATE_NOOP("Nocta", "The file is not signed by the publisher"),
+    QT_TRANSLATE_NOOP("Nocta", "The file is longer than the feed says"),
+    QT_TRANSLATE_NOOP("Nocta", "The file is shorter than the feed says"),
+    QT_TRANSLATE_NOOP("Nocta", "Software Update"),
     QT_TRANSLATE_NOOP("Nocta", "Skip"),
     QT_TRANSLATE_NOOP("Nocta", "Snooze 5 min"),
 };

@@ -3,6 +3,7 @@
 #include "ui/BreakOverlayView.h"
 #include "ui/PopoverContentView.h"
 #include "ui/StatusMenu.h"
+#include "ui/UpdateView.h"
 #include "ui/onboarding/OnboardingView.h"
 #include "ui/preferences/PreferencesView.h"
 
@@ -36,6 +37,10 @@ std::unique_ptr<View> WidgetViews::makePreferencesView() {
 std::unique_ptr<View> WidgetViews::makeOnboardingView(std::function<void()> onComplete) {
     return std::make_unique<WidgetView>(
         std::make_unique<OnboardingView>(instances_, std::move(onComplete)));
+}
+
+std::unique_ptr<View> WidgetViews::makeUpdateView() {
+    return std::make_unique<WidgetView>(std::make_unique<UpdateView>(instances_.desktop()));
 }
 
 std::unique_ptr<View> WidgetViews::makeStatusMenu(std::function<void()> showPreferences) {

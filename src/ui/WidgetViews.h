@@ -14,6 +14,7 @@ public:
     std::unique_ptr<View> makePopoverContentView(std::function<void()> showPreferences) override;
     std::unique_ptr<View> makePreferencesView() override;
     std::unique_ptr<View> makeOnboardingView(std::function<void()> onComplete) override;
+    std::unique_ptr<View> makeUpdateView() override;
     std::unique_ptr<View> makeStatusMenu(std::function<void()> showPreferences) override;
     std::unique_ptr<View> makeBreakOverlayView(std::function<void()> onSkip,
                                                std::function<void()> onSnooze) override;

@@ -44,7 +44,7 @@ TEST_F(AppDelegateTest, StartUpInOrder) {
     // Dark by the lower half's rule alone, then backlight and faint glow.
     EXPECT_EQ(
         calls(),
-        (Calls{"statusItem", "setImage eye", "popover setContentSize 300 280",
+        (Calls{"startUpdater", "statusItem", "setImage eye", "popover setContentSize 300 280",
                "popover setAnimates true", "getActiveDisplayList 0", "getActiveDisplayList 2",
                "getActiveDisplayList 0", "getActiveDisplayList 2", "getBrightness 1",
                "addGlobalMonitorForSystemDefinedEvents", "observeDidActivateApplication",
@@ -114,6 +114,57 @@ TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAnewAfterTheyWereClos
     EXPECT_FALSE(desktop.appWindows.isOnScreen("Preferences"));
     views.showPreferences();
     EXPECT_TRUE(desktop.appWindows.isOnScreen("Preferences"));
+}
+
+TEST_F(AppDelegateTest, UpdaterThatCannotStartLeavesTheRestAsItIs) {
+    desktop.updater.present = Updater::Availability::noFeed;
+    launch();
+    EXPECT_TRUE(desktop.statusBar.hasItem());
+    EXPECT_TRUE(desktop.appWindows.isOnScreen("Welcome to Nocta"));
+}
+
+TEST_F(AppDelegateTest, FailedUpdateCycleIsLogged) {
+    launch();
+    testing::internal::CaptureStderr();
+    desktop.updater.didFinishUpdateCycle("Host not found");
+    desktop.updater.didFinishUpdateCycle(std::nullopt);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Sparkle update check failed: Host not found\n");
+}
+
+TEST_F(AppDelegateTest, EachStageOfAnUpdateHasAWindow) {
+    settings().isFirstLaunch.set(false);
+    launch();
+    desktop.trace.clear();
+    const auto show = [this](UpdateStage stage) {
+        desktop.updater.stage.set(std::move(stage));
+        desktop.runLoop.advance(0s);
+        return desktop.appWindows.windows().size();
+    };
+    EXPECT_EQ(show(UpdateCheckInProgress{}), 1U);
+    EXPECT_EQ(show(UpdateFound{.version = "1.3"}), 1U);
+    EXPECT_EQ(show(UpdateFound{.version = "1.3"}), 1U) << "to the front";
+    EXPECT_EQ(calls(),
+              (Calls{"window makeKeyAndOrderFront Software Update", "activateIgnoringOtherApps",
+                     "window close Software Update", "window makeKeyAndOrderFront Software Update",
+                     "window makeKeyAndOrderFront Software Update"}));
+    EXPECT_EQ(show({}), 0U);
+    EXPECT_EQ(views.othersAlive, 1) << "the menu";
+}
+
+TEST_F(AppDelegateTest, ClosedUpdateWindowMeansNotNow) {
+    settings().isFirstLaunch.set(false);
+    launch();
+    desktop.updater.stage.set(UpdateFound{.version = "1.3"});
+    desktop.runLoop.advance(0s);
+    desktop.trace.clear();
+    desktop.appWindows.close("Software Update");
+    desktop.runLoop.advance(0s);
+    EXPECT_EQ(calls("dismiss").size(), 1U);
+    EXPECT_TRUE(desktop.appWindows.windows().empty());
+    desktop.updater.stage.set(UpdateFound{.version = "1.3"});
+    desktop.runLoop.advance(0s);
+    EXPECT_TRUE(desktop.appWindows.isOnScreen("Software Update"));
 }
 
 TEST_F(AppDelegateTest, FirstWriteAtStartKnowsNoBacklightAndNoExternalRule) {

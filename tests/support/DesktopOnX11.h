@@ -27,7 +27,8 @@ protected:
             auto gray = std::make_unique<X11ColorMatrixFilter>(x.connection, x.displays,
                                                                x.notificationCenter, x.guardian);
             filter_.emplace(gray->isAvailable() ? std::move(gray) : nullptr);
-            mixed_.emplace(Desktop{.runLoop = desktop.runLoop,
+            mixed_.emplace(Desktop{.bundle = desktop.bundle,
+                                   .runLoop = desktop.runLoop,
                                    .notificationCenter = x.notificationCenter,
                                    .userDefaults = desktop.userDefaults,
                                    .uuidSource = desktop.uuidSource,
@@ -42,6 +43,7 @@ protected:
                                    .workspace = desktop.workspace,
                                    .userNotificationCenter = *userNotificationCenter,
                                    .urlSession = desktop.urlSession,
+                                   .updater = desktop.updater,
                                    .overlayWindows = desktop.overlayWindows,
                                    .statusBar = desktop.statusBar,
                                    .popover = desktop.popover,

@@ -29,9 +29,7 @@ protected:
         desktop.displays.plug({.id = id, .mode = DisplayMode{2560, 1440}});
     }
 
-    SharedInstances& instances() {
-        return instances_ ? *instances_ : instances_.emplace(ports(), "https://feedback.example");
-    }
+    SharedInstances& instances() { return instances_ ? *instances_ : instances_.emplace(ports()); }
     SettingsManager& settings() { return instances().settingsManager(); }
     DisplayService& displayService() { return instances().displayService(); }
     GammaController& gamma() { return instances().gammaController(); }

@@ -23,7 +23,7 @@ namespace {
 
 struct Place {
     const char* name;
-    std::function<std::unique_ptr<View>(WidgetViews&)> make;
+    std::function<std::unique_ptr<View>(WidgetViews&, Updater&)> make;
     QSize least;
     std::function<void(QWidget&)> go = [](QWidget&) {};
 };
@@ -35,14 +35,20 @@ void press(QWidget& view, const char* name, int times) {
 }
 
 std::vector<Place> places() {
-    const auto popover = [](WidgetViews& views) { return views.makePopoverContentView([] {}); };
-    const auto preferences = [](WidgetViews& views) { return views.makePreferencesView(); };
-    const auto onboarding = [](WidgetViews& views) { return views.makeOnboardingView([] {}); };
+    const auto popover = [](WidgetViews& views, Updater&) {
+        return views.makePopoverContentView([] {});
+    };
+    const auto preferences = [](WidgetViews& views, Updater&) {
+        return views.makePreferencesView();
+    };
+    const auto onboarding = [](WidgetViews& views, Updater&) {
+        return views.makeOnboardingView([] {});
+    };
     std::vector<Place> all = {{"popover", popover, {300, 280}},
                               {"popover, manual", popover, {300, 280}, [](QWidget& view) {
                                    view.findChildren<QRadioButton*>().last()->click();
                                }}};
-    for (int tab = 0; tab < 5; ++tab) {
+    for (int tab = 0; tab < 6; ++tab) {
         all.push_back({"preferences", preferences, {}, [tab](QWidget& view) {
                            view.findChild<QTabBar*>()->setCurrentIndex(tab);
                        }});
@@ -56,6 +62,17 @@ std::vector<Place> places() {
                        press(view, "continueButton", 2);
                        press(view, "adjustSettingsButton", 1);
                    }});
+    for (const auto& stage : std::vector<UpdateStage>{
+             UpdatePermissionRequest{}, UpdateCheckInProgress{}, UpdateNotFound{},
+             UpdateFound{.version = "1.3", .releaseNotes = "Darker nights"},
+             UpdateDownload{.version = "1.3"}, UpdaterError{"The feed is too long"}}) {
+        all.push_back({"update",
+                       [stage](WidgetViews& views, Updater& updater) {
+                           updater.stage.set(stage);
+                           return views.makeUpdateView();
+                       },
+                       {}});
+    }
     return all;
 }
 
@@ -73,7 +90,7 @@ protected:
         for (const auto& place : places()) {
             SCOPED_TRACE(place.name);
             settings().autoWarmthEnabled.set(true);
-            open(place.make(realViews), place.least);
+            open(place.make(realViews, desktop.updater), place.least);
             place.go(widget());
             open(std::move(view), place.least);
             look();
@@ -170,7 +187,7 @@ struct WindowCounter : QObject {
 TEST_F(EveryViewTest, NothingIsAWindowOfItsOwnWhileTheViewIsMade) {
     for (const auto& place : places()) {
         const WindowCounter windows;
-        const auto made = place.make(realViews);
+        const auto made = place.make(realViews, desktop.updater);
         EXPECT_EQ(windows.shown, 0) << place.name;
     }
 }

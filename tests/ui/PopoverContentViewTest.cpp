@@ -186,11 +186,21 @@ TEST_F(PopoverContentViewTest, StatusLineFollowsTheTimer) {
 TEST_F(PopoverContentViewTest, FooterLeadsOn) {
     click("preferencesButton");
     EXPECT_EQ(preferences, 1);
-    EXPECT_FALSE(button("Check for Updates").isEnabled());
-    EXPECT_FALSE(button("Check for Updates").toolTip().isEmpty());
     launch();
     click("quitButton");
     EXPECT_EQ(calls("synchronize").size(), 1U) << "the program has ended";
+}
+
+TEST_F(PopoverContentViewTest, UpdatesAreCheckedForWhereTheyCanBe) {
+    EXPECT_FALSE(button("Check for Updates").isEnabled());
+    desktop.updater.canCheckForUpdates.set(true);
+    click("checkForUpdatesButton");
+    EXPECT_EQ(calls("checkForUpdates").size(), 1U);
+    EXPECT_EQ(button("Check for Updates").toolTip(), "");
+    desktop.updater.present = Updater::Availability::noFeed;
+    open(realViews.makePopoverContentView([] {}), QSize(300, 280));
+    EXPECT_EQ(button("Check for Updates").toolTip(),
+              "This build of Nocta does not know where to look for updates.");
 }
 
 TEST_F(PopoverContentViewTest, ClosedViewIsNotToldAnyMore) {

@@ -38,7 +38,8 @@ TEST_F(PreferencesViewTest, TabsAreInOrder) {
     for (int i = 0; i < tabs().count(); ++i) {
         titles << tabs().tabText(i);
     }
-    EXPECT_EQ(titles, (QStringList{"General", "Brightness", "Color", "Breaks", "Feedback"}));
+    EXPECT_EQ(titles,
+              (QStringList{"General", "Brightness", "Color", "Breaks", "Feedback", "About"}));
     EXPECT_TRUE(shows("Startup"));
     tabs().setFocus();
     QTest::keyClick(&tabs(), Qt::Key_Right);

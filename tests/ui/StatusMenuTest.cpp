@@ -54,6 +54,13 @@ TEST_F(StatusMenuTest, WarmthModeIsChosenAndShown) {
     EXPECT_FALSE(item("Warmth", "Manual").isChecked());
 }
 
+TEST_F(StatusMenuTest, UpdatesAreCheckedForWhereTheyCanBe) {
+    EXPECT_FALSE(item("Check for Updates").isEnabled());
+    desktop.updater.canCheckForUpdates.set(true);
+    item("Check for Updates").trigger();
+    EXPECT_EQ(calls("checkForUpdates").size(), 1U);
+}
+
 TEST_F(StatusMenuTest, TogglesFollowTheirSettings) {
     item("Eye Relief").trigger();
     EXPECT_TRUE(settings().grayscaleEnabled.get());

@@ -20,6 +20,8 @@
 #include "backends/linux/shell/SingleInstance.h"
 #include "backends/linux/shell/SymbolIcon.h"
 #include "backends/linux/shell/SystemTray.h"
+#include "backends/linux/updates/AppcastUpdater.h"
+#include "backends/linux/updates/OpenPackage.h"
 #include "backends/linux/x11/Guardian.h"
 #include "backends/linux/x11/X11ColorMatrixFilter.h"
 #include "backends/linux/x11/X11Connection.h"
@@ -36,6 +38,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
+#include <gnu/libc-version.h>
 #include <iostream>
 #include <string>
 #include <sys/socket.h>
@@ -66,6 +69,11 @@ std::filesystem::path configFolder() {
 /// What Nocta remembers that is no setting.
 std::filesystem::path stateFolder() {
     return baseDirectory("XDG_STATE_HOME", ".local/state") / "nocta";
+}
+
+/// What can be had anew.
+std::filesystem::path cacheFolder() {
+    return baseDirectory("XDG_CACHE_HOME", ".cache") / "nocta";
 }
 
 bool canConnectToX() {
@@ -177,7 +185,8 @@ struct Toolkit {
 
 class LinuxDesktop {
 public:
-    explicit LinuxDesktop(SingleInstance instance) : instance_(std::move(instance)) {
+    LinuxDesktop(SingleInstance instance, const Bundle& bundle)
+        : instance_(std::move(instance)), bundle_(bundle) {
         if (server_.connection != nullptr) {
             server_.connection->onLost = [this] {
                 std::cerr << "nocta: the X server has closed the connection" << std::endl;
@@ -188,6 +197,7 @@ public:
 
 private:
     SingleInstance instance_;
+    const Bundle& bundle_;
     Toolkit toolkit_;
     ColorScheme colorScheme_;
     QtRunLoop runLoop_;
@@ -204,6 +214,13 @@ private:
     SessionFilter filter_{std::move(server_.grayscale)};
     FreedesktopNotifications userNotificationCenter_;
     QtUrlSession urlSession_;
+    AppcastUpdater updater_{
+        runLoop_,
+        urlSession_,
+        bundle_,
+        gnu_get_libc_version(), // what a program built elsewhere needs most
+        {.memory = stateFolder() / "updates.json", .downloads = cacheFolder() / "updates"},
+        openPackage};
     QtOverlayWindows overlayWindows_{runLoop_, server_.connection.get()};
     SystemTray tray_{server_.connection.get()};
     QtStatusBar statusBar_{tray_};
@@ -212,7 +229,8 @@ private:
     QtApplication application_{runLoop_, instance_, [this] { return tray_.isAvailable(); }};
 
 public:
-    Desktop ports{.runLoop = runLoop_,
+    Desktop ports{.bundle = bundle_,
+                  .runLoop = runLoop_,
                   .notificationCenter = notificationCenter_,
                   .userDefaults = userDefaults_,
                   .uuidSource = uuidSource_,
@@ -227,6 +245,7 @@ public:
                   .workspace = *server_.workspace,
                   .userNotificationCenter = userNotificationCenter_,
                   .urlSession = urlSession_,
+                  .updater = updater_,
                   .overlayWindows = overlayWindows_,
                   .statusBar = statusBar_,
                   .popover = popover_,
@@ -236,7 +255,7 @@ public:
 
 } // namespace
 
-DesktopSession makeDesktop() {
+DesktopSession makeDesktop(const Bundle& bundle) {
     keepStandardStreams();
     const auto wayland = environment("WAYLAND_DISPLAY");
     const auto hasX = canConnectToX();
@@ -255,7 +274,7 @@ DesktopSession makeDesktop() {
         return {.desktop = nullptr, .exitStatus = EXIT_SUCCESS};
     }
     QtApplication::blockEndingSignals();
-    const auto desktop = std::make_shared<LinuxDesktop>(std::move(instance));
+    const auto desktop = std::make_shared<LinuxDesktop>(std::move(instance), bundle);
     return {.desktop = std::shared_ptr<Desktop>(desktop, &desktop->ports)};
 }
 

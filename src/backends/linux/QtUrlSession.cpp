@@ -2,6 +2,7 @@
 
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QPointer>
 #include <QTimer>
 #include <QUrl>
 
@@ -11,15 +12,15 @@ namespace nocta {
 
 namespace {
 
-constexpr qint64 bufferSize = 1 << 16;  // bytes; nobody wants the body of a response
-constexpr qint64 largestBody = 1 << 20; // after that much of it the rest is not waited for
+constexpr qint64 bufferSize = 1 << 16;         // bytes
+constexpr qint64 largestDroppedBody = 1 << 20; // the rest is not waited for
 
 /// One task, from the request to its completion.
 class Task final : public QObject {
 public:
     Task(QNetworkAccessManager& manager, const UrlRequest& request,
-         std::function<void(const UrlResponse&)> completion)
-        : completion_(std::move(completion)) {
+         UrlSession::Completion completion, UrlSession::DidReceiveData didReceiveData)
+        : completion_(std::move(completion)), didReceiveData_(std::move(didReceiveData)) {
         timeout_.setSingleShot(true);
         connect(&timeout_, &QTimer::timeout, this,
                 [this] { finish({.error = "It took too long"}); });
@@ -28,6 +29,15 @@ public:
         QNetworkRequest question(QUrl(QString::fromStdString(request.url), QUrl::StrictMode));
         question.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                               QNetworkRequest::NoLessSafeRedirectPolicy);
+        // Only the older protocol minds the size of the buffer, and only what was not compressed
+        // is as large as it seems.
+        question.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+        question.setRawHeader("Accept-Encoding", "identity");
+        for (const auto attribute : {QNetworkRequest::CookieLoadControlAttribute,
+                                     QNetworkRequest::CookieSaveControlAttribute,
+                                     QNetworkRequest::AuthenticationReuseAttribute}) {
+            question.setAttribute(attribute, QNetworkRequest::Manual); // nobody is recognised
+        }
         for (const auto& [name, value] : request.headers) {
             question.setRawHeader(QByteArray::fromStdString(name),
                                   QByteArray::fromStdString(value));
@@ -40,7 +50,7 @@ public:
         reply_.reset(manager.sendCustomRequest(question, QByteArray::fromStdString(request.method),
                                                QByteArray::fromStdString(request.body)));
         reply_->setReadBufferSize(bufferSize);
-        connect(reply_.get(), &QNetworkReply::readyRead, this, [this] { discardBody(); });
+        connect(reply_.get(), &QNetworkReply::readyRead, this, [this] { receive(); });
         connect(reply_.get(), &QNetworkReply::finished, this, [this] { finishWithReply(); });
     }
 
@@ -53,15 +63,32 @@ private:
         }
     };
 
-    void discardBody() {
-        received_ += reply_->skip(reply_->bytesAvailable());
-        if (received_ > largestBody) {
-            finishWithReply();
+    void receive() {
+        if (didReceiveData_ == nullptr) {
+            dropped_ += reply_->skip(reply_->bytesAvailable());
+            if (dropped_ > largestDroppedBody) {
+                finishWithStatus();
+            }
+            return;
+        }
+        const auto didReceiveData = didReceiveData_;
+        const QPointer<Task> alive(this);
+        while (alive && reply_->bytesAvailable() > 0) { // whoever receives may end the task
+            const auto data = reply_->read(bufferSize);
+            didReceiveData({data.constData(), static_cast<std::size_t>(data.size())});
+        }
+    }
+
+    void finishWithReply() {
+        const QPointer<Task> alive(this);
+        receive(); // what came last
+        if (alive && reply_ != nullptr) {
+            finishWithStatus();
         }
     }
 
     /// A response is one whatever its status; Qt takes those from 400 on for errors.
-    void finishWithReply() {
+    void finishWithStatus() {
         const auto status = reply_->attribute(QNetworkRequest::HttpStatusCodeAttribute);
         const auto isBroken = reply_->error() != QNetworkReply::NoError &&
                               reply_->error() < QNetworkReply::ContentAccessDenied;
@@ -80,20 +107,22 @@ private:
         }
     }
 
-    std::function<void(const UrlResponse&)> completion_;
+    UrlSession::Completion completion_;
+    UrlSession::DidReceiveData didReceiveData_;
     QTimer timeout_;
-    qint64 received_ = 0;
+    qint64 dropped_ = 0;
     std::unique_ptr<QNetworkReply, Later> reply_;
 };
 
 } // namespace
 
-Subscription QtUrlSession::dataTask(const UrlRequest& request,
-                                    std::function<void(const UrlResponse&)> completion) {
+Subscription QtUrlSession::dataTask(const UrlRequest& request, Completion completion,
+                                    DidReceiveData didReceiveData) {
     if (manager_ == nullptr) {
         manager_ = std::make_unique<QNetworkAccessManager>();
     }
-    auto task = std::make_shared<Task>(*manager_, request, std::move(completion));
+    auto task = std::make_shared<Task>(*manager_, request, std::move(completion),
+                                       std::move(didReceiveData));
     return Subscription([task]() mutable { task.reset(); });
 }
 

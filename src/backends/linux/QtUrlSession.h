@@ -11,8 +11,8 @@ namespace nocta {
 /// The network by Qt: HTTPS alone, certificates checked against those of the system.
 class QtUrlSession final : public UrlSession {
 public:
-    Subscription dataTask(const UrlRequest& request,
-                          std::function<void(const UrlResponse&)> completion) override;
+    Subscription dataTask(const UrlRequest& request, Completion completion,
+                          DidReceiveData didReceiveData) override;
 
 private:
     std::unique_ptr<QNetworkAccessManager> manager_; ///< made for the first task

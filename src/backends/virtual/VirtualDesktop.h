@@ -12,6 +12,7 @@
 #include "backends/virtual/VirtualOverlayWindows.h"
 #include "backends/virtual/VirtualRunLoop.h"
 #include "backends/virtual/VirtualShell.h"
+#include "backends/virtual/VirtualUpdater.h"
 #include "backends/virtual/VirtualUrlSession.h"
 #include "backends/virtual/VirtualUuidSource.h"
 #include "backends/virtual/VirtualWorkspace.h"
@@ -28,6 +29,11 @@ public:
     VirtualDesktop(const VirtualDesktop&) = delete;
     VirtualDesktop& operator=(const VirtualDesktop&) = delete;
 
+    Bundle bundle{.shortVersionString = "1.2.3",
+                  .version = "45",
+                  .apiBase = "https://feedback.example",
+                  .feedUrl = "https://updates.example/appcast.xml",
+                  .publicEdKey = {}};
     VirtualRunLoop runLoop;
     Trace trace{runLoop};
     NotificationCenter notificationCenter;
@@ -41,13 +47,15 @@ public:
     VirtualWorkspace workspace{trace, displays};
     VirtualNotifications notifications{trace, runLoop};
     VirtualUrlSession urlSession{trace};
+    VirtualUpdater updater{trace};
     VirtualOverlayWindows overlayWindows{trace, runLoop, displays};
     VirtualStatusBar statusBar{trace};
     VirtualPopover popover{trace};
     VirtualAppWindows appWindows{trace};
     VirtualApplication application{trace, runLoop};
 
-    Desktop ports{.runLoop = runLoop,
+    Desktop ports{.bundle = bundle,
+                  .runLoop = runLoop,
                   .notificationCenter = notificationCenter,
                   .userDefaults = userDefaults,
                   .uuidSource = uuidSource,
@@ -62,6 +70,7 @@ public:
                   .workspace = workspace,
                   .userNotificationCenter = notifications,
                   .urlSession = urlSession,
+                  .updater = updater,
                   .overlayWindows = overlayWindows,
                   .statusBar = statusBar,
                   .popover = popover,

@@ -4,7 +4,7 @@
 #include "platform/UrlSession.h"
 
 #include <memory>
-#include <optional>
+#include <string_view>
 #include <utility>
 
 namespace nocta {
@@ -16,15 +16,22 @@ public:
 
     /// The last one that waits for an answer.
     const UrlRequest* waiting() const { return task_ == nullptr ? nullptr : &task_->request; }
+    /// A piece of the body, before the answer is complete.
+    void send(std::string_view data) const {
+        if (const auto task = task_; task->didReceiveData) {
+            task->didReceiveData(data);
+        }
+    }
     void answer(const UrlResponse& response) {
         const auto task = std::exchange(task_, nullptr);
         task->completion(response);
     }
 
-    Subscription dataTask(const UrlRequest& request,
-                          std::function<void(const UrlResponse&)> completion) override {
+    Subscription dataTask(const UrlRequest& request, Completion completion,
+                          DidReceiveData didReceiveData) override {
         trace_.record("dataTask " + request.method + " " + request.url);
-        task_ = std::make_shared<Task>(Task{request, std::move(completion)});
+        task_ =
+            std::make_shared<Task>(Task{request, std::move(completion), std::move(didReceiveData)});
         return Subscription([this, task = std::weak_ptr(task_)] {
             if (task_ != nullptr && task_ == task.lock()) {
                 task_ = nullptr;
@@ -35,7 +42,8 @@ public:
 private:
     struct Task {
         UrlRequest request;
-        std::function<void(const UrlResponse&)> completion;
+        Completion completion;
+        DidReceiveData didReceiveData;
     };
 
     Trace& trace_;

@@ -33,6 +33,7 @@ public:
         completeOnboarding = std::move(onComplete);
         return std::make_unique<Blank>(othersAlive);
     }
+    std::unique_ptr<View> makeUpdateView() override { return std::make_unique<Blank>(othersAlive); }
     std::unique_ptr<View> makeStatusMenu(std::function<void()> onPreferences) override {
         showPreferences = std::move(onPreferences);
         return std::make_unique<Blank>(othersAlive);

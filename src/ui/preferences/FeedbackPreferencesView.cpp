@@ -4,12 +4,12 @@
 #include "ui/Text.h"
 #include "ui/controls/ActionButton.h"
 #include "ui/controls/Label.h"
+#include "ui/controls/ProgressBar.h"
 #include "ui/controls/SymbolView.h"
 
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QProgressBar>
 #include <QStackedLayout>
 
 #include <string>
@@ -108,11 +108,8 @@ QWidget* FeedbackPreferencesView::makeSendButton() {
     button->setObjectName(QStringLiteral("sendButton"));
     connect(button, &QPushButton::clicked, this, [this] { service_.send(); });
     states->addWidget(button);
-    auto* const progress = new QProgressBar;
+    auto* const progress = new ProgressBar(Text::tr("Send feedback"));
     progress->setObjectName(QStringLiteral("sendProgress"));
-    progress->setAccessibleName(Text::tr("Send feedback"));
-    progress->setRange(0, 0); // nobody knows how long it takes
-    progress->setTextVisible(false);
     states->addWidget(progress);
     follow(*place, service_.isSending,
            [states](bool isSending) { states->setCurrentIndex(isSending ? 1 : 0); });

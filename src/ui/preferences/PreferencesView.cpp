@@ -3,6 +3,7 @@
 #include "ui/Text.h"
 #include "ui/controls/Hairline.h"
 #include "ui/controls/SymbolTabBar.h"
+#include "ui/preferences/AboutPreferencesView.h"
 #include "ui/preferences/BreaksPreferencesView.h"
 #include "ui/preferences/BrightnessPreferencesView.h"
 #include "ui/preferences/ColorPreferencesView.h"
@@ -20,7 +21,6 @@ namespace {
 constexpr int leastWidth = 520; // points
 constexpr int margin = 8;
 
-/// None for a tab that has nothing to show yet.
 QWidget* makePage(PreferencesTab tab, SharedInstances& instances) {
     switch (tab) {
     case PreferencesTab::general:
@@ -33,9 +33,10 @@ QWidget* makePage(PreferencesTab tab, SharedInstances& instances) {
         return new BreaksPreferencesView(instances);
     case PreferencesTab::feedback:
         return new FeedbackPreferencesView(instances.feedbackService());
-    default:
-        return nullptr;
+    case PreferencesTab::about:
+        return new AboutPreferencesView(instances);
     }
+    return nullptr;
 }
 
 } // namespace
@@ -46,12 +47,11 @@ PreferencesView::PreferencesView(SharedInstances& instances) {
     tabs->setAccessibleName(Text::tr("Preferences"));
     auto* const pages = new QStackedWidget;
     for (const auto tab : allPreferencesTabs) {
-        if (auto* const page = makePage(tab, instances)) {
-            page->setObjectName(QString::fromUtf8(rawValue(tab)));
-            page->setAccessibleName(Text::of(title(tab)));
-            tabs->addTab(Text::of(title(tab)), QString::fromUtf8(symbol(tab)));
-            pages->addWidget(page);
-        }
+        auto* const page = makePage(tab, instances);
+        page->setObjectName(QString::fromUtf8(rawValue(tab)));
+        page->setAccessibleName(Text::of(title(tab)));
+        tabs->addTab(Text::of(title(tab)), QString::fromUtf8(symbol(tab)));
+        pages->addWidget(page);
     }
     connect(tabs, &QTabBar::currentChanged, pages, &QStackedWidget::setCurrentIndex);
 

@@ -1,17 +1,12 @@
 #include "backends/linux/QtUrlSession.h"
 
 #include "support/EventLoop.h"
-#include "support/Process.h"
+#include "support/HttpsServer.h"
 
-#include <QFile>
-#include <QSslCertificate>
-#include <QSslConfiguration>
-#include <QSslKey>
-#include <QSslServer>
-#include <QSslSocket>
 #include <QTimer>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -22,82 +17,27 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// An HTTPS server on loopback, with a certificate of its own that nobody knows yet.
-class HttpsServer {
-public:
-    HttpsServer() {
-        const auto key = folder_.path() + "/key.pem";
-        const auto certificate = folder_.path() + "/certificate.pem";
-        EXPECT_EQ(runToEnd({"openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days",
-                            "1", "-subj", "/CN=localhost", "-addext",
-                            "subjectAltName=DNS:localhost", "-keyout", key, "-out", certificate}),
-                  0);
-        certificate_ = QSslCertificate::fromPath(QString::fromStdString(certificate)).value(0);
-        QFile keyFile(QString::fromStdString(key));
-        EXPECT_TRUE(keyFile.open(QIODevice::ReadOnly));
-        auto configuration = QSslConfiguration::defaultConfiguration();
-        configuration.setLocalCertificate(certificate_);
-        configuration.setPrivateKey(QSslKey(&keyFile, QSsl::Rsa));
-        server_.setSslConfiguration(configuration);
-        EXPECT_TRUE(server_.listen(QHostAddress::LocalHost));
-        QObject::connect(&server_, &QSslServer::pendingConnectionAvailable, &server_, [this] {
-            auto* const socket = server_.nextPendingConnection();
-            QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-                request += socket->readAll().toStdString();
-                const auto head = request.find("\r\n\r\n");
-                if (head != std::string::npos && respond) {
-                    respond(*socket);
-                }
-            });
-        });
-    }
-
-    std::string request;
-    std::function<void(QTcpSocket&)> respond;
-
-    const QSslCertificate& certificate() const { return certificate_; }
-    std::string address(const std::string& path = "/api/feedback") const {
-        return "https://localhost:" + std::to_string(server_.serverPort()) + path;
-    }
-    void answer(const QByteArray& status, const QByteArray& headers = {}) {
-        respond = [status, headers](QTcpSocket& socket) {
-            socket.write("HTTP/1.1 " + status + "\r\n" + headers +
-                         "Content-Length: 0\r\nConnection: close\r\n\r\n");
-        };
-    }
-
-private:
-    TemporaryFolder folder_;
-    QSslCertificate certificate_;
-    QSslServer server_;
-};
-
 class QtUrlSessionTest : public ::testing::Test {
 protected:
     HttpsServer server;
-    QSslConfiguration before = QSslConfiguration::defaultConfiguration();
+    std::optional<TrustIn> trust{server};
     QtUrlSession session;
     int completions = 0;
     Subscription task;
 
-    void SetUp() override {
-        auto trusting = before;
-        trusting.addCaCertificate(server.certificate());
-        QSslConfiguration::setDefaultConfiguration(trusting);
-    }
-    void TearDown() override { QSslConfiguration::setDefaultConfiguration(before); }
-
     UrlResponse post(const std::string& url, std::chrono::milliseconds timeout = 20s) {
         std::optional<UrlResponse> response;
-        task = session.dataTask({.url = url,
-                                 .method = "POST",
-                                 .headers = {{"Content-Type", "application/json"}},
-                                 .body = R"({"message":"hello"})",
-                                 .timeout = timeout},
-                                [&](const UrlResponse& answer) {
-                                    ++completions;
-                                    response = answer;
-                                });
+        task = session.dataTask(
+            {.url = url,
+             .method = "POST",
+             .headers = {{"Content-Type", "application/json"}},
+             .body = R"({"message":"hello"})",
+             .timeout = timeout},
+            [&](const UrlResponse& answer) {
+                ++completions;
+                response = answer;
+            },
+            nullptr);
         EXPECT_FALSE(response.has_value()) << "from the run loop";
         EXPECT_TRUE(serveUntil([&] { return response.has_value(); }));
         EXPECT_NE(response->statusCode.has_value(), response->error.has_value());
@@ -147,7 +87,7 @@ TEST_F(QtUrlSessionTest, AddressThatIsNotEncryptedIsRefused) {
 }
 
 TEST_F(QtUrlSessionTest, CertificateThatNobodyKnowsIsRefused) {
-    QSslConfiguration::setDefaultConfiguration(before);
+    trust.reset();
     server.answer("200 OK");
     EXPECT_TRUE(post(server.address()).error.has_value());
     EXPECT_EQ(server.request, "") << "nothing was told";
@@ -196,10 +136,83 @@ TEST_F(QtUrlSessionTest, TaskThatIsDroppedIsNotCompleted) {
     server.answer("200 OK");
     task = session.dataTask(
         {.url = server.address(), .method = "POST", .headers = {}, .body = {}, .timeout = 20s},
-        [&](const UrlResponse& /*answer*/) { ++completions; });
+        [&](const UrlResponse& /*answer*/) { ++completions; }, nullptr);
     task.cancel();
     EXPECT_EQ(post(server.address()).statusCode, 200);
     EXPECT_EQ(completions, 1) << "of the second";
+}
+
+/// What is received is kept.
+class QtUrlSessionBodyTest : public QtUrlSessionTest {
+protected:
+    std::string body;
+    std::size_t longestPiece = 0;
+
+    UrlResponse get(const std::function<void()>& afterPiece = [] {}) {
+        std::optional<UrlResponse> response;
+        task = session.dataTask(
+            {.url = server.address("/feed"),
+             .method = "GET",
+             .headers = {},
+             .body = {},
+             .timeout = 20s},
+            [&](const UrlResponse& answer) { response = answer; },
+            [&, afterPiece](std::string_view piece) {
+                body += piece;
+                longestPiece = std::max(longestPiece, piece.size());
+                afterPiece();
+            });
+        EXPECT_TRUE(serveUntil([&] { return response.has_value() || !task; }));
+        return response.value_or(UrlResponse{});
+    }
+    void answerWith(const std::string& content, const std::string& headers = {}) {
+        server.respond = [content, headers](QTcpSocket& socket) {
+            socket.write(QByteArray::fromStdString("HTTP/1.1 200 OK\r\n" + headers +
+                                                   "Connection: close\r\n\r\n" + content));
+            socket.disconnectFromHost();
+        };
+    }
+};
+
+TEST_F(QtUrlSessionBodyTest, ComesWholeAndInPieces) {
+    std::string content(3'000'001, '\0');
+    for (std::size_t i = 0; i < content.size(); ++i) {
+        content[i] = static_cast<char>(i * 2654435761U >> 24);
+    }
+    answerWith(content);
+    EXPECT_EQ(get().statusCode, 200);
+    EXPECT_TRUE(body == content);
+    EXPECT_LE(longestPiece, 65536U);
+    EXPECT_TRUE(server.request.starts_with("GET /feed HTTP/1.1\r\n"));
+}
+
+TEST_F(QtUrlSessionBodyTest, TaskMayBeEndedByWhoeverReceives) {
+    answerWith(std::string(1'000'000, 'x'));
+    EXPECT_FALSE(get([this] { task.cancel(); }).statusCode);
+    EXPECT_EQ(body.size(), longestPiece) << "one piece";
+}
+
+TEST_F(QtUrlSessionBodyTest, NothingIsUnpacked) {
+    answerWith("\x1F\x8B packed", "Content-Encoding: gzip\r\n");
+    EXPECT_EQ(get().statusCode, 200);
+    EXPECT_EQ(body, "\x1F\x8B packed");
+    EXPECT_NE(server.request.find("Accept-Encoding: identity\r\n"), std::string::npos);
+}
+
+TEST_F(QtUrlSessionBodyTest, NobodyIsRecognised) {
+    answerWith("a", "Set-Cookie: who=me\r\n");
+    get();
+    server.request.clear();
+    get();
+    EXPECT_EQ(body, "aa");
+    EXPECT_EQ(server.request.find("Cookie"), std::string::npos);
+}
+
+TEST_F(QtUrlSessionBodyTest, BodyThatBreaksOffIsAnError) {
+    answerWith("half", "Content-Length: 8\r\n");
+    const auto response = get();
+    EXPECT_TRUE(response.error.has_value());
+    EXPECT_FALSE(response.statusCode.has_value());
 }
 
 } // namespace

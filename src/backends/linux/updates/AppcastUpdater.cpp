@@ -1,0 +1,332 @@
+#include "backends/linux/updates/AppcastUpdater.h"
+
+#include "backends/linux/updates/VersionOrder.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <utility>
+#include <variant>
+
+namespace nocta {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr Duration checkInterval = 24h;
+constexpr Duration lookInterval = 1h; // at the wall clock, which goes on while the machine sleeps
+constexpr auto feedTimeout = 60s;
+constexpr auto fileTimeout = 1h;
+constexpr std::size_t largestFeed = 1 << 20;    // bytes
+constexpr std::int64_t largestFile = 1LL << 30; // bytes
+constexpr int succeeded = 200;
+
+constexpr std::array packageSuffixes = {".deb", ".rpm"};
+
+/// Where a release's file is kept: under a name that the feed has no part in. None for what no
+/// installer takes.
+std::optional<std::filesystem::path> packageName(const std::string& url) {
+    const auto* const suffix = std::ranges::find_if(
+        packageSuffixes, [&](const char* candidate) { return url.ends_with(candidate); });
+    return suffix == packageSuffixes.end()
+               ? std::nullopt
+               : std::optional(std::filesystem::path(std::string("nocta-update") + *suffix));
+}
+
+bool isForThisSystem(const AppcastItem& item, const std::string& systemVersion) {
+    return item.channel.empty() && (item.os.empty() || item.os == "linux") &&
+           compareVersions(item.minimumSystemVersion, systemVersion) <= 0;
+}
+
+/// Why a release cannot be offered, whatever its file will be.
+std::optional<std::string> flaw(const AppcastItem& item) {
+    if (!item.url.starts_with("https://")) {
+        return "The file's address is not encrypted";
+    }
+    if (!ed25519Signature(item.edSignature)) {
+        return "The file is not signed";
+    }
+    if (item.length <= 0 || item.length > largestFile) {
+        return "The feed gives the file no length that could be right";
+    }
+    if (!packageName(item.url)) {
+        return "The file is no package";
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+AppcastUpdater::AppcastUpdater(RunLoop& runLoop, UrlSession& urlSession, const Bundle& bundle,
+                               std::string systemVersion, const Places& places,
+                               PackageInstaller openPackage)
+    : runLoop_(runLoop), urlSession_(urlSession), bundle_(bundle),
+      systemVersion_(std::move(systemVersion)), downloads_(places.downloads),
+      openPackage_(std::move(openPackage)), memory_(places.memory),
+      publicKey_(ed25519PublicKey(bundle.publicEdKey)), begin_(runLoop, [this] { begin(); }) {}
+
+Updater::Availability AppcastUpdater::availability() const {
+    if (bundle_.isPackageManaged) {
+        return Availability::packageManager;
+    }
+    return bundle_.feedUrl.empty() ? Availability::noFeed : Availability::available;
+}
+
+std::optional<std::string> AppcastUpdater::startUpdater(DidFinishUpdateCycle didFinishUpdateCycle) {
+    if (availability() != Availability::available) {
+        return "There is no feed to look at";
+    }
+    if (!publicKey_) {
+        return "The publisher's key is none";
+    }
+    didFinishUpdateCycle_ = std::move(didFinishUpdateCycle);
+    canCheckForUpdates.set(true);
+    begin_.request();
+    return std::nullopt;
+}
+
+/// The user is asked at the second start: at the first there is enough that is new.
+void AppcastUpdater::begin() {
+    if (memory_.record().checksAutomatically) {
+        keepChecking();
+    } else if (!memory_.isKept()) {
+        memory_.update([](UpdaterRecord& /*record*/) {});
+    } else if (!isShown()) {
+        stage.set(UpdatePermissionRequest{});
+    }
+}
+
+bool AppcastUpdater::automaticallyChecksForUpdates() const {
+    return memory_.record().checksAutomatically.value_or(false);
+}
+
+void AppcastUpdater::setAutomaticallyChecksForUpdates(bool checks) {
+    memory_.update([checks](UpdaterRecord& record) { record.checksAutomatically = checks; });
+    if (std::holds_alternative<UpdatePermissionRequest>(stage.get())) {
+        stage.set({});
+    }
+    keepChecking();
+}
+
+bool AppcastUpdater::automaticallyDownloadsUpdates() const {
+    return memory_.record().downloadsAutomatically;
+}
+
+void AppcastUpdater::setAutomaticallyDownloadsUpdates(bool downloads) {
+    memory_.update(
+        [downloads](UpdaterRecord& record) { record.downloadsAutomatically = downloads; });
+}
+
+void AppcastUpdater::keepChecking() {
+    if (canCheckForUpdates.get() && automaticallyChecksForUpdates()) {
+        timer_.start(runLoop_, lookInterval, Repeat::yes, [this] { checkIfDue(); });
+        checkIfDue();
+    } else {
+        timer_.invalidate();
+    }
+}
+
+void AppcastUpdater::checkIfDue() {
+    const auto now = runLoop_.wallNow();
+    const auto& last = memory_.record().lastCheck;
+    const auto isDue = !last || now < *last || now - *last >= checkInterval; // it may have been set
+    if (isDue && !isShown() && !isLoading()) {
+        isUserInitiated_ = false;
+        check();
+    }
+}
+
+void AppcastUpdater::checkForUpdates() {
+    if (!canCheckForUpdates.get()) {
+        return;
+    }
+    if (isShown()) {
+        stage.set(stage.get()); // to the front
+        return;
+    }
+    isUserInitiated_ = true;
+    if (file_) {
+        stage.set(UpdateDownload{offered_.shortVersionString});
+    } else {
+        stage.set(UpdateCheckInProgress{});
+    }
+    if (!isLoading()) {
+        check();
+    }
+}
+
+void AppcastUpdater::check() {
+    feed_.clear();
+    load(std::string(bundle_.feedUrl), feedTimeout, &AppcastUpdater::readFeed,
+         [this](std::string_view piece) { receiveFeed(piece); });
+}
+
+void AppcastUpdater::receiveFeed(std::string_view piece) {
+    if (piece.size() > largestFeed - feed_.size()) {
+        fail("The feed is too long");
+        return;
+    }
+    feed_ += piece;
+}
+
+void AppcastUpdater::readFeed() {
+    auto appcast = parseAppcast(std::exchange(feed_, {}));
+    if (appcast.error) {
+        fail(*appcast.error);
+        return;
+    }
+    memory_.update([this](UpdaterRecord& record) {
+        record.lastCheck = std::chrono::floor<std::chrono::seconds>(runLoop_.wallNow());
+    });
+    std::erase_if(appcast.items, [this](const AppcastItem& item) {
+        return !isForThisSystem(item, systemVersion_) ||
+               compareVersions(item.version, bundle_.version) <= 0;
+    });
+    const auto newest =
+        std::ranges::max_element(appcast.items, [](const AppcastItem& a, const AppcastItem& b) {
+            return compareVersions(a.version, b.version) < 0;
+        });
+    if (newest != appcast.items.end()) {
+        offer(*newest);
+    } else if (isUserInitiated_) {
+        finish(UpdateNotFound{});
+    } else {
+        finish();
+    }
+}
+
+void AppcastUpdater::offer(const AppcastItem& item) {
+    if (!isUserInitiated_ && item.version == memory_.record().skippedVersion) {
+        finish();
+        return;
+    }
+    if (const auto reason = flaw(item)) {
+        fail(*reason);
+        return;
+    }
+    offered_ = item;
+    if (!isUserInitiated_ && automaticallyDownloadsUpdates() &&
+        downloaded_ != offered_.edSignature) {
+        download();
+    } else {
+        showOffer();
+    }
+}
+
+void AppcastUpdater::showOffer() {
+    stage.set(UpdateFound{offered_.shortVersionString, offered_.releaseNotes});
+}
+
+void AppcastUpdater::install() {
+    if (!std::holds_alternative<UpdateFound>(stage.get())) {
+        return;
+    }
+    isUserInitiated_ = true;
+    if (downloaded_ == offered_.edSignature) {
+        handOver();
+    } else {
+        stage.set(UpdateDownload{offered_.shortVersionString});
+        download();
+    }
+}
+
+void AppcastUpdater::skip() {
+    if (std::holds_alternative<UpdateFound>(stage.get())) {
+        memory_.update([this](UpdaterRecord& record) { record.skippedVersion = offered_.version; });
+        finish();
+    }
+}
+
+void AppcastUpdater::dismiss() {
+    if (std::holds_alternative<UpdatePermissionRequest>(stage.get())) {
+        setAutomaticallyChecksForUpdates(false);
+    } else if (isLoading() || std::holds_alternative<UpdateFound>(stage.get())) {
+        finish();
+    } else {
+        stage.set({}); // the cycle has ended
+    }
+}
+
+void AppcastUpdater::download() {
+    downloaded_.clear();
+    downloadProgress.set(0);
+    file_.emplace(downloads_ / *packageName(offered_.url), offered_.length, *publicKey_,
+                  *ed25519Signature(offered_.edSignature));
+    load(offered_.url, fileTimeout, &AppcastUpdater::finishFile,
+         [this](std::string_view piece) { receiveFile(piece); });
+}
+
+void AppcastUpdater::receiveFile(std::string_view piece) {
+    if (const auto error = file_->add(piece)) {
+        fail(*error);
+        return;
+    }
+    downloadProgress.set(file_->progress());
+}
+
+void AppcastUpdater::finishFile() {
+    if (const auto error = file_->finish()) {
+        fail(*error);
+        return;
+    }
+    file_.reset();
+    downloaded_ = offered_.edSignature;
+    if (isUserInitiated_) {
+        handOver();
+    } else {
+        showOffer();
+    }
+}
+
+/// The cycle ends here: what comes of it is the installer's.
+void AppcastUpdater::handOver() {
+    const auto package = downloads_ / *packageName(offered_.url);
+    finish();
+    installation_ = openPackage_(package, [this](const std::optional<std::string>& error) {
+        if (error) {
+            stage.set(UpdaterError{*error});
+        }
+    });
+}
+
+/// `received` is called once all of it has come.
+void AppcastUpdater::load(const std::string& url, Duration timeout,
+                          void (AppcastUpdater::*received)(),
+                          UrlSession::DidReceiveData didReceiveData) {
+    const auto userAgent = "Nocta/" + std::string(bundle_.shortVersionString);
+    task_ = urlSession_.dataTask(
+        {.url = url,
+         .method = "GET",
+         .headers = {{"User-Agent", userAgent}},
+         .body = {},
+         .timeout = std::chrono::duration_cast<std::chrono::milliseconds>(timeout)},
+        [this, received](const UrlResponse& response) {
+            task_.cancel();
+            if (response.error) {
+                fail(*response.error);
+            } else if (response.statusCode != succeeded) {
+                fail("The server answered " + std::to_string(*response.statusCode));
+            } else {
+                (this->*received)();
+            }
+        },
+        std::move(didReceiveData));
+}
+
+/// The user sees it where it was the user who asked.
+void AppcastUpdater::fail(const std::string& error) {
+    finish(isUserInitiated_ ? UpdateStage(UpdaterError{error}) : UpdateStage(), error);
+}
+
+void AppcastUpdater::finish(UpdateStage last, const std::optional<std::string>& error) {
+    task_.cancel();
+    feed_ = {};
+    file_.reset();
+    if (isShown() || last.index() != 0) {
+        stage.set(std::move(last));
+    }
+    didFinishUpdateCycle_(error);
+}
+
+} // namespace nocta

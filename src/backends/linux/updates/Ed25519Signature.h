@@ -1,0 +1,38 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <sodium.h>
+#include <string_view>
+
+namespace nocta {
+
+using Ed25519PublicKey = std::array<unsigned char, 32>;
+using Ed25519Signature = std::array<unsigned char, 64>;
+
+/// From Base64. None for a point that no honest key is.
+std::optional<Ed25519PublicKey> ed25519PublicKey(std::string_view base64);
+/// From Base64.
+std::optional<Ed25519Signature> ed25519Signature(std::string_view base64);
+
+/// Checks the signature of a message that is too long to be held. RFC 8032, section 5.1.7, where
+/// the message is hashed once and in order; without the cofactor, as libsodium's own check.
+///
+///     Ed25519Verification verification(key, signature);
+///     verification.update(piece); // for each
+///     verification.isValid();     // once
+class Ed25519Verification {
+public:
+    Ed25519Verification(const Ed25519PublicKey& key, const Ed25519Signature& signature);
+
+    void update(std::string_view piece);
+    bool isValid();
+
+private:
+    Ed25519PublicKey key_;
+    Ed25519Signature signature_;
+    crypto_hash_sha512_state hash_;
+};
+
+} // namespace nocta

@@ -1,0 +1,46 @@
+#include "backends/linux/updates/OpenPackage.h"
+
+#include <QProcess>
+
+#include <memory>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+struct Later {
+    void operator()(QProcess* opener) const {
+        opener->disconnect();
+        opener->deleteLater(); // it may be what calls
+    }
+};
+
+} // namespace
+
+Subscription openPackage(const std::filesystem::path& package,
+                         std::function<void(const std::optional<std::string>& error)> opened) {
+    std::shared_ptr<QProcess> opener(new QProcess, Later());
+    const auto finish = [package, opened = std::move(opened)](bool isOpened) {
+        opened(isOpened ? std::nullopt
+                        : std::optional("Nothing here installs packages; it waits at " +
+                                        package.string()));
+    };
+    QObject::connect(opener.get(), &QProcess::finished, opener.get(),
+                     [finish](int exitCode, QProcess::ExitStatus status) {
+                         finish(status == QProcess::NormalExit && exitCode == 0);
+                     });
+    QObject::connect(opener.get(), &QProcess::errorOccurred, opener.get(),
+                     [finish](QProcess::ProcessError error) {
+                         if (error == QProcess::FailedToStart) { // all else ends with its finish
+                             finish(false);
+                         }
+                     });
+    opener->setStandardInputFile(QProcess::nullDevice());
+    opener->setStandardOutputFile(QProcess::nullDevice());
+    opener->setStandardErrorFile(QProcess::nullDevice());
+    opener->start(QStringLiteral("xdg-open"), {QString::fromStdString(package.string())});
+    return Subscription([opener]() mutable { opener.reset(); });
+}
+
+} // namespace nocta

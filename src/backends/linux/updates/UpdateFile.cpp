@@ -1,0 +1,55 @@
+#include "backends/linux/updates/UpdateFile.h"
+
+#include <system_error>
+
+namespace nocta {
+
+UpdateFile::UpdateFile(const std::filesystem::path& file, std::int64_t length,
+                       const Ed25519PublicKey& key, const Ed25519Signature& signature)
+    : file_(file), part_(QString::fromStdString(file.string() + ".part")), length_(length),
+      verification_(key, signature) {
+    std::error_code error;
+    std::filesystem::create_directories(file.parent_path(), error);
+    std::filesystem::permissions(file.parent_path(), std::filesystem::perms::owner_all, error);
+    std::filesystem::remove(file, error);
+    part_.remove(); // of a process that was killed
+    part_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered,
+               QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}
+
+UpdateFile::~UpdateFile() {
+    part_.remove();
+}
+
+std::optional<std::string> UpdateFile::add(std::string_view piece) {
+    const auto size = static_cast<std::int64_t>(piece.size());
+    if (size > length_ - received_) {
+        return "The file is longer than the feed says";
+    }
+    received_ += size;
+    verification_.update(piece);
+    return part_.write(piece.data(), size) == size ? std::nullopt : cannotWrite();
+}
+
+std::optional<std::string> UpdateFile::finish() {
+    if (received_ != length_) {
+        return "The file is shorter than the feed says";
+    }
+    if (!verification_.isValid()) {
+        return "The file is not signed by the publisher";
+    }
+    part_.close();
+    std::error_code error;
+    std::filesystem::rename(part_.filesystemFileName(), file_, error);
+    return error ? std::optional("The file cannot be kept: " + error.message()) : std::nullopt;
+}
+
+double UpdateFile::progress() const {
+    return static_cast<double>(received_) / static_cast<double>(length_);
+}
+
+std::optional<std::string> UpdateFile::cannotWrite() {
+    return "The file cannot be kept: " + part_.errorString().toStdString();
+}
+
+} // namespace nocta

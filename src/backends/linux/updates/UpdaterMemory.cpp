@@ -1,0 +1,94 @@
+#include "backends/linux/updates/UpdaterMemory.h"
+
+#include "backends/linux/FileContent.h"
+
+#include <QSaveFile>
+#include <nlohmann/json.hpp>
+
+#include <chrono>
+#include <cstdint>
+#include <iostream>
+#include <system_error>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+constexpr std::size_t largestRecord = 1 << 16; // bytes
+
+constexpr auto checksAutomatically = "checksAutomatically";
+constexpr auto downloadsAutomatically = "downloadsAutomatically";
+constexpr auto lastCheck = "lastCheck"; // seconds since 1970
+constexpr auto skippedVersion = "skippedVersion";
+
+template <class Value>
+std::optional<Value> valueOf(const nlohmann::json& record, const char* key) {
+    const auto found = record.find(key);
+    if (found == record.end()) {
+        return std::nullopt;
+    }
+    const auto* const value = found->get_ptr<const Value*>();
+    return value == nullptr ? std::nullopt : std::optional(*value);
+}
+
+/// As far as the clock reaches.
+std::optional<WallTime> timeOf(std::int64_t seconds) {
+    constexpr auto latest = std::chrono::floor<std::chrono::seconds>(WallTime::max());
+    if (seconds < 0 || seconds > latest.time_since_epoch().count()) {
+        return std::nullopt;
+    }
+    return WallTime(std::chrono::seconds(seconds));
+}
+
+} // namespace
+
+UpdaterRecord parseUpdaterRecord(std::string_view json) {
+    UpdaterRecord record;
+    const auto parsed = nlohmann::json::parse(json, nullptr, false);
+    if (!parsed.is_object()) {
+        return record;
+    }
+    record.checksAutomatically = valueOf<bool>(parsed, checksAutomatically);
+    record.downloadsAutomatically = valueOf<bool>(parsed, downloadsAutomatically).value_or(false);
+    if (const auto seconds = valueOf<std::int64_t>(parsed, lastCheck)) {
+        record.lastCheck = timeOf(*seconds);
+    }
+    record.skippedVersion = valueOf<std::string>(parsed, skippedVersion).value_or("");
+    return record;
+}
+
+std::string serialized(const UpdaterRecord& record) {
+    nlohmann::json json = {{downloadsAutomatically, record.downloadsAutomatically}};
+    if (record.checksAutomatically) {
+        json[checksAutomatically] = *record.checksAutomatically;
+    }
+    if (record.lastCheck) {
+        json[lastCheck] =
+            std::chrono::floor<std::chrono::seconds>(*record.lastCheck).time_since_epoch().count();
+    }
+    if (!record.skippedVersion.empty()) {
+        json[skippedVersion] = record.skippedVersion;
+    }
+    return json.dump() + "\n";
+}
+
+UpdaterMemory::UpdaterMemory(std::filesystem::path file) : file_(std::move(file)) {
+    std::string content;
+    isKept_ = readFile(file_, largestRecord, content) == 0;
+    record_ = parseUpdaterRecord(content);
+}
+
+void UpdaterMemory::write() {
+    std::error_code error;
+    std::filesystem::create_directories(file_.parent_path(), error);
+    QSaveFile file(QString::fromStdString(file_.string())); // replaces in one step
+    const auto content = serialized(record_);
+    if (!file.open(QIODevice::WriteOnly) ||
+        file.write(content.data(), static_cast<qint64>(content.size())) < 0 || !file.commit()) {
+        std::cerr << "nocta: cannot write " << file_.string() << ": "
+                  << file.errorString().toStdString() << std::endl;
+    }
+}
+
+} // namespace nocta

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "base/RunLoop.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace nocta {
+
+/// What the updater remembers between two runs.
+struct UpdaterRecord {
+    std::optional<bool> checksAutomatically{}; ///< none until the user has decided
+    bool downloadsAutomatically = false;
+    std::optional<WallTime> lastCheck{}; ///< that was answered, in whole seconds
+    std::string skippedVersion{};
+
+    bool operator==(const UpdaterRecord&) const = default;
+};
+
+/// What is of the wrong type or cannot be read counts as not there.
+UpdaterRecord parseUpdaterRecord(std::string_view json);
+std::string serialized(const UpdaterRecord& record);
+
+/// The record in a file of its own. One that cannot be written is kept in memory.
+class UpdaterMemory {
+public:
+    explicit UpdaterMemory(std::filesystem::path file);
+
+    /// Whether there was a record before this run.
+    bool isKept() const { return isKept_; }
+    const UpdaterRecord& record() const { return record_; }
+
+    template <class Change>
+    void update(Change change) {
+        change(record_);
+        write();
+    }
+
+private:
+    void write();
+
+    std::filesystem::path file_;
+    bool isKept_ = false;
+    UpdaterRecord record_;
+};
+
+} // namespace nocta

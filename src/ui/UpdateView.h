@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/Desktop.h"
+#include "ui/controls/ActionButton.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+#include <QWidget>
+
+#include <functional>
+#include <variant>
+
+namespace nocta {
+
+/// What the updater has to show at its present stage, and the user's answers.
+class UpdateView final : public QWidget {
+public:
+    explicit UpdateView(Desktop& desktop);
+
+private:
+    void build(std::monostate /*nothing*/) {}
+    void build(const UpdatePermissionRequest& request);
+    void build(const UpdateCheckInProgress& check);
+    void build(const UpdateNotFound& result);
+    void build(const UpdateFound& found);
+    void build(const UpdateDownload& download);
+    void build(const UpdaterError& error);
+
+    void say(const QString& heading, const QString& text = {});
+    void addAnswer(const QString& text, const char* identifier,
+                   std::function<void(Updater&)> answer,
+                   ActionButton::Rank rank = ActionButton::Rank::normal);
+
+    const Bundle& bundle_;
+    Updater& updater_;
+    QVBoxLayout* column_;
+    QHBoxLayout* answers_;
+};
+
+} // namespace nocta

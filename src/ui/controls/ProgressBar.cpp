@@ -1,0 +1,36 @@
+#include "ui/controls/ProgressBar.h"
+
+#include "ui/Colors.h"
+
+#include <QEvent>
+
+#include <utility>
+
+namespace nocta {
+
+ProgressBar::ProgressBar(const QString& name) {
+    setAccessibleName(name);
+    setRange(0, 0);
+    setTextVisible(false);
+    dress();
+}
+
+void ProgressBar::changeEvent(QEvent* event) {
+    QProgressBar::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        dress();
+    }
+}
+
+void ProgressBar::dress() {
+    if (std::exchange(isDressing_, true)) {
+        return; // the change is this one
+    }
+    setPalette({}); // what the window has
+    auto colors = palette();
+    colors.setColor(QPalette::Highlight, accentColor(colors));
+    setPalette(colors);
+    isDressing_ = false;
+}
+
+} // namespace nocta

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "app/SharedInstances.h"
+#include "ui/controls/FormSection.h"
+#include "ui/controls/Switch.h"
+
+namespace nocta {
+
+/// Which Nocta this is, and how it is kept up to date.
+class AboutPreferencesView final : public FormPage {
+public:
+    explicit AboutPreferencesView(SharedInstances& instances);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    Updater& updater_;
+    Switch* autoCheck_;
+    Switch* autoDownload_;
+};
+
+} // namespace nocta

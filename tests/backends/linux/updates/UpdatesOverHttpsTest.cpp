@@ -1,0 +1,207 @@
+// The updater against a real server, with an appcast that is signed in the test.
+
+#include "backends/linux/QtUrlSession.h"
+#include "backends/linux/shell/QtRunLoop.h"
+#include "backends/linux/updates/AppcastUpdater.h"
+#include "support/EventLoop.h"
+#include "support/HttpsServer.h"
+#include "support/Publisher.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace nocta {
+namespace {
+
+class UpdatesOverHttpsTest : public ::testing::Test {
+protected:
+    const std::string file = std::string(300'000, 'n') + "octa";
+    HttpsServer server;
+    std::optional<TrustIn> trust{server};
+    QtRunLoop runLoop;
+    QtUrlSession session;
+    Publisher publisher;
+    std::string key = publisher.publicKey();
+    std::string feedUrl = server.address("/appcast.xml");
+    Bundle bundle{.shortVersionString = "1.2.3",
+                  .version = "45",
+                  .apiBase = {},
+                  .feedUrl = feedUrl,
+                  .publicEdKey = key};
+    TemporaryFolder folder;
+    std::map<std::string, std::string> answers; ///< by path, with status and headers
+    std::vector<std::string> asked;             ///< paths
+    std::vector<std::string> opened;
+    std::vector<std::string> errors; ///< of the cycles
+    std::optional<AppcastUpdater> updater;
+
+    void SetUp() override {
+        server.respond = [this](QTcpSocket& socket) {
+            const auto path = server.request.substr(4, server.request.find(' ', 4) - 4);
+            server.request.clear();
+            asked.push_back(path);
+            const auto answer = answers.find(path);
+            socket.write(QByteArray::fromStdString(
+                answer == answers.end() ? "HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n"
+                                        : answer->second));
+            socket.disconnectFromHost();
+        };
+        updater.emplace(
+            runLoop, session, bundle, "2.36",
+            AppcastUpdater::Places{folder.path() + "/state.json", folder.path() + "/cache"},
+            [this](const std::filesystem::path& path, const auto& whenOpened) {
+                opened.push_back(contentOf(path.string()));
+                whenOpened(std::nullopt);
+                return Subscription();
+            });
+        updater->startUpdater([this](const std::optional<std::string>& error) {
+            if (error) {
+                errors.push_back(*error);
+            }
+        });
+    }
+
+    Release release() const {
+        return {.url = server.address("/nocta.deb"),
+                .signature = publisher.sign(file),
+                .length = std::to_string(file.size())};
+    }
+    void serve(const std::string& path, const std::string& body) {
+        answers[path] = "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + body;
+    }
+    void redirect(const std::string& path, const std::string& address) {
+        answers[path] = "HTTP/1.1 302 Found\r\nLocation: " + address +
+                        "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
+    }
+
+    template <class Stage>
+    bool shows() const {
+        return std::holds_alternative<Stage>(updater->stage.get());
+    }
+    /// The stage that a check by the user ends with.
+    void check() {
+        updater->checkForUpdates();
+        EXPECT_TRUE(serveUntil([this] { return !shows<UpdateCheckInProgress>(); }));
+    }
+    /// From the check to the installer, or to the error that is returned.
+    std::string install() {
+        check();
+        if (shows<UpdateFound>()) {
+            updater->install();
+            EXPECT_TRUE(serveUntil([this] { return !shows<UpdateDownload>(); }));
+        }
+        const auto* const error = std::get_if<UpdaterError>(&updater->stage.get());
+        const auto text = error == nullptr ? "" : error->description;
+        EXPECT_EQ(text, errors.empty() ? "" : errors.back());
+        errors.clear();
+        updater->dismiss();
+        return text;
+    }
+    void expectRefused() {
+        EXPECT_NE(install(), "");
+        EXPECT_TRUE(opened.empty());
+        EXPECT_TRUE(!std::filesystem::exists(folder.path() + "/cache") ||
+                    std::filesystem::is_empty(folder.path() + "/cache"));
+    }
+};
+
+TEST_F(UpdatesOverHttpsTest, SignedReleaseReachesTheInstaller) {
+    serve("/appcast.xml", appcast(release().item()));
+    serve("/nocta.deb", file);
+    EXPECT_EQ(install(), "");
+    EXPECT_EQ(opened, std::vector{file});
+    EXPECT_EQ(asked, (std::vector<std::string>{"/appcast.xml", "/nocta.deb"}));
+}
+
+TEST_F(UpdatesOverHttpsTest, RedirectionsAreFollowedWhereTheyAreEncrypted) {
+    redirect("/appcast.xml", "/moved.xml");
+    serve("/moved.xml", appcast(release().item()));
+    redirect("/nocta.deb", server.address("/1.3/nocta.deb"));
+    serve("/1.3/nocta.deb", file);
+    EXPECT_EQ(install(), "");
+    EXPECT_EQ(opened, std::vector{file});
+}
+
+TEST_F(UpdatesOverHttpsTest, RedirectionToAPlainOrEndlessAddressIsRefused) {
+    for (const auto* const address : {"http://localhost/appcast.xml", "/appcast.xml",
+                                      "file:///etc/passwd", "ftp://localhost/", "https://"}) {
+        redirect("/appcast.xml", address);
+        expectRefused();
+    }
+    serve("/appcast.xml", appcast(release().item()));
+    redirect("/nocta.deb", "http://localhost/nocta.deb");
+    expectRefused();
+}
+
+TEST_F(UpdatesOverHttpsTest, FeedThatIsNoneIsRefused) {
+    for (const auto& feed :
+         {std::string(), std::string("hello"), std::string("<html><p>Log in to the network"),
+          std::string("<!DOCTYPE rss [<!ENTITY a \"ha\"><!ENTITY b \"&a;&a;\">]><rss>&b;</rss>"),
+          appcast(release().item()).substr(0, 200), std::string(2 << 20, '<'),
+          std::string(2 << 20, ' ')}) {
+        serve("/appcast.xml", feed);
+        expectRefused();
+    }
+    answers["/appcast.xml"] = "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n<rss/>";
+    expectRefused();
+    answers["/appcast.xml"] = "hello\r\n\r\n";
+    expectRefused();
+    for (const auto* const status : {"404 Not Found", "500 Error", "204 No Content"}) {
+        answers["/appcast.xml"] =
+            std::string("HTTP/1.1 ") + status + "\r\nConnection: close\r\n\r\n";
+        expectRefused();
+    }
+}
+
+TEST_F(UpdatesOverHttpsTest, ServerThatNobodyKnowsIsRefused) {
+    serve("/appcast.xml", appcast(release().item()));
+    trust.reset();
+    expectRefused();
+    EXPECT_TRUE(asked.empty());
+}
+
+TEST_F(UpdatesOverHttpsTest, FileThatIsNotTheSignedOneIsRefused) {
+    serve("/appcast.xml", appcast(release().item()));
+    for (const auto& other : {std::string(), file + "x", file.substr(1), "x" + file.substr(1)}) {
+        serve("/nocta.deb", other);
+        expectRefused();
+    }
+    answers.erase("/nocta.deb");
+    expectRefused();
+
+    serve("/nocta.deb", file);
+    auto item = release();
+    item.signature = Publisher().sign(file);
+    serve("/appcast.xml", appcast(item.item()));
+    expectRefused();
+    item = release();
+    item.url.replace(0, 5, "http");
+    serve("/appcast.xml", appcast(item.item()));
+    expectRefused();
+}
+
+TEST_F(UpdatesOverHttpsTest, HostileNamesAndNotesDoNoHarm) {
+    auto item = release();
+    item.more = "<description>&lt;script&gt;x&lt;/script&gt;&lt;img src='file:///etc/passwd'&gt;"
+                "Seen</description>";
+    for (const auto* const version :
+         {"../../../etc/passwd", "99;reboot", "$(reboot)", "%n%n%1", "9999999999999999999999"}) {
+        item.version = "1000" + std::string(version);
+        item.shortVersion = version;
+        serve("/appcast.xml", appcast(item.item()));
+        check();
+        ASSERT_TRUE(shows<UpdateFound>()) << version;
+        EXPECT_EQ(std::get<UpdateFound>(updater->stage.get()).version, version);
+        EXPECT_EQ(std::get<UpdateFound>(updater->stage.get()).releaseNotes, "Seen");
+        updater->dismiss();
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder.path() + "/cache")) << "nothing was loaded";
+}
+
+} // namespace
+} // namespace nocta

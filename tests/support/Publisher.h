@@ -1,0 +1,63 @@
+#pragma once
+
+#include <array>
+#include <sodium.h>
+#include <string>
+
+namespace nocta {
+
+/// A publisher with a key pair of its own.
+class Publisher {
+public:
+    Publisher() { crypto_sign_keypair(key_.data(), secret_.data()); }
+
+    const std::array<unsigned char, crypto_sign_PUBLICKEYBYTES>& key() const { return key_; }
+    std::string publicKey() const { return base64(key_); }
+
+    std::array<unsigned char, crypto_sign_BYTES> signatureOf(const std::string& file) const {
+        std::array<unsigned char, crypto_sign_BYTES> signature{};
+        crypto_sign_detached(signature.data(), nullptr,
+                             reinterpret_cast<const unsigned char*>(file.data()), file.size(),
+                             secret_.data());
+        return signature;
+    }
+    std::string sign(const std::string& file) const { return base64(signatureOf(file)); }
+
+    template <std::size_t size>
+    static std::string base64(const std::array<unsigned char, size>& bytes) {
+        std::string text(sodium_base64_ENCODED_LEN(size, sodium_base64_VARIANT_ORIGINAL), '\0');
+        sodium_bin2base64(text.data(), text.size(), bytes.data(), size,
+                          sodium_base64_VARIANT_ORIGINAL);
+        text.pop_back(); // the end of a C string
+        return text;
+    }
+
+private:
+    std::array<unsigned char, crypto_sign_PUBLICKEYBYTES> key_{};
+    std::array<unsigned char, crypto_sign_SECRETKEYBYTES> secret_{};
+};
+
+/// What an appcast says of one release.
+struct Release {
+    std::string version = "46";
+    std::string shortVersion = "1.3";
+    std::string url = "https://updates.example/nocta.deb";
+    std::string signature{};
+    std::string length{};
+    std::string more{}; ///< elements
+
+    std::string item() const {
+        return "<item><sparkle:version>" + version + "</sparkle:version>" +
+               "<sparkle:shortVersionString>" + shortVersion + "</sparkle:shortVersionString>" +
+               more + "<enclosure url=\"" + url + "\" sparkle:edSignature=\"" + signature +
+               "\" length=\"" + length + "\"/></item>";
+    }
+};
+
+inline std::string appcast(const std::string& items) {
+    return "<rss version=\"2.0\" "
+           "xmlns:sparkle=\"http://www.andymatuschak.org/xml-namespaces/sparkle\"><channel>" +
+           items + "</channel></rss>";
+}
+
+} // namespace nocta
