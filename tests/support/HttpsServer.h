@@ -15,22 +15,49 @@
 
 namespace nocta {
 
-/// An HTTPS server on loopback, with a certificate of its own that nobody knows yet.
+/// Of a server on loopback, known to nobody yet.
+class ServerCertificate {
+public:
+    ServerCertificate() {
+        EXPECT_EQ(runToEnd({"openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days",
+                            "1", "-subj", "/CN=localhost", "-addext",
+                            "subjectAltName=DNS:localhost", "-keyout", keyFile(), "-out", file()}),
+                  0);
+    }
+
+    std::string file() const { return folder_.path() + "/certificate.pem"; }
+    std::string keyFile() const { return folder_.path() + "/key.pem"; }
+
+private:
+    TemporaryFolder folder_;
+};
+
+/// Takes a server's certificate for one of the system's.
+class TrustIn {
+public:
+    explicit TrustIn(const ServerCertificate& certificate) {
+        auto trusting = before_;
+        EXPECT_TRUE(trusting.addCaCertificates(QString::fromStdString(certificate.file())));
+        QSslConfiguration::setDefaultConfiguration(trusting);
+    }
+    TrustIn(const TrustIn&) = delete;
+    TrustIn& operator=(const TrustIn&) = delete;
+    ~TrustIn() { QSslConfiguration::setDefaultConfiguration(before_); }
+
+private:
+    QSslConfiguration before_ = QSslConfiguration::defaultConfiguration();
+};
+
+/// An HTTPS server on loopback that answers as the test wants.
 class HttpsServer {
 public:
     HttpsServer() {
-        const auto key = folder_.path() + "/key.pem";
-        const auto certificate = folder_.path() + "/certificate.pem";
-        EXPECT_EQ(runToEnd({"openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days",
-                            "1", "-subj", "/CN=localhost", "-addext",
-                            "subjectAltName=DNS:localhost", "-keyout", key, "-out", certificate}),
-                  0);
-        certificate_ = QSslCertificate::fromPath(QString::fromStdString(certificate)).value(0);
-        QFile keyFile(QString::fromStdString(key));
-        EXPECT_TRUE(keyFile.open(QIODevice::ReadOnly));
+        QFile key(QString::fromStdString(certificate.keyFile()));
+        EXPECT_TRUE(key.open(QIODevice::ReadOnly));
         auto configuration = QSslConfiguration::defaultConfiguration();
-        configuration.setLocalCertificate(certificate_);
-        configuration.setPrivateKey(QSslKey(&keyFile, QSsl::Rsa));
+        configuration.setLocalCertificate(
+            QSslCertificate::fromPath(QString::fromStdString(certificate.file())).value(0));
+        configuration.setPrivateKey(QSslKey(&key, QSsl::Rsa));
         server_.setSslConfiguration(configuration);
         EXPECT_TRUE(server_.listen(QHostAddress::LocalHost));
         QObject::connect(&server_, &QSslServer::pendingConnectionAvailable, &server_, [this] {
@@ -45,10 +72,10 @@ public:
         });
     }
 
+    const ServerCertificate certificate;
     std::string request;
     std::function<void(QTcpSocket&)> respond;
 
-    const QSslCertificate& certificate() const { return certificate_; }
     std::string address(const std::string& path = "/api/feedback") const {
         return "https://localhost:" + std::to_string(server_.serverPort()) + path;
     }
@@ -60,25 +87,7 @@ public:
     }
 
 private:
-    TemporaryFolder folder_;
-    QSslCertificate certificate_;
     QSslServer server_;
-};
-
-/// Takes the server's certificate for one of the system's.
-class TrustIn {
-public:
-    explicit TrustIn(const HttpsServer& server) {
-        auto trusting = before_;
-        trusting.addCaCertificate(server.certificate());
-        QSslConfiguration::setDefaultConfiguration(trusting);
-    }
-    TrustIn(const TrustIn&) = delete;
-    TrustIn& operator=(const TrustIn&) = delete;
-    ~TrustIn() { QSslConfiguration::setDefaultConfiguration(before_); }
-
-private:
-    QSslConfiguration before_ = QSslConfiguration::defaultConfiguration();
 };
 
 } // namespace nocta

@@ -3,6 +3,7 @@
 #include <array>
 #include <sodium.h>
 #include <string>
+#include <string_view>
 
 namespace nocta {
 
@@ -14,14 +15,14 @@ public:
     const std::array<unsigned char, crypto_sign_PUBLICKEYBYTES>& key() const { return key_; }
     std::string publicKey() const { return base64(key_); }
 
-    std::array<unsigned char, crypto_sign_BYTES> signatureOf(const std::string& file) const {
+    std::array<unsigned char, crypto_sign_BYTES> signatureOf(std::string_view file) const {
         std::array<unsigned char, crypto_sign_BYTES> signature{};
         crypto_sign_detached(signature.data(), nullptr,
                              reinterpret_cast<const unsigned char*>(file.data()), file.size(),
                              secret_.data());
         return signature;
     }
-    std::string sign(const std::string& file) const { return base64(signatureOf(file)); }
+    std::string sign(std::string_view file) const { return base64(signatureOf(file)); }
 
     template <std::size_t size>
     static std::string base64(const std::array<unsigned char, size>& bytes) {

@@ -49,7 +49,9 @@ public:
         }
         reply_.reset(manager.sendCustomRequest(question, QByteArray::fromStdString(request.method),
                                                QByteArray::fromStdString(request.body)));
-        reply_->setReadBufferSize(bufferSize);
+        // Now there is nobody yet who would mind it.
+        connect(reply_.get(), &QNetworkReply::metaDataChanged, reply_.get(),
+                [reply = reply_.get()] { reply->setReadBufferSize(bufferSize); });
         connect(reply_.get(), &QNetworkReply::readyRead, this, [this] { receive(); });
         connect(reply_.get(), &QNetworkReply::finished, this, [this] { finishWithReply(); });
     }

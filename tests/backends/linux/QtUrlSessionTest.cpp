@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 class QtUrlSessionTest : public ::testing::Test {
 protected:
     HttpsServer server;
-    std::optional<TrustIn> trust{server};
+    std::optional<TrustIn> trust{server.certificate};
     QtUrlSession session;
     int completions = 0;
     Subscription task;

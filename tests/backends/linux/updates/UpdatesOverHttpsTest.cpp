@@ -22,7 +22,7 @@ class UpdatesOverHttpsTest : public ::testing::Test {
 protected:
     const std::string file = std::string(300'000, 'n') + "octa";
     HttpsServer server;
-    std::optional<TrustIn> trust{server};
+    std::optional<TrustIn> trust{server.certificate};
     QtRunLoop runLoop;
     QtUrlSession session;
     Publisher publisher;
