@@ -24,8 +24,10 @@ double sinceReference(WallTime time) {
 
 WallTime timeFrom(const nlohmann::json& json) {
     const auto seconds = json.get<double>();
-    constexpr auto limit = 1e9; // some thirty years either way; far from what a clock cannot hold
-    if (!(seconds > -limit && seconds < 10 * limit)) {
+    // From 1969 to 2254. Nanoseconds in 64 bits end in 2262.
+    constexpr auto earliest = -1e9;
+    constexpr auto latest = 8e9;
+    if (!(seconds > earliest && seconds < latest)) {
         refuse("not a time", json);
     }
     return referenceTime + std::chrono::round<Duration>(Seconds(seconds));

@@ -77,10 +77,19 @@ TEST(BreakRecords, SessionThatMakesNoSenseIsRefused) {
     for (const auto& [key, value] :
          {std::pair("id", Json("nobody")), std::pair("startTime", Json("now")),
           std::pair("endTime", Json(1e300)), std::pair("endTime", Json(-1e300)),
-          std::pair("wasSkipped", Json(1))}) {
+          std::pair("endTime", Json(9.9e9)), std::pair("wasSkipped", Json(1))}) {
         auto bad = good;
         bad[key] = value;
         EXPECT_THROW(bad.get<BreakSession>(), Json::exception) << bad;
+    }
+}
+
+TEST(BreakRecords, SessionReadsBackAtTheEndsOfTime) {
+    for (const auto seconds : {-999'999'999.0, 7'999'999'999.0}) {
+        Json json = BreakSession{};
+        json["startTime"] = seconds;
+        const Json back = json.get<BreakSession>();
+        EXPECT_NEAR(back.at("startTime").get<double>(), seconds, 1e-5);
     }
 }
 
