@@ -31,6 +31,10 @@ Owned<Reply> needed(Reply* reply) {
 /// A key code that keyboards leave free.
 constexpr xcb_keycode_t spareKey = 248;
 
+/// Milliseconds before a key moves. One that is released and pressed in the same is taken for one
+/// that repeats by itself.
+constexpr std::uint32_t keyDelay = 2;
+
 } // namespace
 
 XClient::XClient() : x_(xcb_connect(nullptr, nullptr)) {
@@ -118,7 +122,7 @@ void XClient::key(xcb_keysym_t symbol, std::uint8_t event) {
         code = spareKey + static_cast<xcb_keycode_t>(symbol & 1);
         xcb_change_keyboard_mapping(x_, 1, code, 1, &symbol);
     }
-    xcb_test_fake_input(x_, event, code, XCB_CURRENT_TIME, root_, 0, 0, 0);
+    xcb_test_fake_input(x_, event, code, keyDelay, root_, 0, 0, 0);
     synchronize();
 }
 

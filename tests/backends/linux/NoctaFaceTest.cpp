@@ -1,7 +1,6 @@
-#include "support/NoctaProcess.h"
+#include "support/NoctaWithPanel.h"
 
 #include <csignal>
-#include <optional>
 #include <sys/wait.h>
 
 // A person with a window manager and a panel uses the program's windows with the mouse; another
@@ -10,95 +9,7 @@
 namespace nocta {
 namespace {
 
-constexpr xcb_keysym_t escape = 0xFF1B;
-constexpr xcb_keysym_t enter = 0xFF0D;
-constexpr xcb_keysym_t space = 0x20;
-constexpr xcb_keysym_t tab = 0xFF09;
-constexpr xcb_keysym_t up = 0xFF52;
-constexpr xcb_keysym_t down = 0xFF54;
-constexpr std::uint8_t left = 1;
-constexpr std::uint8_t right = 3;
-
-class NoctaFaceTest : public NoctaProcess {
-protected:
-    std::optional<Process> windowManager;
-    std::optional<Process> panel;
-
-    using Window = XClient::TopWindow;
-
-    void SetUp() override {
-        NoctaProcess::SetUp();
-        const Process::Environment variables = {
-            {"HOME", home.path()},
-            {"XDG_CONFIG_HOME", ""},
-            {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home.path() + "/no-bus"}};
-        windowManager.emplace(std::vector<std::string>{"openbox"}, variables,
-                              home.path() + "/openbox");
-        ASSERT_TRUE(waitUntil([&] { return client.hasWindowManager(); }));
-        panel.emplace(std::vector<std::string>{"tint2"}, variables, home.path() + "/tint2");
-    }
-
-    /// The one window of that title.
-    std::optional<Window> find(const std::string& title) {
-        const auto found =
-            client.windows([&](const Window& window) { return client.nameOf(window.id) == title; });
-        return found.empty() ? std::nullopt : std::optional(found.front());
-    }
-    /// With the keyboard, when the window manager has placed it.
-    Window waitFor(const std::string& title) {
-        EXPECT_TRUE(waitUntil([&] {
-            const auto window = find(title);
-            return window && client.focus() == window->id;
-        })) << title;
-        return find(title).value_or(Window{});
-    }
-    bool isGone(const std::string& title) {
-        return waitUntil([&] { return !find(title).has_value(); });
-    }
-
-    /// The symbol is white.
-    bool isDrawn(const Window& icon) {
-        return std::ranges::any_of(client.picture(icon),
-                                   [](std::uint8_t level) { return level > 200; });
-    }
-
-    /// The program's icon in the panel.
-    Window waitForIcon() {
-        std::vector<Window> icons;
-        EXPECT_TRUE(waitUntil([&] { // where it stays: a panel that starts moves it
-            const auto before = icons;
-            icons = client.windows([&](const Window& window) {
-                return window.width < 64 && window.height < 64 &&
-                       client.hasProperty(window.id, "_XEMBED_INFO");
-            });
-            return !icons.empty() && !before.empty() && icons[0].x == before[0].x &&
-                   icons[0].y == before[0].y && isDrawn(icons[0]);
-        })) << contentOf(home.path() + "/tint2");
-        return icons.empty() ? Window{} : icons.front();
-    }
-    void clickIcon(std::uint8_t button = left) {
-        const auto icon = waitForIcon();
-        client.click(icon.x + icon.width / 2, icon.y + icon.height / 2, button);
-    }
-    Window openPopover() {
-        clickIcon();
-        EXPECT_TRUE(waitUntil([&] { return !client.windowsOfSize(300, 280).empty(); }));
-        const auto found = client.windows(
-            [](const Window& window) { return window.width == 300 && window.height == 280; });
-        return found.empty() ? Window{} : found.front();
-    }
-    bool popoverIsGone() {
-        return waitUntil([&] { return client.windowsOfSize(300, 280).empty(); });
-    }
-    std::string stored(const std::string& key) {
-        const auto content = contentOf(settings);
-        const auto begin = content.find("\n" + key + "=");
-        return begin == std::string::npos
-                   ? ""
-                   : content.substr(begin + key.size() + 2,
-                                    content.find('\n', begin + 1) - begin - key.size() - 2);
-    }
-};
+class NoctaFaceTest : public NoctaWithPanel {};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaFaceTest, everyServer, serverName);
 
 TEST_P(NoctaFaceTest, BrightnessIsDraggedInThePopoverOfTheIcon) {
