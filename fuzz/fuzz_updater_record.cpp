@@ -1,0 +1,14 @@
+// What the updater remembers, as its file may have become.
+
+#include "Expect.h"
+#include "backends/linux/updates/UpdaterMemory.h"
+
+#include <cstddef>
+#include <cstdint>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto record = nocta::parseUpdaterRecord({reinterpret_cast<const char*>(data), size});
+    nocta::expect(nocta::parseUpdaterRecord(nocta::serialized(record)) == record,
+                  "what was written reads the same");
+    return 0;
+}
