@@ -156,7 +156,11 @@ TEST_P(NoctaBreakTest, FullScreenWindowIsCoveredToo) {
         waitUntil([&] { return client.windowsOfSize(frame.width, frame.height).size() == 1; }));
     startWithBreaks();
     waitForBreak();
+    const auto before = client.windowsOfSize(frame.width, frame.height).size();
     client.openWindow(true); // one that comes during the break lies below as well
+    ASSERT_TRUE(waitUntil([&] { // and has had the keyboard for a moment
+        return client.windowsOfSize(frame.width, frame.height).size() > before;
+    }));
     EXPECT_TRUE(waitUntil([&] { return isCovered() && hasKeyboard(); }));
     client.press(space);
     EXPECT_TRUE(waitUntil([&] { return isUncovered(); }));
