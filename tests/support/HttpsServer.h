@@ -32,22 +32,6 @@ private:
     TemporaryFolder folder_;
 };
 
-/// Takes a server's certificate for one of the system's.
-class TrustIn {
-public:
-    explicit TrustIn(const ServerCertificate& certificate) {
-        auto trusting = before_;
-        EXPECT_TRUE(trusting.addCaCertificates(QString::fromStdString(certificate.file())));
-        QSslConfiguration::setDefaultConfiguration(trusting);
-    }
-    TrustIn(const TrustIn&) = delete;
-    TrustIn& operator=(const TrustIn&) = delete;
-    ~TrustIn() { QSslConfiguration::setDefaultConfiguration(before_); }
-
-private:
-    QSslConfiguration before_ = QSslConfiguration::defaultConfiguration();
-};
-
 /// An HTTPS server on loopback that answers as the test wants.
 class HttpsServer {
 public:
@@ -88,6 +72,30 @@ public:
 
 private:
     QSslServer server_;
+};
+
+/// A server without encryption, which nobody should come to.
+class PlainServer {
+public:
+    PlainServer() {
+        EXPECT_TRUE(server_.listen(QHostAddress::LocalHost));
+        QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] {
+            ++connections;
+            auto* const socket = server_.nextPendingConnection();
+            QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] {
+                socket->write("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n");
+            });
+        });
+    }
+
+    int connections = 0;
+
+    std::string address() const {
+        return "http://localhost:" + std::to_string(server_.serverPort()) + "/";
+    }
+
+private:
+    QTcpServer server_;
 };
 
 } // namespace nocta

@@ -62,11 +62,19 @@ void HelperProcess::endInput() const {
 }
 
 void HelperProcess::whenEnded(std::function<void()> action) {
-    ended_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
-    QObject::connect(ended_.get(), &QSocketNotifier::activated, [this, action = std::move(action)] {
+    whenHeard([this, action = std::move(action)] {
         kill();
         action();
     });
+}
+
+void HelperProcess::whenHeard(std::function<void()> action) {
+    heard_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
+    QObject::connect(heard_.get(), &QSocketNotifier::activated, std::move(action));
+}
+
+ssize_t HelperProcess::receive(char* data, std::size_t size) const {
+    return recv(socket_.get(), data, size, MSG_DONTWAIT);
 }
 
 bool HelperProcess::waitForEnd(std::chrono::milliseconds timeout) {
@@ -94,9 +102,9 @@ void HelperProcess::reap() {
 
 void HelperProcess::release() {
     process_ = -1;
-    if (ended_ != nullptr) {
-        ended_->setEnabled(false);
-        ended_.release()->deleteLater(); // this may run inside its signal
+    if (heard_ != nullptr) {
+        heard_->setEnabled(false);
+        heard_.release()->deleteLater(); // this may run inside its signal
     }
     socket_.reset();
 }

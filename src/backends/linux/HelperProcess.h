@@ -41,6 +41,12 @@ public:
     /// Called once, from the event loop, when the helper has ended or says something unasked.
     void whenEnded(std::function<void()> action);
 
+    /// Called from the event loop whenever there is something to receive, its end included.
+    void whenHeard(std::function<void()> action);
+
+    /// At most `size` bytes of what it has said, as `recv` without waiting: 0 at its end.
+    ssize_t receive(char* data, std::size_t size) const;
+
     /// Waits for its end. False where it takes longer.
     bool waitForEnd(std::chrono::milliseconds timeout);
 
@@ -55,7 +61,7 @@ private:
 
     pid_t process_ = -1;
     FileDescriptor socket_;
-    std::unique_ptr<QSocketNotifier> ended_;
+    std::unique_ptr<QSocketNotifier> heard_;
 };
 
 } // namespace nocta

@@ -3,13 +3,13 @@
 #include "backends/linux/FreedesktopNotifications.h"
 #include "backends/linux/IniDefaultsStore.h"
 #include "backends/linux/LibUuidSource.h"
-#include "backends/linux/QtUrlSession.h"
 #include "backends/linux/ReducedMotion.h"
 #include "backends/linux/SessionFilter.h"
 #include "backends/linux/SysfsBacklight.h"
 #include "backends/linux/Unavailable.h"
 #include "backends/linux/gnome/MagnifierFilter.h"
 #include "backends/linux/location/GeoClueLocationManager.h"
+#include "backends/linux/network/CurlUrlSession.h"
 #include "backends/linux/shell/ColorScheme.h"
 #include "backends/linux/shell/QtAppWindows.h"
 #include "backends/linux/shell/QtApplication.h"
@@ -213,7 +213,7 @@ private:
                                   QCoreApplication::applicationFilePath().toStdString()};
     SessionFilter filter_{std::move(server_.grayscale)};
     FreedesktopNotifications userNotificationCenter_;
-    QtUrlSession urlSession_;
+    CurlUrlSession urlSession_{runLoop_};
     AppcastUpdater updater_{
         runLoop_,
         urlSession_,

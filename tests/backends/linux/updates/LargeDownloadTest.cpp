@@ -1,6 +1,6 @@
 // However much a server sends, the program does not grow with it.
 
-#include "backends/linux/QtUrlSession.h"
+#include "backends/linux/network/CurlUrlSession.h"
 #include "backends/linux/shell/QtRunLoop.h"
 #include "backends/linux/updates/AppcastUpdater.h"
 #include "support/EventLoop.h"
@@ -102,9 +102,8 @@ private:
 class LargeDownloadTest : public ::testing::Test {
 protected:
     FileServer server;
-    TrustIn trust{server.certificate};
     QtRunLoop runLoop;
-    QtUrlSession session;
+    CurlUrlSession session{runLoop, server.certificate.file()};
     Publisher publisher;
     std::string key = publisher.publicKey();
     std::string feedUrl = server.address("appcast.xml");

@@ -1,6 +1,6 @@
 // The updater against a real server, with an appcast that is signed in the test.
 
-#include "backends/linux/QtUrlSession.h"
+#include "backends/linux/network/CurlUrlSession.h"
 #include "backends/linux/shell/QtRunLoop.h"
 #include "backends/linux/updates/AppcastUpdater.h"
 #include "support/EventLoop.h"
@@ -22,9 +22,9 @@ class UpdatesOverHttpsTest : public ::testing::Test {
 protected:
     const std::string file = std::string(300'000, 'n') + "octa";
     HttpsServer server;
-    std::optional<TrustIn> trust{server.certificate};
     QtRunLoop runLoop;
-    QtUrlSession session;
+    CurlUrlSession session{runLoop, server.certificate.file()};
+    CurlUrlSession unknowing{runLoop};
     Publisher publisher;
     std::string key = publisher.publicKey();
     std::string feedUrl = server.address("/appcast.xml");
@@ -51,8 +51,11 @@ protected:
                                         : answer->second));
             socket.disconnectFromHost();
         };
+        startWith(session);
+    }
+    void startWith(UrlSession& network) {
         updater.emplace(
-            runLoop, session, bundle, "2.36",
+            runLoop, network, bundle, "2.36",
             AppcastUpdater::Places{folder.path() + "/state.json", folder.path() + "/cache"},
             [this](const std::filesystem::path& path, const auto& whenOpened) {
                 opened.push_back(contentOf(path.string()));
@@ -128,14 +131,16 @@ TEST_F(UpdatesOverHttpsTest, RedirectionsAreFollowedWhereTheyAreEncrypted) {
 }
 
 TEST_F(UpdatesOverHttpsTest, RedirectionToAPlainOrEndlessAddressIsRefused) {
-    for (const auto* const address : {"http://localhost/appcast.xml", "/appcast.xml",
-                                      "file:///etc/passwd", "ftp://localhost/", "https://"}) {
+    const PlainServer plain;
+    for (const auto& address : {plain.address() + "appcast.xml", std::string("/appcast.xml"),
+                                std::string("file:///etc/passwd"), std::string("https://")}) {
         redirect("/appcast.xml", address);
         expectRefused();
     }
     serve("/appcast.xml", appcast(release().item()));
-    redirect("/nocta.deb", "http://localhost/nocta.deb");
+    redirect("/nocta.deb", plain.address() + "nocta.deb");
     expectRefused();
+    EXPECT_EQ(plain.connections, 0);
 }
 
 TEST_F(UpdatesOverHttpsTest, FeedThatIsNoneIsRefused) {
@@ -160,7 +165,7 @@ TEST_F(UpdatesOverHttpsTest, FeedThatIsNoneIsRefused) {
 
 TEST_F(UpdatesOverHttpsTest, ServerThatNobodyKnowsIsRefused) {
     serve("/appcast.xml", appcast(release().item()));
-    trust.reset();
+    startWith(unknowing);
     expectRefused();
     EXPECT_TRUE(asked.empty());
 }

@@ -1,0 +1,176 @@
+#include "backends/linux/network/CurlUrlSession.h"
+
+#include "backends/linux/HelperProcess.h"
+#include "backends/linux/network/FetchProtocol.h"
+#include "base/Deferred.h"
+#include "base/Timer.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+// By FetchError. None of them says a word of the server's.
+constexpr std::array errorTexts = {
+    "The connection broke off",         "The server was not found",
+    "The server cannot be reached",     "The server cannot be trusted",
+    "The server redirects without end", "The address is not encrypted",
+};
+static_assert(errorTexts.size() == static_cast<std::size_t>(FetchError::count));
+
+const char* textOf(std::uint32_t error) {
+    return error < errorTexts.size() ? errorTexts.at(error) : errorTexts.front();
+}
+
+std::string serialized(const UrlRequest& request, const std::string& certificates) {
+    auto headers = nlohmann::json::array();
+    for (const auto& [name, value] : request.headers) {
+        headers.push_back(name + ": " + value);
+    }
+    return nlohmann::json{{"url", request.url},
+                          {"method", request.method},
+                          {"headers", headers},
+                          {"body", request.body},
+                          {"certificates", certificates}}
+        .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+/// One task, from the request to its completion. Whoever is called may destroy it.
+class Task : public std::enable_shared_from_this<Task> {
+public:
+    Task(RunLoop& runLoop, UrlSession::Completion completion,
+         UrlSession::DidReceiveData didReceiveData)
+        : completion_(std::move(completion)), didReceiveData_(std::move(didReceiveData)),
+          refuse_(runLoop, [this] { finish({.error = refusal_}); }) {}
+
+    void start(RunLoop& runLoop, const UrlRequest& request, const std::string& certificates) {
+        if (!request.url.starts_with("https://")) {
+            refuse(textOf(static_cast<std::uint32_t>(FetchError::notEncrypted)));
+            return;
+        }
+        const auto question = serialized(request, certificates);
+        if (!helper_.start("nocta-fetch") || !helper_.send(question.data(), question.size())) {
+            refuse("The network cannot be used: nocta-fetch does not start");
+            return;
+        }
+        helper_.endInput();
+        helper_.whenHeard([this] { hear(); });
+        timeout_.start(runLoop, request.timeout, Repeat::no,
+                       [this] { finish({.error = "It took too long"}); });
+    }
+
+    /// Nobody is called from here on.
+    void end() {
+        timeout_.invalidate();
+        helper_.kill();
+        completion_ = nullptr;
+        didReceiveData_ = nullptr;
+    }
+
+private:
+    void refuse(const char* reason) {
+        refusal_ = reason;
+        refuse_.request();
+    }
+
+    /// As much as is there, a piece at a time.
+    void hear() {
+        const auto self = shared_from_this(); // for as long as this is being called
+        const auto length = helper_.receive(buffer_.data() + filled_, buffer_.size() - filled_);
+        if (length < 0 && errno == EAGAIN) {
+            return;
+        }
+        if (length <= 0) {
+            finish({.error = textOf(static_cast<std::uint32_t>(FetchError::broken))});
+            return;
+        }
+        filled_ += static_cast<std::size_t>(length);
+        while (const auto used = understand()) {
+            std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(used),
+                      buffer_.begin() + static_cast<std::ptrdiff_t>(filled_), buffer_.begin());
+            filled_ -= used;
+        }
+    }
+
+    /// The size of the message at the beginning of the buffer, once it was dealt with; 0 if it is
+    /// not whole, or nobody wants more.
+    std::size_t understand() {
+        FetchMessage message;
+        if (completion_ == nullptr || filled_ < sizeof message) {
+            return 0;
+        }
+        std::memcpy(&message, buffer_.data(), sizeof message);
+        switch (message.kind) {
+        case FetchKind::status:
+            status_ = static_cast<int>(message.value);
+            if (didReceiveData_ == nullptr) {
+                finish({.statusCode = status_}); // the body is of no interest
+            }
+            return sizeof message;
+        case FetchKind::data:
+            if (message.value <= largestFetchPiece) {
+                return receive(sizeof message, message.value);
+            }
+            break;
+        case FetchKind::end:
+            finish({.statusCode = status_});
+            return 0;
+        case FetchKind::error:
+            finish({.error = textOf(message.value)});
+            return 0;
+        }
+        finish({.error = errorTexts.front()}); // no message of ours
+        return 0;
+    }
+
+    std::size_t receive(std::size_t begin, std::size_t size) {
+        if (filled_ < begin + size) {
+            return 0;
+        }
+        const auto didReceiveData = didReceiveData_; // it may end the task
+        didReceiveData({buffer_.data() + begin, size});
+        return begin + size;
+    }
+
+    void finish(const UrlResponse& response) {
+        const auto completion = std::exchange(completion_, nullptr);
+        end();
+        if (completion) {
+            completion(response);
+        }
+    }
+
+    UrlSession::Completion completion_;
+    UrlSession::DidReceiveData didReceiveData_;
+    std::string refusal_;
+    std::optional<int> status_;
+    std::array<char, sizeof(FetchMessage) + largestFetchPiece> buffer_{};
+    std::size_t filled_ = 0;
+    HelperProcess helper_;
+    Timer timeout_;
+    Deferred refuse_;
+};
+
+} // namespace
+
+CurlUrlSession::CurlUrlSession(RunLoop& runLoop, std::string certificates)
+    : runLoop_(runLoop), certificates_(std::move(certificates)) {}
+
+Subscription CurlUrlSession::dataTask(const UrlRequest& request, Completion completion,
+                                      DidReceiveData didReceiveData) {
+    auto task = std::make_shared<Task>(runLoop_, std::move(completion), std::move(didReceiveData));
+    task->start(runLoop_, request, certificates_);
+    return Subscription([task] { task->end(); });
+}
+
+} // namespace nocta
