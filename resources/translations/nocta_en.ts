@@ -653,10 +653,6 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Version %1 is the newest.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>OK</source>
         <translation type="unfinished"></translation>
     </message>
@@ -689,7 +685,43 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>The update did not work</source>
+        <source>The connection broke off</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server was not found</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server cannot be reached</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server cannot be trusted</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server redirects without end</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is nothing newer than version %1 for this system.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nocta %1 is with the installer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Quit Nocta and start it again once it is installed.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nocta could not check for updates</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nocta %1 could not be installed</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

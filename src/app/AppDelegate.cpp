@@ -208,6 +208,10 @@ void AppDelegate::startUpdater() {
 /// In a window for each stage. Its own button may have ended the stage before.
 void AppDelegate::showUpdateStage() {
     const auto& stage = desktop_.updater.stage.get();
+    // What comes by itself finds the user typing elsewhere.
+    const auto isExpected = shownUpdateStage_ != 0 ||
+                            std::holds_alternative<UpdateCheckInProgress>(stage) ||
+                            std::holds_alternative<UpdateDownload>(stage);
     if (shownUpdateStage_ != stage.index()) {
         shownUpdateStage_ = stage.index();
         updateWindow_ =
@@ -216,11 +220,14 @@ void AppDelegate::showUpdateStage() {
                 : desktop_.appWindows.makeWindow(updateStyle, views_.makeUpdateView(),
                                                  [this] { desktop_.updater.dismiss(); });
     }
-    if (updateWindow_ != nullptr) {
-        updateWindow_->makeKeyAndOrderFront();
+    if (updateWindow_ == nullptr) {
+        return;
     }
-    if (std::holds_alternative<UpdateCheckInProgress>(stage)) { // the user has asked for it
+    if (isExpected) {
         desktop_.application.activateIgnoringOtherApps();
+        updateWindow_->makeKeyAndOrderFront();
+    } else {
+        updateWindow_->orderFrontRegardless();
     }
 }
 

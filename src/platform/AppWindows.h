@@ -15,6 +15,8 @@ public:
     virtual ~AppWindow() = default;
 
     virtual void makeKeyAndOrderFront() = 0;
+    /// The keyboard stays where it is.
+    virtual void orderFrontRegardless() = 0;
 };
 
 /// The program's own windows. Stands for NSWindow.

@@ -21,13 +21,18 @@ struct UpdateFound {
 struct UpdateDownload {
     std::string version; ///< for people
 };
+struct UpdateHandedOver { ///< to the installer
+    std::string version;  ///< for people
+};
 struct UpdaterError {
     std::string description;
+    std::string version{}; ///< for people; nothing where the check failed
 };
 
 /// Nothing while there is nothing to show.
-using UpdateStage = std::variant<std::monostate, UpdatePermissionRequest, UpdateCheckInProgress,
-                                 UpdateNotFound, UpdateFound, UpdateDownload, UpdaterError>;
+using UpdateStage =
+    std::variant<std::monostate, UpdatePermissionRequest, UpdateCheckInProgress, UpdateNotFound,
+                 UpdateFound, UpdateDownload, UpdateHandedOver, UpdaterError>;
 
 /// Keeps the program up to date. Stands for SPUStandardUpdaterController and SPUUpdater, which have
 /// windows of their own: on that desktop `stage` is always nothing.
@@ -68,7 +73,7 @@ public:
     /// Of what was found.
     virtual void install() = 0;
     virtual void skip() = 0;
-    /// Not now, or seen; ends what is in progress.
+    /// Not now, or seen; ends what is in progress. Of the permission: no.
     virtual void dismiss() = 0;
 };
 

@@ -175,9 +175,12 @@ Scenes updates() {
          }},
         {"update-download",
          [](Stage& stage) { openUpdate(stage, UpdateDownload{.version = "1.3"}); }},
+        {"update-handed-over", [](Stage& stage) { openUpdate(stage, UpdateHandedOver{"1.3"}); }},
         {"update-failed",
          [](Stage& stage) {
-             openUpdate(stage, UpdaterError{"The file is not signed by the publisher"});
+             openUpdate(stage,
+                        UpdaterError{.description = "The file is not signed by the publisher",
+                                     .version = "1.3"});
          }},
     };
 }

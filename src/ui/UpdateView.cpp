@@ -75,7 +75,8 @@ void UpdateView::build(const UpdateCheckInProgress& /*check*/) {
 
 void UpdateView::build(const UpdateNotFound& /*result*/) {
     say(Text::tr("Nocta is up to date"),
-        Text::tr("Version %1 is the newest.").arg(shown(bundle_.shortVersionString)));
+        Text::tr("There is nothing newer than version %1 for this system.")
+            .arg(shown(bundle_.shortVersionString)));
     answers_->addStretch();
     addAnswer(Text::tr("OK"), "dismissButton", &Updater::dismiss);
 }
@@ -112,8 +113,18 @@ void UpdateView::build(const UpdateDownload& download) {
     addAnswer(Text::tr("Cancel"), "dismissButton", &Updater::dismiss);
 }
 
+void UpdateView::build(const UpdateHandedOver& update) {
+    say(Text::tr("Nocta %1 is with the installer").arg(shown(update.version)),
+        Text::tr("Quit Nocta and start it again once it is installed."));
+    answers_->addStretch();
+    addAnswer(Text::tr("OK"), "dismissButton", &Updater::dismiss);
+}
+
 void UpdateView::build(const UpdaterError& error) {
-    say(Text::tr("The update did not work"), Text::of(error.description));
+    say(error.version.empty()
+            ? Text::tr("Nocta could not check for updates")
+            : Text::tr("Nocta %1 could not be installed").arg(shown(error.version)),
+        Text::of(error.description));
     answers_->addStretch();
     addAnswer(Text::tr("OK"), "dismissButton", &Updater::dismiss);
 }
@@ -132,6 +143,9 @@ void UpdateView::addAnswer(const QString& text, const char* identifier,
     connect(button, &QPushButton::clicked, this,
             [this, answer = std::move(answer)] { answer(updater_); });
     answers_->addWidget(button);
+    if (rank == ActionButton::Rank::prominent) {
+        button->setFocus();
+    }
 }
 
 } // namespace nocta

@@ -24,6 +24,7 @@ private:
     void build(const UpdateNotFound& result);
     void build(const UpdateFound& found);
     void build(const UpdateDownload& download);
+    void build(const UpdateHandedOver& update);
     void build(const UpdaterError& error);
 
     void say(const QString& heading, const QString& text = {});

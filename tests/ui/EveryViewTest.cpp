@@ -65,7 +65,8 @@ std::vector<Place> places() {
     for (const auto& stage : std::vector<UpdateStage>{
              UpdatePermissionRequest{}, UpdateCheckInProgress{}, UpdateNotFound{},
              UpdateFound{.version = "1.3", .releaseNotes = "Darker nights"},
-             UpdateDownload{.version = "1.3"}, UpdaterError{"The feed is too long"}}) {
+             UpdateDownload{.version = "1.3"}, UpdateHandedOver{"1.3"},
+             UpdaterError{"The feed is too long"}}) {
         all.push_back({"update",
                        [stage](WidgetViews& views, Updater& updater) {
                            updater.stage.set(stage);

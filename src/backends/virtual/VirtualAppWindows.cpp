@@ -26,6 +26,11 @@ public:
         shown.isOnScreen = true;
     }
 
+    void orderFrontRegardless() override {
+        owner_.trace_.record("window orderFrontRegardless " + shown.title);
+        shown.isOnScreen = true;
+    }
+
     Shown shown;
     std::function<void()> onClose;
 

@@ -1,5 +1,6 @@
 #include "ui/preferences/AboutPreferencesView.h"
 
+#include "ui/Binding.h"
 #include "ui/Missing.h"
 #include "ui/SettingControls.h"
 #include "ui/Text.h"
@@ -37,11 +38,17 @@ AboutPreferencesView::AboutPreferencesView(SharedInstances& instances)
     if (const auto missing = missingForUpdates(instances); !missing.isEmpty()) {
         updates->addNote(missing);
     }
+    // The user may be asked meanwhile.
+    follow(*this, updater_.stage, [this](const UpdateStage& /*stage*/) { readUpdater(); });
 }
 
 /// They may have been changed elsewhere since.
 void AboutPreferencesView::showEvent(QShowEvent* event) {
     FormPage::showEvent(event);
+    readUpdater();
+}
+
+void AboutPreferencesView::readUpdater() {
     autoCheck_->setChecked(updater_.automaticallyChecksForUpdates());
     autoDownload_->setChecked(updater_.automaticallyDownloadsUpdates());
 }

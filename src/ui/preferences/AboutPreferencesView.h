@@ -15,6 +15,8 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    void readUpdater();
+
     Updater& updater_;
     Switch* autoCheck_;
     Switch* autoDownload_;

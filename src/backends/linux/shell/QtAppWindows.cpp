@@ -118,6 +118,14 @@ public:
         widget_.activateWindow();
     }
 
+    void orderFrontRegardless() override {
+        widget_.setAttribute(Qt::WA_ShowWithoutActivating);
+        center();
+        widget_.show();
+        widget_.raise();
+        widget_.setAttribute(Qt::WA_ShowWithoutActivating, false);
+    }
+
 private:
     /// The screen that it was on may have gone.
     bool isWithinReach() const {

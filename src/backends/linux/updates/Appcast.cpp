@@ -97,7 +97,7 @@ private:
         } else if (is(sparkle, "shortVersionString"_L1)) {
             item.shortVersionString = version(text());
         } else if (is(sparkle, "minimumSystemVersion"_L1)) {
-            item.minimumSystemVersion = version(text());
+            item.minimumSystemVersion = value(text());
         } else if (is(sparkle, "channel"_L1)) {
             item.channel = value(text());
         } else {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <system_error>
 #include <utility>
 #include <variant>
 
@@ -18,7 +19,7 @@ constexpr Duration checkInterval = 24h;
 constexpr Duration lookInterval = 1h; // at the wall clock, which goes on while the machine sleeps
 constexpr auto feedTimeout = 60s;
 constexpr auto fileTimeout = 1h;
-constexpr std::size_t largestFeed = 1 << 20;    // bytes
+constexpr std::size_t largestFeed = 1 << 17;    // bytes
 constexpr std::int64_t largestFile = 1LL << 30; // bytes
 constexpr int succeeded = 200;
 
@@ -58,6 +59,18 @@ std::optional<std::string> flaw(const AppcastItem& item) {
 
 } // namespace
 
+/// Where the file of what is offered is, or will be.
+std::filesystem::path AppcastUpdater::package() const {
+    return downloads_ / *packageName(offered_.url);
+}
+
+/// What was cleaned away since counts as not there.
+bool AppcastUpdater::isDownloaded() const {
+    std::error_code error;
+    return downloaded_.edSignature == offered_.edSignature && downloaded_.url == offered_.url &&
+           std::filesystem::exists(package(), error);
+}
+
 AppcastUpdater::AppcastUpdater(RunLoop& runLoop, UrlSession& urlSession, const Bundle& bundle,
                                std::string systemVersion, const Places& places,
                                PackageInstaller openPackage)
@@ -70,15 +83,12 @@ Updater::Availability AppcastUpdater::availability() const {
     if (bundle_.isPackageManaged) {
         return Availability::packageManager;
     }
-    return bundle_.feedUrl.empty() ? Availability::noFeed : Availability::available;
+    return bundle_.feedUrl.empty() || !publicKey_ ? Availability::noFeed : Availability::available;
 }
 
 std::optional<std::string> AppcastUpdater::startUpdater(DidFinishUpdateCycle didFinishUpdateCycle) {
     if (availability() != Availability::available) {
         return "There is no feed to look at";
-    }
-    if (!publicKey_) {
-        return "The publisher's key is none";
     }
     didFinishUpdateCycle_ = std::move(didFinishUpdateCycle);
     canCheckForUpdates.set(true);
@@ -88,10 +98,11 @@ std::optional<std::string> AppcastUpdater::startUpdater(DidFinishUpdateCycle did
 
 /// The user is asked at the second start: at the first there is enough that is new.
 void AppcastUpdater::begin() {
+    removeOldFiles();
     if (memory_.record().checksAutomatically) {
         keepChecking();
     } else if (!memory_.isKept()) {
-        memory_.update([](UpdaterRecord& /*record*/) {});
+        memory_.keep();
     } else if (!isShown()) {
         stage.set(UpdatePermissionRequest{});
     }
@@ -124,6 +135,20 @@ void AppcastUpdater::keepChecking() {
         checkIfDue();
     } else {
         timer_.invalidate();
+        if (isLoading() && !isUserInitiated_) {
+            finish();
+        }
+    }
+}
+
+/// An installer may still read what is younger.
+void AppcastUpdater::removeOldFiles() const {
+    std::error_code error;
+    const auto now = std::filesystem::file_time_type::clock::now();
+    for (const auto& entry : std::filesystem::directory_iterator(downloads_, error)) {
+        if (now - entry.last_write_time(error) > checkInterval) {
+            std::filesystem::remove(entry, error);
+        }
     }
 }
 
@@ -141,7 +166,7 @@ void AppcastUpdater::checkForUpdates() {
     if (!canCheckForUpdates.get()) {
         return;
     }
-    if (isShown()) {
+    if (std::holds_alternative<UpdateFound>(stage.get())) {
         stage.set(stage.get()); // to the front
         return;
     }
@@ -158,6 +183,7 @@ void AppcastUpdater::checkForUpdates() {
 
 void AppcastUpdater::check() {
     feed_.clear();
+    isInstalling_ = false;
     load(std::string(bundle_.feedUrl), feedTimeout, &AppcastUpdater::readFeed,
          [this](std::string_view piece) { receiveFeed(piece); });
 }
@@ -197,7 +223,8 @@ void AppcastUpdater::readFeed() {
 }
 
 void AppcastUpdater::offer(const AppcastItem& item) {
-    if (!isUserInitiated_ && item.version == memory_.record().skippedVersion) {
+    if (!isUserInitiated_ &&
+        (item.version == memory_.record().skippedVersion || item.version == handedOverVersion_)) {
         finish();
         return;
     }
@@ -206,8 +233,7 @@ void AppcastUpdater::offer(const AppcastItem& item) {
         return;
     }
     offered_ = item;
-    if (!isUserInitiated_ && automaticallyDownloadsUpdates() &&
-        downloaded_ != offered_.edSignature) {
+    if (!isUserInitiated_ && automaticallyDownloadsUpdates() && !isDownloaded()) {
         download();
     } else {
         showOffer();
@@ -223,7 +249,8 @@ void AppcastUpdater::install() {
         return;
     }
     isUserInitiated_ = true;
-    if (downloaded_ == offered_.edSignature) {
+    isInstalling_ = true;
+    if (isDownloaded()) {
         handOver();
     } else {
         stage.set(UpdateDownload{offered_.shortVersionString});
@@ -249,10 +276,8 @@ void AppcastUpdater::dismiss() {
 }
 
 void AppcastUpdater::download() {
-    downloaded_.clear();
     downloadProgress.set(0);
-    file_.emplace(downloads_ / *packageName(offered_.url), offered_.length, *publicKey_,
-                  *ed25519Signature(offered_.edSignature));
+    file_.emplace(package(), offered_.length, *publicKey_, *ed25519Signature(offered_.edSignature));
     load(offered_.url, fileTimeout, &AppcastUpdater::finishFile,
          [this](std::string_view piece) { receiveFile(piece); });
 }
@@ -271,8 +296,8 @@ void AppcastUpdater::finishFile() {
         return;
     }
     file_.reset();
-    downloaded_ = offered_.edSignature;
-    if (isUserInitiated_) {
+    downloaded_ = offered_;
+    if (isInstalling_) {
         handOver();
     } else {
         showOffer();
@@ -281,11 +306,13 @@ void AppcastUpdater::finishFile() {
 
 /// The cycle ends here: what comes of it is the installer's.
 void AppcastUpdater::handOver() {
-    const auto package = downloads_ / *packageName(offered_.url);
-    finish();
-    installation_ = openPackage_(package, [this](const std::optional<std::string>& error) {
-        if (error) {
-            stage.set(UpdaterError{*error});
+    handedOverVersion_ = offered_.version;
+    finish(UpdateHandedOver{offered_.shortVersionString});
+    installation_ = openPackage_(package(), [this, version = offered_.shortVersionString](
+                                                const std::optional<std::string>& error) {
+        const auto isSeen = std::holds_alternative<UpdateHandedOver>(stage.get()) || !isShown();
+        if (error && isSeen) { // else the user is at something else
+            stage.set(UpdaterError{*error, version});
         }
     });
 }
@@ -316,7 +343,8 @@ void AppcastUpdater::load(const std::string& url, Duration timeout,
 
 /// The user sees it where it was the user who asked.
 void AppcastUpdater::fail(const std::string& error) {
-    finish(isUserInitiated_ ? UpdateStage(UpdaterError{error}) : UpdateStage(), error);
+    const auto version = file_ ? offered_.shortVersionString : std::string();
+    finish(isUserInitiated_ ? UpdateStage(UpdaterError{error, version}) : UpdateStage(), error);
 }
 
 void AppcastUpdater::finish(UpdateStage last, const std::optional<std::string>& error) {

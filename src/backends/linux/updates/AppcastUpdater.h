@@ -29,7 +29,7 @@ public:
 
     struct Places {
         std::filesystem::path memory;    ///< a file
-        std::filesystem::path downloads; ///< a folder that nobody else uses
+        std::filesystem::path downloads; ///< a folder for nothing else
     };
 
     AppcastUpdater(RunLoop& runLoop, UrlSession& urlSession, const Bundle& bundle,
@@ -51,9 +51,12 @@ public:
 private:
     bool isShown() const { return stage.get().index() != 0; }
     bool isLoading() const { return static_cast<bool>(task_); }
+    std::filesystem::path package() const;
+    bool isDownloaded() const;
 
     void begin();
     void keepChecking();
+    void removeOldFiles() const;
     void checkIfDue();
     void check();
     void receiveFeed(std::string_view piece);
@@ -84,11 +87,13 @@ private:
 
     // Of the present cycle.
     bool isUserInitiated_ = false;
+    bool isInstalling_ = false; ///< the user has said so
     std::string feed_;
     AppcastItem offered_;
     std::optional<UpdateFile> file_;
-    /// The signature of the file that is there already.
-    std::string downloaded_;
+
+    AppcastItem downloaded_;        ///< by this process, and verified
+    std::string handedOverVersion_; ///< that waits for the next start, most probably
 
     Timer timer_;
     Deferred begin_;

@@ -9,10 +9,15 @@ namespace nocta {
 
 namespace {
 
+/// An opener that still runs goes on: it may be the installer itself.
 struct Later {
     void operator()(QProcess* opener) const {
         opener->disconnect();
-        opener->deleteLater(); // it may be what calls
+        if (opener->state() == QProcess::NotRunning) {
+            opener->deleteLater(); // it may be what calls
+        } else {
+            QObject::connect(opener, &QProcess::finished, opener, &QObject::deleteLater);
+        }
     }
 };
 
@@ -23,8 +28,7 @@ Subscription openPackage(const std::filesystem::path& package,
     std::shared_ptr<QProcess> opener(new QProcess, Later());
     const auto finish = [package, opened = std::move(opened)](bool isOpened) {
         opened(isOpened ? std::nullopt
-                        : std::optional("Nothing here installs packages; it waits at " +
-                                        package.string()));
+                        : std::optional("The package could not be opened: " + package.string()));
     };
     QObject::connect(opener.get(), &QProcess::finished, opener.get(),
                      [finish](int exitCode, QProcess::ExitStatus status) {

@@ -165,7 +165,8 @@ QString tidy(const QString& text) {
             newLines = 0;
         }
         if (lines.size() > longestNotes) {
-            return lines.first(longestNotes) + u'…';
+            const auto isSplit = lines.at(longestNotes - 1).isHighSurrogate();
+            return lines.first(longestNotes - (isSplit ? 1 : 0)) + u'…';
         }
     }
     return lines;

@@ -6,19 +6,12 @@ namespace nocta {
 
 UpdateFile::UpdateFile(const std::filesystem::path& file, std::int64_t length,
                        const Ed25519PublicKey& key, const Ed25519Signature& signature)
-    : file_(file), part_(QString::fromStdString(file.string() + ".part")), length_(length),
+    : file_(file), part_(QString::fromStdString(file.string() + ".XXXXXX")), length_(length),
       verification_(key, signature) {
     std::error_code error;
     std::filesystem::create_directories(file.parent_path(), error);
     std::filesystem::permissions(file.parent_path(), std::filesystem::perms::owner_all, error);
-    std::filesystem::remove(file, error);
-    part_.remove(); // of a process that was killed
-    part_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered,
-               QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-}
-
-UpdateFile::~UpdateFile() {
-    part_.remove();
+    part_.open();
 }
 
 std::optional<std::string> UpdateFile::add(std::string_view piece) {
@@ -28,7 +21,8 @@ std::optional<std::string> UpdateFile::add(std::string_view piece) {
     }
     received_ += size;
     verification_.update(piece);
-    return part_.write(piece.data(), size) == size ? std::nullopt : cannotWrite();
+    const auto isWritten = part_.isOpen() && part_.write(piece.data(), size) == size;
+    return isWritten ? std::nullopt : cannotWrite();
 }
 
 std::optional<std::string> UpdateFile::finish() {
@@ -38,10 +32,16 @@ std::optional<std::string> UpdateFile::finish() {
     if (!verification_.isValid()) {
         return "The file is not signed by the publisher";
     }
-    part_.close();
+    if (!part_.flush()) {
+        return cannotWrite();
+    }
     std::error_code error;
-    std::filesystem::rename(part_.filesystemFileName(), file_, error);
-    return error ? std::optional("The file cannot be kept: " + error.message()) : std::nullopt;
+    std::filesystem::rename(part_.fileName().toStdString(), file_, error);
+    if (error) {
+        return "The file cannot be kept: " + error.message();
+    }
+    part_.setAutoRemove(false);
+    return std::nullopt;
 }
 
 double UpdateFile::progress() const {

@@ -2,7 +2,7 @@
 
 #include "backends/linux/updates/Ed25519Signature.h"
 
-#include <QFile>
+#include <QTemporaryFile>
 
 #include <cstdint>
 #include <filesystem>
@@ -13,7 +13,7 @@
 namespace nocta {
 
 /// A file that comes from the network in pieces. It has its name only once it is known to be what
-/// the publisher has signed; else nothing of it stays.
+/// the publisher has signed; else nothing of it stays. Several may come under the same name.
 class UpdateFile {
 public:
     /// `length` in bytes, as the feed says. The folder is made for this user alone.
@@ -21,7 +21,6 @@ public:
                const Ed25519Signature& signature);
     UpdateFile(const UpdateFile&) = delete;
     UpdateFile& operator=(const UpdateFile&) = delete;
-    ~UpdateFile();
 
     // Each returns why the file is refused, or nothing.
     std::optional<std::string> add(std::string_view piece);
@@ -34,7 +33,7 @@ private:
     std::optional<std::string> cannotWrite();
 
     std::filesystem::path file_;
-    QFile part_;
+    QTemporaryFile part_; ///< that no other process writes to
     std::int64_t length_;
     std::int64_t received_ = 0;
     Ed25519Verification verification_;

@@ -79,7 +79,7 @@ UpdaterMemory::UpdaterMemory(std::filesystem::path file) : file_(std::move(file)
     record_ = parseUpdaterRecord(content);
 }
 
-void UpdaterMemory::write() {
+void UpdaterMemory::keep() {
     std::error_code error;
     std::filesystem::create_directories(file_.parent_path(), error);
     QSaveFile file(QString::fromStdString(file_.string())); // replaces in one step

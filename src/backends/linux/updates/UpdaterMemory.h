@@ -35,12 +35,12 @@ public:
     template <class Change>
     void update(Change change) {
         change(record_);
-        write();
+        keep();
     }
+    /// So that there is one from now on.
+    void keep();
 
 private:
-    void write();
-
     std::filesystem::path file_;
     bool isKept_ = false;
     UpdaterRecord record_;

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -38,14 +39,14 @@ protected:
     std::optional<std::string> startError;
     Errors cycles; ///< how each ended
     std::vector<std::string> opened;
-    std::optional<std::string> openingError;
+    std::function<void(const std::optional<std::string>&)> answerOfOpener;
 
     void start() {
         updater.emplace(desktop.runLoop, desktop.urlSession, bundle, "2.36",
                         AppcastUpdater::Places{memory, folder.path() + "/cache"},
                         [this](const std::filesystem::path& path, const auto& whenOpened) {
                             opened.push_back(path.string() + ": " + contentOf(path.string()));
-                            whenOpened(openingError);
+                            answerOfOpener = whenOpened;
                             return Subscription();
                         });
         startError = updater->startUpdater([this](const auto& error) { cycles.push_back(error); });
@@ -87,7 +88,8 @@ protected:
         answer(appcast(items));
     }
     bool isKept() const {
-        return std::filesystem::exists(package) || std::filesystem::exists(package + ".part");
+        const auto cache = std::filesystem::path(package).parent_path();
+        return std::filesystem::exists(cache) && !std::filesystem::is_empty(cache);
     }
 };
 
@@ -186,6 +188,7 @@ TEST_F(AppcastUpdaterTest, KeyThatIsNoneStartsNothing) {
         bundle.publicEdKey = text;
         start();
         EXPECT_TRUE(startError) << text;
+        EXPECT_EQ(updater->availability(), Updater::Availability::noFeed);
         EXPECT_FALSE(updater->canCheckForUpdates.get());
     }
 }
@@ -297,9 +300,13 @@ TEST_F(AppcastUpdaterTest, VerifiedFileIsHandedToTheInstaller) {
     EXPECT_FALSE(std::filesystem::exists(package)) << "not under its name before it is known";
     answer(file.substr(4));
     EXPECT_EQ(opened, std::vector{package + ": " + file});
-    EXPECT_TRUE(showsNothing());
+    ASSERT_NE(shown<UpdateHandedOver>(), nullptr);
+    EXPECT_EQ(shown<UpdateHandedOver>()->version, "1.3");
+    answerOfOpener(std::nullopt);
+    EXPECT_NE(shown<UpdateHandedOver>(), nullptr);
     EXPECT_EQ(cycles, Errors{std::nullopt});
-    EXPECT_FALSE(std::filesystem::exists(package + ".part"));
+    updater->dismiss();
+    EXPECT_TRUE(showsNothing());
     EXPECT_EQ(std::filesystem::status(package).permissions(),
               std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
     EXPECT_EQ(std::filesystem::status(folder.path() + "/cache").permissions(),
@@ -374,7 +381,7 @@ TEST_F(AppcastUpdaterTest, DownloadCanBeCancelled) {
     answerFeed(release().item());
     updater->install();
     desktop.urlSession.send("the");
-    EXPECT_TRUE(isKept());
+    EXPECT_GT(updater->downloadProgress.get(), 0);
     updater->dismiss();
     EXPECT_EQ(asked(), "");
     EXPECT_FALSE(isKept());
@@ -409,16 +416,95 @@ TEST_F(AppcastUpdaterTest, FolderThatCannotBeWrittenIsAnError) {
 }
 
 TEST_F(AppcastUpdaterTest, InstallerThatIsMissingIsAnError) {
-    openingError = "Nothing here installs packages";
     start();
     updater->checkForUpdates();
     answerFeed(release().item());
     updater->install();
     answer(file);
-    EXPECT_EQ(shownError(), "Nothing here installs packages");
+    answerOfOpener("The package could not be opened");
+    EXPECT_EQ(shownError(), "The package could not be opened");
+    EXPECT_EQ(shown<UpdaterError>()->version, "1.3");
     EXPECT_TRUE(std::filesystem::exists(package));
     updater->dismiss();
     EXPECT_TRUE(showsNothing());
+    updater->checkForUpdates();
+    answerOfOpener("The package could not be opened");
+    EXPECT_NE(shown<UpdateCheckInProgress>(), nullptr) << "the user is at something else";
+}
+
+TEST_F(AppcastUpdaterTest, HandedOverReleaseIsNotOfferedAgainByItself) {
+    startChecking();
+    answerFeed(release().item());
+    updater->install();
+    answer(file);
+    updater->dismiss();
+    desktop.runLoop.advance(24h);
+    answerFeed(release().item());
+    EXPECT_TRUE(showsNothing()) << "it waits for the next start";
+    updater->checkForUpdates();
+    answerFeed(release().item());
+    EXPECT_NE(shown<UpdateFound>(), nullptr);
+}
+
+TEST_F(AppcastUpdaterTest, CheckIsMadeAnewFromAnOldAnswer) {
+    start();
+    for (const auto& last : std::vector<UpdateStage>{UpdateNotFound{}, UpdaterError{"broken"},
+                                                     UpdatePermissionRequest{}}) {
+        updater->stage.set(last);
+        updater->checkForUpdates();
+        EXPECT_NE(shown<UpdateCheckInProgress>(), nullptr);
+        answerFeed("");
+        updater->dismiss();
+    }
+}
+
+TEST_F(AppcastUpdaterTest, TwoOfOneUserDoNotMixTheirFiles) {
+    const auto length = static_cast<std::int64_t>(file.size());
+    const auto signature = *ed25519Signature(publisher.sign(file));
+    UpdateFile good(package, length, publisher.key(), signature);
+    EXPECT_FALSE(good.add(file.substr(0, 3)));
+    {
+        UpdateFile bad(package, length, publisher.key(), signature);
+        EXPECT_FALSE(bad.add(std::string(file.size(), 'x')));
+        EXPECT_FALSE(good.add(file.substr(3)));
+        EXPECT_FALSE(good.finish());
+        EXPECT_TRUE(bad.finish());
+    }
+    EXPECT_EQ(contentOf(package), file);
+}
+
+TEST_F(AppcastUpdaterTest, WhatIsLeftOfOldUpdatesIsRemovedAtTheStart) {
+    const auto make = [&](const std::string& name, std::chrono::hours age) {
+        const auto path = folder.path() + "/cache/" + name;
+        writeFile(path, "x");
+        std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() - age);
+        return path;
+    };
+    std::filesystem::create_directories(folder.path() + "/cache");
+    const auto killed = make("nocta-update.deb.abcdef", 25h);
+    const auto young = make("nocta-update.deb", 23h);
+    start();
+    EXPECT_FALSE(std::filesystem::exists(killed));
+    EXPECT_TRUE(std::filesystem::exists(young)) << "an installer may still read it";
+}
+
+TEST_F(AppcastUpdaterTest, TurnedOffItStopsWhatItHasBegun) {
+    startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
+    answerFeed(release().item());
+    desktop.urlSession.send("the");
+    updater->setAutomaticallyChecksForUpdates(false);
+    EXPECT_EQ(asked(), "");
+    EXPECT_FALSE(isKept());
+    updater->checkForUpdates();
+    updater->setAutomaticallyChecksForUpdates(false);
+    EXPECT_EQ(asked(), bundle.feedUrl) << "the user has asked for this one";
+}
+
+TEST_F(AppcastUpdaterTest, DestroyedWhileItLoadsItIsNotCalledAnyMore) {
+    start();
+    updater->checkForUpdates();
+    updater.reset();
+    EXPECT_EQ(asked(), "");
 }
 
 TEST_F(AppcastUpdaterTest, SkippedVersionIsNotOfferedAgainByItself) {
@@ -467,8 +553,13 @@ TEST_F(AppcastUpdaterTest, DownloadedByItselfIsOfferedOnceItIsVerified) {
     desktop.runLoop.advance(24h);
     answerFeed(release().item());
     EXPECT_EQ(asked(), "") << "it is there";
+    updater->dismiss();
+    std::filesystem::remove(package);
+    updater->checkForUpdates();
+    answerFeed(release().item());
     updater->install();
-    EXPECT_EQ(opened, std::vector{package + ": " + file});
+    answer(file);
+    EXPECT_EQ(opened, std::vector{package + ": " + file}) << "it had been cleaned away";
 }
 
 TEST_F(AppcastUpdaterTest, DownloadByItselfThatFailsIsOnlyReported) {
@@ -486,16 +577,14 @@ TEST_F(AppcastUpdaterTest, UserMaySeeADownloadThatRuns) {
     updater->checkForUpdates();
     EXPECT_NE(shown<UpdateDownload>(), nullptr);
     answer(file);
-    EXPECT_EQ(opened.size(), 1U);
+    EXPECT_NE(shown<UpdateFound>(), nullptr);
+    EXPECT_TRUE(opened.empty()) << "nobody has said that it is to be installed";
 }
 
 TEST_F(AppcastUpdaterTest, EndlessFeedIsLeft) {
     start();
     updater->checkForUpdates();
-    const std::string piece(1 << 16, ' ');
-    for (int i = 0; i < 16; ++i) {
-        desktop.urlSession.send(piece);
-    }
+    desktop.urlSession.send(std::string(1 << 17, ' '));
     EXPECT_NE(shown<UpdateCheckInProgress>(), nullptr);
     desktop.urlSession.send(" ");
     EXPECT_EQ(shownError(), "The feed is too long");

@@ -16,12 +16,14 @@
 #include <string>
 #include <string_view>
 #include <sys/mman.h>
+#include <sys/resource.h>
 
 namespace nocta {
 namespace {
 
 constexpr std::int64_t gibibyte = 1LL << 30;
-constexpr std::int64_t mostGrowth = 16LL << 20; // bytes
+constexpr std::int64_t mostGrowth = 16LL << 20;    // bytes
+constexpr std::int64_t mostOfAHelper = 32LL << 20; // bytes, all of it
 
 /// The most memory that this process has had, in bytes.
 std::int64_t peakMemory() {
@@ -51,12 +53,16 @@ public:
 
     /// A response whose body is `head` and then zeros, `size` bytes of it.
     void serve(const std::string& name, const std::string& head, std::int64_t size) {
-        const auto file = folder_.path() + "/" + name;
         const auto start =
             "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(size) +
             "\r\n\r\n";
-        writeFile(file, start + head);
-        std::filesystem::resize_file(file, start.size() + static_cast<std::uintmax_t>(size));
+        serveRaw(name, start + head, static_cast<std::int64_t>(start.size()) + size);
+    }
+    /// `size` bytes that begin with `start`, whatever they mean.
+    void serveRaw(const std::string& name, const std::string& start, std::int64_t size) {
+        const auto file = folder_.path() + "/" + name;
+        writeFile(file, start);
+        std::filesystem::resize_file(file, static_cast<std::uintmax_t>(size));
     }
     std::string address(const std::string& name) const {
         return "https://localhost:" + port() + "/" + name;
@@ -82,6 +88,13 @@ private:
                     {},
                     output_};
 };
+
+/// The most memory that any helper has had that has ended, in bytes.
+std::int64_t peakMemoryOfHelpers() {
+    rusage usage{};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    return std::int64_t{1024} * usage.ru_maxrss;
+}
 
 /// Zeros that take no memory.
 class Zeros {
@@ -141,6 +154,12 @@ protected:
             });
         }
     }
+    void expectLittleGrowth(std::int64_t before) {
+        EXPECT_LT(peakMemory() - before, mostGrowth);
+        EXPECT_LT(peakMemoryOfHelpers(), mostOfAHelper);
+        RecordProperty("growth", std::to_string(peakMemory() - before));
+        RecordProperty("helper", std::to_string(peakMemoryOfHelpers()));
+    }
     std::string error() const {
         const auto* const failed = std::get_if<UpdaterError>(&updater.stage.get());
         return failed == nullptr ? "" : failed->description;
@@ -153,8 +172,20 @@ TEST_F(LargeDownloadTest, FeedOfAGibibyteIsLeftEarly) {
     updater.checkForUpdates();
     waitForEndOf<UpdateCheckInProgress>();
     EXPECT_EQ(error(), "The feed is too long");
-    EXPECT_LT(peakMemory() - before, mostGrowth);
-    RecordProperty("growth", std::to_string(peakMemory() - before));
+    expectLittleGrowth(before);
+}
+
+TEST_F(LargeDownloadTest, HeadWithoutEndIsLeftEarly) {
+    for (const auto* const head : {"HTTP/1.1 200 ", "HTTP/1.1 200 OK\r\nLong: ",
+                                   "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"}) {
+        server.serveRaw("appcast.xml", head, gibibyte);
+        const auto before = forgetPeak();
+        updater.checkForUpdates();
+        waitForEndOf<UpdateCheckInProgress>();
+        EXPECT_NE(error(), "") << head;
+        expectLittleGrowth(before);
+        updater.dismiss();
+    }
 }
 
 TEST_F(LargeDownloadTest, FileOfAGibibyteIsVerifiedAsItComes) {
@@ -172,8 +203,7 @@ TEST_F(LargeDownloadTest, FileOfAGibibyteIsVerifiedAsItComes) {
     waitForEndOf<UpdateDownload>();
     EXPECT_EQ(error(), "");
     EXPECT_EQ(openedSize, gibibyte);
-    EXPECT_LT(peakMemory() - before, mostGrowth);
-    RecordProperty("growth", std::to_string(peakMemory() - before));
+    expectLittleGrowth(before);
 }
 
 } // namespace

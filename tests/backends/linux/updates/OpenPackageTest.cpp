@@ -51,7 +51,7 @@ TEST_F(OpenPackageTest, DesktopIsGivenTheFile) {
 
 TEST_F(OpenPackageTest, DesktopWithoutAnInstallerIsAnError) {
     openAndWait("exit 3");
-    EXPECT_EQ(error, "Nothing here installs packages; it waits at " + folder.path() + "/a b;c.deb");
+    EXPECT_EQ(error, "The package could not be opened: " + folder.path() + "/a b;c.deb");
 }
 
 TEST_F(OpenPackageTest, OpenerThatIsMissingOrKilledIsAnError) {
