@@ -1,0 +1,240 @@
+#include "tour/DesktopScene.h"
+
+#include "symbols/Symbol.h"
+#include "tour/DisplayPipeline.h"
+#include "tour/Wallpaper.h"
+
+#include <QDateTime>
+#include <QGraphicsItem>
+#include <QGraphicsSceneMouseEvent>
+#include <QPainter>
+#include <QWidget>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+// From the back to the front.
+constexpr qreal groundLevel = 0;
+constexpr qreal windowLevel = 10;
+constexpr qreal menuBarLevel = 20;
+constexpr qreal popoverLevel = 30;
+constexpr qreal overlayLevel = 40;
+
+constexpr qreal menuBarHeight = 28; // points
+constexpr qreal titleBarHeight = 28;
+constexpr qreal symbolSize = 18;
+constexpr qreal statusItemWidth = 34;
+constexpr qreal clockWidth = 96;
+constexpr qreal cornerRadius = 10;
+constexpr qreal popoverGap = 6;
+constexpr QSizeF popoverSize(300, 280);
+
+QRectF frame(const Rect& bounds) {
+    return {bounds.x, bounds.y, bounds.width, bounds.height};
+}
+
+QWidget& widgetOf(View& view) {
+    return *static_cast<QWidget*>(view.nativeView());
+}
+
+/// A text to be read, so that a picture shows whether one still can.
+constexpr auto page =
+    "The evening\n\nAs the sun goes down, what is left of its light is red: the way through the "
+    "air is longer, and the blue of it is scattered elsewhere. A screen knows nothing of this. It "
+    "shows at ten in the evening the noon that it was made for, and whoever looks at it sits in "
+    "two times of day at once.\n\nIt need not be so. A lamp can be turned down, and a candle is "
+    "warm by itself. What the screen lacks is somebody to ask the clock, and a hand that is "
+    "lighter than its own buttons allow.";
+
+} // namespace
+
+/// What lies under everything on a display: the wallpaper, and the application in front.
+class DesktopScene::Ground final : public QGraphicsItem {
+public:
+    Ground(const VirtualDesktop& desktop, const Rect& bounds)
+        : desktop_(desktop), area_(frame(bounds)),
+          wallpaper_(paintWallpaper(area_.size().toSize())) {
+        setZValue(groundLevel);
+    }
+
+    QRectF boundingRect() const override { return area_; }
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* /*option*/,
+               QWidget* /*widget*/) override {
+        painter->drawImage(area_.topLeft(), wallpaper_);
+        const QRectF window(area_.left() + area_.width() * 0.06, area_.top() + 72,
+                            area_.width() * 0.5, area_.height() * 0.62);
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(QColor(0, 0, 0, 60), 1));
+        painter->setBrush(QColor(252, 252, 250));
+        painter->drawRoundedRect(window, cornerRadius, cornerRadius);
+        painter->setPen(QColor(110, 110, 110));
+        painter->drawText(QRectF(window.left(), window.top(), window.width(), titleBarHeight),
+                          Qt::AlignCenter, applicationName());
+        painter->setPen(QColor(30, 30, 30));
+        painter->drawText(window.adjusted(32, titleBarHeight + 16, -32, -16),
+                          Qt::AlignLeft | Qt::TextWordWrap, QString::fromUtf8(page));
+    }
+
+private:
+    QString applicationName() const {
+        const auto& application = desktop_.workspace.frontmost;
+        return application ? QString::fromStdString(application->localizedName)
+                           : QStringLiteral("Notes");
+    }
+
+    const VirtualDesktop& desktop_;
+    QRectF area_;
+    QImage wallpaper_;
+};
+
+/// At the top of a display; the status item is in it on every one.
+class DesktopScene::MenuBar final : public QGraphicsItem {
+public:
+    MenuBar(VirtualDesktop& desktop, const Rect& bounds)
+        : desktop_(desktop), area_(bounds.x, bounds.y, bounds.width, menuBarHeight) {
+        setZValue(menuBarLevel);
+    }
+
+    QRectF statusItem() const {
+        return {area_.right() - clockWidth - statusItemWidth, area_.top(), statusItemWidth,
+                menuBarHeight};
+    }
+
+    QRectF boundingRect() const override { return area_; }
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* /*option*/,
+               QWidget* /*widget*/) override {
+        painter->fillRect(area_, QColor(246, 246, 246, 225));
+        painter->setPen(QColor(30, 30, 30));
+        const auto now = std::chrono::system_clock::to_time_t(
+            std::chrono::time_point_cast<std::chrono::system_clock::duration>(
+                desktop_.runLoop.wallNow()));
+        painter->drawText(area_.adjusted(0, 0, -16, 0), Qt::AlignVCenter | Qt::AlignRight,
+                          QDateTime::fromSecsSinceEpoch(now).toString(QStringLiteral("HH:mm")));
+        if (!desktop_.statusBar.hasItem()) {
+            return;
+        }
+        QRectF symbol(0, 0, symbolSize, symbolSize);
+        symbol.moveCenter(statusItem().center());
+        painter->setRenderHint(QPainter::Antialiasing);
+        drawSymbol(*painter, symbol.toRect(),
+                   QString::fromStdString(desktop_.statusBar.symbolName()), QColor(30, 30, 30));
+    }
+
+protected:
+    void mousePressEvent(QGraphicsSceneMouseEvent* event) override {
+        if (statusItem().contains(event->scenePos())) {
+            desktop_.statusBar.click();
+        } else {
+            desktop_.popover.clickElsewhere();
+        }
+    }
+
+private:
+    VirtualDesktop& desktop_;
+    QRectF area_;
+};
+
+DesktopScene::DesktopScene(VirtualDesktop& desktop) : desktop_(desktop) {}
+
+/// The widgets belong to their views.
+DesktopScene::~DesktopScene() {
+    for (const auto& [widget, proxy] : windows_) {
+        if (proxy != nullptr) {
+            proxy->setWidget(nullptr);
+        }
+    }
+}
+
+void DesktopScene::refresh() {
+    std::erase_if(windows_, [](const auto& window) { return window.second == nullptr; });
+    refreshDisplays();
+    refreshWindows();
+    refreshPopover();
+    refreshOverlays();
+}
+
+void DesktopScene::refreshDisplays() {
+    const auto isGone = [this](const auto& item) {
+        return std::ranges::none_of(desktop_.displays.all(),
+                                    [&](const auto& display) { return display.id == item.first; });
+    };
+    std::erase_if(grounds_, isGone);
+    std::erase_if(menuBars_, isGone);
+    for (const auto& display : desktop_.displays.all()) {
+        if (!grounds_.contains(display.id)) {
+            auto& ground = grounds_[display.id] =
+                std::make_unique<Ground>(desktop_, display.bounds);
+            auto& bar = menuBars_[display.id] = std::make_unique<MenuBar>(desktop_, display.bounds);
+            addItem(ground.get());
+            addItem(bar.get());
+        }
+    }
+}
+
+void DesktopScene::refreshWindows() {
+    for (const auto& window : desktop_.appWindows.windows()) {
+        if (!window.isOnScreen || desktop_.displays.all().empty()) {
+            continue;
+        }
+        auto* const shown = place(*window.content, windowLevel);
+        auto& widget = widgetOf(*window.content);
+        widget.setMinimumSize(widget.minimumSize().expandedTo(
+            QSize(qRound(window.style.width), qRound(window.style.height))));
+        auto place = QRectF({}, shown->effectiveSizeHint(Qt::MinimumSize));
+        place.moveCenter(frame(desktop_.displays.all().front().bounds).center());
+        shown->setGeometry(place);
+    }
+}
+
+void DesktopScene::refreshPopover() {
+    if (!desktop_.popover.isShown() || desktop_.popover.contentView() == nullptr ||
+        menuBars_.empty()) {
+        return;
+    }
+    auto* const shown = place(*desktop_.popover.contentView(), popoverLevel);
+    const auto& bar = *menuBars_.begin()->second;
+    const auto anchor = bar.statusItem();
+    auto place = QRectF({}, shown->effectiveSizeHint(Qt::MinimumSize).expandedTo(popoverSize));
+    place.moveCenter({anchor.center().x(), 0});
+    place.moveTop(anchor.bottom() + popoverGap);
+    place.moveRight(std::min(place.right(), bar.boundingRect().right() - popoverGap));
+    shown->setGeometry(place);
+}
+
+void DesktopScene::refreshOverlays() {
+    for (const auto& window : desktop_.overlayWindows.windows()) {
+        auto* const shown = place(*window.content, overlayLevel);
+        shown->setVisible(window.isOnScreen);
+        shown->setOpacity(window.alpha);
+        shown->setGeometry(frame(window.screen.frame));
+    }
+}
+
+QGraphicsProxyWidget* DesktopScene::place(View& view, qreal level) {
+    auto& proxy = windows_[&widgetOf(view)];
+    if (proxy == nullptr) {
+        proxy = addWidget(&widgetOf(view));
+        proxy->setZValue(level);
+    }
+    return proxy;
+}
+
+QImage DesktopScene::picture(DisplayId id) {
+    refresh();
+    const auto& display = desktop_.displays.display(id);
+    const auto area = frame(display.bounds);
+    QImage sent(area.size().toSize(), QImage::Format_RGB32);
+    {
+        QPainter painter(&sent);
+        render(&painter, QRectF({}, area.size()), area);
+    }
+    DisplayPipeline(display, desktop_.filter.isOn).apply(sent);
+    return sent;
+}
+
+} // namespace nocta

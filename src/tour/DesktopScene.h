@@ -1,0 +1,46 @@
+#pragma once
+
+#include "backends/virtual/VirtualDesktop.h"
+
+#include <QGraphicsProxyWidget>
+#include <QGraphicsScene>
+#include <QImage>
+#include <QPointer>
+
+#include <map>
+#include <memory>
+
+namespace nocta {
+
+/// The virtual desktop as a person would find it: each display with a wallpaper, a menu bar and an
+/// application, and on them the program's own windows, live. Display bounds are scene coordinates.
+class DesktopScene final : public QGraphicsScene {
+public:
+    explicit DesktopScene(VirtualDesktop& desktop);
+    ~DesktopScene() override;
+
+    /// Takes in what has changed on the desktop. Called before the scene is looked at.
+    void refresh();
+
+    /// A display as the eye sees it, in its own size.
+    QImage picture(DisplayId id);
+
+private:
+    class Ground;
+    class MenuBar;
+
+    void refreshDisplays();
+    void refreshPopover();
+    void refreshWindows();
+    void refreshOverlays();
+
+    /// The view's widget in the scene, put there when it is first seen.
+    QGraphicsProxyWidget* place(View& view, qreal level);
+
+    VirtualDesktop& desktop_;
+    std::map<DisplayId, std::unique_ptr<Ground>> grounds_;
+    std::map<DisplayId, std::unique_ptr<MenuBar>> menuBars_;
+    std::map<QWidget*, QPointer<QGraphicsProxyWidget>> windows_;
+};
+
+} // namespace nocta
