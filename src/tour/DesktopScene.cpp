@@ -31,7 +31,8 @@ constexpr qreal symbolSize = 18;
 constexpr qreal statusItemWidth = 34;
 constexpr qreal clockWidth = 96;
 constexpr qreal cornerRadius = 10;
-constexpr qreal popoverGap = 6;
+constexpr qreal popoverGap = 10;
+constexpr int shadowSize = 8; // less than the gap, so that it stays on its display
 constexpr QSizeF popoverSize(300, 280);
 
 QRectF frame(const Rect& bounds) {
@@ -139,6 +140,44 @@ private:
     QRectF area_;
 };
 
+/// What a desktop draws around and under a window: its ground, a shadow, and a title bar where it
+/// has a title.
+class DesktopScene::Frame final : public QGraphicsItem {
+public:
+    Frame(QGraphicsProxyWidget& window, QString title)
+        : QGraphicsItem(&window), window_(window), title_(std::move(title)) {
+        setFlag(ItemStacksBehindParent);
+    }
+
+    QRectF boundingRect() const override {
+        return area().adjusted(-shadowSize, -shadowSize, shadowSize, shadowSize);
+    }
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* /*option*/,
+               QWidget* /*widget*/) override {
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(QColor(0, 0, 0, 12));
+        for (int width = 1; width <= shadowSize; ++width) {
+            const auto corner = cornerRadius + width;
+            painter->drawRoundedRect(area().adjusted(-width, -width, width, width), corner, corner);
+        }
+        painter->setPen(QPen(QColor(0, 0, 0, 60), 1));
+        painter->setBrush(window_.widget()->palette().window());
+        painter->drawRoundedRect(area(), cornerRadius, cornerRadius);
+        painter->setPen(window_.widget()->palette().windowText().color());
+        painter->drawText(QRectF(area().topLeft(), QSizeF(area().width(), titleBarHeight)),
+                          Qt::AlignCenter, title_);
+    }
+
+private:
+    QRectF area() const {
+        return window_.rect().adjusted(0, title_.isEmpty() ? 0 : -titleBarHeight, 0, 0);
+    }
+
+    QGraphicsProxyWidget& window_;
+    QString title_;
+};
+
 DesktopScene::DesktopScene(VirtualDesktop& desktop) : desktop_(desktop) {}
 
 /// The widgets belong to their views.
@@ -181,12 +220,15 @@ void DesktopScene::refreshWindows() {
         if (!window.isOnScreen || desktop_.displays.all().empty()) {
             continue;
         }
-        auto* const shown = place(*window.content, windowLevel);
+        auto* const shown =
+            placeInFrame(*window.content, windowLevel, QString::fromStdString(window.title));
         auto& widget = widgetOf(*window.content);
         widget.setMinimumSize(widget.minimumSize().expandedTo(
             QSize(qRound(window.style.width), qRound(window.style.height))));
         auto place = QRectF({}, shown->effectiveSizeHint(Qt::MinimumSize));
-        place.moveCenter(frame(desktop_.displays.all().front().bounds).center());
+        const auto display = frame(desktop_.displays.all().front().bounds);
+        place.moveCenter(display.center());
+        place.moveTop(std::max(place.top(), display.top() + menuBarHeight + titleBarHeight));
         shown->setGeometry(place);
     }
 }
@@ -196,7 +238,7 @@ void DesktopScene::refreshPopover() {
         menuBars_.empty()) {
         return;
     }
-    auto* const shown = place(*desktop_.popover.contentView(), popoverLevel);
+    auto* const shown = placeInFrame(*desktop_.popover.contentView(), popoverLevel, {});
     const auto& bar = *menuBars_.begin()->second;
     const auto anchor = bar.statusItem();
     auto place = QRectF({}, shown->effectiveSizeHint(Qt::MinimumSize).expandedTo(popoverSize));
@@ -216,10 +258,21 @@ void DesktopScene::refreshOverlays() {
 }
 
 QGraphicsProxyWidget* DesktopScene::place(View& view, qreal level) {
-    auto& proxy = windows_[&widgetOf(view)];
+    auto& widget = widgetOf(view);
+    auto& proxy = windows_[&widget];
     if (proxy == nullptr) {
-        proxy = addWidget(&widgetOf(view));
+        widget.setAttribute(Qt::WA_TranslucentBackground);
+        proxy = addWidget(&widget);
         proxy->setZValue(level);
+    }
+    return proxy;
+}
+
+QGraphicsProxyWidget* DesktopScene::placeInFrame(View& view, qreal level, const QString& title) {
+    const auto isNew = windows_[&widgetOf(view)] == nullptr;
+    auto* const proxy = place(view, level);
+    if (isNew) {
+        new Frame(*proxy, title);
     }
     return proxy;
 }

@@ -28,14 +28,18 @@ public:
 private:
     class Ground;
     class MenuBar;
+    class Frame;
 
     void refreshDisplays();
     void refreshPopover();
     void refreshWindows();
     void refreshOverlays();
 
-    /// The view's widget in the scene, put there when it is first seen.
+    /// The view's widget in the scene, put there when it is first seen. What it does not paint
+    /// shows what is under it.
     QGraphicsProxyWidget* place(View& view, qreal level);
+    /// With a frame around it that goes with it.
+    QGraphicsProxyWidget* placeInFrame(View& view, qreal level, const QString& title);
 
     VirtualDesktop& desktop_;
     std::map<DisplayId, std::unique_ptr<Ground>> grounds_;

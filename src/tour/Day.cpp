@@ -1,0 +1,225 @@
+#include "tour/Day.h"
+
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <variant>
+
+namespace nocta {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr Location berlin{52.52, 13.41};
+constexpr std::int64_t spaceKey = 49;
+
+const RunningApplication editor{"com.example.editor", "Notes"};
+const RunningApplication meeting{"us.zoom.xos", "zoom.us"};
+
+void start(Tour& tour) {
+    tour.desktop.workspace.frontmost = editor;
+    tour.desktop.runLoop.advance(0s);
+    tour.launch();
+    tour.expect(tour.desktop.appWindows.isOnScreen("Welcome to Nocta"), "the first start welcomes");
+    tour.take("The first start",
+              "The services already run when the window opens; it holds up nothing.");
+    tour.press("continueButton");
+    tour.press("allowButton");
+    tour.desktop.location.answer(AuthorizationStatus::authorized);
+    tour.desktop.location.send(berlin);
+    tour.expect(tour.settings().locationEnabled.get(), "the permission is a setting");
+    tour.take("The place", "With the user's place the times of the sun are true.");
+    tour.press("continueButton");
+    tour.press("Everyday");
+    tour.take("A style to begin with", "Five settings at once. Every one can be changed later.");
+    tour.press("continueButton");
+    tour.press("continueButton");
+    tour.expect(!tour.desktop.appWindows.isOnScreen("Welcome to Nocta"), "it closes");
+    tour.expect(!tour.settings().isFirstLaunch.get(), "it never comes back");
+    tour.desktop.runLoop.advance(1s); // until every glide has come to its end
+}
+
+void dim(Tour& tour) {
+    tour.settings().unifiedBrightness.set(1.0);
+    tour.desktop.statusBar.click();
+    tour.take("100 %", "Both displays give what the hardware can.");
+    tour.settings().unifiedBrightness.set(0.6);
+    tour.expect(tour.topOf(Tour::external) == 1,
+                "the upper half leaves the external display alone");
+    tour.expect(tour.desktop.displays.display(Tour::builtIn).backlight < 0.5F,
+                "the upper half moves the backlight");
+    tour.take("60 %", "The upper half is the backlight's. The external display has none that Nocta "
+                      "may move, and keeps its light.");
+    tour.settings().unifiedBrightness.set(0.25);
+    tour.expect(std::abs(tour.topOf(Tour::external) - 0.5) < 0.01, "the lower half darkens all");
+    tour.take("25 %", "The lower half darkens the picture of every display, below what the "
+                      "hardware allows.");
+    tour.settings().unifiedBrightness.set(0.0);
+    tour.expect(std::abs(tour.topOf(Tour::external) - 0.1) < 0.01, "a faint glow is kept");
+    tour.take("0 %, with the faint glow", "A tenth of the light is kept, so that nobody is lost.");
+    tour.settings().allowFullBlack.set(true);
+    tour.settings().unifiedBrightness.set(0.0);
+    tour.expect(tour.topOf(Tour::external) == 0, "black where the user wants it");
+    tour.take("0 %, with black allowed", "Only who asks for it gets it.");
+    tour.settings().allowFullBlack.set(false);
+
+    TourCurve backlight{"backlight", {}};
+    TourCurve dimming{"dimming of the picture", {}};
+    for (int percent = 0; percent <= 100; ++percent) {
+        tour.settings().unifiedBrightness.set(percent / 100.0);
+        backlight.points.emplace_back(
+            percent, double{tour.desktop.displays.display(Tour::builtIn).backlight});
+        dimming.points.emplace_back(percent, 1 - tour.topOf(Tour::builtIn));
+    }
+    tour.brightnessCurves = {backlight, dimming};
+    tour.settings().unifiedBrightness.set(0.75);
+    tour.desktop.popover.clickElsewhere();
+}
+
+void pressKeys(Tour& tour) {
+    const auto before = tour.settings().unifiedBrightness.get();
+    for (int i = 0; i < 4; ++i) {
+        tour.desktop.keyboard.pressBrightnessDown();
+    }
+    tour.expect(std::abs(before - 0.25 - tour.settings().unifiedBrightness.get()) < 1e-9,
+                "four presses are four sixteenths");
+    tour.take("The brightness keys", "A sixteenth for each press, from any application.");
+    tour.settings().unifiedBrightness.set(before);
+}
+
+void plug(Tour& tour) {
+    constexpr DisplayId projector = 3;
+    tour.settings().unifiedBrightness.set(0.3);
+    tour.desktop.displays.plug({.id = projector, .bounds = {1984, 0, 640, 480}});
+    tour.expect(tour.desktop.displays.display(projector).red.empty(),
+                "a display that is plugged in waits for the next change");
+    tour.take("A display is plugged in", "It keeps its own light until something changes.");
+    tour.settings().unifiedBrightness.set(0.29);
+    tour.expect(!tour.desktop.displays.display(projector).red.empty(), "and then takes part");
+    tour.take("The next change", "Now it takes part.");
+    tour.desktop.displays.unplug(projector);
+    tour.settings().unifiedBrightness.set(0.75);
+}
+
+void takeTheColorAway(Tour& tour) {
+    tour.settings().grayscaleEnabled.set(true);
+    tour.desktop.runLoop.advance(1s);
+    tour.expect(tour.desktop.filter.isOn, "the filter is on");
+    tour.take("Eye Relief", "The screen without its colors.");
+    tour.settings().grayscaleEnabled.set(false);
+    tour.desktop.runLoop.advance(1s);
+    tour.expect(!tour.desktop.filter.isOn, "the filter is off");
+}
+
+bool isPaused(Tour& tour) {
+    return std::holds_alternative<Paused>(tour.instances().breakTimer().state.get());
+}
+bool isActive(Tour& tour) {
+    return std::holds_alternative<Active>(tour.instances().breakTimer().state.get());
+}
+
+void waitForBreak(Tour& tour) {
+    for (int second = 0; second < 3600 && !isActive(tour); ++second) {
+        tour.desktop.runLoop.advance(1s);
+    }
+    tour.expect(isActive(tour), "a break comes");
+    tour.desktop.runLoop.advance(2s);
+}
+
+void takeBreaks(Tour& tour) {
+    auto& settings = tour.settings();
+    waitForBreak(tour);
+    tour.expect(tour.desktop.overlayWindows.windows().size() == 2, "every screen is covered");
+    tour.take("A break", "Every 20 minutes, for 20 seconds: look at something far away.");
+    tour.press("snoozeBreakButton");
+    tour.desktop.runLoop.advance(1s);
+    tour.expect(std::holds_alternative<Snoozed>(tour.instances().breakTimer().state.get()),
+                "it is put off");
+    waitForBreak(tour);
+    tour.desktop.overlayWindows.press(spaceKey);
+    tour.desktop.runLoop.advance(1s);
+    tour.expect(tour.desktop.overlayWindows.windows().empty(), "Space skips");
+    waitForBreak(tour);
+    tour.desktop.runLoop.advance(19s);
+    tour.expect(tour.instances().breakTimer().statistics.get().completedBreaks == 1,
+                "one break was waited for");
+
+    tour.desktop.workspace.bringToFront(meeting);
+    tour.desktop.runLoop.advance(1s);
+    tour.desktop.statusBar.click();
+    tour.expect(isPaused(tour), "a meeting holds the countdown");
+    tour.take("A meeting", "While a meeting is in front, no break comes.");
+    tour.desktop.runLoop.advance(30min);
+    tour.expect(isPaused(tour), "for as long as it lasts");
+    tour.desktop.workspace.bringToFront(editor);
+    tour.desktop.runLoop.advance(5min);
+    tour.expect(isPaused(tour), "afterwards it stays where it is");
+    settings.breakTimerEnabled.set(false);
+    settings.breakTimerEnabled.set(true);
+    tour.expect(!isPaused(tour), "until breaks are turned off and on");
+    tour.take("Breaks again", "After a meeting the countdown stays paused until the user turns "
+                              "the breaks off and on.");
+    tour.desktop.popover.clickElsewhere();
+    settings.breakTimerEnabled.set(false);
+}
+
+TourCurve rampOf(Tour& tour, const char* name) {
+    TourCurve curve{name, {}};
+    const auto& blue = tour.desktop.displays.display(Tour::external).blue;
+    for (std::size_t i = 0; i < blue.size(); i += 5) {
+        curve.points.emplace_back(static_cast<double>(i), double{blue[i]});
+    }
+    return curve;
+}
+
+void seeTheSunSet(Tour& tour) {
+    auto& temperature = tour.instances().colorTemperatureService().currentTemperature;
+    tour.ramps.push_back(rampOf(tour, "afternoon"));
+    tour.waitUntil(18, 10);
+    const auto before = temperature.get();
+    tour.ramps.push_back(rampOf(tour, "18:10"));
+    tour.waitUntil(18, 20);
+    tour.ramps.push_back(rampOf(tour, "18:20"));
+    tour.expect(temperature.get() < before, "it grows warmer as the sun sets");
+    tour.take("The sun sets", "Over half an hour the screen follows the light outside.");
+    tour.waitUntil(22, 0);
+    tour.expect(temperature.get() == tour.settings().colorTemperatureNight.get(), "night is warm");
+    tour.ramps.push_back(rampOf(tour, "night"));
+    tour.take("Night", "The blue has gone.");
+    tour.settings().unifiedBrightness.set(0.3);
+    tour.ramps.push_back(rampOf(tour, "night, at 30 %"));
+    tour.take("Late", "Warm and dark, and still to be read.");
+}
+
+void reset(Tour& tour) {
+    tour.program().showPreferencesWindow();
+    tour.take("The preferences", "Everything that can be set, in six tabs.");
+    tour.press("resetButton");
+    tour.expect(tour.settings().unifiedBrightness.get() == 0.75, "the defaults are back");
+    tour.desktop.appWindows.close("Preferences");
+}
+
+void end(Tour& tour) {
+    tour.quit();
+    for (const auto& display : tour.desktop.displays.all()) {
+        tour.expect(display.red.empty(), "every display has its own tables again");
+    }
+    tour.take("The end", "Nocta gives the screen back as it found it.");
+}
+
+} // namespace
+
+void spendADay(Tour& tour) {
+    start(tour);
+    dim(tour);
+    pressKeys(tour);
+    plug(tour);
+    takeTheColorAway(tour);
+    takeBreaks(tour);
+    seeTheSunSet(tour);
+    reset(tour);
+    end(tour);
+}
+
+} // namespace nocta

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "tour/Tour.h"
+
+namespace nocta {
+
+/// One day with Nocta, from its first start to its end. Every scene checks what it shows.
+void spendADay(Tour& tour);
+
+} // namespace nocta

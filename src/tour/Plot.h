@@ -1,0 +1,21 @@
+#pragma once
+
+#include "tour/Tour.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace nocta {
+
+struct PlotAxis {
+    QString name;
+    double least = 0;
+    double most = 1;
+    double step = 1; ///< between two marks
+};
+
+/// Curves over two axes, as an SVG element.
+QString plot(const std::vector<TourCurve>& curves, const PlotAxis& x, const PlotAxis& y);
+
+} // namespace nocta

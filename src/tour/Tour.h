@@ -1,0 +1,87 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "app/SharedInstances.h"
+#include "backends/virtual/VirtualDesktop.h"
+#include "tour/DesktopScene.h"
+#include "ui/WidgetViews.h"
+
+#include <QString>
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace nocta {
+
+/// A picture of both displays at one moment of the day, and what is to be seen on it.
+struct TourScene {
+    QString file; ///< of the picture, in the tour's folder
+    QString time; ///< of the day
+    QString title;
+    QString text;
+};
+
+/// A value over another, for a plot.
+struct TourCurve {
+    QString name;
+    std::vector<std::pair<double, double>> points;
+};
+
+/// Nocta on a virtual desktop of two displays, one built in and one external, and the record of
+/// what was seen. A scene whose promise does not hold fails the tour.
+class Tour {
+public:
+    static constexpr DisplayId builtIn = 1;
+    static constexpr DisplayId external = 2;
+
+    /// Pictures are written to the folder, which exists.
+    explicit Tour(QString folder);
+    Tour(const Tour&) = delete;
+    Tour& operator=(const Tour&) = delete;
+
+    VirtualDesktop desktop;
+
+    SharedInstances& instances() { return *instances_; }
+    SettingsManager& settings() { return instances_->settingsManager(); }
+    AppDelegate& program() { return *program_; }
+
+    void launch();
+    void quit();
+
+    /// Lets time run to the next moment of that hour and minute.
+    void waitUntil(int hour, int minute);
+
+    /// Presses a button of the program's windows by its identifier.
+    void press(const char* identifier);
+
+    void take(const QString& title, const QString& text);
+    void expect(bool holds, const QString& promise);
+
+    /// The highest red level of a display's tables, which warmth leaves alone.
+    double topOf(DisplayId id);
+
+    const QString& folder() const { return folder_; }
+    const std::vector<TourScene>& scenes() const { return scenes_; }
+    bool isAsPromised() const { return isAsPromised_; }
+
+    std::vector<TourCurve> brightnessCurves;
+    std::vector<TourCurve> ramps;
+    TourCurve temperature;
+    std::vector<std::pair<QString, QString>> breakStates; ///< time and state, when it changed
+
+private:
+    QString timeOfDay() const;
+    int minuteOfDay() const;
+
+    QString folder_;
+    std::optional<SharedInstances> instances_;
+    std::optional<WidgetViews> views_;
+    std::optional<AppDelegate> program_;
+    std::optional<DesktopScene> scene_;
+    std::vector<TourScene> scenes_;
+    bool isAsPromised_ = true;
+    Cancellables cancellables_;
+};
+
+} // namespace nocta

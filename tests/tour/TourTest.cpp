@@ -1,0 +1,66 @@
+#include "support/Process.h"
+#include "support/TimeZone.h"
+#include "tour/Day.h"
+#include "tour/TourPage.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace nocta {
+namespace {
+
+constexpr auto centralEurope = "CET-1CEST,M3.5.0,M10.5.0/3";
+
+/// How many pictures a day leaves in the folder.
+std::size_t spendADayIn(const std::string& folder) {
+    Tour tour(QString::fromStdString(folder));
+    spendADay(tour);
+    EXPECT_TRUE(tour.isAsPromised());
+    EXPECT_TRUE(writeTour(tour));
+    return tour.scenes().size();
+}
+
+TEST(Tour, DayIsAsPromisedAndTheSameEveryTime) {
+    const TimeZone zone(centralEurope);
+    const TemporaryFolder first;
+    const TemporaryFolder second;
+    const auto pictures = spendADayIn(first.path());
+    EXPECT_GE(pictures, 20U);
+    EXPECT_EQ(spendADayIn(second.path()), pictures);
+    std::size_t files = 0;
+    const auto page = contentOf(first.path() + "/index.html");
+    for (const auto& entry : std::filesystem::directory_iterator(first.path())) {
+        const auto name = entry.path().filename().string();
+        ++files;
+        EXPECT_TRUE(contentOf(entry.path().string()) == contentOf(second.path() + "/" + name))
+            << name;
+        if (name.ends_with(".png")) {
+            EXPECT_NE(page.find("'" + name + "'"), std::string::npos) << name;
+        }
+    }
+    EXPECT_EQ(files, pictures + 2) << "the page and the trace";
+}
+
+TEST(Tour, PromiseThatDoesNotHoldFailsIt) {
+    const TemporaryFolder folder;
+    Tour tour(QString::fromStdString(folder.path()));
+    tour.launch();
+    EXPECT_TRUE(tour.isAsPromised());
+    tour.press("noSuchButton");
+    EXPECT_FALSE(tour.isAsPromised());
+    tour.quit();
+}
+
+TEST(Tour, FolderThatCannotBeWrittenFailsIt) {
+    Tour tour(QStringLiteral("/nowhere"));
+    tour.launch();
+    tour.take(QStringLiteral("A picture"), {});
+    EXPECT_FALSE(tour.isAsPromised());
+    EXPECT_FALSE(writeTour(tour));
+    tour.quit();
+}
+
+} // namespace
+} // namespace nocta
