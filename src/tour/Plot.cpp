@@ -13,7 +13,7 @@ constexpr double left = 64;
 constexpr double top = 16;
 constexpr double bottom = 56;
 constexpr double right = 16;
-constexpr double legendStep = 160;
+constexpr double legendStep = 132;
 
 constexpr std::array colors = {"#c47608", "#4a6fb5", "#3b8557", "#9a4c8f", "#555555"};
 

@@ -67,7 +67,7 @@ public:
 
     std::vector<TourCurve> brightnessCurves;
     std::vector<TourCurve> ramps;
-    TourCurve temperature;
+    TourCurve temperature{QStringLiteral("of the screen"), {}};
     std::vector<std::pair<QString, QString>> breakStates; ///< time and state, when it changed
 
 private:
