@@ -18,7 +18,6 @@ const RunningApplication editor{"com.example.editor", "Notes"};
 const RunningApplication meeting{"us.zoom.xos", "zoom.us"};
 
 void start(Tour& tour) {
-    tour.desktop.workspace.frontmost = editor;
     tour.desktop.runLoop.advance(0s);
     tour.launch();
     tour.expect(tour.desktop.appWindows.isOnScreen("Welcome to Nocta"), "the first start welcomes");

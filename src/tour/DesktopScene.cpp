@@ -27,6 +27,7 @@ constexpr qreal overlayLevel = 40;
 
 constexpr qreal menuBarHeight = 28; // points
 constexpr qreal titleBarHeight = 28;
+constexpr qreal closeSize = 12;
 constexpr qreal symbolSize = 18;
 constexpr qreal statusItemWidth = 34;
 constexpr qreal clockWidth = 96;
@@ -57,7 +58,7 @@ constexpr auto page =
 /// What lies under everything on a display: the wallpaper, and the application in front.
 class DesktopScene::Ground final : public QGraphicsItem {
 public:
-    Ground(const VirtualDesktop& desktop, const Rect& bounds)
+    Ground(VirtualDesktop& desktop, const Rect& bounds)
         : desktop_(desktop), area_(frame(bounds)),
           wallpaper_(paintWallpaper(area_.size().toSize())) {
         setZValue(groundLevel);
@@ -81,6 +82,11 @@ public:
                           Qt::AlignLeft | Qt::TextWordWrap, QString::fromUtf8(page));
     }
 
+protected:
+    void mousePressEvent(QGraphicsSceneMouseEvent* /*event*/) override {
+        desktop_.popover.clickElsewhere();
+    }
+
 private:
     QString applicationName() const {
         const auto& application = desktop_.workspace.frontmost;
@@ -88,7 +94,7 @@ private:
                            : QStringLiteral("Notes");
     }
 
-    const VirtualDesktop& desktop_;
+    VirtualDesktop& desktop_;
     QRectF area_;
     QImage wallpaper_;
 };
@@ -144,8 +150,8 @@ private:
 /// has a title.
 class DesktopScene::Frame final : public QGraphicsItem {
 public:
-    Frame(QGraphicsProxyWidget& window, QString title)
-        : QGraphicsItem(&window), window_(window), title_(std::move(title)) {
+    Frame(VirtualDesktop& desktop, QGraphicsProxyWidget& window, QString title)
+        : QGraphicsItem(&window), desktop_(desktop), window_(window), title_(std::move(title)) {
         setFlag(ItemStacksBehindParent);
     }
 
@@ -167,13 +173,31 @@ public:
         painter->setPen(window_.widget()->palette().windowText().color());
         painter->drawText(QRectF(area().topLeft(), QSizeF(area().width(), titleBarHeight)),
                           Qt::AlignCenter, title_);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(QColor(236, 106, 94));
+        painter->drawEllipse(closeButton());
+    }
+
+protected:
+    void mousePressEvent(QGraphicsSceneMouseEvent* event) override {
+        if (closeButton().contains(event->pos())) { // later, as it is the end of this
+            desktop_.runLoop.post([&desktop = desktop_, title = title_.toStdString()] {
+                desktop.appWindows.close(title);
+            });
+        }
     }
 
 private:
+    /// Empty where there is no title bar.
+    QRectF closeButton() const {
+        const auto place = area().topLeft() + QPointF(closeSize, (titleBarHeight - closeSize) / 2);
+        return title_.isEmpty() ? QRectF() : QRectF(place, QSizeF(closeSize, closeSize));
+    }
     QRectF area() const {
         return window_.rect().adjusted(0, title_.isEmpty() ? 0 : -titleBarHeight, 0, 0);
     }
 
+    VirtualDesktop& desktop_;
     QGraphicsProxyWidget& window_;
     QString title_;
 };
@@ -272,7 +296,7 @@ QGraphicsProxyWidget* DesktopScene::placeInFrame(View& view, qreal level, const 
     const auto isNew = windows_[&widgetOf(view)] == nullptr;
     auto* const proxy = place(view, level);
     if (isNew) {
-        new Frame(*proxy, title);
+        new Frame(desktop_, *proxy, title);
     }
     return proxy;
 }

@@ -17,9 +17,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// In points; side by side.
-constexpr Rect builtInBounds{0, 0, 1024, 680};
-constexpr Rect externalBounds{1024, 0, 960, 600};
 constexpr int gap = 24; ///< between the displays of a picture
 constexpr QRgb room = 0xFF202024;
 constexpr int minutesOfADay = 24 * 60;
@@ -33,21 +30,12 @@ QString stateName(const BreakState& state) {
 
 } // namespace
 
-Tour::Tour(QString folder) : folder_(std::move(folder)) {
-    desktop.displays.plug(
-        {.id = builtIn, .isBuiltIn = true, .isMain = true, .bounds = builtInBounds});
-    desktop.displays.plug({.id = external, .bounds = externalBounds});
-}
+Tour::Tour(QString folder) : folder_(std::move(folder)) {}
 
 void Tour::launch() {
-    instances_.emplace(desktop.ports);
-    views_.emplace(*instances_);
-    program_.emplace(*instances_, *views_);
-    desktop.application.launch(*program_);
-    scene_.emplace(desktop);
-    desktop.runLoop.advance(0s);
+    LiveDesktop::launch();
     cancellables_.push_back(
-        instances_->breakTimer().state.subscribe([this](const BreakState& state) {
+        instances().breakTimer().state.subscribe([this](const BreakState& state) {
             const auto name = stateName(state);
             if (breakStates.empty() || breakStates.back().second != name) {
                 breakStates.emplace_back(timeOfDay(), name);
@@ -57,8 +45,7 @@ void Tour::launch() {
 
 void Tour::quit() {
     cancellables_.clear();
-    desktop.application.terminate();
-    program_.reset(); // and its windows, which leave the scene
+    LiveDesktop::quit();
 }
 
 void Tour::waitUntil(int hour, int minute) {
@@ -67,7 +54,7 @@ void Tour::waitUntil(int hour, int minute) {
         desktop.runLoop.advance(1min);
         temperature.points.emplace_back(
             minuteOfDay() / 60.0,
-            static_cast<double>(instances_->colorTemperatureService().currentTemperature.get()));
+            static_cast<double>(instances().colorTemperatureService().currentTemperature.get()));
     }
 }
 
@@ -106,7 +93,7 @@ void Tour::take(const QString& title, const QString& text) {
         for (const auto& display : desktop.displays.all()) {
             const auto offset = display.bounds.x > 0 ? gap : 0;
             painter.drawImage(QPointF(display.bounds.x + offset, display.bounds.y),
-                              scene_->picture(display.id));
+                              scene().picture(display.id));
         }
     }
     const auto file = QStringLiteral("%1.png").arg(scenes_.size() + 1, 2, 10, QLatin1Char('0'));

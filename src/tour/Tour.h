@@ -1,14 +1,9 @@
 #pragma once
 
-#include "app/AppDelegate.h"
-#include "app/SharedInstances.h"
-#include "backends/virtual/VirtualDesktop.h"
-#include "tour/DesktopScene.h"
-#include "ui/WidgetViews.h"
+#include "tour/LiveDesktop.h"
 
 #include <QString>
 
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -28,23 +23,12 @@ struct TourCurve {
     std::vector<std::pair<double, double>> points;
 };
 
-/// Nocta on a virtual desktop of two displays, one built in and one external, and the record of
-/// what was seen. A scene whose promise does not hold fails the tour.
-class Tour {
+/// A day on a live desktop, and the record of what was seen. A scene whose promise does not hold
+/// fails the tour.
+class Tour : public LiveDesktop {
 public:
-    static constexpr DisplayId builtIn = 1;
-    static constexpr DisplayId external = 2;
-
     /// Pictures are written to the folder, which exists.
     explicit Tour(QString folder);
-    Tour(const Tour&) = delete;
-    Tour& operator=(const Tour&) = delete;
-
-    VirtualDesktop desktop;
-
-    SharedInstances& instances() { return *instances_; }
-    SettingsManager& settings() { return instances_->settingsManager(); }
-    AppDelegate& program() { return *program_; }
 
     void launch();
     void quit();
@@ -75,10 +59,6 @@ private:
     int minuteOfDay() const;
 
     QString folder_;
-    std::optional<SharedInstances> instances_;
-    std::optional<WidgetViews> views_;
-    std::optional<AppDelegate> program_;
-    std::optional<DesktopScene> scene_;
     std::vector<TourScene> scenes_;
     bool isAsPromised_ = true;
     Cancellables cancellables_;

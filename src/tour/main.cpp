@@ -1,6 +1,8 @@
-// nocta-tour: a day with Nocta on the virtual desktop, as pictures and a page that tells it.
+// nocta-tour: Nocta on a virtual desktop. Where there is a screen it opens a window to play with;
+// elsewhere it spends a day there, and leaves pictures and a page that tells it.
 
 #include "tour/Day.h"
+#include "tour/Playground.h"
 #include "tour/TourPage.h"
 
 #include <QApplication>
@@ -10,14 +12,17 @@
 #include <cstdlib>
 #include <iostream>
 
-int main(int argumentCount, char** arguments) {
+namespace {
+
+bool hasScreen() {
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+int spendADay() {
     setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1); // the same day everywhere
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    const QApplication application(argumentCount, arguments);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 10));
     QApplication::setCursorFlashTime(0);
-
     const auto folder = QDir::current().absoluteFilePath(QStringLiteral("nocta-tour"));
     QDir(folder).removeRecursively(); // the day before
     if (!QDir().mkpath(folder)) {
@@ -29,4 +34,19 @@ int main(int argumentCount, char** arguments) {
     tour.expect(nocta::writeTour(tour), QStringLiteral("the page can be written"));
     std::cout << "A day with Nocta: " << folder.toStdString() << "/index.html" << std::endl;
     return tour.isAsPromised() ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    if (!hasScreen()) {
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    }
+    const QApplication application(argumentCount, arguments);
+    if (!hasScreen()) {
+        return spendADay();
+    }
+    nocta::Playground playground;
+    playground.show();
+    return QApplication::exec();
 }

@@ -124,7 +124,11 @@ TEST_F(DesktopSceneTest, WindowsAndDisplaysComeAndGo) {
     const auto before = scene->picture(builtIn);
     program->showPreferencesWindow();
     EXPECT_GT(difference(before, scene->picture(builtIn)), 0.1);
-    desktop.appWindows.close("Preferences");
+    auto* const content =
+        static_cast<QWidget*>(desktop.appWindows.windows().front().content->nativeView());
+    clickAt(content->graphicsProxyWidget()->mapToScene(QPointF(18, -14)));
+    desktop.runLoop.advance(0s);
+    EXPECT_TRUE(desktop.appWindows.windows().empty());
     EXPECT_EQ(difference(before, scene->picture(builtIn)), 0);
     desktop.displays.unplug(external);
     scene->refresh();

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/AppDelegate.h"
+#include "app/SharedInstances.h"
+#include "backends/virtual/VirtualDesktop.h"
+#include "tour/DesktopScene.h"
+#include "ui/WidgetViews.h"
+
+#include <optional>
+
+namespace nocta {
+
+/// Nocta on a virtual desktop of two displays, one built in and one external, as a scene that can
+/// be looked at. The desktop outlives the program on it.
+class LiveDesktop {
+public:
+    static constexpr DisplayId builtIn = 1;
+    static constexpr DisplayId external = 2;
+
+    LiveDesktop();
+    LiveDesktop(const LiveDesktop&) = delete;
+    LiveDesktop& operator=(const LiveDesktop&) = delete;
+
+    VirtualDesktop desktop;
+
+    // What there is of the program once it was launched.
+    SharedInstances& instances() { return *instances_; }
+    SettingsManager& settings() { return instances_->settingsManager(); }
+    AppDelegate& program() { return *program_; }
+    DesktopScene& scene() { return *scene_; }
+
+    void launch();
+    /// Its windows leave the scene.
+    void quit();
+
+private:
+    std::optional<SharedInstances> instances_;
+    std::optional<WidgetViews> views_;
+    std::optional<AppDelegate> program_;
+    std::optional<DesktopScene> scene_;
+};
+
+} // namespace nocta
