@@ -1,5 +1,7 @@
 #include "tour/LiveDesktop.h"
 
+#include <QPainter>
+
 #include <chrono>
 
 namespace nocta {
@@ -10,6 +12,8 @@ using namespace std::chrono_literals;
 // In points; side by side.
 constexpr Rect builtInBounds{0, 0, 1024, 680};
 constexpr Rect externalBounds{1024, 0, 960, 600};
+constexpr int gap = 24; ///< between the displays of a picture
+constexpr QRgb room = 0xFF202024;
 } // namespace
 
 LiveDesktop::LiveDesktop() {
@@ -26,6 +30,23 @@ void LiveDesktop::launch() {
     desktop.application.launch(*program_);
     scene_.emplace(desktop);
     desktop.runLoop.advance(0s);
+}
+
+QImage LiveDesktop::picture() {
+    QSize size(0, 0);
+    for (const auto& display : desktop.displays.all()) {
+        size = size.expandedTo(QSize(static_cast<int>(display.bounds.x + display.bounds.width),
+                                     static_cast<int>(display.bounds.height)));
+    }
+    QImage picture(size + QSize(gap, 0), QImage::Format_RGB32);
+    picture.fill(room);
+    QPainter painter(&picture);
+    for (const auto& display : desktop.displays.all()) {
+        const auto offset = display.bounds.x > 0 ? gap : 0;
+        painter.drawImage(QPointF(display.bounds.x + offset, display.bounds.y),
+                          scene_->picture(display.id));
+    }
+    return picture;
 }
 
 void LiveDesktop::quit() {

@@ -6,6 +6,8 @@
 #include "tour/DesktopScene.h"
 #include "ui/WidgetViews.h"
 
+#include <QImage>
+
 #include <optional>
 
 namespace nocta {
@@ -30,6 +32,8 @@ public:
     DesktopScene& scene() { return *scene_; }
 
     void launch();
+    /// Every display as the eye sees it, beside the others.
+    QImage picture();
     /// Its windows leave the scene.
     void quit();
 

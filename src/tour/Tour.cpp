@@ -3,10 +3,8 @@
 #include "base/Calendar.h"
 
 #include <QAbstractButton>
-#include <QPainter>
 #include <QWidget>
 
-#include <algorithm>
 #include <chrono>
 #include <iostream>
 #include <utility>
@@ -17,8 +15,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int gap = 24; ///< between the displays of a picture
-constexpr QRgb room = 0xFF202024;
 constexpr int minutesOfADay = 24 * 60;
 
 QString stateName(const BreakState& state) {
@@ -81,23 +77,8 @@ void Tour::press(const char* identifier) {
 }
 
 void Tour::take(const QString& title, const QString& text) {
-    QSize size(0, 0);
-    for (const auto& display : desktop.displays.all()) {
-        size = size.expandedTo(QSize(static_cast<int>(display.bounds.x + display.bounds.width),
-                                     static_cast<int>(display.bounds.height)));
-    }
-    QImage picture(size + QSize(gap, 0), QImage::Format_RGB32);
-    picture.fill(room);
-    {
-        QPainter painter(&picture);
-        for (const auto& display : desktop.displays.all()) {
-            const auto offset = display.bounds.x > 0 ? gap : 0;
-            painter.drawImage(QPointF(display.bounds.x + offset, display.bounds.y),
-                              scene().picture(display.id));
-        }
-    }
     const auto file = QStringLiteral("%1.png").arg(scenes_.size() + 1, 2, 10, QLatin1Char('0'));
-    expect(picture.save(folder_ + '/' + file), QStringLiteral("%1 can be written").arg(file));
+    expect(picture().save(folder_ + '/' + file), QStringLiteral("%1 can be written").arg(file));
     scenes_.push_back({file, timeOfDay(), title, text});
 }
 

@@ -1,10 +1,9 @@
 // nocta-pictures: draws the program's own views on the virtual desktop, in every look: the pictures
 // of the documents, and sheets on which all can be compared.
 
-#include "app/AppDelegate.h"
 #include "app/SharedInstances.h"
 #include "backends/virtual/VirtualDesktop.h"
-#include "tour/DesktopScene.h"
+#include "tour/LiveDesktop.h"
 #include "tour/PseudoLocale.h"
 #include "ui/WidgetViews.h"
 
@@ -323,31 +322,21 @@ QPalette darkPalette() {
 }
 
 /// Two displays in the evening, with the popover open.
-bool drawDesktops(const QString& folder) {
-    VirtualDesktop desktop;
-    desktop.displays.plug(
-        {.id = 1, .isBuiltIn = true, .isMain = true, .bounds = {0, 0, 1280, 800}});
-    desktop.displays.plug({.id = 2, .bounds = {1280, 0, 1280, 800}});
-    desktop.runLoop.setWallClock(desktop.runLoop.wallNow() + 10h);
-    SharedInstances instances(desktop.ports);
-    auto& settings = instances.settingsManager();
-    settings.isFirstLaunch.set(false);
-    settings.unifiedBrightness.set(0.4);
-    WidgetViews views(instances);
-    AppDelegate delegate(instances, views);
-    desktop.application.launch(delegate);
-    DesktopScene scene(desktop);
-    scene.refresh();
-    desktop.statusBar.click();
-    auto isComplete = save(scene.picture(1), folder + "/desktop-built-in.png");
-    isComplete &= save(scene.picture(2), folder + "/desktop-external.png");
-    desktop.application.terminate();
-    return isComplete;
+bool drawEvening(const QString& file) {
+    LiveDesktop live;
+    live.desktop.runLoop.setWallClock(live.desktop.runLoop.wallNow() + 10h);
+    live.launch();
+    live.desktop.appWindows.close("Welcome to Nocta");
+    live.settings().unifiedBrightness.set(0.6);
+    live.desktop.statusBar.click();
+    const auto isSaved = save(live.picture(), file);
+    live.quit();
+    return isSaved;
 }
 
 /// The pictures that the documents show.
 bool drawForDocuments(const QString& folder) {
-    bool isComplete = true;
+    bool isComplete = drawEvening(folder + QStringLiteral("/evening.png"));
     for (const auto& scenes : {popovers(), preferences(), onboarding()}) {
         for (const auto& scene : scenes) {
             static const QStringList shown = {
@@ -390,6 +379,7 @@ int main(int argumentCount, char** arguments) {
     }
     const auto documents = QString::fromLocal8Bit(arguments[1]);
     const auto sheets = QString::fromLocal8Bit(arguments[2]);
+    setenv("TZ", "UTC0", 1); // the same pictures everywhere
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     const QApplication application(argumentCount, arguments);
     QDir().mkpath(sheets);
@@ -397,7 +387,6 @@ int main(int argumentCount, char** arguments) {
     QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 10));
 
     bool isComplete = drawForDocuments(documents);
-    isComplete &= drawDesktops(sheets);
     for (const auto scale : {1.0, 2.0}) {
         isComplete &= drawSheets(sheets, QStringLiteral("light"), scale);
     }
