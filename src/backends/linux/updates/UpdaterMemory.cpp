@@ -2,11 +2,11 @@
 
 #include "backends/linux/FileContent.h"
 
-#include <QSaveFile>
 #include <nlohmann/json.hpp>
 
 #include <chrono>
 #include <cstdint>
+#include <fstream>
 #include <iostream>
 #include <system_error>
 #include <utility>
@@ -82,12 +82,15 @@ UpdaterMemory::UpdaterMemory(std::filesystem::path file) : file_(std::move(file)
 void UpdaterMemory::keep() {
     std::error_code error;
     std::filesystem::create_directories(file_.parent_path(), error);
-    QSaveFile file(QString::fromStdString(file_.string())); // replaces in one step
-    const auto content = serialized(record_);
-    if (!file.open(QIODevice::WriteOnly) ||
-        file.write(content.data(), static_cast<qint64>(content.size())) < 0 || !file.commit()) {
-        std::cerr << "nocta: cannot write " << file_.string() << ": "
-                  << file.errorString().toStdString() << std::endl;
+    // Replaced in one step, and without waiting for the disk: the screen would wait as well.
+    const auto next = file_.string() + ".new";
+    const auto isWritten =
+        static_cast<bool>(std::ofstream(next) << serialized(record_) << std::flush);
+    if (isWritten) {
+        std::filesystem::rename(next, file_, error);
+    }
+    if (!isWritten || error) {
+        std::cerr << "nocta: cannot write " << file_.string() << std::endl;
     }
 }
 

@@ -1,0 +1,261 @@
+// From the offer of a release to the installer.
+
+#include "support/UpdaterOnVirtualDesktop.h"
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace nocta {
+namespace {
+
+using namespace std::chrono_literals;
+
+using AppcastDownloadTest = UpdaterOnVirtualDesktop;
+
+TEST_F(AppcastDownloadTest, VerifiedFileIsHandedToTheInstaller) {
+    start();
+    updater->checkForUpdates();
+    answerFeed(release().item());
+    updater->install();
+    ASSERT_NE(shown<UpdateDownload>(), nullptr);
+    EXPECT_EQ(shown<UpdateDownload>()->version, "1.3");
+    EXPECT_EQ(asked(), "https://updates.example/nocta.deb");
+    EXPECT_EQ(updater->downloadProgress.get(), 0);
+    desktop.urlSession.send(file.substr(0, 4));
+    EXPECT_DOUBLE_EQ(updater->downloadProgress.get(), 4.0 / static_cast<double>(file.size()));
+    EXPECT_FALSE(std::filesystem::exists(package)) << "not under its name before it is known";
+    answer(file.substr(4));
+    EXPECT_EQ(opened, std::vector{package + ": " + file});
+    ASSERT_NE(shown<UpdateHandedOver>(), nullptr);
+    EXPECT_EQ(shown<UpdateHandedOver>()->version, "1.3");
+    answerOfOpener(std::nullopt);
+    EXPECT_NE(shown<UpdateHandedOver>(), nullptr);
+    EXPECT_EQ(cycles, Errors{std::nullopt});
+    updater->dismiss();
+    EXPECT_TRUE(showsNothing());
+    EXPECT_EQ(std::filesystem::status(package).permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    EXPECT_EQ(std::filesystem::status(folder.path() + "/cache").permissions(),
+              std::filesystem::perms::owner_all);
+}
+
+TEST_F(AppcastDownloadTest, FileThatThePublisherDidNotSignIsNeverOpened) {
+    start();
+    const auto stranger = Publisher().sign(file);
+    const auto load = [this](const Release& offered, const std::string& content) {
+        opened.clear();
+        updater->checkForUpdates();
+        answerFeed(offered.item());
+        if (shown<UpdateFound>() != nullptr) {
+            updater->install();
+            answer(content);
+        }
+        EXPECT_TRUE(opened.empty());
+        EXPECT_FALSE(isKept());
+        const auto error = shownError();
+        updater->dismiss();
+        return error;
+    };
+    auto offered = release();
+    EXPECT_EQ(load(offered, "the old Nocta"), "The file is not signed by the publisher");
+    EXPECT_EQ(load(offered, file.substr(1)), "The file is shorter than the feed says");
+    EXPECT_EQ(load(offered, ""), "The file is shorter than the feed says");
+    EXPECT_EQ(load(offered, file + "!"), "The file is longer than the feed says");
+    offered.signature = stranger;
+    EXPECT_EQ(load(offered, file), "The file is not signed by the publisher");
+    for (const auto& none : {std::string(), std::string("c2ln"), stranger.substr(4)}) {
+        offered.signature = none;
+        EXPECT_EQ(load(offered, file), "The file is not signed") << none;
+    }
+    EXPECT_EQ(cycles.back(), "The file is not signed");
+}
+
+TEST_F(AppcastDownloadTest, FileThatCouldBeNothingGoodIsNotLoaded) {
+    start();
+    const auto refused = [this](const Release& offered) {
+        updater->checkForUpdates();
+        answerFeed(offered.item());
+        EXPECT_EQ(asked(), "");
+        const auto error = shownError();
+        updater->dismiss();
+        return error;
+    };
+    for (const auto* const url :
+         {"http://updates.example/nocta.deb", "file:///tmp/nocta.deb",
+          "ftp://updates.example/nocta.deb", "nocta.deb", "HTTPS:nocta.deb"}) {
+        auto offered = release();
+        offered.url = url;
+        EXPECT_EQ(refused(offered), "The file's address is not encrypted") << url;
+    }
+    for (const auto* const url : {"https://updates.example/nocta.sh", "https://updates.example/",
+                                  "https://updates.example/nocta.deb?x", "https://deb"}) {
+        auto offered = release();
+        offered.url = url;
+        EXPECT_EQ(refused(offered), "The file is no package") << url;
+    }
+    for (const auto* const length : {"", "0", "-1", "1073741825", "99999999999999999999"}) {
+        auto offered = release();
+        offered.length = length;
+        EXPECT_EQ(refused(offered), "The feed gives the file no length that could be right")
+            << length;
+    }
+}
+
+TEST_F(AppcastDownloadTest, DownloadCanBeCancelled) {
+    start();
+    updater->checkForUpdates();
+    answerFeed(release().item());
+    updater->install();
+    desktop.urlSession.send("the");
+    EXPECT_GT(updater->downloadProgress.get(), 0);
+    updater->dismiss();
+    EXPECT_EQ(asked(), "");
+    EXPECT_FALSE(isKept());
+    EXPECT_TRUE(showsNothing());
+    EXPECT_TRUE(opened.empty());
+}
+
+TEST_F(AppcastDownloadTest, DownloadThatBreaksLeavesNothing) {
+    start();
+    for (const auto& response :
+         {UrlResponse{.error = "The connection was closed"}, UrlResponse{.statusCode = 404}}) {
+        updater->checkForUpdates();
+        answerFeed(release().item());
+        updater->install();
+        desktop.urlSession.send("the");
+        desktop.urlSession.answer(response);
+        EXPECT_EQ(shownError(), response.error.value_or("The server answered 404"));
+        EXPECT_FALSE(isKept());
+        updater->dismiss();
+    }
+}
+
+TEST_F(AppcastDownloadTest, FolderThatCannotBeWrittenIsAnError) {
+    writeFile(folder.path() + "/cache", "a file");
+    start();
+    updater->checkForUpdates();
+    answerFeed(release().item());
+    updater->install();
+    answer(file);
+    EXPECT_TRUE(shownError().starts_with("The file cannot be kept: ")) << shownError();
+    EXPECT_TRUE(opened.empty());
+}
+
+TEST_F(AppcastDownloadTest, InstallerThatIsMissingIsAnError) {
+    start();
+    updater->checkForUpdates();
+    answerFeed(release().item());
+    updater->install();
+    answer(file);
+    answerOfOpener("The package could not be opened");
+    EXPECT_EQ(shownError(), "The package could not be opened");
+    EXPECT_EQ(shown<UpdaterError>()->version, "1.3");
+    EXPECT_TRUE(std::filesystem::exists(package));
+    updater->dismiss();
+    EXPECT_TRUE(showsNothing());
+    updater->checkForUpdates();
+    answerOfOpener("The package could not be opened");
+    EXPECT_NE(shown<UpdateCheckInProgress>(), nullptr) << "the user is at something else";
+}
+
+TEST_F(AppcastDownloadTest, HandedOverReleaseIsNotOfferedAgainByItself) {
+    startChecking();
+    answerFeed(release().item());
+    updater->install();
+    answer(file);
+    updater->dismiss();
+    desktop.runLoop.advance(24h);
+    answerFeed(release().item());
+    EXPECT_TRUE(showsNothing()) << "it waits for the next start";
+    updater->checkForUpdates();
+    answerFeed(release().item());
+    EXPECT_NE(shown<UpdateFound>(), nullptr);
+}
+
+TEST_F(AppcastDownloadTest, TwoOfOneUserDoNotMixTheirFiles) {
+    const auto length = static_cast<std::int64_t>(file.size());
+    const auto signature = *ed25519Signature(publisher.sign(file));
+    UpdateFile good(package, length, publisher.key(), signature);
+    EXPECT_FALSE(good.add(file.substr(0, 3)));
+    {
+        UpdateFile bad(package, length, publisher.key(), signature);
+        EXPECT_FALSE(bad.add(std::string(file.size(), 'x')));
+        EXPECT_FALSE(good.add(file.substr(3)));
+        EXPECT_FALSE(good.finish());
+        EXPECT_TRUE(bad.finish());
+    }
+    EXPECT_EQ(contentOf(package), file);
+}
+
+TEST_F(AppcastDownloadTest, WhatIsLeftOfOldUpdatesIsRemovedAtTheStart) {
+    const auto make = [&](const std::string& name, std::chrono::hours age) {
+        const auto path = folder.path() + "/cache/" + name;
+        writeFile(path, "x");
+        std::filesystem::last_write_time(path, std::filesystem::file_time_type::clock::now() - age);
+        return path;
+    };
+    std::filesystem::create_directories(folder.path() + "/cache");
+    const auto killed = make("nocta-update.deb.abcdef", 25h);
+    const auto young = make("nocta-update.deb", 23h);
+    start();
+    EXPECT_FALSE(std::filesystem::exists(killed));
+    EXPECT_TRUE(std::filesystem::exists(young)) << "an installer may still read it";
+}
+
+TEST_F(AppcastDownloadTest, TurnedOffItStopsWhatItHasBegun) {
+    startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
+    answerFeed(release().item());
+    desktop.urlSession.send("the");
+    updater->setAutomaticallyChecksForUpdates(false);
+    EXPECT_EQ(asked(), "");
+    EXPECT_FALSE(isKept());
+    updater->checkForUpdates();
+    updater->setAutomaticallyChecksForUpdates(false);
+    EXPECT_EQ(asked(), bundle.feedUrl) << "the user has asked for this one";
+}
+
+TEST_F(AppcastDownloadTest, DownloadedByItselfIsOfferedOnceItIsVerified) {
+    startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
+    answerFeed(release().item());
+    EXPECT_EQ(asked(), "https://updates.example/nocta.deb");
+    EXPECT_TRUE(showsNothing());
+    answer(file);
+    ASSERT_NE(shown<UpdateFound>(), nullptr);
+    EXPECT_TRUE(opened.empty());
+    updater->dismiss();
+    desktop.runLoop.advance(24h);
+    answerFeed(release().item());
+    EXPECT_EQ(asked(), "") << "it is there";
+    updater->dismiss();
+    std::filesystem::remove(package);
+    updater->checkForUpdates();
+    answerFeed(release().item());
+    updater->install();
+    answer(file);
+    EXPECT_EQ(opened, std::vector{package + ": " + file}) << "it had been cleaned away";
+}
+
+TEST_F(AppcastDownloadTest, DownloadByItselfThatFailsIsOnlyReported) {
+    startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
+    answerFeed(release().item());
+    answer("the old Nocta");
+    EXPECT_TRUE(showsNothing());
+    EXPECT_EQ(cycles, Errors{"The file is not signed by the publisher"});
+    EXPECT_FALSE(isKept());
+}
+
+TEST_F(AppcastDownloadTest, UserMaySeeADownloadThatRuns) {
+    startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
+    answerFeed(release().item());
+    updater->checkForUpdates();
+    EXPECT_NE(shown<UpdateDownload>(), nullptr);
+    answer(file);
+    EXPECT_NE(shown<UpdateFound>(), nullptr);
+    EXPECT_TRUE(opened.empty()) << "nobody has said that it is to be installed";
+}
+
+} // namespace
+} // namespace nocta
