@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cmath>
-#include <cstdint>
 #include <variant>
 
 namespace nocta {
@@ -12,7 +11,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Location berlin{52.52, 13.41};
-constexpr std::int64_t spaceKey = 49;
 
 const RunningApplication editor{"com.example.editor", "Notes"};
 const RunningApplication meeting{"us.zoom.xos", "zoom.us"};
@@ -136,7 +134,7 @@ void takeBreaks(Tour& tour) {
     tour.expect(std::holds_alternative<Snoozed>(tour.instances().breakTimer().state.get()),
                 "it is put off");
     waitForBreak(tour);
-    tour.desktop.overlayWindows.press(spaceKey);
+    tour.desktop.overlayWindows.press(spaceKeyCode);
     tour.desktop.runLoop.advance(1s);
     tour.expect(tour.desktop.overlayWindows.windows().empty(), "Space skips");
     waitForBreak(tour);
@@ -204,7 +202,8 @@ void end(Tour& tour) {
     for (const auto& display : tour.desktop.displays.all()) {
         tour.expect(display.red.empty(), "every display has its own tables again");
     }
-    tour.take("The end", "Nocta gives the screen back as it found it.");
+    tour.take("The end", "Every display has its own tables again. The backlight stays where the "
+                         "user has set it.");
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QGraphicsView>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -45,6 +46,15 @@ protected:
         }
     }
 
+    /// During a break the keyboard is the cover's.
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Space && !live_.desktop.overlayWindows.windows().empty()) {
+            live_.desktop.overlayWindows.press(spaceKeyCode);
+        } else {
+            QGraphicsView::keyPressEvent(event);
+        }
+    }
+
 private:
     LiveDesktop& live_;
 };
@@ -60,6 +70,7 @@ Playground::Playground() {
     displays_ = new Displays(live_);
     displays_->setSceneRect(live_.scene().itemsBoundingRect());
     column->addWidget(displays_);
+    displays_->setFocus();
     resize(displays_->sceneRect().size().toSize() + QSize(40, 80));
     connect(&timer_, &QTimer::timeout, this, [this] { tick(); });
     sinceTick_.start();

@@ -18,6 +18,8 @@ public:
     Playground();
     ~Playground() override;
 
+    LiveDesktop& live() { return live_; }
+
 private:
     class Displays;
 
