@@ -18,6 +18,13 @@ bool hasScreen() {
     return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
 }
 
+/// The platform without a screen warns at every window that it has none.
+void sayErrorsOnly(QtMsgType type, const QMessageLogContext& /*place*/, const QString& message) {
+    if (type == QtCriticalMsg || type == QtFatalMsg) {
+        std::cerr << "nocta-tour: " << message.toStdString() << std::endl;
+    }
+}
+
 int spendADay() {
     setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1); // the same day everywhere
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
@@ -41,6 +48,7 @@ int spendADay() {
 int main(int argumentCount, char** arguments) {
     if (!hasScreen()) {
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        qInstallMessageHandler(sayErrorsOnly);
     }
     const QApplication application(argumentCount, arguments);
     if (!hasScreen()) {
