@@ -59,18 +59,6 @@ std::optional<std::string> flaw(const AppcastItem& item) {
 
 } // namespace
 
-/// Where the file of what is offered is, or will be.
-std::filesystem::path AppcastUpdater::package() const {
-    return downloads_ / *packageName(offered_.url);
-}
-
-/// What was cleaned away since counts as not there.
-bool AppcastUpdater::isDownloaded() const {
-    std::error_code error;
-    return downloaded_.edSignature == offered_.edSignature && downloaded_.url == offered_.url &&
-           std::filesystem::exists(package(), error);
-}
-
 AppcastUpdater::AppcastUpdater(RunLoop& runLoop, UrlSession& urlSession, const Bundle& bundle,
                                std::string systemVersion, const Places& places,
                                PackageInstaller openPackage)
@@ -238,6 +226,18 @@ void AppcastUpdater::offer(const AppcastItem& item) {
     } else {
         showOffer();
     }
+}
+
+/// Where the file of what is offered is, or will be.
+std::filesystem::path AppcastUpdater::package() const {
+    return downloads_ / *packageName(offered_.url);
+}
+
+/// What was cleaned away since counts as not there.
+bool AppcastUpdater::isDownloaded() const {
+    std::error_code error;
+    return downloaded_.edSignature == offered_.edSignature && downloaded_.url == offered_.url &&
+           std::filesystem::exists(package(), error);
 }
 
 void AppcastUpdater::showOffer() {
