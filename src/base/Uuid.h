@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -24,7 +23,7 @@ struct Uuid {
     /// The canonical form: hyphenated, upper case.
     std::string toString() const;
 
-    auto operator<=>(const Uuid&) const = default;
+    bool operator==(const Uuid&) const = default;
 };
 
 } // namespace nocta
