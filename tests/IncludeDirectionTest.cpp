@@ -34,6 +34,7 @@ const std::map<std::string, Rooms> allowed = {
     {"ui", with(services, {"base", "platform", "app", "symbols"})},
     {"backends/virtual", {"base", "platform"}},
     {"backends/linux", {"base", "platform", "symbols"}},
+    {"backends/macos", {"base", "platform"}},
     {"tour", with(services, {"base", "platform", "app", "symbols", "ui", "backends/virtual"})},
 };
 
@@ -54,7 +55,7 @@ std::string roomOf(const std::string& path) {
 template <class Visit>
 void forEachInclude(Visit visit) {
     std::filesystem::path const root = NOCTA_SOURCE_DIR "/src";
-    std::regex const include(R"re(^\s*#\s*include\s*(["<])([^">]+)[">])re");
+    std::regex const include(R"re(^\s*#\s*(?:include|import)\s*(["<])([^">]+)[">])re");
     for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
         const auto extension = entry.path().extension();
         if (extension != ".h" && extension != ".cpp" && extension != ".mm") {

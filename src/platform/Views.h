@@ -10,8 +10,8 @@ class View {
 public:
     virtual ~View() = default;
 
-    /// What the desktop's toolkit calls it: a QWidget* on Linux, an NSView* on macOS, null where
-    /// there is no toolkit. The view owns it.
+    /// What the face's toolkit calls it: a QWidget*, or null where there is no toolkit. The view
+    /// owns it.
     virtual void* nativeView() = 0;
 };
 

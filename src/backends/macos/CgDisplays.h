@@ -1,0 +1,66 @@
+#pragma once
+
+#include "backends/macos/Observation.h"
+#include "platform/Displays.h"
+#include "platform/GammaOutput.h"
+
+#import <AppKit/AppKit.h>
+#import <CoreGraphics/CoreGraphics.h>
+
+namespace nocta {
+
+/// A change of the displays is posted on the program's notification centre.
+class CgDisplays final : public Displays {
+public:
+    explicit CgDisplays(NotificationCenter& notificationCenter)
+        : screenParameters_(passOn(NSApplicationDidChangeScreenParametersNotification,
+                                   notificationCenter, didChangeScreenParametersNotification)) {}
+
+    /// CoreGraphics counts the displays where it is given no room for them.
+    Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) override {
+        const CGError error = CGGetActiveDisplayList(static_cast<std::uint32_t>(ids.size()),
+                                                     ids.empty() ? nullptr : ids.data(), &count);
+        if (error != kCGErrorSuccess) {
+            count = 0;
+        }
+        return error;
+    }
+
+    Rect displayBounds(DisplayId display) override {
+        const CGRect bounds = CGDisplayBounds(display);
+        return {bounds.origin.x, bounds.origin.y, bounds.size.width, bounds.size.height};
+    }
+    bool displayIsMain(DisplayId display) override { return CGDisplayIsMain(display) != 0; }
+    bool displayIsBuiltin(DisplayId display) override { return CGDisplayIsBuiltin(display) != 0; }
+
+    std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) override {
+        const CGDisplayModeRef mode = CGDisplayCopyDisplayMode(display);
+        if (mode == nullptr) {
+            return std::nullopt;
+        }
+        const DisplayMode size{static_cast<std::uint32_t>(CGDisplayModeGetWidth(mode)),
+                               static_cast<std::uint32_t>(CGDisplayModeGetHeight(mode))};
+        CGDisplayModeRelease(mode);
+        return size;
+    }
+
+private:
+    Subscription screenParameters_;
+};
+
+/// The window server gives the factory tables back by itself when the process dies.
+class CgGammaOutput final : public GammaOutput {
+public:
+    bool isAvailable() const override { return true; }
+
+    Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
+                                     std::span<const float> green,
+                                     std::span<const float> blue) override {
+        return CGSetDisplayTransferByTable(display, static_cast<std::uint32_t>(red.size()),
+                                           red.data(), green.data(), blue.data());
+    }
+
+    void displayRestoreColorSyncSettings() override { CGDisplayRestoreColorSyncSettings(); }
+};
+
+} // namespace nocta

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "platform/KeyEvents.h"
+
+#import <AppKit/AppKit.h>
+#import <CoreGraphics/CoreGraphics.h>
+#include <utility>
+
+namespace nocta {
+
+/// The tap is refused until the user has allowed the program to watch the keyboard, in the system's
+/// privacy settings.
+class CgKeyEvents final : public KeyEvents {
+public:
+    Subscription addGlobalMonitorForSystemDefinedEvents(
+        std::function<void(const SystemDefinedEvent&)> handler) override {
+        const id monitor =
+            [NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskSystemDefined // 1 << 14
+                                                   handler:^(NSEvent* event) {
+                                                     handler({event.subtype, event.data1});
+                                                   }];
+        if (monitor == nil) {
+            return {};
+        }
+        return Subscription([monitor] { [NSEvent removeMonitor:monitor]; });
+    }
+
+    Subscription createKeyDownTap(std::function<void(const KeyDownEvent&)> handler) override {
+        auto tap = std::make_shared<Tap>(std::move(handler));
+        tap->port =
+            CGEventTapCreate(kCGSessionEventTap, kCGHeadInsertEventTap, kCGEventTapOptionDefault,
+                             CGEventMaskBit(kCGEventKeyDown), keyDown, tap.get());
+        if (tap->port == nullptr) {
+            return {};
+        }
+        const CFRunLoopSourceRef source =
+            CFMachPortCreateRunLoopSource(kCFAllocatorDefault, tap->port, 0);
+        CFRunLoopAddSource(CFRunLoopGetMain(), source, kCFRunLoopCommonModes);
+        CFRelease(source); // the run loop has it
+        CGEventTapEnable(tap->port, true);
+        return Subscription([tap] {
+            CFMachPortInvalidate(tap->port); // which takes its source out of the run loop
+            CFRelease(tap->port);
+        });
+    }
+
+private:
+    /// What the user info of the callback points to.
+    struct Tap {
+        std::function<void(const KeyDownEvent&)> handler;
+        CFMachPortRef port = nullptr;
+    };
+
+    /// Every event goes on as it came.
+    static CGEventRef keyDown(CGEventTapProxy /*proxy*/, CGEventType type, CGEventRef event,
+                              void* userInfo) {
+        const auto* const tap = static_cast<const Tap*>(userInfo);
+        if (tap != nullptr && type == kCGEventKeyDown) {
+            tap->handler({CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode)});
+        } else if (tap != nullptr && type == kCGEventTapDisabledByTimeout) {
+            CGEventTapEnable(tap->port, true); // the machine was too busy once
+        }
+        return event;
+    }
+};
+
+} // namespace nocta

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/Backlight.h"
+
+#include <dlfcn.h>
+
+namespace nocta {
+
+/// A private framework that is looked up at run time and stays loaded: without it, or without one
+/// of its functions, every call fails.
+class DisplayServicesBacklight final : public Backlight {
+public:
+    Status getBrightness(DisplayId display, float& level) override {
+        return getBrightness_ != nullptr ? getBrightness_(display, &level) : statusFailure;
+    }
+    Status setBrightness(DisplayId display, float level) override {
+        return setBrightness_ != nullptr ? setBrightness_(display, level) : statusFailure;
+    }
+
+private:
+    using GetBrightness = int (*)(std::uint32_t display, float* level);
+    using SetBrightness = int (*)(std::uint32_t display, float level);
+
+    /// Of a null handle dlsym knows no symbol.
+    void* framework_ = dlopen(
+        "/System/Library/PrivateFrameworks/DisplayServices.framework/DisplayServices", RTLD_LAZY);
+    GetBrightness getBrightness_ =
+        reinterpret_cast<GetBrightness>(dlsym(framework_, "DisplayServicesGetBrightness"));
+    SetBrightness setBrightness_ =
+        reinterpret_cast<SetBrightness>(dlsym(framework_, "DisplayServicesSetBrightness"));
+};
+
+} // namespace nocta

@@ -1,0 +1,97 @@
+#include "backends/macos/CgDisplays.h"
+#include "backends/macos/CgKeyEvents.h"
+#include "backends/macos/CoreLocationManager.h"
+#include "backends/macos/DisplayFilters.h"
+#include "backends/macos/DisplayServicesBacklight.h"
+#include "backends/macos/MacUpdater.h"
+#include "backends/macos/MainAppLoginItem.h"
+#include "backends/macos/MainRunLoop.h"
+#include "backends/macos/NsWorkspace.h"
+#include "backends/macos/SharedUrlSession.h"
+#include "backends/macos/UserDefaultsStore.h"
+#include "backends/macos/UserNotifications.h"
+#include "backends/macos/shell/MacAppWindows.h"
+#include "backends/macos/shell/MacApplication.h"
+#include "backends/macos/shell/MacOverlayWindows.h"
+#include "backends/macos/shell/MacPopover.h"
+#include "backends/macos/shell/MacStatusBar.h"
+#include "platform/Desktop.h"
+
+#include <QApplication>
+
+#include <memory>
+
+namespace nocta {
+
+namespace {
+
+class NsUuidSource final : public UuidSource {
+public:
+    Uuid makeUuid() override {
+        Uuid uuid;
+        [NSUUID.UUID getUUIDBytes:uuid.bytes.data()];
+        return uuid;
+    }
+};
+
+/// The toolkit, given no arguments to read.
+struct Toolkit {
+    int argumentCount = 1;
+    char name[6] = "nocta";
+    char* arguments[2] = {name, nullptr};
+    QApplication application{argumentCount, arguments};
+
+    Toolkit() {
+        QApplication::setQuitOnLastWindowClosed(false);
+        QApplication::setApplicationName(QStringLiteral("nocta"));
+        QApplication::setApplicationDisplayName(QStringLiteral("Nocta"));
+    }
+};
+
+class MacDesktop {
+public:
+    explicit MacDesktop(const Bundle& bundle) : bundle_(bundle) {}
+
+private:
+    const Bundle& bundle_;
+    MainRunLoop runLoop_;
+    MacApplication application_{runLoop_}; // before the toolkit, whose delegate passes on to it
+    Toolkit toolkit_;
+    NotificationCenter notificationCenter_;
+    UserDefaultsStore userDefaults_;
+    NsUuidSource uuidSource_;
+    CgDisplays displays_{notificationCenter_};
+    CgGammaOutput gammaOutput_;
+    DisplayServicesBacklight backlight_;
+    CgKeyEvents keyEvents_;
+    CoreLocationManager locationManager_;
+    MainAppLoginItem loginItem_;
+    SystemLibraries dynamicLibraries_;
+    MediaAccessibilityFilter displayFilter_;
+    NsWorkspace workspace_{notificationCenter_};
+    UserNotifications userNotificationCenter_{runLoop_};
+    SharedUrlSession urlSession_{runLoop_};
+    MacUpdater updater_;
+    MacOverlayWindows overlayWindows_;
+    MacStatusBar statusBar_;
+    MacPopover popover_;
+    MacAppWindows appWindows_{runLoop_};
+
+public:
+    Desktop ports{
+        bundle_,     runLoop_,          notificationCenter_, userDefaults_, uuidSource_,
+        displays_,   gammaOutput_,      backlight_,          keyEvents_,    locationManager_,
+        loginItem_,  dynamicLibraries_, displayFilter_,      workspace_,    userNotificationCenter_,
+        urlSession_, updater_,          overlayWindows_,     statusBar_,    popover_,
+        appWindows_, application_};
+};
+
+} // namespace
+
+/// There is always a session; a second start of the program is told to the first by the system.
+DesktopSession makeDesktop(const Bundle& bundle) {
+    const auto desktop = std::make_shared<MacDesktop>(bundle);
+    return {.desktop = std::shared_ptr<Desktop>(desktop, &desktop->ports)};
+}
+
+} // namespace nocta

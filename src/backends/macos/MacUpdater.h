@@ -1,0 +1,106 @@
+#pragma once
+
+#include "platform/Updater.h"
+
+#if NOCTA_SPARKLE
+
+#include "backends/macos/Strings.h"
+
+#import <Sparkle/Sparkle.h>
+#include <utility>
+
+/// Passes on what the updater tells.
+@interface NoctaUpdaterDelegate : NSObject <SPUUpdaterDelegate, SPUStandardUserDriverDelegate> {
+@public
+    nocta::Updater* updater; // not owned
+    nocta::Updater::DidFinishUpdateCycle didFinishUpdateCycle;
+}
+@end
+
+namespace nocta {
+
+/// Sparkle's standard updater, with its own windows. Its feed and its key stand in Info.plist.
+class MacUpdater final : public Updater {
+public:
+    MacUpdater() {
+        delegate_->updater = this;
+        controller_ = [[SPUStandardUpdaterController alloc] initWithStartingUpdater:NO
+                                                                    updaterDelegate:delegate_
+                                                                 userDriverDelegate:delegate_];
+        [controller_.updater addObserver:delegate_
+                              forKeyPath:@"canCheckForUpdates"
+                                 options:NSKeyValueObservingOptionInitial
+                                 context:nullptr];
+    }
+    ~MacUpdater() override {
+        [controller_.updater removeObserver:delegate_ forKeyPath:@"canCheckForUpdates"];
+    }
+
+    Availability availability() const override { return Availability::available; }
+
+    std::optional<std::string> startUpdater(DidFinishUpdateCycle didFinishUpdateCycle) override {
+        delegate_->didFinishUpdateCycle = std::move(didFinishUpdateCycle);
+        NSError* error = nil;
+        if ([controller_.updater startUpdater:&error]) {
+            return std::nullopt;
+        }
+        return stdString(error.localizedDescription);
+    }
+
+    bool automaticallyChecksForUpdates() const override {
+        return controller_.updater.automaticallyChecksForUpdates;
+    }
+    void setAutomaticallyChecksForUpdates(bool checks) override {
+        [controller_.updater setAutomaticallyChecksForUpdates:checks];
+    }
+    bool automaticallyDownloadsUpdates() const override {
+        return controller_.updater.automaticallyDownloadsUpdates;
+    }
+    void setAutomaticallyDownloadsUpdates(bool downloads) override {
+        [controller_.updater setAutomaticallyDownloadsUpdates:downloads];
+    }
+
+    void checkForUpdates() override { [controller_ checkForUpdates:nil]; }
+
+    // Asked and answered in Sparkle's windows.
+    void install() override {}
+    void skip() override {}
+    void dismiss() override {}
+
+private:
+    NoctaUpdaterDelegate* delegate_ = [[NoctaUpdaterDelegate alloc] init]; // else unowned
+    SPUStandardUpdaterController* controller_;
+};
+
+} // namespace nocta
+
+#else
+
+namespace nocta {
+
+/// Of a build without Sparkle. The user's wishes are good until the process ends.
+class MacUpdater final : public Updater {
+public:
+    Availability availability() const override { return Availability::noFeed; }
+    std::optional<std::string> startUpdater(DidFinishUpdateCycle /*didFinish*/) override {
+        return "This build has no updates.";
+    }
+
+    bool automaticallyChecksForUpdates() const override { return checks_; }
+    void setAutomaticallyChecksForUpdates(bool checks) override { checks_ = checks; }
+    bool automaticallyDownloadsUpdates() const override { return downloads_; }
+    void setAutomaticallyDownloadsUpdates(bool downloads) override { downloads_ = downloads; }
+
+    void checkForUpdates() override {}
+    void install() override {}
+    void skip() override {}
+    void dismiss() override {}
+
+private:
+    bool checks_ = false;
+    bool downloads_ = false;
+};
+
+} // namespace nocta
+
+#endif

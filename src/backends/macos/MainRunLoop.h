@@ -1,0 +1,61 @@
+#pragma once
+
+#include "base/RunLoop.h"
+
+#import <Foundation/Foundation.h>
+#include <ctime>
+#include <map>
+
+namespace nocta {
+
+/// The main run loop in its common modes, so that timers and posts go on while a menu or a modal
+/// panel is open. It is the loop that Qt turns as well: nothing has to be passed on to Qt, and
+/// Sparkle, the event tap and the notification centres are served by it anyway.
+class MainRunLoop final : public RunLoop {
+public:
+    WallTime wallNow() const override { return std::chrono::system_clock::now(); }
+
+    /// The clock that NSTimer follows. That of the standard library goes on while the machine
+    /// sleeps.
+    MonotonicTime monotonicNow() const override {
+        return MonotonicTime(Duration(clock_gettime_nsec_np(CLOCK_UPTIME_RAW)));
+    }
+
+    TimerId schedule(Duration interval, Repeat repeat, std::function<void()> action) override {
+        const auto id = ++lastId_;
+        NSTimer* const timer =
+            [NSTimer timerWithTimeInterval:std::chrono::duration<double>(interval).count()
+                                   repeats:repeat == Repeat::yes
+                                     block:^(NSTimer* /*timer*/) {
+                                       if (repeat == Repeat::no) {
+                                           timers_.erase(id);
+                                       }
+                                       const auto current = action; // it may end its own timer
+                                       current();
+                                     }];
+        timers_.emplace(id, timer);
+        [NSRunLoop.mainRunLoop addTimer:timer forMode:NSRunLoopCommonModes];
+        return id;
+    }
+
+    void cancel(TimerId id) override {
+        if (const auto found = timers_.find(id); found != timers_.end()) {
+            [found->second invalidate];
+            timers_.erase(found);
+        }
+    }
+
+    /// May be called on any thread.
+    void post(std::function<void()> action) override {
+        CFRunLoopPerformBlock(CFRunLoopGetMain(), kCFRunLoopCommonModes, ^{
+          action();
+        });
+        CFRunLoopWakeUp(CFRunLoopGetMain());
+    }
+
+private:
+    std::map<TimerId, NSTimer*> timers_;
+    TimerId lastId_ = 0;
+};
+
+} // namespace nocta

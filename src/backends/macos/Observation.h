@@ -1,0 +1,29 @@
+#pragma once
+
+#include "base/NotificationCenter.h"
+
+#import <Foundation/Foundation.h>
+
+namespace nocta {
+
+/// Calls the block on the main queue with each notification of that name that the object posts, or
+/// anyone where it is nil.
+inline Subscription observe(NSNotificationCenter* center, NSNotificationName name, id object,
+                            void (^block)(NSNotification* notification)) {
+    const id<NSObject> token = [center addObserverForName:name
+                                                   object:object
+                                                    queue:NSOperationQueue.mainQueue
+                                               usingBlock:block];
+    return Subscription([center, token] { [center removeObserver:token]; });
+}
+
+/// Posts `posted` on the program's centre with each notification of that name on the default one.
+inline Subscription passOn(NSNotificationName name, NotificationCenter& to,
+                           std::string_view posted) {
+    return observe(NSNotificationCenter.defaultCenter, name, nil,
+                   ^(NSNotification* /*notification*/) {
+                     to.post(posted);
+                   });
+}
+
+} // namespace nocta

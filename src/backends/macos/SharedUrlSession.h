@@ -1,0 +1,83 @@
+#pragma once
+
+#include "backends/macos/Strings.h"
+#include "base/RunLoop.h"
+#include "platform/UrlSession.h"
+
+#include <memory>
+
+namespace nocta {
+
+/// It hands a body over at once, at its end. Of a program in a bundle the system itself refuses
+/// addresses that are not encrypted.
+class SharedUrlSession final : public UrlSession {
+public:
+    explicit SharedUrlSession(RunLoop& runLoop) : runLoop_(runLoop) {}
+
+    Subscription dataTask(const UrlRequest& request, Completion completion,
+                          DidReceiveData didReceiveData) override {
+        const auto isWanted = std::make_shared<bool>(true); // of the main thread alone
+        RunLoop& runLoop = runLoop_;
+        const auto finish = [&runLoop, isWanted, completion, didReceiveData](
+                                NSData* data, NSURLResponse* response, NSError* error) {
+            runLoop.post([isWanted, completion, didReceiveData, data, response, error] {
+                if (*isWanted && didReceiveData && data != nil) {
+                    didReceiveData({static_cast<const char*>(data.bytes), data.length});
+                }
+                if (*isWanted) { // still
+                    completion(urlResponse(response, error));
+                }
+            });
+        };
+        NSURLSessionDataTask* task = nil;
+        if (NSURLRequest* const native = nsUrlRequest(request)) {
+            task = [NSURLSession.sharedSession
+                dataTaskWithRequest:native
+                  completionHandler:^(NSData* data, NSURLResponse* response, NSError* error) {
+                    finish(data, response, error);
+                  }];
+            [task resume];
+        } else {
+            finish(nil, nil, nsUrlError(NSURLErrorBadURL));
+        }
+        return Subscription([isWanted, task] {
+            *isWanted = false;
+            [task cancel];
+        });
+    }
+
+private:
+    /// None where the address cannot be one.
+    static NSURLRequest* nsUrlRequest(const UrlRequest& request) {
+        NSURL* const url = [NSURL URLWithString:nsString(request.url)];
+        if (url == nil) {
+            return nil;
+        }
+        NSMutableURLRequest* const native = [NSMutableURLRequest
+             requestWithURL:url
+                cachePolicy:NSURLRequestUseProtocolCachePolicy
+            timeoutInterval:std::chrono::duration<double>(request.timeout).count()];
+        native.HTTPMethod = nsString(request.method);
+        for (const auto& [name, value] : request.headers) {
+            [native setValue:nsString(value) forHTTPHeaderField:nsString(name)];
+        }
+        native.HTTPBody = [NSData dataWithBytes:request.body.data() length:request.body.size()];
+        return native;
+    }
+
+    static NSError* nsUrlError(NSInteger code) {
+        return [NSError errorWithDomain:NSURLErrorDomain code:code userInfo:nil];
+    }
+
+    static UrlResponse urlResponse(NSURLResponse* response, NSError* error) {
+        if (error == nil && [response isKindOfClass:NSHTTPURLResponse.class]) {
+            return {.statusCode = static_cast<int>(((NSHTTPURLResponse*)response).statusCode)};
+        }
+        NSError* const reason = error != nil ? error : nsUrlError(NSURLErrorBadServerResponse);
+        return {.error = stdString(reason.localizedDescription)};
+    }
+
+    RunLoop& runLoop_;
+};
+
+} // namespace nocta

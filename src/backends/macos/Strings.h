@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+
+#import <Foundation/Foundation.h>
+#include <string>
+#include <string_view>
+
+namespace nocta {
+
+/// Of UTF-8 text; what is no UTF-8 gives the empty string.
+inline NSString* nsString(std::string_view text) {
+    NSString* const string = [[NSString alloc] initWithBytes:text.data()
+                                                      length:text.size()
+                                                    encoding:NSUTF8StringEncoding];
+    return string != nil ? string : @"";
+}
+
+/// In UTF-8; nil gives the empty string.
+inline std::string stdString(NSString* string) {
+    const char* const text = string.UTF8String;
+    return text != nullptr ? text : "";
+}
+
+/// A service's English text in the user's language.
+inline NSString* translated(std::string_view english) {
+    return QCoreApplication::translate("Nocta", std::string(english).c_str()).toNSString();
+}
+
+} // namespace nocta

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "backends/macos/Strings.h"
+#include "base/RunLoop.h"
+#include "platform/UserNotificationCenter.h"
+
+#import <UserNotifications/UserNotifications.h>
+#include <utility>
+
+/// Passes on what the centre tells, from the run loop.
+@interface NoctaNotificationDelegate : NSObject <UNUserNotificationCenterDelegate>
+@property(nonatomic) nocta::RunLoop* runLoop;
+@property(nonatomic) nocta::UserNotificationCenterDelegate* receiver; // not owned; null for none
+@end
+
+namespace nocta {
+
+/// UNUserNotificationCenter, which there is only for a program in a bundle. It answers on threads
+/// of its own; everything is brought to the run loop.
+class UserNotifications final : public UserNotificationCenter {
+public:
+    explicit UserNotifications(RunLoop& runLoop) { delegate_.runLoop = &runLoop; }
+
+    void requestAuthorization(std::uint32_t options,
+                              AuthorizationHandler completionHandler) override {
+        RunLoop& runLoop = *delegate_.runLoop;
+        [center_ requestAuthorizationWithOptions:options
+                               completionHandler:^(BOOL granted, NSError* error) {
+                                 runLoop.post([completionHandler, granted, error] {
+                                     std::optional<std::string> description;
+                                     if (error != nil) {
+                                         description = stdString(error.localizedDescription);
+                                     }
+                                     completionHandler(granted, description);
+                                 });
+                               }];
+    }
+
+    void setNotificationCategories(std::vector<UserNotificationCategory> categories) override {
+        NSMutableSet<UNNotificationCategory*>* const set = [NSMutableSet set];
+        for (const auto& category : categories) {
+            NSMutableArray<UNNotificationAction*>* const actions = [NSMutableArray array];
+            for (const auto& action : category.actions) {
+                [actions addObject:[UNNotificationAction
+                                       actionWithIdentifier:nsString(action.identifier)
+                                                      title:translated(action.title)
+                                                    options:UNNotificationActionOptionNone]];
+            }
+            [set addObject:[UNNotificationCategory
+                               categoryWithIdentifier:nsString(category.identifier)
+                                              actions:actions
+                                    intentIdentifiers:@[]
+                                              options:UNNotificationCategoryOptionNone]];
+        }
+        [center_ setNotificationCategories:set];
+    }
+
+    void setDelegate(UserNotificationCenterDelegate* delegate) override {
+        delegate_.receiver = delegate;
+        [center_ setDelegate:delegate != nullptr ? delegate_ : nil];
+    }
+
+    void add(const UserNotification& notification) override {
+        UNMutableNotificationContent* const content = [[UNMutableNotificationContent alloc] init];
+        content.title = translated(notification.title);
+        content.body = translated(notification.body);
+        content.categoryIdentifier = nsString(notification.categoryIdentifier);
+        content.sound = UNNotificationSound.defaultSound;
+        [center_ addNotificationRequest:[UNNotificationRequest
+                                            requestWithIdentifier:NSUUID.UUID.UUIDString
+                                                          content:content
+                                                          trigger:nil] // now
+                  withCompletionHandler:nil];
+    }
+
+private:
+    UNUserNotificationCenter* center_ = UNUserNotificationCenter.currentNotificationCenter;
+    NoctaNotificationDelegate* delegate_ = [[NoctaNotificationDelegate alloc] init]; // else unowned
+};
+
+} // namespace nocta

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "base/RunLoop.h"
+#include "platform/Application.h"
+
+#include <QCoreApplication>
+
+#import <AppKit/AppKit.h>
+#include <utility>
+
+@interface NoctaApplicationDelegate : NSObject <NSApplicationDelegate> {
+@public
+    nocta::ApplicationDelegate* receiver; // not owned; null when it has been told of the end
+}
+@end
+
+namespace nocta {
+
+/// NSApplication, served by Qt's event loop, which is NSApplication's own. Qt puts a delegate of
+/// its own in front of the one that it finds, and passes on to it what the system tells.
+class MacApplication final : public Application {
+public:
+    explicit MacApplication(RunLoop& runLoop) : runLoop_(runLoop) {
+        NSApplication.sharedApplication.delegate = delegate_;
+        // Qt would bring a program that starts in the menu bar in front of the user's work.
+        qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
+    }
+
+    /// AppKit ends the process itself; should Qt's loop end, the program is told as well.
+    int run(ApplicationDelegate& delegate) override {
+        delegate_->receiver = &delegate;
+        const auto exitStatus = QCoreApplication::exec();
+        if (std::exchange(delegate_->receiver, nullptr) != nullptr) {
+            delegate.applicationWillTerminate();
+        }
+        return exitStatus;
+    }
+
+    void activateIgnoringOtherApps() override { [NSApp activateIgnoringOtherApps:YES]; }
+
+    void terminate() override {
+        runLoop_.post([] { [NSApp terminate:nil]; });
+    }
+
+private:
+    RunLoop& runLoop_;
+    NoctaApplicationDelegate* delegate_ = [[NoctaApplicationDelegate alloc] init]; // else unowned
+};
+
+} // namespace nocta

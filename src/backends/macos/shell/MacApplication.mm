@@ -1,0 +1,28 @@
+#include "backends/macos/shell/MacApplication.h"
+
+@implementation NoctaApplicationDelegate
+
+- (void)applicationDidFinishLaunching:(NSNotification*)notification {
+    receiver->applicationDidFinishLaunching();
+}
+
+- (BOOL)applicationShouldHandleReopen:(NSApplication*)sender
+                    hasVisibleWindows:(BOOL)hasVisibleWindows {
+    receiver->applicationDidReopen();
+    return NO; // there is nothing that AppKit should open
+}
+
+/// At once. Qt would refuse first and then leave its event loop, and the refusal would end a logout
+/// that is under way.
+- (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender {
+    return NSTerminateNow;
+}
+
+/// The process exits after it.
+- (void)applicationWillTerminate:(NSNotification*)notification {
+    if (nocta::ApplicationDelegate* const told = std::exchange(receiver, nullptr)) {
+        told->applicationWillTerminate();
+    }
+}
+
+@end

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "backends/macos/shell/HostedView.h"
+#include "platform/OverlayWindows.h"
+
+#import <QuartzCore/QuartzCore.h>
+
+#include <chrono>
+#include <utility>
+
+/// Takes the keyboard without becoming the main window; a borderless window would take neither.
+@interface HostingOverlayWindow : NSWindow
+@end
+
+namespace nocta {
+
+class MacOverlayWindow final : public OverlayWindow {
+public:
+    MacOverlayWindow(const Rect& frame, const OverlayWindows::Style& style,
+                     std::unique_ptr<View> content)
+        : content_(std::move(content), HostedView::Background::clear),
+          window_([[HostingOverlayWindow alloc]
+              initWithContentRect:NSMakeRect(frame.x, frame.y, frame.width, frame.height)
+                        styleMask:NSWindowStyleMaskBorderless
+                          backing:NSBackingStoreBuffered
+                            defer:NO]) {
+        window_.releasedWhenClosed = NO; // it is owned here
+        window_.level = static_cast<NSWindowLevel>(style.level);
+        window_.opaque = NO;
+        window_.backgroundColor = NSColor.clearColor;
+        window_.ignoresMouseEvents = NO;
+        window_.collectionBehavior = style.collectionBehavior; // the same bits
+        window_.hasShadow = NO;
+        window_.contentView = content_.nativeView();
+        window_.alphaValue = 0;
+    }
+    ~MacOverlayWindow() override { [window_ close]; }
+
+    void makeKeyAndOrderFront() override {
+        [window_ makeKeyAndOrderFront:nil];
+        content_.makeFirstResponder();
+    }
+
+    void orderOut() override { [window_ orderOut:nil]; }
+
+    void animateAlpha(double target, Duration duration, TimingFunction curve,
+                      std::function<void()> completion) override {
+        fade_ = std::make_shared<std::function<void()>>(std::move(completion));
+        const std::weak_ptr fade(fade_); // gone when it was replaced, or with the window
+        NSWindow* const window = window_;
+        const CAMediaTimingFunctionName name = curve == TimingFunction::easeIn
+                                                   ? kCAMediaTimingFunctionEaseIn
+                                                   : kCAMediaTimingFunctionEaseInEaseOut;
+        [NSAnimationContext
+            runAnimationGroup:^(NSAnimationContext* context) {
+              context.duration = std::chrono::duration<double>(duration).count();
+              context.timingFunction = [CAMediaTimingFunction functionWithName:name];
+              window.animator.alphaValue = target;
+            }
+            completionHandler:^{
+              if (const auto ended = fade.lock(); ended != nullptr && *ended) {
+                  (*ended)();
+              }
+            }];
+    }
+
+private:
+    HostedView content_;
+    HostingOverlayWindow* window_;
+    std::shared_ptr<std::function<void()>> fade_;
+};
+
+class MacOverlayWindows final : public OverlayWindows {
+public:
+    /// Their frames are in AppKit's coordinates, in which windows are placed.
+    std::vector<Screen> screens() override {
+        std::vector<Screen> screens;
+        for (NSScreen* screen in NSScreen.screens) {
+            NSNumber* const number = screen.deviceDescription[@"NSScreenNumber"];
+            const NSRect frame = screen.frame;
+            screens.push_back(
+                {.id = number.unsignedIntValue,
+                 .frame = {frame.origin.x, frame.origin.y, frame.size.width, frame.size.height}});
+        }
+        return screens;
+    }
+
+    std::unique_ptr<OverlayWindow> makeWindow(const Screen& screen, const Style& style,
+                                              std::unique_ptr<View> content) override {
+        return std::make_unique<MacOverlayWindow>(screen.frame, style, std::move(content));
+    }
+
+    Subscription
+    addLocalMonitorForKeyDown(std::function<bool(const KeyDownEvent&)> handler) override {
+        const id monitor =
+            [NSEvent addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown // 1 << 10
+                                                  handler:^NSEvent*(NSEvent* event) {
+                                                    return handler({event.keyCode}) ? nil : event;
+                                                  }];
+        return Subscription([monitor] { [NSEvent removeMonitor:monitor]; });
+    }
+};
+
+} // namespace nocta
