@@ -1,6 +1,5 @@
 #include "base/Calendar.h"
 
-#include <cerrno>
 #include <ctime>
 
 namespace nocta {
@@ -30,20 +29,28 @@ int Calendar::dayOfYear(WallTime instant) {
 }
 
 std::optional<WallTime> Calendar::instantAt(CalendarDay day, int hour, int minute) {
-    std::tm local{};
-    local.tm_year = day.year - firstYear;
-    local.tm_mon = day.month - 1;
-    local.tm_mday = day.day;
-    local.tm_hour = hour;
-    local.tm_min = minute;
-    local.tm_isdst = -1; // the library finds out
-    local.tm_wday = -1;  // set by a call that succeeds
     tzset();
-    const auto time = std::mktime(&local);
-    if (local.tm_wday == -1) {
-        return std::nullopt;
+    std::optional<WallTime> instant;
+    // Left to find out for itself, the library would take of an hour that comes twice now the one
+    // and now the other, by what it was asked before.
+    for (const int isDaylightSaving : {1, 0}) {
+        std::tm local{};
+        local.tm_year = day.year - firstYear;
+        local.tm_mon = day.month - 1;
+        local.tm_mday = day.day;
+        local.tm_hour = hour;
+        local.tm_min = minute;
+        local.tm_isdst = isDaylightSaving;
+        local.tm_wday = -1; // set by a call that succeeds
+        const auto time = std::mktime(&local);
+        if (local.tm_wday != -1) {
+            instant = WallTime(std::chrono::seconds(time));
+        }
+        if (local.tm_wday != -1 && local.tm_hour == hour && local.tm_min == minute) {
+            break;
+        }
     }
-    return WallTime(std::chrono::seconds(time));
+    return instant;
 }
 
 std::chrono::seconds Calendar::offsetFromGMT(WallTime instant) {

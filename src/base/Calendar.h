@@ -25,8 +25,9 @@ struct Calendar {
     /// 1 for the first of January.
     static int dayOfYear(WallTime instant);
 
-    /// The instant of a local time, its seconds 0. An hour that daylight saving leaves out is moved
-    /// by what it leaves out; none where the C library has no such instant.
+    /// The instant of a local time, its seconds 0. Of an hour that comes twice it is the first; one
+    /// that daylight saving leaves out is moved on by what it leaves out. None where the C library
+    /// has no such instant.
     static std::optional<WallTime> instantAt(CalendarDay day, int hour, int minute);
 
     /// What local time is ahead of GMT at an instant.
