@@ -56,9 +56,9 @@ void DisplayPipeline::apply(QImage& picture) const {
     for (int y = 0; y < picture.height(); ++y) {
         auto* const line = reinterpret_cast<QRgb*>(picture.scanLine(y));
         for (auto* pixel = line; pixel != line + picture.width(); ++pixel) {
-            unsigned red = qRed(*pixel);
-            unsigned green = qGreen(*pixel);
-            unsigned blue = qBlue(*pixel);
+            auto red = static_cast<unsigned>(qRed(*pixel));
+            auto green = static_cast<unsigned>(qGreen(*pixel));
+            auto blue = static_cast<unsigned>(qBlue(*pixel));
             if (isGray_) {
                 const auto luma = (redWeight * red + greenWeight * green + blueWeight * blue) >> 16;
                 red = green = blue = luma;

@@ -46,8 +46,8 @@ void DisclosureButton::paintEvent(QPaintEvent* /*event*/) {
     constexpr auto inset = padding + focusRingRoom;
     const auto room = rect().adjusted(inset, 0, -inset, 0);
     painter.setPen(ink);
-    painter.drawText(
-        room, QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter, text());
+    const auto start = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft);
+    painter.drawText(room, static_cast<int>(start | Qt::AlignVCenter), text());
     const auto place = QStyle::alignedRect(layoutDirection(), Qt::AlignRight | Qt::AlignVCenter,
                                            QSize(symbolSize, symbolSize), room);
     drawSymbol(painter, place,

@@ -37,9 +37,8 @@ void Switch::paintEvent(QPaintEvent* /*event*/) {
     painter.setOpacity(isEnabled() ? 1 : disabledOpacity);
     painter.setPen(palette().color(QPalette::Active, QPalette::WindowText));
     const auto room = rect().adjusted(focusRingRoom, 0, -focusRingRoom, 0);
-    painter.drawText(room,
-                     QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignVCenter |
-                         Qt::TextShowMnemonic,
+    const auto start = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft);
+    painter.drawText(room, static_cast<int>(start | Qt::AlignVCenter) | Qt::TextShowMnemonic,
                      text());
 
     const QRectF track = QStyle::alignedRect(layoutDirection(), Qt::AlignRight | Qt::AlignVCenter,
