@@ -19,14 +19,16 @@ void start(Tour& tour) {
     tour.desktop.runLoop.advance(0s);
     tour.launch();
     tour.expect(tour.desktop.appWindows.isOnScreen("Welcome to Nocta"), "the first start welcomes");
-    tour.take("The first start",
-              "The services already run when the window opens; it holds up nothing.");
+    tour.take(
+        "The first start",
+        "Nocta already works while its first window is open. The built-in display is at three "
+        "quarters, as the brightness is to begin with.");
     tour.press("continueButton");
     tour.press("allowButton");
     tour.desktop.location.answer(AuthorizationStatus::authorized);
     tour.desktop.location.send(berlin);
     tour.expect(tour.settings().locationEnabled.get(), "the permission is a setting");
-    tour.take("The place", "With the user's place the times of the sun are true.");
+    tour.take("The place", "With your place Nocta knows the true times of sunrise and sunset.");
     tour.press("continueButton");
     tour.press("Everyday");
     tour.take("A style to begin with", "Five settings at once. Every one can be changed later.");
@@ -40,7 +42,7 @@ void start(Tour& tour) {
 void dim(Tour& tour) {
     tour.settings().unifiedBrightness.set(1.0);
     tour.desktop.statusBar.click();
-    tour.take("100 %", "Both displays give what the hardware can.");
+    tour.take("100 %", "The backlight is at its most, and no picture is dimmed.");
     tour.settings().unifiedBrightness.set(0.6);
     tour.expect(tour.topOf(Tour::external) == 1,
                 "the upper half leaves the external display alone");
@@ -54,11 +56,13 @@ void dim(Tour& tour) {
                       "hardware allows.");
     tour.settings().unifiedBrightness.set(0.0);
     tour.expect(std::abs(tour.topOf(Tour::external) - 0.1) < 0.01, "a faint glow is kept");
-    tour.take("0 %, with the faint glow", "A tenth of the light is kept, so that nobody is lost.");
+    tour.take("0 %, with the faint glow",
+              "A tenth of every picture's light is kept, on the built-in display over the lowest "
+              "backlight: the external one can still be read.");
     tour.settings().allowFullBlack.set(true);
     tour.settings().unifiedBrightness.set(0.0);
     tour.expect(tour.topOf(Tour::external) == 0, "black where the user wants it");
-    tour.take("0 %, with black allowed", "Only who asks for it gets it.");
+    tour.take("0 %, with black allowed", "Only for those who switch it on.");
     tour.settings().allowFullBlack.set(false);
 
     TourCurve backlight{"backlight", {}};
@@ -172,28 +176,35 @@ TourCurve rampOf(Tour& tour, const char* name) {
 
 void seeTheSunSet(Tour& tour) {
     auto& temperature = tour.instances().colorTemperatureService().currentTemperature;
-    tour.ramps.push_back(rampOf(tour, "afternoon"));
-    tour.waitUntil(18, 10);
-    const auto before = temperature.get();
-    tour.ramps.push_back(rampOf(tour, "18:10"));
-    tour.waitUntil(18, 20);
-    tour.ramps.push_back(rampOf(tour, "18:20"));
-    tour.expect(temperature.get() < before, "it grows warmer as the sun sets");
+    const auto day = tour.settings().colorTemperatureDay.get();
+    const auto night = tour.settings().colorTemperatureNight.get();
+    const auto sunset = *tour.instances().scheduleService().sunsetTime.get();
+    tour.waitUntil(sunset - 16min);
+    tour.expect(temperature.get() == day, "it is day until a quarter of an hour before sunset");
+    tour.ramps.push_back(rampOf(tour, "day"));
+    tour.waitUntil(sunset - 7min);
+    tour.ramps.push_back(rampOf(tour, "before sunset"));
+    tour.waitUntil(sunset + 1min);
+    tour.expect(std::abs(temperature.get() - (day + night) / 2) < 200, "at sunset it is halfway");
+    tour.ramps.push_back(rampOf(tour, "sunset"));
     tour.take("The sun sets", "Over half an hour the screen follows the light outside.");
-    tour.waitUntil(22, 0);
-    tour.expect(temperature.get() == tour.settings().colorTemperatureNight.get(), "night is warm");
+    tour.waitUntil(sunset + 16min);
+    tour.expect(temperature.get() == night, "it is night a quarter of an hour after sunset");
+    tour.waitUntil(tour.next(22, 0));
     tour.ramps.push_back(rampOf(tour, "night"));
-    tour.take("Night", "The blue has gone.");
+    tour.take("Night", "Most of the blue has gone.");
     tour.settings().unifiedBrightness.set(0.3);
     tour.ramps.push_back(rampOf(tour, "night, at 30 %"));
-    tour.take("Late", "Warm and dark, and still to be read.");
+    tour.take("Late", "Warm and dark.");
 }
 
 void reset(Tour& tour) {
     tour.program().showPreferencesWindow();
-    tour.take("The preferences", "Everything that can be set, in six tabs.");
     tour.press("resetButton");
     tour.expect(tour.settings().unifiedBrightness.get() == 0.75, "the defaults are back");
+    tour.desktop.runLoop.advance(1s);
+    tour.take("The preferences", "Everything that can be set, in six tabs. One button has just "
+                                 "brought the defaults back, the brightness with them.");
     tour.desktop.appWindows.close("Preferences");
 }
 

@@ -1,5 +1,7 @@
 #include "tour/LiveDesktop.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QPainter>
 
 #include <chrono>
@@ -33,18 +35,22 @@ void LiveDesktop::launch() {
 }
 
 QImage LiveDesktop::picture() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // no event loop turns here
+    const auto& displays = desktop.displays.all();
     QSize size(0, 0);
-    for (const auto& display : desktop.displays.all()) {
+    for (const auto& display : displays) {
         size = size.expandedTo(QSize(static_cast<int>(display.bounds.x + display.bounds.width),
                                      static_cast<int>(display.bounds.height)));
     }
-    QImage picture(size + QSize(gap, 0), QImage::Format_RGB32);
+    QImage picture(size + QSize(gap * (static_cast<int>(displays.size()) - 1), 0),
+                   QImage::Format_RGB32);
     picture.fill(room);
     QPainter painter(&picture);
-    for (const auto& display : desktop.displays.all()) {
-        const auto offset = display.bounds.x > 0 ? gap : 0;
+    int offset = 0;
+    for (const auto& display : displays) { // from the left to the right
         painter.drawImage(QPointF(display.bounds.x + offset, display.bounds.y),
                           scene_->picture(display.id));
+        offset += gap;
     }
     return picture;
 }

@@ -37,10 +37,11 @@ QString label(double x, double y, const char* anchor, const QString& text) {
 
 } // namespace
 
-QString plot(const std::vector<TourCurve>& curves, const PlotAxis& x, const PlotAxis& y) {
-    auto svg = QStringLiteral("<svg viewBox='0 0 %1 %2' role='img' aria-label='%3 over %4'>")
+QString plot(const QString& title, const std::vector<TourCurve>& curves, const PlotAxis& x,
+             const PlotAxis& y) {
+    auto svg = QStringLiteral("<svg viewBox='0 0 %1 %2' role='img' aria-label='%3'>")
                    .arg(number(left + width + right), number(top + height + bottom),
-                        y.name.toHtmlEscaped(), x.name.toHtmlEscaped());
+                        title.toHtmlEscaped());
     for (auto mark = x.least; mark <= x.most; mark += x.step) {
         const auto place = left + width * placeOn(x, mark);
         svg += line(place, top, place, top + height) +

@@ -15,7 +15,8 @@ struct PlotAxis {
     double step = 1; ///< between two marks
 };
 
-/// Curves over two axes, as an SVG element.
-QString plot(const std::vector<TourCurve>& curves, const PlotAxis& x, const PlotAxis& y);
+/// Curves over two axes, as an SVG element that is called `title`.
+QString plot(const QString& title, const std::vector<TourCurve>& curves, const PlotAxis& x,
+             const PlotAxis& y);
 
 } // namespace nocta

@@ -15,8 +15,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int minutesOfADay = 24 * 60;
-
 QString stateName(const BreakState& state) {
     static const std::array names = {QStringLiteral("counting"), QStringLiteral("break"),
                                      QStringLiteral("paused"), QStringLiteral("snoozed"),
@@ -37,6 +35,12 @@ void Tour::launch() {
                 breakStates.emplace_back(timeOfDay(), name);
             }
         }));
+    const auto note = [this](std::int64_t kelvin) {
+        temperature.points.emplace_back(sinceMidnight() / 1.0h, static_cast<double>(kelvin));
+    };
+    auto& current = instances().colorTemperatureService().currentTemperature;
+    note(current.get());
+    cancellables_.push_back(current.subscribe(note));
 }
 
 void Tour::quit() {
@@ -44,14 +48,13 @@ void Tour::quit() {
     LiveDesktop::quit();
 }
 
-void Tour::waitUntil(int hour, int minute) {
-    const auto wait = (60 * hour + minute - minuteOfDay() + minutesOfADay) % minutesOfADay;
-    for (int i = 0; i < wait; ++i) {
-        desktop.runLoop.advance(1min);
-        temperature.points.emplace_back(
-            minuteOfDay() / 60.0,
-            static_cast<double>(instances().colorTemperatureService().currentTemperature.get()));
-    }
+void Tour::waitUntil(WallTime time) {
+    desktop.runLoop.advance(time - desktop.runLoop.wallNow());
+}
+
+WallTime Tour::next(int hour, int minute) const {
+    const auto wait = hour * 1h + minute * 1min - sinceMidnight();
+    return desktop.runLoop.wallNow() + (wait < 0min ? wait + 24h : wait);
 }
 
 void Tour::press(const char* identifier) {
@@ -96,16 +99,16 @@ double Tour::topOf(DisplayId id) {
 }
 
 QString Tour::timeOfDay() const {
-    const auto minute = minuteOfDay();
+    const auto minute = sinceMidnight() / 1min;
     return QStringLiteral("%1:%2")
         .arg(minute / 60, 2, 10, QLatin1Char('0'))
         .arg(minute % 60, 2, 10, QLatin1Char('0'));
 }
 
-int Tour::minuteOfDay() const {
+Duration Tour::sinceMidnight() const {
     const auto now = desktop.runLoop.wallNow();
     const auto local = now + Calendar::offsetFromGMT(now);
-    return static_cast<int>((local - std::chrono::floor<std::chrono::days>(local)) / 1min);
+    return local - std::chrono::floor<std::chrono::days>(local);
 }
 
 } // namespace nocta

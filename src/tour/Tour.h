@@ -33,8 +33,9 @@ public:
     void launch();
     void quit();
 
-    /// Lets time run to the next moment of that hour and minute.
-    void waitUntil(int hour, int minute);
+    void waitUntil(WallTime time);
+    /// The next moment of that hour and minute.
+    WallTime next(int hour, int minute) const;
 
     /// Presses a button of the program's windows by its identifier.
     void press(const char* identifier);
@@ -56,7 +57,7 @@ public:
 
 private:
     QString timeOfDay() const;
-    int minuteOfDay() const;
+    Duration sinceMidnight() const;
 
     QString folder_;
     std::vector<TourScene> scenes_;

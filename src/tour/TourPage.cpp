@@ -23,9 +23,10 @@ svg { background: #fff; font: 12px system-ui, sans-serif; }
 table { border-collapse: collapse; } td { padding: .1rem 1rem .1rem 0; }
 </style></head><body>
 <h1>A day with Nocta</h1>
-<p>Two displays, a built-in one on the left and an external one on the right, as the eye would see
-them: every picture has gone through the filter, the gamma tables and the backlight that Nocta set at
-that moment. The windows are the program's own.</p>
+<p>Two displays, the built-in one of a laptop on the left and an external one on the right, as the
+eye would see them: every picture has gone through the filter, the gamma tables and the backlight
+that Nocta set at that moment. The windows are the program's own. Beside this page,
+<a href="trace.jsonl">trace.jsonl</a> has every call that the desktop received.</p>
 )");
 
 bool write(const QString& path, const QByteArray& content) {
@@ -34,8 +35,13 @@ bool write(const QString& path, const QByteArray& content) {
 }
 
 QString sceneSection(const TourScene& scene) {
-    return QStringLiteral("<h2><time>%1</time>%2</h2>\n<p>%3</p>\n<img src='%4' alt='%2'>\n")
+    return QStringLiteral("<h2><time>%1</time>%2</h2>\n<p>%3</p>\n<img src='%4' alt='%3'>\n")
         .arg(scene.time, scene.title.toHtmlEscaped(), scene.text.toHtmlEscaped(), scene.file);
+}
+
+QString plotSection(const QString& title, const std::vector<TourCurve>& curves, const PlotAxis& x,
+                    const PlotAxis& y) {
+    return QStringLiteral("<h2>%1</h2>\n").arg(title) + plot(title, curves, x, y);
 }
 
 QString breakTable(const Tour& tour) {
@@ -51,14 +57,16 @@ QString page(const Tour& tour) {
     for (const auto& scene : tour.scenes()) {
         html += sceneSection(scene);
     }
-    html += QStringLiteral("<h2>Backlight and dimming of the built-in display</h2>\n") +
-            plot(tour.brightnessCurves, {"brightness, %", 0, 100, 10}, {"of 1", 0, 1, 0.25});
-    html += QStringLiteral("<h2>The color temperature over the day</h2>\n") +
-            plot({tour.temperature}, {"hour", 9, 24, 1}, {"kelvin", 2000, 7000, 1000});
-    html +=
-        QStringLiteral("<h2>The blue ramp at five moments</h2>\n") +
-        plot(tour.ramps, {"level that is sent", 0, 255, 51}, {"level that is shown", 0, 1, 0.25});
-    html += QStringLiteral("<h2>What the break timer did</h2>\n") + breakTable(tour);
+    html += plotSection("Backlight and dimming of the built-in display", tour.brightnessCurves,
+                        {"brightness, %", 0, 100, 10}, {"of 1", 0, 1, 0.25});
+    html += plotSection("The color temperature over the day", {tour.temperature},
+                        {"hour", 9, 23, 1}, {"kelvin", 2000, 7000, 1000});
+    html += plotSection("The blue ramp at five moments", tour.ramps,
+                        {"level that is sent", 0, 255, 51}, {"level that is shown", 0, 1, 0.25});
+    html += QStringLiteral("<h2>What the break timer did</h2>\n"
+                           "<p>Breaks were turned off for the evening; the defaults, at its end, "
+                           "turned them on again.</p>\n") +
+            breakTable(tour);
     return html + QStringLiteral("</body></html>\n");
 }
 
