@@ -1,6 +1,7 @@
 #include "color/ScheduleService.h"
 
 #include "base/Calendar.h"
+#include "support/SunPositionText.h"
 #include "support/TestDesktop.h"
 #include "support/TimeZone.h"
 
@@ -72,7 +73,9 @@ TEST_F(ScheduleServiceTest, PositionsByTheDefaultTimes) {
          }) {
         setClock({2026, 3, 20}, time);
         schedule().updateSunPosition();
-        EXPECT_EQ(position(), expected) << time.count();
+        EXPECT_EQ(position(), expected)
+            << "at " << time / 1h << ":" << time % 1h / 1min << ":" << time % 1min / 1s
+            << "; a span begins 15 minutes before the sun's time and ends 15 minutes after it";
     }
 }
 

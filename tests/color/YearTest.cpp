@@ -1,5 +1,6 @@
 #include "base/Calendar.h"
 #include "support/IndependentSun.h"
+#include "support/SunPositionText.h"
 #include "support/TestDesktop.h"
 #include "support/TimeZone.h"
 
@@ -9,6 +10,7 @@
 #include <cmath>
 #include <cstdint>
 #include <ctime>
+#include <ostream>
 #include <string>
 
 // A simulated year, minute by minute: every position and temperature that is published, against a
@@ -22,6 +24,8 @@ using namespace std::chrono_literals;
 struct Place {
     const char* name;
     Location location;
+
+    friend void PrintTo(const Place& place, std::ostream* stream) { *stream << place.name; }
 };
 
 class YearTest : public TestDesktop, public ::testing::WithParamInterface<Place> {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -186,6 +187,28 @@ TEST_F(SettingsManagerTest, ResetMakesFifteenSeparateChangesAndLeavesFirstLaunch
     expectDefaults();
     EXPECT_FALSE(settings().isFirstLaunch.get());
     EXPECT_FALSE(stored().stored().contains("activeProfileId"));
+}
+
+/// The keys of a trace of the store, in alphabetical order.
+std::set<std::string> keysOf(const Calls& calls, const std::string& operation) {
+    std::set<std::string> keys;
+    for (const auto& call : calls) {
+        if (call.find(operation) != std::string::npos) {
+            keys.insert(call.substr(call.find(' ') + 1));
+        }
+    }
+    return keys;
+}
+
+TEST_F(SettingsManagerTest, ResetForgetsNoSettingThatIsLoaded) {
+    settings();
+    auto keys = keysOf(calls(), "ForKey ");
+    EXPECT_EQ(keys.erase("isFirstLaunch"), 1U);
+    desktop.trace.clear();
+    settings().resetToDefaults();
+    auto written = keysOf(calls(), "set");
+    written.merge(keysOf(calls(), "removeObjectForKey "));
+    EXPECT_EQ(written, keys);
 }
 
 TEST_F(SettingsManagerTest, ApplyingAProfileCopiesItsFiveValuesAndThenItsId) {
