@@ -58,7 +58,7 @@ void dim(Tour& tour) {
     tour.expect(std::abs(tour.topOf(Tour::external) - 0.1) < 0.01, "a faint glow is kept");
     tour.take("0 %, with the faint glow",
               "A tenth of every picture's light is kept, on the built-in display over the lowest "
-              "backlight: the external one can still be read.");
+              "backlight: the external one can still be seen.");
     tour.settings().allowFullBlack.set(true);
     tour.settings().unifiedBrightness.set(0.0);
     tour.expect(tour.topOf(Tour::external) == 0, "black where the user wants it");

@@ -1,6 +1,7 @@
 #include "tour/DesktopScene.h"
 
 #include "symbols/Symbol.h"
+#include "tour/ApplicationWindow.h"
 #include "tour/DisplayPipeline.h"
 #include "tour/Wallpaper.h"
 
@@ -44,15 +45,6 @@ QWidget& widgetOf(View& view) {
     return *static_cast<QWidget*>(view.nativeView());
 }
 
-/// A text to be read, so that a picture shows whether one still can.
-constexpr auto page =
-    "The evening\n\nAs the sun goes down, what is left of its light is red: the way through the "
-    "air is longer, and the blue of it is scattered elsewhere. A screen knows nothing of this. It "
-    "shows at ten in the evening the noon that it was made for, and whoever looks at it sits in "
-    "two times of day at once.\n\nIt need not be so. A lamp can be turned down, and a candle is "
-    "warm by itself. What the screen lacks is somebody to ask the clock, and a hand that is "
-    "lighter than its own buttons allow.";
-
 } // namespace
 
 /// What lies under everything on a display: the wallpaper, and the application in front.
@@ -70,16 +62,9 @@ public:
         painter->drawImage(area_.topLeft(), wallpaper_);
         const QRectF window(area_.left() + area_.width() * 0.06, area_.top() + 72,
                             area_.width() * 0.5, area_.height() * 0.62);
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->setPen(QPen(QColor(0, 0, 0, 60), 1));
-        painter->setBrush(QColor(252, 252, 250));
-        painter->drawRoundedRect(window, cornerRadius, cornerRadius);
-        painter->setPen(QColor(110, 110, 110));
-        painter->drawText(QRectF(window.left(), window.top(), window.width(), titleBarHeight),
-                          Qt::AlignCenter, applicationName());
-        painter->setPen(QColor(30, 30, 30));
-        painter->drawText(window.adjusted(32, titleBarHeight + 16, -32, -16),
-                          Qt::AlignLeft | Qt::TextWordWrap, QString::fromUtf8(page));
+        const auto& frontmost = desktop_.workspace.frontmost;
+        paintApplicationWindow(*painter, window,
+                               area_.left() == 0 && frontmost ? *frontmost : colorsApplication);
     }
 
 protected:
@@ -88,12 +73,6 @@ protected:
     }
 
 private:
-    QString applicationName() const {
-        const auto& application = desktop_.workspace.frontmost;
-        return application ? QString::fromStdString(application->localizedName)
-                           : QStringLiteral("Notes");
-    }
-
     VirtualDesktop& desktop_;
     QRectF area_;
     QImage wallpaper_;
