@@ -13,12 +13,14 @@ add_custom_command(OUTPUT ${icon} DEPENDS nocta-iconset ${drawing}
 set_source_files_properties(${icon} PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
 target_sources(nocta PRIVATE ${icon})
 
+string(REPLACE "&" "&amp;" feed_url "${NOCTA_FEED_URL}")
 configure_file(${bundle_folder}/Info.plist.in Info.plist @ONLY)
 set_target_properties(nocta PROPERTIES
     MACOSX_BUNDLE TRUE
     MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_BINARY_DIR}/Info.plist
     OUTPUT_NAME Nocta
-    BUILD_RPATH @executable_path/../Frameworks)
+    BUILD_RPATH @executable_path/../Frameworks
+    INSTALL_RPATH @executable_path/../Frameworks)
 
 if(NOCTA_SPARKLE)
     add_custom_command(TARGET nocta POST_BUILD

@@ -20,7 +20,7 @@ struct Rect {
     bool operator==(const Rect&) const = default;
 };
 
-/// A display's current mode, in pixels.
+/// The size of a display's current mode, in pixels; on macOS in points.
 struct DisplayMode {
     std::uint32_t width = 0;
     std::uint32_t height = 0;

@@ -52,14 +52,12 @@ private:
 class CgGammaOutput final : public GammaOutput {
 public:
     bool isAvailable() const override { return true; }
-
     Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
                                      std::span<const float> green,
                                      std::span<const float> blue) override {
         return CGSetDisplayTransferByTable(display, static_cast<std::uint32_t>(red.size()),
                                            red.data(), green.data(), blue.data());
     }
-
     void displayRestoreColorSyncSettings() override { CGDisplayRestoreColorSyncSettings(); }
 };
 

@@ -26,7 +26,7 @@ public:
     }
 
     Subscription createKeyDownTap(std::function<void(const KeyDownEvent&)> handler) override {
-        auto tap = std::make_shared<Tap>(std::move(handler));
+        const auto tap = std::make_shared<Tap>(Tap{std::move(handler)});
         tap->port =
             CGEventTapCreate(kCGSessionEventTap, kCGHeadInsertEventTap, kCGEventTapOptionDefault,
                              CGEventMaskBit(kCGEventKeyDown), keyDown, tap.get());

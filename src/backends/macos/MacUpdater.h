@@ -3,7 +3,6 @@
 #include "platform/Updater.h"
 
 #if NOCTA_SPARKLE
-
 #include "backends/macos/Strings.h"
 
 #import <Sparkle/Sparkle.h>
@@ -59,7 +58,6 @@ public:
     void setAutomaticallyDownloadsUpdates(bool downloads) override {
         [controller_.updater setAutomaticallyDownloadsUpdates:downloads];
     }
-
     void checkForUpdates() override { [controller_ checkForUpdates:nil]; }
 
     // Asked and answered in Sparkle's windows.
@@ -73,9 +71,7 @@ private:
 };
 
 } // namespace nocta
-
 #else
-
 namespace nocta {
 
 /// Of a build without Sparkle. The user's wishes are good until the process ends.
@@ -85,12 +81,10 @@ public:
     std::optional<std::string> startUpdater(DidFinishUpdateCycle /*didFinish*/) override {
         return "This build has no updates.";
     }
-
     bool automaticallyChecksForUpdates() const override { return checks_; }
     void setAutomaticallyChecksForUpdates(bool checks) override { checks_ = checks; }
     bool automaticallyDownloadsUpdates() const override { return downloads_; }
     void setAutomaticallyDownloadsUpdates(bool downloads) override { downloads_ = downloads; }
-
     void checkForUpdates() override {}
     void install() override {}
     void skip() override {}
@@ -102,5 +96,4 @@ private:
 };
 
 } // namespace nocta
-
 #endif

@@ -30,8 +30,10 @@ public:
                                        if (repeat == Repeat::no) {
                                            timers_.erase(id);
                                        }
-                                       const auto current = action; // it may end its own timer
-                                       current();
+                                       @autoreleasepool {
+                                           const auto current = action; // it may end its own timer
+                                           current();
+                                       }
                                      }];
         timers_.emplace(id, timer);
         [NSRunLoop.mainRunLoop addTimer:timer forMode:NSRunLoopCommonModes];
@@ -48,7 +50,9 @@ public:
     /// May be called on any thread.
     void post(std::function<void()> action) override {
         CFRunLoopPerformBlock(CFRunLoopGetMain(), kCFRunLoopCommonModes, ^{
-          action();
+          @autoreleasepool {
+              action();
+          }
         });
         CFRunLoopWakeUp(CFRunLoopGetMain());
     }

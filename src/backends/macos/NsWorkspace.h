@@ -53,7 +53,6 @@ public:
         const NSRect frame = screen.frame;
         return Rect{frame.origin.x, frame.origin.y, frame.size.width, frame.size.height};
     }
-
     bool accessibilityDisplayShouldReduceMotion() override {
         return NSWorkspace.sharedWorkspace.accessibilityDisplayShouldReduceMotion;
     }

@@ -57,7 +57,6 @@ public:
     void removeObjectForKey(std::string_view key) override {
         [userDefaults_ removeObjectForKey:nsString(key)];
     }
-
     void synchronize() override { [userDefaults_ synchronize]; }
 
 private:

@@ -4,7 +4,6 @@
 
 #include <QEvent>
 #include <QWidget>
-#include <QWindow>
 
 #import <AppKit/AppKit.h>
 #include <algorithm>
@@ -14,27 +13,27 @@
 
 namespace nocta {
 
-/// A view of the face inside a native one, which it fills. As Qt embeds a window of its own in a
-/// foreign one: the native view is given a QWindow, and the widget's becomes its child.
+/// A view of the face for a native window or popover.
 class HostedView : QObject {
 public:
     /// As the desktop paints its windows, or whatever is behind.
     enum class Background { window, clear };
 
     HostedView(std::unique_ptr<View> content, Background background)
-        : parent_(QWindow::fromWinId(reinterpret_cast<WId>((__bridge void*)native_))),
-          content_(std::move(content)), widget_(*static_cast<QWidget*>(content_->nativeView())) {
-        // Asked for before the widget has a window, which cannot become translucent later.
+        : content_(std::move(content)), widget_(*static_cast<QWidget*>(content_->nativeView())) {
+        widget_.setWindowFlags(Qt::SubWindow); // a native view alone, without a window of Qt's
         widget_.setAttribute(Qt::WA_TranslucentBackground, background == Background::clear);
-        widget_.winId();
-        widget_.windowHandle()->setParent(parent_.get());
         widget_.show();
-        qtView().frame = native_.bounds;
-        qtView().autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
+        nativeView().autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
         widget_.installEventFilter(this);
     }
 
-    NSView* nativeView() const { return native_; }
+    ~HostedView() override { [nativeView() removeFromSuperview]; } // Qt would leave it there
+
+    /// Qt owns it.
+    NSView* nativeView() const {
+        return (__bridge NSView*)reinterpret_cast<void*>(widget_.winId());
+    }
 
     /// Called whenever the content may need another size.
     std::function<void()> layoutRequested;
@@ -51,7 +50,7 @@ public:
     }
 
     /// Gives the content the keyboard of the window that it is in.
-    void makeFirstResponder() const { [native_.window makeFirstResponder:qtView()]; }
+    void makeFirstResponder() const { [nativeView().window makeFirstResponder:nativeView()]; }
 
 protected:
     bool eventFilter(QObject* /*widget*/, QEvent* event) override {
@@ -62,12 +61,7 @@ protected:
     }
 
 private:
-    /// Qt owns it.
-    NSView* qtView() const { return (__bridge NSView*)reinterpret_cast<void*>(widget_.winId()); }
-
-    NSView* native_ = [[NSView alloc] init];
-    std::unique_ptr<QWindow> parent_; // what Qt has for the native view
-    std::unique_ptr<View> content_;   // goes before what it is in
+    std::unique_ptr<View> content_;
     QWidget& widget_;
 };
 

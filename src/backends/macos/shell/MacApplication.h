@@ -6,7 +6,9 @@
 #include <QCoreApplication>
 
 #import <AppKit/AppKit.h>
+#include <csignal>
 #include <utility>
+#include <vector>
 
 @interface NoctaApplicationDelegate : NSObject <NSApplicationDelegate> {
 @public
@@ -24,6 +26,16 @@ public:
         NSApplication.sharedApplication.delegate = delegate_;
         // Qt would bring a program that starts in the menu bar in front of the user's work.
         qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
+        for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+            std::signal(number, SIG_IGN); // the source hears it all the same
+            signals_.push_back(dispatch_source_create(DISPATCH_SOURCE_TYPE_SIGNAL,
+                                                      static_cast<uintptr_t>(number), 0,
+                                                      dispatch_get_main_queue()));
+            dispatch_source_set_event_handler(signals_.back(), ^{
+              terminate();
+            });
+            dispatch_resume(signals_.back());
+        }
     }
 
     /// AppKit ends the process itself; should Qt's loop end, the program is told as well.
@@ -35,15 +47,14 @@ public:
         }
         return exitStatus;
     }
-
     void activateIgnoringOtherApps() override { [NSApp activateIgnoringOtherApps:YES]; }
-
     void terminate() override {
         runLoop_.post([] { [NSApp terminate:nil]; });
     }
 
 private:
     RunLoop& runLoop_;
+    std::vector<dispatch_source_t> signals_;
     NoctaApplicationDelegate* delegate_ = [[NoctaApplicationDelegate alloc] init]; // else unowned
 };
 

@@ -40,7 +40,6 @@ public:
         [window_ makeKeyAndOrderFront:nil];
         content_.makeFirstResponder();
     }
-
     void orderOut() override { [window_ orderOut:nil]; }
 
     void animateAlpha(double target, Duration duration, TimingFunction curve,

@@ -56,9 +56,12 @@ private:
     Subscription didClose_ =
         observe(NSNotificationCenter.defaultCenter, NSPopoverDidCloseNotification, popover_,
                 ^(NSNotification* /*notification*/) {
-                  if (!popover_.shown) { // it may be open again by now
-                      setContentView(nullptr);
-                  }
+                  // Later, as it may be a button of the content that closes.
+                  dispatch_async(dispatch_get_main_queue(), ^{
+                    if (!popover_.shown) { // it may be open again by now
+                        setContentView(nullptr);
+                    }
+                  });
                 });
 };
 
