@@ -39,7 +39,7 @@ QString label(double x, double y, const char* anchor, const QString& text) {
 
 QString plot(const QString& title, const std::vector<TourCurve>& curves, const PlotAxis& x,
              const PlotAxis& y) {
-    auto svg = QStringLiteral("<svg viewBox='0 0 %1 %2' role='img' aria-label='%3'>")
+    auto svg = QStringLiteral("<svg viewBox='0 0 %1 %2' role='img' aria-label=\"%3\">")
                    .arg(number(left + width + right), number(top + height + bottom),
                         title.toHtmlEscaped());
     for (auto mark = x.least; mark <= x.most; mark += x.step) {

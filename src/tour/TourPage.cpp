@@ -35,7 +35,7 @@ bool write(const QString& path, const QByteArray& content) {
 }
 
 QString sceneSection(const TourScene& scene) {
-    return QStringLiteral("<h2><time>%1</time>%2</h2>\n<p>%3</p>\n<img src='%4' alt='%3'>\n")
+    return QStringLiteral("<h2><time>%1</time>%2</h2>\n<p>%3</p>\n<img src=\"%4\" alt=\"%3\">\n")
         .arg(scene.time, scene.title.toHtmlEscaped(), scene.text.toHtmlEscaped(), scene.file);
 }
 
