@@ -1,6 +1,7 @@
 #include "tour/Plot.h"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 
 namespace nocta {
@@ -25,6 +26,15 @@ double placeOn(const PlotAxis& axis, double value) {
     return (value - axis.least) / (axis.most - axis.least);
 }
 
+std::vector<double> marksOf(const PlotAxis& axis) {
+    std::vector<double> marks(
+        static_cast<std::size_t>(std::lround((axis.most - axis.least) / axis.step)) + 1);
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+        marks[i] = axis.least + axis.step * static_cast<double>(i);
+    }
+    return marks;
+}
+
 QString line(double x1, double y1, double x2, double y2) {
     return QStringLiteral("<line x1='%1' y1='%2' x2='%3' y2='%4' stroke='#ddd'/>")
         .arg(number(x1), number(y1), number(x2), number(y2));
@@ -42,12 +52,12 @@ QString plot(const QString& title, const std::vector<TourCurve>& curves, const P
     auto svg = QStringLiteral("<svg viewBox='0 0 %1 %2' role='img' aria-label=\"%3\">")
                    .arg(number(left + width + right), number(top + height + bottom),
                         title.toHtmlEscaped());
-    for (auto mark = x.least; mark <= x.most; mark += x.step) {
+    for (const auto mark : marksOf(x)) {
         const auto place = left + width * placeOn(x, mark);
         svg += line(place, top, place, top + height) +
                label(place, top + height + 16, "middle", number(mark));
     }
-    for (auto mark = y.least; mark <= y.most; mark += y.step) {
+    for (const auto mark : marksOf(y)) {
         const auto place = top + height * (1 - placeOn(y, mark));
         svg += line(left, place, left + width, place) +
                label(left - 6, place + 4, "end", number(mark));

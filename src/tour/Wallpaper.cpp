@@ -52,7 +52,7 @@ void paintRidge(QPainter& painter, const QRectF& area, const Ridge& ridge,
         phase = static_cast<double>(random() % 6283) / 1000;
     }
     QPainterPath path(area.bottomLeft());
-    for (double x = 0; x < area.width() + 2; x += 2) {
+    for (int x = 0; x < area.width() + 2; x += 2) {
         double offset = 0;
         for (int wave = 0; wave < waves; ++wave) {
             offset += std::sin(x / area.width() * 5 * std::ldexp(1.0, wave) +

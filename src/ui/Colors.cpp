@@ -11,7 +11,8 @@ constexpr int amberHue = 36; // degrees
 constexpr int amberSaturation = 235;
 constexpr int brightestAmber = 160; // lightness, of 255
 constexpr int darkestAmber = 20;
-constexpr double secondaryStep = 0.05;
+constexpr int leastSecondaryPercent = 55;
+constexpr int secondaryStep = 5;
 constexpr double hairlinePart = 0.16;
 constexpr double panelPart = 0.045;
 
@@ -55,8 +56,8 @@ QColor textOnAccent(const QPalette& palette) {
 QColor secondaryColor(const QPalette& palette) {
     const auto window = palette.color(QPalette::Window);
     const auto text = palette.color(QPalette::WindowText);
-    for (auto part = 0.55; part < 1; part += secondaryStep) {
-        const auto color = mixed(window, text, part);
+    for (int percent = leastSecondaryPercent; percent < 100; percent += secondaryStep) {
+        const auto color = mixed(window, text, percent / 100.0);
         if (leastContrast(color, palette) >= readableContrast) {
             return color;
         }

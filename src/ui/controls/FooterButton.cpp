@@ -8,6 +8,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <utility>
 
 namespace nocta {
 
@@ -31,8 +32,8 @@ QFont smallFont(const QFont& font) {
 
 } // namespace
 
-FooterButton::FooterButton(const QString& symbol, const QString& text)
-    : Button(text), symbol_(symbol) {
+FooterButton::FooterButton(QString symbol, const QString& text)
+    : Button(text), symbol_(std::move(symbol)) {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
     setAttribute(Qt::WA_Hover);

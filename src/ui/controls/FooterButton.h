@@ -7,7 +7,7 @@ namespace nocta {
 /// A plain button with a symbol above its small text.
 class FooterButton final : public Button {
 public:
-    FooterButton(const QString& symbol, const QString& text);
+    FooterButton(QString symbol, const QString& text);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

@@ -5,6 +5,8 @@
 
 #include <QPainter>
 
+#include <utility>
+
 namespace nocta {
 
 namespace {
@@ -23,8 +25,8 @@ QColor colorOf(SymbolColor color, const QPalette& palette) {
 
 } // namespace
 
-SymbolView::SymbolView(const QString& name, int size, SymbolColor color)
-    : name_(name), color_(color) {
+SymbolView::SymbolView(QString name, int size, SymbolColor color)
+    : name_(std::move(name)), color_(color) {
     setFixedSize(size, size);
 }
 

@@ -12,7 +12,7 @@ enum class SymbolColor { text, accent, white };
 class SymbolView final : public QWidget {
 public:
     /// `size` in points.
-    SymbolView(const QString& name, int size, SymbolColor color = SymbolColor::text);
+    SymbolView(QString name, int size, SymbolColor color = SymbolColor::text);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

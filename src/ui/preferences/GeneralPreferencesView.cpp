@@ -31,8 +31,9 @@ GeneralPreferencesView::GeneralPreferencesView(SharedInstances& instances) {
         ->add(
             makeLaunchAtLoginToggle(Text::tr("Launch at login"), instances.launchAtLoginService()));
 
+    const std::vector<MenuBarIcon> icons(allMenuBarIcons.begin(), allMenuBarIcons.end());
     std::vector<SegmentLook> looks;
-    std::vector<MenuBarIcon> icons(allMenuBarIcons.begin(), allMenuBarIcons.end());
+    looks.reserve(icons.size());
     for (const auto icon : icons) {
         looks.push_back({.text = nameOf(icon), .symbol = QString::fromUtf8(rawValue(icon))});
     }
