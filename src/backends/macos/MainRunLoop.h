@@ -15,8 +15,7 @@ class MainRunLoop final : public RunLoop {
 public:
     WallTime wallNow() const override { return std::chrono::system_clock::now(); }
 
-    /// The clock that NSTimer follows. That of the standard library goes on while the machine
-    /// sleeps.
+    /// NSTimer's clock. That of the standard library goes on while the machine sleeps.
     MonotonicTime monotonicNow() const override {
         return MonotonicTime(Duration(clock_gettime_nsec_np(CLOCK_UPTIME_RAW)));
     }

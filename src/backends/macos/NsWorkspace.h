@@ -26,7 +26,6 @@ public:
               callback(runningApplication(notification.userInfo[NSWorkspaceApplicationKey]));
             });
     }
-
     std::optional<RunningApplication> frontmostApplication() override {
         return runningApplication(NSWorkspace.sharedWorkspace.frontmostApplication);
     }

@@ -35,7 +35,9 @@ const char* textOf(std::uint32_t error) {
 std::string serialized(const UrlRequest& request, const std::string& certificates) {
     auto headers = nlohmann::json::array();
     for (const auto& [name, value] : request.headers) {
-        headers.push_back(name + ": " + value);
+        auto header = name;
+        header.append(": ").append(value);
+        headers.push_back(std::move(header));
     }
     return nlohmann::json{{"url", request.url},
                           {"method", request.method},

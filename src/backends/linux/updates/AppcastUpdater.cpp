@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <compare>
 #include <system_error>
 #include <utility>
 #include <variant>
@@ -37,7 +38,7 @@ std::optional<std::filesystem::path> packageName(const std::string& url) {
 
 bool isForThisSystem(const AppcastItem& item, const std::string& systemVersion) {
     return item.channel.empty() && (item.os.empty() || item.os == "linux") &&
-           compareVersions(item.minimumSystemVersion, systemVersion) <= 0;
+           std::is_lteq(compareVersions(item.minimumSystemVersion, systemVersion));
 }
 
 /// Why a release cannot be offered, whatever its file will be.
@@ -195,11 +196,11 @@ void AppcastUpdater::readFeed() {
     });
     std::erase_if(appcast.items, [this](const AppcastItem& item) {
         return !isForThisSystem(item, systemVersion_) ||
-               compareVersions(item.version, bundle_.version) <= 0;
+               std::is_lteq(compareVersions(item.version, bundle_.version));
     });
     const auto newest =
         std::ranges::max_element(appcast.items, [](const AppcastItem& a, const AppcastItem& b) {
-            return compareVersions(a.version, b.version) < 0;
+            return std::is_lt(compareVersions(a.version, b.version));
         });
     if (newest != appcast.items.end()) {
         offer(*newest);

@@ -50,18 +50,21 @@ public:
     bool isShown() const override { return popover_.shown; }
 
 private:
+    /// Later, as it may be a button of the content that closes.
+    void dropContent() {
+        dispatch_async(dispatch_get_main_queue(), ^{
+          if (!popover_.shown) { // it may be open again by now
+              setContentView(nullptr);
+          }
+        });
+    }
     NSPopover* popover_ = [[NSPopover alloc] init];
     NSSize contentSize_ = NSZeroSize;
     std::unique_ptr<HostedView> content_;
     Subscription didClose_ =
         observe(NSNotificationCenter.defaultCenter, NSPopoverDidCloseNotification, popover_,
                 ^(NSNotification* /*notification*/) {
-                  // Later, as it may be a button of the content that closes.
-                  dispatch_async(dispatch_get_main_queue(), ^{
-                    if (!popover_.shown) { // it may be open again by now
-                        setContentView(nullptr);
-                    }
-                  });
+                  dropContent();
                 });
 };
 
