@@ -3,15 +3,16 @@
 
 #include "app/SharedInstances.h"
 #include "backends/virtual/VirtualDesktop.h"
+#include "tour/ApplicationWindow.h"
 #include "tour/LiveDesktop.h"
 #include "tour/PseudoLocale.h"
+#include "tour/Wallpaper.h"
 #include "ui/WidgetViews.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QImage>
-#include <QLinearGradient>
 #include <QPainter>
 #include <QStyleFactory>
 #include <QTabBar>
@@ -214,26 +215,12 @@ Scenes breaks() {
     return {{"break-overlay", openBreak}};
 }
 
-/// What lies under the cover: a desktop in the evening with a window on it.
-void paintDesktop(QPainter& painter) {
-    QLinearGradient evening(0, 0, 0, screenSize.height());
-    evening.setColorAt(0, QColor(38, 64, 120));
-    evening.setColorAt(1, QColor(232, 150, 90));
-    painter.fillRect(QRect({}, screenSize), evening);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(245, 245, 245));
-    painter.drawRoundedRect(QRect(70, 60, 430, 420), 8, 8);
-    painter.setBrush(QColor(205, 205, 210));
-    for (int line = 0; line < 14; ++line) {
-        painter.drawRect(QRect(100, 100 + 26 * line, 370 - 53 * (line % 4), 8));
-    }
-}
-
 void paintGround(QPainter& painter, const Stage& stage) {
     const auto& widget = stage.widget();
     switch (stage.ground) {
     case Stage::Ground::desktop:
-        paintDesktop(painter);
+        painter.drawImage(0, 0, paintWallpaper(screenSize));
+        paintApplicationWindow(painter, QRectF(70, 60, 430, 420), {{}, "Notes"});
         break;
     case Stage::Ground::popover:
         painter.setPen(QPen(widget.palette().mid(), 1));

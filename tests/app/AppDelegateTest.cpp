@@ -116,69 +116,6 @@ TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAnewAfterTheyWereClos
     EXPECT_TRUE(desktop.appWindows.isOnScreen("Preferences"));
 }
 
-TEST_F(AppDelegateTest, UpdaterThatCannotStartLeavesTheRestAsItIs) {
-    desktop.updater.present = Updater::Availability::noFeed;
-    launch();
-    EXPECT_TRUE(desktop.statusBar.hasItem());
-    EXPECT_TRUE(desktop.appWindows.isOnScreen("Welcome to Nocta"));
-}
-
-TEST_F(AppDelegateTest, FailedUpdateCycleIsLogged) {
-    launch();
-    testing::internal::CaptureStderr();
-    desktop.updater.didFinishUpdateCycle("Host not found");
-    desktop.updater.didFinishUpdateCycle(std::nullopt);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Sparkle update check failed: Host not found\n");
-}
-
-TEST_F(AppDelegateTest, EachStageOfAnUpdateHasAWindow) {
-    settings().isFirstLaunch.set(false);
-    launch();
-    desktop.trace.clear();
-    const auto show = [this](UpdateStage stage) {
-        desktop.updater.stage.set(std::move(stage));
-        desktop.runLoop.advance(0s);
-        return desktop.appWindows.windows().size();
-    };
-    EXPECT_EQ(show(UpdateCheckInProgress{}), 1U);
-    EXPECT_EQ(show(UpdateFound{.version = "1.3"}), 1U);
-    EXPECT_EQ(show(UpdateFound{.version = "1.3"}), 1U) << "to the front";
-    EXPECT_EQ(calls("window make").size(), 3U);
-    EXPECT_EQ(calls("activate").size(), 3U);
-    EXPECT_EQ(show({}), 0U);
-    EXPECT_EQ(views.othersAlive, 1) << "the menu";
-}
-
-TEST_F(AppDelegateTest, UpdateThatWasNotAskedForLeavesTheKeyboardWhereItIs) {
-    settings().isFirstLaunch.set(false);
-    launch();
-    for (const auto& stage : std::vector<UpdateStage>{
-             UpdateFound{.version = "1.3"}, UpdatePermissionRequest{}, UpdaterError{"broken"}}) {
-        desktop.trace.clear();
-        desktop.updater.stage.set(stage);
-        desktop.runLoop.advance(0s);
-        EXPECT_EQ(calls(), Calls{"window orderFrontRegardless Software Update"});
-        desktop.updater.stage.set({});
-        desktop.runLoop.advance(0s);
-    }
-}
-
-TEST_F(AppDelegateTest, ClosedUpdateWindowMeansNotNow) {
-    settings().isFirstLaunch.set(false);
-    launch();
-    desktop.updater.stage.set(UpdateFound{.version = "1.3"});
-    desktop.runLoop.advance(0s);
-    desktop.trace.clear();
-    desktop.appWindows.close("Software Update");
-    desktop.runLoop.advance(0s);
-    EXPECT_EQ(calls("dismiss").size(), 1U);
-    EXPECT_TRUE(desktop.appWindows.windows().empty());
-    desktop.updater.stage.set(UpdateFound{.version = "1.3"});
-    desktop.runLoop.advance(0s);
-    EXPECT_TRUE(desktop.appWindows.isOnScreen("Software Update"));
-}
-
 TEST_F(AppDelegateTest, FirstWriteAtStartKnowsNoBacklightAndNoExternalRule) {
     plugExternal();
     settings().unifiedBrightness.set(0.75);
@@ -400,26 +337,6 @@ TEST_F(AppDelegateTest, RefusingLocationTurnsTheSettingOff) {
     settings().locationEnabled.set(true);
     desktop.location.answer(AuthorizationStatus::denied);
     EXPECT_FALSE(settings().locationEnabled.get());
-}
-
-TEST(SharedInstancesTest, SharedIsTheOneOfTheProgram) {
-    VirtualDesktop desktop;
-    SharedInstances instances(desktop.ports);
-    EXPECT_EQ(&SettingsManager::shared(), &instances.settingsManager());
-    EXPECT_EQ(&DisplayService::shared(), &instances.displayService());
-    EXPECT_EQ(&GammaController::shared(), &instances.gammaController());
-    EXPECT_EQ(&BrightnessController::shared(), &instances.brightnessController());
-    EXPECT_EQ(&UnifiedBrightnessApplier::shared(), &instances.brightnessApplier());
-    EXPECT_EQ(&GrayscaleService::shared(), &instances.grayscaleService());
-    EXPECT_EQ(&LocationService::shared(), &instances.locationService());
-    EXPECT_EQ(&ScheduleService::shared(), &instances.scheduleService());
-    EXPECT_EQ(&ColorTemperatureService::shared(), &instances.colorTemperatureService());
-    EXPECT_EQ(&ShortcutsManager::shared(), &instances.shortcutsManager());
-    EXPECT_EQ(&Profile::builtInProfiles(), &instances.builtInProfiles());
-}
-
-TEST(SharedInstancesDeathTest, SharedWithoutAProgramStopsWithAMessage) {
-    EXPECT_DEATH(SettingsManager::shared(), "shared instance was used before");
 }
 
 } // namespace
