@@ -11,7 +11,7 @@ UpdateFile::UpdateFile(const std::filesystem::path& file, std::int64_t length,
     std::error_code error;
     std::filesystem::create_directories(file.parent_path(), error);
     std::filesystem::permissions(file.parent_path(), std::filesystem::perms::owner_all, error);
-    part_.open();
+    static_cast<void>(part_.open()); // `add` looks whether it is open
 }
 
 std::optional<std::string> UpdateFile::add(std::string_view piece) {
