@@ -1,6 +1,7 @@
 #include "backends/linux/FreedesktopNotifications.h"
 
 #include "backends/linux/MessageBus.h"
+#include "backends/linux/NameOwner.h"
 
 #include <QCoreApplication>
 #include <QDBusError>
@@ -93,21 +94,33 @@ void FreedesktopNotifications::add(const UserNotification& notification) {
          [this, notification, presentation](const QDBusMessage& answer) {
              const QDBusPendingReply<QStringList> capabilities(answer);
              if (capabilities.isValid()) {
-                 show(notification, presentation, capabilities.value());
+                 findOwner([=, this, names = capabilities.value()](const QString& owner) {
+                     show(notification, presentation, names, owner);
+                 });
+             }
+         });
+}
+
+/// Nothing follows if the service has gone meanwhile.
+void FreedesktopNotifications::findOwner(std::function<void(const QString&)> found) {
+    call(nameOwnerQuestion(service), usualTime,
+         [found = std::move(found)](const QDBusMessage& answer) {
+             if (const QDBusPendingReply<QString> owner(answer); owner.isValid()) {
+                 found(owner.value());
              }
          });
 }
 
 void FreedesktopNotifications::show(const UserNotification& notification,
-                                    std::uint32_t presentation, const QStringList& capabilities) {
+                                    std::uint32_t presentation, const QStringList& capabilities,
+                                    const QString& owner) {
     const auto category = std::ranges::find(categories_, notification.categoryIdentifier,
                                             &UserNotificationCategory::identifier);
     QStringList actions;
     // Some services that have no buttons would show a dialog instead.
     if (category != categories_.end() && capabilities.contains(QStringLiteral("actions"))) {
         for (const auto& action : category->actions) {
-            actions << QString::fromStdString(action.identifier)
-                    << translated(action.title);
+            actions << QString::fromStdString(action.identifier) << translated(action.title);
         }
     }
     const auto body = translated(notification.body);
@@ -115,14 +128,15 @@ void FreedesktopNotifications::show(const UserNotification& notification,
     if ((presentation & notificationSound) != 0) {
         hints.insert(QStringLiteral("sound-name"), soundName);
     }
-    auto message = methodCall(QStringLiteral("Notify"));
+    // To the very process whose answers will count, not to the name.
+    auto message = QDBusMessage::createMethodCall(owner, path, service, QStringLiteral("Notify"));
     message << applicationName << 0U /* replaces none */ << QString() /* the desktop entry's icon */
             << translated(notification.title)
             << (capabilities.contains(QStringLiteral("body-markup")) ? body.toHtmlEscaped() : body)
             << actions << hints << -1 /* for as long as the service likes */;
-    call(message, anyTime, [this](const QDBusMessage& answer) {
+    call(message, anyTime, [this, owner](const QDBusMessage& answer) {
         if (const QDBusPendingReply<unsigned int> id(answer); id.isValid()) {
-            shown_.emplace(answer.service(), id.value());
+            shown_.emplace(owner, id.value());
         }
     });
 }

@@ -37,8 +37,9 @@ private:
     using Answer = std::function<void(const QDBusMessage&)>;
 
     void call(const QDBusMessage& message, int timeout, Answer answer);
+    void findOwner(std::function<void(const QString& owner)> found);
     void show(const UserNotification& notification, std::uint32_t presentation,
-              const QStringList& capabilities);
+              const QStringList& capabilities, const QString& owner);
 
     QDBusConnection bus_;
     UserNotificationCenterDelegate* delegate_ = nullptr;

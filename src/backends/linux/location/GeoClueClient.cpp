@@ -1,6 +1,7 @@
 #include "backends/linux/location/GeoClueClient.h"
 
 #include "backends/linux/MessageBus.h"
+#include "backends/linux/NameOwner.h"
 
 #include <QCoreApplication>
 #include <QDBusError>
@@ -46,7 +47,7 @@ std::shared_ptr<GeoClueClient> GeoClueClient::create(Callbacks callbacks) {
 }
 
 GeoClueClient::GeoClueClient(Callbacks callbacks)
-    : callbacks_(std::move(callbacks)), bus_(systemBus()) {
+    : callbacks_(std::move(callbacks)), bus_(systemBus()), service_(serviceName) {
     watcher_.setConnection(bus_);
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
     QObject::connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, [this] {
@@ -79,7 +80,7 @@ void GeoClueClient::open() {
         busLost_.start();
         return;
     }
-    call(QDBusMessage::createMethodCall(serviceName, managerPath, managerInterface,
+    call(QDBusMessage::createMethodCall(service_, managerPath, managerInterface,
                                         QStringLiteral("CreateClient")),
          answerTime, [this](const QDBusMessage& answer) {
              const QDBusPendingReply<QDBusObjectPath> path(answer);
@@ -87,10 +88,21 @@ void GeoClueClient::open() {
                  end(answer);
                  return;
              }
-             service_ = answer.service();
              path_ = path.value().path();
-             start();
+             findOwner();
          });
+}
+
+void GeoClueClient::findOwner() {
+    call(nameOwnerQuestion(serviceName), answerTime, [this](const QDBusMessage& answer) {
+        const QDBusPendingReply<QString> owner(answer);
+        if (owner.isError()) {
+            end(answer);
+            return;
+        }
+        service_ = owner.value();
+        start();
+    });
 }
 
 void GeoClueClient::start() {

@@ -40,6 +40,7 @@ private:
 
     explicit GeoClueClient(Callbacks callbacks);
     void open();
+    void findOwner();
     void start();
     void readPlace();
     void call(const QDBusMessage& message, int timeout, Answer answer);
@@ -47,7 +48,7 @@ private:
 
     Callbacks callbacks_;
     QDBusConnection bus_;
-    QString service_; ///< the unique name of the process that made the client
+    QString service_; ///< its name; once it has made the client, the unique name of the process
     QString path_;
     QDBusServiceWatcher watcher_;
     // A D-Bus signal can start a timer by itself.
