@@ -8,13 +8,18 @@ namespace {
 
 constexpr int firstYear = 1900;
 
-std::tm localTime(WallTime instant) {
+constexpr std::time_t secondsPerDay = 86400;
+
+std::tm localTime(std::time_t time) {
     tzset(); // a zone that was changed since
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(instant.time_since_epoch());
-    const auto time = static_cast<std::time_t>(seconds.count());
     std::tm local{};
     localtime_r(&time, &local);
     return local;
+}
+
+std::tm localTime(WallTime instant) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(instant.time_since_epoch());
+    return localTime(static_cast<std::time_t>(seconds.count()));
 }
 
 } // namespace
@@ -29,28 +34,27 @@ int Calendar::dayOfYear(WallTime instant) {
 }
 
 std::optional<WallTime> Calendar::instantAt(CalendarDay day, int hour, int minute) {
-    tzset();
-    std::optional<WallTime> instant;
-    // Left to find out for itself, the library would take of an hour that comes twice now the one
-    // and now the other, by what it was asked before.
-    for (const int isDaylightSaving : {1, 0}) {
-        std::tm local{};
-        local.tm_year = day.year - firstYear;
-        local.tm_mon = day.month - 1;
-        local.tm_mday = day.day;
-        local.tm_hour = hour;
-        local.tm_min = minute;
-        local.tm_isdst = isDaylightSaving;
-        local.tm_wday = -1; // set by a call that succeeds
-        const auto time = std::mktime(&local);
-        if (local.tm_wday != -1) {
-            instant = WallTime(std::chrono::seconds(time));
-        }
-        if (local.tm_wday != -1 && local.tm_hour == hour && local.tm_min == minute) {
-            break;
-        }
+    std::tm local{};
+    local.tm_year = day.year - firstYear;
+    local.tm_mon = day.month - 1;
+    local.tm_mday = day.day;
+    local.tm_hour = hour;
+    local.tm_min = minute;
+    const auto asGMT = timegm(&local);
+    if (asGMT == -1) { // no whole minute, so no instant
+        return std::nullopt;
     }
-    return instant;
+    // No offset reaches a whole day, so these two are in force before and after any change of the
+    // offset that the local time can meet. The C library itself would choose by its flag of
+    // daylight saving, which some zones set in winter and which other changes do not touch.
+    const auto offsetAt = [](std::time_t time) { return localTime(time).tm_gmtoff; };
+    const auto before = offsetAt(asGMT - secondsPerDay);
+    const auto after = offsetAt(asGMT + secondsPerDay);
+    const auto exists = [&](long offset) { return offsetAt(asGMT - offset) == offset; };
+    // With the offset from before, the time is the first of two, or as far past a gap's end as it
+    // was past its beginning.
+    const auto offset = exists(before) || !exists(after) ? before : after;
+    return WallTime(std::chrono::seconds(asGMT - offset));
 }
 
 std::chrono::seconds Calendar::offsetFromGMT(WallTime instant) {

@@ -25,9 +25,10 @@ struct Calendar {
     /// 1 for the first of January.
     static int dayOfYear(WallTime instant);
 
-    /// The instant of a local time, its seconds 0. Of an hour that comes twice it is the first; one
-    /// that daylight saving leaves out is moved on by what it leaves out. None where the C library
-    /// has no such instant.
+    /// The instant of a local time, its seconds 0. A time that the clock shows twice means the
+    /// first of the two. A time that the clock skips moves forward by the length of the gap: where
+    /// the clock goes from 02:00 to 03:00, 02:30 means 03:30. None where the C library has no such
+    /// instant.
     static std::optional<WallTime> instantAt(CalendarDay day, int hour, int minute);
 
     /// What local time is ahead of GMT at an instant.

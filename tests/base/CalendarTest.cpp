@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <limits>
+#include <vector>
 
 namespace nocta {
 namespace {
@@ -70,7 +72,7 @@ TEST(Calendar, InstantOfALocalTime) {
 TEST(Calendar, HourThatDaylightSavingLeavesOutIsMovedAndStaysOnItsDay) {
     const TimeZone zone(zone::berlin);
     const auto instant = Calendar::instantAt({2026, 3, 29}, 2, 30);
-    EXPECT_EQ(instant, utc(2026, 3, 29, 1h + 30min));
+    EXPECT_EQ(instant, utc(2026, 3, 29, 1h + 30min)) << "03:30";
     EXPECT_EQ(Calendar::dayOf(*instant), (CalendarDay{2026, 3, 29}));
 }
 
@@ -81,6 +83,86 @@ TEST(Calendar, HourThatComesTwiceIsTheFirstWhateverWasAskedBefore) {
         EXPECT_EQ(Calendar::instantAt({2026, 10, 25}, 2, 30), utc(2026, 10, 25, 30min))
             << "after month " << monthBefore;
     }
+}
+
+/// A local time near a change of the clock, and the instant that it means.
+struct LocalTime {
+    CalendarDay day;
+    int hour;
+    int minute;
+    WallTime instant;
+};
+
+void expectInstants(const char* name, const std::vector<LocalTime>& rows) {
+    const TimeZone zone(name);
+    ASSERT_NE(Calendar::offsetFromGMT(rows.front().instant), 0h) << name << ": tzdata is missing";
+    for (const auto& row : rows) {
+        for (const auto& earlier : rows) { // what was asked before must not matter
+            EXPECT_TRUE(Calendar::instantAt(earlier.day, earlier.hour, earlier.minute));
+            EXPECT_EQ(Calendar::instantAt(row.day, row.hour, row.minute), row.instant)
+                << name << " " << row.day.year << "-" << row.day.month << "-" << row.day.day << " "
+                << row.hour << ":" << row.minute << " after " << earlier.day.month << "-"
+                << earlier.day.day << " " << earlier.hour << ":" << earlier.minute;
+        }
+    }
+}
+
+TEST(Calendar, HourThatComesTwiceIsTheFirstWhereWinterIsTheException) {
+    // Irish law has standard time in summer, and the database marks winter as daylight saving.
+    expectInstants("Europe/Dublin", {{{2026, 7, 15}, 12, 0, utc(2026, 7, 15, 11h)},
+                                     {{2026, 10, 25}, 0, 59, utc(2026, 10, 24, 23h + 59min)},
+                                     {{2026, 10, 25}, 1, 0, utc(2026, 10, 25)},
+                                     {{2026, 10, 25}, 1, 30, utc(2026, 10, 25, 30min)},
+                                     {{2026, 10, 25}, 2, 0, utc(2026, 10, 25, 2h)},
+                                     {{2026, 3, 29}, 0, 59, utc(2026, 3, 29, 59min)},
+                                     {{2026, 3, 29}, 1, 30, utc(2026, 3, 29, 1h + 30min)},
+                                     {{2026, 3, 29}, 2, 0, utc(2026, 3, 29, 1h)}});
+}
+
+TEST(Calendar, ClockThatGoesBackForRamadanAndForwardAfterIt) {
+    expectInstants("Africa/Casablanca", {{{2025, 6, 15}, 12, 0, utc(2025, 6, 15, 11h)},
+                                         {{2025, 2, 23}, 1, 59, utc(2025, 2, 23, 59min)},
+                                         {{2025, 2, 23}, 2, 30, utc(2025, 2, 23, 1h + 30min)},
+                                         {{2025, 2, 23}, 3, 0, utc(2025, 2, 23, 3h)},
+                                         {{2025, 4, 6}, 1, 59, utc(2025, 4, 6, 1h + 59min)},
+                                         {{2025, 4, 6}, 2, 30, utc(2025, 4, 6, 2h + 30min)},
+                                         {{2025, 4, 6}, 3, 0, utc(2025, 4, 6, 2h)}});
+}
+
+TEST(Calendar, ZoneThatMovesToAnotherOffset) {
+    // Casey has gone back by three hours and forward again, with no daylight saving in it.
+    expectInstants("Antarctica/Casey", {{{2018, 3, 11}, 0, 59, utc(2018, 3, 10, 13h + 59min)},
+                                        {{2018, 3, 11}, 1, 0, utc(2018, 3, 10, 14h)},
+                                        {{2018, 3, 11}, 2, 30, utc(2018, 3, 10, 15h + 30min)},
+                                        {{2018, 3, 11}, 4, 0, utc(2018, 3, 10, 20h)},
+                                        {{2018, 10, 7}, 3, 59, utc(2018, 10, 6, 19h + 59min)},
+                                        {{2018, 10, 7}, 5, 30, utc(2018, 10, 6, 21h + 30min)},
+                                        {{2018, 10, 7}, 7, 0, utc(2018, 10, 6, 20h)}});
+}
+
+TEST(Calendar, DayThatIsSkippedMovesToTheNextAtTheSameTime) {
+    expectInstants("Pacific/Apia", {{{2011, 12, 29}, 23, 59, utc(2011, 12, 30, 9h + 59min)},
+                                    {{2011, 12, 30}, 0, 0, utc(2011, 12, 30, 10h)},
+                                    {{2011, 12, 30}, 6, 30, utc(2011, 12, 30, 16h + 30min)},
+                                    {{2011, 12, 30}, 23, 59, utc(2011, 12, 31, 9h + 59min)},
+                                    {{2011, 12, 31}, 0, 0, utc(2011, 12, 30, 10h)}});
+    expectInstants("Pacific/Kwajalein", {{{1993, 8, 20}, 23, 59, utc(1993, 8, 21, 11h + 59min)},
+                                         {{1993, 8, 21}, 6, 30, utc(1993, 8, 21, 18h + 30min)},
+                                         {{1993, 8, 22}, 0, 0, utc(1993, 8, 21, 12h)}});
+}
+
+TEST(Calendar, DayThatComesTwiceIsTheFirst) {
+    expectInstants("Pacific/Kwajalein", {{{1969, 9, 29}, 12, 0, utc(1969, 9, 29, 1h)},
+                                         {{1969, 9, 30}, 0, 30, utc(1969, 9, 29, 13h + 30min)},
+                                         {{1969, 9, 30}, 12, 0, utc(1969, 9, 30, 1h)},
+                                         {{1969, 9, 30}, 23, 30, utc(1969, 9, 30, 12h + 30min)},
+                                         {{1969, 10, 1}, 0, 0, utc(1969, 10, 1, 12h)}});
+}
+
+TEST(Calendar, TimeThatNoCalendarHasIsNone) {
+    const TimeZone zone(zone::utc);
+    constexpr auto most = std::numeric_limits<int>::max();
+    EXPECT_EQ(Calendar::instantAt({most, most, 1}, 12, 0), std::nullopt);
 }
 
 TEST(Calendar, ChangeOfTheZoneCountsAtOnce) {
