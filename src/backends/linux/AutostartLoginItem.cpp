@@ -1,6 +1,7 @@
 #include "backends/linux/AutostartLoginItem.h"
 
 #include "backends/linux/FileContent.h"
+#include "backends/linux/PrivateFolder.h"
 
 #include <QByteArray>
 #include <QSaveFile>
@@ -90,9 +91,7 @@ LoginItem::Status AutostartLoginItem::status() {
 }
 
 std::optional<std::string> AutostartLoginItem::registerItem() {
-    std::error_code error;
-    std::filesystem::create_directories(entry_.parent_path(), error);
-    if (error) {
+    if (const auto error = createPrivateFolders(entry_.parent_path())) {
         return error.message();
     }
     QSaveFile file(QString::fromStdString(entry_.string())); // replaces in one step

@@ -2,6 +2,7 @@
 
 #include "backends/linux/FileContent.h"
 #include "backends/linux/FileDescriptor.h"
+#include "backends/linux/PrivateFolder.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -90,8 +91,7 @@ void IniDefaultsStore::synchronize() {
 }
 
 void IniDefaultsStore::write() {
-    std::error_code ignored; // what matters shows when the file is opened
-    std::filesystem::create_directories(file_.parent_path(), ignored);
+    createPrivateFolders(file_.parent_path()); // what matters shows when the file is opened
 
     const auto temporary = file_.string() + ".new";
     isWritten_ = [&] {

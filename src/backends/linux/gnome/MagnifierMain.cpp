@@ -4,6 +4,7 @@
 // finds that file at its start has not seen the end of an earlier helper, and puts them back first.
 
 #include "backends/linux/FileDescriptor.h"
+#include "backends/linux/PrivateFolder.h"
 #include "backends/linux/gnome/MagnifierProtocol.h"
 
 #include <algorithm>
@@ -167,8 +168,7 @@ void putBack(const std::string& stateFile) {
 
 /// One helper at a time; it waits for the end of another. Held until the process ends.
 FileDescriptor lock(const std::filesystem::path& folder) {
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
+    createPrivateFolders(folder);
     FileDescriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     while (flock(descriptor.get(), LOCK_EX) != 0 && errno == EINTR) {
     }

@@ -1,5 +1,7 @@
 #include "backends/linux/location/GeoClueLocationManager.h"
 
+#include "backends/linux/PrivateFolder.h"
+
 #include <algorithm>
 #include <chrono>
 #include <fstream>
@@ -124,7 +126,7 @@ void GeoClueLocationManager::remember(bool isGranted) const {
         std::filesystem::remove(grantFile_, error);
         return;
     }
-    std::filesystem::create_directories(grantFile_.parent_path(), error);
+    createPrivateFolders(grantFile_.parent_path());
     if (!std::ofstream(grantFile_)) {
         std::cerr << "nocta: cannot write " << grantFile_.string()
                   << "; the location will be asked for again" << std::endl;

@@ -1,5 +1,7 @@
 #include "backends/linux/updates/UpdateFile.h"
 
+#include "backends/linux/PrivateFolder.h"
+
 #include <system_error>
 
 namespace nocta {
@@ -9,7 +11,7 @@ UpdateFile::UpdateFile(const std::filesystem::path& file, std::int64_t length,
     : file_(file), part_(QString::fromStdString(file.string() + ".XXXXXX")), length_(length),
       verification_(key, signature) {
     std::error_code error;
-    std::filesystem::create_directories(file.parent_path(), error);
+    createPrivateFolders(file.parent_path());
     std::filesystem::permissions(file.parent_path(), std::filesystem::perms::owner_all, error);
     static_cast<void>(part_.open()); // `add` looks whether it is open
 }

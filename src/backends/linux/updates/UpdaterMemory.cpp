@@ -1,6 +1,7 @@
 #include "backends/linux/updates/UpdaterMemory.h"
 
 #include "backends/linux/FileContent.h"
+#include "backends/linux/PrivateFolder.h"
 
 #include <nlohmann/json.hpp>
 
@@ -81,7 +82,7 @@ UpdaterMemory::UpdaterMemory(std::filesystem::path file) : file_(std::move(file)
 
 void UpdaterMemory::keep() {
     std::error_code error;
-    std::filesystem::create_directories(file_.parent_path(), error);
+    createPrivateFolders(file_.parent_path());
     // Replaced in one step, and without waiting for the disk: the screen would wait as well.
     const auto next = file_.string() + ".new";
     const auto isWritten =
