@@ -3,7 +3,12 @@
 #include "backends/linux/IniDocument.h"
 #include "platform/DefaultsStore.h"
 
+#include <chrono>
 #include <filesystem>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace nocta {
@@ -14,11 +19,20 @@ namespace nocta {
 ///
 /// A file that cannot be read as INI is moved aside with the first write, under a name that is not
 /// taken yet; what could be read of it counts. Where the file cannot be written the values in
-/// memory go on; one line on standard error says so, once. What somebody else writes to the file
-/// meanwhile is read at the next start, unless a change has replaced it by then.
+/// memory go on; one line on standard error says so, once.
+///
+/// The values in memory are those of the start and this process's own changes. What another
+/// process writes to the file meanwhile counts at the next start: a write changes only the keys
+/// that this process has set or removed since its last one, so that of each key the last writer
+/// wins. Writers take turns by a lock beside the file.
 class IniDefaultsStore final : public DefaultsStore {
 public:
-    explicit IniDefaultsStore(std::filesystem::path file);
+    /// How long a write waits for another one. It takes less than a millisecond; one that was
+    /// stopped must not hold the run loop.
+    static constexpr auto maxLockWait = std::chrono::milliseconds(50);
+
+    explicit IniDefaultsStore(std::filesystem::path file,
+                              std::chrono::milliseconds lockTimeout = maxLockWait);
 
     void registerDefaults(const DefaultsMap& defaults) override {
         table_.registerDefaults(defaults);
@@ -47,16 +61,23 @@ public:
     void synchronize() override;
 
 private:
-    void load();
+    struct Content;
+
+    Content read();
+    std::filesystem::path lockFile() const;
+    void removeLeftTemporaries() const;
     void set(DefaultsValue value, std::string_view key);
     void write();
-    bool replaceFile(const std::string& temporary);
+    bool replaceFile() const;
+    bool putInPlace(const std::string& temporary) const;
 
     std::filesystem::path file_;
     DefaultsTable table_;
-    IniDocument document_;
+    IniDocument document_; ///< the file as this process last read or wrote it
+    std::map<std::string, std::optional<DefaultsValue>, std::less<>> changes_; ///< not written yet
+    std::chrono::milliseconds lockTimeout_;
+    bool isLockFree_ = true; ///< false once a write has waited in vain
     bool mustMoveAside_ = false;
-    bool isWritten_ = true; ///< whether the file holds what memory holds
     bool failureIsSaid_ = false;
 };
 

@@ -1,6 +1,7 @@
 #include "backends/linux/IniDefaultsStore.h"
 
 #include "contracts/DefaultsStoreContract.h"
+#include "support/FullDisk.h"
 #include "support/Process.h"
 
 #include <gtest/gtest.h>
@@ -9,8 +10,9 @@
 #include <csignal>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
-#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -51,6 +53,13 @@ protected:
         store.setDouble(0.4, "unifiedBrightness");
         EXPECT_EQ(store.doubleForKey("unifiedBrightness"), 0.4) << "values in memory go on";
         return ::testing::internal::GetCapturedStderr();
+    }
+    std::set<std::string> namesInFolder() const {
+        std::set<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder.path() + "/nocta")) {
+            names.insert(entry.path().filename().string());
+        }
+        return names;
     }
     static auto lines(const std::string& text) { return std::ranges::count(text, '\n'); }
 };
@@ -93,6 +102,27 @@ TEST_F(IniDefaultsStoreTest, OnlyTheUserMayReadTheFile) {
     IniDefaultsStore store(file);
     store.setBool(true, "a");
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(IniDefaultsStoreTest, OnlyTheUserMayEnterTheFolderWhateverTheUmask) {
+    for (const mode_t mask : {0000U, 0022U, 0777U}) {
+        const auto own = folder.path() + "/" + std::to_string(mask) + "/nocta";
+        const auto before = umask(mask);
+        IniDefaultsStore store(own + "/nocta.conf");
+        store.setBool(true, "a");
+        umask(before);
+        EXPECT_EQ(fs::status(own).permissions(), fs::perms::owner_all);
+        EXPECT_EQ(fs::status(fs::path(own).parent_path()).permissions(), fs::perms::owner_all);
+        EXPECT_TRUE(fs::exists(own + "/nocta.conf"));
+    }
+}
+
+TEST_F(IniDefaultsStoreTest, FolderThatIsThereKeepsItsMode) {
+    prepare("");
+    fs::permissions(folder.path() + "/nocta", fs::perms(0750));
+    IniDefaultsStore store(file);
+    store.setBool(true, "a");
+    EXPECT_EQ(fs::status(folder.path() + "/nocta").permissions(), fs::perms(0750));
 }
 
 TEST_F(IniDefaultsStoreTest, UnparsableFileIsMovedAsideBeforeTheFirstWriteAndNothingIsLost) {
@@ -188,44 +218,29 @@ TEST_F(IniDefaultsStoreTest, FolderThatCannotBeMadeIsSaidOnce) {
 
 TEST_F(IniDefaultsStoreTest, FullDiskKeepsTheOldFileAndIsSaidOnce) {
     prepare("[General]\na=1\n");
-    // No file of this process may grow: what a full disk looks like to a writer.
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit none{.rlim_cur = 0, .rlim_max = before.rlim_max};
-    const auto output = dup(STDERR_FILENO);
     IniDefaultsStore store(file);
-    int pipeEnds[2] = {-1, -1};
-    ASSERT_EQ(pipe(pipeEnds), 0);
-    dup2(pipeEnds[1], STDERR_FILENO); // a captured file could not grow either
-    setrlimit(RLIMIT_FSIZE, &none);
+    FullDisk disk;
     store.setInteger(2, "a");
     store.setInteger(3, "a");
     store.synchronize();
-    setrlimit(RLIMIT_FSIZE, &before);
-    dup2(output, STDERR_FILENO);
-    close(output);
-    close(pipeEnds[1]);
-    std::signal(SIGXFSZ, handler);
-    std::string said;
-    for (char letter = 0; read(pipeEnds[0], &letter, 1) == 1;) {
-        said += letter;
-    }
-    close(pipeEnds[0]);
+    const auto said = disk.end();
 
     EXPECT_EQ(lines(said), 1) << said;
     EXPECT_NE(said.find("cannot write"), std::string::npos) << said;
     EXPECT_EQ(contentOf(file), "[General]\na=1\n");
     EXPECT_EQ(store.integerForKey("a"), 3);
-    EXPECT_FALSE(fs::exists(file + ".new"));
+    EXPECT_EQ(namesInFolder(), (std::set<std::string>{"nocta.conf", "nocta.conf.lock"}));
     store.setInteger(4, "a");
     EXPECT_EQ(contentOf(file), "[General]\na=4\n") << "room again";
 }
 
 TEST_F(IniDefaultsStoreTest, DamagedFileOnAFullDiskStaysWhereItIs) {
     prepare("[General]\na=1\ngarbage");
-    fs::create_directories(file + ".new"); // in the way of every write
-    const auto said = saidWhenUsed();
+    FullDisk disk;
+    IniDefaultsStore store(file);
+    store.setDouble(0.3, "unifiedBrightness");
+    store.setDouble(0.4, "unifiedBrightness");
+    const auto said = disk.end();
     EXPECT_EQ(lines(said), 2) << said; // that it cannot be read, and that it cannot be written
     EXPECT_EQ(contentOf(file), "[General]\na=1\ngarbage");
     EXPECT_FALSE(fs::exists(file + ".damaged"));
@@ -251,12 +266,12 @@ TEST_F(IniDefaultsStoreTest, SynchronizingWritesOnlyWhatIsNotWritten) {
     writeFile(file, "[General]\na=5\n"); // somebody else
     store.synchronize();
     EXPECT_EQ(contentOf(file), "[General]\na=5\n");
-    fs::create_directories(file + ".new");
-    ::testing::internal::CaptureStderr();
-    store.setInteger(2, "a");
-    fs::remove(file + ".new");
+    {
+        const FullDisk disk;
+        store.setInteger(2, "a");
+    }
+    EXPECT_EQ(contentOf(file), "[General]\na=5\n");
     store.synchronize();
-    ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(contentOf(file), "[General]\na=2\n") << "a write that had failed";
 }
 
@@ -295,6 +310,8 @@ TEST_F(IniDefaultsStoreTest, KilledAtAnyMomentTheFileIsACompleteState) {
         ASSERT_TRUE(first == second || first == second + 1) << first << " " << second;
     }
     EXPECT_TRUE(fs::exists(file));
+    { const IniDefaultsStore nextStart(file); }
+    EXPECT_EQ(namesInFolder(), (std::set<std::string>{"nocta.conf", "nocta.conf.lock"}));
 }
 
 } // namespace
