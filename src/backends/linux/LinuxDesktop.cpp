@@ -1,8 +1,10 @@
 #include "backends/linux/AutostartLoginItem.h"
+#include "backends/linux/DisplayServerName.h"
 #include "backends/linux/FileDescriptor.h"
 #include "backends/linux/FreedesktopNotifications.h"
 #include "backends/linux/IniDefaultsStore.h"
 #include "backends/linux/LibUuidSource.h"
+#include "backends/linux/PrivateFolder.h"
 #include "backends/linux/ReducedMotion.h"
 #include "backends/linux/SessionFilter.h"
 #include "backends/linux/SysfsBacklight.h"
@@ -71,6 +73,12 @@ std::filesystem::path stateFolder() {
     return baseDirectory("XDG_STATE_HOME", ".local/state") / "nocta";
 }
 
+/// Where the lock and the socket of the running process are.
+std::filesystem::path runtimeFolder() {
+    const std::filesystem::path folder = environment("XDG_RUNTIME_DIR");
+    return folder.is_absolute() && isPrivateFolder(folder) ? folder : stateFolder();
+}
+
 /// What can be had anew.
 std::filesystem::path cacheFolder() {
     return baseDirectory("XDG_CACHE_HOME", ".cache") / "nocta";
@@ -84,7 +92,7 @@ bool canConnectToX() {
 }
 
 bool canConnectToWayland(const std::string& display) {
-    const auto path = std::filesystem::path(environment("XDG_RUNTIME_DIR")) / display;
+    const auto path = waylandSocket(environment("XDG_RUNTIME_DIR"), display);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (display.empty() || path.native().size() >= sizeof address.sun_path) {
@@ -103,18 +111,6 @@ void keepStandardStreams() {
         descriptor = dup(descriptor);
     }
     close(descriptor);
-}
-
-/// The display server of an X display, whichever of its screens is meant.
-std::string xServerName() {
-    char* host = nullptr;
-    int display = 0;
-    if (xcb_parse_display(nullptr, &host, &display, nullptr) == 0) {
-        return {};
-    }
-    auto name = std::string(host) + ":" + std::to_string(display);
-    std::free(host);
-    return name;
 }
 
 /// What this session can do for displays, gamma, gray, keys and applications. Here and nowhere else
@@ -265,7 +261,9 @@ DesktopSession makeDesktop(const Bundle& bundle) {
                   << (display.empty() ? wayland : display) << "\"" << std::endl;
         return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};
     }
-    SingleInstance instance(hasX ? xServerName() : wayland);
+    SingleInstance instance(hasX ? xServerName(environment("DISPLAY"))
+                                 : waylandSocket(environment("XDG_RUNTIME_DIR"), wayland).native(),
+                            runtimeFolder());
     if (instance.role() == SingleInstance::Role::unanswered) {
         std::cerr << "nocta: Nocta runs here already and does not answer" << std::endl;
         return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};

@@ -126,11 +126,46 @@ TEST_P(NoctaProcessTest, OfTwoStartsAtOnceOneRunsAndTheOtherEnds) {
     EXPECT_TRUE(isGivenBack());
 }
 
-TEST_P(NoctaProcessTest, ScreenNumberInTheDisplaysNameMakesNoSecondNocta) {
+TEST_P(NoctaProcessTest, OtherNamesOfTheDisplayMakeNoSecondNocta) {
     startAndWaitFor(0.75);
     auto variables = environment();
-    variables["DISPLAY"] = server.display() + ".0";
-    EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, variables), 0);
+    for (const auto& name :
+         {server.display() + ".0", "unix" + server.display(), "unix" + server.display() + ".0"}) {
+        variables["DISPLAY"] = name;
+        EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, variables), 0) << name;
+    }
+    EXPECT_TRUE(shows(0.75));
+}
+
+TEST_P(NoctaProcessTest, WithoutARuntimeFolderItIsOneProcessToo) {
+    // As a program that is started by other means than the session, and where the folder is not
+    // this user's alone.
+    const auto shared = home.path() + "/shared";
+    std::filesystem::create_directory(shared);
+    std::filesystem::permissions(shared, std::filesystem::perms::all);
+    auto variables = environment();
+    for (const auto& runtime : {std::string(), std::string("relative"), shared}) {
+        variables["XDG_RUNTIME_DIR"] = runtime;
+        nocta =
+            std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);
+        ASSERT_TRUE(waitForBrightness(0.75)) << contentOf(output);
+        EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, variables), 0);
+        EXPECT_TRUE(std::filesystem::is_empty(shared));
+        nocta->signal(SIGTERM);
+        EXPECT_EQ(nocta->wait(), 0);
+        EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }));
+    }
+}
+
+TEST_P(NoctaProcessTest, FilesOfAKilledOneDoNotKeepTheNextFromStarting) {
+    for (int round = 0; round < 3; ++round) {
+        startAndWaitFor(0.75);
+        nocta->signal(SIGKILL);
+        nocta->wait();
+        ASSERT_TRUE(waitUntil([&] { return isGivenBack(); }));
+    }
+    startAndWaitFor(0.75);
+    EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, environment()), 0);
 }
 
 TEST_P(NoctaProcessTest, StoredBrightnessIsShownAtTheStart) {

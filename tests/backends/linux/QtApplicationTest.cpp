@@ -1,6 +1,7 @@
 #include "backends/linux/shell/QtApplication.h"
 
 #include "backends/linux/shell/QtRunLoop.h"
+#include "support/Process.h"
 
 #include <gtest/gtest.h>
 
@@ -35,7 +36,8 @@ public:
 class QtApplicationTest : public ::testing::Test {
 protected:
     QtRunLoop runLoop;
-    SingleInstance instance{"a display of this test " + std::to_string(getpid())};
+    TemporaryFolder folder;
+    SingleInstance instance{":0", folder.path()};
     bool hasTray = true;
     QtApplication application{runLoop, instance, [this] { return hasTray; }};
     Delegate delegate;
@@ -79,7 +81,7 @@ TEST_F(QtApplicationTest, LaterStartIsAnsweredAndReopens) {
         later.start(runLoop, 1ms, Repeat::no, [&] {
             const auto child = fork();
             if (child == 0) {
-                const SingleInstance second("a display of this test " + std::to_string(getppid()));
+                const SingleInstance second(":0", folder.path());
                 _exit(second.role() == SingleInstance::Role::answered ? 0 : 1);
             }
             later.start(runLoop, 5ms, Repeat::yes, [&, child] {
@@ -115,10 +117,10 @@ TEST_F(QtApplicationTest, WithATrayItWaitsForItsUser) {
 }
 
 TEST_F(QtApplicationTest, OneThatIsThereAndDoesNotReactIsLeftAlone) {
-    const SingleInstance second("a display of this test " + std::to_string(getpid()));
+    const SingleInstance second(":0", folder.path());
     EXPECT_EQ(second.role(), SingleInstance::Role::unanswered);
     instance.close();
-    const SingleInstance third("a display of this test " + std::to_string(getpid()));
+    const SingleInstance third(":0", folder.path());
     EXPECT_EQ(third.role(), SingleInstance::Role::first);
 }
 

@@ -1,9 +1,18 @@
 #include "backends/linux/shell/SingleInstance.h"
 
+#include "backends/linux/PrivateFolder.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
 #include <chrono>
-#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <fcntl.h>
+#include <iostream>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <thread>
 #include <unistd.h>
@@ -15,91 +24,125 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int waitingKnocks = 16;
-constexpr auto patience = 5000ms;  // with one that is starting or ending
-constexpr auto nextAttempt = 10ms; // between two knocks at a closed door
+constexpr int maxWaitingStarts = 16;
+constexpr auto attemptInterval = 10ms;
 
-/// An abstract socket address: the kernel forgets it with its last socket.
-struct Address {
-    sockaddr_un address{};
-    socklen_t length = 0;
+/// The sticky bit keeps the socket where unused files are cleared away.
+constexpr mode_t socketMode = S_ISVTX | S_IRUSR | S_IWUSR;
 
-    explicit Address(std::string_view name) {
-        address.sun_family = AF_UNIX;
-        length =
-            static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 +
-                                   name.copy(address.sun_path + 1, sizeof address.sun_path - 1));
+/// A server's name may be long and may be a path; the 64-bit FNV-1a hash of it is neither.
+std::string hashed(std::string_view text) {
+    std::uint64_t hash = 0xcbf29ce484222325;
+    for (const auto character : text) {
+        hash = (hash ^ static_cast<unsigned char>(character)) * 0x100000001b3;
     }
-    const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&address); }
-};
-
-FileDescriptor makeSocket(int flags) {
-    return FileDescriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | flags, 0));
+    std::array<char, 16> digits{};
+    return {digits.begin(), std::to_chars(digits.begin(), digits.end(), hash, 16).ptr};
 }
 
-/// True when the other end of a connected socket runs as this user. The names of abstract sockets
-/// are open to every user of the machine.
-bool isOwn(int socket) {
-    ucred peer{};
-    socklen_t length = sizeof peer;
-    return getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 &&
-           peer.uid == geteuid();
+/// The address of a socket in an open folder, which is short however long the folder's path is.
+sockaddr_un addressIn(int folder, const std::string& name) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const auto path = "/proc/self/fd/" + std::to_string(folder) + "/" + name;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    return address;
+}
+
+FileDescriptor makeSocket() {
+    return FileDescriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
 }
 
 } // namespace
 
-SingleInstance::SingleInstance(std::string_view display) {
-    role_ = knock(display);
+SingleInstance::SingleInstance(std::string_view server, const std::filesystem::path& folder,
+                               std::chrono::milliseconds answerTimeout)
+    : name_("nocta-" + hashed(server)) {
+    if (!open(folder)) {
+        std::cerr << "nocta: cannot use " << folder.string() << " (" << std::strerror(errno)
+                  << "); a second start will not find this one" << std::endl;
+        return;
+    }
+    role_ = findRole(answerTimeout);
 }
 
-SingleInstance::Role SingleInstance::knock(std::string_view display) {
-    const Address address("nocta-" + std::to_string(geteuid()) + "-" + std::string(display));
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+bool SingleInstance::open(const std::filesystem::path& folder) {
+    createPrivateFolders(folder); // what matters shows when the folder is opened
+    folder_ = FileDescriptor(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (folder_ && !isPrivateFolder(folder)) {
+        errno = EPERM;
+        return false;
+    }
+    lock_ = FileLock(folder / (name_ + ".lock"));
+    return lock_.isOpen();
+}
+
+SingleInstance::Role SingleInstance::findRole(std::chrono::milliseconds answerTimeout) {
+    const auto deadline = std::chrono::steady_clock::now() + answerTimeout;
     while (true) {
-        socket_ = makeSocket(SOCK_NONBLOCK);
-        if (bind(socket_.get(), address.get(), address.length) == 0 &&
-            ::listen(socket_.get(), waitingKnocks) == 0) {
+        if (lock_.acquire(0ms)) {
+            if (!bindSocket()) {
+                std::cerr << "nocta: cannot listen for later starts (" << std::strerror(errno)
+                          << ")" << std::endl;
+                socket_.reset();
+            }
             return Role::first;
         }
-        socket_.reset();
-
-        const auto door = makeSocket(SOCK_NONBLOCK); // a full queue must not hold us either
-        const auto isOpen = connect(door.get(), address.get(), address.length) == 0;
-        if (isOpen && !isOwn(door.get())) {
-            return Role::first; // somebody else's, who may keep the name
-        }
+        const auto socket = makeSocket();
+        const auto isConnected = connectTo(socket.get());
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
-        pollfd answer{.fd = door.get(), .events = POLLIN, .revents = 0};
-        char word = 0;
-        if (left <= 0ms || (isOpen && poll(&answer, 1, static_cast<int>(left.count())) == 0)) {
+        pollfd answer{.fd = socket.get(), .events = POLLIN, .revents = 0};
+        char byte = 0;
+        if (left <= 0ms || (isConnected && poll(&answer, 1, static_cast<int>(left.count())) == 0)) {
             return Role::unanswered;
         }
-        if (isOpen && read(door.get(), &word, 1) == 1) {
+        if (isConnected && read(socket.get(), &byte, 1) == 1) {
             return Role::answered;
         }
-        std::this_thread::sleep_for(nextAttempt); // it has gone, or does not listen yet
+        std::this_thread::sleep_for(attemptInterval); // it has gone, or does not listen yet
     }
 }
 
-void SingleInstance::listen(std::function<void()> knocked) {
-    knocked_ = std::move(knocked);
+/// Replaces the socket that a killed process left. Only the holder of the lock does so.
+bool SingleInstance::bindSocket() {
+    const auto name = name_ + ".socket";
+    const auto address = addressIn(folder_.get(), name);
+    unlinkat(folder_.get(), name.c_str(), 0);
+    socket_ = makeSocket();
+    return fchmod(socket_.get(), socketMode) == 0 &&
+           bind(socket_.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
+           ::listen(socket_.get(), maxWaitingStarts) == 0;
+}
+
+/// False at once where nobody listens or too many wait already.
+bool SingleInstance::connectTo(int socket) const {
+    const auto address = addressIn(folder_.get(), name_ + ".socket");
+    return connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+void SingleInstance::listen(std::function<void()> started) {
+    started_ = std::move(started);
     if (socket_) {
-        knocks_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
-        QObject::connect(knocks_.get(), &QSocketNotifier::activated, [this] { answer(); });
+        waiting_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
+        QObject::connect(waiting_.get(), &QSocketNotifier::activated, [this] { answer(); });
     }
 }
 
 void SingleInstance::close() {
-    knocks_.reset();
-    socket_.reset();
+    waiting_.reset();
+    if (socket_) {
+        unlinkat(folder_.get(), (name_ + ".socket").c_str(), 0);
+        socket_.reset();
+    }
+    lock_.release();
 }
 
 void SingleInstance::answer() {
     const FileDescriptor visitor(accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
-    if (visitor && isOwn(visitor.get())) {
+    if (visitor) {
         send(visitor.get(), "y", 1, MSG_NOSIGNAL);
-        knocked_();
+        started_();
     }
 }
 

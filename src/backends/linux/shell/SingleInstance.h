@@ -1,9 +1,12 @@
 #pragma once
 
 #include "backends/linux/FileDescriptor.h"
+#include "backends/linux/FileLock.h"
 
 #include <QSocketNotifier>
 
+#include <chrono>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -11,33 +14,47 @@
 
 namespace nocta {
 
-/// Makes Nocta one process per user and display. The first start listens on a socket that the
-/// kernel removes with the process; a later start knocks there, and has nothing else to do once it
-/// has been answered. Where the first is just ending, the later one takes its place.
+/// Makes Nocta one process per user and display server. The first start holds a lock and listens on
+/// a socket beside it, in a folder that no other user can change. A later start connects to the
+/// socket, and has nothing else to do once it has been answered. Where the first is just ending,
+/// the later one takes its place.
+///
+/// Where the folder cannot be used, every start is the first; a line on standard error says so.
 class SingleInstance {
 public:
     enum class Role { first, answered, unanswered };
 
-    /// `display` names the session's display server. Returns when the role is known.
-    explicit SingleInstance(std::string_view display);
+    /// What one that is starting or ending is given.
+    static constexpr auto maxAnswerTime = std::chrono::seconds(5);
+
+    /// `server` names the session's display server, `folder` is the user's own and is made where it
+    /// is missing. Returns when the role is known.
+    SingleInstance(std::string_view server, const std::filesystem::path& folder,
+                   std::chrono::milliseconds answerTimeout = maxAnswerTime);
 
     /// `unanswered` means that a Nocta of this user is there and does not react.
     Role role() const { return role_; }
 
-    /// Answers later starts from now on, and calls `knocked` for each.
-    void listen(std::function<void()> knocked);
+    /// Answers later starts from now on, and calls `started` for each.
+    void listen(std::function<void()> started);
 
     /// Lets a later start be the first.
     void close();
 
 private:
-    Role knock(std::string_view display);
+    bool open(const std::filesystem::path& folder);
+    Role findRole(std::chrono::milliseconds answerTimeout);
+    bool bindSocket();
+    bool connectTo(int socket) const;
     void answer();
 
-    Role role_ = Role::first;
+    FileDescriptor folder_;
+    std::string name_; ///< of the lock and the socket, without their endings
+    FileLock lock_;
     FileDescriptor socket_;
-    std::unique_ptr<QSocketNotifier> knocks_;
-    std::function<void()> knocked_;
+    Role role_ = Role::first;
+    std::unique_ptr<QSocketNotifier> waiting_;
+    std::function<void()> started_;
 };
 
 } // namespace nocta
