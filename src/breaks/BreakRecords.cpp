@@ -44,6 +44,13 @@ std::int64_t integerFrom(const nlohmann::json& json) {
 
 } // namespace
 
+Origins originsOf(const BreakStatistics& statistics) {
+    return {{"totalBreaks in breakStatistics", statistics.totalBreaks},
+            {"completedBreaks in breakStatistics", statistics.completedBreaks},
+            {"skippedBreaks in breakStatistics", statistics.skippedBreaks},
+            {"snoozedBreaks in breakStatistics", statistics.snoozedBreaks}};
+}
+
 void to_json(nlohmann::json& json, const BreakSession& session) {
     json = {
         {"id", session.id.toString()},

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Checked.h"
 #include "base/RunLoop.h"
 #include "base/Uuid.h"
 
@@ -63,6 +64,9 @@ struct BreakStatistics {
     double totalBreakTime = 0; ///< seconds, of completed breaks only
     bool operator==(const BreakStatistics&) const = default;
 };
+
+/// The counts, for the message of a fault that they lead to.
+Origins originsOf(const BreakStatistics& statistics);
 
 // JSON objects whose keys are the fields' names. Times are seconds since the first instant of 2001
 // UTC. Reading throws nlohmann::json::exception for anything that is not exactly such an object,

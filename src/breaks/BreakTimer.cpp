@@ -64,7 +64,8 @@ void BreakTimer::snooze(std::int64_t minutes) {
 }
 
 void BreakTimer::beginCounting() {
-    const auto interval = checkedProduct(settingsManager_.breakIntervalMinutes.get(), 60);
+    const auto& minutes = settingsManager_.breakIntervalMinutes;
+    const auto interval = checkedProduct(minutes.get(), 60, {minutes.origin()});
     timeUntilNextBreak.set(static_cast<double>(interval));
     state.set(Counting{timeUntilNextBreak.get()});
     countdownTimer_.start(runLoop_, tick, Repeat::yes, [this] { countdownTick(); });
@@ -111,8 +112,9 @@ void BreakTimer::record(bool BreakSession::*outcome, std::int64_t BreakStatistic
     currentSession_->endTime = runLoop_.wallNow();
     (*currentSession_).*outcome = true;
     auto totals = statistics.get();
-    totals.totalBreaks = checkedSum(totals.totalBreaks, 1);
-    totals.*counter = checkedSum(totals.*counter, 1);
+    const auto origins = originsOf(totals);
+    totals.totalBreaks = checkedSum(totals.totalBreaks, 1, origins);
+    totals.*counter = checkedSum(totals.*counter, 1, origins);
     if (currentSession_->wasCompleted) {
         totals.totalBreakTime +=
             std::chrono::duration<double>(currentSession_->endTime - currentSession_->startTime)

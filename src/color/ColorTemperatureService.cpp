@@ -1,7 +1,5 @@
 #include "color/ColorTemperatureService.h"
 
-#include "base/Checked.h"
-
 #include <algorithm>
 #include <chrono>
 #include <type_traits>
@@ -24,8 +22,8 @@ constexpr Duration animationInterval = 20ms; // 0.3 s in 15 steps
 
 } // namespace
 
-std::int64_t temperatureOfWarmth(double warmth) {
-    return checkedDifference(coolestTemperature, truncated(warmth * warmthRange));
+std::int64_t temperatureOfWarmth(double warmth, const Origins& origins) {
+    return checkedDifference(coolestTemperature, truncated(warmth * warmthRange, origins), origins);
 }
 
 ColorTemperatureService::ColorTemperatureService(SettingsManager& settingsManager,
@@ -39,7 +37,7 @@ ColorTemperatureService::ColorTemperatureService(SettingsManager& settingsManage
             animateTo(automaticTemperature(), [this] { startAutomaticMode(); });
         } else {
             updateTimer_.invalidate();
-            animateTo(temperatureOfWarmth(settingsManager_.warmthLevel.get()));
+            animateTo(temperatureOfWarmth(settingsManager_.warmthLevel.get(), origins()));
         }
     }));
     cancellables_.push_back(settingsManager_.warmthLevel.subscribe([this](double warmth) {
@@ -73,15 +71,16 @@ std::int64_t ColorTemperatureService::automaticTemperature() const {
     const auto day = settingsManager_.colorTemperatureDay.get();
     const auto night = settingsManager_.colorTemperatureNight.get();
     const auto part = [&](double progress) {
-        return truncated(static_cast<double>(checkedDifference(day, night)) * progress);
+        const auto way = checkedDifference(day, night, origins());
+        return truncated(static_cast<double>(way) * progress, origins());
     };
     return std::visit(
         [&](const auto& position) -> std::int64_t {
             using Position = std::decay_t<decltype(position)>;
             if constexpr (std::is_same_v<Position, Sunrise>) {
-                return checkedSum(night, part(position.progress));
+                return checkedSum(night, part(position.progress), origins());
             } else if constexpr (std::is_same_v<Position, Sunset>) {
-                return checkedDifference(day, part(position.progress));
+                return checkedDifference(day, part(position.progress), origins());
             } else {
                 return std::is_same_v<Position, Day> ? day : night;
             }
@@ -91,13 +90,20 @@ std::int64_t ColorTemperatureService::automaticTemperature() const {
 
 void ColorTemperatureService::animateTo(std::int64_t kelvin, std::function<void()> completion) {
     const auto start = currentTemperature.get();
-    const auto way = static_cast<double>(checkedDifference(kelvin, start));
+    const auto way = static_cast<double>(checkedDifference(kelvin, start, origins()));
     animation_.start(
         runLoop_, animationSteps, animationInterval,
         [this, start, way](int step) {
-            show(checkedSum(start, truncated(static_cast<double>(step) / animationSteps * way)));
+            const auto part = static_cast<double>(step) / animationSteps * way;
+            show(checkedSum(start, truncated(part, origins()), origins()));
         },
         std::move(completion));
+}
+
+/// What every temperature comes from.
+Origins ColorTemperatureService::origins() const {
+    return {settingsManager_.warmthLevel.origin(), settingsManager_.colorTemperatureDay.origin(),
+            settingsManager_.colorTemperatureNight.origin()};
 }
 
 void ColorTemperatureService::show(std::int64_t kelvin) {

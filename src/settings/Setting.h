@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Checked.h"
 #include "base/Published.h"
 #include "base/Uuid.h"
 #include "platform/DefaultsStore.h"
@@ -41,6 +42,9 @@ public:
         published_.set(std::move(value));
         save(store_, key_, published_.get());
     }
+
+    /// For the message of a fault that its value leads to.
+    Origin origin() const { return {.key = key_, .value = get()}; }
 
     Subscription subscribe(std::function<void(const T&)> callback) {
         return published_.subscribe(std::move(callback));

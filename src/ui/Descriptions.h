@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Checked.h"
 #include "breaks/BreakRecords.h"
 #include "platform/LocationManager.h"
 #include "settings/Profile.h"
@@ -13,10 +14,10 @@ namespace nocta {
 // What the face says of a value, in the user's language.
 
 /// A fraction as a whole percentage, truncated: 0.755 is "75%".
-QString percentage(double fraction);
+QString percentage(double fraction, const Origins& origins = {});
 
 /// The state of the break timer at a glance.
-QString breakStatusLine(const BreakState& state);
+QString breakStatusLine(const BreakState& state, const Origins& origins = {});
 
 /// A colour temperature in a word or two, by thresholds of its own.
 QString temperatureDescription(std::int64_t kelvin);

@@ -94,8 +94,10 @@ void PopoverContentView::addBreakTimer(QVBoxLayout& column) {
 
     auto* const status = new Label({}, TextStyle::secondary);
     status->setObjectName(QStringLiteral("breakStatus"));
-    follow(*status, instances_.breakTimer().state,
-           [status](const BreakState& state) { status->setText(breakStatusLine(state)); });
+    follow(*status, instances_.breakTimer().state, [this, status](const BreakState& state) {
+        status->setText(breakStatusLine(state, {settings_.breakIntervalMinutes.origin(),
+                                                settings_.breakDurationSeconds.origin()}));
+    });
     column.addWidget(status);
 }
 

@@ -21,7 +21,9 @@ QWidget* makeLevelHeading(const QString& name, const char* identifier, Setting<d
     row->addStretch();
     auto* const value = new Label({});
     value->setObjectName(QLatin1String(identifier));
-    follow(*value, setting, [value](double level) { value->setText(percentage(level)); });
+    follow(*value, setting, [value, &setting](double level) {
+        value->setText(percentage(level, {setting.origin()}));
+    });
     row->addWidget(value);
     return heading;
 }

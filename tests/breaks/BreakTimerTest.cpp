@@ -396,11 +396,15 @@ TEST_F(BreakTimerTest, WhoHearsOfABreakMayEndItAtOnce) {
 
 TEST_F(BreakTimerTest, NumbersThatDoNotFitStopTheProgram) {
     settings().breakIntervalMinutes.set(std::numeric_limits<std::int64_t>::max());
-    EXPECT_DEATH(breakTimer().start(), "nocta: stopped: a product is too large for an integer");
+    EXPECT_DEATH(breakTimer().start(), "^nocta: stopped: breakIntervalMinutes is "
+                                       "9223372036854775807: a product is too large");
     settings().breakIntervalMinutes.set(minutes);
     beActive();
     breakTimer().statistics.set({.totalBreaks = std::numeric_limits<std::int64_t>::max()});
-    EXPECT_DEATH(breakTimer().skip(), "nocta: stopped: a sum is too large for an integer");
+    EXPECT_DEATH(breakTimer().skip(), "^nocta: stopped: totalBreaks in breakStatistics is "
+                                      "9223372036854775807, .*: a sum is too large");
+    breakTimer().statistics.set({.skippedBreaks = std::numeric_limits<std::int64_t>::max()});
+    EXPECT_DEATH(breakTimer().skip(), "skippedBreaks in breakStatistics is 9223372036854775807");
 }
 
 // A machine that sleeps for eight hours: the wall clock runs on, and timers do not.

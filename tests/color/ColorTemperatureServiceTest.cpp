@@ -164,7 +164,11 @@ TEST_F(ColorTemperatureServiceTest, TemperaturesThatNoArithmeticHoldsStopTheProg
     settings().colorTemperatureDay.set(std::numeric_limits<std::int64_t>::max());
     settings().colorTemperatureNight.set(std::numeric_limits<std::int64_t>::min());
     setPosition(Sunrise{0.5});
-    EXPECT_DEATH(colorTemperature().automaticTemperature(), "too large for an integer");
+    EXPECT_DEATH(colorTemperature().automaticTemperature(),
+                 "^nocta: stopped: .*colorTemperatureDay is 9223372036854775807, "
+                 "colorTemperatureNight is -9223372036854775808: a difference is too large");
+    settings().warmthLevel.set(1e300);
+    EXPECT_DEATH(settings().autoWarmthEnabled.set(false), "warmthLevel is 1e\\+300, .*too large");
 }
 
 } // namespace

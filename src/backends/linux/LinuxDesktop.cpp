@@ -31,6 +31,7 @@
 #include "backends/linux/x11/X11GammaOutput.h"
 #include "backends/linux/x11/X11KeyEvents.h"
 #include "backends/linux/x11/X11Workspace.h"
+#include "base/Checked.h"
 #include "platform/Desktop.h"
 
 #include <QApplication>
@@ -66,6 +67,10 @@ std::filesystem::path baseDirectory(const char* variable, const char* usual) {
 
 std::filesystem::path configFolder() {
     return baseDirectory("XDG_CONFIG_HOME", ".config");
+}
+
+std::filesystem::path settingsFile() {
+    return configFolder() / "nocta" / "nocta.conf";
 }
 
 /// What Nocta remembers that is no setting.
@@ -183,6 +188,7 @@ class LinuxDesktop {
 public:
     LinuxDesktop(SingleInstance instance, const Bundle& bundle)
         : instance_(std::move(instance)), bundle_(bundle) {
+        setOriginAdvice("correct it in " + settingsFile().string());
         if (server_.connection != nullptr) {
             server_.connection->onLost = [this] {
                 std::cerr << "nocta: the X server has closed the connection" << std::endl;
@@ -198,7 +204,7 @@ private:
     ColorScheme colorScheme_;
     QtRunLoop runLoop_;
     NotificationCenter notificationCenter_;
-    IniDefaultsStore userDefaults_{configFolder() / "nocta" / "nocta.conf"};
+    IniDefaultsStore userDefaults_{settingsFile()};
     LibUuidSource uuidSource_;
     ReducedMotion reducedMotion_;
     DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_,

@@ -13,10 +13,11 @@ namespace nocta {
 void bindFraction(QSlider& slider, Setting<double>& fraction) {
     bind(
         slider, fraction,
-        [&slider](double value) {
+        [&slider, &fraction](double value) {
             QSignalBlocker const quiet(slider); // showing a value must not write it
+            const auto percent = wholePercent(value, {fraction.origin()});
             slider.setValue(static_cast<int>(
-                std::clamp<std::int64_t>(wholePercent(value), slider.minimum(), slider.maximum())));
+                std::clamp<std::int64_t>(percent, slider.minimum(), slider.maximum())));
         },
         &QSlider::valueChanged,
         [&fraction](int percent) { fraction.set(fractionOfPercent(percent)); });

@@ -205,13 +205,36 @@ TEST_P(NoctaProcessTest, SettingsFromWhichNothingFollowsHarmNothing) {
     }
 }
 
-TEST_P(NoctaProcessTest, IntervalThatNoIntegerHoldsStopsItWithALineAndTheScreenIsGivenBack) {
-    writeFile(settings, neutralSettings("breakIntervalMinutes=9223372036854775807\n"));
-    start();
-    const auto status = nocta->wait();
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT);
-    EXPECT_EQ(contentOf(output), "nocta: stopped: a product is too large for an integer\n");
-    EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }));
+TEST_P(NoctaProcessTest, ValueThatStopsItIsNamedWithItsFileAndTheScreenIsGivenBack) {
+    struct Row {
+        std::string content;
+        std::string named;
+    };
+    // Without a tray the popover opens by itself, and shows every value.
+    for (const auto& [content, named] :
+         {Row{"breakIntervalMinutes=9223372036854775807\n",
+              "breakIntervalMinutes is 9223372036854775807"},
+          Row{"breakIntervalMinutes=-9223372036854775808\n",
+              "breakIntervalMinutes is -9223372036854775808"},
+          Row{"breakIntervalMinutes=153722867280912930\n", // its seconds round up to 2^63
+              "breakIntervalMinutes is 153722867280912930"},
+          Row{"breakIntervalMinutes=0\nbreakDurationSeconds=9223372036854775807\n",
+              "breakDurationSeconds is 9223372036854775807"},
+          Row{"unifiedBrightness=1e300\n", "unifiedBrightness is 1e+300"},
+          Row{"unifiedBrightness=-99999999999999999999\n", "unifiedBrightness is -1e+20"},
+          Row{"warmthLevel=1e300\n", "warmthLevel is 1e+300"}}) {
+        writeFile(settings, neutralSettings(content));
+        start();
+        const auto status = nocta->wait();
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT) << content;
+        const auto said = contentOf(output);
+        const auto last = said.substr(said.rfind('\n', said.size() - 2) + 1);
+        EXPECT_TRUE(last.starts_with("nocta: stopped: ")) << said;
+        EXPECT_NE(last.find(named), std::string::npos) << said;
+        EXPECT_TRUE(last.ends_with("; correct it in " + settings + "\n")) << said;
+        EXPECT_TRUE(waitUntil([&] { return isGivenBack(); })) << content;
+        std::filesystem::remove(output);
+    }
 }
 
 TEST_P(NoctaProcessTest, WithoutADisplayItSaysSoAndFails) {
