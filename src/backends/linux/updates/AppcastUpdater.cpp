@@ -134,9 +134,12 @@ void AppcastUpdater::keepChecking() {
 void AppcastUpdater::removeOldFiles() const {
     std::error_code error;
     const auto now = std::filesystem::file_time_type::clock::now();
-    for (const auto& entry : std::filesystem::directory_iterator(downloads_, error)) {
-        if (now - entry.last_write_time(error) > checkInterval) {
-            std::filesystem::remove(entry, error);
+    for (std::filesystem::directory_iterator entry(downloads_, error), end; !error && entry != end;
+         entry.increment(error)) { // `++` would throw
+        std::error_code entryError;
+        const auto time = entry->last_write_time(entryError);
+        if (!entryError && now - time > checkInterval) {
+            std::filesystem::remove(*entry, entryError);
         }
     }
 }

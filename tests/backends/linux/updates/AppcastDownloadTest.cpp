@@ -200,7 +200,10 @@ TEST_F(AppcastDownloadTest, WhatIsLeftOfOldUpdatesIsRemovedAtTheStart) {
     std::filesystem::create_directories(folder.path() + "/cache");
     const auto killed = make("nocta-update.deb.abcdef", 25h);
     const auto young = make("nocta-update.deb", 23h);
+    const auto link = folder.path() + "/cache/link"; // to nothing, so it has no time
+    std::filesystem::create_symlink("missing", link);
     start();
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_FALSE(std::filesystem::exists(killed));
     EXPECT_TRUE(std::filesystem::exists(young)) << "an installer may still read it";
 }
