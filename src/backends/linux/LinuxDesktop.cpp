@@ -182,6 +182,10 @@ struct Toolkit {
         QApplication::setApplicationDisplayName(QStringLiteral("Nocta"));
         QApplication::setWindowIcon(symbolIcon(QStringLiteral("eye")));
     }
+    Toolkit(const Toolkit&) = delete;
+    Toolkit& operator=(const Toolkit&) = delete;
+    /// What was to be deleted later, once no event loop runs any more.
+    ~Toolkit() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 };
 
 class LinuxDesktop {
