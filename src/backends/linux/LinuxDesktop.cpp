@@ -152,7 +152,10 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
     if (displays->isEmulation()) {
         std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
         server.gammaOutput = std::make_unique<UnavailableGammaOutput>();
+        // Such a server learns of keys only while a window of X has the focus.
+        server.keyEvents = std::make_unique<UnavailableKeyEvents>();
     } else {
+        server.keyEvents = std::make_unique<X11KeyEvents>(*connection, runLoop);
         server.gammaOutput =
             std::make_unique<X11GammaOutput>(*connection, *displays, *server.guardian);
         auto matrices = std::make_unique<X11ColorMatrixFilter>(
@@ -164,7 +167,6 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
     server.workspace = std::make_unique<X11Workspace>(*connection, *displays, runLoop,
                                                       std::move(shouldReduceMotion));
     server.displays = std::move(displays);
-    server.keyEvents = std::make_unique<X11KeyEvents>(*connection, runLoop);
     server.connection = std::move(connection);
     return server;
 }

@@ -259,6 +259,9 @@ TEST_P(NoctaProcessTest, EmulatedRandRIsRefusedInOneLine) {
     EXPECT_TRUE(isGivenBack()) << "nothing was written";
     EXPECT_NE(contentOf(output).find("gamma is not supported in this Wayland session yet"),
               std::string::npos);
+    EXPECT_TRUE(waitUntil([&] {
+        return contentOf(output).find("Failed to create event tap\n") != std::string::npos;
+    })) << "keys come only while a window of X has the focus";
 }
 
 class NoctaOnTwoOutputsTest : public NoctaProcess {};
