@@ -23,12 +23,16 @@ namespace nocta {
 /// and another client that reads the gamma ramps.
 class NoctaProcess : public ::testing::TestWithParam<XServer::Kind> {
 protected:
-    XServer server{GetParam()};
+    XServer server;
     XClient client;
     TemporaryFolder home;
     std::string output = home.path() + "/output";
     std::string settings = home.path() + "/.config/nocta/nocta.conf";
     std::unique_ptr<Process> nocta;
+
+    /// The names are those of the server's first outputs.
+    explicit NoctaProcess(const std::vector<std::string>& outputNames = {})
+        : server(GetParam(), {}, outputNames) {}
 
     /// The screen's colour does not follow the sun, and onboarding is over.
     static std::string neutralSettings(const std::string& more = {}) {

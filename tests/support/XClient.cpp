@@ -244,14 +244,14 @@ void XClient::setRootProperty(const std::string& name, const std::vector<std::ui
     synchronize();
 }
 
-void XClient::setOutputProperty(const std::string& name,
-                                const std::vector<std::uint32_t>& numbers) {
+void XClient::setOutputProperty(const std::string& name, const std::vector<std::uint32_t>& numbers,
+                                xcb_atom_t type) {
     const auto resources = needed(xcb_randr_get_screen_resources_current_reply(
         x_, xcb_randr_get_screen_resources_current(x_, root_), nullptr));
     const auto* const outputs = xcb_randr_get_screen_resources_current_outputs(resources.get());
     for (int i = 0; i < resources->num_outputs; ++i) {
         xcb_randr_change_output_property(
-            x_, outputs[i], atom(name), XCB_ATOM_INTEGER, 32, XCB_PROP_MODE_REPLACE,
+            x_, outputs[i], atom(name), type, 32, XCB_PROP_MODE_REPLACE,
             static_cast<std::uint32_t>(numbers.size()), numbers.data());
     }
     synchronize();

@@ -57,8 +57,9 @@ public:
 
     void setRootProperty(const std::string& name, const std::vector<std::uint16_t>& numbers);
 
-    /// Writes a property of numbers to every output.
-    void setOutputProperty(const std::string& name, const std::vector<std::uint32_t>& numbers);
+    /// Writes a property of numbers, or of atoms, to every output.
+    void setOutputProperty(const std::string& name, const std::vector<std::uint32_t>& numbers,
+                           xcb_atom_t type = XCB_ATOM_INTEGER);
     std::vector<std::uint32_t> outputProperty(const std::string& name, xcb_randr_output_t output);
 
     /// The outputs in use.
@@ -98,12 +99,12 @@ public:
     void askToClose(xcb_window_t window);
     std::string nameOf(xcb_window_t window);
     bool hasProperty(xcb_window_t window, const std::string& name);
+    xcb_atom_t atom(const std::string& name);
 
 private:
     void synchronize();
     void collect(xcb_window_t parent, std::vector<TopWindow>& found);
     void pointer(std::uint8_t event, std::uint8_t detail, int x, int y);
-    xcb_atom_t atom(const std::string& name);
     void key(xcb_keysym_t symbol, std::uint8_t event);
 
     xcb_connection_t* x_;

@@ -1,14 +1,17 @@
 #include "support/XServer.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <ranges>
 #include <stdexcept>
 #include <unistd.h>
 
 namespace nocta {
 
-XServer::XServer(Kind kind, const std::vector<std::string>& options) {
+XServer::XServer(Kind kind, const std::vector<std::string>& options,
+                 const std::vector<std::string>& outputNames) {
     int ends[2] = {-1, -1};
     if (pipe2(ends, O_CLOEXEC) != 0) {
         throw std::runtime_error("cannot make a pipe");
@@ -27,8 +30,13 @@ XServer::XServer(Kind kind, const std::vector<std::string>& options) {
     }
     command.push_back(std::to_string(ends[1]));
     command.insert(command.end(), options.begin(), options.end());
-    process_ = std::make_unique<Process>(command, Process::Environment{},
-                                         folder_.path() + "/output", ends[1]);
+    Process::Environment environment;
+    for (const auto& name : outputNames) {
+        environment["LD_PRELOAD"] = programFolder() + "/libnocta_output_names.so";
+        environment["OUTPUT_NAMES"] += name + ' ';
+    }
+    std::ranges::copy(outputNames | std::views::take(outputs_.size()), outputs_.begin());
+    process_ = std::make_unique<Process>(command, environment, folder_.path() + "/output", ends[1]);
     close(ends[1]);
 
     // The server tells its number when it is ready to serve; if it dies the pipe closes.
@@ -50,12 +58,12 @@ void XServer::kill() {
 }
 
 void XServer::plugSecondOutput() const {
-    xrandr({"--addmode", "DUMMY1", "1280x720"});
-    xrandr({"--output", "DUMMY1", "--mode", "1280x720", "--right-of", "DUMMY0"});
+    xrandr({"--addmode", outputs_[1], "1280x720"});
+    xrandr({"--output", outputs_[1], "--mode", "1280x720", "--right-of", outputs_[0]});
 }
 
 void XServer::unplugSecondOutput() const {
-    xrandr({"--output", "DUMMY1", "--off"});
+    xrandr({"--output", outputs_[1], "--off"});
 }
 
 void XServer::xrandr(const std::vector<std::string>& options) const {

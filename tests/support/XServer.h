@@ -2,6 +2,7 @@
 
 #include "support/Process.h"
 
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,7 +16,9 @@ public:
     /// which the first is in use.
     enum class Kind { xvfb, xorgDummy };
 
-    explicit XServer(Kind kind, const std::vector<std::string>& options = {});
+    /// The first outputs have these names; Xorg only.
+    explicit XServer(Kind kind, const std::vector<std::string>& options = {},
+                     const std::vector<std::string>& outputNames = {});
 
     const std::string& display() const { return display_; }
 
@@ -32,6 +35,7 @@ public:
 private:
     TemporaryFolder folder_;
     std::string display_;
+    std::array<std::string, 2> outputs_ = {"DUMMY0", "DUMMY1"};
     std::unique_ptr<Process> process_;
 };
 

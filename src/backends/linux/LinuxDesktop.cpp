@@ -124,6 +124,7 @@ struct DisplayServer {
     std::unique_ptr<X11Connection> connection;
     std::unique_ptr<Guardian> guardian;
     std::unique_ptr<Displays> displays;
+    SysfsBacklight::OutputName outputName = [](DisplayId) { return std::string(); };
     std::unique_ptr<GammaOutput> gammaOutput;
     std::unique_ptr<GrayscaleFilter> grayscale;
     std::unique_ptr<KeyEvents> keyEvents;
@@ -166,6 +167,7 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
     }
     server.workspace = std::make_unique<X11Workspace>(*connection, *displays, runLoop,
                                                       std::move(shouldReduceMotion));
+    server.outputName = [names = displays.get()](DisplayId id) { return names->outputName(id); };
     server.displays = std::move(displays);
     server.connection = std::move(connection);
     return server;
@@ -215,7 +217,7 @@ private:
     ReducedMotion reducedMotion_;
     DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_,
                                                [this] { return reducedMotion_.isWished(); });
-    SysfsBacklight backlight_{*server_.displays, setBrightnessThroughLogind};
+    SysfsBacklight backlight_{*server_.displays, server_.outputName, setBrightnessThroughLogind};
     GeoClueLocationManager locationManager_{runLoop_, stateFolder() / "location-granted"};
     AutostartLoginItem loginItem_{configFolder() / "autostart" / "nocta.desktop",
                                   QCoreApplication::applicationFilePath().toStdString()};

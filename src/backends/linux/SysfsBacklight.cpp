@@ -1,14 +1,13 @@
 #include "backends/linux/SysfsBacklight.h"
 
+#include "backends/linux/BacklightDevice.h"
 #include "backends/linux/FileDescriptor.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <fcntl.h>
 #include <fstream>
 #include <iterator>
-#include <string_view>
 #include <unistd.h>
 #include <utility>
 
@@ -16,20 +15,11 @@ namespace nocta {
 
 namespace {
 
-/// From the most to the least trusted, after the kernel's own advice on class/backlight.
-constexpr std::array<std::string_view, 3> types = {"firmware", "platform", "raw"};
-
-template <class Value>
-std::optional<Value> read(const std::filesystem::path& file) {
-    std::ifstream input(file);
-    Value value{};
-    return input >> value ? std::optional(value) : std::nullopt;
-}
-
 /// A raw level, which the kernel keeps as an int; none where the file holds anything else.
 std::optional<int> readLevel(const std::filesystem::path& file) {
-    const auto level = read<int>(file);
-    return level && *level >= 0 ? level : std::nullopt;
+    std::ifstream input(file);
+    int level = 0;
+    return input >> level && level >= 0 ? std::optional(level) : std::nullopt;
 }
 
 std::optional<int> readLargestLevel(const std::filesystem::path& device) {
@@ -45,12 +35,13 @@ bool writeLevel(const std::filesystem::path& file, int level) {
 
 } // namespace
 
-SysfsBacklight::SysfsBacklight(Displays& displays, SessionWriter sessionWriter,
-                               std::filesystem::path sysfs)
-    : displays_(displays), sessionWriter_(std::move(sessionWriter)), sysfs_(std::move(sysfs)) {}
+SysfsBacklight::SysfsBacklight(Displays& displays, OutputName outputName,
+                               SessionWriter sessionWriter, std::filesystem::path sysfs)
+    : displays_(displays), outputName_(std::move(outputName)),
+      sessionWriter_(std::move(sessionWriter)), sysfs_(std::move(sysfs)) {}
 
 Status SysfsBacklight::getBrightness(DisplayId display, float& level) {
-    const auto found = displays_.displayIsBuiltin(display) ? device() : std::nullopt;
+    const auto found = device(display);
     const auto largest = found ? readLargestLevel(*found) : std::nullopt;
     const auto current = largest ? readLevel(*found / "brightness") : std::nullopt;
     if (!current) {
@@ -61,7 +52,7 @@ Status SysfsBacklight::getBrightness(DisplayId display, float& level) {
 }
 
 Status SysfsBacklight::setBrightness(DisplayId display, float level) {
-    const auto found = displays_.displayIsBuiltin(display) ? device() : std::nullopt;
+    const auto found = device(display);
     const auto largest = found ? readLargestLevel(*found) : std::nullopt;
     if (!largest || !(level >= 0 && level <= 1)) {
         return statusFailure;
@@ -74,20 +65,9 @@ Status SysfsBacklight::setBrightness(DisplayId display, float level) {
     return isDone ? statusSuccess : statusFailure;
 }
 
-std::optional<std::filesystem::path> SysfsBacklight::device() const {
-    std::optional<std::filesystem::path> best;
-    const auto* bestType = types.end();
-    std::error_code error;
-    for (auto entry = std::filesystem::directory_iterator(sysfs_ / "class/backlight", error);
-         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const auto type = read<std::string>(entry->path() / "type");
-        const auto* const rank = std::ranges::find(types, type.value_or(""));
-        if (rank < bestType || (rank == bestType && best && entry->path() < *best)) {
-            bestType = rank;
-            best = entry->path();
-        }
-    }
-    return best;
+std::optional<std::filesystem::path> SysfsBacklight::device(DisplayId display) const {
+    return displays_.displayIsBuiltin(display) ? backlightDevice(sysfs_, outputName_(display))
+                                               : std::nullopt;
 }
 
 } // namespace nocta

@@ -10,15 +10,17 @@
 
 namespace nocta {
 
-/// The backlight of the built-in display as the kernel shows it in `<sysfs>/class/backlight`: the
-/// device of the best type, firmware before platform before raw. Its file is written where that is
-/// allowed; otherwise the session's seat manager is asked to, without waiting for its answer.
+/// The backlights of built-in displays as the kernel shows them in `<sysfs>/class/backlight`; see
+/// `backlightDevice`. A device's file is written where that is allowed; otherwise the session's
+/// seat manager is asked to, without waiting for its answer.
 class SysfsBacklight final : public Backlight {
 public:
+    /// The name that the display server gives to a display's output, or nothing.
+    using OutputName = std::function<std::string(DisplayId)>;
     /// Asks for a raw level of the backlight device of that name; false where nobody can be asked.
     using SessionWriter = std::function<bool(const std::string& device, std::uint32_t level)>;
 
-    SysfsBacklight(Displays& displays, SessionWriter sessionWriter,
+    SysfsBacklight(Displays& displays, OutputName outputName, SessionWriter sessionWriter,
                    std::filesystem::path sysfs = "/sys");
 
     Status getBrightness(DisplayId display, float& level) override;
@@ -26,9 +28,10 @@ public:
 
 private:
     /// Looked up each time, as drivers come and go.
-    std::optional<std::filesystem::path> device() const;
+    std::optional<std::filesystem::path> device(DisplayId display) const;
 
     Displays& displays_;
+    OutputName outputName_;
     SessionWriter sessionWriter_;
     std::filesystem::path sysfs_;
 };

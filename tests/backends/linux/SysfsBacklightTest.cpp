@@ -21,7 +21,7 @@ struct SysfsHarness : Displays {
     TemporaryFolder sysfs;
     std::vector<std::pair<std::string, std::uint32_t>> askedOfSession;
     bool sessionAnswers = false;
-    SysfsBacklight port{*this,
+    SysfsBacklight port{*this, [](DisplayId) { return std::string(); },
                         [this](const std::string& device, std::uint32_t level) {
                             askedOfSession.emplace_back(device, level);
                             return sessionAnswers;
@@ -61,19 +61,6 @@ struct SysfsHarness : Displays {
 INSTANTIATE_TYPED_TEST_SUITE_P(Sysfs, BacklightContract, SysfsHarness);
 
 namespace {
-
-TEST(SysfsBacklight, FirmwareComesBeforePlatformBeforeRaw) {
-    SysfsHarness harness;
-    EXPECT_EQ(harness.read(), 1.0F);
-    harness.add("a-platform", "platform", "100", "50");
-    EXPECT_EQ(harness.read(), 0.5F);
-    harness.add("z-firmware", "firmware", "15", "3");
-    EXPECT_EQ(harness.read(), 0.2F);
-    harness.add("unknown", "telepathic", "10", "10");
-    EXPECT_EQ(harness.read(), 0.2F);
-    std::filesystem::remove_all(harness.folder("z-firmware"));
-    EXPECT_EQ(harness.read(), 0.5F);
-}
 
 TEST(SysfsBacklight, WritesTheFileWhereItMay) {
     SysfsHarness harness;

@@ -1,26 +1,18 @@
 #include "backends/linux/x11/X11Displays.h"
 
+#include "backends/linux/ConnectorName.h"
+
 #include <algorithm>
-#include <array>
+#include <cstring>
 #include <iostream>
-#include <string_view>
 #include <utility>
 
 namespace nocta {
 
 namespace {
 
-constexpr std::array<std::string_view, 3> builtInConnectors = {"eDP", "LVDS", "DSI"};
-
-/// RandR names an output after its connector: "eDP-1", "LVDS1", "DSI-2".
-bool isBuiltInConnector(std::string_view outputName) {
-    return std::ranges::any_of(builtInConnectors, [&](std::string_view connector) {
-        return outputName.starts_with(connector);
-    });
-}
-
 template <class Reply>
-std::string_view nameOf(const Reply& output) {
+std::string nameOf(const Reply& output) {
     return {reinterpret_cast<const char*>(xcb_randr_get_output_info_name(&output)),
             output.name_len};
 }
@@ -105,6 +97,11 @@ std::vector<DisplayId> X11Displays::ids() const {
     return ids;
 }
 
+std::string X11Displays::outputName(DisplayId display) const {
+    const auto* const output = find(display);
+    return output == nullptr ? std::string() : output->name;
+}
+
 xcb_randr_crtc_t X11Displays::crtcOf(DisplayId display) const {
     const auto* const output = find(display);
     return output == nullptr ? XCB_NONE : output->crtc;
@@ -156,10 +153,12 @@ std::vector<X11Displays::Output> X11Displays::readOutputs() const {
         if (!info || info->crtc == XCB_NONE) {
             continue; // gone meanwhile, or showing nothing
         }
+        const auto name = nameOf(*info);
         outputs.push_back({.id = ids[i],
                            .crtc = info->crtc,
+                           .name = name,
                            .isPrimary = primary && primary->output == ids[i],
-                           .isBuiltIn = isBuiltInConnector(nameOf(*info)),
+                           .isBuiltIn = ConnectorName(name).isBuiltIn() || isPanel(ids[i]),
                            .bounds = {},
                            .mode = {}});
         crtcRequests.push_back(xcb_randr_get_crtc_info(x, info->crtc, resources->config_timestamp));
@@ -175,6 +174,24 @@ std::vector<X11Displays::Output> X11Displays::readOutputs() const {
         }
     }
     return outputs;
+}
+
+/// Some drivers name a laptop's panel like any other output, and tell by a property what it is.
+bool X11Displays::isPanel(xcb_randr_output_t output) const {
+    auto* const x = connection_.get();
+    const auto property = connection_.existingAtom("ConnectorType");
+    const auto panel = connection_.existingAtom("Panel");
+    if (property == XCB_ATOM_NONE || panel == XCB_ATOM_NONE) {
+        return false;
+    }
+    const XcbReply<xcb_randr_get_output_property_reply_t> type(xcb_randr_get_output_property_reply(
+        x, xcb_randr_get_output_property(x, output, property, XCB_ATOM_ATOM, 0, 1, 0, 0), nullptr));
+    if (!type || type->type != XCB_ATOM_ATOM || type->format != 32 || type->num_items != 1) {
+        return false;
+    }
+    xcb_atom_t value = XCB_ATOM_NONE;
+    std::memcpy(&value, xcb_randr_get_output_property_data(type.get()), sizeof value);
+    return value == panel;
 }
 
 void X11Displays::refresh() {

@@ -9,13 +9,15 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace nocta {
 
 /// The outputs of an X server that have a CRTC, by RandR. A display's id is its output's XID, the
-/// primary output is the main display, and a connector of type eDP, LVDS or DSI is built in. The
-/// list is read anew when the server says that it has changed, never by polling.
+/// primary output is the main display, and a connector of type eDP, LVDS or DSI is built in, as is
+/// one that the server calls a panel. The list is read anew when the server says that it has
+/// changed, never by polling.
 class X11Displays final : public Displays {
 public:
     X11Displays(X11Connection& connection, RunLoop& runLoop,
@@ -30,6 +32,9 @@ public:
     /// All of the list, for the other parts of this backend.
     std::vector<DisplayId> ids() const;
 
+    /// The name of a display's output, which RandR gives after the connector: "eDP-1", "HDMI-2".
+    std::string outputName(DisplayId display) const;
+
     /// The CRTC that drives a display, or none.
     xcb_randr_crtc_t crtcOf(DisplayId display) const;
 
@@ -41,6 +46,7 @@ private:
     struct Output {
         DisplayId id = 0;
         xcb_randr_crtc_t crtc = XCB_NONE;
+        std::string name;
         bool isPrimary = false;
         bool isBuiltIn = false;
         Rect bounds;
@@ -49,6 +55,7 @@ private:
     };
 
     std::vector<Output> readOutputs() const;
+    bool isPanel(xcb_randr_output_t output) const;
     void refresh();
     const Output* find(DisplayId display) const;
 

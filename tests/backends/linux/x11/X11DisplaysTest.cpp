@@ -1,6 +1,8 @@
 #include "backends/linux/x11/X11Session.h"
 #include "contracts/DisplaysContract.h"
 
+#include <utility>
+
 namespace nocta {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(X11, DisplaysContract, X11Harness);
@@ -66,6 +68,36 @@ TEST(X11Displays, EmulationIsKnownByItsOutputProperty) {
     EXPECT_FALSE(session.displays.isEmulation());
     session.client.setOutputProperty("RANDR Emulation", {1});
     EXPECT_TRUE(session.displays.isEmulation());
+}
+
+TEST(X11Displays, BuiltInIsToldByTheNameOfTheOutput) {
+    for (const auto& [name, isBuiltIn] : {std::pair{"eDP-1", true},
+                                          {"LVDS1", true},
+                                          {"DSI-2", true},
+                                          {"DP-1", false},
+                                          {"HDMI-A-0", false},
+                                          {"DVI-D-0", false}}) {
+        X11Session session(XServer::Kind::xorgDummy, {}, {name});
+        const auto display = session.list().at(0);
+        EXPECT_EQ(session.displays.outputName(display), name);
+        EXPECT_EQ(session.displays.displayIsBuiltin(display), isBuiltIn) << name;
+    }
+}
+
+TEST(X11Displays, PanelUnderAnotherNameIsBuiltIn) {
+    const XServer server(XServer::Kind::xorgDummy, {}, {"DP-2"});
+    XClient client;
+    const auto isBuiltIn = [&](const std::vector<std::uint32_t>& connectorType) {
+        client.setOutputProperty("ConnectorType", connectorType, XCB_ATOM_ATOM);
+        QtRunLoop runLoop;
+        NotificationCenter notificationCenter;
+        X11Connection connection(runLoop);
+        X11Displays displays(connection, runLoop, notificationCenter);
+        return displays.displayIsBuiltin(displays.ids().at(0));
+    };
+    EXPECT_TRUE(isBuiltIn({client.atom("Panel")}));
+    EXPECT_FALSE(isBuiltIn({client.atom("HDMI")}));
+    EXPECT_FALSE(isBuiltIn({}));
 }
 
 } // namespace

@@ -22,8 +22,9 @@ namespace nocta {
 
 /// The X11 ports on a server of their own, and another client that looks at it.
 struct X11Session {
-    explicit X11Session(XServer::Kind kind, const std::vector<std::string>& options = {})
-        : server(kind, options) {}
+    explicit X11Session(XServer::Kind kind, const std::vector<std::string>& options = {},
+                        const std::vector<std::string>& outputNames = {})
+        : server(kind, options, outputNames) {}
 
     XServer server;
     XClient client;

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace nocta {
+
+/// The name of a display's connector, such as "eDP-1". The kernel and the drivers of display
+/// servers agree on the type, and write and count the number each in their own way: "eDP-1" is
+/// "eDP1", "eDP-1-1" or "eDP" elsewhere.
+class ConnectorName {
+public:
+    explicit ConnectorName(std::string_view name)
+        : type_(typeOf(name)), number_(name.substr(name.find_last_not_of("0123456789") + 1)) {}
+
+    /// Empty where it is not the type of a built-in display.
+    std::string_view type() const { return type_; }
+    /// The last number of the name, or nothing.
+    std::string_view number() const { return number_; }
+    bool isBuiltIn() const { return !type_.empty(); }
+
+private:
+    static std::string_view typeOf(std::string_view name) {
+        constexpr std::array<std::string_view, 3> types = {"eDP", "LVDS", "DSI"};
+        const auto* const type = std::ranges::find_if(
+            types, [&](std::string_view start) { return name.starts_with(start); });
+        return type == types.end() ? std::string_view() : *type;
+    }
+
+    std::string_view type_;
+    std::string_view number_;
+};
+
+} // namespace nocta

@@ -1,0 +1,43 @@
+// Is loaded into Xorg with the dummy driver, before the C library. The driver prints the names of
+// its outputs into a buffer; here the first of them get the names in OUTPUT_NAMES instead, each of
+// which ends with a blank.
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+/// The name of the output of that number, or nothing.
+const char* nameOf(unsigned int output) {
+    const auto* name = std::getenv("OUTPUT_NAMES");
+    for (; name != nullptr && *name != '\0'; --output) {
+        if (output == 0) {
+            return name;
+        }
+        name = std::strchr(name, ' ') + 1;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+// What a call of `snprintf` becomes where the driver was built with checks of buffers.
+extern "C" int __snprintf_chk(char* buffer, std::size_t size, int /*flag*/, std::size_t /*room*/,
+                              const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    auto length = 0;
+    if (std::strcmp(format, "DUMMY%u") == 0) {
+        const auto output = va_arg(arguments, unsigned int);
+        const auto* const name = nameOf(output);
+        length = name == nullptr ? std::snprintf(buffer, size, "DUMMY%u", output)
+                                 : std::snprintf(buffer, size, "%.*s",
+                                                 static_cast<int>(std::strcspn(name, " ")), name);
+    } else {
+        length = std::vsnprintf(buffer, size, format, arguments);
+    }
+    va_end(arguments);
+    return length;
+}
