@@ -10,6 +10,7 @@ namespace nocta {
 
 namespace {
 
+const FaultContext* innermostContext = nullptr;
 std::string originAdvice;
 
 std::string textOf(const Origin& origin) {
@@ -22,53 +23,30 @@ std::string textOf(const Origin& origin) {
 
 } // namespace
 
-void stopProgram(std::string_view reason, const Origins& origins) {
-    std::string message;
-    for (const auto& origin : origins) {
-        message += (message.empty() ? "" : ", ") + textOf(origin);
-    }
-    message += (message.empty() ? "" : ": ") + std::string(reason);
-    if (!origins.empty() && !originAdvice.empty()) {
-        message += "; " + originAdvice;
-    }
-    std::fprintf(stderr, "nocta: stopped: %s\n", message.c_str());
-    std::abort();
+FaultContext::FaultContext(std::vector<Origin> origins)
+    : origins_(std::move(origins)), outer_(std::exchange(innermostContext, this)) {}
+
+FaultContext::~FaultContext() {
+    innermostContext = outer_;
 }
 
 void setOriginAdvice(std::string advice) {
     originAdvice = std::move(advice);
 }
 
-std::int64_t truncated(double value, const Origins& origins) {
-    constexpr double limit = 9223372036854775808.0; // 2^63
-    if (!(value >= -limit && value < limit)) {
-        stopProgram("a number is too large for an integer", origins);
+void stopProgram(std::string_view reason) {
+    std::string origins;
+    if (innermostContext != nullptr) {
+        for (const auto& origin : innermostContext->origins()) {
+            origins += (origins.empty() ? "" : ", ") + textOf(origin);
+        }
     }
-    return static_cast<std::int64_t>(value);
-}
-
-std::int64_t checkedSum(std::int64_t a, std::int64_t b, const Origins& origins) {
-    std::int64_t sum = 0;
-    if (__builtin_add_overflow(a, b, &sum)) {
-        stopProgram("a sum is too large for an integer", origins);
+    auto message = origins.empty() ? std::string(reason) : origins + ": " + std::string(reason);
+    if (!origins.empty() && !originAdvice.empty()) {
+        message += "; " + originAdvice;
     }
-    return sum;
-}
-
-std::int64_t checkedDifference(std::int64_t a, std::int64_t b, const Origins& origins) {
-    std::int64_t difference = 0;
-    if (__builtin_sub_overflow(a, b, &difference)) {
-        stopProgram("a difference is too large for an integer", origins);
-    }
-    return difference;
-}
-
-std::int64_t checkedProduct(std::int64_t a, std::int64_t b, const Origins& origins) {
-    std::int64_t product = 0;
-    if (__builtin_mul_overflow(a, b, &product)) {
-        stopProgram("a product is too large for an integer", origins);
-    }
-    return product;
+    std::fprintf(stderr, "nocta: stopped: %s\n", message.c_str());
+    std::abort();
 }
 
 } // namespace nocta

@@ -8,26 +8,69 @@
 
 namespace nocta {
 
-/// A stored value that a calculation starts from. A fault names it, so that a person can correct
-/// it.
+/// A stored value that a calculation starts from.
 struct Origin {
     std::string_view key;
     std::variant<std::int64_t, double> value;
 };
-using Origins = std::vector<Origin>;
 
-/// Stops the program with a message: for arithmetic that would overflow and conversions out of
-/// range, which are programming errors and have no value to go on with.
-[[noreturn]] void stopProgram(std::string_view reason, const Origins& origins = {});
+/// While it lives, a fault names these values, so that a person can correct the one that causes it.
+/// Of several contexts the innermost counts.
+///
+///     const FaultContext context({settings.breakIntervalMinutes.origin()});
+///     const auto interval = checkedProduct(settings.breakIntervalMinutes.get(), 60);
+class FaultContext {
+public:
+    explicit FaultContext(std::vector<Origin> origins);
+    FaultContext(const FaultContext&) = delete;
+    FaultContext& operator=(const FaultContext&) = delete;
+    ~FaultContext();
+
+    const std::vector<Origin>& origins() const { return origins_; }
+
+private:
+    std::vector<Origin> origins_;
+    const FaultContext* outer_;
+};
 
 /// Ends the message of each fault that names an origin: where the stored values can be corrected.
 void setOriginAdvice(std::string advice);
 
-/// The integer part, towards zero; stops the program for what a 64-bit integer cannot hold.
-std::int64_t truncated(double value, const Origins& origins = {});
+/// Stops the program with a message: for arithmetic that would overflow and conversions out of
+/// range, which are programming errors and have no value to go on with.
+[[noreturn]] void stopProgram(std::string_view reason);
 
-std::int64_t checkedSum(std::int64_t a, std::int64_t b, const Origins& origins = {});
-std::int64_t checkedDifference(std::int64_t a, std::int64_t b, const Origins& origins = {});
-std::int64_t checkedProduct(std::int64_t a, std::int64_t b, const Origins& origins = {});
+/// The integer part, towards zero; stops the program for what a 64-bit integer cannot hold.
+inline std::int64_t truncated(double value) {
+    constexpr double limit = 9223372036854775808.0; // 2^63
+    if (!(value >= -limit && value < limit)) {
+        stopProgram("a number is too large for an integer");
+    }
+    return static_cast<std::int64_t>(value);
+}
+
+inline std::int64_t checkedSum(std::int64_t a, std::int64_t b) {
+    std::int64_t sum = 0;
+    if (__builtin_add_overflow(a, b, &sum)) {
+        stopProgram("a sum is too large for an integer");
+    }
+    return sum;
+}
+
+inline std::int64_t checkedDifference(std::int64_t a, std::int64_t b) {
+    std::int64_t difference = 0;
+    if (__builtin_sub_overflow(a, b, &difference)) {
+        stopProgram("a difference is too large for an integer");
+    }
+    return difference;
+}
+
+inline std::int64_t checkedProduct(std::int64_t a, std::int64_t b) {
+    std::int64_t product = 0;
+    if (__builtin_mul_overflow(a, b, &product)) {
+        stopProgram("a product is too large for an integer");
+    }
+    return product;
+}
 
 } // namespace nocta

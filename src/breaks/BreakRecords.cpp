@@ -44,7 +44,7 @@ std::int64_t integerFrom(const nlohmann::json& json) {
 
 } // namespace
 
-Origins originsOf(const BreakStatistics& statistics) {
+std::vector<Origin> originsOf(const BreakStatistics& statistics) {
     return {{"totalBreaks in breakStatistics", statistics.totalBreaks},
             {"completedBreaks in breakStatistics", statistics.completedBreaks},
             {"skippedBreaks in breakStatistics", statistics.skippedBreaks},

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <variant>
+#include <vector>
 
 namespace nocta {
 
@@ -66,7 +67,7 @@ struct BreakStatistics {
 };
 
 /// The counts, for the message of a fault that they lead to.
-Origins originsOf(const BreakStatistics& statistics);
+std::vector<Origin> originsOf(const BreakStatistics& statistics);
 
 // JSON objects whose keys are the fields' names. Times are seconds since the first instant of 2001
 // UTC. Reading throws nlohmann::json::exception for anything that is not exactly such an object,

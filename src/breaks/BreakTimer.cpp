@@ -65,7 +65,8 @@ void BreakTimer::snooze(std::int64_t minutes) {
 
 void BreakTimer::beginCounting() {
     const auto& minutes = settingsManager_.breakIntervalMinutes;
-    const auto interval = checkedProduct(minutes.get(), 60, {minutes.origin()});
+    const FaultContext context({minutes.origin()});
+    const auto interval = checkedProduct(minutes.get(), 60);
     timeUntilNextBreak.set(static_cast<double>(interval));
     state.set(Counting{timeUntilNextBreak.get()});
     countdownTimer_.start(runLoop_, tick, Repeat::yes, [this] { countdownTick(); });
@@ -112,9 +113,9 @@ void BreakTimer::record(bool BreakSession::*outcome, std::int64_t BreakStatistic
     currentSession_->endTime = runLoop_.wallNow();
     (*currentSession_).*outcome = true;
     auto totals = statistics.get();
-    const auto origins = originsOf(totals);
-    totals.totalBreaks = checkedSum(totals.totalBreaks, 1, origins);
-    totals.*counter = checkedSum(totals.*counter, 1, origins);
+    const FaultContext context(originsOf(totals));
+    totals.totalBreaks = checkedSum(totals.totalBreaks, 1);
+    totals.*counter = checkedSum(totals.*counter, 1);
     if (currentSession_->wasCompleted) {
         totals.totalBreakTime +=
             std::chrono::duration<double>(currentSession_->endTime - currentSession_->startTime)

@@ -22,8 +22,8 @@ constexpr Duration animationInterval = 20ms; // 0.3 s in 15 steps
 
 } // namespace
 
-std::int64_t temperatureOfWarmth(double warmth, const Origins& origins) {
-    return checkedDifference(coolestTemperature, truncated(warmth * warmthRange, origins), origins);
+std::int64_t temperatureOfWarmth(double warmth) {
+    return checkedDifference(coolestTemperature, truncated(warmth * warmthRange));
 }
 
 ColorTemperatureService::ColorTemperatureService(SettingsManager& settingsManager,
@@ -33,11 +33,12 @@ ColorTemperatureService::ColorTemperatureService(SettingsManager& settingsManage
       settingsManager_(settingsManager), gammaController_(gammaController),
       scheduleService_(scheduleService), runLoop_(runLoop) {
     cancellables_.push_back(settingsManager_.autoWarmthEnabled.subscribe([this](bool enabled) {
+        const auto context = faultContext();
         if (enabled) {
             animateTo(automaticTemperature(), [this] { startAutomaticMode(); });
         } else {
             updateTimer_.invalidate();
-            animateTo(temperatureOfWarmth(settingsManager_.warmthLevel.get(), origins()));
+            animateTo(temperatureOfWarmth(settingsManager_.warmthLevel.get()));
         }
     }));
     cancellables_.push_back(settingsManager_.warmthLevel.subscribe([this](double warmth) {
@@ -68,19 +69,19 @@ void ColorTemperatureService::startAutomaticMode() {
 }
 
 std::int64_t ColorTemperatureService::automaticTemperature() const {
+    const auto context = faultContext();
     const auto day = settingsManager_.colorTemperatureDay.get();
     const auto night = settingsManager_.colorTemperatureNight.get();
     const auto part = [&](double progress) {
-        const auto way = checkedDifference(day, night, origins());
-        return truncated(static_cast<double>(way) * progress, origins());
+        return truncated(static_cast<double>(checkedDifference(day, night)) * progress);
     };
     return std::visit(
         [&](const auto& position) -> std::int64_t {
             using Position = std::decay_t<decltype(position)>;
             if constexpr (std::is_same_v<Position, Sunrise>) {
-                return checkedSum(night, part(position.progress), origins());
+                return checkedSum(night, part(position.progress));
             } else if constexpr (std::is_same_v<Position, Sunset>) {
-                return checkedDifference(day, part(position.progress), origins());
+                return checkedDifference(day, part(position.progress));
             } else {
                 return std::is_same_v<Position, Day> ? day : night;
             }
@@ -89,21 +90,23 @@ std::int64_t ColorTemperatureService::automaticTemperature() const {
 }
 
 void ColorTemperatureService::animateTo(std::int64_t kelvin, std::function<void()> completion) {
+    const auto context = faultContext();
     const auto start = currentTemperature.get();
-    const auto way = static_cast<double>(checkedDifference(kelvin, start, origins()));
+    const auto way = static_cast<double>(checkedDifference(kelvin, start));
     animation_.start(
         runLoop_, animationSteps, animationInterval,
         [this, start, way](int step) {
-            const auto part = static_cast<double>(step) / animationSteps * way;
-            show(checkedSum(start, truncated(part, origins()), origins()));
+            const auto contextOfStep = faultContext();
+            show(checkedSum(start, truncated(static_cast<double>(step) / animationSteps * way)));
         },
         std::move(completion));
 }
 
 /// What every temperature comes from.
-Origins ColorTemperatureService::origins() const {
-    return {settingsManager_.warmthLevel.origin(), settingsManager_.colorTemperatureDay.origin(),
-            settingsManager_.colorTemperatureNight.origin()};
+FaultContext ColorTemperatureService::faultContext() const {
+    return FaultContext({settingsManager_.warmthLevel.origin(),
+                         settingsManager_.colorTemperatureDay.origin(),
+                         settingsManager_.colorTemperatureNight.origin()});
 }
 
 void ColorTemperatureService::show(std::int64_t kelvin) {

@@ -15,7 +15,7 @@
 namespace nocta {
 
 /// The temperature of a manual warmth of 0.0 to 1.0: 6500 K less 3800 K times it.
-std::int64_t temperatureOfWarmth(double warmth, const Origins& origins = {});
+std::int64_t temperatureOfWarmth(double warmth);
 
 /// Decides the colour temperature that the displays show: by the warmth slider in manual mode, by
 /// the daylight schedule in automatic mode. Switching between the modes glides over 0.3 seconds;
@@ -47,7 +47,7 @@ public:
     void animateTo(std::int64_t kelvin, std::function<void()> completion = {});
 
 private:
-    Origins origins() const;
+    FaultContext faultContext() const;
     void show(std::int64_t kelvin);
 
     SettingsManager& settingsManager_;

@@ -1,5 +1,6 @@
 #include "ui/BreakOverlayView.h"
 
+#include "base/Checked.h"
 #include "ui/BreakButtonStyle.h"
 #include "ui/Text.h"
 #include "ui/controls/SymbolView.h"
@@ -65,9 +66,9 @@ QLabel* makeLabel(const QString& text, qreal scale, QFont::Weight weight, qreal 
 
 } // namespace
 
-std::int64_t secondsLeft(const BreakState& state, const Origins& origins) {
+std::int64_t secondsLeft(const BreakState& state) {
     const auto* const active = std::get_if<Active>(&state);
-    return active == nullptr ? 0 : truncated(active->timeRemaining, origins);
+    return active == nullptr ? 0 : truncated(active->timeRemaining);
 }
 
 double breakProgress(double remaining, double duration) {
@@ -123,8 +124,7 @@ BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& sett
                                    Workspace& workspace, RunLoop& runLoop,
                                    std::function<void()> onSkip, std::function<void()> onSnooze)
     : settings_(settings), workspace_(workspace), runLoop_(runLoop),
-      ring_(new BreakProgressRing(
-          secondsLeft(breakTimer.state.get(), {settings.breakDurationSeconds.origin()}))) {
+      ring_(new BreakProgressRing(secondsLeft(breakTimer.state.get()))) {
     setAccessibleName(Text::tr("Time for a break"));
     auto* const skip = new BreakButton(Text::tr("Skip"), {.isPrimary = false});
     skip->setObjectName(QStringLiteral("skipBreakButton"));
@@ -175,7 +175,8 @@ void BreakOverlayView::showEvent(QShowEvent* event) {
 }
 
 void BreakOverlayView::follow(const BreakState& state) {
-    ring_->setSeconds(secondsLeft(state, {settings_.breakDurationSeconds.origin()}));
+    const FaultContext context({settings_.breakDurationSeconds.origin()});
+    ring_->setSeconds(secondsLeft(state));
     if (const auto* const active = std::get_if<Active>(&state)) {
         moveTo(breakProgress(active->timeRemaining,
                              static_cast<double>(settings_.breakDurationSeconds.get())));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/Checked.h"
 #include "base/RunLoop.h"
 #include "base/SteppedAnimation.h"
 #include "base/Subscription.h"
@@ -16,7 +15,7 @@
 namespace nocta {
 
 /// The whole seconds of break that are left; 0 outside of a break.
-std::int64_t secondsLeft(const BreakState& state, const Origins& origins = {});
+std::int64_t secondsLeft(const BreakState& state);
 
 /// How much of a break of `duration` seconds is over with `remaining` seconds left, in 0.0–1.0. A
 /// break without a duration is over from the start.

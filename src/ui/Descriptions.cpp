@@ -1,5 +1,6 @@
 #include "ui/Descriptions.h"
 
+#include "base/Checked.h"
 #include "ui/Percent.h"
 #include "ui/Text.h"
 
@@ -44,26 +45,26 @@ QString firstBelow(const Table& table, double value, const char* otherwise) {
     return Text::tr(otherwise);
 }
 
-QString timeLeft(double time, const Origins& origins) {
-    const auto seconds = truncated(time, origins);
+QString timeLeft(double time) {
+    const auto seconds = truncated(time);
     return seconds < secondsOfMinute ? Text::tr("%1s left").arg(seconds)
                                      : Text::tr("%1m left").arg(seconds / secondsOfMinute);
 }
 
 } // namespace
 
-QString percentage(double fraction, const Origins& origins) {
-    return Text::tr("%1%").arg(wholePercent(fraction, origins));
+QString percentage(double fraction) {
+    return Text::tr("%1%").arg(wholePercent(fraction));
 }
 
-QString breakStatusLine(const BreakState& state, const Origins& origins) {
+QString breakStatusLine(const BreakState& state) {
     return std::visit(
-        [&](const auto& value) {
+        [](const auto& value) {
             using State = std::decay_t<decltype(value)>;
             if constexpr (std::is_same_v<State, Counting>) {
-                return timeLeft(value.timeUntilBreak, origins);
+                return timeLeft(value.timeUntilBreak);
             } else if constexpr (std::is_same_v<State, Active>) {
-                return Text::tr("Break: %1s").arg(truncated(value.timeRemaining, origins));
+                return Text::tr("Break: %1s").arg(truncated(value.timeRemaining));
             } else if constexpr (std::is_same_v<State, Paused>) {
                 return value.reason == PauseReason::meeting ? Text::tr("In meeting")
                                                             : Text::tr("Paused");
@@ -85,11 +86,11 @@ QString warmthWord(double warmth) {
 }
 
 QString completionRate(const BreakStatistics& statistics) {
+    const FaultContext context(originsOf(statistics));
     return percentage(statistics.totalBreaks == 0
                           ? 0
                           : static_cast<double>(statistics.completedBreaks) /
-                                static_cast<double>(statistics.totalBreaks),
-                      originsOf(statistics));
+                                static_cast<double>(statistics.totalBreaks));
 }
 
 QString sunTimesLine(bool locationEnabled) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/Checked.h"
 #include "breaks/BreakRecords.h"
 #include "platform/LocationManager.h"
 #include "settings/Profile.h"
@@ -14,10 +13,10 @@ namespace nocta {
 // What the face says of a value, in the user's language.
 
 /// A fraction as a whole percentage, truncated: 0.755 is "75%".
-QString percentage(double fraction, const Origins& origins = {});
+QString percentage(double fraction);
 
 /// The state of the break timer at a glance.
-QString breakStatusLine(const BreakState& state, const Origins& origins = {});
+QString breakStatusLine(const BreakState& state);
 
 /// A colour temperature in a word or two, by thresholds of its own.
 QString temperatureDescription(std::int64_t kelvin);

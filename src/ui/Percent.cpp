@@ -1,12 +1,14 @@
 #include "ui/Percent.h"
 
+#include "base/Checked.h"
+
 #include <cmath>
 #include <limits>
 
 namespace nocta {
 
-std::int64_t wholePercent(double fraction, const Origins& origins) {
-    return truncated(fraction * 100, origins);
+std::int64_t wholePercent(double fraction) {
+    return truncated(fraction * 100);
 }
 
 double fractionOfPercent(int percent) {

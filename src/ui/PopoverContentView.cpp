@@ -95,8 +95,9 @@ void PopoverContentView::addBreakTimer(QVBoxLayout& column) {
     auto* const status = new Label({}, TextStyle::secondary);
     status->setObjectName(QStringLiteral("breakStatus"));
     follow(*status, instances_.breakTimer().state, [this, status](const BreakState& state) {
-        status->setText(breakStatusLine(state, {settings_.breakIntervalMinutes.origin(),
-                                                settings_.breakDurationSeconds.origin()}));
+        const FaultContext context(
+            {settings_.breakIntervalMinutes.origin(), settings_.breakDurationSeconds.origin()});
+        status->setText(breakStatusLine(state));
     });
     column.addWidget(status);
 }

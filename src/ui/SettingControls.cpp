@@ -22,7 +22,8 @@ QWidget* makeLevelHeading(const QString& name, const char* identifier, Setting<d
     auto* const value = new Label({});
     value->setObjectName(QLatin1String(identifier));
     follow(*value, setting, [value, &setting](double level) {
-        value->setText(percentage(level, {setting.origin()}));
+        const FaultContext context({setting.origin()});
+        value->setText(percentage(level));
     });
     row->addWidget(value);
     return heading;

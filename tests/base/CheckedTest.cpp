@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
+#include <vector>
 
 namespace nocta {
 namespace {
@@ -30,20 +32,35 @@ TEST(Checked, NumbersThatDoNotFitStopTheProgramInOneLine) {
     EXPECT_DEATH(checkedProduct(most, 2), "a product is too large for an integer\n$");
 }
 
-TEST(Checked, StoredValuesThatLedToItAreNamed) {
-    const Origins origins = {{"minutes", most}, {"warmth", 1e300}};
+TEST(FaultContext, NamesTheStoredValuesInEveryFault) {
+    const FaultContext context({{"minutes", most}, {"warmth", 1e300}});
     const auto* const line = "^nocta: stopped: minutes is 9223372036854775807, warmth is 1e\\+300: "
                              "a .* is too large for an integer\n$";
-    EXPECT_DEATH(truncated(1e300, origins), line);
-    EXPECT_DEATH(checkedSum(most, 1, origins), line);
-    EXPECT_DEATH(checkedDifference(least, 1, origins), line);
-    EXPECT_DEATH(checkedProduct(most, 2, origins), line);
+    EXPECT_DEATH(truncated(1e300), line);
+    EXPECT_DEATH(checkedSum(most, 1), line);
+    EXPECT_DEATH(checkedDifference(least, 1), line);
+    EXPECT_DEATH(checkedProduct(most, 2), line);
 }
 
-TEST(Checked, AdviceEndsTheLineWhereAStoredValueIsNamed) {
-    const auto stopWith = [](const Origins& origins) {
+TEST(FaultContext, InnermostCountsForAsLongAsItLives) {
+    const FaultContext outer({{"minutes", most}});
+    {
+        const FaultContext inner({{"warmth", 1e300}});
+        EXPECT_DEATH(truncated(1e300), "^nocta: stopped: warmth is 1e\\+300: a number");
+    }
+    EXPECT_DEATH(truncated(1e300), "^nocta: stopped: minutes is 9223372036854775807: a number");
+}
+
+TEST(FaultContext, NamesNothingAfterItHasGone) {
+    { const FaultContext context({{"minutes", most}}); }
+    EXPECT_DEATH(truncated(1e300), "^nocta: stopped: a number is too large for an integer\n$");
+}
+
+TEST(FaultContext, AdviceEndsTheLineWhereAStoredValueIsNamed) {
+    const auto stopWith = [](std::vector<Origin> origins) {
+        const FaultContext context(std::move(origins));
         setOriginAdvice("correct it in /the/file");
-        checkedSum(most, 1, origins);
+        checkedSum(most, 1);
     };
     EXPECT_DEATH(stopWith({{"minutes", most}}),
                  "^nocta: stopped: minutes is 9223372036854775807: a sum is too large for an "

@@ -15,7 +15,8 @@ void bindFraction(QSlider& slider, Setting<double>& fraction) {
         slider, fraction,
         [&slider, &fraction](double value) {
             QSignalBlocker const quiet(slider); // showing a value must not write it
-            const auto percent = wholePercent(value, {fraction.origin()});
+            const FaultContext context({fraction.origin()});
+            const auto percent = wholePercent(value);
             slider.setValue(static_cast<int>(
                 std::clamp<std::int64_t>(percent, slider.minimum(), slider.maximum())));
         },
