@@ -5,6 +5,7 @@
 #include "base/Uuid.h"
 #include "platform/DefaultsStore.h"
 #include "settings/MenuBarIcon.h"
+#include "settings/SettingGroup.h"
 
 #include <cstdint>
 #include <optional>
@@ -27,14 +28,29 @@ void save(DefaultsStore& store, std::string_view key, std::int64_t value);
 void save(DefaultsStore& store, std::string_view key, MenuBarIcon value);
 void save(DefaultsStore& store, std::string_view key, const std::optional<Uuid>& value);
 
+/// How a default is registered; an absent one is not.
+template <class T>
+std::optional<DefaultsValue> registeredValue(const T& value) {
+    return value;
+}
+inline std::optional<DefaultsValue> registeredValue(MenuBarIcon value) {
+    return std::string(rawValue(value));
+}
+inline std::optional<DefaultsValue> registeredValue(const std::optional<Uuid>& value) {
+    return value ? std::optional<DefaultsValue>(value->toString()) : std::nullopt;
+}
+
 /// A published value with a key, written through to the defaults store. A write is published
 /// first and then persisted, so that what a subscriber wrote meanwhile is what is persisted last.
+/// A member of a `SettingGroup`, whose sample shows the declaration.
 template <class T>
-class Setting {
+class Setting final : public AnySetting {
 public:
-    /// Reads the stored value, without publishing or writing back.
-    Setting(DefaultsStore& store, std::string_view key)
-        : store_(store), key_(key), published_(loaded(store, key)) {}
+    Setting(SettingGroup& group, std::string_view key, T defaultValue, const ResetPlace& place = {})
+        : store_(group.userDefaults()), key_(key), default_(std::move(defaultValue)),
+          published_(default_) {
+        group.add(*this, place);
+    }
 
     const T& get() const { return published_.get(); }
 
@@ -50,15 +66,22 @@ public:
         return published_.subscribe(std::move(callback));
     }
 
-private:
-    static T loaded(const DefaultsStore& store, std::string_view key) {
-        T value{};
-        load(store, key, value);
-        return value;
+    void addDefault(DefaultsMap& defaults) const override {
+        if (auto value = registeredValue(default_)) {
+            defaults.insert_or_assign(std::string(key_), *std::move(value));
+        }
     }
+    void load() override {
+        T value{};
+        nocta::load(store_, key_, value);
+        published_.set(std::move(value)); // nobody has subscribed yet
+    }
+    void reset() override { set(default_); }
 
+private:
     DefaultsStore& store_;
     std::string_view key_;
+    T default_;
     Published<T> published_;
 };
 

@@ -13,35 +13,34 @@ namespace nocta {
 /// The one source of truth for what the user has chosen, over the user's defaults store. Each
 /// setting is published and persisted on every write, under a key that is its name. Nothing is
 /// clamped here: writers clamp. It lives as long as the process.
-class SettingsManager {
-    DefaultsStore& userDefaults_; // first: the defaults are registered before anything is loaded
-
+class SettingsManager : SettingGroup {
 public:
     explicit SettingsManager(DefaultsStore& userDefaults);
-    SettingsManager(const SettingsManager&) = delete;
-    SettingsManager& operator=(const SettingsManager&) = delete;
 
     static SettingsManager& shared();
 
-    Setting<double> unifiedBrightness; ///< 0.0–1.0, for all displays
-    Setting<double> warmthLevel;       ///< 0.0 cool – 1.0 warmest
-    Setting<bool> grayscaleEnabled;
-    Setting<bool> breakTimerEnabled;
-    Setting<std::int64_t> breakIntervalMinutes;
-    Setting<std::int64_t> breakDurationSeconds;
-    Setting<bool> suspendDuringMeetings;
-    Setting<std::int64_t> colorTemperatureDay;   ///< kelvin
-    Setting<std::int64_t> colorTemperatureNight; ///< kelvin
-    Setting<bool> autoWarmthEnabled;
-    Setting<bool> locationEnabled;
-    Setting<bool> launchAtLogin;
-    Setting<bool> isFirstLaunch;
-    Setting<bool> allowFullBlack;
-    Setting<MenuBarIcon> menuBarIcon;
-    Setting<std::optional<Uuid>> activeProfileId;
+    // One line a setting. Declaring one registers its default, loads it and makes it part of a
+    // reset.
+    Setting<double> unifiedBrightness{*this, "unifiedBrightness", 0.75}; ///< 0.0–1.0, all displays
+    Setting<double> warmthLevel{*this, "warmthLevel", 0.5}; ///< 0.0 cool – 1.0 warmest
+    Setting<bool> grayscaleEnabled{*this, "grayscaleEnabled", false};
+    Setting<bool> breakTimerEnabled{*this, "breakTimerEnabled", true};
+    Setting<std::int64_t> breakIntervalMinutes{*this, "breakIntervalMinutes", 20};
+    Setting<std::int64_t> breakDurationSeconds{*this, "breakDurationSeconds", 20};
+    Setting<bool> suspendDuringMeetings{*this, "suspendDuringMeetings", true};
+    Setting<std::int64_t> colorTemperatureDay{*this, "colorTemperatureDay", 6500};     ///< kelvin
+    Setting<std::int64_t> colorTemperatureNight{*this, "colorTemperatureNight", 2700}; ///< kelvin
+    Setting<bool> autoWarmthEnabled{*this, "autoWarmthEnabled", true};
+    Setting<bool> locationEnabled{*this, "locationEnabled", false};
+    Setting<bool> launchAtLogin{*this, "launchAtLogin", false};
+    Setting<bool> isFirstLaunch{*this, "isFirstLaunch", true, NeverReset{}}; // no second onboarding
+    Setting<bool> allowFullBlack{*this, "allowFullBlack", false};
+    Setting<MenuBarIcon> menuBarIcon{*this, "menuBarIcon", MenuBarIcon::eye};
+    Setting<std::optional<Uuid>> activeProfileId{*this, "activeProfileId", std::nullopt,
+                                                 ResetBefore{allowFullBlack}};
 
     /// Every setting but `isFirstLaunch`, so that a reset never brings onboarding back.
-    void resetToDefaults();
+    void resetToDefaults() { reset(); }
 
     /// Copies a profile's five values and makes it the active one.
     void applyProfile(const Profile& profile);

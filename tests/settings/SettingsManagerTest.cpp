@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
+#include <algorithm>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace nocta {
@@ -16,76 +18,100 @@ using Calls = std::vector<std::string>;
 constexpr auto lowerCaseId = "0f8fad5b-d9cb-469f-a165-70867728950e";
 constexpr auto canonicalId = "0F8FAD5B-D9CB-469F-A165-70867728950E";
 
+/// A setting with the key and the default that the declaration must have.
+template <class T>
+struct Row {
+    Setting<T> SettingsManager::*setting;
+    std::string key;
+    T defaultValue;
+};
+
+/// Every setting, in the order of loading.
+const std::tuple rows = {
+    Row<double>{&SettingsManager::unifiedBrightness, "unifiedBrightness", 0.75},
+    Row<double>{&SettingsManager::warmthLevel, "warmthLevel", 0.5},
+    Row<bool>{&SettingsManager::grayscaleEnabled, "grayscaleEnabled", false},
+    Row<bool>{&SettingsManager::breakTimerEnabled, "breakTimerEnabled", true},
+    Row<std::int64_t>{&SettingsManager::breakIntervalMinutes, "breakIntervalMinutes", 20},
+    Row<std::int64_t>{&SettingsManager::breakDurationSeconds, "breakDurationSeconds", 20},
+    Row<bool>{&SettingsManager::suspendDuringMeetings, "suspendDuringMeetings", true},
+    Row<std::int64_t>{&SettingsManager::colorTemperatureDay, "colorTemperatureDay", 6500},
+    Row<std::int64_t>{&SettingsManager::colorTemperatureNight, "colorTemperatureNight", 2700},
+    Row<bool>{&SettingsManager::autoWarmthEnabled, "autoWarmthEnabled", true},
+    Row<bool>{&SettingsManager::locationEnabled, "locationEnabled", false},
+    Row<bool>{&SettingsManager::launchAtLogin, "launchAtLogin", false},
+    Row<bool>{&SettingsManager::isFirstLaunch, "isFirstLaunch", true},
+    Row<bool>{&SettingsManager::allowFullBlack, "allowFullBlack", false},
+    Row<MenuBarIcon>{&SettingsManager::menuBarIcon, "menuBarIcon", MenuBarIcon::eye},
+    Row<std::optional<Uuid>>{&SettingsManager::activeProfileId, "activeProfileId", std::nullopt},
+};
+
+void forEachRow(const auto& action) {
+    std::apply([&](const auto&... row) { (action(row), ...); }, rows);
+}
+
+/// What reads a setting of a type from the store.
+std::string getter(const Row<double>& /*row*/) {
+    return "doubleForKey";
+}
+std::string getter(const Row<bool>& /*row*/) {
+    return "boolForKey";
+}
+std::string getter(const Row<std::int64_t>& /*row*/) {
+    return "integerForKey";
+}
+std::string getter(const auto& /*row*/) {
+    return "stringForKey";
+}
+
+/// The keys that a reset writes, in its order.
+Calls keysOfReset() {
+    Calls keys;
+    forEachRow([&](const auto& row) {
+        if (row.key != "isFirstLaunch" && row.key != "activeProfileId") {
+            keys.push_back(row.key);
+        }
+    });
+    keys.insert(std::ranges::find(keys, "allowFullBlack"), "activeProfileId");
+    return keys;
+}
+
 class SettingsManagerTest : public TestDesktop {
 protected:
     DefaultsTable& stored() { return desktop.userDefaults.table; }
 
-    /// Counts the changes of every setting by its key, in order.
-    std::vector<std::string> changes;
+    /// The keys of the settings that were published, in order.
+    Calls changes;
     Cancellables cancellables;
 
-    template <class T>
-    void watch(Setting<T>& setting, std::string key) {
-        cancellables.push_back(
-            setting.subscribe([this, key](const T& /*value*/) { changes.push_back(key); }));
-    }
     void watchAll() {
-        auto& s = settings();
-        watch(s.unifiedBrightness, "unifiedBrightness");
-        watch(s.warmthLevel, "warmthLevel");
-        watch(s.grayscaleEnabled, "grayscaleEnabled");
-        watch(s.breakTimerEnabled, "breakTimerEnabled");
-        watch(s.breakIntervalMinutes, "breakIntervalMinutes");
-        watch(s.breakDurationSeconds, "breakDurationSeconds");
-        watch(s.suspendDuringMeetings, "suspendDuringMeetings");
-        watch(s.colorTemperatureDay, "colorTemperatureDay");
-        watch(s.colorTemperatureNight, "colorTemperatureNight");
-        watch(s.autoWarmthEnabled, "autoWarmthEnabled");
-        watch(s.locationEnabled, "locationEnabled");
-        watch(s.launchAtLogin, "launchAtLogin");
-        watch(s.isFirstLaunch, "isFirstLaunch");
-        watch(s.allowFullBlack, "allowFullBlack");
-        watch(s.menuBarIcon, "menuBarIcon");
-        watch(s.activeProfileId, "activeProfileId");
+        forEachRow([this](const auto& row) {
+            cancellables.push_back(
+                (settings().*row.setting).subscribe([this, &row](const auto& /*value*/) {
+                    changes.push_back(row.key);
+                }));
+        });
     }
-    void expectDefaults() {
-        auto& s = settings();
-        EXPECT_EQ(s.unifiedBrightness.get(), 0.75);
-        EXPECT_EQ(s.warmthLevel.get(), 0.5);
-        EXPECT_FALSE(s.grayscaleEnabled.get());
-        EXPECT_TRUE(s.breakTimerEnabled.get());
-        EXPECT_EQ(s.breakIntervalMinutes.get(), 20);
-        EXPECT_EQ(s.breakDurationSeconds.get(), 20);
-        EXPECT_TRUE(s.suspendDuringMeetings.get());
-        EXPECT_EQ(s.colorTemperatureDay.get(), 6500);
-        EXPECT_EQ(s.colorTemperatureNight.get(), 2700);
-        EXPECT_TRUE(s.autoWarmthEnabled.get());
-        EXPECT_FALSE(s.locationEnabled.get());
-        EXPECT_FALSE(s.launchAtLogin.get());
-        EXPECT_FALSE(s.allowFullBlack.get());
-        EXPECT_EQ(s.menuBarIcon.get(), MenuBarIcon::eye);
-        EXPECT_EQ(s.activeProfileId.get(), std::nullopt);
+    void expectDefaultsBut(const std::string& exception = {}) {
+        forEachRow([&](const auto& row) {
+            if (row.key != exception) {
+                EXPECT_TRUE((settings().*row.setting).get() == row.defaultValue) << row.key;
+            }
+        });
     }
 };
 
 TEST_F(SettingsManagerTest, EmptyStoreReadsAsTheDefaults) {
-    expectDefaults();
-    EXPECT_TRUE(settings().isFirstLaunch.get());
+    expectDefaultsBut();
     EXPECT_TRUE(stored().stored().empty()) << "loading writes nothing back";
 }
 
-TEST_F(SettingsManagerTest, FifteenDefaultsAreRegisteredAndThenEveryKeyIsLoadedInOrder) {
+TEST_F(SettingsManagerTest, DefaultsAreRegisteredAndThenEveryKeyIsLoadedInOrder) {
     settings();
-    EXPECT_EQ(
-        calls(),
-        (Calls{"registerDefaults 15", "doubleForKey unifiedBrightness", "doubleForKey warmthLevel",
-               "boolForKey grayscaleEnabled", "boolForKey breakTimerEnabled",
-               "integerForKey breakIntervalMinutes", "integerForKey breakDurationSeconds",
-               "boolForKey suspendDuringMeetings", "integerForKey colorTemperatureDay",
-               "integerForKey colorTemperatureNight", "boolForKey autoWarmthEnabled",
-               "boolForKey locationEnabled", "boolForKey launchAtLogin", "boolForKey isFirstLaunch",
-               "boolForKey allowFullBlack", "stringForKey menuBarIcon",
-               "stringForKey activeProfileId", "removeObjectForKey activeProfileId"}));
+    Calls expected = {"registerDefaults " + std::to_string(std::tuple_size_v<decltype(rows)> - 1)};
+    forEachRow([&](const auto& row) { expected.push_back(getter(row) + " " + row.key); });
+    expected.push_back("removeObjectForKey activeProfileId");
+    EXPECT_EQ(calls(), expected);
 }
 
 TEST_F(SettingsManagerTest, StoredValuesAreLoadedEvenOutOfRange) {
@@ -171,44 +197,17 @@ TEST_F(SettingsManagerTest, StoredProfileIdThatIsNoneIsRemoved) {
     EXPECT_FALSE(stored().stored().contains("activeProfileId"));
 }
 
-TEST_F(SettingsManagerTest, ResetMakesFifteenSeparateChangesAndLeavesFirstLaunchAlone) {
+TEST_F(SettingsManagerTest, ResetChangesEachSettingSeparatelyAndLeavesFirstLaunchAlone) {
     settings().isFirstLaunch.set(false);
     settings().unifiedBrightness.set(0.1);
     settings().menuBarIcon.set(MenuBarIcon::leaf);
     settings().activeProfileId.set(Uuid::parse(lowerCaseId));
     watchAll();
     settings().resetToDefaults();
-    EXPECT_EQ(changes,
-              (Calls{"unifiedBrightness", "warmthLevel", "grayscaleEnabled", "breakTimerEnabled",
-                     "breakIntervalMinutes", "breakDurationSeconds", "suspendDuringMeetings",
-                     "colorTemperatureDay", "colorTemperatureNight", "autoWarmthEnabled",
-                     "locationEnabled", "launchAtLogin", "activeProfileId", "allowFullBlack",
-                     "menuBarIcon"}));
-    expectDefaults();
+    EXPECT_EQ(changes, keysOfReset());
+    expectDefaultsBut("isFirstLaunch");
     EXPECT_FALSE(settings().isFirstLaunch.get());
     EXPECT_FALSE(stored().stored().contains("activeProfileId"));
-}
-
-/// The keys of a trace of the store, in alphabetical order.
-std::set<std::string> keysOf(const Calls& calls, const std::string& operation) {
-    std::set<std::string> keys;
-    for (const auto& call : calls) {
-        if (call.find(operation) != std::string::npos) {
-            keys.insert(call.substr(call.find(' ') + 1));
-        }
-    }
-    return keys;
-}
-
-TEST_F(SettingsManagerTest, ResetForgetsNoSettingThatIsLoaded) {
-    settings();
-    auto keys = keysOf(calls(), "ForKey ");
-    EXPECT_EQ(keys.erase("isFirstLaunch"), 1U);
-    desktop.trace.clear();
-    settings().resetToDefaults();
-    auto written = keysOf(calls(), "set");
-    written.merge(keysOf(calls(), "removeObjectForKey "));
-    EXPECT_EQ(written, keys);
 }
 
 TEST_F(SettingsManagerTest, ApplyingAProfileCopiesItsFiveValuesAndThenItsId) {
