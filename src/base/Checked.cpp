@@ -1,9 +1,10 @@
 #include "base/Checked.h"
 
-#include <array>
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <iomanip>
+#include <limits>
+#include <sstream>
 #include <utility>
 
 namespace nocta {
@@ -14,11 +15,10 @@ const FaultContext* innermostContext = nullptr;
 std::string originAdvice;
 
 std::string textOf(const Origin& origin) {
-    std::array<char, 32> digits{};
-    const auto end = std::visit(
-        [&](auto value) { return std::to_chars(digits.begin(), digits.end(), value).ptr; },
-        origin.value);
-    return std::string(origin.key) + " is " + std::string(digits.begin(), end);
+    std::ostringstream text;
+    text << std::setprecision(std::numeric_limits<double>::digits10) << origin.key << " is ";
+    std::visit([&](auto value) { text << value; }, origin.value);
+    return text.str();
 }
 
 } // namespace

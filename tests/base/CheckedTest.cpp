@@ -33,9 +33,10 @@ TEST(Checked, NumbersThatDoNotFitStopTheProgramInOneLine) {
 }
 
 TEST(FaultContext, NamesTheStoredValuesInEveryFault) {
-    const FaultContext context({{"minutes", most}, {"warmth", 1e300}});
-    const auto* const line = "^nocta: stopped: minutes is 9223372036854775807, warmth is 1e\\+300: "
-                             "a .* is too large for an integer\n$";
+    const FaultContext context({{"minutes", most}, {"warmth", 1.25e300}});
+    const auto* const line =
+        "^nocta: stopped: minutes is 9223372036854775807, warmth is 1.25e\\+300: "
+        "a .* is too large for an integer\n$";
     EXPECT_DEATH(truncated(1e300), line);
     EXPECT_DEATH(checkedSum(most, 1), line);
     EXPECT_DEATH(checkedDifference(least, 1), line);
