@@ -238,10 +238,18 @@ void XClient::becomeSystemTray() {
     synchronize();
 }
 
-void XClient::setRootProperty(const std::string& name, const std::vector<std::uint16_t>& numbers) {
-    xcb_change_property(x_, XCB_PROP_MODE_REPLACE, root_, atom(name), XCB_ATOM_CARDINAL, 16,
-                        static_cast<std::uint32_t>(numbers.size()), numbers.data());
+void XClient::setRootProperty(const std::string& name, std::uint8_t format,
+                              const std::vector<std::uint8_t>& bytes) {
+    xcb_change_property(x_, XCB_PROP_MODE_REPLACE, root_, atom(name), XCB_ATOM_CARDINAL, format,
+                        static_cast<std::uint32_t>(bytes.size() / (format / 8)), bytes.data());
     synchronize();
+}
+
+std::vector<std::uint8_t> XClient::rootProperty(const std::string& name) {
+    const auto reply = needed(xcb_get_property_reply(
+        x_, xcb_get_property(x_, 0, root_, atom(name), XCB_ATOM_ANY, 0, 1U << 22), nullptr));
+    const auto* const bytes = static_cast<const std::uint8_t*>(xcb_get_property_value(reply.get()));
+    return {bytes, bytes + xcb_get_property_value_length(reply.get())};
 }
 
 void XClient::setOutputProperty(const std::string& name, const std::vector<std::uint32_t>& numbers,

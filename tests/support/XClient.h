@@ -55,7 +55,11 @@ public:
     /// Owns the selection of XEmbed trays and announces itself, as a panel does.
     void becomeSystemTray();
 
-    void setRootProperty(const std::string& name, const std::vector<std::uint16_t>& numbers);
+    /// A property of the root window that is a list of numbers, of 8, 16 or 32 bits by `format`.
+    void setRootProperty(const std::string& name, std::uint8_t format,
+                         const std::vector<std::uint8_t>& bytes);
+    /// Empty where there is none.
+    std::vector<std::uint8_t> rootProperty(const std::string& name);
 
     /// Writes a property of numbers, or of atoms, to every output.
     void setOutputProperty(const std::string& name, const std::vector<std::uint32_t>& numbers,

@@ -1,6 +1,7 @@
 #include "backends/linux/x11/ColorMatrices.h"
 
 #include "backends/linux/x11/RootProperty.h"
+#include "backends/linux/x11/XcbReply.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,7 +23,7 @@ xcb_atom_t matrixAtom(xcb_connection_t* connection) {
 }
 
 /// One record after the other: the output, and its matrix.
-RootProperty<std::uint32_t> property(xcb_connection_t* connection, xcb_window_t root) {
+RootProperty property(xcb_connection_t* connection, xcb_window_t root) {
     return {connection, root, "_NOCTA_FACTORY_MATRICES"};
 }
 
@@ -78,18 +79,21 @@ FactoryMatrices readFactoryMatrices(xcb_connection_t* connection, xcb_window_t r
     return matrices;
 }
 
-void keepFactoryMatrix(xcb_connection_t* connection, xcb_window_t root, xcb_randr_output_t output,
-                       const ColorMatrix& matrix) {
-    std::vector<std::uint32_t> record = {output};
-    record.insert(record.end(), matrix.begin(), matrix.end());
-    property(connection, root).append(record);
+void keepFactoryMatrices(xcb_connection_t* connection, xcb_window_t root,
+                         const FactoryMatrices& matrices) {
+    std::vector<std::uint32_t> numbers;
+    for (const auto& [output, matrix] : matrices) {
+        numbers.push_back(output);
+        numbers.insert(numbers.end(), matrix.begin(), matrix.end());
+    }
+    property(connection, root).write(numbers);
 }
 
 void giveBack(xcb_connection_t* connection, xcb_window_t root, const FactoryMatrices& matrices) {
     for (const auto& [output, matrix] : matrices) {
         writeMatrix(connection, output, matrix);
     }
-    property(connection, root).remove();
+    keepFactoryMatrices(connection, root, {});
 }
 
 } // namespace nocta

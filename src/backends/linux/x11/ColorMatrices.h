@@ -31,9 +31,9 @@ void writeMatrix(xcb_connection_t* connection, xcb_randr_output_t output,
 /// What is kept.
 FactoryMatrices readFactoryMatrices(xcb_connection_t* connection, xcb_window_t root);
 
-/// Keeps one more.
-void keepFactoryMatrix(xcb_connection_t* connection, xcb_window_t root, xcb_randr_output_t output,
-                       const ColorMatrix& matrix);
+/// Keeps these and no others, at once for whoever reads them.
+void keepFactoryMatrices(xcb_connection_t* connection, xcb_window_t root,
+                         const FactoryMatrices& matrices);
 
 /// Writes all of them to their outputs and keeps them no more.
 void giveBack(xcb_connection_t* connection, xcb_window_t root, const FactoryMatrices& matrices);

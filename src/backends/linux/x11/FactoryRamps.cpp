@@ -1,17 +1,24 @@
 #include "backends/linux/x11/FactoryRamps.h"
 
 #include "backends/linux/x11/RootProperty.h"
+#include "backends/linux/x11/XcbReply.h"
 
 namespace nocta {
 
 namespace {
 
-// One record after the other: the CRTC's upper and lower half, the size, and size levels each of
-// red, green and blue.
-constexpr std::size_t headerLength = 3;
+// One record after the other: the CRTC, the size, and size levels each of red, green and blue.
+constexpr std::size_t headerLength = 2;
 
-RootProperty<std::uint16_t> property(xcb_connection_t* connection, xcb_window_t root) {
+RootProperty property(xcb_connection_t* connection, xcb_window_t root) {
     return {connection, root, "_NOCTA_FACTORY_RAMPS"};
+}
+
+/// 0 where the server has no such CRTC.
+std::size_t sizeOf(xcb_connection_t* connection, xcb_randr_crtc_t crtc) {
+    const XcbReply<xcb_randr_get_crtc_gamma_size_reply_t> reply(xcb_randr_get_crtc_gamma_size_reply(
+        connection, xcb_randr_get_crtc_gamma_size(connection, crtc), nullptr));
+    return reply ? reply->size : 0;
 }
 
 } // namespace
@@ -21,32 +28,35 @@ FactoryRamps readFactoryRamps(xcb_connection_t* connection, xcb_window_t root) {
     auto rest = std::span(numbers);
     FactoryRamps ramps;
     while (rest.size() > headerLength) {
-        const auto crtc = static_cast<xcb_randr_crtc_t>(rest[0]) << 16 | rest[1];
-        const auto size = std::size_t{rest[2]};
+        const auto crtc = xcb_randr_crtc_t{rest[0]};
+        const auto size = std::size_t{rest[1]};
         rest = rest.subspan(headerLength);
-        if (size == 0 || rest.size() < 3 * size) {
+        if (rest.size() < 3 * size) {
             break;
         }
         const auto channel = [&](std::size_t index) {
             auto const levels = rest.subspan(index * size, size);
             return std::vector<std::uint16_t>(levels.begin(), levels.end());
         };
-        ramps.insert_or_assign(
-            crtc, GammaRamp{.red = channel(0), .green = channel(1), .blue = channel(2)});
+        if (size > 0 && size == sizeOf(connection, crtc)) {
+            ramps.insert_or_assign(
+                crtc, GammaRamp{.red = channel(0), .green = channel(1), .blue = channel(2)});
+        }
         rest = rest.subspan(3 * size);
     }
     return ramps;
 }
 
-void keepFactoryRamp(xcb_connection_t* connection, xcb_window_t root, xcb_randr_crtc_t crtc,
-                     const GammaRamp& ramp) {
-    std::vector<std::uint16_t> record = {static_cast<std::uint16_t>(crtc >> 16),
-                                         static_cast<std::uint16_t>(crtc),
-                                         static_cast<std::uint16_t>(ramp.size())};
-    for (const auto* const channel : {&ramp.red, &ramp.green, &ramp.blue}) {
-        record.insert(record.end(), channel->begin(), channel->end());
+void keepFactoryRamps(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps) {
+    std::vector<std::uint32_t> numbers;
+    for (const auto& [crtc, ramp] : ramps) {
+        numbers.push_back(crtc);
+        numbers.push_back(static_cast<std::uint32_t>(ramp.size()));
+        for (const auto* const channel : {&ramp.red, &ramp.green, &ramp.blue}) {
+            numbers.insert(numbers.end(), channel->begin(), channel->end());
+        }
     }
-    property(connection, root).append(record);
+    property(connection, root).write(numbers);
 }
 
 void giveBack(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps) {
@@ -54,7 +64,7 @@ void giveBack(xcb_connection_t* connection, xcb_window_t root, const FactoryRamp
         xcb_randr_set_crtc_gamma(connection, crtc, static_cast<std::uint16_t>(ramp.size()),
                                  ramp.red.data(), ramp.green.data(), ramp.blue.data());
     }
-    property(connection, root).remove();
+    keepFactoryRamps(connection, root, {});
 }
 
 } // namespace nocta

@@ -15,12 +15,11 @@ using FactoryRamps = std::map<xcb_randr_crtc_t, GammaRamp>;
 // Nocta or guardian of that server finds them. Each function sends its requests and flushes
 // nothing, except that reading waits for the answer.
 
-/// What is kept; records that make no sense are left out.
+/// What is kept, without what does not fit its CRTC.
 FactoryRamps readFactoryRamps(xcb_connection_t* connection, xcb_window_t root);
 
-/// Keeps one more.
-void keepFactoryRamp(xcb_connection_t* connection, xcb_window_t root, xcb_randr_crtc_t crtc,
-                     const GammaRamp& ramp);
+/// Keeps these and no others, at once for whoever reads them.
+void keepFactoryRamps(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps);
 
 /// Writes all of them to their CRTCs and keeps them no more.
 void giveBack(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps);

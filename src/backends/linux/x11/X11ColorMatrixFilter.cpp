@@ -55,12 +55,14 @@ std::vector<X11ColorMatrixFilter::DisplayMatrix> X11ColorMatrixFilter::matrices(
 void X11ColorMatrixFilter::grayDisplays() {
     auto* const x = connection_.get();
     const auto root = connection_.root();
-    const auto kept = readFactoryMatrices(x, root);
-    for (const auto& [output, matrix] : matrices()) {
-        if (!kept.contains(output)) {
-            keepFactoryMatrix(x, root, output, matrix);
-        }
-        writeMatrix(x, output, grayMatrix());
+    const auto shown = matrices();
+    auto kept = readFactoryMatrices(x, root);
+    for (const auto& [output, matrix] : shown) {
+        kept.emplace(output, matrix);
+    }
+    keepFactoryMatrices(x, root, kept);
+    for (const auto& display : shown) {
+        writeMatrix(x, display.output, grayMatrix());
     }
     connection_.finishTurn();
 }

@@ -40,13 +40,7 @@ void X11GammaOutput::displayRestoreColorSyncSettings() {
     if (!std::exchange(isArmed_, false)) {
         return;
     }
-    FactoryRamps ramps;
-    for (const auto& [crtc, factory] : factories_) {
-        if (factory.ramp.size() > 0) {
-            ramps.emplace(crtc, factory.ramp);
-        }
-    }
-    giveBack(connection_.get(), connection_.root(), ramps);
+    giveBack(connection_.get(), connection_.root(), factoryRamps());
     if (connection_.synchronize()) {
         guardian_.dismiss();
     } else {
@@ -65,6 +59,7 @@ bool X11GammaOutput::arm() {
     for (auto& [crtc, ramp] : readFactoryRamps(connection_.get(), connection_.root())) {
         remember(crtc, std::move(ramp));
     }
+    keepFactoryRamps(connection_.get(), connection_.root(), factoryRamps()); // and nothing else
     return true;
 }
 
@@ -85,16 +80,25 @@ const X11GammaOutput::Factory* X11GammaOutput::factoryOf(xcb_randr_crtc_t crtc) 
     GammaRamp ramp{.red = {red, red + reply->size},
                    .green = {green, green + reply->size},
                    .blue = {blue, blue + reply->size}};
-    if (ramp.size() > 0) {
-        keepFactoryRamp(x, connection_.root(), crtc, ramp);
-    }
-    return remember(crtc, std::move(ramp));
+    const auto* const factory = remember(crtc, std::move(ramp));
+    keepFactoryRamps(x, connection_.root(), factoryRamps());
+    return factory;
 }
 
 const X11GammaOutput::Factory* X11GammaOutput::remember(xcb_randr_crtc_t crtc, GammaRamp ramp) {
     const auto isCalibration = ramp.isCalibration();
     return &factories_.insert_or_assign(crtc, Factory{std::move(ramp), isCalibration})
                 .first->second;
+}
+
+FactoryRamps X11GammaOutput::factoryRamps() const {
+    FactoryRamps ramps;
+    for (const auto& [crtc, factory] : factories_) {
+        if (factory.ramp.size() > 0) {
+            ramps.emplace(crtc, factory.ramp);
+        }
+    }
+    return ramps;
 }
 
 } // namespace nocta

@@ -37,6 +37,7 @@ private:
     bool arm();
     const Factory* factoryOf(xcb_randr_crtc_t crtc);
     const Factory* remember(xcb_randr_crtc_t crtc, GammaRamp ramp);
+    FactoryRamps factoryRamps() const;
 
     X11Connection& connection_;
     X11Displays& displays_;

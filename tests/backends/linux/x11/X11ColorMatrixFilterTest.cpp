@@ -119,9 +119,11 @@ TEST_P(X11ColorMatrixFilterTest, WarmthMayComeAndGoWhileTheScreenIsGray) {
 TEST_P(X11ColorMatrixFilterTest, WhatADeadProgramHasLeftGrayIsHealedByTheNext) {
     ColorMatrix matrix{};
     std::ranges::copy(previous, matrix.begin());
+    FactoryMatrices matrices;
     for (const auto output : x.client.activeOutputs()) {
-        keepFactoryMatrix(x.connection.get(), x.connection.root(), output, matrix);
+        matrices.emplace(output, matrix);
     }
+    keepFactoryMatrices(x.connection.get(), x.connection.root(), matrices);
     x.connection.synchronize();
     x.client.setOutputProperty("CTM", gray);
     makeFilter();

@@ -160,24 +160,6 @@ TEST_P(X11GammaOutputTest, FactoryRampIsKeptOnTheServerWhileItIsNotInForce) {
     EXPECT_TRUE(readFactoryRamps(session.connection.get(), root).empty());
 }
 
-TEST_P(X11GammaOutputTest, NonsenseInTheKeptRampsIsLeftOut) {
-    const auto root = session.connection.root();
-    for (const auto& numbers : {
-             std::vector<std::uint16_t>{1},
-             std::vector<std::uint16_t>{0, 63, 0},
-             std::vector<std::uint16_t>{0, 63, 0, 1, 2, 3},
-             std::vector<std::uint16_t>{0, 63, 256, 1, 2, 3},
-             std::vector<std::uint16_t>{65535, 65535, 65535, 0},
-         }) {
-        session.client.setRootProperty("_NOCTA_FACTORY_RAMPS", numbers);
-        EXPECT_TRUE(readFactoryRamps(session.connection.get(), root).empty());
-    }
-    session.client.setRootProperty("_NOCTA_FACTORY_RAMPS", {0, 63, 1, 7, 8, 9, 0, 64, 2, 1});
-    const auto kept = readFactoryRamps(session.connection.get(), root);
-    ASSERT_EQ(kept.size(), 1U);
-    EXPECT_EQ(kept.at(63).blue, std::vector<std::uint16_t>{9});
-}
-
 TEST(X11GammaOutput, RampThatVanishedBetweenListingAndWritingHarmsNoOther) {
     X11Session session(XServer::Kind::xorgDummy);
     session.server.plugSecondOutput();

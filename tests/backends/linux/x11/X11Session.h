@@ -44,9 +44,11 @@ struct X11Session {
     Status set(DisplayId id, const std::array<std::vector<float>, 3>& tables) {
         const auto status =
             gammaOutput.setDisplayTransferByTable(id, tables[0], tables[1], tables[2]);
-        connection.synchronize();
+        settle();
         return status;
     }
+    /// Returns when all that was sent is on the server.
+    void settle() { connection.synchronize(); }
     /// Straight tables up to the three tops.
     static std::array<std::vector<float>, 3> tables(std::array<float, 3> tops) {
         std::array<std::vector<float>, 3> tables;
