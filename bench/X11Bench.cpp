@@ -51,7 +51,9 @@ struct ServerWithOutputs : XServer {
 struct SessionOnX11 {
     explicit SessionOnX11(std::int64_t outputs) : server(outputs) {
         delegate.applicationDidFinishLaunching();
-        QCoreApplication::processEvents();
+        do {
+            QCoreApplication::processEvents();
+        } while (guardian.isStarting()); // until then writes wait for it
     }
     SessionOnX11(const SessionOnX11&) = delete;
     SessionOnX11& operator=(const SessionOnX11&) = delete;
@@ -62,7 +64,7 @@ struct SessionOnX11 {
     QtRunLoop runLoop;
     X11Connection connection{runLoop};
     X11Displays displays{connection, runLoop, desktop.notificationCenter};
-    Guardian guardian{connection};
+    Guardian guardian{connection, runLoop};
     X11GammaOutput gammaOutput{connection, displays, guardian};
     Desktop ports{.bundle = desktop.bundle,
                   .runLoop = runLoop,

@@ -57,7 +57,7 @@ protected:
 
     /// The last levels of the first display's ramp in 0.0–1.0, as another client reads them.
     std::array<double, 3> shownWhite() {
-        x.connection.synchronize();
+        x.settle();
         const auto ramp = x.client.ramp(x.client.activeCrtcs().at(0));
         return {ramp[0].back() / 65535.0, ramp[1].back() / 65535.0, ramp[2].back() / 65535.0};
     }

@@ -30,6 +30,9 @@ public:
     /// False where it cannot be started.
     bool start(const char* name, const std::vector<std::string>& arguments = {});
 
+    /// Whether one was started and has not been waited for, ended or left since.
+    bool isRunning() const { return process_ > 0; }
+
     bool send(const void* data, std::size_t size) const;
 
     /// The next byte that the helper says, if it does so in time.

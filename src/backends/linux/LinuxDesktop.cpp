@@ -148,7 +148,7 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
         server.workspace = std::make_unique<UnavailableWorkspace>(std::move(shouldReduceMotion));
         return server;
     }
-    server.guardian = std::make_unique<Guardian>(*connection);
+    server.guardian = std::make_unique<Guardian>(*connection, runLoop);
     auto displays = std::make_unique<X11Displays>(*connection, runLoop, notificationCenter);
     if (displays->isEmulation()) {
         std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;

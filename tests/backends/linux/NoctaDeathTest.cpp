@@ -102,6 +102,57 @@ TEST_P(NoctaDeathTest, GuardianThatDiesIsReplaced) {
     EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }));
 }
 
+TEST_P(NoctaDeathTest, GuardianThatKeepsDyingIsReplacedAtTheNextWrite) {
+    startAndWaitFor(0.75);
+    const auto guardians = [&] { return guardiansOf(nocta->id()); };
+    ASSERT_TRUE(waitUntil([&] {
+        for (const auto guardian : guardians()) {
+            kill(guardian, SIGKILL); // at whatever point it has reached
+        }
+        return contentOf(output).find("a crash would leave the screen") != std::string::npos;
+    }));
+    EXPECT_TRUE(guardians().empty()) << "it does not go on for ever";
+    client.press(brightnessDownSymbol);
+    ASSERT_TRUE(waitForBrightness(0.6875));
+    ASSERT_TRUE(waitUntil([&] { return guardians().size() == 1; }));
+    nocta->signal(SIGKILL);
+    nocta->wait();
+    EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }));
+}
+
+TEST_P(NoctaDeathTest, FrozenGuardianDoesNotKeepTheNextStartFromTheScreen) {
+    startAndWaitFor(0.75);
+    const auto guardians = guardiansOf(nocta->id());
+    ASSERT_EQ(guardians.size(), 1U);
+    kill(guardians[0], SIGSTOP);
+    nocta->signal(SIGKILL);
+    nocta->wait();
+    writeFile(settings, neutralSettings("unifiedBrightness=0.5\n"));
+    startAndWaitFor(0.5);
+    kill(guardians[0], SIGCONT);
+    EXPECT_TRUE(waitUntil([&] { return kill(guardians[0], 0) != 0 || isZombie(guardians[0]); }));
+    EXPECT_TRUE(shows(0.5)) << "the screen is not the frozen one's any more";
+    nocta->signal(SIGTERM);
+    EXPECT_EQ(nocta->wait(), 0);
+    EXPECT_TRUE(isGivenBack());
+}
+
+TEST_P(NoctaDeathTest, ProgramEndsAtOnceWhileAFrozenGuardianIsWaitedFor) {
+    startAndWaitFor(0.75);
+    const auto guardians = guardiansOf(nocta->id());
+    ASSERT_EQ(guardians.size(), 1U);
+    kill(guardians[0], SIGSTOP);
+    nocta->signal(SIGKILL);
+    nocta->wait();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return guardiansOf(nocta->id()).size() == 1; }));
+    nocta->signal(SIGTERM);
+    EXPECT_EQ(nocta->wait(), 0);
+    EXPECT_TRUE(shows(0.75)) << "nothing was written";
+    kill(guardians[0], SIGCONT);
+    EXPECT_TRUE(waitUntil([&] { return isGivenBack(); })) << "it still had the screen";
+}
+
 TEST_P(NoctaDeathTest, DyingServerEndsItWithALineAndNoCrash) {
     // The toolkit does not free its connection to a server that has died.
     const auto suppressions = home.path() + "/suppressions";

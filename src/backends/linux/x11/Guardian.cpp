@@ -2,9 +2,10 @@
 
 #include "backends/linux/x11/GuardianProtocol.h"
 
-#include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <iostream>
+#include <utility>
 
 namespace nocta {
 
@@ -13,76 +14,139 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto programName = "nocta-guardian";
-constexpr auto answerTimeout = 5s; // above what the helper itself waits
-constexpr int mostReplacements = 3;
+constexpr auto answerTimeout = 15s; // above what the helper itself waits for others
+constexpr int maxReplacements = 3;
 
 } // namespace
 
-bool Guardian::start() {
-    if (outcome_ == Outcome::refused && hasOwner()) {
-        return false;
-    }
-    if (outcome_ == Outcome::none || outcome_ == Outcome::refused) {
-        outcome_ = launch();
-        if (outcome_ == Outcome::refused) {
-            std::cerr << "nocta: another Nocta controls the gamma of this display" << std::endl;
-            return false;
+Guardian::Permission Guardian::request(const void* writer) {
+    if (permission_ == Permission::refused) {
+        if (owner() != XCB_NONE) {
+            return permission_;
         }
-        if (outcome_ == Outcome::unguarded) {
-            std::cerr << "nocta: cannot start " << HelperProcess::path(programName)
-                      << "; a crash would leave the screen as it is" << std::endl;
-        }
+        permission_ = Permission::pending;
     }
-    ++writers_;
-    return true;
+    writers_.insert(writer);
+    if (!helper_.isRunning()) {
+        replacements_ = 0;
+        launch();
+    }
+    return permission_;
 }
 
-/// Whether some guardian works on this display.
-bool Guardian::hasOwner() {
-    auto* const x = connection_.get();
-    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        x, xcb_get_selection_owner(x, connection_.atom(guardianSelection)), nullptr));
-    connection_.finishTurn();
-    return !reply || reply->owner != XCB_NONE;
+void Guardian::restore(const void* writer, const std::function<void()>& restore) {
+    if (isInControl()) {
+        restore();
+        if (connection_.synchronize()) {
+            dismiss(writer);
+            return;
+        }
+    }
+    wake();
 }
 
-void Guardian::dismiss() {
-    writers_ = std::max(writers_ - 1, 0);
-    if (writers_ == 0) {
+void Guardian::dismiss(const void* writer) {
+    writers_.erase(writer);
+    if (!writers_.empty()) {
+        return;
+    }
+    if (permission_ == Permission::granted) {
         helper_.kill();
-        outcome_ = Outcome::none;
     }
+    wake(); // one that has not answered yet gives back what a Nocta has left that died
 }
 
+/// Leaves the helper to what it does when this process ends.
 void Guardian::wake() {
+    timeout_.invalidate();
     helper_.release();
-    outcome_ = Outcome::none;
-    writers_ = 0;
+    permission_ = Permission::pending;
+    writers_.clear();
 }
 
-Guardian::Outcome Guardian::launch() {
+void Guardian::launch() {
     const GuardianHello hello{.window = connection_.window()};
     if (!helper_.start(programName) || !helper_.send(&hello, sizeof hello)) {
         helper_.kill();
-        return Outcome::unguarded;
+        complain("cannot start ", "");
+        permission_ = Permission::granted;
+        return;
     }
-    const auto answer = helper_.answer(answerTimeout);
-    if (answer != static_cast<char>(GuardianAnswer::ready)) {
+    helper_.whenHeard([this] { hear(); });
+    timeout_.start(runLoop_, answerTimeout, Repeat::no, [this] { answer(0); });
+}
+
+void Guardian::hear() {
+    char byte = 0;
+    const auto length = helper_.receive(&byte, 1);
+    if (length < 0 && errno == EAGAIN) {
+        return;
+    }
+    if (isStarting()) {
+        answer(length == 1 ? byte : '\0');
+    } else {
         helper_.kill();
-        return answer ? Outcome::refused : Outcome::unguarded;
+        replace();
     }
-    helper_.whenEnded([this] { replace(); });
-    return Outcome::guarded;
+}
+
+/// What the helper says; another byte where it has ended first or says nothing.
+void Guardian::answer(char byte) {
+    timeout_.invalidate();
+    if (byte == static_cast<char>(GuardianAnswer::ready)) {
+        helperWindow_ = owner();
+        change(Permission::granted);
+        return;
+    }
+    helper_.kill();
+    if (byte == static_cast<char>(GuardianAnswer::refused)) {
+        std::cerr << "nocta: another Nocta controls the gamma of this display" << std::endl;
+        writers_.clear();
+        change(Permission::refused);
+    } else {
+        complain("cannot start ", "");
+        change(Permission::granted);
+    }
 }
 
 void Guardian::replace() {
     if (!connection_.synchronize()) {
         return; // the server has gone, and the helper after it
     }
-    if (++replacements_ > mostReplacements || launch() != Outcome::guarded) {
-        std::cerr << "nocta: " << HelperProcess::path(programName)
-                  << " keeps dying; a crash would leave the screen as it is" << std::endl;
+    if (replacements_++ < maxReplacements) {
+        launch();
+    } else {
+        complain("", " keeps dying");
     }
+}
+
+void Guardian::change(Permission permission) {
+    if (std::exchange(permission_, permission) != permission) {
+        changed_.call(permission);
+    }
+}
+
+/// Says once what is wrong with the helper.
+void Guardian::complain(const char* before, const char* after) {
+    if (!std::exchange(hasComplained_, true)) {
+        std::cerr << "nocta: " << before << HelperProcess::path(programName) << after
+                  << "; a crash would leave the screen as it is" << std::endl;
+    }
+}
+
+/// The window of the guardian that works on this display; none if none does.
+xcb_window_t Guardian::owner() {
+    auto* const x = connection_.get();
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        x, xcb_get_selection_owner(x, connection_.atom(guardianSelection)), nullptr));
+    connection_.finishTurn();
+    return reply ? reply->owner : xcb_window_t{XCB_NONE};
+}
+
+/// False once another Nocta has taken the display over because the helper was frozen.
+bool Guardian::isInControl() {
+    const auto window = owner();
+    return permission_ == Permission::granted && (window == XCB_NONE || window == helperWindow_);
 }
 
 } // namespace nocta

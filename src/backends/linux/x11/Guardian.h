@@ -2,47 +2,76 @@
 
 #include "backends/linux/HelperProcess.h"
 #include "backends/linux/x11/X11Connection.h"
+#include "base/CallbackList.h"
+#include "base/Timer.h"
+
+#include <functional>
+#include <set>
 
 namespace nocta {
 
 /// The process that gives the screen back when this one dies without doing so. An X server keeps
 /// gamma ramps and colour matrices after the client that wrote them has gone, whatever killed it;
 /// so a small helper process is started before the first write, and it gives back what there was
-/// before if its socket closes while it lives. A helper that dies is replaced.
+/// before if its socket closes while it lives. A helper that dies is replaced: at once, and if it
+/// keeps dying at the next write. Nobody waits for a helper in a call; it may have to see first
+/// what becomes of an earlier one, of a Nocta that has died.
 class Guardian {
 public:
+    enum class Permission {
+        pending, ///< the helper has not answered yet
+        granted,
+        refused, ///< another Nocta that is alive controls the display
+    };
+
     /// `connection` is the one that writes.
-    explicit Guardian(X11Connection& connection) : connection_(connection) {}
+    Guardian(X11Connection& connection, RunLoop& runLoop)
+        : connection_(connection), runLoop_(runLoop) {}
     Guardian(const Guardian&) = delete;
     Guardian& operator=(const Guardian&) = delete;
     ~Guardian() { wake(); }
 
-    /// To be called by everyone who is about to write: starts the helper unless it runs, and waits
-    /// until an earlier one, of a Nocta that has died, has done its work. False while another Nocta
-    /// that is alive controls the display: what it shows must not be taken for the factory's. A
-    /// helper that cannot be started is reported on standard error, and the display stays
-    /// unguarded.
-    bool start();
+    /// To be called by everyone who is about to write: starts the helper unless it runs. A helper
+    /// that cannot be started is reported on standard error, and the display stays unguarded.
+    Permission request(const void* writer);
 
-    /// To be called by everyone who has given back what he has written: after the last one the
-    /// helper ends without a deed.
-    void dismiss();
+    /// Calls back from the event loop when the permission has changed.
+    Subscription observe(std::function<void(const Permission&)> callback) {
+        return changed_.add(std::move(callback));
+    }
 
-    /// The screen could not be given back by this process: the helper is left to do it.
-    void wake();
+    /// To be called by everyone who has requested: calls `restore`, which gives back what he has
+    /// written, unless another Nocta has taken the display over. After the last one the helper ends
+    /// without a deed, and if the server could not be reached, it is left to it.
+    void restore(const void* writer, const std::function<void()>& restore);
+
+    /// To be called by everyone who has requested and written nothing.
+    void dismiss(const void* writer);
+
+    /// Whether a helper runs that has not answered yet.
+    bool isStarting() const { return timeout_.isValid(); }
 
 private:
-    enum class Outcome { none, guarded, unguarded, refused };
-
-    Outcome launch();
-    bool hasOwner();
+    void launch();
+    void hear();
+    void answer(char byte);
     void replace();
+    void change(Permission permission);
+    void complain(const char* before, const char* after);
+    xcb_window_t owner();
+    bool isInControl();
+    void wake();
 
     X11Connection& connection_;
-    Outcome outcome_ = Outcome::none;
-    int writers_ = 0;
-    int replacements_ = 0;
+    RunLoop& runLoop_;
+    Permission permission_ = Permission::pending;
+    std::set<const void*> writers_;
+    CallbackList<Permission> changed_;
+    xcb_window_t helperWindow_ = XCB_NONE; ///< owns the selection while the helper works
+    int replacements_ = 0;                 ///< since the last write that had to start one
+    bool hasComplained_ = false;
     HelperProcess helper_;
+    Timer timeout_;
 };
 
 } // namespace nocta

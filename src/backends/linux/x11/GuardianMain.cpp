@@ -6,6 +6,7 @@
 #include "backends/linux/x11/ColorMatrices.h"
 #include "backends/linux/x11/FactoryRamps.h"
 #include "backends/linux/x11/GuardianProtocol.h"
+#include "backends/linux/x11/XcbReply.h"
 
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
@@ -23,12 +24,22 @@ using namespace nocta;
 using Clock = std::chrono::steady_clock;
 
 constexpr int program = STDIN_FILENO;
+
+/// How long another guardian may take to answer; above what giving the screen back takes.
+constexpr auto answerTimeout = std::chrono::milliseconds(5000);
+
+/// How long one that answers may stay: its Nocta may be dying.
 constexpr auto predecessorTimeout = std::chrono::milliseconds(2500);
+
 constexpr auto lastRequestsTimeout = std::chrono::milliseconds(1000);
 
 xcb_connection_t* x = nullptr;
 xcb_window_t root = XCB_NONE;
+xcb_atom_t selection = XCB_ATOM_NONE;
+xcb_window_t ownWindow = XCB_NONE;     // owns the selection
 xcb_window_t programWindow = XCB_NONE; // none once the server has destroyed it
+bool programLives = true;              // as far as its socket tells
+bool predecessorLives = false;         // it has answered
 
 [[noreturn]] void end(int status) {
     if (x != nullptr) {
@@ -58,18 +69,61 @@ void connect(xcb_window_t window) {
     }
     root = screens.data->root;
     programWindow = watch(window) ? window : xcb_window_t{XCB_NONE};
+    const XcbReply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+        x, xcb_intern_atom(x, 0, std::strlen(guardianSelection), guardianSelection), nullptr));
+    if (!atom) {
+        end(EXIT_FAILURE);
+    }
+    selection = atom->atom;
+    ownWindow = xcb_generate_id(x);
+    xcb_create_window(x, XCB_COPY_FROM_PARENT, ownWindow, root, -1, -1, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+}
+
+/// A message to another guardian: a question with our window, an answer without.
+void send(xcb_window_t guardian, xcb_window_t asking) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = guardian;
+    message.type = selection;
+    message.data.data32[0] = asking;
+    xcb_send_event(x, 0, guardian, XCB_EVENT_MASK_NO_EVENT,
+                   reinterpret_cast<const char*>(&message));
+    xcb_flush(x);
+}
+
+void receive(const xcb_client_message_event_t& message) {
+    if (message.type != selection || message.format != 32) {
+        return;
+    }
+    const auto asking = message.data.data32[0];
+    if (asking == XCB_NONE) {
+        predecessorLives = true;
+    } else if (programLives) {
+        send(asking, XCB_NONE);
+    }
 }
 
 /// Takes note of what has happened and tells whether anything has. Without a server there is no
-/// screen to give back.
+/// screen to give back, and without the selection it is another guardian's.
 bool readEvents() {
     bool any = false;
-    while (auto* const event = xcb_poll_for_event(x)) {
-        if ((event->response_type & 0x7f) == XCB_DESTROY_NOTIFY &&
-            reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window == programWindow) {
-            programWindow = XCB_NONE;
+    while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(x)}) {
+        switch (event->response_type & 0x7f) {
+        case XCB_DESTROY_NOTIFY:
+            if (reinterpret_cast<xcb_destroy_notify_event_t&>(*event).window == programWindow) {
+                programWindow = XCB_NONE;
+            }
+            break;
+        case XCB_CLIENT_MESSAGE:
+            receive(reinterpret_cast<xcb_client_message_event_t&>(*event));
+            break;
+        case XCB_SELECTION_CLEAR:
+            end(EXIT_SUCCESS);
+        default:
+            break;
         }
-        std::free(event);
         any = true;
     }
     if (xcb_connection_has_error(x) != 0) {
@@ -85,45 +139,58 @@ bool waitForServer(Clock::time_point deadline, bool listen) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
     pollfd awaited[] = {{.fd = xcb_get_file_descriptor(x), .events = POLLIN, .revents = 0},
                         {.fd = listen ? program : -1, .events = 0, .revents = 0}};
-    return left > 0 && poll(awaited, 2, static_cast<int>(left)) > 0 && awaited[1].revents == 0;
+    const auto any = left > 0 && poll(awaited, 2, static_cast<int>(left)) > 0;
+    programLives = programLives && awaited[1].revents == 0;
+    return any && awaited[1].revents == 0;
 }
 
-/// Becomes the owner of the guardians' selection, after an earlier owner has gone. False when
-/// that one stays.
-bool takeOver() {
-    auto* const atomReply = xcb_intern_atom_reply(
-        x, xcb_intern_atom(x, 0, std::strlen(guardianSelection), guardianSelection), nullptr);
-    if (atomReply == nullptr) {
+xcb_window_t selectionOwner() {
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(x, xcb_get_selection_owner(x, selection), nullptr));
+    if (!reply) {
         end(EXIT_FAILURE);
     }
-    const auto selection = atomReply->atom;
-    std::free(atomReply);
-    const auto window = xcb_generate_id(x);
-    xcb_create_window(x, XCB_COPY_FROM_PARENT, window, root, -1, -1, 1, 1, 0,
-                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    return reply->owner;
+}
 
-    const auto deadline = Clock::now() + predecessorTimeout;
+/// Becomes the owner of the guardians' selection where it has none, or still the given one. Tells
+/// who had it.
+xcb_window_t takeSelection(xcb_window_t frozen) {
+    xcb_grab_server(x); // nobody else may take the selection between looking and taking
+    const auto owner = selectionOwner();
+    if (owner == XCB_NONE || owner == frozen) {
+        xcb_set_selection_owner(x, ownWindow, selection, XCB_CURRENT_TIME);
+    } else {
+        watch(owner); // its end is an event to wait for
+    }
+    xcb_ungrab_server(x);
+    xcb_flush(x);
+    return owner;
+}
+
+/// Becomes the owner after an earlier one has gone, or if that is frozen. False when it stays, and
+/// when Nocta goes first.
+bool takeOver() {
+    xcb_window_t asked = XCB_NONE;
+    xcb_window_t frozen = XCB_NONE;
+    Clock::time_point askedAt;
     while (true) {
-        xcb_grab_server(x); // nobody else may take the selection between looking and taking
-        auto* const reply =
-            xcb_get_selection_owner_reply(x, xcb_get_selection_owner(x, selection), nullptr);
-        if (reply == nullptr) {
-            end(EXIT_FAILURE);
-        }
-        const auto owner = reply->owner;
-        std::free(reply);
-        if (owner == XCB_NONE) {
-            xcb_set_selection_owner(x, window, selection, XCB_CURRENT_TIME);
-        } else {
-            watch(owner); // its end is the event that is waited for
-        }
-        xcb_ungrab_server(x);
-        xcb_flush(x);
-        if (owner == XCB_NONE) {
+        const auto owner = takeSelection(frozen);
+        if (owner == XCB_NONE || owner == frozen) {
             return true;
         }
+        if (owner != asked) {
+            predecessorLives = false;
+            send(owner, ownWindow);
+            asked = owner;
+            askedAt = Clock::now();
+        }
+        const auto deadline = askedAt + (predecessorLives ? predecessorTimeout : answerTimeout);
         if (!readEvents() && !waitForServer(deadline, true)) {
-            return false;
+            if (!programLives || predecessorLives) {
+                return false;
+            }
+            frozen = asked;
         }
     }
 }
@@ -152,13 +219,20 @@ int main() {
     }
     connect(hello.window);
     const auto answer = takeOver() ? GuardianAnswer::ready : GuardianAnswer::refused;
-    if (write(program, &answer, 1) != 1 || answer == GuardianAnswer::refused) {
+    const auto isRead = write(program, &answer, 1) == 1;
+    if (answer == GuardianAnswer::refused) {
         end(EXIT_SUCCESS);
     }
-    waitForEndOfProgram();
+    if (isRead) { // else an earlier Nocta may have left something to give back all the same
+        waitForEndOfProgram();
+    }
+    programLives = false;
     // What Nocta had still sent before it died must not be served after the screen is given back.
     const auto deadline = Clock::now() + lastRequestsTimeout;
     while (readEvents() || (programWindow != XCB_NONE && waitForServer(deadline, false))) {
+    }
+    if (selectionOwner() != ownWindow) {
+        end(EXIT_SUCCESS); // this process was frozen, and the screen is another Nocta's
     }
     giveBack(x, root, readFactoryRamps(x, root));
     giveBack(x, root, readFactoryMatrices(x, root));

@@ -9,16 +9,26 @@ X11ColorMatrixFilter::X11ColorMatrixFilter(X11Connection& connection, X11Display
                                            NotificationCenter& notificationCenter,
                                            Guardian& guardian)
     : connection_(connection), displays_(displays), guardian_(guardian),
-      screens_(notificationCenter.observe(didChangeScreenParametersNotification, [this] {
-          if (isOurs_) {
-              grayDisplays();
-          }
-      })) {
+      screens_(notificationCenter.observe(didChangeScreenParametersNotification,
+                                          [this] {
+                                              if (isOurs_ && !isWaiting_) {
+                                                  grayDisplays();
+                                              }
+                                          })),
+      permission_(guardian.observe([this](Guardian::Permission permission) { take(permission); })) {
     // What a Nocta has left gray that died together with its guardian.
-    if (!readFactoryMatrices(connection_.get(), connection_.root()).empty() && guardian_.start()) {
-        giveBackDisplays();
+    if (!readFactoryMatrices(connection_.get(), connection_.root()).empty()) {
+        isWaiting_ = true;
+        take(guardian_.request(this));
     }
     connection_.finishTurn();
+}
+
+X11ColorMatrixFilter::~X11ColorMatrixFilter() {
+    X11ColorMatrixFilter::setOn(false);
+    if (isWaiting_) {
+        guardian_.dismiss(this);
+    }
 }
 
 bool X11ColorMatrixFilter::isAvailable() const {
@@ -26,6 +36,9 @@ bool X11ColorMatrixFilter::isAvailable() const {
 }
 
 bool X11ColorMatrixFilter::isOn() {
+    if (isWaiting_) {
+        return isOurs_;
+    }
     const auto shown = matrices();
     return !shown.empty() && std::ranges::all_of(shown, [](const DisplayMatrix& display) {
         return display.matrix == grayMatrix();
@@ -33,10 +46,26 @@ bool X11ColorMatrixFilter::isOn() {
 }
 
 void X11ColorMatrixFilter::setOn(bool on) {
-    if (on && (isOurs_ || guardian_.start())) {
+    if (on) {
         isOurs_ = true;
+        isWaiting_ = true;
+        take(guardian_.request(this));
+    } else if (std::exchange(isOurs_, false) && !isWaiting_) {
+        giveBackDisplays();
+    }
+}
+
+/// Does what waits for the permission to write, once that is known.
+void X11ColorMatrixFilter::take(Guardian::Permission permission) {
+    if (permission == Guardian::Permission::pending) {
+        return;
+    }
+    const auto isWaiting = std::exchange(isWaiting_, false);
+    if (permission == Guardian::Permission::refused) {
+        isOurs_ = false;
+    } else if (isWaiting && isOurs_) {
         grayDisplays();
-    } else if (!on && std::exchange(isOurs_, false)) {
+    } else if (isWaiting) {
         giveBackDisplays();
     }
 }
@@ -68,13 +97,10 @@ void X11ColorMatrixFilter::grayDisplays() {
 }
 
 void X11ColorMatrixFilter::giveBackDisplays() {
-    auto* const x = connection_.get();
-    giveBack(x, connection_.root(), readFactoryMatrices(x, connection_.root()));
-    if (connection_.synchronize()) {
-        guardian_.dismiss();
-    } else {
-        guardian_.wake();
-    }
+    guardian_.restore(this, [this] {
+        auto* const x = connection_.get();
+        giveBack(x, connection_.root(), readFactoryMatrices(x, connection_.root()));
+    });
 }
 
 } // namespace nocta

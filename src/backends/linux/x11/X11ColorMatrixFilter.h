@@ -21,7 +21,7 @@ public:
                          NotificationCenter& notificationCenter, Guardian& guardian);
     X11ColorMatrixFilter(const X11ColorMatrixFilter&) = delete;
     X11ColorMatrixFilter& operator=(const X11ColorMatrixFilter&) = delete;
-    ~X11ColorMatrixFilter() override { X11ColorMatrixFilter::setOn(false); }
+    ~X11ColorMatrixFilter() override;
 
     /// Whether any display has a matrix.
     bool isAvailable() const;
@@ -36,14 +36,17 @@ private:
     };
 
     std::vector<DisplayMatrix> matrices() const;
+    void take(Guardian::Permission permission);
     void grayDisplays();
     void giveBackDisplays();
 
     X11Connection& connection_;
     X11Displays& displays_;
     Guardian& guardian_;
-    bool isOurs_ = false; ///< the screen is gray by this filter
+    bool isOurs_ = false;    ///< the screen is to be gray by this filter
+    bool isWaiting_ = false; ///< the guardian has yet to permit that, or what undoes it
     Subscription screens_;
+    Subscription permission_;
 };
 
 } // namespace nocta

@@ -7,7 +7,9 @@
 namespace nocta {
 
 X11GammaOutput::X11GammaOutput(X11Connection& connection, X11Displays& displays, Guardian& guardian)
-    : connection_(connection), displays_(displays), guardian_(guardian) {}
+    : connection_(connection), displays_(displays), guardian_(guardian),
+      permission_(guardian.observe([this](Guardian::Permission permission) { take(permission); })) {
+}
 
 X11GammaOutput::~X11GammaOutput() {
     X11GammaOutput::displayRestoreColorSyncSettings();
@@ -16,8 +18,52 @@ X11GammaOutput::~X11GammaOutput() {
 Status X11GammaOutput::setDisplayTransferByTable(DisplayId display, std::span<const float> red,
                                                  std::span<const float> green,
                                                  std::span<const float> blue) {
+    if (displays_.crtcOf(display) == XCB_NONE) {
+        return statusFailure;
+    }
+    switch (guardian_.request(this)) {
+    case Guardian::Permission::granted:
+        return write(display, red, green, blue);
+    case Guardian::Permission::pending:
+        waiting_.insert_or_assign(display, Tables{{{red.begin(), red.end()},
+                                                   {green.begin(), green.end()},
+                                                   {blue.begin(), blue.end()}}});
+        return statusSuccess;
+    case Guardian::Permission::refused:
+        break;
+    }
+    return statusFailure;
+}
+
+void X11GammaOutput::displayRestoreColorSyncSettings() {
+    waiting_.clear();
+    if (!std::exchange(isArmed_, false)) {
+        guardian_.dismiss(this);
+        return;
+    }
+    guardian_.restore(this,
+                      [this] { giveBack(connection_.get(), connection_.root(), factoryRamps()); });
+    factories_.clear();
+}
+
+/// Writes what waits for the permission, or drops all that was said of a display that is another's.
+void X11GammaOutput::take(Guardian::Permission permission) {
+    const auto waiting = std::exchange(waiting_, {});
+    if (permission == Guardian::Permission::refused) {
+        isArmed_ = false;
+        factories_.clear();
+        return;
+    }
+    for (const auto& [display, tables] : waiting) {
+        write(display, tables[0], tables[1], tables[2]);
+    }
+}
+
+Status X11GammaOutput::write(DisplayId display, std::span<const float> red,
+                             std::span<const float> green, std::span<const float> blue) {
+    arm();
     const auto crtc = displays_.crtcOf(display);
-    const auto* const factory = crtc == XCB_NONE || !arm() ? nullptr : factoryOf(crtc);
+    const auto* const factory = crtc == XCB_NONE ? nullptr : factoryOf(crtc);
     if (factory == nullptr || factory->ramp.size() == 0) {
         return statusFailure;
     }
@@ -36,31 +82,15 @@ Status X11GammaOutput::setDisplayTransferByTable(DisplayId display, std::span<co
     return statusSuccess;
 }
 
-void X11GammaOutput::displayRestoreColorSyncSettings() {
-    if (!std::exchange(isArmed_, false)) {
+/// Finds, before the first write, what a Nocta has left that died together with its guardian.
+void X11GammaOutput::arm() {
+    if (std::exchange(isArmed_, true)) {
         return;
     }
-    giveBack(connection_.get(), connection_.root(), factoryRamps());
-    if (connection_.synchronize()) {
-        guardian_.dismiss();
-    } else {
-        guardian_.wake();
-    }
-    factories_.clear();
-}
-
-/// Sees to it, before the first write, that the screen is given back whatever happens.
-bool X11GammaOutput::arm() {
-    if (isArmed_ || !guardian_.start()) {
-        return isArmed_;
-    }
-    isArmed_ = true;
-    // What a Nocta has left that died together with its guardian.
     for (auto& [crtc, ramp] : readFactoryRamps(connection_.get(), connection_.root())) {
         remember(crtc, std::move(ramp));
     }
     keepFactoryRamps(connection_.get(), connection_.root(), factoryRamps()); // and nothing else
-    return true;
 }
 
 const X11GammaOutput::Factory* X11GammaOutput::factoryOf(xcb_randr_crtc_t crtc) {

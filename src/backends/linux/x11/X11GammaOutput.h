@@ -6,15 +6,18 @@
 #include "backends/linux/x11/X11Displays.h"
 #include "platform/GammaOutput.h"
 
+#include <array>
 #include <map>
+#include <vector>
 
 namespace nocta {
 
 /// The gamma ramps of the CRTCs that drive the displays. Each CRTC's factory ramp is read before
 /// the first write to it and kept on the server; tables are laid over it as over a calibration, and
-/// it is what the screen is given back as, by this process or, if that dies, by its guardian. No
-/// write waits for the server, and equal tables are written too: that heals a display which was
-/// reset by someone else, of which no event tells.
+/// it is what the screen is given back as, by this process or, if that dies, by its guardian. The
+/// newest tables of a display wait until the guardian is ready. No write waits for the server, and
+/// equal tables are written too: that heals a display which was reset by someone else, of which no
+/// event tells.
 class X11GammaOutput final : public GammaOutput {
 public:
     X11GammaOutput(X11Connection& connection, X11Displays& displays, Guardian& guardian);
@@ -34,7 +37,12 @@ private:
         bool isCalibration = false;
     };
 
-    bool arm();
+    using Tables = std::array<std::vector<float>, 3>;
+
+    void take(Guardian::Permission permission);
+    Status write(DisplayId display, std::span<const float> red, std::span<const float> green,
+                 std::span<const float> blue);
+    void arm();
     const Factory* factoryOf(xcb_randr_crtc_t crtc);
     const Factory* remember(xcb_randr_crtc_t crtc, GammaRamp ramp);
     FactoryRamps factoryRamps() const;
@@ -44,6 +52,8 @@ private:
     Guardian& guardian_;
     bool isArmed_ = false;
     std::map<xcb_randr_crtc_t, Factory> factories_;
+    std::map<DisplayId, Tables> waiting_;
+    Subscription permission_;
 };
 
 } // namespace nocta

@@ -36,7 +36,7 @@ protected:
         filter.emplace(x.connection, x.displays, x.notificationCenter, x.guardian);
     }
     std::vector<Numbers> shown() {
-        x.connection.synchronize();
+        x.settle();
         std::vector<Numbers> matrices;
         for (const auto output : x.client.activeOutputs()) {
             matrices.push_back(x.client.outputProperty("CTM", output));
@@ -127,8 +127,26 @@ TEST_P(X11ColorMatrixFilterTest, WhatADeadProgramHasLeftGrayIsHealedByTheNext) {
     x.connection.synchronize();
     x.client.setOutputProperty("CTM", gray);
     makeFilter();
+    EXPECT_FALSE(filter->isOn()) << "before that is done too";
     EXPECT_EQ(shown(), everywhere(previous));
     EXPECT_FALSE(filter->isOn());
+}
+
+TEST_P(X11ColorMatrixFilterTest, WhatWaitsForTheGuardianIsTheNewestWish) {
+    filter->setOn(true);
+    EXPECT_TRUE(filter->isOn());
+    filter->setOn(false);
+    EXPECT_FALSE(filter->isOn());
+    EXPECT_EQ(shown(), everywhere(previous));
+    filter->setOn(false);
+    filter->setOn(true);
+    EXPECT_EQ(shown(), everywhere(gray));
+
+    filter.reset();
+    makeFilter();
+    filter->setOn(true);
+    filter.reset(); // before the guardian has answered
+    EXPECT_EQ(shown(), everywhere(previous));
 }
 
 class HotplugOfGrayTest : public X11ColorMatrixFilterTest {};

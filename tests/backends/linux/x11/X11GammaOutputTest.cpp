@@ -2,6 +2,7 @@
 #include "backends/linux/x11/X11Session.h"
 #include "support/Process.h"
 
+#include <chrono>
 #include <cmath>
 
 namespace nocta {
@@ -91,8 +92,41 @@ TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBackToo) {
         const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
         ASSERT_EQ(output.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]),
                   statusSuccess);
+        session.settle();
         EXPECT_NE(ramp(), factory);
     }
+    EXPECT_EQ(ramp(), factory);
+}
+
+TEST_P(X11GammaOutputTest, TablesWaitUntilTheGuardianIsReadyAndTheNewestCounts) {
+    const auto factory = ramp();
+    const auto set = [&](float top) {
+        const auto tables = X11Session::tables({top, top, top});
+        return session.gammaOutput.setDisplayTransferByTable(display, tables[0], tables[1],
+                                                             tables[2]);
+    };
+    EXPECT_EQ(set(0.75F), statusSuccess);
+    EXPECT_EQ(set(0.5F), statusSuccess);
+    EXPECT_EQ(ramp(), factory) << "nobody would give it back";
+    session.settle();
+    const auto half = ramp();
+    EXPECT_NE(half, factory);
+    set(0.25F);
+    set(0.5F);
+    EXPECT_EQ(ramp(), half) << "from then on nothing waits";
+    EXPECT_NE(set(0.25F), statusFailure);
+    EXPECT_NE(ramp(), half);
+}
+
+TEST_P(X11GammaOutputTest, NothingIsWrittenAnyMoreThatWaitedWhenTheScreenIsGivenBack) {
+    const auto factory = ramp();
+    const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
+    session.gammaOutput.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
+    ASSERT_TRUE(session.guardian.isStarting());
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    EXPECT_FALSE(session.guardian.isStarting());
+    session.set(session.list().at(0), X11Session::tables({1.0F, 1.0F, 1.0F}));
+    session.gammaOutput.displayRestoreColorSyncSettings();
     EXPECT_EQ(ramp(), factory);
 }
 
@@ -101,21 +135,29 @@ TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay
     session.set(display, tables);
     const auto ours = ramp();
     X11Connection otherConnection(session.runLoop);
-    Guardian otherGuardian(otherConnection);
+    Guardian otherGuardian(otherConnection, session.runLoop);
     X11GammaOutput other(otherConnection, session.displays, otherGuardian);
+    const auto set = [&] {
+        const auto status =
+            other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
+        EXPECT_TRUE(serveUntil([&] { return !otherGuardian.isStarting(); }));
+        EXPECT_TRUE(otherConnection.synchronize());
+        return status;
+    };
     ::testing::internal::CaptureStderr();
-    EXPECT_NE(other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]),
-              statusSuccess);
+    int turns = 0;
+    Timer turn;
+    turn.start(session.runLoop, std::chrono::milliseconds(10), Repeat::yes, [&] { ++turns; });
+    set();
+    EXPECT_GT(turns, 10) << "the first may be ending, and is waited for without holding the loop";
+    EXPECT_NE(set(), statusSuccess);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "nocta: another Nocta controls the gamma of this display\n");
     EXPECT_EQ(ramp(), ours);
 
     session.gammaOutput.displayRestoreColorSyncSettings();
     const auto factory = ramp();
-    EXPECT_EQ(other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]),
-              statusSuccess)
-        << "the first has gone";
-    EXPECT_TRUE(otherConnection.synchronize());
+    EXPECT_EQ(set(), statusSuccess) << "the first has gone";
     EXPECT_EQ(session.client.ramp(crtc), ours);
     other.displayRestoreColorSyncSettings();
     EXPECT_EQ(session.client.ramp(crtc), factory);

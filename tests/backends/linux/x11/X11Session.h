@@ -32,7 +32,7 @@ struct X11Session {
     NotificationCenter notificationCenter;
     X11Connection connection{runLoop};
     X11Displays displays{connection, runLoop, notificationCenter};
-    Guardian guardian{connection};
+    Guardian guardian{connection, runLoop};
     X11GammaOutput gammaOutput{connection, displays, guardian};
 
     std::vector<DisplayId> list() {
@@ -41,14 +41,18 @@ struct X11Session {
         displays.getActiveDisplayList(ids, count);
         return {ids.begin(), ids.begin() + count};
     }
+    /// Returns when all that was sent is on the server.
     Status set(DisplayId id, const std::array<std::vector<float>, 3>& tables) {
         const auto status =
             gammaOutput.setDisplayTransferByTable(id, tables[0], tables[1], tables[2]);
         settle();
         return status;
     }
-    /// Returns when all that was sent is on the server.
-    void settle() { connection.synchronize(); }
+    /// Lets what waits for the guardian be written.
+    void settle() {
+        EXPECT_TRUE(serveUntil([this] { return !guardian.isStarting(); }));
+        connection.synchronize();
+    }
     /// Straight tables up to the three tops.
     static std::array<std::vector<float>, 3> tables(std::array<float, 3> tops) {
         std::array<std::vector<float>, 3> tables;
@@ -83,7 +87,7 @@ struct X11Harness : X11Session {
         serveUntil([this] { return list().size() == 1; });
     }
     double top(DisplayId id) {
-        connection.synchronize();
+        settle();
         return client.top(client.crtcOf(id));
     }
     double factoryTop(DisplayId id) { return factoryTops.at(id); }
