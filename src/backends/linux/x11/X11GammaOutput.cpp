@@ -2,14 +2,49 @@
 
 #include <xcb/randr.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
 #include <utility>
 
 namespace nocta {
 
+namespace {
+
+/// Drivers may keep a level in as few as 8 bits.
+constexpr int maxRounding = 256;
+
+bool isSame(const GammaRamp& a, const GammaRamp& b) {
+    const auto isClose = [](std::uint16_t one, std::uint16_t other) {
+        return std::abs(one - other) <= maxRounding;
+    };
+    return std::ranges::equal(a.red, b.red, isClose) &&
+           std::ranges::equal(a.green, b.green, isClose) &&
+           std::ranges::equal(a.blue, b.blue, isClose);
+}
+
+/// None where the CRTC has gone.
+std::optional<GammaRamp> readRamp(xcb_connection_t* connection, xcb_randr_crtc_t crtc) {
+    const XcbReply<xcb_randr_get_crtc_gamma_reply_t> reply(xcb_randr_get_crtc_gamma_reply(
+        connection, xcb_randr_get_crtc_gamma(connection, crtc), nullptr));
+    if (!reply) {
+        return std::nullopt;
+    }
+    const auto* const red = xcb_randr_get_crtc_gamma_red(reply.get());
+    const auto* const green = xcb_randr_get_crtc_gamma_green(reply.get());
+    const auto* const blue = xcb_randr_get_crtc_gamma_blue(reply.get());
+    return GammaRamp{.red = {red, red + reply->size},
+                     .green = {green, green + reply->size},
+                     .blue = {blue, blue + reply->size}};
+}
+
+} // namespace
+
 X11GammaOutput::X11GammaOutput(X11Connection& connection, X11Displays& displays, Guardian& guardian)
     : connection_(connection), displays_(displays), guardian_(guardian),
-      permission_(guardian.observe([this](Guardian::Permission permission) { take(permission); })) {
-}
+      permission_(guardian.observe([this](Guardian::Permission permission) { take(permission); })),
+      events_(
+          connection.observeEvents([this](const X11Connection::Event& event) { watch(event); })) {}
 
 X11GammaOutput::~X11GammaOutput() {
     X11GammaOutput::displayRestoreColorSyncSettings();
@@ -41,9 +76,13 @@ void X11GammaOutput::displayRestoreColorSyncSettings() {
         guardian_.dismiss(this);
         return;
     }
-    guardian_.restore(this,
-                      [this] { giveBack(connection_.get(), connection_.root(), factoryRamps()); });
-    factories_.clear();
+    guardian_.restore(this, [this] {
+        for (const auto& [id, crtc] : crtcs_) {
+            find(id); // a display may have been calibrated that nothing was written to since
+        }
+        giveBack(connection_.get(), connection_.root(), factoryRamps());
+    });
+    crtcs_.clear();
 }
 
 /// Writes what waits for the permission, or drops all that was said of a display that is another's.
@@ -51,7 +90,7 @@ void X11GammaOutput::take(Guardian::Permission permission) {
     const auto waiting = std::exchange(waiting_, {});
     if (permission == Guardian::Permission::refused) {
         isArmed_ = false;
-        factories_.clear();
+        crtcs_.clear();
         return;
     }
     for (const auto& [display, tables] : waiting) {
@@ -62,21 +101,22 @@ void X11GammaOutput::take(Guardian::Permission permission) {
 Status X11GammaOutput::write(DisplayId display, std::span<const float> red,
                              std::span<const float> green, std::span<const float> blue) {
     arm();
-    const auto crtc = displays_.crtcOf(display);
-    const auto* const factory = crtc == XCB_NONE ? nullptr : factoryOf(crtc);
-    if (factory == nullptr || factory->ramp.size() == 0) {
+    const auto id = displays_.crtcOf(display);
+    auto* const crtc = id == XCB_NONE ? nullptr : find(id);
+    if (crtc == nullptr || crtc->factory.size() == 0) {
         return statusFailure;
     }
     const auto channel = [&](std::span<const float> table,
                              const std::vector<std::uint16_t>& factoryChannel) {
         auto const calibration = std::span(factoryChannel);
-        return laidOver(table, factory->isCalibration ? calibration : calibration.first(0),
+        return laidOver(table, crtc->isCalibration ? calibration : calibration.first(0),
                         calibration.size());
     };
-    const auto ramp = GammaRamp{.red = channel(red, factory->ramp.red),
-                                .green = channel(green, factory->ramp.green),
-                                .blue = channel(blue, factory->ramp.blue)};
-    xcb_randr_set_crtc_gamma(connection_.get(), crtc, static_cast<std::uint16_t>(ramp.size()),
+    const auto& ramp = crtc->written = {.red = channel(red, crtc->factory.red),
+                                        .green = channel(green, crtc->factory.green),
+                                        .blue = channel(blue, crtc->factory.blue)};
+    crtc->display = display;
+    xcb_randr_set_crtc_gamma(connection_.get(), id, static_cast<std::uint16_t>(ramp.size()),
                              ramp.red.data(), ramp.green.data(), ramp.blue.data());
     connection_.finishTurn();
     return statusSuccess;
@@ -87,48 +127,60 @@ void X11GammaOutput::arm() {
     if (std::exchange(isArmed_, true)) {
         return;
     }
-    for (auto& [crtc, ramp] : readFactoryRamps(connection_.get(), connection_.root())) {
-        remember(crtc, std::move(ramp));
+    for (auto& [id, ramp] : readFactoryRamps(connection_.get(), connection_.root())) {
+        crtcs_[id].setFactory(std::move(ramp));
     }
     keepFactoryRamps(connection_.get(), connection_.root(), factoryRamps()); // and nothing else
 }
 
-const X11GammaOutput::Factory* X11GammaOutput::factoryOf(xcb_randr_crtc_t crtc) {
-    if (const auto known = factories_.find(crtc); known != factories_.end()) {
+/// The CRTC with its factory ramp as it is now; null where that cannot be read.
+X11GammaOutput::Crtc* X11GammaOutput::find(xcb_randr_crtc_t id) {
+    const auto known = crtcs_.find(id);
+    if (known != crtcs_.end() && !mayBeCalibratedAnew(id, known->second)) {
         return &known->second;
     }
-    auto* const x = connection_.get();
-    const XcbReply<xcb_randr_get_crtc_gamma_reply_t> reply(
-        xcb_randr_get_crtc_gamma_reply(x, xcb_randr_get_crtc_gamma(x, crtc), nullptr));
+    auto ramp = readRamp(connection_.get(), id);
     connection_.finishTurn();
-    if (!reply) {
-        return nullptr; // the CRTC has gone
+    if (!ramp) {
+        return nullptr;
     }
-    const auto* const red = xcb_randr_get_crtc_gamma_red(reply.get());
-    const auto* const green = xcb_randr_get_crtc_gamma_green(reply.get());
-    const auto* const blue = xcb_randr_get_crtc_gamma_blue(reply.get());
-    GammaRamp ramp{.red = {red, red + reply->size},
-                   .green = {green, green + reply->size},
-                   .blue = {blue, blue + reply->size}};
-    const auto* const factory = remember(crtc, std::move(ramp));
-    keepFactoryRamps(x, connection_.root(), factoryRamps());
-    return factory;
+    auto& crtc = crtcs_[id];
+    crtc.wasOff = false;
+    if (crtc.written.size() == 0 || !isSame(*ramp, crtc.written)) {
+        crtc.setFactory(std::move(*ramp));
+        keepFactoryRamps(connection_.get(), connection_.root(), factoryRamps());
+    }
+    return &crtc;
 }
 
-const X11GammaOutput::Factory* X11GammaOutput::remember(xcb_randr_crtc_t crtc, GammaRamp ramp) {
-    const auto isCalibration = ramp.isCalibration();
-    return &factories_.insert_or_assign(crtc, Factory{std::move(ramp), isCalibration})
-                .first->second;
+bool X11GammaOutput::mayBeCalibratedAnew(xcb_randr_crtc_t id, const Crtc& crtc) const {
+    return crtc.written.size() > 0 && (crtc.wasOff || displays_.crtcOf(crtc.display) != id);
 }
 
 FactoryRamps X11GammaOutput::factoryRamps() const {
     FactoryRamps ramps;
-    for (const auto& [crtc, factory] : factories_) {
-        if (factory.ramp.size() > 0) {
-            ramps.emplace(crtc, factory.ramp);
+    for (const auto& [id, crtc] : crtcs_) {
+        if (crtc.factory.size() > 0) {
+            ramps.emplace(id, crtc.factory);
         }
     }
     return ramps;
+}
+
+/// Takes note of CRTCs that are switched off.
+void X11GammaOutput::watch(const X11Connection::Event& event) {
+    const auto* const randr = xcb_get_extension_data(connection_.get(), &xcb_randr_id);
+    if (randr == nullptr || (event.response_type & 0x7f) != randr->first_event + XCB_RANDR_NOTIFY) {
+        return;
+    }
+    const auto& change = reinterpret_cast<const xcb_randr_notify_event_t&>(event);
+    const auto& crtc = change.u.cc;
+    if (change.subCode != XCB_RANDR_NOTIFY_CRTC_CHANGE || crtc.mode != XCB_NONE) {
+        return;
+    }
+    if (const auto known = crtcs_.find(crtc.crtc); known != crtcs_.end()) {
+        known->second.wasOff = true;
+    }
 }
 
 } // namespace nocta

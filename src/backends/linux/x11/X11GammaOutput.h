@@ -8,16 +8,18 @@
 
 #include <array>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace nocta {
 
 /// The gamma ramps of the CRTCs that drive the displays. Each CRTC's factory ramp is read before
 /// the first write to it and kept on the server; tables are laid over it as over a calibration, and
-/// it is what the screen is given back as, by this process or, if that dies, by its guardian. The
-/// newest tables of a display wait until the guardian is ready. No write waits for the server, and
-/// equal tables are written too: that heals a display which was reset by someone else, of which no
-/// event tells.
+/// it is what the screen is given back as, by this process or, if that dies, by its guardian. A
+/// CRTC that was off or drives another display may have been calibrated anew: its ramp is read
+/// again before the next write. The newest tables of a display wait until the guardian is ready. No
+/// other write waits for the server, and equal tables are written too: that heals a display which
+/// was reset by someone else, of which no event tells.
 class X11GammaOutput final : public GammaOutput {
 public:
     X11GammaOutput(X11Connection& connection, X11Displays& displays, Guardian& guardian);
@@ -32,9 +34,17 @@ public:
     void displayRestoreColorSyncSettings() override;
 
 private:
-    struct Factory {
-        GammaRamp ramp;
-        bool isCalibration = false;
+    struct Crtc {
+        GammaRamp factory;
+        bool isCalibration = false; ///< the factory ramp is one
+        GammaRamp written;          ///< the last ramp; empty before the first
+        DisplayId display = 0;      ///< that it was written for
+        bool wasOff = false;        ///< since then
+
+        void setFactory(GammaRamp ramp) {
+            isCalibration = ramp.isCalibration();
+            factory = std::move(ramp);
+        }
     };
 
     using Tables = std::array<std::vector<float>, 3>;
@@ -43,17 +53,19 @@ private:
     Status write(DisplayId display, std::span<const float> red, std::span<const float> green,
                  std::span<const float> blue);
     void arm();
-    const Factory* factoryOf(xcb_randr_crtc_t crtc);
-    const Factory* remember(xcb_randr_crtc_t crtc, GammaRamp ramp);
+    Crtc* find(xcb_randr_crtc_t id);
+    bool mayBeCalibratedAnew(xcb_randr_crtc_t id, const Crtc& crtc) const;
     FactoryRamps factoryRamps() const;
+    void watch(const X11Connection::Event& event);
 
     X11Connection& connection_;
     X11Displays& displays_;
     Guardian& guardian_;
     bool isArmed_ = false;
-    std::map<xcb_randr_crtc_t, Factory> factories_;
+    std::map<xcb_randr_crtc_t, Crtc> crtcs_;
     std::map<DisplayId, Tables> waiting_;
     Subscription permission_;
+    Subscription events_;
 };
 
 } // namespace nocta

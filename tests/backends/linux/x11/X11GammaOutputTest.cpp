@@ -214,5 +214,107 @@ TEST(X11GammaOutput, RampThatVanishedBetweenListingAndWritingHarmsNoOther) {
     EXPECT_TRUE(serveUntil([&] { return session.list().size() == 1; }));
 }
 
+/// A second display that comes and goes. That a CRTC drives another display without having been off
+/// is not tested: no server that runs without a screen has a CRTC for several outputs.
+class CalibrationTest : public ::testing::Test {
+protected:
+    X11Session session{XServer::Kind::xorgDummy};
+    DisplayId display = 0;
+    xcb_randr_crtc_t crtc = XCB_NONE;
+    XClient::Ramp first = calibration(256, 0.9, {1.0, 0.98, 0.95});
+    XClient::Ramp second = calibration(256, 0.6, {0.9, 0.95, 1.0});
+
+    void SetUp() override {
+        plug();
+        display = session.list()[1];
+        crtc = session.client.crtcOf(static_cast<xcb_randr_output_t>(display));
+        session.client.setRamp(crtc, first);
+        dim();
+        expectDimmed(first);
+    }
+    void plug() {
+        session.server.plugSecondOutput();
+        ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
+    }
+    void unplug() {
+        session.server.unplugSecondOutput();
+        ASSERT_TRUE(serveUntil([&] { return session.list().size() == 1; }));
+    }
+    void dim() {
+        EXPECT_EQ(session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F})), statusSuccess);
+    }
+    void expectDimmed(const XClient::Ramp& factory) {
+        const auto shown = session.client.ramp(crtc);
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            EXPECT_NEAR(shown[channel].back(),
+                        (factory[channel][127] + factory[channel][128]) / 2.0, 1);
+        }
+        const auto kept = readFactoryRamps(session.connection.get(), session.connection.root());
+        ASSERT_TRUE(kept.contains(crtc));
+        EXPECT_EQ(kept.at(crtc).red, factory[0]) << "for whoever has to give it back";
+    }
+    void expectGivenBackAs(const XClient::Ramp& factory) {
+        session.gammaOutput.displayRestoreColorSyncSettings();
+        EXPECT_EQ(session.client.ramp(crtc), factory);
+    }
+};
+
+TEST_F(CalibrationTest, RampThatTheServerKeptWhileADisplayWasOffIsNoCalibration) {
+    const auto dimmed = session.client.ramp(crtc);
+    unplug();
+    plug();
+    EXPECT_EQ(session.client.ramp(crtc), dimmed) << "nothing is written when a display comes";
+    dim();
+    expectDimmed(first);
+    unplug();
+    auto rounded = dimmed; // as a driver with 8 bits keeps it
+    for (auto& channel : rounded) {
+        for (auto& level : channel) {
+            level &= 0xff00;
+        }
+    }
+    session.client.setRamp(crtc, rounded);
+    plug();
+    dim();
+    expectDimmed(first);
+    expectGivenBackAs(first);
+}
+
+TEST_F(CalibrationTest, CalibrationThatIsLoadedWhileADisplayIsOffCounts) {
+    unplug();
+    session.client.setRamp(crtc, second);
+    plug();
+    dim();
+    expectDimmed(second);
+    dim();
+    expectDimmed(second);
+    expectGivenBackAs(second);
+}
+
+TEST_F(CalibrationTest, CalibrationThatIsLoadedWhenADisplayComesBackCounts) {
+    session.server.unplugSecondOutput();
+    session.server.plugSecondOutput(); // before the program has looked
+    session.client.setRamp(crtc, second);
+    session.connection.synchronize();
+    QCoreApplication::processEvents();
+    dim();
+    expectDimmed(second);
+    expectGivenBackAs(second);
+}
+
+TEST_F(CalibrationTest, CalibrationIsNotOverwrittenWhenTheScreenIsGivenBackWithoutAnotherWrite) {
+    unplug();
+    session.client.setRamp(crtc, second);
+    plug();
+    expectGivenBackAs(second);
+}
+
+TEST_F(CalibrationTest, RampThatIsSetWhileTheDisplayStaysOnIsNoCalibration) {
+    session.client.setRamp(crtc, second); // another program's, which the next write heals
+    dim();
+    expectDimmed(first);
+    expectGivenBackAs(first);
+}
+
 } // namespace
 } // namespace nocta
