@@ -1,5 +1,7 @@
 #include "backends/linux/HelperProcess.h"
 
+#include "backends/linux/HelperProtocol.h"
+
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
@@ -28,6 +30,7 @@ bool HelperProcess::start(const char* name, const std::vector<std::string>& argu
 
     auto words = arguments;
     words.insert(words.begin(), path(name));
+    words.emplace_back(helperProtocol);
     std::vector<char*> list(words.size() + 1, nullptr);
     std::ranges::transform(words, list.begin(), [](std::string& word) { return word.data(); });
     posix_spawn_file_actions_t actions;

@@ -1,9 +1,10 @@
 // nocta-magnifier: turns the screen of a GNOME session gray with the shell's magnifier, for as long
-// as the Nocta that started it wants that and lives. It speaks `MagnifierProtocol.h`, and its one
+// as the Nocta that started it wants that and lives. It speaks `MagnifierProtocol.h`, and its first
 // argument is the file in which it notes the user's settings while they are not in force. Whoever
 // finds that file at its start has not seen the end of an earlier helper, and puts them back first.
 
 #include "backends/linux/FileDescriptor.h"
+#include "backends/linux/HelperProtocol.h"
 #include "backends/linux/PrivateFolder.h"
 #include "backends/linux/gnome/MagnifierProtocol.h"
 
@@ -189,12 +190,15 @@ std::optional<char> hear() {
 } // namespace
 
 int main(int argumentCount, char** arguments) {
+    if (!isOfHelperProtocol(argumentCount, arguments)) {
+        return otherProtocolStatus;
+    }
     // Whoever ends the session ends Nocta too, and this process is there for what happens then.
     for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
         std::signal(signal, SIG_IGN);
     }
     setsid();
-    if (argumentCount != 2) {
+    if (argumentCount != 3) {
         return EXIT_FAILURE; // nobody but Nocta starts it
     }
     const std::string stateFile = arguments[1];

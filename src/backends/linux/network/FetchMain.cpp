@@ -1,6 +1,7 @@
 // nocta-fetch: loads one address for Nocta and ends. Whatever a server sends is first met here,
 // in a process that has nothing to lose; the program reads it as fast as it can deal with it.
 
+#include "backends/linux/HelperProtocol.h"
 #include "backends/linux/network/FetchProtocol.h"
 
 #include <nlohmann/json.hpp>
@@ -153,7 +154,10 @@ private:
 
 } // namespace
 
-int main() {
+int main(int argumentCount, char** arguments) {
+    if (!isOfHelperProtocol(argumentCount, arguments)) {
+        return otherProtocolStatus;
+    }
     prctl(PR_SET_PDEATHSIG, SIGKILL); // nobody else would want the answer
     std::signal(SIGPIPE, SIG_IGN);
     curl_global_init(CURL_GLOBAL_DEFAULT);

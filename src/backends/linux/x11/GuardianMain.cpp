@@ -3,6 +3,7 @@
 // `GuardianProtocol.h` on its standard input. It keeps no more than one connection to the X server,
 // so that it costs a few hundred kilobytes.
 
+#include "backends/linux/HelperProtocol.h"
 #include "backends/linux/x11/ColorMatrices.h"
 #include "backends/linux/x11/FactoryRamps.h"
 #include "backends/linux/x11/GuardianProtocol.h"
@@ -206,7 +207,10 @@ void waitForEndOfProgram() {
 
 } // namespace
 
-int main() {
+int main(int argumentCount, char** arguments) {
+    if (!isOfHelperProtocol(argumentCount, arguments)) {
+        return otherProtocolStatus;
+    }
     // Whoever ends the session ends Nocta too, and this process is there for what happens then.
     for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
         std::signal(signal, SIG_IGN);
