@@ -1,9 +1,12 @@
 #include "backends/linux/x11/X11GammaOutput.h"
 
+#include "backends/linux/x11/OtherGammaPrograms.h"
+
 #include <xcb/randr.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <iostream>
 #include <optional>
 #include <utility>
 
@@ -131,6 +134,11 @@ void X11GammaOutput::arm() {
         crtcs_[id].setFactory(std::move(ramp));
     }
     keepFactoryRamps(connection_.get(), connection_.root(), factoryRamps()); // and nothing else
+    const auto* const display = std::getenv("DISPLAY");
+    for (const auto& name : otherGammaPrograms(display == nullptr ? "" : display)) {
+        std::cerr << "nocta: " << name << " sets the gamma of this display too; end one of the two"
+                  << std::endl;
+    }
 }
 
 /// The CRTC with its factory ramp as it is now; null where that cannot be read.
