@@ -7,8 +7,9 @@
 namespace nocta {
 
 namespace {
-constexpr std::size_t textLength = UUID_STR_LEN - 1;
-}
+/// Of the hyphenated form. Not every libuuid has a name for it.
+constexpr std::size_t textLength = 36;
+} // namespace
 
 std::optional<Uuid> Uuid::parse(std::string_view text) {
     Uuid uuid;
@@ -26,7 +27,7 @@ Uuid Uuid::fromRandomBytes(std::array<std::uint8_t, 16> bytes) {
 }
 
 std::string Uuid::toString() const {
-    std::array<char, UUID_STR_LEN> text{};
+    std::array<char, textLength + 1> text{}; // with the terminating zero
     uuid_unparse_upper(bytes.data(), text.data());
     return {text.data(), textLength};
 }
