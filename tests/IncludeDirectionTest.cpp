@@ -33,8 +33,9 @@ const std::map<std::string, Rooms> allowed = {
     {"symbols", {}},
     {"ui", with(services, {"base", "platform", "app", "symbols"})},
     {"backends/virtual", {"base", "platform"}},
-    {"backends/linux", {"base", "platform", "symbols"}},
-    {"backends/macos", {"base", "platform"}},
+    {"backends/shared", {"base", "platform"}},
+    {"backends/linux", {"base", "platform", "symbols", "backends/shared"}},
+    {"backends/macos", {"base", "platform", "backends/shared"}},
     {"tour", with(services, {"base", "platform", "app", "symbols", "ui", "backends/virtual"})},
 };
 

@@ -1,10 +1,10 @@
 #include "backends/linux/shell/QtAppWindows.h"
 
+#include "backends/shared/Scroller.h"
+
 #include <QApplication>
 #include <QCloseEvent>
 #include <QScreen>
-#include <QScrollArea>
-#include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWidget>
@@ -16,9 +16,6 @@
 namespace nocta {
 
 namespace {
-
-/// What a window manager may put around a window, in points.
-constexpr QSize frameRoom(16, 48);
 
 Qt::WindowFlags flagsOf(const AppWindows::Style& style) {
     const auto isMiniaturizable = (style.styleMask & AppWindows::miniaturizable) != 0;
@@ -49,41 +46,6 @@ protected:
 
 private:
     std::function<void()> onClose_;
-};
-
-/// Gives its content all the room that it needs, on a screen that has it; else it scrolls.
-class Scroller final : public QScrollArea {
-public:
-    explicit Scroller(QWidget& content) {
-        setFrameShape(QFrame::NoFrame);
-        setFocusPolicy(Qt::NoFocus); // it follows what has the keyboard
-        setWidgetResizable(true);
-        setWidget(&content);
-        viewport()->setAutoFillBackground(false);
-        content.setAutoFillBackground(false);
-    }
-
-    QSize sizeHint() const override {
-        auto size = widget()->minimumSizeHint().expandedTo(widget()->minimumSize());
-        if (widget()->hasHeightForWidth()) {
-            size.setHeight(std::max(size.height(), widget()->heightForWidth(size.width())));
-        }
-        const auto room = screen()->availableGeometry().size() - frameRoom;
-        const auto barWidth = verticalScrollBar()->sizeHint().width();
-        if (size.height() > room.height()) {
-            size.rwidth() += barWidth;
-        }
-        return size.boundedTo(room);
-    }
-    QSize minimumSizeHint() const override { return sizeHint(); }
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::LayoutRequest) {
-            updateGeometry();
-        }
-        return QScrollArea::eventFilter(watched, event);
-    }
 };
 
 } // namespace
