@@ -2,7 +2,6 @@
 
 #include "backends/macos/Observation.h"
 #include "platform/Displays.h"
-#include "platform/GammaOutput.h"
 
 #import <AppKit/AppKit.h>
 #import <CoreGraphics/CoreGraphics.h>
@@ -46,19 +45,6 @@ public:
 
 private:
     Subscription screenParameters_;
-};
-
-/// The window server gives the factory tables back by itself when the process dies.
-class CgGammaOutput final : public GammaOutput {
-public:
-    bool isAvailable() const override { return true; }
-    Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
-                                     std::span<const float> green,
-                                     std::span<const float> blue) override {
-        return CGSetDisplayTransferByTable(display, static_cast<std::uint32_t>(red.size()),
-                                           red.data(), green.data(), blue.data());
-    }
-    void displayRestoreColorSyncSettings() override { CGDisplayRestoreColorSyncSettings(); }
 };
 
 } // namespace nocta

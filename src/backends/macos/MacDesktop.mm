@@ -1,4 +1,5 @@
 #include "backends/macos/CgDisplays.h"
+#include "backends/macos/CgGammaOutput.h"
 #include "backends/macos/CgKeyEvents.h"
 #include "backends/macos/CoreLocationManager.h"
 #include "backends/macos/DisplayFilters.h"

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "backends/macos/Observation.h"
+#include "backends/shared/WrittenTables.h"
+#include "platform/GammaOutput.h"
+
+#import <AppKit/AppKit.h>
+#import <CoreGraphics/CoreGraphics.h>
+#include <vector>
+
+namespace nocta {
+
+/// The window server gives the factory tables back by itself when the process dies. It also drops
+/// the tables when the machine or its displays sleep, so the last ones are sent again when they
+/// wake.
+class CgGammaOutput final : public GammaOutput {
+public:
+    CgGammaOutput() = default;
+    CgGammaOutput(const CgGammaOutput&) = delete;
+    CgGammaOutput& operator=(const CgGammaOutput&) = delete;
+
+    bool isAvailable() const override { return true; }
+    Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
+                                     std::span<const float> green,
+                                     std::span<const float> blue) override {
+        const CGError error = write(display, red, green, blue);
+        if (error == kCGErrorSuccess) {
+            written_.keep(display, red, green, blue);
+        }
+        return error;
+    }
+    void displayRestoreColorSyncSettings() override {
+        CGDisplayRestoreColorSyncSettings();
+        written_.clear();
+    }
+
+private:
+    static CGError write(DisplayId display, std::span<const float> red,
+                         std::span<const float> green, std::span<const float> blue) {
+        return CGSetDisplayTransferByTable(display, static_cast<std::uint32_t>(red.size()),
+                                           red.data(), green.data(), blue.data());
+    }
+
+    void sendAgain() {
+        forgetGoneDisplays();
+        written_.forEach(write);
+    }
+
+    /// A display that sleeps is online but not active, and must not lose its tables by that.
+    void forgetGoneDisplays() {
+        std::uint32_t count = 0;
+        if (CGGetOnlineDisplayList(0, nullptr, &count) != kCGErrorSuccess) {
+            return;
+        }
+        std::vector<DisplayId> online(count);
+        if (CGGetOnlineDisplayList(count, online.data(), &count) == kCGErrorSuccess) {
+            online.resize(count);
+            written_.keepOnly(online);
+        }
+    }
+
+    WrittenTables written_;
+    Subscription screenParameters_ = observe(NSNotificationCenter.defaultCenter,
+                                             NSApplicationDidChangeScreenParametersNotification,
+                                             nil, ^(NSNotification* /*notification*/) {
+                                               forgetGoneDisplays();
+                                             });
+    Subscription didWake_ =
+        observe(NSWorkspace.sharedWorkspace.notificationCenter, NSWorkspaceDidWakeNotification, nil,
+                ^(NSNotification* /*notification*/) {
+                  sendAgain();
+                });
+    Subscription screensDidWake_ =
+        observe(NSWorkspace.sharedWorkspace.notificationCenter,
+                NSWorkspaceScreensDidWakeNotification, nil, ^(NSNotification* /*notification*/) {
+                  sendAgain();
+                });
+};
+
+} // namespace nocta
