@@ -56,6 +56,11 @@ private:
     RunLoop& runLoop_;
     std::vector<dispatch_source_t> signals_;
     NoctaApplicationDelegate* delegate_ = [[NoctaApplicationDelegate alloc] init]; // else unowned
+    /// Held for life. Else App Nap slows the timers of a program without visible windows down to
+    /// one tick in many seconds, and breaks would come hours late. The machine may still sleep.
+    id<NSObject> activity_ = [NSProcessInfo.processInfo
+        beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
+                          reason:@"Breaks and the color of the screen keep to the time"];
 };
 
 } // namespace nocta
