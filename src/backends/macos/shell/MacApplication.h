@@ -3,7 +3,7 @@
 #include "base/RunLoop.h"
 #include "platform/Application.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #import <AppKit/AppKit.h>
 #include <csignal>
@@ -41,7 +41,7 @@ public:
     /// AppKit ends the process itself; should Qt's loop end, the program is told as well.
     int run(ApplicationDelegate& delegate) override {
         delegate_->receiver = &delegate;
-        const auto exitStatus = QCoreApplication::exec();
+        const auto exitStatus = QApplication::exec();
         if (std::exchange(delegate_->receiver, nullptr) != nullptr) {
             delegate.applicationWillTerminate();
         }

@@ -1,14 +1,19 @@
 #include "backends/macos/shell/MacApplication.h"
 
+// None of these reaches a receiver that has been told of the end.
 @implementation NoctaApplicationDelegate
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {
-    receiver->applicationDidFinishLaunching();
+    if (receiver != nullptr) {
+        receiver->applicationDidFinishLaunching();
+    }
 }
 
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)sender
                     hasVisibleWindows:(BOOL)hasVisibleWindows {
-    receiver->applicationDidReopen();
+    if (receiver != nullptr) {
+        receiver->applicationDidReopen();
+    }
     return NO; // there is nothing that AppKit should open
 }
 
