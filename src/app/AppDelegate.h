@@ -26,13 +26,12 @@ public:
 
     void applicationDidFinishLaunching() override;
     void applicationDidReopen() override;
+    /// Brings the preferences window to the front, made anew where it was closed.
+    void showPreferencesWindow() override;
     void applicationWillTerminate() override;
 
     /// What a click on the status item does.
     void togglePopover();
-
-    /// Brings the preferences window to the front, made anew where it was closed.
-    void showPreferencesWindow();
 
 private:
     void makeStatusItem();

@@ -12,6 +12,10 @@ public:
     /// The user started the program while it runs.
     virtual void applicationDidReopen() = 0;
 
+    /// The user asked the desktop for the program's preferences, where it has a key or a menu for
+    /// them. Stands for showPreferencesWindow:.
+    virtual void showPreferencesWindow() = 0;
+
     /// The last call: no timer fires and no event arrives after it.
     virtual void applicationWillTerminate() = 0;
 };

@@ -116,6 +116,14 @@ TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAnewAfterTheyWereClos
     EXPECT_TRUE(desktop.appWindows.isOnScreen("Preferences"));
 }
 
+TEST_F(AppDelegateTest, DesktopsOwnKeyForThePreferencesOpensThem) {
+    launch();
+    desktop.trace.clear();
+    desktop.application.pressPreferencesKey();
+    EXPECT_EQ(calls(),
+              (Calls{"activateIgnoringOtherApps", "window makeKeyAndOrderFront Preferences"}));
+}
+
 TEST_F(AppDelegateTest, FirstWriteAtStartKnowsNoBacklightAndNoExternalRule) {
     plugExternal();
     settings().unifiedBrightness.set(0.75);

@@ -69,6 +69,7 @@ public:
 
     void launch(ApplicationDelegate& delegate);
     void startAgain() { delegate_->applicationDidReopen(); }
+    void pressPreferencesKey() { delegate_->showPreferencesWindow(); }
 
     int run(ApplicationDelegate& delegate) override;
     void activateIgnoringOtherApps() override { trace_.record("activateIgnoringOtherApps"); }

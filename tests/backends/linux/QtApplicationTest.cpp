@@ -27,6 +27,7 @@ public:
         whenLaunched();
     }
     void applicationDidReopen() override { calls += "reopen "; }
+    void showPreferencesWindow() override { calls += "preferences "; }
     void applicationWillTerminate() override {
         calls += "terminate ";
         whenTerminating();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "backends/macos/shell/MainMenu.h"
 #include "base/RunLoop.h"
 #include "platform/Application.h"
 
@@ -14,6 +15,7 @@
 @public
     nocta::ApplicationDelegate* receiver; // not owned; null when it has been told of the end
 }
+- (void)showPreferencesWindow:(id)sender;
 @end
 
 namespace nocta {
@@ -38,9 +40,11 @@ public:
         }
     }
 
-    /// AppKit ends the process itself; should Qt's loop end, the program is told as well.
+    /// AppKit ends the process itself; should Qt's loop end, the program is told as well. The menu
+    /// replaces the one that Qt has made, in which the item for the preferences does nothing.
     int run(ApplicationDelegate& delegate) override {
         delegate_->receiver = &delegate;
+        NSApp.mainMenu = makeMainMenu(delegate_);
         const auto exitStatus = QApplication::exec();
         if (std::exchange(delegate_->receiver, nullptr) != nullptr) {
             delegate.applicationWillTerminate();

@@ -17,6 +17,12 @@
     return NO; // there is nothing that AppKit should open
 }
 
+- (void)showPreferencesWindow:(id)sender {
+    if (receiver != nullptr) {
+        receiver->showPreferencesWindow();
+    }
+}
+
 /// At once. Qt would refuse first and then leave its event loop, and the refusal would end a logout
 /// that is under way.
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender {
