@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/DisplayFilter.h"
+
+#include <cstdint>
+
+// MediaAccessibility exports these without a header. They are weak, that is, null where a system
+// no longer has them: a strong reference would keep the program from starting there.
+extern "C" {
+[[gnu::weak]] void MADisplayFilterPrefSetType(std::int32_t category, std::int32_t type);
+[[gnu::weak]] void MADisplayFilterPrefSetCategoryEnabled(std::int32_t category,
+                                                         std::int32_t enabled);
+[[gnu::weak]] std::int32_t MADisplayFilterPrefGetType(std::int32_t category);
+[[gnu::weak]] bool MADisplayFilterPrefGetCategoryEnabled(std::int32_t category);
+}
+
+namespace nocta {
+
+/// The filters of the accessibility settings, which belong to the user and stay as they are when
+/// the process ends. A function that is missing does nothing and answers 0.
+class MediaAccessibilityFilter final : public DisplayFilter {
+public:
+    void setType(std::int32_t category, std::int32_t type) override {
+        if (MADisplayFilterPrefSetType != nullptr) {
+            MADisplayFilterPrefSetType(category, type);
+        }
+    }
+    void setCategoryEnabled(std::int32_t category, bool enabled) override {
+        if (MADisplayFilterPrefSetCategoryEnabled != nullptr) {
+            MADisplayFilterPrefSetCategoryEnabled(category, enabled ? 1 : 0);
+        }
+    }
+    std::int32_t getType(std::int32_t category) override {
+        return MADisplayFilterPrefGetType != nullptr ? MADisplayFilterPrefGetType(category) : 0;
+    }
+    bool getCategoryEnabled(std::int32_t category) override {
+        return MADisplayFilterPrefGetCategoryEnabled != nullptr &&
+               MADisplayFilterPrefGetCategoryEnabled(category);
+    }
+};
+
+} // namespace nocta

@@ -1,0 +1,18 @@
+#include "backends/macos/MediaAccessibilityFilter.h"
+
+#include <gtest/gtest.h>
+
+namespace nocta {
+namespace {
+
+/// This program is not linked with them.
+TEST(MediaAccessibilityFilter, FunctionsThatAreMissingDoNothingAndAnswerZero) {
+    MediaAccessibilityFilter filter;
+    filter.setType(1, 1);
+    filter.setCategoryEnabled(1, true);
+    EXPECT_EQ(filter.getType(1), 0);
+    EXPECT_FALSE(filter.getCategoryEnabled(1));
+}
+
+} // namespace
+} // namespace nocta
