@@ -21,13 +21,17 @@ private:
     using GetBrightness = int (*)(std::uint32_t display, float* level);
     using SetBrightness = int (*)(std::uint32_t display, float level);
 
-    /// Of a null handle dlsym knows no symbol.
+    /// A null handle would make some systems search the whole program.
+    void* symbol(const char* name) const {
+        return framework_ != nullptr ? dlsym(framework_, name) : nullptr;
+    }
+
     void* framework_ = dlopen(
         "/System/Library/PrivateFrameworks/DisplayServices.framework/DisplayServices", RTLD_LAZY);
     GetBrightness getBrightness_ =
-        reinterpret_cast<GetBrightness>(dlsym(framework_, "DisplayServicesGetBrightness"));
+        reinterpret_cast<GetBrightness>(symbol("DisplayServicesGetBrightness"));
     SetBrightness setBrightness_ =
-        reinterpret_cast<SetBrightness>(dlsym(framework_, "DisplayServicesSetBrightness"));
+        reinterpret_cast<SetBrightness>(symbol("DisplayServicesSetBrightness"));
 };
 
 } // namespace nocta
