@@ -1,5 +1,6 @@
 #pragma once
 
+#include "backends/macos/TapEvents.h"
 #include "platform/KeyEvents.h"
 
 #import <AppKit/AppKit.h>
@@ -7,6 +8,10 @@
 #include <utility>
 
 namespace nocta {
+
+static_assert(keyDownEventType == kCGEventKeyDown);
+static_assert(tapDisabledByTimeoutEventType == kCGEventTapDisabledByTimeout);
+static_assert(tapDisabledByUserInputEventType == kCGEventTapDisabledByUserInput);
 
 /// The tap is refused until the user has allowed the program to watch the keyboard, in the system's
 /// privacy settings.
@@ -51,14 +56,23 @@ private:
         CFMachPortRef port = nullptr;
     };
 
-    /// Every event goes on as it came.
+    /// Every event goes on as it came. A tap that cannot be enabled again, as the user has
+    /// withdrawn the permission, stays disabled, and the keys go on without it.
     static CGEventRef keyDown(CGEventTapProxy /*proxy*/, CGEventType type, CGEventRef event,
                               void* userInfo) {
         const auto* const tap = static_cast<const Tap*>(userInfo);
-        if (tap != nullptr && type == kCGEventKeyDown) {
+        if (tap == nullptr) {
+            return event;
+        }
+        switch (tapEvent(type)) {
+        case TapEvent::keyDown:
             tap->handler({CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode)});
-        } else if (tap != nullptr && type == kCGEventTapDisabledByTimeout) {
-            CGEventTapEnable(tap->port, true); // the machine was too busy once
+            break;
+        case TapEvent::disabled:
+            CGEventTapEnable(tap->port, true);
+            break;
+        case TapEvent::other:
+            break;
         }
         return event;
     }
