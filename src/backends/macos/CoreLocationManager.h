@@ -1,5 +1,6 @@
 #pragma once
 
+#include "backends/macos/Statuses.h"
 #include "backends/macos/Strings.h"
 #include "platform/LocationManager.h"
 
@@ -12,6 +13,14 @@
 
 namespace nocta {
 
+static_assert(authorizationStatus(kCLAuthorizationStatusNotDetermined) ==
+              AuthorizationStatus::notDetermined);
+static_assert(authorizationStatus(kCLAuthorizationStatusRestricted) ==
+              AuthorizationStatus::restricted);
+static_assert(authorizationStatus(kCLAuthorizationStatusDenied) == AuthorizationStatus::denied);
+static_assert(authorizationStatus(kCLAuthorizationStatusAuthorizedAlways) ==
+              AuthorizationStatus::authorized);
+
 /// It calls its delegate on the thread on which it was made, the main one.
 class CoreLocationManager final : public LocationManager {
 public:
@@ -22,9 +31,8 @@ public:
         manager_.delegate = delegate != nullptr ? delegate_ : nil;
     }
 
-    /// The cases have the same numbers.
     AuthorizationStatus authorizationStatus() const override {
-        return static_cast<AuthorizationStatus>(manager_.authorizationStatus);
+        return nocta::authorizationStatus(manager_.authorizationStatus);
     }
 
     void requestWhenInUseAuthorization() override { [manager_ requestWhenInUseAuthorization]; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "backends/macos/Statuses.h"
 #include "backends/macos/Strings.h"
 #include "platform/LoginItem.h"
 
@@ -7,11 +8,16 @@
 
 namespace nocta {
 
+static_assert(loginItemStatus(SMAppServiceStatusNotRegistered) == LoginItem::Status::notRegistered);
+static_assert(loginItemStatus(SMAppServiceStatusEnabled) == LoginItem::Status::enabled);
+static_assert(loginItemStatus(SMAppServiceStatusRequiresApproval) ==
+              LoginItem::Status::requiresApproval);
+static_assert(loginItemStatus(SMAppServiceStatusNotFound) == LoginItem::Status::notFound);
+
 /// This very bundle.
 class MainAppLoginItem final : public LoginItem {
 public:
-    /// The cases have the same numbers.
-    Status status() override { return static_cast<Status>(SMAppService.mainAppService.status); }
+    Status status() override { return loginItemStatus(SMAppService.mainAppService.status); }
 
     std::optional<std::string> registerItem() override {
         NSError* error = nil;

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/LocationManager.h"
+#include "platform/LoginItem.h"
+
+#include <cstdint>
+
+namespace nocta {
+
+/// From the number of a CLAuthorizationStatus. One that this program does not know allows nothing.
+constexpr AuthorizationStatus authorizationStatus(std::int64_t native) {
+    switch (native) {
+    case 0:
+        return AuthorizationStatus::notDetermined;
+    case 2:
+        return AuthorizationStatus::denied;
+    case 3:
+        return AuthorizationStatus::authorized;
+    case 4:
+        return AuthorizationStatus::authorizedWhenInUse;
+    default:
+        return AuthorizationStatus::restricted; // 1
+    }
+}
+
+/// From the number of an SMAppServiceStatus. One that this program does not know is not enabled.
+constexpr LoginItem::Status loginItemStatus(std::int64_t native) {
+    switch (native) {
+    case 0:
+        return LoginItem::Status::notRegistered;
+    case 1:
+        return LoginItem::Status::enabled;
+    case 2:
+        return LoginItem::Status::requiresApproval;
+    default:
+        return LoginItem::Status::notFound; // 3
+    }
+}
+
+} // namespace nocta
