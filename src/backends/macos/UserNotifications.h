@@ -15,8 +15,14 @@
 
 namespace nocta {
 
-/// UNUserNotificationCenter, which there is only for a program in a bundle. It answers on threads
-/// of its own; everything is brought to the run loop.
+static_assert(notificationSound == UNAuthorizationOptionSound);
+static_assert(notificationAlert == UNAuthorizationOptionAlert);
+static_assert(notificationSound == UNNotificationPresentationOptionSound);
+static_assert(notificationBanner == UNNotificationPresentationOptionBanner);
+
+/// UNUserNotificationCenter. It answers on threads of its own; everything is brought to the run
+/// loop. For a program without a bundle, as a development build can be, there is none: asking for
+/// it would throw and end the program. Then nothing is shown and nothing is allowed.
 class UserNotifications final : public UserNotificationCenter {
 public:
     explicit UserNotifications(RunLoop& runLoop) { delegate_.runLoop = &runLoop; }
@@ -24,6 +30,10 @@ public:
     void requestAuthorization(std::uint32_t options,
                               AuthorizationHandler completionHandler) override {
         RunLoop& runLoop = *delegate_.runLoop;
+        if (center_ == nil) {
+            runLoop.post([completionHandler] { completionHandler(false, std::nullopt); });
+            return;
+        }
         [center_ requestAuthorizationWithOptions:options
                                completionHandler:^(BOOL granted, NSError* error) {
                                  runLoop.post([completionHandler, granted, error] {
@@ -74,7 +84,9 @@ public:
     }
 
 private:
-    UNUserNotificationCenter* center_ = UNUserNotificationCenter.currentNotificationCenter;
+    UNUserNotificationCenter* center_ = NSBundle.mainBundle.bundleIdentifier != nil
+                                            ? UNUserNotificationCenter.currentNotificationCenter
+                                            : nil;
     NoctaNotificationDelegate* delegate_ = [[NoctaNotificationDelegate alloc] init]; // else unowned
 };
 
