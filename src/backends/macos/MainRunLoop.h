@@ -13,6 +13,16 @@ namespace nocta {
 /// Sparkle, the event tap and the notification centres are served by it anyway.
 class MainRunLoop final : public RunLoop {
 public:
+    MainRunLoop() = default;
+    MainRunLoop(const MainRunLoop&) = delete;
+    MainRunLoop& operator=(const MainRunLoop&) = delete;
+    /// The system's run loop goes on, and would fire what is left.
+    ~MainRunLoop() override {
+        for (const auto& [id, timer] : timers_) {
+            [timer invalidate];
+        }
+    }
+
     WallTime wallNow() const override { return std::chrono::system_clock::now(); }
 
     /// NSTimer's clock. That of the standard library goes on while the machine sleeps.

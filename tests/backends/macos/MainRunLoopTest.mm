@@ -19,4 +19,19 @@ struct MainRunLoopHarness {
 };
 INSTANTIATE_TYPED_TEST_SUITE_P(MacOs, RunLoopContract, MainRunLoopHarness);
 
+TEST(MainRunLoop, LeavesNoTimerBehind) {
+    constexpr auto tick = std::chrono::milliseconds(2);
+    bool fired = false;
+    {
+        MainRunLoop runLoop;
+        runLoop.schedule(tick, Repeat::yes, [&fired] { fired = true; });
+    }
+    MainRunLoopHarness harness;
+    int turns = 0;
+    Timer timer;
+    timer.start(harness.runLoop, tick, Repeat::yes, [&turns] { ++turns; });
+    EXPECT_TRUE(harness.runUntil([&turns] { return turns == 5; }));
+    EXPECT_FALSE(fired);
+}
+
 } // namespace nocta
