@@ -1,5 +1,6 @@
 #pragma once
 
+#include "backends/shared/Scroller.h"
 #include "platform/Views.h"
 
 #include <QEvent>
@@ -11,38 +12,51 @@
 #include <memory>
 #include <utility>
 
+/// Its only subview fills it.
+@interface NoctaContainerView : NSView
+@end
+
 namespace nocta {
 
-/// A view of the face for a native window or popover.
+/// A view of the face for a native window or popover. Qt's own native view is inside a plain one:
+/// Qt would take over the window whose content view it is, and change its sizes and its buttons.
 class HostedView : QObject {
 public:
-    /// As the desktop paints its windows, or whatever is behind.
-    enum class Background { window, clear };
+    enum class Kind {
+        window, ///< painted as the desktop paints its windows; scrolls where the screen is too low
+        clear   ///< whatever is behind shows through
+    };
 
-    HostedView(std::unique_ptr<View> content, Background background)
-        : content_(std::move(content)), widget_(*static_cast<QWidget*>(content_->nativeView())) {
+    /// `least` is the least size of the content, in points.
+    HostedView(std::unique_ptr<View> content, NSSize least, Kind kind)
+        : contentWidget_(*static_cast<QWidget*>(content->nativeView())),
+          scroller_(kind == Kind::window ? std::make_unique<Scroller>(contentWidget_) : nullptr),
+          widget_(scroller_ != nullptr ? *scroller_ : contentWidget_),
+          content_(std::move(content)) {
+        contentWidget_.setMinimumSize(contentWidget_.minimumSize().expandedTo(
+            QSize(qRound(least.width), qRound(least.height))));
+        contentWidget_.installEventFilter(this);
         widget_.setWindowFlags(Qt::SubWindow); // a native view alone, without a window of Qt's
-        widget_.setAttribute(Qt::WA_TranslucentBackground, background == Background::clear);
+        widget_.setAttribute(Qt::WA_TranslucentBackground, kind == Kind::clear);
+        const NSSize size = fittingSize();
+        container_ =
+            [[NoctaContainerView alloc] initWithFrame:NSMakeRect(0, 0, size.width, size.height)];
+        [container_ addSubview:qtView()];
         widget_.show();
-        nativeView().autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
-        widget_.installEventFilter(this);
+        qtView().frame = container_.bounds; // showing it may have moved it
     }
 
-    ~HostedView() override { [nativeView() removeFromSuperview]; } // Qt would leave it there
+    /// The container stays with its window; Qt destroys only what is Qt's.
+    ~HostedView() override { [qtView() removeFromSuperview]; }
 
-    /// Qt owns it.
-    NSView* nativeView() const {
-        return (__bridge NSView*)reinterpret_cast<void*>(widget_.winId());
-    }
+    NSView* view() const { return container_; }
 
     /// Called whenever the content may need another size.
     std::function<void()> layoutRequested;
 
-    /// What the content needs, at least `least`; in points.
-    NSSize fittingSize(NSSize least) const {
-        auto size = widget_.minimumSizeHint()
-                        .expandedTo(widget_.minimumSize())
-                        .expandedTo(QSize(qRound(least.width), qRound(least.height)));
+    /// What the content needs, in points.
+    NSSize fittingSize() const {
+        auto size = widget_.minimumSizeHint().expandedTo(widget_.minimumSize());
         if (widget_.hasHeightForWidth()) {
             size.setHeight(std::max(size.height(), widget_.heightForWidth(size.width())));
         }
@@ -50,7 +64,7 @@ public:
     }
 
     /// Gives the content the keyboard of the window that it is in.
-    void makeFirstResponder() const { [nativeView().window makeFirstResponder:nativeView()]; }
+    void makeFirstResponder() const { [container_.window makeFirstResponder:qtView()]; }
 
 protected:
     bool eventFilter(QObject* /*widget*/, QEvent* event) override {
@@ -61,8 +75,14 @@ protected:
     }
 
 private:
-    std::unique_ptr<View> content_;
-    QWidget& widget_;
+    /// Qt owns it.
+    NSView* qtView() const { return (__bridge NSView*)reinterpret_cast<void*>(widget_.winId()); }
+
+    QWidget& contentWidget_;
+    std::unique_ptr<Scroller> scroller_;
+    QWidget& widget_; ///< the outermost
+    NoctaContainerView* container_ = nil;
+    std::unique_ptr<View> content_; // goes before what scrolls it
 };
 
 } // namespace nocta

@@ -11,22 +11,26 @@
 
 namespace nocta {
 
+static_assert(AppWindows::titled == NSWindowStyleMaskTitled);
+static_assert(AppWindows::closable == NSWindowStyleMaskClosable);
+static_assert(AppWindows::miniaturizable == NSWindowStyleMaskMiniaturizable);
+
 class MacAppWindow final : public AppWindow {
 public:
     MacAppWindow(RunLoop& runLoop, const AppWindows::Style& style, std::unique_ptr<View> content,
                  std::function<void()> onClose)
-        : content_(std::move(content), HostedView::Background::window),
-          least_(NSMakeSize(style.width, style.height)),
+        : content_(std::move(content), NSMakeSize(style.width, style.height),
+                   HostedView::Kind::window),
           window_([[NSWindow alloc] initWithContentRect:NSZeroRect
-                                              styleMask:style.styleMask // the same bits
+                                              styleMask:style.styleMask
                                                 backing:NSBackingStoreBuffered
                                                   defer:NO]),
           close_(runLoop, std::move(onClose)) {
         window_.releasedWhenClosed = NO; // it is owned here
         window_.title = translated(style.title);
         window_.level = static_cast<NSWindowLevel>(style.level);
-        window_.contentView = content_.nativeView();
-        [window_ setContentSize:content_.fittingSize(least_)];
+        window_.contentView = content_.view();
+        [window_ setContentSize:content_.fittingSize()];
         [window_ center];
         content_.layoutRequested = [this] { fitContent(); };
         willClose_ = observe(NSNotificationCenter.defaultCenter, NSWindowWillCloseNotification,
@@ -34,12 +38,18 @@ public:
                                close_.request();
                              });
     }
+    MacAppWindow(const MacAppWindow&) = delete;
+    MacAppWindow& operator=(const MacAppWindow&) = delete;
     ~MacAppWindow() override {
         willClose_.cancel(); // this is not the user
         [window_ close];
     }
 
+    /// Ordering a window to the front leaves it in the Dock where it was minimized.
     void makeKeyAndOrderFront() override {
+        if (window_.miniaturized) {
+            [window_ deminiaturize:nil];
+        }
         [window_ makeKeyAndOrderFront:nil];
         content_.makeFirstResponder();
     }
@@ -48,7 +58,7 @@ public:
 private:
     /// The title bar stays where it is.
     void fitContent() {
-        const NSSize size = content_.fittingSize(least_);
+        const NSSize size = content_.fittingSize();
         const NSRect old = window_.frame;
         NSRect frame = [window_ frameRectForContentRect:NSMakeRect(0, 0, size.width, size.height)];
         frame.origin = NSMakePoint(old.origin.x, NSMaxY(old) - frame.size.height);
@@ -58,7 +68,6 @@ private:
     }
 
     HostedView content_;
-    NSSize least_;
     NSWindow* window_;
     Deferred close_;
     Subscription willClose_;

@@ -18,7 +18,7 @@ class MacOverlayWindow final : public OverlayWindow {
 public:
     MacOverlayWindow(const Rect& frame, const OverlayWindows::Style& style,
                      std::unique_ptr<View> content)
-        : content_(std::move(content), HostedView::Background::clear),
+        : content_(std::move(content), NSZeroSize, HostedView::Kind::clear),
           window_([[HostingOverlayWindow alloc]
               initWithContentRect:NSMakeRect(frame.x, frame.y, frame.width, frame.height)
                         styleMask:NSWindowStyleMaskBorderless
@@ -31,7 +31,7 @@ public:
         window_.ignoresMouseEvents = NO;
         window_.collectionBehavior = style.collectionBehavior; // the same bits
         window_.hasShadow = NO;
-        window_.contentView = content_.nativeView();
+        window_.contentView = content_.view();
         window_.alphaValue = 0;
     }
     ~MacOverlayWindow() override { [window_ close]; }

@@ -28,11 +28,12 @@ public:
         popover_.contentViewController = nil;
         content_.reset();
         if (view != nullptr) {
-            content_ = std::make_unique<HostedView>(std::move(view), HostedView::Background::clear);
+            content_ = std::make_unique<HostedView>(std::move(view), contentSize_,
+                                                    HostedView::Kind::clear);
             NSViewController* const controller = [[NSViewController alloc] init];
-            controller.view = content_->nativeView();
+            controller.view = content_->view();
             popover_.contentViewController = controller;
-            popover_.contentSize = content_->fittingSize(contentSize_);
+            popover_.contentSize = content_->fittingSize();
         }
     }
 
@@ -43,7 +44,7 @@ public:
             return;
         }
         [popover_ showRelativeToRect:button.bounds ofView:button preferredEdge:NSRectEdgeMinY];
-        [content_->nativeView().window makeKeyWindow];
+        [content_->view().window makeKeyWindow];
         content_->makeFirstResponder();
     }
     void close() override { [popover_ performClose:nil]; }
