@@ -76,7 +76,7 @@ private:
     MacUpdater updater_;
     MacOverlayWindows overlayWindows_;
     MacStatusBar statusBar_;
-    MacPopover popover_;
+    MacPopover popover_{runLoop_};
     MacAppWindows appWindows_{runLoop_};
 
 public:

@@ -3,6 +3,7 @@
 #include "backends/macos/Observation.h"
 #include "backends/macos/shell/HostedView.h"
 #include "backends/macos/shell/MacStatusBar.h"
+#include "base/Deferred.h"
 #include "platform/Popover.h"
 
 #import <AppKit/AppKit.h>
@@ -10,8 +11,20 @@
 
 namespace nocta {
 
+/// The popover below the status item. It is shown without making Nocta the active program, so that
+/// a meeting in front stays in front; the other way, to activate Nocta first, would end it. AppKit
+/// does not say which interactions close a transient popover, least of all that of a program that
+/// is not active, so two that must close it are watched here while it is shown.
 class MacPopover final : public Popover {
 public:
+    explicit MacPopover(RunLoop& runLoop)
+        : dropContent_(runLoop, [this] {
+              if (!isShown()) { // it may be open again by now
+                  setContentView(nullptr);
+              }
+          }) {}
+    MacPopover(const MacPopover&) = delete;
+    MacPopover& operator=(const MacPopover&) = delete;
     ~MacPopover() override { [popover_ close]; }
 
     void setContentSize(double width, double height) override {
@@ -24,6 +37,7 @@ public:
     }
     void setAnimates(bool animates) override { popover_.animates = animates; }
 
+    /// Content that needs more than the size that was set makes the popover grow, then and later.
     void setContentView(std::unique_ptr<View> view) override {
         popover_.contentViewController = nil;
         content_.reset();
@@ -34,38 +48,68 @@ public:
             controller.view = content_->view();
             popover_.contentViewController = controller;
             popover_.contentSize = content_->fittingSize();
+            content_->layoutRequested = [this] { popover_.contentSize = content_->fittingSize(); };
         }
     }
 
-    /// A button in the menu bar has its popover below.
+    /// A button in the menu bar has its popover below. The menu bar is as light or dark as what is
+    /// behind it, and a popover takes its appearance from where it hangs; but Qt draws the content
+    /// in the colors of the program's appearance.
     void show(StatusItem& relativeTo) override {
         NSStatusBarButton* const button = static_cast<MacStatusItem&>(relativeTo).button();
         if (button == nil || content_ == nullptr) {
             return;
         }
+        popover_.appearance = NSApp.effectiveAppearance;
         [popover_ showRelativeToRect:button.bounds ofView:button preferredEdge:NSRectEdgeMinY];
         [content_->view().window makeKeyWindow];
         content_->makeFirstResponder();
+        watch();
     }
     void close() override { [popover_ performClose:nil]; }
     bool isShown() const override { return popover_.shown; }
 
 private:
-    /// Later, as it may be a button of the content that closes.
-    void dropContent() {
-        dispatch_async(dispatch_get_main_queue(), ^{
-          if (!popover_.shown) { // it may be open again by now
-              setContentView(nullptr);
-          }
-        });
+    /// Another window of this program, and a click in another program, for example in its item in
+    /// the menu bar, of which AppKit tells nobody else.
+    void watch() {
+        didBecomeKey_ =
+            observe(NSNotificationCenter.defaultCenter, NSWindowDidBecomeKeyNotification, nil,
+                    ^(NSNotification* notification) {
+                      if (content_ != nullptr && notification.object != content_->view().window) {
+                          close();
+                      }
+                    });
+        const id monitor =
+            [NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown |
+                                                           NSEventMaskRightMouseDown |
+                                                           NSEventMaskOtherMouseDown
+                                                   handler:^(NSEvent* /*event*/) {
+                                                     close();
+                                                   }];
+        if (monitor != nil) {
+            clicks_ = Subscription([monitor] { [NSEvent removeMonitor:monitor]; });
+        }
     }
+
+    void didClose() {
+        if (!isShown()) {
+            didBecomeKey_.cancel();
+            clicks_.cancel();
+        }
+        dropContent_.request(); // later, as it may be a button of the content that closes
+    }
+
     NSPopover* popover_ = [[NSPopover alloc] init];
     NSSize contentSize_ = NSZeroSize;
     std::unique_ptr<HostedView> content_;
+    Deferred dropContent_;
+    Subscription didBecomeKey_; ///< while it is shown
+    Subscription clicks_;       ///< while it is shown
     Subscription didClose_ =
         observe(NSNotificationCenter.defaultCenter, NSPopoverDidCloseNotification, popover_,
                 ^(NSNotification* /*notification*/) {
-                  dropContent();
+                  didClose();
                 });
 };
 
