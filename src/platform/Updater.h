@@ -43,7 +43,7 @@ public:
         noFeed,        ///< this build knows nowhere to look
         packageManager ///< updates come with those of the system
     };
-    /// The error's description where the cycle failed.
+    /// The error's description where the cycle failed, unless the updater has logged it already.
     using DidFinishUpdateCycle = std::function<void(const std::optional<std::string>& error)>;
 
     Published<bool> canCheckForUpdates{false};

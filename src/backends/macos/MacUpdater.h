@@ -3,8 +3,10 @@
 #include "platform/Updater.h"
 
 #if NOCTA_SPARKLE
+#include "backends/macos/Observation.h"
 #include "backends/macos/Strings.h"
 
+#import <AppKit/AppKit.h>
 #import <Sparkle/Sparkle.h>
 #include <utility>
 
@@ -13,24 +15,19 @@
 @public
     nocta::Updater* updater; // not owned
     nocta::Updater::DidFinishUpdateCycle didFinishUpdateCycle;
+    bool hasUpdateToShow; // one that a scheduled check has found, and that nobody has seen yet
 }
 @end
 
 namespace nocta {
 
 /// Sparkle's standard updater, with its own windows. Its feed and its key stand in Info.plist.
+/// Until it is started there is none: nothing is checked, and every wish reads as no.
 class MacUpdater final : public Updater {
 public:
-    MacUpdater() {
-        delegate_->updater = this;
-        controller_ = [[SPUStandardUpdaterController alloc] initWithStartingUpdater:NO
-                                                                    updaterDelegate:delegate_
-                                                                 userDriverDelegate:delegate_];
-        [controller_.updater addObserver:delegate_
-                              forKeyPath:@"canCheckForUpdates"
-                                 options:NSKeyValueObservingOptionInitial
-                                 context:nullptr];
-    }
+    MacUpdater() = default;
+    MacUpdater(const MacUpdater&) = delete;
+    MacUpdater& operator=(const MacUpdater&) = delete;
     ~MacUpdater() override {
         [controller_.updater removeObserver:delegate_ forKeyPath:@"canCheckForUpdates"];
     }
@@ -38,7 +35,15 @@ public:
     Availability availability() const override { return Availability::available; }
 
     std::optional<std::string> startUpdater(DidFinishUpdateCycle didFinishUpdateCycle) override {
+        delegate_->updater = this;
         delegate_->didFinishUpdateCycle = std::move(didFinishUpdateCycle);
+        controller_ = [[SPUStandardUpdaterController alloc] initWithStartingUpdater:NO
+                                                                    updaterDelegate:delegate_
+                                                                 userDriverDelegate:delegate_];
+        [controller_.updater addObserver:delegate_
+                              forKeyPath:@"canCheckForUpdates"
+                                 options:NSKeyValueObservingOptionInitial
+                                 context:nullptr];
         NSError* error = nil;
         if ([controller_.updater startUpdater:&error]) {
             return std::nullopt;
@@ -67,7 +72,16 @@ public:
 
 private:
     NoctaUpdaterDelegate* delegate_ = [[NoctaUpdaterDelegate alloc] init]; // else unowned
-    SPUStandardUpdaterController* controller_;
+    SPUStandardUpdaterController* controller_ = nil;
+    /// Sparkle would show what a scheduled check finds behind the windows of other programs, as
+    /// this one is not in the Dock. Checking brings to the front what was found.
+    Subscription popoverDidShow_ =
+        observe(NSNotificationCenter.defaultCenter, NSPopoverDidShowNotification, nil,
+                ^(NSNotification* /*notification*/) {
+                  if (delegate_->hasUpdateToShow) {
+                      checkForUpdates();
+                  }
+                });
 };
 
 } // namespace nocta

@@ -4,18 +4,17 @@
 
 @implementation NoctaUpdaterDelegate
 
+/// Nobody who starts the program by its icon reads its standard error, where the program would say
+/// it: it is logged here, and only here.
 - (void)updater:(SPUUpdater*)source
     didFinishUpdateCycleForUpdateCheck:(SPUUpdateCheck)updateCheck
                                  error:(NSError*)error {
-    std::optional<std::string> description;
     if (error != nil) {
-        description = nocta::stdString(error.localizedDescription);
-        // Standard error, where the program says it, is read by nobody who starts it by its icon.
         os_log_error(OS_LOG_DEFAULT, "Sparkle update check failed: %{public}@",
                      error.localizedDescription);
     }
     if (didFinishUpdateCycle) {
-        didFinishUpdateCycle(description);
+        didFinishUpdateCycle(std::nullopt);
     }
 }
 
@@ -24,6 +23,31 @@
                         change:(NSDictionary<NSKeyValueChangeKey, id>*)change
                        context:(void*)context {
     updater->canCheckForUpdates.set(((SPUUpdater*)object).canCheckForUpdates);
+}
+
+- (BOOL)supportsGentleScheduledUpdateReminders {
+    return YES;
+}
+
+/// Where Sparkle would put its window in front, for example right after the start, it shows it
+/// itself.
+- (BOOL)standardUserDriverShouldHandleShowingScheduledUpdate:(SUAppcastItem*)update
+                                         andInImmediateFocus:(BOOL)immediateFocus {
+    return immediateFocus;
+}
+
+- (void)standardUserDriverWillHandleShowingUpdate:(BOOL)handleShowingUpdate
+                                        forUpdate:(SUAppcastItem*)update
+                                            state:(SPUUserUpdateState*)state {
+    hasUpdateToShow = !handleShowingUpdate;
+}
+
+- (void)standardUserDriverDidReceiveUserAttentionForUpdate:(SUAppcastItem*)update {
+    hasUpdateToShow = false;
+}
+
+- (void)standardUserDriverWillFinishUpdateSession {
+    hasUpdateToShow = false;
 }
 
 @end
