@@ -1,10 +1,18 @@
+#include "backends/macos/NativeServiceCalls.h"
+#include "backends/macos/NativeShellCalls.h"
+
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <regex>
+#include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -20,100 +28,56 @@ std::string withoutComments(const fs::path& file) {
     return std::regex_replace(text, comment, "");
 }
 
-std::string codeIn(const fs::path& folder) {
-    std::string code;
-    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        if (entry.is_regular_file()) {
-            code += withoutComments(entry.path());
+bool isSpace(char character) {
+    return std::isspace(static_cast<unsigned char>(character)) != 0;
+}
+
+bool isOfAWord(char character) {
+    return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
+}
+
+/// Text without its white space, which remembers where words began.
+struct Code {
+    explicit Code(std::string_view source) {
+        char last = ' ';
+        for (const char character : source) {
+            if (!isSpace(character)) {
+                isInsideAWord.push_back(isOfAWord(character) && isOfAWord(last));
+                text += character;
+            }
+            last = character;
         }
+        isInsideAWord.push_back(false);
     }
-    return code;
+
+    std::string text;
+    std::vector<bool> isInsideAWord; ///< one more than characters
+};
+
+/// Not counting those that begin or end inside a word.
+int occurrences(const Code& wanted, const Code& code) {
+    int count = 0;
+    for (auto at = code.text.find(wanted.text); at != std::string::npos;
+         at = code.text.find(wanted.text, at + 1)) {
+        const auto end = at + wanted.text.size();
+        count += code.isInsideAWord[at] || code.isInsideAWord[end] ? 0 : 1;
+    }
+    return count;
 }
 
-/// A function, constant, class or property stands there as a word of its own. The parts of a
-/// selector follow each other closely.
-std::regex patternOf(const std::string& name) {
-    const auto pattern = R"(\b)" + std::regex_replace(name, std::regex(":"), ":[^]{0,500}?");
-    return std::regex(name.back() == ':' ? pattern : pattern + R"(\b)");
+void expectEachOnce(std::span<const NativeCall> calls) {
+    std::map<std::string, Code> files;
+    for (const auto& [file, text] : calls) {
+        if (!files.contains(file)) {
+            files.emplace(file, withoutComments(root / "backends/macos" / file));
+        }
+        EXPECT_EQ(occurrences(Code(text), files.at(file)), 1) << file << ": " << text;
+    }
 }
 
-// What the services mean on macOS, by the names that its frameworks give it.
-const char* const nativeNames[] = {
-    // displays
-    "CGGetActiveDisplayList", "CGDisplayBounds", "CGDisplayIsMain", "CGDisplayIsBuiltin",
-    "CGDisplayCopyDisplayMode", "CGDisplayModeGetWidth", "CGDisplayModeGetHeight",
-    "CGDisplayModeRelease", "NSApplicationDidChangeScreenParametersNotification",
-    // gamma
-    "CGSetDisplayTransferByTable", "CGDisplayRestoreColorSyncSettings",
-    // backlight
-    "DisplayServicesGetBrightness", "DisplayServicesSetBrightness",
-    // keys
-    "addGlobalMonitorForEventsMatchingMask:handler:", "NSEventMaskSystemDefined",
-    "removeMonitor:", "subtype", "data1", "CGEventTapCreate", "kCGSessionEventTap",
-    "kCGHeadInsertEventTap", "kCGEventTapOptionDefault", "kCGEventKeyDown", "CGEventTapEnable",
-    "CGEventGetIntegerValueField", "kCGKeyboardEventKeycode", "CFMachPortCreateRunLoopSource",
-    "CFRunLoopAddSource", "kCFRunLoopCommonModes",
-    // grayscale
-    "dlopen", "RTLD_NOW", "dlsym", "dlclose", "MADisplayFilterPrefSetType",
-    "MADisplayFilterPrefSetCategoryEnabled", "MADisplayFilterPrefGetType",
-    "MADisplayFilterPrefGetCategoryEnabled",
-    // workspace and windows
-    "NSWorkspace", "NSWorkspaceDidActivateApplicationNotification", "NSWorkspaceApplicationKey",
-    "NSRunningApplication", "frontmostApplication", "bundleIdentifier", "localizedName",
-    "CGWindowListCopyWindowInfo", "kCGWindowListOptionOnScreenOnly", "kCGNullWindowID",
-    "kCGWindowBounds", "Width", "Height", "mainScreen", "NSWindowDidEnterFullScreenNotification",
-    "NSWindowDidExitFullScreenNotification", "accessibilityDisplayShouldReduceMotion",
-    // location
-    "CLLocationManager", "desiredAccuracy", "kCLLocationAccuracyKilometer", "authorizationStatus",
-    "requestWhenInUseAuthorization", "startUpdatingLocation", "stopUpdatingLocation",
-    "locationManager:didUpdateLocations:", "locationManager:didFailWithError:",
-    "locationManagerDidChangeAuthorization:",
-    // login item
-    "SMAppService", "mainAppService", "registerAndReturnError:", "unregisterAndReturnError:",
-    // notifications
-    "UNUserNotificationCenter", "currentNotificationCenter",
-    "requestAuthorizationWithOptions:completionHandler:", "setNotificationCategories:",
-    "setDelegate:", "actionWithIdentifier:title:options:",
-    "categoryWithIdentifier:actions:intentIdentifiers:options:",
-    "userNotificationCenter:willPresentNotification:withCompletionHandler:",
-    "userNotificationCenter:didReceiveNotificationResponse:withCompletionHandler:",
-    // defaults
-    "NSUserDefaults", "standardUserDefaults", "registerDefaults:", "doubleForKey:", "boolForKey:",
-    "integerForKey:", "stringForKey:", "dataForKey:", "setDouble:forKey:", "setBool:forKey:",
-    "setInteger:forKey:", "setObject:forKey:", "removeObjectForKey:", "synchronize",
-    // loading
-    "NSURLSession", "sharedSession", "dataTaskWithRequest:completionHandler:", "resume",
-    "NSURLRequestUseProtocolCachePolicy", "HTTPMethod", "setValue:forHTTPHeaderField:", "HTTPBody",
-    // updates
-    "SPUStandardUpdaterController",
-    "initWithStartingUpdater:updaterDelegate:userDriverDelegate:", "SPUUpdater",
-    "startUpdater:", "canCheckForUpdates", "automaticallyChecksForUpdates",
-    "automaticallyDownloadsUpdates",
-    "setAutomaticallyChecksForUpdates:", "setAutomaticallyDownloadsUpdates:", "checkForUpdates:",
-    "updater:didFinishUpdateCycleForUpdateCheck:error:", "os_log_error",
-    // status item and popover
-    "NSStatusItem", "NSStatusBar", "statusItemWithLength:", "NSVariableStatusItemLength",
-    "imageWithSystemSymbolName:accessibilityDescription:", "setTemplate:", "togglePopover:",
-    "NSPopover", "NSPopoverBehaviorTransient", "animates", "contentSize", "contentViewController",
-    "showRelativeToRect:ofView:preferredEdge:", "NSRectEdgeMinY", "makeKeyWindow", "performClose:",
-    // covers
-    "HostingOverlayWindow", "canBecomeKeyWindow", "canBecomeMainWindow", "NSScreen", "screens",
-    "initWithContentRect:styleMask:backing:defer:", "NSWindowStyleMaskBorderless",
-    "NSBackingStoreBuffered", "level", "opaque", "backgroundColor", "clearColor",
-    "ignoresMouseEvents", "collectionBehavior", "hasShadow", "contentView", "alphaValue",
-    "makeKeyAndOrderFront:", "orderOut:", "NSAnimationContext",
-    "runAnimationGroup:completionHandler:", "CAMediaTimingFunction",
-    "functionWithName:", "kCAMediaTimingFunctionEaseIn", "kCAMediaTimingFunctionEaseInEaseOut",
-    "addLocalMonitorForEventsMatchingMask:handler:", "NSEventMaskKeyDown", "keyCode",
-    // the program
-    "applicationDidFinishLaunching:", "applicationWillTerminate:", "activateIgnoringOtherApps:",
-    "terminate:", "center", "releasedWhenClosed", "title"};
-
-TEST(NativeCalls, EveryOneIsMadeByItsName) {
-    const auto code = codeIn(root / "backends/macos");
-    for (const std::string name : nativeNames) {
-        EXPECT_TRUE(std::regex_search(code, patternOf(name))) << name;
-    }
+TEST(NativeCalls, EachStandsInItsFileOnceAsItIsWrittenInTheTables) {
+    expectEachOnce(nativeServiceCalls);
+    expectEachOnce(nativeShellCalls);
 }
 
 TEST(NativeCalls, AreMadeNowhereElse) {
