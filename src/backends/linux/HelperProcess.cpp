@@ -14,6 +14,38 @@
 
 namespace nocta {
 
+namespace {
+
+/// This process ignores SIGPIPE; what it starts shall not. A Ctrl-C is meant for this process: the
+/// terminal sends it to the helper as well, perhaps before that can ignore it.
+class SpawnAttributes {
+public:
+    SpawnAttributes() {
+        posix_spawnattr_init(&attributes_);
+        sigset_t reset;
+        sigemptyset(&reset);
+        sigaddset(&reset, SIGPIPE);
+        posix_spawnattr_setsigdefault(&attributes_, &reset);
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        for (const auto signal : {SIGINT, SIGTERM, SIGHUP}) {
+            sigaddset(&blocked, signal);
+        }
+        posix_spawnattr_setsigmask(&attributes_, &blocked);
+        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+    }
+    SpawnAttributes(const SpawnAttributes&) = delete;
+    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
+    ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
+
+    const posix_spawnattr_t* get() const { return &attributes_; }
+
+private:
+    posix_spawnattr_t attributes_;
+};
+
+} // namespace
+
 std::string HelperProcess::path(const char* name) {
     std::error_code error;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
@@ -37,8 +69,9 @@ bool HelperProcess::start(const char* name, const std::vector<std::string>& argu
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDOUT_FILENO);
+    const SpawnAttributes attributes;
     const auto error =
-        posix_spawn(&process_, words[0].c_str(), &actions, nullptr, list.data(), environ);
+        posix_spawn(&process_, words[0].c_str(), &actions, attributes.get(), list.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0) {
         process_ = -1;

@@ -7,6 +7,7 @@
 #include "backends/linux/PrivateFolder.h"
 #include "backends/linux/ReducedMotion.h"
 #include "backends/linux/SessionFilter.h"
+#include "backends/linux/StandardStreams.h"
 #include "backends/linux/SysfsBacklight.h"
 #include "backends/linux/Unavailable.h"
 #include "backends/linux/gnome/MagnifierFilter.h"
@@ -267,6 +268,7 @@ public:
 
 DesktopSession makeDesktop(const Bundle& bundle) {
     keepStandardStreams();
+    makeOutputNonBlocking();
     const auto wayland = environment("WAYLAND_DISPLAY");
     const auto hasX = canConnectToX();
     if (!hasX && !canConnectToWayland(wayland)) {
