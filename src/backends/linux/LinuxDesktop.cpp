@@ -14,6 +14,7 @@
 #include "backends/linux/location/GeoClueLocationManager.h"
 #include "backends/linux/network/CurlUrlSession.h"
 #include "backends/linux/shell/ColorScheme.h"
+#include "backends/linux/shell/EndingSignals.h"
 #include "backends/linux/shell/QtAppWindows.h"
 #include "backends/linux/shell/QtApplication.h"
 #include "backends/linux/shell/QtOverlayWindows.h"
@@ -267,6 +268,7 @@ public:
 } // namespace
 
 DesktopSession makeDesktop(const Bundle& bundle) {
+    EndingSignals::unblock();
     keepStandardStreams();
     makeOutputNonBlocking();
     const auto wayland = environment("WAYLAND_DISPLAY");
@@ -287,7 +289,6 @@ DesktopSession makeDesktop(const Bundle& bundle) {
     if (instance.role() == SingleInstance::Role::answered) {
         return {.desktop = nullptr, .exitStatus = EXIT_SUCCESS};
     }
-    QtApplication::blockEndingSignals();
     const auto desktop = std::make_shared<LinuxDesktop>(std::move(instance), bundle);
     return {.desktop = std::shared_ptr<Desktop>(desktop, &desktop->ports)};
 }

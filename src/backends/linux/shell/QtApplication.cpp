@@ -1,11 +1,11 @@
 #include "backends/linux/shell/QtApplication.h"
 
+#include "backends/linux/shell/EndingSignals.h"
+
 #include <QCoreApplication>
 
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
-#include <sys/signalfd.h>
 #include <utility>
 
 namespace nocta {
@@ -16,40 +16,14 @@ using namespace std::chrono_literals;
 
 constexpr auto panelStartTime = 2s;
 
-/// Those that the program was not told to ignore, as `nohup` does.
-sigset_t endingSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const auto signal : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction inherited {};
-        sigaction(signal, nullptr, &inherited);
-        if (inherited.sa_handler != SIG_IGN) {
-            sigaddset(&signals, signal);
-        }
-    }
-    return signals;
-}
-
 } // namespace
-
-void QtApplication::blockEndingSignals() {
-    const auto signals = endingSignals();
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
-}
 
 QtApplication::QtApplication(RunLoop& runLoop, SingleInstance& instance,
                              std::function<bool()> hasTray)
-    : runLoop_(runLoop), instance_(instance), hasTray_(std::move(hasTray)) {
-    const auto signals = endingSignals();
-    signals_ = FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
-    signalled_ = std::make_unique<QSocketNotifier>(signals_.get(), QSocketNotifier::Read);
-    QObject::connect(signalled_.get(), &QSocketNotifier::activated, [this] {
-        signalled_->setEnabled(false);
-        terminate();
-    });
-}
+    : runLoop_(runLoop), instance_(instance), hasTray_(std::move(hasTray)) {}
 
 int QtApplication::run(ApplicationDelegate& delegate) {
+    const EndingSignals signals([this] { terminate(); });
     // From inside the loop, so that an end that is asked for meanwhile is heard.
     runLoop_.post([this, &delegate] {
         delegate.applicationDidFinishLaunching();

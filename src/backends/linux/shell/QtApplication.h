@@ -1,15 +1,11 @@
 #pragma once
 
-#include "backends/linux/FileDescriptor.h"
 #include "backends/linux/shell/SingleInstance.h"
 #include "base/RunLoop.h"
 #include "base/Timer.h"
 #include "platform/Application.h"
 
-#include <QSocketNotifier>
-
 #include <functional>
-#include <memory>
 
 namespace nocta {
 
@@ -20,10 +16,6 @@ class QtApplication final : public Application {
 public:
     /// `hasTray` tells whether the desktop shows a tray now.
     QtApplication(RunLoop& runLoop, SingleInstance& instance, std::function<bool()> hasTray);
-
-    /// Keeps the ending signals from killing the process; to be called before it has any other
-    /// thread.
-    static void blockEndingSignals();
 
     int run(ApplicationDelegate& delegate) override;
 
@@ -40,8 +32,6 @@ private:
     SingleInstance& instance_;
     std::function<bool()> hasTray_;
     int exitStatus_ = 0;
-    FileDescriptor signals_;
-    std::unique_ptr<QSocketNotifier> signalled_;
     Timer trayTimeout_;
 };
 
