@@ -46,6 +46,7 @@
 #include <gnu/libc-version.h>
 #include <iostream>
 #include <string>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -54,6 +55,8 @@
 namespace nocta {
 
 namespace {
+
+constexpr rlim_t minDescriptors = 64; // about twice what is used
 
 std::string environment(const char* name) {
     const auto* const value = std::getenv(name);
@@ -108,6 +111,12 @@ bool canConnectToWayland(const std::string& display) {
     path.native().copy(address.sun_path, path.native().size());
     const FileDescriptor server(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     return connect(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+/// The libraries do not cope with fewer than they need: some wait for ever.
+bool hasEnoughDescriptors() {
+    rlimit limit{};
+    return getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= minDescriptors;
 }
 
 /// Gives the standard streams that the starter has closed an end that takes everything; else the
@@ -271,6 +280,10 @@ DesktopSession makeDesktop(const Bundle& bundle) {
     EndingSignals::unblock();
     keepStandardStreams();
     makeOutputNonBlocking();
+    if (!hasEnoughDescriptors()) {
+        std::cerr << "nocta: the limit of open files is below " << minDescriptors << std::endl;
+        return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};
+    }
     const auto wayland = environment("WAYLAND_DISPLAY");
     const auto hasX = canConnectToX();
     if (!hasX && !canConnectToWayland(wayland)) {
