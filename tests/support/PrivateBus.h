@@ -16,6 +16,9 @@ public:
 
     const std::string& address() const { return address_; }
 
+    /// SIGSTOP makes it mute, SIGCONT lets it go on.
+    void signal(int number) const { process_->signal(number); }
+
 private:
     std::string address_;
     std::optional<Process> process_;

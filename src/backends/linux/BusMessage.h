@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nocta {
+
+/// A method call by its names, with strings as arguments.
+struct BusQuestion {
+    std::string service = "org.freedesktop.DBus";
+    std::string path = "/org/freedesktop/DBus";
+    std::string interface = "org.freedesktop.DBus.Peer";
+    std::string method = "Ping";
+    std::vector<std::string> arguments = {};
+};
+
+/// The question in the wire format of D-Bus. It does not start the service that it asks.
+std::string busCall(std::uint32_t serial, const BusQuestion& question);
+
+/// As much of a received message as an answer needs. Nothing in it is trusted.
+class BusMessage {
+public:
+    /// The message that the bytes begin with; none as long as a part of it is missing. What no
+    /// message begins with gives a damaged one.
+    static std::optional<BusMessage> read(std::string_view bytes);
+
+    bool isDamaged() const { return isDamaged_; }
+    std::size_t size() const { return size_; }
+    bool isError() const { return type_ == error; }
+    std::uint32_t replySerial() const { return replySerial_; }
+
+    /// The value, if it is the only one and of that type.
+    std::optional<std::string> string() const;
+    std::optional<bool> booleanInVariant() const;
+
+private:
+    static constexpr unsigned char error = 3;
+
+    explicit BusMessage(std::string_view bytes);
+    std::uint32_t number(std::size_t position) const;
+    void readFields(std::size_t end);
+
+    std::string bytes_;
+    std::size_t size_ = 0;
+    std::size_t bodyStart_ = 0;
+    bool isDamaged_ = false;
+    unsigned char type_ = 0;
+    std::uint32_t replySerial_ = 0;
+    std::string signature_;
+};
+
+} // namespace nocta

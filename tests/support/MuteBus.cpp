@@ -1,0 +1,97 @@
+#include "support/MuteBus.h"
+
+#include <array>
+#include <fcntl.h>
+#include <map>
+#include <poll.h>
+#include <string_view>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <vector>
+
+namespace nocta {
+
+namespace {
+
+void say(int client, std::string_view bytes) {
+    send(client, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+}
+
+/// The answer to the first call, with the name ":1.1".
+constexpr std::string_view welcome("l\2\1\1"
+                                   "\11\0\0\0\1\0\0\0\17\0\0\0"
+                                   "\5\1u\0\1\0\0\0"
+                                   "\10\1g\0\1s\0\0"
+                                   "\4\0\0\0:1.1\0",
+                                   41);
+
+} // namespace
+
+MuteBus::MuteBus(After after) : after_(after) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    (folder_.path() + "/bus").copy(address.sun_path, sizeof address.sun_path - 1);
+    listener_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    listen(listener_, 100);
+    [[maybe_unused]] const auto made = pipe2(end_, O_CLOEXEC);
+    thread_ = std::thread([this] { serve(); });
+}
+
+MuteBus::~MuteBus() {
+    close(end_[1]);
+    thread_.join();
+    close(end_[0]);
+    close(listener_);
+}
+
+void MuteBus::serve() {
+    std::map<int, std::string> heard; // by client
+    for (bool isOver = false; !isOver;) {
+        std::vector<pollfd> readable = {{end_[0], POLLIN, 0}, {listener_, POLLIN, 0}};
+        for (const auto& [client, text] : heard) {
+            readable.push_back({client, POLLIN, 0});
+        }
+        poll(readable.data(), readable.size(), -1);
+        isOver = readable[0].revents != 0;
+        if (readable[1].revents != 0) {
+            heard[accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC)];
+        }
+        for (std::size_t i = 2; i < readable.size(); ++i) {
+            const auto client = readable[i].fd;
+            std::array<char, 4096> block{};
+            const auto length = readable[i].revents == 0
+                                    ? -1
+                                    : recv(client, block.data(), block.size(), MSG_DONTWAIT);
+            if (readable[i].revents == 0) {
+                continue;
+            }
+            if (length <= 0) {
+                close(client);
+                heard.erase(client);
+                continue;
+            }
+            auto& text = heard[client];
+            text.append(block.data(), static_cast<std::size_t>(length));
+            if (after_ == After::accepting) {
+                continue;
+            }
+            if (text.find("AUTH EXTERNAL 3") != std::string::npos) {
+                say(client, "OK 0123456789abcdef0123456789abcdef\r\n");
+                text.clear();
+            } else if (text.find("NEGOTIATE_UNIX_FD\r\n") != std::string::npos) {
+                say(client, "AGREE_UNIX_FD\r\n");
+                text.clear();
+            } else if (after_ == After::hello && text.find("Hello") != std::string::npos) {
+                say(client, welcome);
+                text.clear();
+            }
+        }
+    }
+    for (const auto& [client, text] : heard) {
+        close(client);
+    }
+}
+
+} // namespace nocta

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "support/Process.h"
+
+#include <string>
+#include <thread>
+
+namespace nocta {
+
+/// What listens where a message bus should be, accepts every connection, and falls silent.
+class MuteBus {
+public:
+    enum class After { accepting, authentication, hello };
+
+    explicit MuteBus(After after);
+    MuteBus(const MuteBus&) = delete;
+    MuteBus& operator=(const MuteBus&) = delete;
+    ~MuteBus();
+
+    std::string address() const { return "unix:path=" + folder_.path() + "/bus"; }
+
+private:
+    void serve();
+
+    TemporaryFolder folder_;
+    After after_;
+    int listener_ = -1;
+    int end_[2] = {-1, -1};
+    std::thread thread_;
+};
+
+} // namespace nocta
