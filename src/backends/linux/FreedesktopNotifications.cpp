@@ -47,7 +47,7 @@ std::string description(const QDBusError& error) {
 
 } // namespace
 
-FreedesktopNotifications::FreedesktopNotifications() : bus_(sessionBus()) {
+FreedesktopNotifications::FreedesktopNotifications() {
     signals_.invoked = [this](const QString& sender, unsigned int id, const QString& action) {
         if (shown_.erase({sender, id}) != 0 && delegate_ != nullptr) {
             delegate_->didReceiveResponse(action.toStdString(), [] {});
@@ -56,6 +56,12 @@ FreedesktopNotifications::FreedesktopNotifications() : bus_(sessionBus()) {
     signals_.closed = [this](const QString& sender, unsigned int id) {
         shown_.erase({sender, id});
     };
+    sessionBus_ =
+        MessageBus::session().whenConnected([this](const QDBusConnection& bus) { follow(bus); });
+}
+
+void FreedesktopNotifications::follow(const QDBusConnection& bus) {
+    bus_ = bus;
     bus_.connect(service, path, service, QStringLiteral("ActionInvoked"), &signals_,
                  SLOT(actionInvoked(unsigned int, QString, QDBusMessage)));
     bus_.connect(service, path, service, QStringLiteral("NotificationClosed"), &signals_,

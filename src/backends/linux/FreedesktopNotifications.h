@@ -1,6 +1,7 @@
 #pragma once
 
 #include "backends/linux/NotificationSignals.h"
+#include "base/Subscription.h"
 #include "platform/UserNotificationCenter.h"
 
 #include <QDBusConnection>
@@ -36,17 +37,19 @@ public:
 private:
     using Answer = std::function<void(const QDBusMessage&)>;
 
+    void follow(const QDBusConnection& bus);
     void call(const QDBusMessage& message, int timeout, Answer answer);
     void findOwner(std::function<void(const QString& owner)> found);
     void show(const UserNotification& notification, std::uint32_t presentation,
               const QStringList& capabilities, const QString& owner);
 
-    QDBusConnection bus_;
+    QDBusConnection bus_{QString()};
     UserNotificationCenterDelegate* delegate_ = nullptr;
     std::vector<UserNotificationCategory> categories_;
     /// Those that wait for an answer, by the process that shows them and its own number for each.
     std::set<std::pair<QString, unsigned int>> shown_;
     NotificationSignals signals_;
+    Subscription sessionBus_;
 };
 
 } // namespace nocta

@@ -18,16 +18,17 @@ const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
 
 PortalSettings::PortalSettings(QStringList namespaces, std::function<void(Settings)> told)
     : namespaces_(std::move(namespaces)), told_(std::move(told)) {
-    auto bus = sessionBus();
-    if (!bus.isConnected()) {
-        return;
-    }
     read_.setSingleShot(true);
     QObject::connect(&read_, &QTimer::timeout, [this] { read(); });
-    portal_.setConnection(bus);
     portal_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
     portal_.addWatchedService(service);
     QObject::connect(&portal_, &QDBusServiceWatcher::serviceRegistered, [this] { read_.start(); });
+    sessionBus_ =
+        MessageBus::session().whenConnected([this](const QDBusConnection& bus) { follow(bus); });
+}
+
+void PortalSettings::follow(QDBusConnection bus) {
+    portal_.setConnection(bus);
     bus.connect(service, path, interface, QStringLiteral("SettingChanged"), &read_, SLOT(start()));
     read();
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "base/Subscription.h"
+
+#include <QDBusConnection>
 #include <QDBusServiceWatcher>
 #include <QMap>
 #include <QString>
@@ -24,12 +27,14 @@ public:
     PortalSettings& operator=(const PortalSettings&) = delete;
 
 private:
+    void follow(QDBusConnection bus);
     void read();
 
     QStringList namespaces_;
     std::function<void(Settings)> told_;
     QDBusServiceWatcher portal_;
     QTimer read_; ///< reads at the end of the turn; a D-Bus signal can start a timer by itself
+    Subscription sessionBus_;
 };
 
 } // namespace nocta

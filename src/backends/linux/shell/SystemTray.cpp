@@ -1,11 +1,12 @@
 #include "backends/linux/shell/SystemTray.h"
 
-#include <QDBusConnection>
+#include "backends/linux/MessageBus.h"
+
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDBusVariant>
 
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -14,22 +15,20 @@ namespace nocta {
 namespace {
 const auto watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
 const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
+
+// The answer counts whenever it comes.
+constexpr int anyTime = std::numeric_limits<int>::max();
 } // namespace
 
 SystemTray::SystemTray(X11Connection* connection) : connection_(connection) {
-    auto bus = QDBusConnection::sessionBus();
-    if (bus.isConnected()) {
-        watcher_.setConnection(bus);
-        watcher_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
-        watcher_.addWatchedService(watcherService);
-        question_.setSingleShot(true);
-        QObject::connect(&question_, &QTimer::timeout, [this] { askForHost(); });
-        QObject::connect(&watcher_, &QDBusServiceWatcher::serviceRegistered,
-                         [this] { question_.start(); });
-        bus.connect(watcherService, watcherPath, watcherService,
-                    QStringLiteral("StatusNotifierHostRegistered"), &question_, SLOT(start()));
-        askForHost();
-    }
+    watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    watcher_.addWatchedService(watcherService);
+    question_.setSingleShot(true);
+    QObject::connect(&question_, &QTimer::timeout, [this] { askForHost(); });
+    QObject::connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged,
+                     [this] { question_.start(); });
+    sessionBus_ =
+        MessageBus::session().whenConnected([this](const QDBusConnection& bus) { follow(bus); });
     if (connection_ != nullptr) {
         // A tray that comes announces itself to who has the root window's structure events.
         connection_->selectRootEvents(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
@@ -52,6 +51,13 @@ void SystemTray::whenAvailable(std::function<void()> action) {
     }
 }
 
+void SystemTray::follow(QDBusConnection bus) {
+    watcher_.setConnection(bus);
+    bus.connect(watcherService, watcherPath, watcherService,
+                QStringLiteral("StatusNotifierHostRegistered"), &question_, SLOT(start()));
+    askForHost();
+}
+
 void SystemTray::askForHost() {
     if (isAvailable_) {
         return;
@@ -61,19 +67,27 @@ void SystemTray::askForHost() {
                                                QStringLiteral("Get"));
     call << watcherService << QStringLiteral("IsStatusNotifierHostRegistered");
     call.setAutoStartService(false);
+    isWatcherMute_ = true;
     auto* const answer =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), &question_);
+        new QDBusPendingCallWatcher(sessionBus().asyncCall(call, anyTime), &question_);
     QObject::connect(answer, &QDBusPendingCallWatcher::finished, [this, answer] {
-        const QDBusPendingReply<QDBusVariant> reply = *answer;
         answer->deleteLater();
-        if (reply.isValid() && reply.value().variant().toBool()) {
-            becomeAvailable();
-        }
+        answered(*answer);
     });
 }
 
+void SystemTray::answered(const QDBusPendingReply<QDBusVariant>& reply) {
+    // An error is an answer of the bus: there is no watcher.
+    isWatcherMute_ = reply.isError() && reply.error().type() == QDBusError::NoReply;
+    if ((reply.isValid() && reply.value().variant().toBool()) ||
+        (hasXEmbedTray_ && !isWatcherMute_)) {
+        becomeAvailable();
+    }
+}
+
 void SystemTray::lookForXEmbedTray() {
-    if (connection_->isOwned(selection_)) {
+    hasXEmbedTray_ = connection_->isOwned(selection_);
+    if (hasXEmbedTray_ && !isWatcherMute_) {
         becomeAvailable();
     }
 }
