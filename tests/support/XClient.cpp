@@ -252,6 +252,12 @@ std::vector<std::uint8_t> XClient::rootProperty(const std::string& name) {
     return {bytes, bytes + xcb_get_property_value_length(reply.get())};
 }
 
+void XClient::setRootText(const std::string& name, const std::string& text) {
+    xcb_change_property(x_, XCB_PROP_MODE_REPLACE, root_, atom(name), XCB_ATOM_STRING, 8,
+                        static_cast<std::uint32_t>(text.size()), text.data());
+    synchronize();
+}
+
 void XClient::setOutputProperty(const std::string& name, const std::vector<std::uint32_t>& numbers,
                                 xcb_atom_t type) {
     const auto resources = needed(xcb_randr_get_screen_resources_current_reply(

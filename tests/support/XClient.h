@@ -61,6 +61,8 @@ public:
     /// Empty where there is none.
     std::vector<std::uint8_t> rootProperty(const std::string& name);
 
+    void setRootText(const std::string& name, const std::string& text);
+
     /// Writes a property of numbers, or of atoms, to every output.
     void setOutputProperty(const std::string& name, const std::vector<std::uint32_t>& numbers,
                            xcb_atom_t type = XCB_ATOM_INTEGER);

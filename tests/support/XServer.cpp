@@ -57,6 +57,10 @@ void XServer::kill() {
     process_->wait();
 }
 
+void XServer::freeze() const {
+    process_->signal(SIGSTOP);
+}
+
 void XServer::plugSecondOutput() const {
     xrandr({"--addmode", outputs_[1], "1280x720"});
     xrandr({"--output", outputs_[1], "--mode", "1280x720", "--right-of", outputs_[0]});

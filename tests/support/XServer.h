@@ -25,6 +25,9 @@ public:
     /// The server dies and its clients with it.
     void kill();
 
+    /// From now on it answers nobody.
+    void freeze() const;
+
     /// Puts a second output in use, to the right of the first, or out of use; Xorg only.
     void plugSecondOutput() const;
     void unplugSecondOutput() const;

@@ -13,6 +13,8 @@
 #include "backends/linux/gnome/MagnifierFilter.h"
 #include "backends/linux/location/GeoClueLocationManager.h"
 #include "backends/linux/network/CurlUrlSession.h"
+#include "backends/linux/shell/AccessibilityGate.h"
+#include "backends/linux/shell/BusGate.h"
 #include "backends/linux/shell/ColorScheme.h"
 #include "backends/linux/shell/EndingSignals.h"
 #include "backends/linux/shell/QtAppWindows.h"
@@ -129,6 +131,21 @@ void keepStandardStreams() {
     close(descriptor);
 }
 
+/// The bus of the screen readers that the X server names, or nothing.
+std::string accessibilityBus(X11Connection& connection) {
+    constexpr std::uint32_t maxLength = 256; // in units of four bytes
+    auto* const x = connection.get();
+    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        x,
+        xcb_get_property(x, 0, connection.root(), connection.atom("AT_SPI_BUS"), XCB_ATOM_STRING, 0,
+                         maxLength),
+        nullptr));
+    connection.finishTurn();
+    return reply ? std::string(static_cast<const char*>(xcb_get_property_value(reply.get())),
+                               static_cast<std::size_t>(xcb_get_property_value_length(reply.get())))
+                 : std::string();
+}
+
 /// What this session can do for displays, gamma, gray, keys and applications. Here and nowhere else
 /// is it decided.
 struct DisplayServer {
@@ -214,11 +231,16 @@ public:
                 application_.fail();
             };
         }
+        busGate_.start();
+        accessibilityGate_.start(
+            server_.connection == nullptr ? "" : accessibilityBus(*server_.connection));
     }
 
 private:
     SingleInstance instance_;
     const Bundle& bundle_;
+    BusGate busGate_;
+    AccessibilityGate accessibilityGate_;
     Toolkit toolkit_;
     ColorScheme colorScheme_;
     QtRunLoop runLoop_;

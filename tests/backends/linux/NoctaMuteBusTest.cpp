@@ -1,0 +1,216 @@
+#include "support/EventLoop.h"
+#include "support/MuteBus.h"
+#include "support/NoctaProcess.h"
+#include "support/PrivateBus.h"
+#include "support/SettingsPortal.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+// Message buses and services on them that accept everything and never answer. The toolkit would
+// wait 25 seconds for each call, and for ever for some.
+
+namespace nocta {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A service that has a name and answers only what it is told to.
+class MuteService final : public QDBusVirtualObject {
+public:
+    MuteService(const PrivateBus& bus, const std::vector<QString>& names)
+        : bus_(QDBusConnection::connectToBus(QString::fromStdString(bus.address()), "mute")) {
+        EXPECT_TRUE(bus_.registerVirtualObject("/", this, QDBusConnection::SubPath));
+        for (const auto& name : names) {
+            EXPECT_TRUE(bus_.registerService(name));
+        }
+    }
+    MuteService(const MuteService&) = delete;
+    MuteService& operator=(const MuteService&) = delete;
+    ~MuteService() override { QDBusConnection::disconnectFromBus("mute"); }
+
+    std::map<QString, QVariant> answers; ///< by method
+    int questions = 0;
+    bool hasItem = false;
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        ++questions;
+        hasItem = hasItem || message.member() == "RegisterStatusNotifierItem";
+        const auto answer = answers.find(message.member());
+        return answer == answers.end() || bus.send(message.createReply(answer->second));
+    }
+    QString introspect(const QString& /*path*/) const override { return {}; }
+
+private:
+    QDBusConnection bus_;
+};
+
+class NoctaMuteBusTest : public NoctaProcess {
+protected:
+    /// Far above what a start takes and far below what the toolkit would wait.
+    static constexpr auto hang = 10s;
+
+    Process::Environment variables = environment();
+
+    void startWithVariables() {
+        nocta =
+            std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);
+    }
+
+    static bool isInTime(const std::function<bool()>& condition) {
+        const QDeadlineTimer deadline(hang);
+        return serveUntil([&] { return condition() || deadline.hasExpired(); }) && condition();
+    }
+
+    void expectThatAKeyIsObeyed(double brightness) {
+        client.press(brightnessDownSymbol);
+        EXPECT_TRUE(isInTime([&] { return shows(brightness); })) << brightness << contentOf(output);
+    }
+
+    bool showsPopover() { return client.windowsOfSize(300, 280).size() == 1; }
+
+    void expectToEndAtOnce() {
+        nocta->signal(SIGTERM);
+        EXPECT_TRUE(isInTime([&] { return isZombie(nocta->id()); }));
+        const auto status = nocta->wait();
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << contentOf(output);
+        EXPECT_TRUE(isGivenBack());
+    }
+
+    /// A start, the popover, which opens by itself without a tray, the keys, and the end.
+    void expectADay() {
+        startWithVariables();
+        EXPECT_TRUE(isInTime([&] { return shows(0.75); })) << contentOf(output);
+        expectThatAKeyIsObeyed(0.6875);
+        EXPECT_TRUE(isInTime([&] { return showsPopover(); })) << contentOf(output);
+        expectThatAKeyIsObeyed(0.625);
+        Process second({programFolder() + "/nocta"}, variables);
+        EXPECT_TRUE(isInTime([&] { return isZombie(second.id()); }));
+        EXPECT_EQ(second.wait(), 0) << "a later start is answered";
+        expectThatAKeyIsObeyed(0.5625);
+        expectToEndAtOnce();
+    }
+};
+const auto everyMuteness = {MuteBus::After::accepting, MuteBus::After::authentication,
+                            MuteBus::After::hello};
+INSTANTIATE_TEST_SUITE_P(Servers, NoctaMuteBusTest, ::testing::Values(XServer::Kind::xvfb),
+                         serverName);
+
+TEST_P(NoctaMuteBusTest, MuteBusesHoldNothing) {
+    for (const auto after : everyMuteness) {
+        SCOPED_TRACE(static_cast<int>(after));
+        const MuteBus bus(after);
+        variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+        variables["DBUS_SYSTEM_BUS_ADDRESS"] = bus.address();
+        writeFile(settings, neutralSettings());
+        expectADay();
+    }
+}
+
+TEST_P(NoctaMuteBusTest, NoAddressHoldsNothing) {
+    variables["DBUS_SESSION_BUS_ADDRESS"] = "";
+    variables["DBUS_SYSTEM_BUS_ADDRESS"] = "";
+    expectADay();
+}
+
+TEST_P(NoctaMuteBusTest, MuteBusOfTheScreenReadersHoldsNothing) {
+    const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
+    variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    for (const auto after : everyMuteness) {
+        SCOPED_TRACE(static_cast<int>(after));
+        const MuteBus readers(after);
+        writeFile(settings, neutralSettings());
+        MuteService service(bus, {"org.a11y.Bus"});
+        service.answers["Get"] = QVariant::fromValue(QDBusVariant(true));
+        service.answers["GetAddress"] = QString::fromStdString(readers.address());
+        expectADay();
+        EXPECT_GT(service.questions, 0);
+        client.setRootText("AT_SPI_BUS", readers.address());
+        writeFile(settings, neutralSettings());
+        service.answers["Get"] = QVariant::fromValue(QDBusVariant(false));
+        expectADay();
+        client.setRootText("AT_SPI_BUS", "");
+    }
+}
+
+TEST_P(NoctaMuteBusTest, MuteServicesHoldNothing) {
+    const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
+    variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    client.becomeSystemTray(); // for an icon in it the toolkit would ask the watcher as well
+    const MuteService services(bus,
+                               {"org.kde.StatusNotifierWatcher", "org.a11y.Bus",
+                                "org.freedesktop.portal.Desktop", "org.freedesktop.Notifications"});
+    expectADay();
+    EXPECT_GT(services.questions, 0);
+}
+
+TEST_P(NoctaMuteBusTest, BusThatAnswersLateIsUsedThen) {
+    const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
+    variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    SettingsPortal portal(bus);
+    portal.settings["org.freedesktop.appearance"]["color-scheme"] = 1U;
+    MuteService watcher(bus, {"org.kde.StatusNotifierWatcher"});
+    watcher.answers["Get"] = QVariant::fromValue(QDBusVariant(true));
+    watcher.answers["Introspect"] =
+        QString("<node><interface name=\"org.kde.StatusNotifierWatcher\"><property "
+                "name=\"IsStatusNotifierHostRegistered\" type=\"b\" access=\"read\"/>"
+                "</interface></node>");
+    bus.signal(SIGSTOP);
+    startWithVariables();
+    EXPECT_TRUE(isInTime([&] { return shows(0.75); })) << contentOf(output);
+    EXPECT_TRUE(isInTime([&] { return showsPopover(); }));
+    const auto blue = [&] { return client.pixel(client.topWindows().back().id, 4, 4) & 0xFF; };
+    EXPECT_TRUE(isInTime([&] { return blue() >= 0xE0; }));
+    bus.signal(SIGCONT);
+    EXPECT_TRUE(isInTime([&] { return blue() <= 0x30; })) << "the user prefers dark windows";
+    EXPECT_TRUE(isInTime([&] { return watcher.hasItem; })) << "there is a tray";
+    expectToEndAtOnce();
+}
+
+TEST_P(NoctaMuteBusTest, SignalEndsItWhileTheLoopIsHeld) {
+    startAndWaitFor(0.75);
+    const auto guardians = guardiansOf(nocta->id());
+    ASSERT_EQ(guardians.size(), 1U);
+    server.freeze();
+    kill(guardians[0], SIGKILL); // the next is made when the server has answered
+    EXPECT_TRUE(waitUntil([&] { return guardiansOf(nocta->id()).empty(); }));
+    nocta->signal(SIGTERM);
+    EXPECT_TRUE(isInTime([&] { return isZombie(nocta->id()); }));
+    const auto status = nocta->wait();
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
+}
+
+TEST_P(NoctaMuteBusTest, SignalEndsALaterStartThatIsNotAnswered) {
+    startAndWaitFor(0.75);
+    nocta->signal(SIGSTOP);
+    Process second({programFolder() + "/nocta"}, variables, output);
+    EXPECT_TRUE(waitUntil(
+        [&] { return contentOf("/proc/" + std::to_string(second.id()) + "/comm") == "nocta\n"; }));
+    second.signal(SIGTERM);
+    const auto status = second.wait();
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << contentOf(output);
+}
+
+TEST_P(NoctaMuteBusTest, TooFewOpenFilesAreRefusedInOneLine) {
+    for (int limit = 6; limit < 16; ++limit) {
+        const auto status = runToEnd(
+            {"bash", "-c",
+             "ulimit -n " + std::to_string(limit) + "; exec '" + programFolder() + "/nocta'"},
+            variables);
+        EXPECT_EQ(status, 1) << limit;
+    }
+}
+
+} // namespace
+} // namespace nocta
