@@ -9,6 +9,7 @@
 #include "backends/linux/SessionFilter.h"
 #include "backends/linux/StandardStreams.h"
 #include "backends/linux/SysfsBacklight.h"
+#include "backends/linux/SystemWake.h"
 #include "backends/linux/Unavailable.h"
 #include "backends/linux/gnome/MagnifierFilter.h"
 #include "backends/linux/location/GeoClueLocationManager.h"
@@ -154,13 +155,14 @@ struct DisplayServer {
     std::unique_ptr<Displays> displays;
     SysfsBacklight::OutputName outputName = [](DisplayId) { return std::string(); };
     std::unique_ptr<GammaOutput> gammaOutput;
+    Subscription gammaAfterWake;
     std::unique_ptr<GrayscaleFilter> grayscale;
     std::unique_ptr<KeyEvents> keyEvents;
     std::unique_ptr<Workspace> workspace;
 };
 
 DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificationCenter,
-                                 std::function<bool()> shouldReduceMotion) {
+                                 SystemWake& wake, std::function<bool()> shouldReduceMotion) {
     DisplayServer server;
     if (auto magnifier = std::make_unique<MagnifierFilter>(stateFolder() / "magnifier");
         magnifier->isAvailable()) {
@@ -185,8 +187,9 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
         server.keyEvents = std::make_unique<UnavailableKeyEvents>();
     } else {
         server.keyEvents = std::make_unique<X11KeyEvents>(*connection, runLoop);
-        server.gammaOutput =
-            std::make_unique<X11GammaOutput>(*connection, *displays, *server.guardian);
+        auto gamma = std::make_unique<X11GammaOutput>(*connection, *displays, *server.guardian);
+        server.gammaAfterWake = wake.observe([output = gamma.get()] { output->sendAgain(); });
+        server.gammaOutput = std::move(gamma);
         auto matrices = std::make_unique<X11ColorMatrixFilter>(
             *connection, *displays, notificationCenter, *server.guardian);
         if (server.grayscale == nullptr && matrices->isAvailable()) {
@@ -248,7 +251,8 @@ private:
     IniDefaultsStore userDefaults_{settingsFile()};
     LibUuidSource uuidSource_;
     ReducedMotion reducedMotion_;
-    DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_,
+    SystemWake wake_;
+    DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_, wake_,
                                                [this] { return reducedMotion_.isWished(); });
     SysfsBacklight backlight_{*server_.displays, server_.outputName, setBrightnessThroughLogind};
     GeoClueLocationManager locationManager_{runLoop_, stateFolder() / "location-granted"};

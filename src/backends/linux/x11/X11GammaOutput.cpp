@@ -119,10 +119,22 @@ Status X11GammaOutput::write(DisplayId display, std::span<const float> red,
                                         .green = channel(green, crtc->factory.green),
                                         .blue = channel(blue, crtc->factory.blue)};
     crtc->display = display;
+    send(id, ramp);
+    return statusSuccess;
+}
+
+void X11GammaOutput::sendAgain() {
+    for (const auto& [id, crtc] : crtcs_) {
+        if (crtc.written.size() > 0 && !mayBeCalibratedAnew(id, crtc)) {
+            send(id, crtc.written);
+        }
+    }
+}
+
+void X11GammaOutput::send(xcb_randr_crtc_t id, const GammaRamp& ramp) {
     xcb_randr_set_crtc_gamma(connection_.get(), id, static_cast<std::uint16_t>(ramp.size()),
                              ramp.red.data(), ramp.green.data(), ramp.blue.data());
     connection_.finishTurn();
-    return statusSuccess;
 }
 
 /// Finds, before the first write, what a Nocta has left that died together with its guardian.

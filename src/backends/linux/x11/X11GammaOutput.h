@@ -33,6 +33,10 @@ public:
                                      std::span<const float> blue) override;
     void displayRestoreColorSyncSettings() override;
 
+    /// Sends the last ramps once more, as drivers may lose them while the machine sleeps: to those
+    /// displays that have been on all the time and whose ramps are in force.
+    void sendAgain();
+
 private:
     struct Crtc {
         GammaRamp factory;
@@ -54,6 +58,7 @@ private:
                  std::span<const float> blue);
     void arm();
     Crtc* find(xcb_randr_crtc_t id);
+    void send(xcb_randr_crtc_t id, const GammaRamp& ramp);
     bool mayBeCalibratedAnew(xcb_randr_crtc_t id, const Crtc& crtc) const;
     FactoryRamps factoryRamps() const;
     void watch(const X11Connection::Event& event);

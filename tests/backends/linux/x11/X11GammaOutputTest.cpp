@@ -85,6 +85,21 @@ TEST_P(X11GammaOutputTest, EqualTablesHealARampThatSomebodyElseHasReset) {
     EXPECT_EQ(ramp(), ours);
 }
 
+TEST_P(X11GammaOutputTest, LastRampsAreSentAgainWhileTheyAreInForce) {
+    const auto factory = ramp();
+    session.gammaOutput.sendAgain();
+    EXPECT_EQ(ramp(), factory) << "nothing was written";
+    session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
+    session.set(display, X11Session::tables({0.25F, 0.25F, 0.25F}));
+    const auto ours = ramp();
+    session.client.setRamp(crtc, factory);
+    session.gammaOutput.sendAgain();
+    EXPECT_EQ(ramp(), ours);
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    session.gammaOutput.sendAgain();
+    EXPECT_EQ(ramp(), factory) << "the screen was given back";
+}
+
 TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBackToo) {
     const auto factory = ramp();
     {
@@ -307,6 +322,21 @@ TEST_F(CalibrationTest, CalibrationIsNotOverwrittenWhenTheScreenIsGivenBackWitho
     session.client.setRamp(crtc, second);
     plug();
     expectGivenBackAs(second);
+}
+
+TEST_F(CalibrationTest, DisplayThatWasOffWaitsForTheNextTablesAfterAWake) {
+    unplug();
+    session.client.setRamp(crtc, second);
+    plug();
+    session.gammaOutput.sendAgain();
+    session.connection.synchronize();
+    EXPECT_EQ(session.client.ramp(crtc), second);
+    dim();
+    expectDimmed(second);
+    session.client.setRamp(crtc, first); // lost, say
+    session.gammaOutput.sendAgain();
+    session.connection.synchronize();
+    expectDimmed(second);
 }
 
 TEST_F(CalibrationTest, RampThatIsSetWhileTheDisplayStaysOnIsNoCalibration) {
