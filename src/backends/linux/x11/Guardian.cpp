@@ -60,6 +60,7 @@ void Guardian::dismiss(const void* writer) {
 void Guardian::wake() {
     timeout_.invalidate();
     helper_.release();
+    helperWindow_ = XCB_NONE;
     permission_ = Permission::pending;
     writers_.clear();
 }
@@ -69,7 +70,7 @@ void Guardian::launch() {
     if (!helper_.start(programName) || !helper_.send(&hello, sizeof hello)) {
         helper_.kill();
         complain("cannot start ", "");
-        permission_ = Permission::granted;
+        change(Permission::granted);
         return;
     }
     helper_.whenHeard([this] { hear(); });
@@ -82,15 +83,10 @@ void Guardian::hear() {
     if (length < 0 && errno == EAGAIN) {
         return;
     }
-    if (isStarting()) {
-        answer(length == 1 ? byte : '\0');
-    } else {
-        helper_.kill();
-        replace();
-    }
+    answer(length == 1 ? byte : '\0');
 }
 
-/// What the helper says; another byte where it has ended first or says nothing.
+/// What the helper says; another byte where it has ended or says nothing.
 void Guardian::answer(char byte) {
     timeout_.invalidate();
     if (byte == static_cast<char>(GuardianAnswer::ready)) {
@@ -103,6 +99,8 @@ void Guardian::answer(char byte) {
         std::cerr << "nocta: another Nocta controls the gamma of this display" << std::endl;
         writers_.clear();
         change(Permission::refused);
+    } else if (helperWindow_ != XCB_NONE) {
+        replace();
     } else {
         complain("cannot start ", "");
         change(Permission::granted);
@@ -117,6 +115,7 @@ void Guardian::replace() {
         launch();
     } else {
         complain("", " keeps dying");
+        change(Permission::granted);
     }
 }
 

@@ -35,7 +35,7 @@ public:
     /// that cannot be started is reported on standard error, and the display stays unguarded.
     Permission request(const void* writer);
 
-    /// Calls back from the event loop when the permission has changed.
+    /// Calls back when the permission has changed.
     Subscription observe(std::function<void(const Permission&)> callback) {
         return changed_.add(std::move(callback));
     }
@@ -67,7 +67,7 @@ private:
     Permission permission_ = Permission::pending;
     std::set<const void*> writers_;
     CallbackList<Permission> changed_;
-    xcb_window_t helperWindow_ = XCB_NONE; ///< owns the selection while the helper works
+    xcb_window_t helperWindow_ = XCB_NONE; ///< of the last helper that was ready
     int replacements_ = 0;                 ///< since the last write that had to start one
     bool hasComplained_ = false;
     HelperProcess helper_;

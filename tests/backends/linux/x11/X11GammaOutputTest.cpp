@@ -1,15 +1,21 @@
 #include "backends/linux/x11/FactoryRamps.h"
 #include "backends/linux/x11/X11Session.h"
-#include "support/Process.h"
+#include "support/NoctaProcess.h"
 
 #include <chrono>
 #include <cmath>
+#include <csignal>
+#include <unistd.h>
 
 namespace nocta {
 
 namespace {
 
 // A CRTC with a ramp of size 0 is not tested: no server that runs without a screen has one.
+
+struct Guardians : NoctaProcess {
+    using NoctaProcess::guardiansOf;
+};
 
 class X11GammaOutputTest : public ::testing::TestWithParam<XServer::Kind> {
 protected:
@@ -176,6 +182,70 @@ TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay
     EXPECT_EQ(session.client.ramp(crtc), ours);
     other.displayRestoreColorSyncSettings();
     EXPECT_EQ(session.client.ramp(crtc), factory);
+}
+
+TEST_P(X11GammaOutputTest, DisplayWhoseGuardianWasFrozenIsTheNextOnesForGood) {
+    const auto factory = ramp();
+    session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
+    const auto guardians = Guardians::guardiansOf(getpid());
+    ASSERT_EQ(guardians.size(), 1U);
+    kill(guardians[0], SIGSTOP);
+    X11Connection otherConnection(session.runLoop);
+    Guardian otherGuardian(otherConnection, session.runLoop);
+    X11GammaOutput other(otherConnection, session.displays, otherGuardian);
+    const auto tables = X11Session::tables({0.25F, 0.25F, 0.25F});
+    other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
+    EXPECT_TRUE(serveUntil([&] { return !otherGuardian.isStarting(); }));
+    EXPECT_TRUE(otherConnection.synchronize());
+    const auto theirs = session.client.ramp(crtc);
+
+    ::testing::internal::CaptureStderr();
+    kill(guardians[0], SIGCONT);
+    EXPECT_TRUE(serveUntil([&] { return kill(guardians[0], 0) != 0; }));
+    session.settle(); // another was started, and refused
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "nocta: another Nocta controls the gamma of this display\n");
+    EXPECT_NE(session.set(display, X11Session::tables({1.0F, 1.0F, 1.0F})), statusSuccess);
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    EXPECT_EQ(ramp(), theirs);
+    other.displayRestoreColorSyncSettings();
+    EXPECT_EQ(session.client.ramp(crtc), factory);
+}
+
+TEST_P(X11GammaOutputTest, ProgramThatDoesNotKnowThatItLostTheDisplayDoesNotGiveItBack) {
+    const auto factory = ramp();
+    session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
+    const auto guardians = Guardians::guardiansOf(getpid());
+    ASSERT_EQ(guardians.size(), 1U);
+    kill(guardians[0], SIGSTOP);
+    X11Connection otherConnection(session.runLoop);
+    Guardian otherGuardian(otherConnection, session.runLoop);
+    X11GammaOutput other(otherConnection, session.displays, otherGuardian);
+    const auto tables = X11Session::tables({0.25F, 0.25F, 0.25F});
+    other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
+    EXPECT_TRUE(serveUntil([&] { return !otherGuardian.isStarting(); }));
+    EXPECT_TRUE(otherConnection.synchronize());
+    const auto theirs = session.client.ramp(crtc);
+    EXPECT_NE(theirs, factory);
+
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    kill(guardians[0], SIGCONT);
+    EXPECT_TRUE(waitUntil([&] { return Guardians::guardiansOf(getpid()).size() == 1; }));
+    EXPECT_EQ(ramp(), theirs);
+    other.displayRestoreColorSyncSettings();
+    EXPECT_EQ(session.client.ramp(crtc), factory);
+}
+
+TEST_P(X11GammaOutputTest, WhatADeadProgramHasLeftIsGivenBackEvenIfTheNextEndsAtOnce) {
+    const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
+    keepFactoryRamps(session.connection.get(), session.connection.root(),
+                     {{crtc, {.red = factory[0], .green = factory[1], .blue = factory[2]}}});
+    session.connection.synchronize();
+    const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
+    session.gammaOutput.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
+    ASSERT_TRUE(session.guardian.isStarting());
+    session.gammaOutput.displayRestoreColorSyncSettings();
+    EXPECT_TRUE(waitUntil([&] { return session.client.ramp(crtc) == factory; }));
 }
 
 TEST_P(X11GammaOutputTest, DyingServerFailsWithoutACrash) {
