@@ -89,6 +89,9 @@ std::filesystem::path stateFolder() {
 /// Where the lock and the socket of the running process are.
 std::filesystem::path runtimeFolder() {
     const std::filesystem::path folder = environment("XDG_RUNTIME_DIR");
+    if (folder.is_absolute()) {
+        createPrivateFolders(folder); // as the toolkit will, and later starts must find the same
+    }
     return folder.is_absolute() && isPrivateFolder(folder) ? folder : stateFolder();
 }
 

@@ -274,8 +274,9 @@ TEST_F(AutostartLoginItemTest, FileInTheFoldersPlaceIsLeftAlone) {
 
 TEST_F(AutostartLoginItemTest, FolderThatMayNotBeWrittenIsAnError) {
     ASSERT_EQ(item.registerItem(), std::nullopt);
-    fs::permissions(folder.path(), fs::perms::all);
-    fs::permissions(entry, fs::perms::all);
+    for (const auto& path : {folder.path(), folder.path() + "/config", entry}) {
+        fs::permissions(path, fs::perms::all);
+    }
     fs::permissions(autostart, fs::perms::all & ~(fs::perms::owner_write | fs::perms::group_write |
                                                   fs::perms::others_write));
     const auto before = contentOf(entry);

@@ -144,7 +144,8 @@ TEST_P(NoctaProcessTest, WithoutARuntimeFolderItIsOneProcessToo) {
     std::filesystem::create_directory(shared);
     std::filesystem::permissions(shared, std::filesystem::perms::all);
     auto variables = environment();
-    for (const auto& runtime : {std::string(), std::string("relative"), shared}) {
+    const auto relative = std::filesystem::relative(home.path()).string() + "/relative";
+    for (const auto& runtime : {std::string(), relative, home.path() + "/missing", shared}) {
         variables["XDG_RUNTIME_DIR"] = runtime;
         nocta =
             std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);

@@ -78,7 +78,8 @@ TEST_F(SingleInstanceTest, NothingOfItCanBeEnteredByAnotherUser) {
 
 TEST_F(SingleInstanceTest, AbstractSocketOfAnotherUserNeitherKeepsAStartNorLetsTwoStart) {
     // The name that every user of the machine could take.
-    const auto name = "nocta-" + std::to_string(geteuid()) + "-:0";
+    const auto server = "a server of this test " + std::to_string(getpid());
+    const auto name = "nocta-" + std::to_string(geteuid()) + "-" + server;
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     name.copy(address.sun_path + 1, name.size());
@@ -86,10 +87,10 @@ TEST_F(SingleInstanceTest, AbstractSocketOfAnotherUserNeitherKeepsAStartNorLetsT
     ASSERT_EQ(bind(taken.get(), reinterpret_cast<const sockaddr*>(&address),
                    static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size())),
               0);
-    std::optional<SingleInstance> first(std::in_place, ":0", folder);
+    std::optional<SingleInstance> first(std::in_place, server, folder);
     EXPECT_EQ(first->role(), Role::first);
     ASSERT_EQ(::listen(taken.get(), 16), 0);
-    const SingleInstance second(":0", folder, 50ms);
+    const SingleInstance second(server, folder, 50ms);
     EXPECT_NE(second.role(), Role::first);
 }
 
