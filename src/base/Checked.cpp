@@ -1,8 +1,8 @@
 #include "base/Checked.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <iomanip>
+#include <iostream>
 #include <limits>
 #include <sstream>
 #include <utility>
@@ -45,7 +45,7 @@ void stopProgram(std::string_view reason) {
     if (!origins.empty() && !originAdvice.empty()) {
         message += "; " + originAdvice;
     }
-    std::fprintf(stderr, "nocta: stopped: %s\n", message.c_str());
+    std::cerr << "nocta: stopped: " << message << std::endl;
     std::abort();
 }
 
