@@ -55,7 +55,9 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 void AppDelegate::applicationDidReopen() {
-    if (onboardingWindow_ != nullptr) {
+    if (breakOverlayController_.isShowing.get()) {
+        breakOverlayController_.orderFront(); // nothing else could be seen
+    } else if (onboardingWindow_ != nullptr) {
         onboardingWindow_->makeKeyAndOrderFront();
     } else if (popover_ != nullptr && !popover_->isShown()) {
         showPopover();

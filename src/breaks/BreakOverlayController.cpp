@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <utility>
+#include <variant>
 
 namespace nocta {
 
@@ -23,6 +24,7 @@ BreakOverlayController::BreakOverlayController(BreakTimer& breakTimer, OverlayWi
       finish_(runLoop, [this] {
           keyMonitor_.cancel();
           overlayWindows_.clear();
+          isFading_ = false;
           isShowing.set(false);
       }) {
     cancellables_.push_back(
@@ -37,8 +39,7 @@ void BreakOverlayController::show() {
     }
     isShowing.set(true);
     for (const auto& screen : windows_.screens()) {
-        auto view = views_.makeBreakOverlayView([this] { breakTimer_.skip(); },
-                                                [this] { breakTimer_.snooze(snoozeMinutes); });
+        auto view = views_.makeBreakOverlayView([this] { skip(); }, [this] { snooze(); });
         auto window = windows_.makeWindow(screen, coverStyle, std::move(view));
         window->makeKeyAndOrderFront();
         application_.activateIgnoringOtherApps();
@@ -49,15 +50,40 @@ void BreakOverlayController::show() {
         if (event.keyCode != spaceKeyCode) {
             return false;
         }
-        breakTimer_.skip();
+        skip();
         return true;
     });
+}
+
+void BreakOverlayController::orderFront() {
+    for (const auto& [screen, window] : overlayWindows_) {
+        window->makeKeyAndOrderFront();
+    }
+    application_.activateIgnoringOtherApps();
+}
+
+void BreakOverlayController::skip() {
+    breakTimer_.skip();
+    hideWithoutBreak();
+}
+
+void BreakOverlayController::snooze() {
+    breakTimer_.snooze(snoozeMinutes);
+    hideWithoutBreak();
+}
+
+/// The end of a break hides the cover by itself. A break that was stopped has no such end.
+void BreakOverlayController::hideWithoutBreak() {
+    if (!isFading_ && !std::holds_alternative<Active>(breakTimer_.state.get())) {
+        hide();
+    }
 }
 
 void BreakOverlayController::hide() {
     if (!isShowing.get()) {
         return;
     }
+    isFading_ = true;
     fading_ = overlayWindows_.size();
     if (fading_ == 0) {
         finish_.request();

@@ -15,8 +15,9 @@
 namespace nocta {
 
 /// Covers every screen during a break and takes the covers away after it. A start that comes while
-/// covers are shown or still fade changes nothing; so do screens that come and go meanwhile. It
-/// lives as long as the process.
+/// covers are shown or still fade changes nothing; so do screens that come and go meanwhile. Where
+/// the break was stopped under its covers, skipping and snoozing take them away and do nothing
+/// else. It lives as long as the process.
 class BreakOverlayController {
 public:
     BreakOverlayController(BreakTimer& breakTimer, OverlayWindows& windows,
@@ -28,8 +29,14 @@ public:
     /// From the beginning of a show until the last window has faded.
     Published<bool> isShowing;
 
+    /// Brings the covers in front of windows that have come since, and gives them the keyboard.
+    void orderFront();
+
 private:
     void show();
+    void skip();
+    void snooze();
+    void hideWithoutBreak();
     void hide();
     void windowHasFaded();
 
@@ -37,7 +44,8 @@ private:
     OverlayWindows& windows_;
     Application& application_;
     Views& views_;
-    std::size_t fading_ = 0;
+    bool isFading_ = false;
+    std::size_t fading_ = 0; ///< windows that still fade
     std::map<std::uint64_t, std::unique_ptr<OverlayWindow>> overlayWindows_; ///< by screen
     Subscription keyMonitor_;                                                ///< while showing
     Deferred finish_;

@@ -33,8 +33,8 @@ inline constexpr std::int64_t snoozeMinutes = 5;
 /// end of a snooze that is published comes early by it.
 ///
 /// `stop` during a break is no end of the break: it posts nothing and records nothing, and what
-/// shows the break stays up, without effect, until a later break has ended. And nothing but `stop`
-/// and `start` leaves a pause for a meeting, not even the end of the meeting.
+/// shows the break stays up until it is dismissed or a later break has ended. And nothing but
+/// `stop` and `start` leaves a pause for a meeting, not even the end of the meeting.
 class BreakTimer {
 public:
     BreakTimer(SettingsManager& settingsManager, MeetingDetectorService& meetingDetector,

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -162,11 +163,6 @@ TEST_F(BreakOverlayControllerTest, StopDuringABreakLeavesTheWindowsUntilALaterBr
     settings().breakTimerEnabled.set(false);
     desktop.runLoop.advance(1h);
     EXPECT_EQ(windows().size(), 2U);
-    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode));
-    views.skip();
-    views.snooze();
-    EXPECT_EQ(totals(), BreakStatistics{});
-    EXPECT_EQ(windows().size(), 2U);
 
     settings().breakTimerEnabled.set(true);
     waitForBreak();
@@ -177,11 +173,84 @@ TEST_F(BreakOverlayControllerTest, StopDuringABreakLeavesTheWindowsUntilALaterBr
     EXPECT_TRUE(isGone());
 }
 
+TEST_F(BreakOverlayControllerTest, CoverWhoseBreakWasStoppedGoesAtSpaceAndAtBothButtons) {
+    const std::vector<std::function<void()>> ways = {
+        [&] { EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode)); }, [&] { views.skip(); },
+        [&] { views.snooze(); }};
+    for (std::size_t way = 0; way < ways.size(); ++way) {
+        for (const bool isOnAgain : {false, true}) {
+            SCOPED_TRACE(way);
+            SCOPED_TRACE(isOnAgain);
+            settings().breakTimerEnabled.set(true);
+            waitForBreak();
+            desktop.runLoop.advance(1s);
+            settings().breakTimerEnabled.set(false);
+            settings().breakTimerEnabled.set(isOnAgain);
+            const auto state = breakTimer().state.get();
+            int posted = 0;
+            const auto end =
+                desktop.notificationCenter.observe(breakDidEndNotification, [&] { ++posted; });
+            ways[way]();
+            desktop.runLoop.advance(200ms);
+            ways[way](); // one that fades already is left alone
+            desktop.runLoop.advance(99ms);
+            EXPECT_FALSE(isGone());
+            desktop.runLoop.advance(1ms);
+            EXPECT_TRUE(isGone());
+            EXPECT_EQ(posted, 0);
+            EXPECT_EQ(totals(), BreakStatistics{});
+            EXPECT_EQ(breakTimer().state.get(), state);
+        }
+    }
+}
+
+TEST_F(BreakOverlayControllerTest, StartingAgainBringsTheCoverForwardAndNoPopover) {
+    waitForBreak();
+    desktop.runLoop.advance(1s);
+    desktop.trace.clear();
+    desktop.application.startAgain();
+    EXPECT_EQ(calls(), (Calls{"overlay 1 makeKeyAndOrderFront", "overlay 2 makeKeyAndOrderFront",
+                              "activateIgnoringOtherApps"}));
+    EXPECT_FALSE(desktop.popover.isShown());
+    breakTimer().skip();
+    desktop.runLoop.advance(300ms);
+    desktop.trace.clear();
+    desktop.application.startAgain();
+    EXPECT_EQ(calls(), (Calls{"window makeKeyAndOrderFront Welcome to Nocta"})) << "as ever";
+}
+
 TEST_F(BreakOverlayControllerTest, EndOfTheProgramDuringABreakTakesTheWindowsAway) {
     waitForBreak();
     quit();
     dropProgram();
     EXPECT_TRUE(isGone());
+}
+
+using BreakOverlayShowingTest = TestDesktop;
+
+TEST_F(BreakOverlayShowingTest, LastsFromTheStartUntilTheFadeOutHasFinished) {
+    plugBuiltIn();
+    BreakOverlayController controller(breakTimer(), desktop.overlayWindows, desktop.application,
+                                      views, desktop.notificationCenter, desktop.runLoop);
+    std::vector<bool> told;
+    const auto subscription = controller.isShowing.subscribe([&](bool isShowing) {
+        told.push_back(isShowing);
+        EXPECT_TRUE(desktop.overlayWindows.windows().empty()) << "none yet, and none any more";
+        EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "nobody listens";
+    });
+    EXPECT_FALSE(controller.isShowing.get());
+    desktop.notificationCenter.post(breakDidEndNotification);
+    EXPECT_TRUE(told.empty());
+    desktop.notificationCenter.post(breakDidStartNotification);
+    EXPECT_TRUE(controller.isShowing.get());
+    desktop.runLoop.advance(10s);
+    EXPECT_TRUE(controller.isShowing.get());
+    desktop.notificationCenter.post(breakDidEndNotification);
+    desktop.runLoop.advance(299ms);
+    EXPECT_TRUE(controller.isShowing.get());
+    desktop.runLoop.advance(1ms);
+    EXPECT_FALSE(controller.isShowing.get());
+    EXPECT_EQ(told, (std::vector<bool>{true, false}));
 }
 
 } // namespace
