@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/SteppedAnimation.h"
+#include "base/TimedAnimation.h"
 #include "base/TimingFunction.h"
 
 #include <algorithm>
@@ -20,13 +20,14 @@ public:
         double to = 0;
     };
 
-    /// Calls `show` with each alpha, the last one exactly `way.to`, and then `completion`.
+    /// Calls `show` with each alpha that is due, the last one exactly `way.to`, and then
+    /// `completion`.
     void start(RunLoop& runLoop, Way way, Duration duration, TimingFunction curve,
                std::function<void(double)> show, std::function<void()> completion) {
         using Picture = std::chrono::duration<double, std::ratio<1, 60>>;
         const auto steps = std::max(1, static_cast<int>(std::lround(Picture(duration).count())));
         animation_.start(
-            runLoop, steps, duration / steps,
+            runLoop, steps, duration,
             [way, steps, curve, show = std::move(show)](int step) {
                 const auto part = eased(curve, static_cast<double>(step) / steps);
                 show(step == steps ? way.to : std::lerp(way.from, way.to, part));
@@ -35,7 +36,7 @@ public:
     }
 
 private:
-    SteppedAnimation animation_;
+    TimedAnimation animation_;
 };
 
 } // namespace nocta
