@@ -1,6 +1,7 @@
 #include "ui/BreakButtonStyle.h"
 
 #include <QPainter>
+#include <QPixmap>
 
 namespace nocta {
 
@@ -13,20 +14,31 @@ constexpr qreal focusWidth = 2;
 constexpr qreal quietFill = 0.2; // opacity of a button that is not primary
 constexpr qreal pressedOpacity = 0.8;
 
-constexpr int ringRoom = static_cast<int>(focusGap + focusWidth);
+static_assert(focusGap + focusWidth == BreakButtonStyle::focusRoom);
 } // namespace
 
 QSize BreakButtonStyle::size(const QPushButton& button) const {
     const auto metrics = button.fontMetrics();
-    return {metrics.horizontalAdvance(button.text()) + 2 * (horizontalPadding + ringRoom),
-            metrics.height() + 2 * (verticalPadding + ringRoom)};
+    return {metrics.horizontalAdvance(button.text()) + 2 * (horizontalPadding + focusRoom),
+            metrics.height() + 2 * (verticalPadding + focusRoom)};
 }
 
+/// Painted whole before it becomes translucent, so that the label does so as well.
 void BreakButtonStyle::paint(QPushButton& button) const {
+    QPixmap picture((QSizeF(button.size()) * button.devicePixelRatio()).toSize());
+    picture.setDevicePixelRatio(button.devicePixelRatio());
+    picture.fill(Qt::transparent);
+    QPainter inside(&picture);
+    paintOpaque(inside, button);
+    inside.end();
     QPainter painter(&button);
-    painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(button.isDown() ? pressedOpacity : 1);
-    const auto body = QRectF(button.rect()).adjusted(ringRoom, ringRoom, -ringRoom, -ringRoom);
+    painter.drawPixmap(0, 0, picture);
+}
+
+void BreakButtonStyle::paintOpaque(QPainter& painter, const QPushButton& button) const {
+    painter.setRenderHint(QPainter::Antialiasing);
+    const auto body = QRectF(button.rect()).adjusted(focusRoom, focusRoom, -focusRoom, -focusRoom);
     auto fill = QColor(Qt::white);
     fill.setAlphaF(static_cast<float>(isPrimary ? 1 : quietFill));
     painter.setPen(Qt::NoPen);

@@ -8,10 +8,16 @@ namespace nocta {
 
 /// How the two buttons of the break overlay look.
 struct BreakButtonStyle {
+    /// Around the button, for the ring that shows its focus; in points.
+    static constexpr int focusRoom = 5;
+
     bool isPrimary = false;
 
     QSize size(const QPushButton& button) const;
     void paint(QPushButton& button) const;
+
+private:
+    void paintOpaque(QPainter& painter, const QPushButton& button) const;
 };
 
 /// A button of the break overlay. Space belongs to the overlay.

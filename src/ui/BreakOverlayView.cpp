@@ -29,10 +29,11 @@ constexpr qreal textOpacity = 0.8;
 constexpr qreal hintOpacity = 0.5;
 
 constexpr int symbolSize = 60; // points; the drawing of a symbol fills five sixths of its square
-constexpr int ringSize = 100;
-constexpr qreal ringWidth = 4;
+constexpr int ringSize = 100;  // of the circle, along the middle of its line
+constexpr int ringWidth = 4;
+constexpr int ringRoom = ringWidth / 2; // for the outer half of the line
 constexpr qreal ringOpacity = 0.2;
-constexpr int buttonSpacing = 20;
+constexpr int buttonSpacing = 20; // between what is drawn of them
 constexpr int smallPadding = 20;
 constexpr int largePadding = 30;
 
@@ -44,10 +45,13 @@ constexpr Duration movementDuration = 1s;
 constexpr int movementSteps = 30;
 constexpr std::int64_t tellingInterval = 10; // seconds
 
-QColor white(qreal opacity) {
-    auto color = QColor(Qt::white);
+QColor withOpacity(QColor color, qreal opacity) {
     color.setAlphaF(static_cast<float>(opacity));
     return color;
+}
+
+QColor white(qreal opacity) {
+    return withOpacity(Qt::white, opacity);
 }
 
 QLabel* makeLabel(const QString& text, qreal scale, QFont::Weight weight, qreal opacity) {
@@ -76,7 +80,7 @@ double breakProgress(double remaining, double duration) {
 }
 
 BreakProgressRing::BreakProgressRing(std::int64_t seconds) : seconds_(seconds) {
-    setFixedSize(ringSize, ringSize);
+    setFixedSize(ringSize + 2 * ringRoom, ringSize + 2 * ringRoom);
     tell();
 }
 
@@ -103,8 +107,7 @@ void BreakProgressRing::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
-    const auto inset = ringWidth / 2;
-    const auto circle = QRectF(rect()).adjusted(inset, inset, -inset, -inset);
+    const auto circle = QRectF(rect()).adjusted(ringRoom, ringRoom, -ringRoom, -ringRoom);
     painter.setPen(QPen(white(ringOpacity), ringWidth, Qt::SolidLine, Qt::FlatCap));
     painter.drawEllipse(circle);
     if (progress_ > 0) {
@@ -126,6 +129,9 @@ BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& sett
     : settings_(settings), workspace_(workspace), runLoop_(runLoop),
       ring_(new BreakProgressRing(secondsLeft(breakTimer.state.get()))) {
     setAccessibleName(Text::tr("Time for a break"));
+    auto colors = palette();
+    colors.setColor(QPalette::Window, withOpacity(Qt::black, backdropOpacity));
+    setPalette(colors);
     auto* const skip = new BreakButton(Text::tr("Skip"), {.isPrimary = false});
     skip->setObjectName(QStringLiteral("skipBreakButton"));
     connect(skip, &QPushButton::clicked, this, std::move(onSkip));
@@ -133,7 +139,7 @@ BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& sett
     snooze->setObjectName(QStringLiteral("snoozeBreakButton"));
     connect(snooze, &QPushButton::clicked, this, std::move(onSnooze));
     auto* const buttons = new QHBoxLayout;
-    buttons->setSpacing(buttonSpacing);
+    buttons->setSpacing(buttonSpacing - 2 * BreakButtonStyle::focusRoom);
     buttons->addStretch();
     buttons->addWidget(skip);
     buttons->addWidget(snooze);
@@ -149,29 +155,25 @@ BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& sett
     column->addSpacing(smallPadding / 2);
     column->addWidget(makeLabel(Text::tr("Look at something far away for 20 seconds"), 1,
                                 QFont::Normal, textOpacity));
-    column->addSpacing(largePadding);
+    column->addSpacing(largePadding - ringRoom);
     column->addWidget(ring_, 0, Qt::AlignHCenter);
-    column->addSpacing(largePadding);
+    column->addSpacing(largePadding - ringRoom - BreakButtonStyle::focusRoom);
     column->addLayout(buttons);
-    column->addSpacing(smallPadding);
+    column->addSpacing(smallPadding - BreakButtonStyle::focusRoom);
     column->addWidget(
         makeLabel(Text::tr("Press Space to skip"), footnoteScale, QFont::Normal, hintOpacity));
     column->addStretch();
-    primaryButton_ = snooze;
-
     cancellables_.push_back(
         breakTimer.state.subscribe([this](const BreakState& state) { follow(state); }));
 }
 
 void BreakOverlayView::paintEvent(QPaintEvent* event) {
-    auto backdrop = QColor(Qt::black);
-    backdrop.setAlphaF(static_cast<float>(backdropOpacity));
-    QPainter(this).fillRect(event->rect(), backdrop);
+    QPainter(this).fillRect(event->rect(), palette().color(QPalette::Window));
 }
 
 void BreakOverlayView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    primaryButton_->setFocus();
+    setFocus(); // of no button: Tab goes to the first
 }
 
 void BreakOverlayView::follow(const BreakState& state) {
@@ -188,7 +190,7 @@ void BreakOverlayView::moveTo(double progress) {
         ring_->setProgress(progress);
         return;
     }
-    movement_.start(runLoop_, movementSteps, movementDuration / movementSteps,
+    movement_.start(runLoop_, movementSteps, movementDuration,
                     [this, from = ring_->progress(), progress](int step) {
                         ring_->setProgress(
                             std::lerp(from, progress, static_cast<double>(step) / movementSteps));

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/RunLoop.h"
-#include "base/SteppedAnimation.h"
 #include "base/Subscription.h"
+#include "base/TimedAnimation.h"
 #include "breaks/BreakTimer.h"
 #include "platform/Workspace.h"
 #include "settings/SettingsManager.h"
@@ -61,8 +61,7 @@ private:
     Workspace& workspace_;
     RunLoop& runLoop_;
     BreakProgressRing* ring_;
-    QWidget* primaryButton_ = nullptr;
-    SteppedAnimation movement_;
+    TimedAnimation movement_;
     Cancellables cancellables_;
 };
 
