@@ -47,7 +47,7 @@ void breakStartToLastWindow(benchmark::State& state, const XServer& server) {
     VirtualDesktop desktop; // for the ports that take no part
     QtRunLoop runLoop;
     X11Connection connection(runLoop);
-    QtOverlayWindows windows(runLoop, &connection);
+    QtOverlayWindows windows(runLoop, &connection, nullptr);
     SharedInstances instances(desktop.ports);
     WidgetViews views(instances);
     BreakOverlayController overlay(instances.breakTimer(), windows, desktop.application, views,

@@ -59,8 +59,10 @@ public:
                                                       std::unique_ptr<View> content) = 0;
 
     /// Every key that goes down in a window of this program, before the window gets it; `true`
-    /// swallows it. Stands for addLocalMonitorForEventsMatchingMask with key-down events (mask
-    /// 1 << 10).
+    /// swallows it. Somebody who is typing when overlay windows come has not seen them yet: until a
+    /// pause in the typing those keys reach neither the handler nor a window, and neither do the
+    /// repeats of a held key. Stands for addLocalMonitorForEventsMatchingMask with key-down events
+    /// (mask 1 << 10).
     virtual Subscription
     addLocalMonitorForKeyDown(std::function<bool(const KeyDownEvent&)> handler) = 0;
 };

@@ -95,6 +95,34 @@ TEST_F(BreakOverlayControllerTest, SpaceAloneIsSwallowedAndSkips) {
     EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode));
 }
 
+TEST_F(BreakOverlayControllerTest, SpaceThatIsTypedOnFromBeforeSkipsNothingUntilAPause) {
+    constexpr std::int64_t letter = 0;
+    while (windows().empty()) { // somebody types
+        EXPECT_TRUE(desktop.overlayWindows.press(letter)) << "into another window";
+        desktop.runLoop.advance(90ms);
+    }
+    for (const auto key : {letter, spaceKeyCode, enter, letter, spaceKeyCode}) {
+        EXPECT_FALSE(desktop.overlayWindows.press(key)) << "no window gets it";
+        desktop.runLoop.advance(90ms);
+    }
+    EXPECT_EQ(totals(), BreakStatistics{});
+    desktop.runLoop.advance(410ms);
+    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode));
+    EXPECT_EQ(totals().skippedBreaks, 1);
+}
+
+TEST_F(BreakOverlayControllerTest, SpaceSkipsAtOnceWhereNobodyWasTyping) {
+    while (windows().empty()) {
+        desktop.overlayWindows.press(escape);
+        desktop.runLoop.advance(500ms);
+    }
+    desktop.runLoop.advance(10ms);
+    EXPECT_TRUE(desktop.overlayWindows.press(escape)) << "keys that come after the cover";
+    desktop.runLoop.advance(10ms);
+    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode));
+    EXPECT_EQ(totals().skippedBreaks, 1);
+}
+
 TEST_F(BreakOverlayControllerTest, ButtonsSkipAndSnooze) {
     waitForBreak();
     views.snooze();

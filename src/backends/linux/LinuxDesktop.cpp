@@ -161,6 +161,7 @@ struct DisplayServer {
     Subscription gammaAfterWake;
     std::unique_ptr<GrayscaleFilter> grayscale;
     std::unique_ptr<KeyEvents> keyEvents;
+    const Typing* typing = nullptr; ///< null where it cannot be seen
     std::unique_ptr<Workspace> workspace;
 };
 
@@ -189,7 +190,9 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
         // Such a server learns of keys only while a window of X has the focus.
         server.keyEvents = std::make_unique<UnavailableKeyEvents>();
     } else {
-        server.keyEvents = std::make_unique<X11KeyEvents>(*connection, runLoop);
+        auto keyEvents = std::make_unique<X11KeyEvents>(*connection, runLoop);
+        server.typing = &keyEvents->typing();
+        server.keyEvents = std::move(keyEvents);
         auto gamma = std::make_unique<X11GammaOutput>(*connection, *displays, *server.guardian);
         server.gammaAfterWake = wake.observe([output = gamma.get()] { output->sendAgain(); });
         server.gammaOutput = std::move(gamma);
@@ -271,7 +274,7 @@ private:
         gnu_get_libc_version(), // what a program built elsewhere needs most
         {.memory = stateFolder() / "updates.json", .downloads = cacheFolder() / "updates"},
         openPackage};
-    QtOverlayWindows overlayWindows_{runLoop_, server_.connection.get()};
+    QtOverlayWindows overlayWindows_{runLoop_, server_.connection.get(), server_.typing};
     SystemTray tray_{server_.connection.get()};
     QtStatusBar statusBar_{tray_};
     QtPopover popover_{server_.connection.get()};

@@ -2,6 +2,7 @@
 
 #include "base/AlphaFade.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace nocta {
@@ -24,6 +25,9 @@ public:
     void makeKeyAndOrderFront() override {
         record("makeKeyAndOrderFront");
         shown.isOnScreen = true;
+        if (!owner_.shownSince_) {
+            owner_.shownSince_ = owner_.runLoop_.monotonicNow();
+        }
         owner_.keyScreen = shown.screen.id;
     }
     void orderOut() override {
@@ -31,6 +35,11 @@ public:
             record("orderOut");
             if (owner_.keyScreen == shown.screen.id) {
                 owner_.keyScreen.reset();
+            }
+            if (std::ranges::none_of(owner_.windows_, [](const Window* window) {
+                    return window->shown.isOnScreen;
+                })) {
+                owner_.shownSince_.reset();
             }
         }
     }
@@ -63,6 +72,10 @@ std::vector<VirtualOverlayWindows::Shown> VirtualOverlayWindows::windows() const
 }
 
 bool VirtualOverlayWindows::press(std::int64_t keyCode) {
+    typing_.press(runLoop_.monotonicNow());
+    if (shownSince_ && typing_.isFromBefore(*shownSince_)) {
+        return false;
+    }
     bool isSwallowed = false;
     monitors_.call({.event = {keyCode}, .isSwallowed = &isSwallowed});
     return !isSwallowed;

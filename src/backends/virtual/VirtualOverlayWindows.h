@@ -3,10 +3,12 @@
 #include "backends/virtual/Trace.h"
 #include "backends/virtual/VirtualDisplays.h"
 #include "base/CallbackList.h"
+#include "base/Typing.h"
 #include "platform/OverlayWindows.h"
 
 #include <list>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace nocta {
@@ -30,7 +32,8 @@ public:
     std::vector<Shown> windows() const;
     /// The one that has the keyboard; none where nothing of the program's has it.
     std::optional<std::uint64_t> keyScreen;
-    /// Whether a window of the program's gets the key: no monitor has swallowed it.
+    /// Whether the window with the keyboard gets the key: no monitor has swallowed it, and it is
+    /// not typed on from before the first window came.
     bool press(std::int64_t keyCode);
 
     // What the program does.
@@ -52,6 +55,8 @@ private:
     RunLoop& runLoop_;
     const VirtualDisplays& displays_;
     std::list<Window*> windows_;
+    Typing typing_;
+    std::optional<MonotonicTime> shownSince_; ///< while one is on screen
     CallbackList<Press> monitors_;
 };
 

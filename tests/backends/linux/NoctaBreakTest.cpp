@@ -5,6 +5,7 @@
 #include <csignal>
 #include <optional>
 #include <sys/wait.h>
+#include <thread>
 
 // Breaks of the program itself on a private X server, as another client sees them.
 
@@ -206,6 +207,78 @@ TEST_P(NoctaBreakTest, QuitDuringABreakTakesTheWindowsAway) {
     nocta->signal(SIGTERM);
     EXPECT_EQ(nocta->wait(), 0);
     EXPECT_TRUE(isUncovered());
+}
+
+/// Somebody types words at ninety milliseconds a key.
+class NoctaTypingTest : public NoctaBreakTest {
+protected:
+    using Clock = std::chrono::steady_clock;
+
+    void SetUp() override {
+        NoctaBreakTest::SetUp();
+        startWindowManager();
+        openFocusedWindow();
+        startWithBreaks();
+    }
+    /// Until a cover has come, and then some more. False where the machine was so busy that there
+    /// may have been a pause in it.
+    bool typeIntoCover() {
+        bool isSteady = true;
+        auto last = Clock::now();
+        int keysInCover = 0;
+        for (int key = 0; key < 1000 && keysInCover < 8; ++key) {
+            const auto before = Clock::now();
+            client.press(key % 3 == 2 ? space : key % 7 == 6 ? enter : xcb_keysym_t{'a'});
+            isSteady = isSteady && Clock::now() - last < std::chrono::milliseconds(450);
+            last = before;
+            std::this_thread::sleep_for(std::chrono::milliseconds(90));
+            keysInCover += hasKeyboard() ? 1 : 0;
+        }
+        EXPECT_EQ(keysInCover, 8);
+        return isSteady;
+    }
+    void pauseAndPressSpace() {
+        std::this_thread::sleep_for(std::chrono::milliseconds(600));
+        client.press(space);
+        ASSERT_TRUE(waitUntil([&] { return isUncovered(); }));
+    }
+    int total(const std::string& outcome) {
+        const auto text = contentOf(settings);
+        const auto name = outcome + R"(Breaks\":)";
+        const auto found = text.find(name);
+        return found == std::string::npos ? 0 : std::stoi(text.substr(found + name.size()));
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Servers, NoctaTypingTest, ::testing::Values(XServer::Kind::xvfb),
+                         serverName);
+
+TEST_P(NoctaTypingTest, WhatIsTypedOnReachesNoCoverAndSpaceAfterAPauseSkips) {
+    int breaks = 0;
+    for (int round = 0; round < 50 && breaks < 10; ++round) {
+        const auto skipped = total("skipped");
+        const auto isSteady = typeIntoCover();
+        if (isSteady) {
+            EXPECT_TRUE(isCovered()) << round;
+            EXPECT_EQ(total("skipped"), skipped) << round;
+            ++breaks;
+        }
+        ASSERT_NO_FATAL_FAILURE(pauseAndPressSpace()) << round;
+        if (isSteady) {
+            EXPECT_TRUE(waitUntil([&] { return total("skipped") == skipped + 1; })) << round;
+        }
+    }
+    EXPECT_EQ(breaks, 10);
+    EXPECT_EQ(total("snoozed"), 0) << "Enter has done nothing";
+}
+
+TEST_P(NoctaTypingTest, MouseWorksAtOnce) {
+    typeIntoCover();
+    const auto frame = client.activeFrames().at(0);
+    for (int y = frame.y + frame.height; y > frame.y && total("snoozed") == 0; y -= 10) {
+        client.press('a');
+        client.click(frame.x + frame.width / 2 + 60, y); // from below, up to "Snooze 5 min"
+    }
+    EXPECT_TRUE(waitUntil([&] { return total("snoozed") == 1; })) << contentOf(settings);
 }
 
 class NoctaBreakOnTwoOutputsTest : public NoctaBreakTest {};

@@ -119,7 +119,7 @@ private:
 /// Sees every key before the window that it is pressed in.
 class QtOverlayWindows::KeyFilter final : public QObject {
 public:
-    explicit KeyFilter(CallbackList<KeyPress>& monitors) : monitors_(monitors) {
+    explicit KeyFilter(QtOverlayWindows& owner) : owner_(owner) {
         QCoreApplication::instance()->installEventFilter(this);
     }
 
@@ -129,18 +129,23 @@ protected:
         if (event->type() != QEvent::KeyPress || !receiver->isWindowType()) {
             return false;
         }
-        bool isSwallowed = false;
-        const auto key = static_cast<QKeyEvent*>(event)->key();
-        monitors_.call({.event = {nativeKeyCode(key)}, .isSwallowed = &isSwallowed});
+        const auto& press = static_cast<const QKeyEvent&>(*event);
+        bool isSwallowed = owner_.holdsBack(press);
+        if (!isSwallowed) {
+            owner_.monitors_.call(
+                {.event = {nativeKeyCode(press.key())}, .isSwallowed = &isSwallowed});
+        }
         return isSwallowed;
     }
 
 private:
-    CallbackList<KeyPress>& monitors_;
+    QtOverlayWindows& owner_;
 };
 
-QtOverlayWindows::QtOverlayWindows(RunLoop& runLoop, X11Connection* connection)
-    : runLoop_(runLoop), connection_(connection), filter_(std::make_unique<KeyFilter>(monitors_)) {
+QtOverlayWindows::QtOverlayWindows(RunLoop& runLoop, X11Connection* connection,
+                                   const Typing* typing)
+    : runLoop_(runLoop), connection_(connection), typing_(typing),
+      filter_(std::make_unique<KeyFilter>(*this)) {
     QObject::connect(qApp, &QGuiApplication::focusWindowChanged, filter_.get(),
                      [this](const QWindow* window) { keyboardHasGoneTo(window); });
 }
@@ -179,7 +184,11 @@ QtOverlayWindows::addLocalMonitorForKeyDown(std::function<bool(const KeyDownEven
 
 /// The first window that is shown takes the keyboard from somebody.
 void QtOverlayWindows::windowComes() {
-    if (shown_++ > 0 || connection_ == nullptr) {
+    if (shown_++ > 0) {
+        return;
+    }
+    shownSince_ = runLoop_.monotonicNow();
+    if (connection_ == nullptr) {
         return;
     }
     timesTakenBack_ = 0;
@@ -188,6 +197,19 @@ void QtOverlayWindows::windowComes() {
         xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr));
     focusBefore_ = focus ? focus->focus : xcb_window_t{XCB_NONE};
     connection_->finishTurn();
+}
+
+/// Whether a key goes on with what was being typed when the first window came, or repeats by itself
+/// because it is held.
+bool QtOverlayWindows::holdsBack(const QKeyEvent& press) {
+    if (shown_ == 0) {
+        return false;
+    }
+    if (press.isAutoRepeat() || typing_ == nullptr) {
+        return press.isAutoRepeat();
+    }
+    connection_->catchUp(); // this key has to be noted as well
+    return typing_->isFromBefore(shownSince_);
 }
 
 /// Another program's window is none to Qt.

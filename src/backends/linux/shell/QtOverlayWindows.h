@@ -2,11 +2,13 @@
 
 #include "backends/linux/x11/X11Connection.h"
 #include "base/CallbackList.h"
+#include "base/Typing.h"
 #include "platform/OverlayWindows.h"
 
 #include <memory>
 #include <vector>
 
+class QKeyEvent;
 class QWindow;
 
 namespace nocta {
@@ -15,11 +17,13 @@ namespace nocta {
 /// their screens exactly, on every workspace and above full-screen windows, whatever manages them
 /// or nothing does. The keyboard they take themselves, and take it back from a window that comes up
 /// below them, so that nobody types into what cannot be seen; the last one that goes gives it back
-/// to the window that had it. Without a compositor they are dark and opaque.
+/// to the window that had it. What somebody was typing when they came reaches nobody. Without a
+/// compositor they are dark and opaque.
 class QtOverlayWindows final : public OverlayWindows {
 public:
-    /// `connection` may be null: no X server.
-    QtOverlayWindows(RunLoop& runLoop, X11Connection* connection);
+    /// Without an X server, `connection` and `typing` are null. Without `typing`, only the repeats
+    /// of a held key count as typed before.
+    QtOverlayWindows(RunLoop& runLoop, X11Connection* connection, const Typing* typing);
     QtOverlayWindows(const QtOverlayWindows&) = delete;
     QtOverlayWindows& operator=(const QtOverlayWindows&) = delete;
     ~QtOverlayWindows() override;
@@ -41,10 +45,13 @@ private:
     void windowComes();
     void windowGoes();
     void keyboardHasGoneTo(const QWindow* window);
+    bool holdsBack(const QKeyEvent& press);
 
     RunLoop& runLoop_;
     X11Connection* connection_;
+    const Typing* typing_;
     int shown_ = 0;
+    MonotonicTime shownSince_;    ///< the first of those that are shown
     Window* keyWindow_ = nullptr; ///< the last one that was made key, while it is shown
     int timesTakenBack_ = 0;
     xcb_window_t focusBefore_ = XCB_NONE;

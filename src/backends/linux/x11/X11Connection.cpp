@@ -69,6 +69,11 @@ bool X11Connection::synchronize() {
     return answered != nullptr;
 }
 
+void X11Connection::catchUp() {
+    synchronize();
+    readEvents();
+}
+
 void X11Connection::readEvents() {
     while (const XcbReply<Event> event{xcb_poll_for_event(connection_)}) {
         observers_.call(*event);

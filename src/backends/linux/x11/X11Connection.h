@@ -65,6 +65,9 @@ public:
     /// gone.
     bool synchronize();
 
+    /// Delivers the events of everything that has happened on the server so far.
+    void catchUp();
+
     std::function<void()> onLost;
 
 private:

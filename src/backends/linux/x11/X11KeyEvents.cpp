@@ -83,11 +83,21 @@ void X11KeyEvents::handle(const X11Connection::Event& event) {
             return;
         }
         if (raw.event_type == XCB_INPUT_RAW_KEY_PRESS) {
+            typing_.press(timeOf(raw.time));
             press(static_cast<xcb_keycode_t>(raw.detail));
         } else if (raw.event_type == XCB_INPUT_RAW_KEY_RELEASE) {
             release(static_cast<xcb_keycode_t>(raw.detail));
         }
     }
+}
+
+/// Our time at which a key was pressed, however late its event is read: the server's clock, which
+/// wraps around, says how long that was after the key before.
+MonotonicTime X11KeyEvents::timeOf(std::uint32_t serverTime) {
+    const auto now = runLoop_.monotonicNow();
+    const auto sinceLast = std::chrono::milliseconds(serverTime - lastServerTime_);
+    lastServerTime_ = serverTime;
+    return typing_.last() ? std::min(now, *typing_.last() + sinceLast) : now;
 }
 
 void X11KeyEvents::press(xcb_keycode_t code) {
