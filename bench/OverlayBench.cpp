@@ -1,8 +1,9 @@
-// What a break costs on an X server until its windows are there.
+// What a break costs on an X server until its windows are there, and how smoothly they fade.
 
 #include "app/SharedInstances.h"
 #include "backends/linux/shell/QtOverlayWindows.h"
 #include "backends/linux/shell/QtRunLoop.h"
+#include "backends/linux/x11/X11Displays.h"
 #include "backends/virtual/VirtualDesktop.h"
 #include "breaks/BreakOverlayController.h"
 #include "support/Process.h"
@@ -13,10 +14,12 @@
 #include <QApplication>
 #include <benchmark/benchmark.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <thread>
 
 namespace nocta {
 namespace {
@@ -47,7 +50,8 @@ void breakStartToLastWindow(benchmark::State& state, const XServer& server) {
     VirtualDesktop desktop; // for the ports that take no part
     QtRunLoop runLoop;
     X11Connection connection(runLoop);
-    QtOverlayWindows windows(runLoop, &connection, nullptr);
+    X11Displays displays(connection, runLoop, desktop.notificationCenter);
+    QtOverlayWindows windows(runLoop, displays, &connection, nullptr);
     SharedInstances instances(desktop.ports);
     WidgetViews views(instances);
     BreakOverlayController overlay(instances.breakTimer(), windows, desktop.application, views,
@@ -73,6 +77,50 @@ void breakStartToLastWindow(benchmark::State& state, const XServer& server) {
     }
 }
 
+/// A whole fade in: how long it takes, and how many of its 24 steps another client sees that waits
+/// for them.
+void fadeIn(benchmark::State& state, const XServer& server) {
+    useOutputs(server, 1);
+    XClient client;
+    VirtualDesktop desktop;
+    QtRunLoop runLoop;
+    QtOverlayWindows windows(runLoop, desktop.displays, nullptr, nullptr);
+    SharedInstances instances(desktop.ports);
+    WidgetViews views(instances);
+    double seen = 0;
+    for (auto _ : state) {
+        const auto window = windows.makeWindow(windows.screens().at(0), {.level = 1000},
+                                               views.makeBreakOverlayView([] {}, [] {}));
+        window->makeKeyAndOrderFront();
+        while (client.topWindows().empty()) {
+            QCoreApplication::processEvents();
+        }
+        const auto id = client.topWindows().back().id;
+        std::atomic<bool> hasEnded = false;
+        std::thread watcher([&] {
+            std::uint32_t last = 0;
+            while (!hasEnded) {
+                const auto opacity = client.number(id, "_NET_WM_WINDOW_OPACITY");
+                seen += opacity > last ? 1 : 0;
+                last = opacity;
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        });
+        const auto start = std::chrono::steady_clock::now();
+        std::chrono::duration<double> taken{};
+        window->animateAlpha(1, std::chrono::milliseconds(400), TimingFunction::easeInEaseOut, [&] {
+            taken = std::chrono::steady_clock::now() - start;
+            hasEnded = true;
+        });
+        while (!hasEnded) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        watcher.join();
+        state.SetIterationTime(taken.count());
+    }
+    state.counters["stepsSeen"] = benchmark::Counter(seen, benchmark::Counter::kAvgIterations);
+}
+
 } // namespace
 } // namespace nocta
 
@@ -92,6 +140,11 @@ int main(int argc, char** argv) {
             ->Iterations(10)
             ->Unit(benchmark::kMillisecond);
     }
+    benchmark::RegisterBenchmark("fadeIn",
+                                 [&](benchmark::State& state) { nocta::fadeIn(state, server); })
+        ->UseManualTime()
+        ->Iterations(10)
+        ->Unit(benchmark::kMillisecond);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
 }

@@ -94,10 +94,15 @@ double XClient::top(xcb_randr_crtc_t crtc) {
 }
 
 std::uint32_t XClient::pixel(xcb_window_t window, std::int16_t x, std::int16_t y) {
+    return translucentPixel(window, x, y) & 0xFFFFFFU;
+}
+
+std::uint32_t XClient::translucentPixel(xcb_window_t window, std::int16_t x, std::int16_t y) {
     const auto image = needed(xcb_get_image_reply(
         x_, xcb_get_image(x_, XCB_IMAGE_FORMAT_Z_PIXMAP, window, x, y, 1, 1, ~0U), nullptr));
     const auto* const bytes = xcb_get_image_data(image.get()); // blue comes first
-    return static_cast<std::uint32_t>(bytes[2] << 16 | bytes[1] << 8 | bytes[0]);
+    return static_cast<std::uint32_t>(bytes[3]) << 24U |
+           static_cast<std::uint32_t>(bytes[2] << 16 | bytes[1] << 8 | bytes[0]);
 }
 
 void XClient::press(xcb_keysym_t symbol) {
@@ -216,6 +221,40 @@ bool XClient::hasProperty(xcb_window_t window, const std::string& name) {
 
 void XClient::disconnect(xcb_window_t window) {
     xcb_kill_client(x_, window);
+    synchronize();
+}
+
+std::uint32_t XClient::number(xcb_window_t window, const std::string& property) {
+    const auto reply = needed(xcb_get_property_reply(
+        x_, xcb_get_property(x_, 0, window, atom(property), XCB_GET_PROPERTY_TYPE_ANY, 0, 1),
+        nullptr));
+    return reply->format == 32 && reply->value_len > 0
+               ? *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()))
+               : 0;
+}
+
+void XClient::countWrites(xcb_window_t window) {
+    writes_.clear();
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(x_, window, XCB_CW_EVENT_MASK, &mask);
+    synchronize();
+}
+
+int XClient::writesTo(const std::string& property) {
+    const auto name = atom(property); // with its answer come the events before it
+    while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(x_)}) {
+        if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY) {
+            ++writes_[reinterpret_cast<const xcb_property_notify_event_t&>(*event).atom];
+        }
+    }
+    return writes_[name];
+}
+
+void XClient::becomeCompositor() {
+    const auto window = xcb_generate_id(x_);
+    xcb_create_window(x_, XCB_COPY_FROM_PARENT, window, root_, 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_set_selection_owner(x_, window, atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
     synchronize();
 }
 

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,8 @@ public:
 
     /// What a window shows at a point of it, 0xRRGGBB.
     std::uint32_t pixel(xcb_window_t window, std::int16_t x, std::int16_t y);
+    /// The same of a window that is translucent, 0xAARRGGBB.
+    std::uint32_t translucentPixel(xcb_window_t window, std::int16_t x, std::int16_t y);
 
     /// Presses and releases the key that makes the symbol; one is given the symbol if none has it.
     void press(xcb_keysym_t symbol);
@@ -55,12 +58,14 @@ public:
     /// Owns the selection of XEmbed trays and announces itself, as a panel does.
     void becomeSystemTray();
 
+    /// Owns the selection of compositors; it composes nothing.
+    void becomeCompositor();
+
     /// A property of the root window that is a list of numbers, of 8, 16 or 32 bits by `format`.
     void setRootProperty(const std::string& name, std::uint8_t format,
                          const std::vector<std::uint8_t>& bytes);
     /// Empty where there is none.
     std::vector<std::uint8_t> rootProperty(const std::string& name);
-
     void setRootText(const std::string& name, const std::string& text);
 
     /// Writes a property of numbers, or of atoms, to every output.
@@ -106,6 +111,11 @@ public:
     std::string nameOf(xcb_window_t window);
     bool hasProperty(xcb_window_t window, const std::string& name);
     xcb_atom_t atom(const std::string& name);
+    /// The first number in a property, or 0.
+    std::uint32_t number(xcb_window_t window, const std::string& property);
+    /// From now on the writes to the properties of the window are counted.
+    void countWrites(xcb_window_t window);
+    int writesTo(const std::string& property);
 
 private:
     void synchronize();
@@ -115,6 +125,7 @@ private:
 
     xcb_connection_t* x_;
     xcb_window_t root_;
+    std::map<xcb_atom_t, int> writes_;
 };
 
 inline constexpr xcb_keysym_t brightnessUpSymbol = 0x1008FF02;

@@ -274,7 +274,8 @@ private:
         gnu_get_libc_version(), // what a program built elsewhere needs most
         {.memory = stateFolder() / "updates.json", .downloads = cacheFolder() / "updates"},
         openPackage};
-    QtOverlayWindows overlayWindows_{runLoop_, server_.connection.get(), server_.typing};
+    QtOverlayWindows overlayWindows_{runLoop_, *server_.displays, server_.connection.get(),
+                                     server_.typing};
     SystemTray tray_{server_.connection.get()};
     QtStatusBar statusBar_{tray_};
     QtPopover popover_{server_.connection.get()};

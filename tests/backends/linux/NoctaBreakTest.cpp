@@ -104,6 +104,7 @@ TEST_P(NoctaBreakTest, CountdownEndsInWindowsOverEveryOutputAndSpaceSkips) {
     openFocusedWindow();
     startWithBreaks();
     waitForBreak();
+    EXPECT_EQ(client.nameOf(client.focus()), "Time for a break — Nocta");
     for (const auto key : {escape, enter, xcb_keysym_t{'a'}}) {
         client.press(key);
     }
@@ -279,6 +280,66 @@ TEST_P(NoctaTypingTest, MouseWorksAtOnce) {
         client.click(frame.x + frame.width / 2 + 60, y); // from below, up to "Snooze 5 min"
     }
     EXPECT_TRUE(waitUntil([&] { return total("snoozed") == 1; })) << contentOf(settings);
+}
+
+/// Scale factors by which the outputs' sizes do not divide.
+class NoctaBreakScaledTest : public NoctaBreakTest {
+protected:
+    void SetUp() override {
+        NoctaBreakTest::SetUp();
+        server.xrandr({"--newmode", "odd", "85.5", "1366", "1436", "1579", "1792", "768", "771",
+                       "774", "798"});
+        server.xrandr({"--newmode", "hd", "148.5", "1920", "2008", "2052", "2200", "1080", "1084",
+                       "1089", "1125"});
+        server.xrandr({"--addmode", "DUMMY1", "odd"});
+        server.xrandr({"--addmode", "DUMMY2", "hd"});
+        server.xrandr({"--output", "DUMMY1", "--mode", "odd", "--pos", "1280x0"});
+        server.xrandr({"--output", "DUMMY2", "--mode", "hd", "--pos", "101x769"});
+    }
+    void TearDown() override { unsetenv("QT_SCALE_FACTOR"); }
+    /// Where Qt does not paint the last pixel the server does, in the same color.
+    void expectBackdropAtEveryCorner() {
+        constexpr std::uint32_t backdrop = 0xB3000000; // black at 0.7
+        int covers = 0;
+        for (const auto& window : client.topWindows()) {
+            if (!window.isOverrideRedirect || window.width < 1000) {
+                continue;
+            }
+            ++covers;
+            for (const auto x : {0, window.width - 1}) {
+                for (const auto y : {0, window.height - 1}) {
+                    EXPECT_TRUE(waitUntil([&] {
+                        return client.translucentPixel(window.id, static_cast<std::int16_t>(x),
+                                                       static_cast<std::int16_t>(y)) == backdrop;
+                    })) << x
+                        << " " << y;
+                }
+            }
+        }
+        EXPECT_EQ(covers, 3);
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Servers, NoctaBreakScaledTest, ::testing::Values(XServer::Kind::xorgDummy),
+                         serverName);
+
+TEST_P(NoctaBreakScaledTest, EveryPixelIsCoveredAndNoneBeyond) {
+    for (const auto* const factor : {"1.25", "1.5", "1.75", "2"}) {
+        SCOPED_TRACE(factor);
+        setenv("QT_SCALE_FACTOR", factor, 1);
+        startWithBreaks();
+        waitForBreak();
+        expectBackdropAtEveryCorner();
+        nocta->signal(SIGTERM);
+        EXPECT_EQ(nocta->wait(), 0);
+    }
+}
+
+TEST_P(NoctaBreakScaledTest, EveryPixelIsCoveredWithFontsOfAnotherResolution) {
+    XApplication desktop;
+    desktop.setText(desktop.root(), "RESOURCE_MANAGER", "Xft.dpi:\t168\n", "STRING");
+    startWithBreaks();
+    waitForBreak();
+    expectBackdropAtEveryCorner();
 }
 
 class NoctaBreakOnTwoOutputsTest : public NoctaBreakTest {};

@@ -1,5 +1,6 @@
 #include "backends/linux/shell/QtOverlayWindows.h"
 
+#include "backends/linux/shell/QtOnX11.h"
 #include "base/AlphaFade.h"
 
 #include <QApplication>
@@ -49,11 +50,13 @@ public:
         flags.setFlag(Qt::X11BypassWindowManagerHint,
                       (style.collectionBehavior & allWorkspaces) != 0);
         widget_.setWindowFlags(flags);
-        widget_.setWindowTitle(QStringLiteral("Nocta"));
         widget_.setAttribute(Qt::WA_TranslucentBackground);
+        auto* const view = static_cast<QWidget*>(content_->nativeView());
+        widget_.setWindowTitle(view->accessibleName());
         auto* const layout = new QVBoxLayout(&widget_);
         layout->setContentsMargins(0, 0, 0, 0);
-        layout->addWidget(static_cast<QWidget*>(content_->nativeView()));
+        layout->setSizeConstraint(QLayout::SetNoConstraint); // on a screen too small for it as well
+        layout->addWidget(view);
         widget_.setWindowOpacity(0);
         // A frame belongs to the scale factor of its screen.
         widget_.winId();
@@ -76,6 +79,7 @@ public:
         }
         if (QGuiApplication::platformName() == QStringLiteral("xcb")) {
             widget_.show();
+            coverPixels(); // after Qt has placed it
         } else {
             widget_.showFullScreen(); // on Wayland a window cannot be placed by its program
         }
@@ -103,11 +107,20 @@ public:
             [this](double alpha) {
                 alpha_ = alpha;
                 widget_.setWindowOpacity(alpha);
+                flushQt();
             },
             std::move(completion));
     }
 
 private:
+    void coverPixels() {
+        if (const auto pixels = owner_.pixelsOf(*widget_.screen())) {
+            const auto* const view = static_cast<QWidget*>(content_->nativeView());
+            placeByPixels(*widget_.windowHandle(), *pixels,
+                          view->palette().color(QPalette::Window));
+        }
+    }
+
     QtOverlayWindows& owner_;
     bool isShown_ = false;
     double alpha_ = 0;
@@ -142,9 +155,9 @@ private:
     QtOverlayWindows& owner_;
 };
 
-QtOverlayWindows::QtOverlayWindows(RunLoop& runLoop, X11Connection* connection,
+QtOverlayWindows::QtOverlayWindows(RunLoop& runLoop, Displays& displays, X11Connection* connection,
                                    const Typing* typing)
-    : runLoop_(runLoop), connection_(connection), typing_(typing),
+    : runLoop_(runLoop), displays_(displays), connection_(connection), typing_(typing),
       filter_(std::make_unique<KeyFilter>(*this)) {
     QObject::connect(qApp, &QGuiApplication::focusWindowChanged, filter_.get(),
                      [this](const QWindow* window) { keyboardHasGoneTo(window); });
@@ -210,6 +223,25 @@ bool QtOverlayWindows::holdsBack(const QKeyEvent& press) {
     }
     connection_->catchUp(); // this key has to be noted as well
     return typing_->isFromBefore(shownSince_);
+}
+
+/// The pixels that a screen of Qt's shows, if they are known. Qt tells where they begin, and their
+/// number in points, which are rounded.
+std::optional<Rect> QtOverlayWindows::pixelsOf(const QScreen& screen) {
+    std::uint32_t count = 0;
+    displays_.getActiveDisplayList({}, count);
+    std::vector<DisplayId> ids(count);
+    displays_.getActiveDisplayList(ids, count);
+    for (const auto id : ids) {
+        const auto bounds = displays_.displayBounds(id);
+        const QRect points(qRound(bounds.x), qRound(bounds.y),
+                           qRound(bounds.width / screen.devicePixelRatio()),
+                           qRound(bounds.height / screen.devicePixelRatio()));
+        if (points == screen.geometry()) {
+            return bounds;
+        }
+    }
+    return std::nullopt;
 }
 
 /// Another program's window is none to Qt.

@@ -3,12 +3,15 @@
 #include "backends/linux/x11/X11Connection.h"
 #include "base/CallbackList.h"
 #include "base/Typing.h"
+#include "platform/Displays.h"
 #include "platform/OverlayWindows.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QKeyEvent;
+class QScreen;
 class QWindow;
 
 namespace nocta {
@@ -23,7 +26,8 @@ class QtOverlayWindows final : public OverlayWindows {
 public:
     /// Without an X server, `connection` and `typing` are null. Without `typing`, only the repeats
     /// of a held key count as typed before.
-    QtOverlayWindows(RunLoop& runLoop, X11Connection* connection, const Typing* typing);
+    QtOverlayWindows(RunLoop& runLoop, Displays& displays, X11Connection* connection,
+                     const Typing* typing);
     QtOverlayWindows(const QtOverlayWindows&) = delete;
     QtOverlayWindows& operator=(const QtOverlayWindows&) = delete;
     ~QtOverlayWindows() override;
@@ -46,8 +50,10 @@ private:
     void windowGoes();
     void keyboardHasGoneTo(const QWindow* window);
     bool holdsBack(const QKeyEvent& press);
+    std::optional<Rect> pixelsOf(const QScreen& screen);
 
     RunLoop& runLoop_;
+    Displays& displays_;
     X11Connection* connection_;
     const Typing* typing_;
     int shown_ = 0;

@@ -1,0 +1,49 @@
+#include "backends/linux/shell/QtOnX11.h"
+
+#include <QGuiApplication>
+#include <QWindow>
+#include <QtGui/qguiapplication_platform.h>
+#include <xcb/xcb.h>
+
+#include <cmath>
+#include <cstdint>
+
+namespace nocta {
+
+namespace {
+
+xcb_connection_t* qtConnection() {
+    const auto* const application = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return application == nullptr ? nullptr : application->connection();
+}
+
+} // namespace
+
+void flushQt() {
+    if (auto* const connection = qtConnection()) {
+        xcb_flush(connection);
+    }
+}
+
+void placeByPixels(const QWindow& window, const Rect& pixels, const QColor& color) {
+    auto* const connection = qtConnection();
+    if (connection == nullptr) {
+        return;
+    }
+    // On Qt's own connection, so that it comes after Qt's placing.
+    const auto id = static_cast<xcb_window_t>(window.winId());
+    const auto number = [](double value) {
+        return static_cast<std::uint32_t>(static_cast<std::int32_t>(std::lround(value)));
+    };
+    const std::uint32_t background = qPremultiply(color.rgba());
+    const std::uint32_t place[] = {number(pixels.x), number(pixels.y), number(pixels.width),
+                                   number(pixels.height)};
+    xcb_change_window_attributes(connection, id, XCB_CW_BACK_PIXEL, &background);
+    xcb_configure_window(connection, id,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT,
+                         place);
+    xcb_flush(connection);
+}
+
+} // namespace nocta
