@@ -15,7 +15,8 @@ using namespace std::chrono_literals;
 
 constexpr auto programName = "nocta-guardian";
 constexpr auto answerTimeout = 15s; // above what the helper itself waits for others
-constexpr int maxReplacements = 3;
+constexpr int maxReplacements = 3;  // without a pause
+constexpr auto replacementPause = 5s;
 
 } // namespace
 
@@ -59,6 +60,7 @@ void Guardian::dismiss(const void* writer) {
 /// Leaves the helper to what it does when this process ends.
 void Guardian::wake() {
     timeout_.invalidate();
+    pause_.invalidate();
     helper_.release();
     helperWindow_ = XCB_NONE;
     permission_ = Permission::pending;
@@ -66,6 +68,7 @@ void Guardian::wake() {
 }
 
 void Guardian::launch() {
+    pause_.invalidate();
     const GuardianHello hello{.window = connection_.window()};
     if (!helper_.start(programName) || !helper_.send(&hello, sizeof hello)) {
         helper_.kill();
@@ -111,11 +114,16 @@ void Guardian::replace() {
     if (!connection_.synchronize()) {
         return; // the server has gone, and the helper after it
     }
+    const auto now = runLoop_.monotonicNow();
+    if (now - std::exchange(lastDeath_, now) >= replacementPause) {
+        replacements_ = 0;
+    }
     if (replacements_++ < maxReplacements) {
         launch();
     } else {
         complain("", " keeps dying");
         change(Permission::granted);
+        pause_.start(runLoop_, replacementPause, Repeat::no, [this] { launch(); });
     }
 }
 

@@ -14,8 +14,8 @@ namespace nocta {
 /// gamma ramps and colour matrices after the client that wrote them has gone, whatever killed it;
 /// so a small helper process is started before the first write, and it gives back what there was
 /// before if its socket closes while it lives. A helper that dies is replaced: at once, and if it
-/// keeps dying at the next write. Nobody waits for a helper in a call; it may have to see first
-/// what becomes of an earlier one, of a Nocta that has died.
+/// keeps dying after a pause or at the next write. Nobody waits for a helper in a call; it may have
+/// to see first what becomes of an earlier one, of a Nocta that has died.
 class Guardian {
 public:
     enum class Permission {
@@ -68,10 +68,12 @@ private:
     std::set<const void*> writers_;
     CallbackList<Permission> changed_;
     xcb_window_t helperWindow_ = XCB_NONE; ///< of the last helper that was ready
-    int replacements_ = 0;                 ///< since the last write that had to start one
+    int replacements_ = 0;                 ///< without a pause
+    MonotonicTime lastDeath_;
     bool hasComplained_ = false;
     HelperProcess helper_;
     Timer timeout_;
+    Timer pause_;
 };
 
 } // namespace nocta
