@@ -59,7 +59,11 @@ GeoClueClient::GeoClueClient(Callbacks callbacks)
     busLost_.setSingleShot(true);
     QObject::connect(&busLost_, &QTimer::timeout, [this] {
         const auto alive = shared_from_this();
-        callbacks_.absent();
+        if (MessageBus::system().isMute()) {
+            callbacks_.failed("The system bus does not answer"); // and may do so later
+        } else {
+            callbacks_.absent();
+        }
     });
     bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
                  QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),

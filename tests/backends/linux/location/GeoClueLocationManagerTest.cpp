@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <csignal>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -160,6 +161,22 @@ TEST_F(GeoClueLocationManagerTest, WithoutTheBusLocationIsRestrictedAndTheGrantI
     ASSERT_TRUE(serveUntil([&] { return reports.size() == 2; }));
     EXPECT_EQ(reports.back(), AuthorizationStatus::restricted);
     EXPECT_TRUE(std::filesystem::exists(grantFile));
+}
+
+TEST_F(GeoClueLocationManagerTest, BusThatDoesNotAnswerIsTriedAgainLater) {
+    rememberGrant();
+    bus->signal(SIGSTOP);
+    makeManager();
+    EXPECT_TRUE(serveUntil([&] { return failures.size() == 1; }));
+    EXPECT_EQ(manager->authorizationStatus(), AuthorizationStatus::authorized);
+    EXPECT_TRUE(std::filesystem::exists(grantFile));
+
+    bus->signal(SIGCONT);
+    const MockGeoClue service;
+    ASSERT_TRUE(serveUntil([] { return systemBus().isConnected(); }));
+    runLoop.advance(1min);
+    EXPECT_TRUE(serveUntil(
+        [&] { return std::count(service.calls.begin(), service.calls.end(), "Start") == 1; }));
 }
 
 TEST_F(GeoClueLocationManagerTest, AServiceThatHangsAndDiesIsTriedAgainLater) {
