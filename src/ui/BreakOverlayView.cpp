@@ -68,6 +68,12 @@ QLabel* makeLabel(const QString& text, qreal scale, QFont::Weight weight, qreal 
     return label;
 }
 
+/// A duration that cannot be shown stops the program, and is named.
+std::int64_t secondsLeft(const BreakState& state, const SettingsManager& settings) {
+    const FaultContext context({settings.breakDurationSeconds.origin()});
+    return secondsLeft(state);
+}
+
 } // namespace
 
 std::int64_t secondsLeft(const BreakState& state) {
@@ -127,7 +133,7 @@ BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& sett
                                    Workspace& workspace, RunLoop& runLoop,
                                    std::function<void()> onSkip, std::function<void()> onSnooze)
     : settings_(settings), workspace_(workspace), runLoop_(runLoop),
-      ring_(new BreakProgressRing(secondsLeft(breakTimer.state.get()))) {
+      ring_(new BreakProgressRing(secondsLeft(breakTimer.state.get(), settings))) {
     setAccessibleName(Text::tr("Time for a break"));
     auto colors = palette();
     colors.setColor(QPalette::Window, withOpacity(Qt::black, backdropOpacity));
@@ -177,8 +183,7 @@ void BreakOverlayView::showEvent(QShowEvent* event) {
 }
 
 void BreakOverlayView::follow(const BreakState& state) {
-    const FaultContext context({settings_.breakDurationSeconds.origin()});
-    ring_->setSeconds(secondsLeft(state));
+    ring_->setSeconds(secondsLeft(state, settings_));
     if (const auto* const active = std::get_if<Active>(&state)) {
         moveTo(breakProgress(active->timeRemaining,
                              static_cast<double>(settings_.breakDurationSeconds.get())));
