@@ -123,7 +123,7 @@ TEST_P(NoctaBreakTest, KeyboardIsGivenBackToTheWindowThatHadIt) {
     client.press(tab);
     client.press(enter); // on the second button, which puts the break off
     EXPECT_TRUE(waitUntil([&] { return client.focus() == other; }));
-    EXPECT_TRUE(isUncovered());
+    EXPECT_TRUE(waitUntil([&] { return isUncovered(); }));
     EXPECT_TRUE(hasTotals(R"(\"snoozedBreaks\":1)")) << contentOf(settings);
 }
 
