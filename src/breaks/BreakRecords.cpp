@@ -1,9 +1,10 @@
 #include "breaks/BreakRecords.h"
 
+#include "settings/JsonInteger.h"
+
 #include <nlohmann/json.hpp>
 
 #include <chrono>
-#include <limits>
 #include <ratio>
 
 namespace nocta {
@@ -31,15 +32,6 @@ WallTime timeFrom(const nlohmann::json& json) {
         refuse("not a time", json);
     }
     return referenceTime + std::chrono::round<Duration>(Seconds(seconds));
-}
-
-std::int64_t integerFrom(const nlohmann::json& json) {
-    constexpr auto largest = std::uint64_t{std::numeric_limits<std::int64_t>::max()};
-    if (!json.is_number_integer() ||
-        (json.is_number_unsigned() && json.get<std::uint64_t>() > largest)) {
-        refuse("not a 64-bit integer", json);
-    }
-    return json.get<std::int64_t>();
 }
 
 } // namespace
@@ -90,11 +82,7 @@ void from_json(const nlohmann::json& json, BreakStatistics& statistics) {
     statistics.completedBreaks = integerFrom(json.at("completedBreaks"));
     statistics.skippedBreaks = integerFrom(json.at("skippedBreaks"));
     statistics.snoozedBreaks = integerFrom(json.at("snoozedBreaks"));
-    const auto& time = json.at("totalBreakTime");
-    if (!time.is_number()) {
-        refuse("not a number", time); // nlohmann reads a boolean as one
-    }
-    time.get_to(statistics.totalBreakTime);
+    json.at("totalBreakTime").get_to(statistics.totalBreakTime);
 }
 
 } // namespace nocta

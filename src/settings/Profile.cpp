@@ -1,5 +1,7 @@
 #include "settings/Profile.h"
 
+#include "settings/JsonInteger.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -80,7 +82,7 @@ void from_json(const nlohmann::json& json, Profile& profile) {
     json.at("warmth").get_to(profile.warmth);
     json.at("grayscaleEnabled").get_to(profile.grayscaleEnabled);
     json.at("breakTimerEnabled").get_to(profile.breakTimerEnabled);
-    json.at("breakInterval").get_to(profile.breakInterval);
+    profile.breakInterval = integerFrom(json.at("breakInterval"));
     json.at("isBuiltIn").get_to(profile.isBuiltIn);
 }
 

@@ -45,7 +45,8 @@ struct Profile {
 BuiltInProfiles makeBuiltInProfiles(UuidSource& uuidSource);
 
 /// A JSON object with the eight field names as keys, the id as its canonical text. Reading throws
-/// nlohmann::json::exception where a key is missing, mistyped or not an id.
+/// nlohmann::json::exception where a key is missing or mistyped, not an id, or a number of minutes
+/// that the field cannot hold. Fractions are read as they are.
 void to_json(nlohmann::json& json, const Profile& profile);
 void from_json(const nlohmann::json& json, Profile& profile);
 

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <limits>
 #include <unordered_set>
 
 namespace nocta {
@@ -73,6 +74,49 @@ TEST_F(ProfileTest, JsonHasExactlyTheEightFieldsAndReadsBack) {
                                     {"breakInterval", 20},
                                     {"isBuiltIn", true}}));
     EXPECT_EQ(json.get<Profile>(), everyday());
+}
+
+TEST_F(ProfileTest, ProfileOfTheUsersOwnKeepsEveryValueInJson) {
+    const Profile reading{.id = desktop.uuidSource.makeUuid(),
+                          .name = "Lesen \"spät\"",
+                          .brightness = 0.1,
+                          .warmth = 1.0 / 3,
+                          .grayscaleEnabled = true,
+                          .breakTimerEnabled = false,
+                          .breakInterval = std::numeric_limits<std::int64_t>::min(),
+                          .isBuiltIn = false};
+    nlohmann::json const json = reading;
+    EXPECT_EQ(json.at("isBuiltIn"), false);
+    EXPECT_EQ(json.at("breakTimerEnabled"), false);
+    EXPECT_EQ(nlohmann::json::parse(json.dump()).get<Profile>(), reading);
+}
+
+TEST_F(ProfileTest, NumberThatItsFieldCannotHoldIsRefused) {
+    nlohmann::json const good = everyday();
+    const auto read = [&](const char* key, const char* number) {
+        auto json = good;
+        json[key] = nlohmann::json::parse(number);
+        return json.get<Profile>();
+    };
+    for (const auto* const interval :
+         {"1e300", "-1e300", "18446744073709551615", "9223372036854775808", "20.7", "20.0", "true",
+          "null", "\"20\""}) {
+        EXPECT_THROW(read("breakInterval", interval), nlohmann::json::exception) << interval;
+    }
+    for (const auto* const fraction : {"true", "null", "\"0.5\""}) {
+        EXPECT_THROW(read("brightness", fraction), nlohmann::json::exception) << fraction;
+        EXPECT_THROW(read("warmth", fraction), nlohmann::json::exception) << fraction;
+    }
+    for (const auto* const flag : {"1", "0", "null", "\"true\""}) {
+        for (const auto* const key : {"grayscaleEnabled", "breakTimerEnabled", "isBuiltIn"}) {
+            EXPECT_THROW(read(key, flag), nlohmann::json::exception) << key << " " << flag;
+        }
+    }
+    EXPECT_EQ(read("breakInterval", "9223372036854775807").breakInterval,
+              std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(read("breakInterval", "-3").breakInterval, -3) << "read as it is";
+    EXPECT_EQ(read("brightness", "1").brightness, 1.0) << "a whole number is a fraction too";
+    EXPECT_EQ(read("warmth", "7.5").warmth, 7.5) << "read as it is";
 }
 
 TEST_F(ProfileTest, JsonThatIsNoProfileIsRefused) {
