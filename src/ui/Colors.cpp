@@ -65,9 +65,12 @@ QColor secondaryColor(const QPalette& palette) {
     return text;
 }
 
+QColor shadeColor(const QPalette& palette, double part) {
+    return mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText), part);
+}
+
 QColor hairlineColor(const QPalette& palette) {
-    return mixed(palette.color(QPalette::Window), palette.color(QPalette::WindowText),
-                 hairlinePart);
+    return shadeColor(palette, hairlinePart);
 }
 
 QColor panelColor(const QPalette& palette) {

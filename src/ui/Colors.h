@@ -24,6 +24,9 @@ QColor textOnAccent(const QPalette& palette);
 /// For text of less weight, and what is as quiet: readable, and no stronger than that.
 QColor secondaryColor(const QPalette& palette);
 
+/// So much of the text's color on the window's, 0.0–1.0: for fills and marks between the two.
+QColor shadeColor(const QPalette& palette, double part);
+
 /// For lines between things.
 QColor hairlineColor(const QPalette& palette);
 

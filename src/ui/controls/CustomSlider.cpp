@@ -23,8 +23,7 @@ CustomSlider::CustomSlider(const QString& name, Setting<double>& value, ClosedRa
 void CustomSlider::paintTrack(QPainter& painter, const QRectF& track, qreal knob) const {
     const auto radius = track.height() / 2;
     painter.setPen(Qt::NoPen);
-    painter.setBrush(mixed(palette().color(QPalette::Window), palette().color(QPalette::WindowText),
-                           unfilledPart));
+    painter.setBrush(shadeColor(palette(), unfilledPart));
     painter.drawRoundedRect(track, radius, radius);
     auto filled = track;
     if (isRightToLeft()) {

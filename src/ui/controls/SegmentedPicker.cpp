@@ -96,8 +96,7 @@ void SegmentedPicker::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(mixed(palette().color(QPalette::Window), palette().color(QPalette::WindowText),
-                           troughPart));
+    painter.setBrush(shadeColor(palette(), troughPart));
     painter.drawRoundedRect(
         QRectF(rect()).adjusted(focusRingRoom, focusRingRoom, -focusRingRoom, -focusRingRoom),
         cornerRadius, cornerRadius);

@@ -45,9 +45,7 @@ void Switch::paintEvent(QPaintEvent* /*event*/) {
                                              QSize(trackWidth, trackHeight), room);
     const auto radius = track.height() / 2;
     painter.setPen(Qt::NoPen);
-    painter.setBrush(isChecked() ? accentColor(palette())
-                                 : mixed(palette().color(QPalette::Window),
-                                         palette().color(QPalette::WindowText), offPart));
+    painter.setBrush(isChecked() ? accentColor(palette()) : shadeColor(palette(), offPart));
     painter.drawRoundedRect(track, radius, radius);
 
     const auto knobSize = track.height() - 2 * knobInset;
