@@ -106,7 +106,7 @@ void calculateSun(benchmark::State& state) {
     double latitude = 52.52;
     for (auto _ : state) {
         benchmark::DoNotOptimize(latitude);
-        auto times = SunCalculator::calculate(noon, latitude, 13.405, noon);
+        auto times = SunCalculator().calculate(noon, latitude, 13.405, noon);
         benchmark::DoNotOptimize(times);
     }
 }

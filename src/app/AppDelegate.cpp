@@ -1,8 +1,6 @@
 #include "app/AppDelegate.h"
 
 #include <iostream>
-#include <optional>
-#include <string>
 #include <variant>
 
 namespace nocta {
@@ -76,6 +74,12 @@ void AppDelegate::togglePopover() {
         popover_->close();
     } else {
         showPopover();
+    }
+}
+
+void AppDelegate::updaterDidFinishUpdateCycle(const std::optional<std::string>& error) {
+    if (error) {
+        std::cerr << "Sparkle update check failed: " << *error << std::endl;
     }
 }
 
@@ -200,11 +204,7 @@ void AppDelegate::completeOnboarding() {
 void AppDelegate::startUpdater() {
     cancellables_.push_back(desktop_.updater.stage.subscribe(
         [this](const UpdateStage& /*stage*/) { updateStageChanged_.request(); }));
-    desktop_.updater.startUpdater([](const std::optional<std::string>& error) {
-        if (error) {
-            std::cerr << "Sparkle update check failed: " << *error << std::endl;
-        }
-    });
+    desktop_.updater.startUpdater(updaterDidFinishUpdateCycle);
 }
 
 /// In a window for each stage. Its own button may have ended the stage before.

@@ -12,6 +12,8 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
+#include <string>
 
 namespace nocta {
 
@@ -32,6 +34,9 @@ public:
 
     /// What a click on the status item does.
     void togglePopover();
+
+    /// The updater has finished a cycle: a failure is logged, and the user is not told.
+    static void updaterDidFinishUpdateCycle(const std::optional<std::string>& error);
 
 private:
     void makeStatusItem();

@@ -30,6 +30,9 @@ public:
                      });
     }
 
+    /// Ends the movement where it is, without its completion.
+    void invalidate() { timer_.invalidate(); }
+
 private:
     Timer timer_;
 };

@@ -17,8 +17,8 @@ constexpr double warmthRange = 3800;
 constexpr double initialWarmth = 0.5;
 
 constexpr Duration updateInterval = 60s;
+constexpr Duration animationDuration = 300ms;
 constexpr int animationSteps = 15;
-constexpr Duration animationInterval = 20ms; // 0.3 s in 15 steps
 
 } // namespace
 
@@ -93,8 +93,8 @@ void ColorTemperatureService::animateTo(std::int64_t kelvin, std::function<void(
     const auto context = faultContext();
     const auto start = currentTemperature.get();
     const auto way = static_cast<double>(checkedDifference(kelvin, start));
-    animation_.start(
-        runLoop_, animationSteps, animationInterval,
+    animationTimer_.start(
+        runLoop_, animationSteps, animationDuration / animationSteps,
         [this, start, way](int step) {
             const auto contextOfStep = faultContext();
             show(checkedSum(start, truncated(static_cast<double>(step) / animationSteps * way)));

@@ -55,7 +55,7 @@ private:
     ScheduleService& scheduleService_;
     RunLoop& runLoop_;
     Timer updateTimer_;
-    SteppedAnimation animation_;
+    SteppedAnimation animationTimer_;
     Cancellables cancellables_;
 };
 

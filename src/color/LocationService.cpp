@@ -3,8 +3,7 @@
 namespace nocta {
 
 LocationService::LocationService(LocationManager& locationManager, SettingsManager& settingsManager)
-    : authorizationStatus(AuthorizationStatus::notDetermined), locationManager_(locationManager),
-      settingsManager_(settingsManager) {
+    : locationManager_(locationManager), settingsManager_(settingsManager) {
     locationManager_.setDelegate(this);
     authorizationStatus.set(locationManager_.authorizationStatus());
 }

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "base/Published.h"
+#include "color/LocationProviding.h"
 #include "platform/LocationManager.h"
 #include "settings/SettingsManager.h"
 
 #include <memory>
-#include <optional>
 
 namespace nocta {
 
@@ -23,21 +22,15 @@ public:
 /// updates until somebody starts them again. What the user grants or refuses is mirrored in
 /// `locationEnabled`; that setting in turn stops nothing and forgets nothing. It lives as long as
 /// the process.
-class LocationService final : private LocationManagerDelegate {
+class LocationService final : public LocationProviding, private LocationManagerDelegate {
 public:
     /// Neither asks for permission nor starts updates.
     LocationService(LocationManager& locationManager, SettingsManager& settingsManager);
-    LocationService(const LocationService&) = delete;
-    LocationService& operator=(const LocationService&) = delete;
     ~LocationService() override;
 
     static LocationService& shared();
 
-    /// The last fix, kept in memory alone.
-    Published<std::optional<Location>> currentLocation;
-    Published<AuthorizationStatus> authorizationStatus;
-
-    LocationManager& locationManager() { return locationManager_; }
+    LocationManager& locationManager() override { return locationManager_; }
 
     /// Optional; the service does not keep it alive.
     std::weak_ptr<LocationDelegate> delegate;

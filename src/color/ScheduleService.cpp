@@ -51,7 +51,7 @@ SunPosition positionAt(WallTime now, std::optional<WallTime> sunrise,
 
 } // namespace
 
-ScheduleService::ScheduleService(LocationService& locationService, RunLoop& runLoop)
+ScheduleService::ScheduleService(LocationProviding& locationService, RunLoop& runLoop)
     : currentSunPosition(Day{}), locationService_(locationService), runLoop_(runLoop) {
     cancellables_.push_back(
         locationService_.currentLocation.subscribe([this](const std::optional<Location>& location) {
@@ -78,7 +78,7 @@ void ScheduleService::calculateTimes(std::optional<Location> location) {
         return;
     }
     const auto now = runLoop_.wallNow();
-    const auto times = SunCalculator::calculate(now, location->latitude, location->longitude, now);
+    const auto times = sunCalculator_.calculate(now, location->latitude, location->longitude, now);
     sunriseTime.set(times.sunrise);
     sunsetTime.set(times.sunset);
     updateSunPosition();

@@ -3,7 +3,7 @@
 #include "base/Published.h"
 #include "base/RunLoop.h"
 #include "base/Timer.h"
-#include "color/LocationService.h"
+#include "color/LocationProviding.h"
 #include "color/SunCalculator.h"
 #include "color/SunPosition.h"
 
@@ -19,7 +19,7 @@ namespace nocta {
 /// slept all show at the next tick, which is at most a minute of waking time away.
 class ScheduleService {
 public:
-    ScheduleService(LocationService& locationService, RunLoop& runLoop);
+    ScheduleService(LocationProviding& locationService, RunLoop& runLoop);
     ScheduleService(const ScheduleService&) = delete;
     ScheduleService& operator=(const ScheduleService&) = delete;
 
@@ -43,7 +43,8 @@ public:
 private:
     void useDefaultTimes();
 
-    LocationService& locationService_;
+    LocationProviding& locationService_;
+    SunCalculator sunCalculator_;
     RunLoop& runLoop_;
     std::optional<WallTime> lastLocationRefresh_;
     std::optional<WallTime> lastCalculationDate_;

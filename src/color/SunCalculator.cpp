@@ -50,7 +50,7 @@ WallTime instantAtHour(WallTime date, double hour) {
 } // namespace
 
 SunCalculator::SunTimes SunCalculator::calculate(WallTime date, double latitude, double longitude,
-                                                 WallTime now) {
+                                                 WallTime now) const {
     const auto longitudeHour = longitude / degreesPerHour;
     const auto t = Calendar::dayOfYear(date) + (12 - longitudeHour) / hoursPerDay;
 

@@ -14,8 +14,8 @@ constexpr std::int32_t colorCategory = 1;
 constexpr std::int32_t grayscaleType = 1;
 constexpr std::int32_t filtersChanged = 8; // tells the entry point what to take in
 
+constexpr Duration animationDuration = 300ms;
 constexpr int animationSteps = 15;
-constexpr Duration animationInterval = 20ms; // 0.3 s in 15 steps
 
 constexpr float fullColor = 1.0F;
 constexpr float gray = 0.0F;
@@ -73,9 +73,10 @@ void GrayscaleService::switchFilterOff() {
 }
 
 void GrayscaleService::animateSaturation(float from, float to, std::function<void()> completion) {
+    animationTimer_.invalidate();
     gammaController_.setSaturation(from);
-    animation_.start(
-        runLoop_, animationSteps, animationInterval,
+    animationTimer_.start(
+        runLoop_, animationSteps, animationDuration / animationSteps,
         [this, from, to](int step) {
             gammaController_.setSaturation(
                 from + (to - from) * (static_cast<float>(step) / float{animationSteps}));

@@ -33,19 +33,21 @@ public:
     /// Switches with a fade; a fade that is running is replaced, and its completion never runs.
     void setGrayscale(bool on);
 
+    /// Fades the colour tint of the gamma tables, 1.0 full colour – 0.0 gray, in sixteen values
+    /// over 0.3 seconds: `from` at once, and then fifteen steps of which the last is `to`. It
+    /// replaces a fade that is running, whose completion never runs.
+    void animateSaturation(float from, float to, std::function<void()> completion = {});
+
 private:
     void switchFilterOn();
     void switchFilterOff();
-
-    /// Sixteen values over 0.3 seconds: `from`, and then fifteen steps of which the last is `to`.
-    void animateSaturation(float from, float to, std::function<void()> completion = {});
 
     bool isEnabled_ = false;
     DynamicLibraries::EntryPoint universalAccessDStart_;
     GammaController& gammaController_;
     DisplayFilter& filter_;
     RunLoop& runLoop_;
-    SteppedAnimation animation_;
+    SteppedAnimation animationTimer_;
 };
 
 } // namespace nocta

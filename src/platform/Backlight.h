@@ -9,7 +9,8 @@ class Backlight {
 public:
     virtual ~Backlight() = default;
 
-    /// Leaves `level` as it was after a failure. Stands for DisplayServicesGetBrightness.
+    /// Leaves `level` as it was after a failure. The status and the reference that is filled keep
+    /// the shape of DisplayServicesGetBrightness, for which it stands.
     virtual Status getBrightness(DisplayId display, float& level) = 0;
 
     /// Stands for DisplayServicesSetBrightness.

@@ -37,8 +37,9 @@ public:
     virtual ~Displays() = default;
 
     /// Writes as many ids as fit into `ids` and the number written to `count`; an empty `ids`
-    /// asks for the number of active displays. After a failure `count` is 0.
-    /// Stands for CGGetActiveDisplayList.
+    /// asks for the number of active displays. After a failure `count` is 0. The two calls and the
+    /// reference that is filled keep the shape of CGGetActiveDisplayList, for which it stands, as
+    /// the service asks in the same two steps everywhere.
     virtual Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) = 0;
 
     /// Stands for CGDisplayBounds.

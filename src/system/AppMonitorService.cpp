@@ -16,10 +16,10 @@ void AppMonitorService::startMonitoring() {
             }
         });
     // The program's own windows tell by themselves.
-    enterObserver_ = notificationCenter_.observe(windowDidEnterFullScreenNotification,
-                                                 [this] { isFullscreen.set(true); });
-    exitObserver_ = notificationCenter_.observe(windowDidExitFullScreenNotification,
-                                                [this] { isFullscreen.set(false); });
+    fullscreenObserver_ = notificationCenter_.observe(windowDidEnterFullScreenNotification,
+                                                      [this] { isFullscreen.set(true); });
+    exitFullscreenObserver_ = notificationCenter_.observe(windowDidExitFullScreenNotification,
+                                                          [this] { isFullscreen.set(false); });
 }
 
 void AppMonitorService::updateFullscreen() {

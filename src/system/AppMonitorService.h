@@ -32,8 +32,8 @@ private:
     Workspace& workspace_;
     NotificationCenter& notificationCenter_;
     Subscription observer_;
-    Subscription enterObserver_;
-    Subscription exitObserver_;
+    Subscription fullscreenObserver_; ///< of windows that enter full screen
+    Subscription exitFullscreenObserver_;
 };
 
 } // namespace nocta

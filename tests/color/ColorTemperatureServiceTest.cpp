@@ -128,6 +128,22 @@ TEST_F(ColorTemperatureServiceTest, SwitchingOnAndOffAtOnceIsOneContinuousMoveme
     }
 }
 
+TEST_F(ColorTemperatureServiceTest, GlideLeavesTheWarmthAlone) {
+    settings().warmthLevel.set(0.25);
+    int published = 0;
+    const auto subscription =
+        colorTemperature().currentWarmth.subscribe([&](double /*warmth*/) { ++published; });
+    setPosition(Night{});
+    settings().autoWarmthEnabled.set(true);
+    desktop.runLoop.advance(1s);
+    settings().autoWarmthEnabled.set(false);
+    desktop.runLoop.advance(1s);
+    colorTemperature().animateTo(3000);
+    desktop.runLoop.advance(1s);
+    EXPECT_EQ(colorTemperature().currentWarmth.get(), 0.25);
+    EXPECT_EQ(published, 0);
+}
+
 TEST_F(ColorTemperatureServiceTest, WarmthDoesNotStopAGlide) {
     setPosition(Night{});
     settings().autoWarmthEnabled.set(true);

@@ -38,6 +38,15 @@ TEST_F(LocationServiceTest, ConstructionReadsTheStatusAndAsksForNothing) {
     EXPECT_TRUE(calls("start").empty());
 }
 
+TEST_F(LocationServiceTest, IsWhatTheScheduleIsProvidedWith) {
+    LocationProviding& provider = location();
+    desktop.location.answer(AuthorizationStatus::authorized);
+    desktop.location.send(paris);
+    EXPECT_EQ(provider.currentLocation.get(), paris);
+    EXPECT_EQ(provider.authorizationStatus.get(), AuthorizationStatus::authorized);
+    EXPECT_EQ(&provider.locationManager(), &desktop.location);
+}
+
 TEST_F(LocationServiceTest, LastOfABatchIsTheFixAndEndsTheUpdates) {
     location();
     desktop.location.answer(AuthorizationStatus::authorized);
@@ -97,6 +106,16 @@ TEST_F(LocationServiceTest, TurningTheSettingOffStopsAndForgetsNothing) {
     settings().locationEnabled.set(false);
     EXPECT_TRUE(desktop.location.isUpdating);
     EXPECT_EQ(location().currentLocation.get(), paris);
+}
+
+TEST_F(LocationServiceTest, ManagerIsLeftWhenTheServiceGoes) {
+    auto listener = std::make_shared<Listener>();
+    location().delegate = listener;
+    dropProgram();
+    desktop.location.answer(AuthorizationStatus::authorized);
+    desktop.location.send(paris);
+    EXPECT_EQ(listener->heard, "");
+    EXPECT_TRUE(calls("startUpdatingLocation").empty());
 }
 
 TEST_F(LocationServiceTest, DelegateHearsEverythingAndIsNotKeptAlive) {

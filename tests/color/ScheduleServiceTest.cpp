@@ -105,8 +105,8 @@ TEST_F(ScheduleServiceTest, TickEveryMinuteMovesThePosition) {
 TEST_F(ScheduleServiceTest, FixMovesTheTimesAtOnce) {
     startAt(12h, {2026, 6, 21});
     desktop.location.send(berlin);
-    const auto expected = SunCalculator::calculate(desktop.runLoop.wallNow(), berlin.latitude,
-                                                   berlin.longitude, desktop.runLoop.wallNow());
+    const auto expected = SunCalculator().calculate(desktop.runLoop.wallNow(), berlin.latitude,
+                                                    berlin.longitude, desktop.runLoop.wallNow());
     EXPECT_EQ(schedule().sunriseTime.get(), expected.sunrise);
     EXPECT_EQ(schedule().sunsetTime.get(), expected.sunset);
     EXPECT_NE(schedule().sunriseTime.get(), local({2026, 6, 21}, 6h + 30min));
@@ -135,6 +135,10 @@ TEST_F(ScheduleServiceTest, MidnightWithAFixRecalculatesOnce) {
         [&](const std::optional<WallTime>& /*time*/) { ++calculations; });
     desktop.runLoop.advance(60s);
     EXPECT_EQ(calculations, 1);
+    const auto now = desktop.runLoop.wallNow();
+    EXPECT_EQ(schedule().sunriseTime.get(),
+              SunCalculator().calculate(now, berlin.latitude, berlin.longitude, now).sunrise)
+        << "for the place that is known";
     EXPECT_EQ(Calendar::dayOf(*schedule().sunriseTime.get()), (CalendarDay{2026, 3, 21}));
     desktop.runLoop.advance(10min);
     EXPECT_EQ(calculations, 1);
@@ -164,6 +168,17 @@ TEST_F(ScheduleServiceTest, WithoutAuthorizationOnlyTheRefreshTimeMoves) {
     desktop.trace.clear();
     desktop.runLoop.advance(23h);
     EXPECT_TRUE(calls("startUpdatingLocation").empty());
+}
+
+TEST_F(ScheduleServiceTest, OnlyAFullAuthorizationIsAskedForARefresh) {
+    using enum AuthorizationStatus;
+    startAt(12h);
+    for (const auto status : {notDetermined, restricted, denied, authorizedWhenInUse, authorized}) {
+        desktop.location.answer(status);
+        desktop.location.isUpdating = false; // whatever the answer has started
+        schedule().refreshLocation();
+        EXPECT_EQ(desktop.location.isUpdating, status == authorized) << static_cast<int>(status);
+    }
 }
 
 TEST_F(ScheduleServiceTest, SleepShowsAtTheNextTickAfterIt) {

@@ -11,8 +11,10 @@
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
+#include <limits>
 #include <optional>
 #include <random>
+#include <utility>
 
 namespace nocta {
 namespace {
@@ -49,7 +51,7 @@ TEST(SunCalculator, AgreesWithAnIndependentComputationInEveryZone) {
             const auto now = utc(2019, 12, 25, 12h) + days(random) * 24h;
             const auto latitude = latitudes(random);
             const auto longitude = longitudes(random);
-            const auto times = SunCalculator::calculate(date, latitude, longitude, now);
+            const auto times = SunCalculator().calculate(date, latitude, longitude, now);
             ASSERT_EQ(Calendar::dayOf(times.sunrise), Calendar::dayOf(date));
             ASSERT_EQ(Calendar::dayOf(times.sunset), Calendar::dayOf(date));
 
@@ -100,7 +102,7 @@ TEST(SunCalculator, AgreesWithAlmanacsWithinMinutes) {
          }) {
         const TimeZone zone(row.zone);
         const auto times =
-            SunCalculator::calculate(row.date, row.latitude, row.longitude, row.date);
+            SunCalculator().calculate(row.date, row.latitude, row.longitude, row.date);
         EXPECT_LE(std::abs((clockTime(times.sunrise) - row.sunrise).count()), 5) << row.zone;
         EXPECT_LE(std::abs((clockTime(times.sunset) - row.sunset).count()), 5) << row.zone;
     }
@@ -110,7 +112,7 @@ TEST(SunCalculator, BothPolarCasesAreSixAndEighteen) {
     const TimeZone zone(zone::berlin);
     for (const auto& date : {utc(2026, 12, 21, 12h), utc(2026, 6, 21, 12h)}) {
         for (const auto latitude : {80.0, -80.0, 89.999, -89.999}) {
-            const auto times = SunCalculator::calculate(date, latitude, 15, date);
+            const auto times = SunCalculator().calculate(date, latitude, 15, date);
             EXPECT_EQ(clockTime(times.sunrise), 6h);
             EXPECT_EQ(clockTime(times.sunset), 18h);
             EXPECT_EQ(Calendar::dayOf(times.sunset), Calendar::dayOf(date));
@@ -122,16 +124,29 @@ TEST(SunCalculator, OffsetIsThatOfNowAndNotOfTheDate) {
     const TimeZone zone(zone::berlin);
     const auto summer = utc(2026, 7, 15, 12h);
     const auto winter = utc(2026, 1, 15, 12h);
-    const auto asked = SunCalculator::calculate(summer, 52.52, 13.405, winter);
-    const auto inSummer = SunCalculator::calculate(summer, 52.52, 13.405, summer);
+    const auto asked = SunCalculator().calculate(summer, 52.52, 13.405, winter);
+    const auto inSummer = SunCalculator().calculate(summer, 52.52, 13.405, summer);
     EXPECT_EQ(inSummer.sunrise - asked.sunrise, 1h);
     EXPECT_EQ(inSummer.sunset - asked.sunset, 1h);
+}
+
+TEST(SunCalculatorDeathTest, HourThatIsNotFiniteStopsTheProgram) {
+    constexpr auto notANumber = std::numeric_limits<double>::quiet_NaN();
+    constexpr auto infinite = std::numeric_limits<double>::infinity();
+    const auto date = utc(2026, 6, 21, 12h);
+    for (const auto& [latitude, longitude] :
+         {std::pair(notANumber, 13.405), std::pair(52.52, notANumber), std::pair(infinite, 13.405),
+          std::pair(52.52, infinite), std::pair(52.52, -infinite)}) {
+        EXPECT_DEATH(SunCalculator().calculate(date, latitude, longitude, date),
+                     "too large for an integer")
+            << latitude << " " << longitude;
+    }
 }
 
 TEST(SunCalculator, SunsetAfterMidnightIsWrappedOntoTheSameDay) {
     const TimeZone zone(zone::utc); // far from the place: the sun sets there at 2 UTC
     const auto date = utc(2026, 6, 21, 12h);
-    const auto times = SunCalculator::calculate(date, 40, -100, date);
+    const auto times = SunCalculator().calculate(date, 40, -100, date);
     EXPECT_LT(times.sunset, times.sunrise);
     EXPECT_EQ(Calendar::dayOf(times.sunset), (CalendarDay{2026, 6, 21}));
 }

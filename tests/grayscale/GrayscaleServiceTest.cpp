@@ -116,6 +116,20 @@ TEST_F(GrayscaleServiceTest, LastValueOfAFadeIsExact) {
     EXPECT_FALSE(grayscale().isEnabled());
 }
 
+TEST_F(GrayscaleServiceTest, SaturationFadesBetweenAnyTwoValuesAndThenCompletes) {
+    int completions = 0;
+    grayscale().animateSaturation(0.25F, 0.75F, [&] { ++completions; });
+    EXPECT_EQ(saturation(), 0.25F) << "at once";
+    for (int step = 1; step <= 15; ++step) {
+        EXPECT_EQ(completions, 0);
+        desktop.runLoop.advance(20ms);
+        EXPECT_EQ(saturation(), 0.25F + (0.75F - 0.25F) * (static_cast<float>(step) / 15.0F));
+    }
+    EXPECT_EQ(completions, 1);
+    EXPECT_EQ(calls("setDisplayTransferByTable").size(), 16U);
+    EXPECT_TRUE(switches().empty()) << "a fade alone leaves the filter as it is";
+}
+
 TEST_F(GrayscaleServiceTest, FadeThatIsReplacedNeverCompletes) {
     grayscale().setGrayscale(true);
     desktop.runLoop.advance(200ms);

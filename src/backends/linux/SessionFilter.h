@@ -9,8 +9,9 @@
 namespace nocta {
 
 /// The display filter of a Linux session, over the one way that the session has to turn gray. The
-/// entry point that makes a change take effect belongs to a library of another system; here its
-/// name stands for that way, and is found where there is one.
+/// entry point that makes a change take effect belongs to a library of macOS. The ports keep that
+/// shape on purpose, so that the service looks for the entry point in the same way everywhere: here
+/// the library's name stands for the session's way to turn gray, and is found where there is one.
 class SessionFilter final : public DisplayFilter, public DynamicLibraries {
 public:
     /// Null where the session has no way to turn gray.

@@ -37,7 +37,10 @@ public:
     bool isUpdating = false;
 
     // What the program does.
-    void setDelegate(LocationManagerDelegate* delegate) override { delegate_ = delegate; }
+    void setDelegate(LocationManagerDelegate* delegate) override {
+        trace_.record("setLocationDelegate");
+        delegate_ = delegate;
+    }
     AuthorizationStatus authorizationStatus() const override { return status_; }
     void requestWhenInUseAuthorization() override {
         trace_.record("requestWhenInUseAuthorization");

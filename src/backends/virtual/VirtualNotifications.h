@@ -41,6 +41,7 @@ public:
             [this, handler = std::move(completionHandler)] { handler(isGranted, error); });
     }
     void setNotificationCategories(std::vector<UserNotificationCategory> newCategories) override {
+        trace_.record("setNotificationCategories");
         categories = std::move(newCategories);
     }
     void setDelegate(UserNotificationCenterDelegate* delegate) override { delegate_ = delegate; }

@@ -29,9 +29,9 @@ OnboardingView::OnboardingView(SharedInstances& instances, std::function<void()>
     steps_->addWidget(new ReadyStep(instances.launchAtLoginService()));
 
     back_->setObjectName(QStringLiteral("backButton"));
-    connect(back_, &QPushButton::clicked, this, [this] { goTo(steps_->currentIndex() - 1); });
+    connect(back_, &QPushButton::clicked, this, [this] { goTo(currentStep() - 1); });
     next_->setObjectName(QStringLiteral("continueButton"));
-    connect(next_, &QPushButton::clicked, this, [this] { goTo(steps_->currentIndex() + 1); });
+    connect(next_, &QPushButton::clicked, this, [this] { goTo(currentStep() + 1); });
 
     auto* const navigation = new QHBoxLayout;
     navigation->setContentsMargins(margin, margin / 2, margin, margin / 2);
@@ -50,13 +50,13 @@ OnboardingView::OnboardingView(SharedInstances& instances, std::function<void()>
 
 /// A step after the last one is the end.
 void OnboardingView::goTo(int step) {
-    if (step == steps_->count()) {
+    if (step == totalSteps()) {
         onComplete_();
         return;
     }
     steps_->setCurrentIndex(step);
     back_->setVisible(step > 0);
-    next_->setText(step == steps_->count() - 1 ? Text::tr("Finish") : Text::tr("Continue"));
+    next_->setText(step == totalSteps() - 1 ? Text::tr("Finish") : Text::tr("Continue"));
     next_->setFocus();
 }
 

@@ -17,6 +17,8 @@ public:
     OnboardingView(SharedInstances& instances, std::function<void()> onComplete);
 
 private:
+    int currentStep() const { return steps_->currentIndex(); } ///< 0 to `totalSteps() - 1`
+    int totalSteps() const { return steps_->count(); }
     void goTo(int step);
 
     std::function<void()> onComplete_;
