@@ -62,6 +62,52 @@ TEST_F(AppDelegateTest, StartUpInOrder) {
                "window makeKeyAndOrderFront Welcome to Nocta", "activateIgnoringOtherApps"}));
 }
 
+/// As far as the desktop sees it: the services that are missing here ask it for nothing when they
+/// are made.
+TEST_F(AppDelegateTest, ServicesAreFirstMadeInTheirOrder) {
+    dropProgram(); // the fixture has used its settings
+    plugBuiltIn();
+    displayService().refreshDisplays(); // so that the brightness controller has what to probe
+    desktop.trace.clear();
+    delegate();
+    Calls made;
+    for (const auto& call : calls()) {
+        for (const auto* const first :
+             {"registerDefaults", "getBrightness", "open", "dataForKey", "setLocationDelegate",
+              "setNotificationCategories", "loginItem"}) {
+            if (call.starts_with(first)) {
+                made.push_back(call);
+            }
+        }
+    }
+    EXPECT_EQ(made,
+              (Calls{"registerDefaults 15", "getBrightness 1",
+                     "open /usr/lib/libUniversalAccess.dylib", "dataForKey breakStatistics",
+                     "setLocationDelegate", "setNotificationCategories", "loginItem status"}));
+}
+
+TEST_F(AppDelegateTest, ScreenChangeReachesTheInventoryBeforeTheTables) {
+    plugBuiltIn();
+    launch();
+    std::vector<std::size_t> known;
+    const auto subscription =
+        displayService().displays.subscribe([&](const std::vector<DisplayInfo>& displays) {
+            known = {displays.size(), gamma().displays().size()};
+        });
+    plugExternal();
+    EXPECT_EQ(known, (std::vector<std::size_t>{2, 1}));
+    EXPECT_EQ(gamma().displays().size(), 2U) << "and the tables right after it";
+}
+
+TEST_F(AppDelegateTest, MeetingThatNobodyAnnouncesIsFoundByTheNextPoll) {
+    launch();
+    desktop.workspace.frontmost = RunningApplication{"us.zoom.xos", "Zoom"};
+    desktop.runLoop.advance(4999ms);
+    EXPECT_FALSE(meetingDetector().isInMeeting.get());
+    desktop.runLoop.advance(1ms);
+    EXPECT_TRUE(meetingDetector().isInMeeting.get());
+}
+
 TEST_F(AppDelegateTest, OnboardingIsAFixedFloatingWindow) {
     launch();
     const auto windows = desktop.appWindows.windows();
@@ -110,8 +156,10 @@ TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAnewAfterTheyWereClos
               (Calls{"activateIgnoringOtherApps", "window makeKeyAndOrderFront Preferences",
                      "activateIgnoringOtherApps", "window makeKeyAndOrderFront Preferences"}));
     EXPECT_TRUE(desktop.appWindows.isOnScreen("Preferences"));
+    const auto alive = views.othersAlive;
     desktop.appWindows.close("Preferences");
     EXPECT_FALSE(desktop.appWindows.isOnScreen("Preferences"));
+    EXPECT_EQ(views.othersAlive, alive - 1) << "the view went with the window";
     views.showPreferences();
     EXPECT_TRUE(desktop.appWindows.isOnScreen("Preferences"));
 }

@@ -20,6 +20,12 @@ TEST(SharedInstancesTest, SharedIsTheOneOfTheProgram) {
     EXPECT_EQ(&ScheduleService::shared(), &instances.scheduleService());
     EXPECT_EQ(&ColorTemperatureService::shared(), &instances.colorTemperatureService());
     EXPECT_EQ(&ShortcutsManager::shared(), &instances.shortcutsManager());
+    EXPECT_EQ(&MeetingDetectorService::shared(), &instances.meetingDetectorService());
+    EXPECT_EQ(&BreakTimer::shared(), &instances.breakTimer());
+    EXPECT_EQ(&NotificationService::shared(), &instances.notificationService());
+    EXPECT_EQ(&LaunchAtLoginService::shared(), &instances.launchAtLoginService());
+    EXPECT_EQ(&FeedbackService::shared(), &instances.feedbackService());
+    EXPECT_EQ(&AppMonitorService::shared(), &instances.appMonitorService());
     EXPECT_EQ(&Profile::builtInProfiles(), &instances.builtInProfiles());
 }
 

@@ -17,9 +17,13 @@ using Calls = std::vector<std::string>;
 
 class UpdateWindowTest : public TestDesktop {};
 
-TEST_F(UpdateWindowTest, UpdaterThatCannotStartLeavesTheRestAsItIs) {
+TEST_F(UpdateWindowTest, UpdaterThatCannotStartLeavesTheRestAsItIsAndIsNotMentioned) {
     desktop.updater.present = Updater::Availability::noFeed;
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
     launch();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     EXPECT_TRUE(desktop.statusBar.hasItem());
     EXPECT_TRUE(desktop.appWindows.isOnScreen("Welcome to Nocta"));
 }

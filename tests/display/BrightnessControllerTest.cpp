@@ -70,6 +70,21 @@ TEST_F(BrightnessControllerTest, ReadsTheLevelOrNone) {
     EXPECT_EQ(brightness().readBrightness(), std::nullopt) << "the call fails";
 }
 
+/// A library that says that all went well and gives no level.
+class SilentBacklight final : public Backlight {
+public:
+    Status getBrightness(DisplayId /*display*/, float& /*level*/) override { return statusSuccess; }
+    Status setBrightness(DisplayId /*display*/, float /*level*/) override { return statusSuccess; }
+};
+
+TEST_F(BrightnessControllerTest, LevelThatIsNotFilledIsDark) {
+    plugBuiltIn();
+    displayService().refreshDisplays();
+    SilentBacklight backlight;
+    BrightnessController controller(displayService(), backlight, desktop.keyboard);
+    EXPECT_EQ(controller.readBrightness(), 0.0F);
+}
+
 TEST_F(BrightnessControllerTest, TellsTheDelegateOfTheBrightnessKeysWithTheLevelOfThatMoment) {
     plugBuiltIn();
     start();

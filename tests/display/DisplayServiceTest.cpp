@@ -96,12 +96,35 @@ TEST_F(DisplayServiceTest, ActiveDisplaysLeaveThePublishedStateAlone) {
     EXPECT_TRUE(displayService().displays.get().empty());
 }
 
-TEST_F(DisplayServiceTest, ScreenParameterNotificationRefreshes) {
+TEST_F(DisplayServiceTest, ScreenParameterNotificationRefreshesTheListAndTheMainDisplay) {
     displayService().startObserving(desktop.notificationCenter);
     plugBuiltIn();
     EXPECT_EQ(displayService().displays.get().size(), 1U);
+    EXPECT_EQ(mainId(), builtIn);
+    plugExternal();
     desktop.displays.unplug(builtIn);
+    EXPECT_EQ(displayService().displays.get().size(), 1U);
+    EXPECT_EQ(mainId(), external);
+    desktop.displays.unplug(external);
     EXPECT_TRUE(displayService().displays.get().empty());
+    EXPECT_EQ(mainId(), std::nullopt);
+}
+
+TEST_F(DisplayServiceTest, ListIsPublishedBeforeTheMainDisplay) {
+    std::vector<std::string> published;
+    const auto list =
+        displayService().displays.subscribe([&](const std::vector<DisplayInfo>& displays) {
+            published.push_back(std::to_string(displays.size()) + " displays");
+            EXPECT_EQ(mainId(), std::nullopt) << "still the one from before";
+        });
+    const auto main =
+        displayService().mainDisplay.subscribe([&](const std::optional<DisplayInfo>& display) {
+            published.push_back("main " + std::to_string(display.value().id));
+            EXPECT_EQ(displayService().displays.get().size(), 1U);
+        });
+    plugBuiltIn();
+    displayService().refreshDisplays();
+    EXPECT_EQ(published, (std::vector<std::string>{"1 displays", "main 1"}));
 }
 
 /// A desktop on which a display goes between the count and the list.

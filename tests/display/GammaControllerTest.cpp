@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 
@@ -46,6 +47,17 @@ TEST_F(GammaControllerTest, EachSetterWritesEveryDisplayWithAllThreeInputs) {
         EXPECT_EQ(gamma().currentTemperature().at(id), 3000);
         EXPECT_EQ(gamma().currentSaturation().at(id), 0.5F);
     }
+}
+
+TEST_F(GammaControllerTest, EachChannelReachesTheDisplayAsItsOwnTable) {
+    plugBuiltIn();
+    start();
+    gamma().setTemperature(3000);
+    const auto tables = makeGammaTables(3000, 0.0F, 1.0F);
+    const auto& display = desktop.displays.display(builtIn);
+    EXPECT_TRUE(std::ranges::equal(display.red, tables.red));
+    EXPECT_TRUE(std::ranges::equal(display.green, tables.green));
+    EXPECT_TRUE(std::ranges::equal(display.blue, tables.blue));
 }
 
 TEST_F(GammaControllerTest, EqualValuesAreWrittenAgain) {
@@ -126,16 +138,25 @@ TEST_F(GammaControllerTest, MapsOnlyGrowAndAReturningDisplayKeepsItsValues) {
     plugBuiltIn();
     plugExternal();
     start();
-    gamma().setTemperature(3000);
+    const auto setAll = [this](float dimming, std::int64_t kelvin, float saturation) {
+        gamma().setDimming(dimming);
+        gamma().setTemperature(kelvin);
+        gamma().setSaturation(saturation);
+    };
+    setAll(0.5F, 3000, 0.25F);
     desktop.displays.unplug(external);
     EXPECT_EQ(gamma().displays().size(), 1U);
-    gamma().setTemperature(4000);
+    setAll(0.75F, 4000, 0.75F);
+    EXPECT_EQ(gamma().currentDimming().at(external), 0.5F);
     EXPECT_EQ(gamma().currentTemperature().at(external), 3000);
+    EXPECT_EQ(gamma().currentSaturation().at(external), 0.25F);
 
     plugExternal();
+    gamma().setTemperature(5000);
+    EXPECT_EQ(blueTable(external), blueOf(5000, 0.5F, 0.25F));
+    EXPECT_EQ(blueTable(builtIn), blueOf(5000, 0.75F, 0.75F));
     gamma().setDimming(0.0F);
-    EXPECT_EQ(blueTable(external), blueOf(3000, 0.0F, 1.0F));
-    EXPECT_EQ(blueTable(builtIn), blueOf(4000, 0.0F, 1.0F));
+    EXPECT_EQ(blueTable(external), blueOf(5000, 0.0F, 0.25F));
 }
 
 TEST_F(GammaControllerTest, FailingDisplayStopsNothing) {

@@ -111,15 +111,31 @@ TEST(GammaTables, TablesAgreeWithAnIndependentComputation) {
 TEST(GammaTables, EntryIsComputedInTheGivenOrderToTheBit) {
     constexpr float dimming = 0.37F;
     constexpr float saturation = 0.6F;
-    const auto white = rgbMultipliers(3100);
-    const auto luminance = 0.299F * white.red + 0.587F * white.green + 0.114F * white.blue;
-    const auto tables = makeGammaTables(3100, dimming, saturation);
-    for (std::size_t i = 0; i < gammaTableSize; ++i) {
-        const float x = (1.0F - dimming) * (static_cast<float>(i) / 255.0F);
-        const float colored = saturation * (white.green * x);
-        const float gray = (1.0F - saturation) * (luminance * x);
-        EXPECT_EQ(tables.green[i], colored + gray) << i;
+    for (const auto kelvin : {3100, 8000}) { // no channel is 1 at both
+        const auto white = rgbMultipliers(kelvin);
+        const auto luminance = 0.299F * white.red + 0.587F * white.green + 0.114F * white.blue;
+        const auto tables = makeGammaTables(kelvin, dimming, saturation);
+        for (std::size_t i = 0; i < gammaTableSize; ++i) {
+            const float x = (1.0F - dimming) * (static_cast<float>(i) / 255.0F);
+            const float gray = (1.0F - saturation) * (luminance * x);
+            const auto expected = [&](float channel) {
+                const float colored = saturation * (channel * x);
+                return colored + gray;
+            };
+            EXPECT_EQ(tables.red[i], expected(white.red)) << kelvin << " " << i;
+            EXPECT_EQ(tables.green[i], expected(white.green)) << kelvin << " " << i;
+            EXPECT_EQ(tables.blue[i], expected(white.blue)) << kelvin << " " << i;
+        }
     }
+}
+
+TEST(GammaTables, DimmingOutsideItsRangeIsTheSettersBusiness) {
+    const auto beyondBlack = makeGammaTables(6500, 1.5F, 1.0F);
+    EXPECT_EQ(beyondBlack.red.front(), 0.0F);
+    EXPECT_EQ(beyondBlack.red.back(), -0.5F);
+    const auto beyondLight = makeGammaTables(6500, -0.5F, 1.0F);
+    EXPECT_EQ(beyondLight.red.front(), 0.0F);
+    EXPECT_EQ(beyondLight.red.back(), 1.5F);
 }
 
 TEST(GammaTables, FullDimmingIsBlack) {

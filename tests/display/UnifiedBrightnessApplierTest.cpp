@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace nocta {
@@ -53,21 +56,48 @@ TEST_F(UnifiedBrightnessApplierTest, CurveWithABacklight) {
     }
 }
 
-TEST_F(UnifiedBrightnessApplierTest, ConversionsAndClampsAreInTheGivenOrder) {
+/// The bits of the levels that the formulas give when they are worked out by hand: in decimal
+/// fractions, rounded to double and then to single precision.
+TEST_F(UnifiedBrightnessApplierTest, LevelsAreRoundedToSinglePrecisionOnce) {
     plugBuiltIn();
     plugExternal();
     start();
-    for (int step = 0; step <= 1000; ++step) {
-        const auto v = step / 1000.0;
-        applier().apply(v);
-        if (v >= 0.5) {
-            const auto level = static_cast<float>((v - 0.5) * 2 * 0.9 + 0.1);
-            ASSERT_EQ(backlight(), std::max(std::min(level, 1.0F), 0.1F)) << v;
-            ASSERT_EQ(dimming(), 0.0F);
-        } else {
-            ASSERT_EQ(backlight(), 0.1F);
-            ASSERT_EQ(dimming(), std::min(0.9F, static_cast<float>(1 - 2 * v))) << v;
-        }
+    struct Row {
+        double brightness;
+        std::uint32_t backlight;
+        std::uint32_t dimming;
+    };
+    for (const auto& row : {
+             Row{1.0, 0x3F800000, 0x00000000},   Row{0.95, 0x3F68F5C3, 0x00000000},
+             Row{0.892, 0x3F4E3BCD, 0x00000000}, Row{0.875, 0x3F466666, 0x00000000},
+             Row{0.835, 0x3F33F7CF, 0x00000000}, Row{0.782, 0x3F1B8BAC, 0x00000000},
+             Row{0.75, 0x3F0CCCCD, 0x00000000},  Row{0.729, 0x3F031F8A, 0x00000000},
+             Row{0.691, 0x3EE339C1, 0x00000000}, Row{0.658, 0x3EC4D014, 0x00000000},
+             Row{0.623, 0x3EA48E8A, 0x00000000}, Row{0.586, 0x3E827525, 0x00000000},
+             Row{0.557, 0x3E4F7660, 0x00000000}, Row{0.529, 0x3E1BDA51, 0x00000000},
+             Row{0.501, 0x3DD07C85, 0x00000000}, Row{0.474, 0x3DCCCCCD, 0x3D54FDF4},
+             Row{0.421, 0x3DCCCCCD, 0x3E21CAC1}, Row{0.353, 0x3DCCCCCD, 0x3E96872B},
+             Row{0.263, 0x3DCCCCCD, 0x3EF2B021}, Row{0.059, 0x3DCCCCCD, 0x3F61CAC1},
+             Row{0.05, 0x3DCCCCCD, 0x3F666666},  Row{0.01, 0x3DCCCCCD, 0x3F666666},
+         }) {
+        applier().apply(row.brightness);
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(backlight()), row.backlight) << row.brightness;
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(dimming()), row.dimming) << row.brightness;
+    }
+}
+
+TEST_F(UnifiedBrightnessApplierTest, BacklightRisesAndDimmingFallsEvenly) {
+    plugBuiltIn();
+    plugExternal();
+    start();
+    settings().allowFullBlack.set(true);
+    for (int thousandth = 0; thousandth <= 1000; ++thousandth) {
+        applier().apply(thousandth / 1000.0);
+        // From 100 to 1000 thousandths of the backlight over the upper half.
+        const auto level = thousandth < 500 ? 100.0 : 100 + (thousandth - 500) * 1.8;
+        ASSERT_NEAR(backlight(), level / 1000, 1e-7) << thousandth;
+        const auto expected = thousandth < 500 ? 1000 - 2 * thousandth : 0;
+        ASSERT_NEAR(dimming(), expected / 1000.0, 1e-7) << thousandth;
     }
 }
 
@@ -75,12 +105,16 @@ TEST_F(UnifiedBrightnessApplierTest, BacklightIsWrittenBeforeTheTables) {
     plugBuiltIn();
     plugExternal();
     start();
-    applier().apply(0.25);
-    const auto written = calls("set");
-    ASSERT_EQ(written.size(), 3U);
-    EXPECT_EQ(written[0], "setBrightness 1 0.1");
-    EXPECT_TRUE(written[1].starts_with("setDisplayTransferByTable 1"));
-    EXPECT_TRUE(written[2].starts_with("setDisplayTransferByTable 2"));
+    for (const auto& [brightness, backlightCall] :
+         {std::pair{0.25, "setBrightness 1 0.1"}, std::pair{0.75, "setBrightness 1 0.55"}}) {
+        desktop.trace.clear();
+        applier().apply(brightness);
+        const auto written = calls("set");
+        ASSERT_EQ(written.size(), 3U) << brightness;
+        EXPECT_EQ(written[0], backlightCall);
+        EXPECT_TRUE(written[1].starts_with("setDisplayTransferByTable 1")) << brightness;
+        EXPECT_TRUE(written[2].starts_with("setDisplayTransferByTable 2")) << brightness;
+    }
 }
 
 TEST_F(UnifiedBrightnessApplierTest, OnlyExternalDisplaysAreDimmedOverTheWholeRange) {
@@ -90,7 +124,6 @@ TEST_F(UnifiedBrightnessApplierTest, OnlyExternalDisplaysAreDimmedOverTheWholeRa
          {std::pair{1.0, 0.0F}, std::pair{0.75, 0.25F}, std::pair{0.5, 0.5F}, std::pair{0.3, 0.7F},
           std::pair{0.1, 0.9F}, std::pair{0.0, 0.9F}}) {
         applier().apply(v);
-        EXPECT_EQ(dimming(), std::min(0.9F, static_cast<float>(1 - v))) << v;
         EXPECT_FLOAT_EQ(dimming(), expected) << v;
     }
     EXPECT_TRUE(backlightCalls().empty());

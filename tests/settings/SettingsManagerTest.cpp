@@ -228,6 +228,25 @@ TEST_F(SettingsManagerTest, ApplyingAProfileCopiesItsFiveValuesAndThenItsId) {
     EXPECT_TRUE(settings().autoWarmthEnabled.get());
 }
 
+TEST_F(SettingsManagerTest, ProfileWithoutBreaksOrGrayTurnsThemOff) {
+    settings().grayscaleEnabled.set(true);
+    ASSERT_TRUE(settings().breakTimerEnabled.get());
+    const Profile reading{.id = Uuid::parse(canonicalId).value(),
+                          .name = "Reading",
+                          .brightness = 0.2,
+                          .warmth = 0.9,
+                          .grayscaleEnabled = false,
+                          .breakTimerEnabled = false,
+                          .breakInterval = 50};
+    settings().applyProfile(reading);
+    EXPECT_EQ(settings().unifiedBrightness.get(), 0.2);
+    EXPECT_EQ(settings().warmthLevel.get(), 0.9);
+    EXPECT_FALSE(settings().grayscaleEnabled.get());
+    EXPECT_FALSE(settings().breakTimerEnabled.get());
+    EXPECT_EQ(settings().breakIntervalMinutes.get(), 50);
+    EXPECT_EQ(settings().activeProfileId.get(), reading.id);
+}
+
 TEST_F(SettingsManagerTest, ChangingASettingKeepsTheActiveProfile) {
     const auto nightOwl = instances().builtInProfiles()[1];
     settings().applyProfile(nightOwl);

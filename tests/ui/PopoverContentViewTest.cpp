@@ -1,6 +1,7 @@
 #include "support/Face.h"
 
 #include <QSlider>
+#include <QTranslator>
 
 #include <chrono>
 
@@ -203,10 +204,35 @@ TEST_F(PopoverContentViewTest, UpdatesAreCheckedForWhereTheyCanBe) {
               "This build of Nocta does not know where to look for updates.");
 }
 
-TEST_F(PopoverContentViewTest, ClosedViewIsNotToldAnyMore) {
+/// Counts the texts that anybody asks for while it lives.
+class TextCounter final : public QTranslator {
+public:
+    mutable int texts = 0;
+
+    TextCounter() { QCoreApplication::installTranslator(this); }
+    ~TextCounter() override { QCoreApplication::removeTranslator(this); }
+    bool isEmpty() const override { return false; }
+    QString translate(const char* /*context*/, const char* /*text*/, const char* /*comment*/,
+                      int /*number*/) const override {
+        ++texts;
+        return {};
+    }
+};
+
+TEST_F(PopoverContentViewTest, ClosedViewFollowsNothing) {
+    const TextCounter counter;
+    const auto changeAll = [&] {
+        counter.texts = 0;
+        settings().unifiedBrightness.set(0.25);
+        settings().autoWarmthEnabled.set(false);
+        settings().grayscaleEnabled.set(true);
+        breakTimer().state.set(Paused{});
+        desktop.updater.canCheckForUpdates.set(true);
+        return counter.texts;
+    };
+    EXPECT_EQ(changeAll(), 2) << "the percentage and the status line";
     view.reset();
-    settings().unifiedBrightness.set(0.25);
-    EXPECT_EQ(brightness(), 0.25);
+    EXPECT_EQ(changeAll(), 0);
 }
 
 TEST_F(PopoverContentViewTest, WhatTheDesktopLacksIsSaidAndTheSettingIsWrittenAllTheSame) {

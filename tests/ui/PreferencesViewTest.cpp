@@ -178,6 +178,13 @@ TEST_F(PreferencesViewTest, IntervalThatIsNotOfferedIsShownInItsPlace) {
     EXPECT_EQ(settings().breakIntervalMinutes.get(), 37);
 }
 
+TEST_F(PreferencesViewTest, NumberOneIsReadAsEnglishReadsIt) {
+    settings().breakIntervalMinutes.set(1);
+    settings().breakDurationSeconds.set(1);
+    EXPECT_EQ(picker("intervalPicker").currentText(), "Every 1 minute");
+    EXPECT_EQ(picker("durationPicker").currentText(), "1 second");
+}
+
 TEST_F(PreferencesViewTest, StatisticsFollowTheTimer) {
     choose("Breaks");
     const auto text = [&](const char* name) { return control<QLabel>(name).text(); };

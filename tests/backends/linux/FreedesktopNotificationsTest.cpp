@@ -231,7 +231,7 @@ TEST_F(FreedesktopNotificationsTest, TextIsNotReadAsMarkup) {
     EXPECT_EQ(service->shown.at(0)[4], "Tea &amp; &lt;b&gt;biscuits&lt;/b&gt;");
 }
 
-TEST_F(FreedesktopNotificationsTest, OneOfNoCategoryHasNoButtons) {
+TEST_F(FreedesktopNotificationsTest, NotificationOfNoCategoryHasNoButtons) {
     makeCenter();
     center->add({.title = "Hello", .body = {}, .categoryIdentifier = "UNKNOWN"});
     ASSERT_TRUE(serveUntil([&] { return !service->shown.empty(); }));
