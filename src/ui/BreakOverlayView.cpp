@@ -116,12 +116,10 @@ void BreakProgressRing::paintEvent(QPaintEvent* /*event*/) {
     const auto circle = QRectF(rect()).adjusted(ringRoom, ringRoom, -ringRoom, -ringRoom);
     painter.setPen(QPen(white(ringOpacity), ringWidth, Qt::SolidLine, Qt::FlatCap));
     painter.drawEllipse(circle);
-    if (progress_ > 0) {
-        constexpr int top = 90 * 16; // sixteenths of a degree
-        constexpr int wholeTurn = 360 * 16;
-        painter.setPen(QPen(Qt::white, ringWidth, Qt::SolidLine, Qt::RoundCap));
-        painter.drawArc(circle, top, -qRound(progress_ * wholeTurn));
-    }
+    constexpr int top = 90 * 16; // sixteenths of a degree
+    constexpr int wholeTurn = 360 * 16;
+    painter.setPen(QPen(Qt::white, ringWidth, Qt::SolidLine, Qt::RoundCap));
+    painter.drawArc(circle, top, -qRound(progress_ * wholeTurn));
     auto medium = font();
     medium.setWeight(QFont::Medium);
     painter.setFont(medium);

@@ -259,13 +259,13 @@ TEST_P(NoctaTypingTest, WhatIsTypedOnReachesNoCoverAndSpaceAfterAPauseSkips) {
         const auto skipped = total("skipped");
         const auto isSteady = typeIntoCover();
         if (isSteady) {
-            EXPECT_TRUE(isCovered()) << round;
-            EXPECT_EQ(total("skipped"), skipped) << round;
+            ASSERT_TRUE(isCovered()) << round;
+            ASSERT_EQ(total("skipped"), skipped) << round;
             ++breaks;
         }
         ASSERT_NO_FATAL_FAILURE(pauseAndPressSpace()) << round;
         if (isSteady) {
-            EXPECT_TRUE(waitUntil([&] { return total("skipped") == skipped + 1; })) << round;
+            ASSERT_TRUE(waitUntil([&] { return total("skipped") == skipped + 1; })) << round;
         }
     }
     EXPECT_EQ(breaks, 10);

@@ -55,7 +55,6 @@ public:
         widget_.setWindowTitle(view->accessibleName());
         auto* const layout = new QVBoxLayout(&widget_);
         layout->setContentsMargins(0, 0, 0, 0);
-        layout->setSizeConstraint(QLayout::SetNoConstraint); // on a screen too small for it as well
         layout->addWidget(view);
         widget_.setWindowOpacity(0);
         // A frame belongs to the scale factor of its screen.
