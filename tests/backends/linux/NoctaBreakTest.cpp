@@ -88,9 +88,12 @@ protected:
             return window.id == focus && window.isOverrideRedirect;
         });
     }
+    /// Until the last of the covers has the keyboard, as each takes it when it comes.
     void waitForBreak() {
-        ASSERT_TRUE(waitUntil([&] { return isCovered() && hasKeyboard(); }))
-            << "covered: " << isCovered() << ", keyboard: " << hasKeyboard() << "\n"
+        ASSERT_TRUE(waitUntil([&] {
+            return isCovered() && client.focus() == client.topWindows().back().id;
+        })) << "covered: "
+            << isCovered() << ", keyboard: " << hasKeyboard() << "\n"
             << contentOf(output);
     }
     bool hasTotals(const std::string& totals) {
