@@ -79,8 +79,13 @@ inline constexpr NativeCall nativeShellCalls[] = {
     {"shell/MacOverlayWindows.h",
      ".frame = {frame.origin.x, frame.origin.y, frame.size.width, frame.size.height}"},
     {"shell/MacOverlayWindows.h",
+     "typing->press(uptime(shownSince - CGEventSourceSecondsSinceLastEventType("
+     "kCGEventSourceStateCombinedSessionState, kCGEventKeyDown)));"},
+    {"shell/MacOverlayWindows.h",
      "[NSEvent addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown"
-     "handler:^NSEvent*(NSEvent* event) { return handler({event.keyCode}) ? nil : event; }];"},
+     "handler:^NSEvent*(NSEvent* event) { typing->press(uptime(event.timestamp));"
+     "if (event.ARepeat || typing->isFromBefore(uptime(shownSince))) { return nil; }"
+     "return handler({event.keyCode}) ? nil : event; }];"},
     {"shell/MacOverlayWindows.h", "[NSEvent removeMonitor:monitor];"},
 
     // windows

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "backends/macos/shell/HostedView.h"
+#include "base/Typing.h"
 #include "platform/OverlayWindows.h"
 
 #import <QuartzCore/QuartzCore.h>
 
+#import <CoreGraphics/CoreGraphics.h>
 #include <chrono>
+#include <memory>
 #include <utility>
 
 /// Takes the keyboard without becoming the main window; a borderless window would take neither.
@@ -89,14 +92,32 @@ public:
         return std::make_unique<MacOverlayWindow>(screen.frame, style, std::move(content));
     }
 
+    /// The monitor is added when the windows have come. Events are stamped by the clock of
+    /// systemUptime, and so is what was typed before.
     Subscription
     addLocalMonitorForKeyDown(std::function<bool(const KeyDownEvent&)> handler) override {
+        const NSTimeInterval shownSince = NSProcessInfo.processInfo.systemUptime;
+        const auto typing = std::make_shared<Typing>();
+        typing->press(
+            uptime(shownSince - CGEventSourceSecondsSinceLastEventType(
+                                    kCGEventSourceStateCombinedSessionState, kCGEventKeyDown)));
         const id monitor =
             [NSEvent addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown // 1 << 10
                                                   handler:^NSEvent*(NSEvent* event) {
+                                                    typing->press(uptime(event.timestamp));
+                                                    if (event.ARepeat ||
+                                                        typing->isFromBefore(uptime(shownSince))) {
+                                                        return nil;
+                                                    }
                                                     return handler({event.keyCode}) ? nil : event;
                                                   }];
         return Subscription([monitor] { [NSEvent removeMonitor:monitor]; });
+    }
+
+private:
+    static MonotonicTime uptime(NSTimeInterval seconds) {
+        return MonotonicTime(
+            std::chrono::duration_cast<Duration>(std::chrono::duration<double>(seconds)));
     }
 };
 
