@@ -7,6 +7,7 @@
 #include "platform/AppWindows.h"
 
 #import <AppKit/AppKit.h>
+#include <algorithm>
 #include <utility>
 
 namespace nocta {
@@ -56,12 +57,15 @@ public:
     void orderFrontRegardless() override { [window_ orderFrontRegardless]; }
 
 private:
-    /// The title bar stays where it is.
+    /// The title bar stays where it is, where there is room below.
     void fitContent() {
         const NSSize size = content_.fittingSize();
         const NSRect old = window_.frame;
         NSRect frame = [window_ frameRectForContentRect:NSMakeRect(0, 0, size.width, size.height)];
         frame.origin = NSMakePoint(old.origin.x, NSMaxY(old) - frame.size.height);
+        if (NSScreen* const screen = window_.screen) { // none while it is not on one
+            frame.origin.y = std::max(frame.origin.y, NSMinY(screen.visibleFrame));
+        }
         if (!NSEqualRects(frame, old)) {
             [window_ setFrame:frame display:YES];
         }
