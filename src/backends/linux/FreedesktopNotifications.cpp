@@ -1,17 +1,16 @@
 #include "backends/linux/FreedesktopNotifications.h"
 
+#include "backends/linux/AsyncCall.h"
 #include "backends/linux/MessageBus.h"
 #include "backends/linux/NameOwner.h"
 
 #include <QCoreApplication>
 #include <QDBusError>
-#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QTimer>
 #include <QVariantMap>
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 
 namespace nocta {
@@ -28,10 +27,6 @@ const auto path = QStringLiteral("/org/freedesktop/Notifications");
 const auto applicationName = QStringLiteral("Nocta");
 const auto desktopEntry = QStringLiteral("nocta");
 const auto soundName = QStringLiteral("message-new-instant");
-
-constexpr int usualTime = -1;
-// Who stops waiting does not learn the number of a notification that is shown late.
-constexpr int anyTime = std::numeric_limits<int>::max();
 
 QDBusMessage methodCall(const QString& method) {
     return QDBusMessage::createMethodCall(service, path, service, method);
@@ -76,13 +71,14 @@ void FreedesktopNotifications::requestAuthorization(std::uint32_t /*options*/,
         });
         return;
     }
-    call(methodCall(QStringLiteral("GetCapabilities")), usualTime,
-         [handler = std::move(completionHandler)](const QDBusMessage& answer) {
-             const QDBusPendingReply<QStringList> capabilities(answer);
-             handler(capabilities.isValid(),
-                     capabilities.isValid() ? std::nullopt
-                                            : std::optional(description(capabilities.error())));
-         });
+    callAsync(bus_, methodCall(QStringLiteral("GetCapabilities")), &signals_,
+              [handler = std::move(completionHandler)](const QDBusMessage& answer) {
+                  const QDBusPendingReply<QStringList> capabilities(answer);
+                  handler(capabilities.isValid(),
+                          capabilities.isValid()
+                              ? std::nullopt
+                              : std::optional(description(capabilities.error())));
+              });
 }
 
 void FreedesktopNotifications::setNotificationCategories(
@@ -96,25 +92,25 @@ void FreedesktopNotifications::add(const UserNotification& notification) {
         return;
     }
     // Asked each time, as another service may have taken the place of the last one.
-    call(methodCall(QStringLiteral("GetCapabilities")), usualTime,
-         [this, notification, presentation](const QDBusMessage& answer) {
-             const QDBusPendingReply<QStringList> capabilities(answer);
-             if (capabilities.isValid()) {
-                 findOwner([=, this, names = capabilities.value()](const QString& owner) {
-                     show(notification, presentation, names, owner);
-                 });
-             }
-         });
+    callAsync(bus_, methodCall(QStringLiteral("GetCapabilities")), &signals_,
+              [this, notification, presentation](const QDBusMessage& answer) {
+                  const QDBusPendingReply<QStringList> capabilities(answer);
+                  if (capabilities.isValid()) {
+                      findOwner([=, this, names = capabilities.value()](const QString& owner) {
+                          show(notification, presentation, names, owner);
+                      });
+                  }
+              });
 }
 
 /// Nothing follows if the service has gone meanwhile.
 void FreedesktopNotifications::findOwner(std::function<void(const QString&)> found) {
-    call(nameOwnerQuestion(service), usualTime,
-         [found = std::move(found)](const QDBusMessage& answer) {
-             if (const QDBusPendingReply<QString> owner(answer); owner.isValid()) {
-                 found(owner.value());
-             }
-         });
+    callAsync(bus_, nameOwnerQuestion(service), &signals_,
+              [found = std::move(found)](const QDBusMessage& answer) {
+                  if (const QDBusPendingReply<QString> owner(answer); owner.isValid()) {
+                      found(owner.value());
+                  }
+              });
 }
 
 void FreedesktopNotifications::show(const UserNotification& notification,
@@ -140,21 +136,14 @@ void FreedesktopNotifications::show(const UserNotification& notification,
             << translated(notification.title)
             << (capabilities.contains(QStringLiteral("body-markup")) ? body.toHtmlEscaped() : body)
             << actions << hints << -1 /* for as long as the service likes */;
-    call(message, anyTime, [this, owner](const QDBusMessage& answer) {
-        if (const QDBusPendingReply<unsigned int> id(answer); id.isValid()) {
-            shown_.emplace(owner, id.value());
-        }
-    });
-}
-
-/// Hands the answer over, an error as well, unless this object is gone by then.
-void FreedesktopNotifications::call(const QDBusMessage& message, int timeout, Answer answer) {
-    auto* const watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message, timeout), &signals_);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished,
-                     [watcher, answer = std::move(answer)] {
-                         watcher->deleteLater();
-                         answer(watcher->reply());
-                     });
+    callAsync(
+        bus_, message, &signals_,
+        [this, owner](const QDBusMessage& answer) {
+            if (const QDBusPendingReply<unsigned int> id(answer); id.isValid()) {
+                shown_.emplace(owner, id.value());
+            }
+        },
+        noTimeout); // a notification that is shown late has a number as well
 }
 
 } // namespace nocta

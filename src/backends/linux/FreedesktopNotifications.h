@@ -35,10 +35,7 @@ public:
     void add(const UserNotification& notification) override;
 
 private:
-    using Answer = std::function<void(const QDBusMessage&)>;
-
     void follow(const QDBusConnection& bus);
-    void call(const QDBusMessage& message, int timeout, Answer answer);
     void findOwner(std::function<void(const QString& owner)> found);
     void show(const UserNotification& notification, std::uint32_t presentation,
               const QStringList& capabilities, const QString& owner);

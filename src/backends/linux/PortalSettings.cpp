@@ -1,10 +1,10 @@
 #include "backends/linux/PortalSettings.h"
 
+#include "backends/linux/AsyncCall.h"
 #include "backends/linux/MessageBus.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 
 #include <utility>
 
@@ -36,10 +36,7 @@ void PortalSettings::follow(QDBusConnection bus) {
 void PortalSettings::read() {
     auto call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
     call << namespaces_;
-    auto* const answer = new QDBusPendingCallWatcher(sessionBus().asyncCall(call), &read_);
-    QObject::connect(answer, &QDBusPendingCallWatcher::finished, [this, answer] {
-        answer->deleteLater();
-        const auto reply = answer->reply();
+    callAsync(sessionBus(), call, &read_, [this](const QDBusMessage& reply) {
         if (reply.signature() != QStringLiteral("a{sa{sv}}")) {
             return; // an error, or nonsense
         }

@@ -1,12 +1,11 @@
 #include "backends/linux/location/GeoClueClient.h"
 
+#include "backends/linux/AsyncCall.h"
 #include "backends/linux/MessageBus.h"
 #include "backends/linux/NameOwner.h"
 
-#include <QCoreApplication>
 #include <QDBusError>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QVariantMap>
@@ -35,8 +34,6 @@ constexpr auto cityAccuracy = 4U; // some kilometres; the sun's times change by 
 
 // Without someone who can ask the user the service does not answer at all.
 constexpr int answerTime = std::chrono::milliseconds(30s).count();
-// A person may think as long as they like.
-constexpr int userAnswerTime = std::numeric_limits<int>::max();
 
 } // namespace
 
@@ -122,7 +119,8 @@ void GeoClueClient::start() {
     set(QStringLiteral("DesktopId"), desktopId);
     set(QStringLiteral("RequestedAccuracyLevel"), cityAccuracy);
     call(QDBusMessage::createMethodCall(service_, path_, clientInterface, QStringLiteral("Start")),
-         userAnswerTime, [this](const QDBusMessage& answer) {
+         noTimeout, // a person may think as long as they like
+         [this](const QDBusMessage& answer) {
              if (answer.type() == QDBusMessage::ErrorMessage) {
                  end(answer);
              } else {
@@ -162,17 +160,16 @@ void GeoClueClient::readPlace() {
     });
 }
 
-/// Hands the answer over, an error as well, unless this client is gone by then.
+/// An answer may end this client, which stays until it has been dealt with.
 void GeoClueClient::call(const QDBusMessage& message, int timeout, Answer answer) {
-    auto* const watcher =
-        new QDBusPendingCallWatcher(bus_.asyncCall(message, timeout), QCoreApplication::instance());
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished,
-                     [watcher, client = weak_from_this(), answer = std::move(answer)] {
-                         watcher->deleteLater();
-                         if (const auto alive = client.lock()) {
-                             answer(watcher->reply());
-                         }
-                     });
+    callAsync(
+        bus_, message, &moved_,
+        [client = weak_from_this(), answer = std::move(answer)](const QDBusMessage& reply) {
+            if (const auto alive = client.lock()) {
+                answer(reply);
+            }
+        },
+        timeout);
 }
 
 void GeoClueClient::end(const QDBusMessage& error) {
