@@ -115,7 +115,8 @@ ssize_t HelperProcess::receive(char* data, std::size_t size) const {
 
 bool HelperProcess::waitForEnd(std::chrono::milliseconds timeout) {
     if (process_ > 0) {
-        pollfd ended{.fd = socket_.get(), .events = POLLIN, .revents = 0};
+        // Its end, whatever it has said that nobody has read.
+        pollfd ended{.fd = socket_.get(), .events = POLLRDHUP, .revents = 0};
         if (poll(&ended, 1, static_cast<int>(timeout.count())) != 1) {
             return false;
         }

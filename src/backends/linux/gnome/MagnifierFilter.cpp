@@ -2,6 +2,7 @@
 
 #include "backends/linux/gnome/MagnifierProtocol.h"
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
@@ -15,8 +16,9 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto programName = "nocta-magnifier";
-constexpr auto patience = 2s;
-constexpr int mostReplacements = 3;
+constexpr auto startTimeout = 2s;  // for the start of a process on a busy machine
+constexpr auto endTimeout = 500ms; // the helper goes on alone after that
+constexpr int maxReplacements = 3;
 
 /// Whether the session's list of desktops, most specific first, means GNOME's own shell.
 bool isGnomeShellSession() {
@@ -34,47 +36,57 @@ MagnifierFilter::MagnifierFilter(std::filesystem::path stateFile)
     if (!isGnomeShellSession()) {
         return;
     }
-    const auto answer = start();
-    isAvailable_ = answer == MagnifierAnswer::colored || answer == MagnifierAnswer::gray;
-    isOn_ = answer == MagnifierAnswer::gray;
+    const auto answer = start() ? helper_.answer(startTimeout) : std::nullopt;
+    isOn_ = answer == static_cast<char>(MagnifierAnswer::gray);
+    isAvailable_ = isOn_ || answer == static_cast<char>(MagnifierAnswer::colored);
     helper_.endInput();
-    helper_.waitForEnd(patience);
+    helper_.waitForEnd(startTimeout);
 }
 
 MagnifierFilter::~MagnifierFilter() {
     helper_.endInput();
-    helper_.waitForEnd(patience);
+    helper_.waitForEnd(endTimeout);
 }
 
 void MagnifierFilter::setOn(bool on) {
     isOn_ = on;
+    if (on == isOurs_) {
+        return;
+    }
+    isOurs_ = on;
     if (!on) {
-        isOurs_ = false;
         helper_.endInput();
-    } else if (!std::exchange(isOurs_, true)) {
+        return;
+    }
+    replacements_ = 0;
+    if (!helper_.isRunning()) { // else one still puts the settings back, and is followed by another
         turnGray();
     }
 }
 
 void MagnifierFilter::turnGray() {
-    helper_.waitForEnd(patience); // one that still puts the settings back
     if (!start() || !helper_.send(&magnifierTurnGray, 1)) {
         std::cerr << "nocta: cannot start " << HelperProcess::path(programName)
-                  << "; the screen keeps its colours" << std::endl;
+                  << "; the screen keeps its colors" << std::endl;
         return;
     }
-    helper_.whenEnded([this] {
-        if (isOurs_ && ++replacements_ <= mostReplacements) {
-            turnGray();
-        }
-    });
+    helper_.whenHeard([this] { receive(); });
 }
 
-/// Waits for the helper's first word; none where it cannot be started.
-std::optional<MagnifierAnswer> MagnifierFilter::start() {
-    const auto answer =
-        helper_.start(programName, {stateFile_.string()}) ? helper_.answer(patience) : std::nullopt;
-    return answer ? std::optional(static_cast<MagnifierAnswer>(*answer)) : std::nullopt;
+void MagnifierFilter::receive() {
+    char answer = 0;
+    const auto size = helper_.receive(&answer, 1);
+    if (size > 0 || (size < 0 && errno == EAGAIN)) {
+        return; // its answer is known from the start
+    }
+    helper_.kill();
+    if (isOurs_ && ++replacements_ <= maxReplacements) {
+        turnGray();
+    }
+}
+
+bool MagnifierFilter::start() {
+    return helper_.start(programName, {stateFile_.string()});
 }
 
 } // namespace nocta

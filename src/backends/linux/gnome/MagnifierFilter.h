@@ -2,10 +2,8 @@
 
 #include "backends/linux/GrayscaleFilter.h"
 #include "backends/linux/HelperProcess.h"
-#include "backends/linux/gnome/MagnifierProtocol.h"
 
 #include <filesystem>
-#include <optional>
 
 namespace nocta {
 
@@ -27,8 +25,9 @@ public:
     void setOn(bool on) override;
 
 private:
-    std::optional<MagnifierAnswer> start();
+    bool start();
     void turnGray();
+    void receive();
 
     std::filesystem::path stateFile_;
     bool isAvailable_ = false;

@@ -3,8 +3,11 @@
 #include "support/EventLoop.h"
 #include "support/GnomeSettings.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <optional>
+#include <sys/file.h>
+#include <unistd.h>
 
 namespace nocta {
 namespace {
@@ -110,6 +113,21 @@ TEST_F(MagnifierFilterTest, QuickSwitchingEndsAsItWasLeft) {
     filter->setOn(false);
     filter.reset();
     EXPECT_EQ(gnome.everything(), before);
+}
+
+TEST_F(MagnifierFilterTest, HelperThatIsHeldUpIsNotWaitedForAndTurnsGrayWhenItCan) {
+    const auto before = gnome.everything();
+    filter.emplace(stateFile);
+    const auto folder = open(stateFile.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(flock(folder, LOCK_EX), 0); // which a helper waits for before it does anything
+    filter->setOn(true);
+    filter->setOn(false);
+    filter->setOn(true);
+    EXPECT_EQ(gnome.everything(), before);
+    close(folder);
+    EXPECT_TRUE(serveUntil([&] { return gnome.isGray(); }));
+    filter.reset();
+    EXPECT_TRUE(waitUntil([&] { return gnome.everything() == before; }));
 }
 
 TEST_F(MagnifierFilterTest, NoteThatSomebodyHasEditedHarmsNothing) {
