@@ -130,7 +130,8 @@ void BreakProgressRing::paintEvent(QPaintEvent* /*event*/) {
 BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& settings,
                                    Workspace& workspace, RunLoop& runLoop,
                                    std::function<void()> onSkip, std::function<void()> onSnooze)
-    : settings_(settings), workspace_(workspace), runLoop_(runLoop),
+    : settings_(settings), workspace_(workspace), runLoop_(runLoop), onSkip_(std::move(onSkip)),
+      onSnooze_(std::move(onSnooze)),
       ring_(new BreakProgressRing(secondsLeft(breakTimer.state.get(), settings))) {
     setAccessibleName(Text::tr("Time for a break"));
     auto colors = palette();
@@ -138,10 +139,10 @@ BreakOverlayView::BreakOverlayView(BreakTimer& breakTimer, SettingsManager& sett
     setPalette(colors);
     auto* const skip = new BreakButton(Text::tr("Skip"), {.isPrimary = false});
     skip->setObjectName(QStringLiteral("skipBreakButton"));
-    connect(skip, &QPushButton::clicked, this, std::move(onSkip));
+    connect(skip, &QPushButton::clicked, this, onSkip_);
     auto* const snooze = new BreakButton(Text::tr("Snooze 5 min"), {.isPrimary = true});
     snooze->setObjectName(QStringLiteral("snoozeBreakButton"));
-    connect(snooze, &QPushButton::clicked, this, std::move(onSnooze));
+    connect(snooze, &QPushButton::clicked, this, onSnooze_);
     auto* const buttons = new QHBoxLayout;
     buttons->setSpacing(buttonSpacing - 2 * BreakButtonStyle::focusRoom);
     buttons->addStretch();
@@ -189,7 +190,7 @@ void BreakOverlayView::follow(const BreakState& state) {
 }
 
 void BreakOverlayView::moveTo(double progress) {
-    if (workspace_.accessibilityDisplayShouldReduceMotion()) {
+    if (reduceMotion()) {
         ring_->setProgress(progress);
         return;
     }

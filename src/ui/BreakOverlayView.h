@@ -54,12 +54,15 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    bool reduceMotion() const { return workspace_.accessibilityDisplayShouldReduceMotion(); }
     void follow(const BreakState& state);
     void moveTo(double progress);
 
     SettingsManager& settings_;
     Workspace& workspace_;
     RunLoop& runLoop_;
+    std::function<void()> onSkip_;
+    std::function<void()> onSnooze_;
     BreakProgressRing* ring_;
     TimedAnimation movement_;
     Cancellables cancellables_;
