@@ -155,6 +155,19 @@ TEST_P(NoctaMuteBusTest, MuteServicesHoldNothing) {
     EXPECT_GT(services.questions, 0);
 }
 
+TEST_P(NoctaMuteBusTest, TrayWatcherThatAnswersOneQuestionHoldsNothing) {
+    const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
+    variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    for (const auto* const method : {"Get", "Introspect"}) {
+        SCOPED_TRACE(method);
+        MuteService watcher(bus, {"org.kde.StatusNotifierWatcher"});
+        watcher.answers[method] = QVariant::fromValue(QDBusVariant(true));
+        writeFile(settings, neutralSettings());
+        expectADay();
+        EXPECT_GT(watcher.questions, 0);
+    }
+}
+
 TEST_P(NoctaMuteBusTest, BusThatAnswersLateIsUsedThen) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();

@@ -1,12 +1,12 @@
 #include "backends/linux/shell/SystemTray.h"
 
+#include "backends/linux/AsyncCall.h"
 #include "backends/linux/MessageBus.h"
 
 #include <QDBusError>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
 
-#include <limits>
 #include <string>
 #include <utility>
 
@@ -16,8 +16,6 @@ namespace {
 const auto watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
 const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
 
-// The answer counts whenever it comes.
-constexpr int anyTime = std::numeric_limits<int>::max();
 } // namespace
 
 SystemTray::SystemTray(X11Connection* connection) : connection_(connection) {
@@ -62,21 +60,26 @@ void SystemTray::askForHost() {
     if (isAvailable_) {
         return;
     }
-    auto call = QDBusMessage::createMethodCall(watcherService, watcherPath,
-                                               QStringLiteral("org.freedesktop.DBus.Properties"),
-                                               QStringLiteral("Get"));
-    call << watcherService << QStringLiteral("IsStatusNotifierHostRegistered");
-    call.setAutoStartService(false);
     isWatcherMute_ = true;
-    auto* const answer =
-        new QDBusPendingCallWatcher(sessionBus().asyncCall(call, anyTime), &question_);
-    QObject::connect(answer, &QDBusPendingCallWatcher::finished, [this, answer] {
-        answer->deleteLater();
-        answered(*answer);
-    });
+    // The two calls that the toolkit makes, in its order.
+    ask(QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"), {},
+        [this](const QDBusMessage& /*description*/) {
+            ask(QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
+                {watcherService, QStringLiteral("IsStatusNotifierHostRegistered")},
+                [this](const QDBusMessage& answer) { answered(answer); });
+        });
 }
 
-void SystemTray::answered(const QDBusPendingReply<QDBusVariant>& reply) {
+void SystemTray::ask(const QString& interface, const QString& method, const QVariantList& arguments,
+                     std::function<void(const QDBusMessage&)> answered) {
+    auto call = QDBusMessage::createMethodCall(watcherService, watcherPath, interface, method);
+    call.setArguments(arguments);
+    call.setAutoStartService(false);
+    callAsync(sessionBus(), call, &question_, std::move(answered), noTimeout);
+}
+
+void SystemTray::answered(const QDBusMessage& answer) {
+    const QDBusPendingReply<QDBusVariant> reply(answer);
     // An error is an answer of the bus: there is no watcher.
     isWatcherMute_ = reply.isError() && reply.error().type() == QDBusError::NoReply;
     if ((reply.isValid() && reply.value().variant().toBool()) ||

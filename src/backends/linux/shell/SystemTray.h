@@ -3,10 +3,10 @@
 #include "backends/linux/x11/X11Connection.h"
 
 #include <QDBusConnection>
-#include <QDBusPendingReply>
+#include <QDBusMessage>
 #include <QDBusServiceWatcher>
-#include <QDBusVariant>
 #include <QTimer>
+#include <QVariantList>
 
 #include <functional>
 
@@ -31,7 +31,9 @@ public:
 private:
     void follow(QDBusConnection bus);
     void askForHost();
-    void answered(const QDBusPendingReply<QDBusVariant>& reply);
+    void ask(const QString& interface, const QString& method, const QVariantList& arguments,
+             std::function<void(const QDBusMessage&)> answered);
+    void answered(const QDBusMessage& answer);
     void lookForXEmbedTray();
     void becomeAvailable();
 
