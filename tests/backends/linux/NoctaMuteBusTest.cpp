@@ -216,12 +216,15 @@ TEST_P(NoctaMuteBusTest, SignalEndsALaterStartThatIsNotAnswered) {
 }
 
 TEST_P(NoctaMuteBusTest, TooFewOpenFilesAreRefusedInOneLine) {
-    for (int limit = 6; limit < 16; ++limit) {
-        const auto status = runToEnd(
-            {"bash", "-c",
-             "ulimit -n " + std::to_string(limit) + "; exec '" + programFolder() + "/nocta'"},
-            variables);
-        EXPECT_EQ(status, 1) << limit;
+    const TemporaryFolder folder;
+    for (int limit = 8; limit < 16; ++limit) {
+        const auto text = std::to_string(limit);
+        const auto file = folder.path() + "/" + text;
+        Process start(
+            {"bash", "-c", "ulimit -n " + text + "; exec '" + programFolder() + "/nocta'"},
+            variables, file);
+        EXPECT_EQ(start.wait(), 1 << 8) << limit;
+        EXPECT_EQ(contentOf(file), "nocta: the limit of open files is below 64\n") << limit;
     }
 }
 
