@@ -17,6 +17,24 @@ struct Guardians : NoctaProcess {
     using NoctaProcess::guardiansOf;
 };
 
+/// A second Nocta on the server of the first.
+struct OtherProgram {
+    X11Session& first;
+    X11Connection connection{first.runLoop};
+    Guardian guardian{connection, first.runLoop};
+    X11GammaOutput output{connection, first.displays, guardian};
+
+    /// Returns when all that was sent is on the server.
+    Status set(DisplayId display, float top) {
+        const auto tables = X11Session::tables({top, top, top});
+        const auto status =
+            output.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
+        EXPECT_TRUE(serveUntil([&] { return !guardian.isStarting(); }));
+        EXPECT_TRUE(connection.synchronize());
+        return status;
+    }
+};
+
 class X11GammaOutputTest : public ::testing::TestWithParam<XServer::Kind> {
 protected:
     X11Session session{GetParam()};
@@ -26,6 +44,15 @@ protected:
     XClient::Ramp ramp() {
         session.connection.synchronize();
         return session.client.ramp(crtc);
+    }
+
+    /// Dims the display and freezes the guardian that watches over it.
+    pid_t dimAndFreezeGuardian() {
+        session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
+        const auto guardians = Guardians::guardiansOf(getpid());
+        EXPECT_EQ(guardians.size(), 1U);
+        kill(guardians.at(0), SIGSTOP);
+        return guardians.at(0);
     }
 
     /// What a table of the given top shows at entry i of 256, over a calibration read as straight
@@ -152,87 +179,61 @@ TEST_P(X11GammaOutputTest, NothingIsWrittenAnyMoreThatWaitedWhenTheScreenIsGiven
 }
 
 TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay) {
-    const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
-    session.set(display, tables);
+    session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
     const auto ours = ramp();
-    X11Connection otherConnection(session.runLoop);
-    Guardian otherGuardian(otherConnection, session.runLoop);
-    X11GammaOutput other(otherConnection, session.displays, otherGuardian);
-    const auto set = [&] {
-        const auto status =
-            other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
-        EXPECT_TRUE(serveUntil([&] { return !otherGuardian.isStarting(); }));
-        EXPECT_TRUE(otherConnection.synchronize());
-        return status;
-    };
+    OtherProgram other{session};
     ::testing::internal::CaptureStderr();
     int turns = 0;
     Timer turn;
     turn.start(session.runLoop, std::chrono::milliseconds(10), Repeat::yes, [&] { ++turns; });
-    set();
+    other.set(display, 0.5F);
     EXPECT_GT(turns, 10) << "the first may be ending, and is waited for without holding the loop";
-    EXPECT_NE(set(), statusSuccess);
+    EXPECT_NE(other.set(display, 0.5F), statusSuccess);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "nocta: another Nocta controls the gamma of this display\n");
     EXPECT_EQ(ramp(), ours);
 
     session.gammaOutput.displayRestoreColorSyncSettings();
     const auto factory = ramp();
-    EXPECT_EQ(set(), statusSuccess) << "the first has gone";
+    EXPECT_EQ(other.set(display, 0.5F), statusSuccess) << "the first has gone";
     EXPECT_EQ(session.client.ramp(crtc), ours);
-    other.displayRestoreColorSyncSettings();
+    other.output.displayRestoreColorSyncSettings();
     EXPECT_EQ(session.client.ramp(crtc), factory);
 }
 
 TEST_P(X11GammaOutputTest, DisplayWhoseGuardianWasFrozenIsTheNextOnesForGood) {
     const auto factory = ramp();
-    session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
-    const auto guardians = Guardians::guardiansOf(getpid());
-    ASSERT_EQ(guardians.size(), 1U);
-    kill(guardians[0], SIGSTOP);
-    X11Connection otherConnection(session.runLoop);
-    Guardian otherGuardian(otherConnection, session.runLoop);
-    X11GammaOutput other(otherConnection, session.displays, otherGuardian);
-    const auto tables = X11Session::tables({0.25F, 0.25F, 0.25F});
-    other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
-    EXPECT_TRUE(serveUntil([&] { return !otherGuardian.isStarting(); }));
-    EXPECT_TRUE(otherConnection.synchronize());
+    const auto frozen = dimAndFreezeGuardian();
+    OtherProgram other{session};
+    other.set(display, 0.25F);
     const auto theirs = session.client.ramp(crtc);
 
     ::testing::internal::CaptureStderr();
-    kill(guardians[0], SIGCONT);
-    EXPECT_TRUE(serveUntil([&] { return kill(guardians[0], 0) != 0; }));
+    kill(frozen, SIGCONT);
+    EXPECT_TRUE(serveUntil([&] { return kill(frozen, 0) != 0; }));
     session.settle(); // another was started, and refused
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "nocta: another Nocta controls the gamma of this display\n");
     EXPECT_NE(session.set(display, X11Session::tables({1.0F, 1.0F, 1.0F})), statusSuccess);
     session.gammaOutput.displayRestoreColorSyncSettings();
     EXPECT_EQ(ramp(), theirs);
-    other.displayRestoreColorSyncSettings();
+    other.output.displayRestoreColorSyncSettings();
     EXPECT_EQ(session.client.ramp(crtc), factory);
 }
 
 TEST_P(X11GammaOutputTest, ProgramThatDoesNotKnowThatItLostTheDisplayDoesNotGiveItBack) {
     const auto factory = ramp();
-    session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
-    const auto guardians = Guardians::guardiansOf(getpid());
-    ASSERT_EQ(guardians.size(), 1U);
-    kill(guardians[0], SIGSTOP);
-    X11Connection otherConnection(session.runLoop);
-    Guardian otherGuardian(otherConnection, session.runLoop);
-    X11GammaOutput other(otherConnection, session.displays, otherGuardian);
-    const auto tables = X11Session::tables({0.25F, 0.25F, 0.25F});
-    other.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
-    EXPECT_TRUE(serveUntil([&] { return !otherGuardian.isStarting(); }));
-    EXPECT_TRUE(otherConnection.synchronize());
+    const auto frozen = dimAndFreezeGuardian();
+    OtherProgram other{session};
+    other.set(display, 0.25F);
     const auto theirs = session.client.ramp(crtc);
     EXPECT_NE(theirs, factory);
 
     session.gammaOutput.displayRestoreColorSyncSettings();
-    kill(guardians[0], SIGCONT);
+    kill(frozen, SIGCONT);
     EXPECT_TRUE(waitUntil([&] { return Guardians::guardiansOf(getpid()).size() == 1; }));
     EXPECT_EQ(ramp(), theirs);
-    other.displayRestoreColorSyncSettings();
+    other.output.displayRestoreColorSyncSettings();
     EXPECT_EQ(session.client.ramp(crtc), factory);
 }
 
