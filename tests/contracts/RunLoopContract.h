@@ -69,6 +69,14 @@ TYPED_TEST_P(RunLoopContract, RepeatingTimerFiresUntilItIsInvalidatedInItsOwnAct
     EXPECT_FALSE(timer.isValid());
 }
 
+TYPED_TEST_P(RunLoopContract, RepeatingActionKeepsWhatItHolds) {
+    int last = 0;
+    Timer timer;
+    timer.start(this->loop(), this->tick, Repeat::yes,
+                [&last, count = 0]() mutable { last = ++count; });
+    EXPECT_TRUE(this->harness.runUntil([&] { return last == 3; }));
+}
+
 TYPED_TEST_P(RunLoopContract, TimerDoesNotFireBeforeItsTime) {
     const auto start = this->loop().monotonicNow();
     std::optional<MonotonicTime> fired;
@@ -122,8 +130,8 @@ TYPED_TEST_P(RunLoopContract, DestroyedTimerDoesNotFire) {
 REGISTER_TYPED_TEST_SUITE_P(RunLoopContract, PostedActionsRunLaterAndInOrder,
                             OneShotTimerFiresOnceAndIsInvalidWhenItDoes,
                             RepeatingTimerFiresUntilItIsInvalidatedInItsOwnAction,
-                            TimerDoesNotFireBeforeItsTime, TimerMayBeDestroyedInItsOwnAction,
-                            TimerMayBeStartedAnewInItsOwnAction,
+                            RepeatingActionKeepsWhatItHolds, TimerDoesNotFireBeforeItsTime,
+                            TimerMayBeDestroyedInItsOwnAction, TimerMayBeStartedAnewInItsOwnAction,
                             StartingATimerReplacesTheOneThatRan, DestroyedTimerDoesNotFire);
 
 } // namespace nocta

@@ -5,6 +5,8 @@
 #import <Foundation/Foundation.h>
 #include <ctime>
 #include <map>
+#include <memory>
+#include <utility>
 
 namespace nocta {
 
@@ -32,6 +34,8 @@ public:
 
     TimerId schedule(Duration interval, Repeat repeat, std::function<void()> action) override {
         const auto id = ++lastId_;
+        // Not copied by a firing: an action counts in itself. It may end its own timer, too.
+        const auto kept = std::make_shared<std::function<void()>>(std::move(action));
         NSTimer* const timer =
             [NSTimer timerWithTimeInterval:std::chrono::duration<double>(interval).count()
                                    repeats:repeat == Repeat::yes
@@ -40,8 +44,8 @@ public:
                                            timers_.erase(id);
                                        }
                                        @autoreleasepool {
-                                           const auto current = action; // it may end its own timer
-                                           current();
+                                           const auto current = kept;
+                                           (*current)();
                                        }
                                      }];
         timers_.emplace(id, timer);
