@@ -21,12 +21,11 @@ inline constexpr NativeCall nativeShellCalls[] = {
     {"shell/MacPopover.h", "popover_.animates = animates;"},
     {"shell/MacPopover.h", "popover_.contentViewController = nil;"},
     {"shell/MacPopover.h", "controller.view = content_->view();"
-                           "popover_.contentViewController = controller;"
-                           "popover_.contentSize = content_->fittingSize();"},
-    {"shell/MacPopover.h", "content_->layoutRequested = [this] {"
-                           "popover_.contentSize = content_->fittingSize(); };"},
+                           "popover_.contentViewController = controller; fitContent();"},
+    {"shell/MacPopover.h", "content_->contentChanged = [this] { fitContent(); };"},
     {"shell/MacPopover.h", "popover_.appearance = NSApp.effectiveAppearance;"
-                           "[popover_ showRelativeToRect:button.bounds ofView:button"
+                           "popover_.contentSize = content_->fittingSize();"},
+    {"shell/MacPopover.h", "fitContent(); [popover_ showRelativeToRect:button.bounds ofView:button"
                            "preferredEdge:NSRectEdgeMinY];"
                            "[content_->view().window makeKeyWindow];"},
     {"shell/MacPopover.h", "[popover_ performClose:nil];"},
@@ -35,11 +34,14 @@ inline constexpr NativeCall nativeShellCalls[] = {
     {"shell/MacPopover.h",
      "observe(NSNotificationCenter.defaultCenter, NSWindowDidBecomeKeyNotification, nil,"
      "^(NSNotification* notification) { if (content_ != nullptr &&"
-     "notification.object != content_->view().window) { close(); } });"},
+     "notification.object != item && notification.object != content_->view().window) { close(); } "
+     "});"},
     {"shell/MacPopover.h",
      "[NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown |"
      "NSEventMaskRightMouseDown | NSEventMaskOtherMouseDown"
-     "handler:^(NSEvent*) { close(); }];"},
+     "handler:^(NSEvent*) { if (!NSPointInRect(NSEvent.mouseLocation, item.frame)) { close(); } "
+     "}];"},
+    {"shell/MacPopover.h", "watch(button.window);"},
     {"shell/MacPopover.h", "[NSEvent removeMonitor:monitor];"},
     {"shell/MacPopover.h", "observe(NSNotificationCenter.defaultCenter,"
                            "NSPopoverDidCloseNotification, popover_,"},

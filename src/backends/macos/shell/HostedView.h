@@ -51,8 +51,8 @@ public:
 
     NSView* view() const { return container_; }
 
-    /// Called whenever the content may need another size.
-    std::function<void()> layoutRequested;
+    /// Called whenever the content may need another size, and when its colors have changed.
+    std::function<void()> contentChanged;
 
     /// What the content needs, in points.
     NSSize fittingSize() const {
@@ -68,8 +68,10 @@ public:
 
 protected:
     bool eventFilter(QObject* /*widget*/, QEvent* event) override {
-        if (event->type() == QEvent::LayoutRequest && layoutRequested) {
-            layoutRequested();
+        const auto isChange =
+            event->type() == QEvent::LayoutRequest || event->type() == QEvent::PaletteChange;
+        if (isChange && contentChanged) {
+            contentChanged();
         }
         return false;
     }

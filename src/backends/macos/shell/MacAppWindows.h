@@ -33,7 +33,7 @@ public:
         window_.contentView = content_.view();
         [window_ setContentSize:content_.fittingSize()];
         [window_ center];
-        content_.layoutRequested = [this] { fitContent(); };
+        content_.contentChanged = [this] { fitContent(); };
         willClose_ = observe(NSNotificationCenter.defaultCenter, NSWindowWillCloseNotification,
                              window_, ^(NSNotification* /*notification*/) {
                                close_.request();

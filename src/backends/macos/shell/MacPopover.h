@@ -39,54 +39,64 @@ public:
 
     /// Content that needs more than the size that was set makes the popover grow, then and later.
     void setContentView(std::unique_ptr<View> view) override {
-        popover_.contentViewController = nil;
-        content_.reset();
-        if (view != nullptr) {
-            content_ = std::make_unique<HostedView>(std::move(view), contentSize_,
-                                                    HostedView::Kind::clear);
-            NSViewController* const controller = [[NSViewController alloc] init];
-            controller.view = content_->view();
-            popover_.contentViewController = controller;
-            popover_.contentSize = content_->fittingSize();
-            content_->layoutRequested = [this] { popover_.contentSize = content_->fittingSize(); };
+        const auto old = std::exchange(content_, nullptr); // goes after its controller
+        if (view == nullptr) {
+            popover_.contentViewController = nil;
+            return;
         }
+        content_ =
+            std::make_unique<HostedView>(std::move(view), contentSize_, HostedView::Kind::clear);
+        NSViewController* const controller = [[NSViewController alloc] init];
+        controller.view = content_->view();
+        popover_.contentViewController = controller;
+        fitContent();
+        content_->contentChanged = [this] { fitContent(); };
     }
 
-    /// A button in the menu bar has its popover below. The menu bar is as light or dark as what is
-    /// behind it, and a popover takes its appearance from where it hangs; but Qt draws the content
-    /// in the colors of the program's appearance.
+    /// A button in the menu bar has its popover below.
     void show(StatusItem& relativeTo) override {
         NSStatusBarButton* const button = static_cast<MacStatusItem&>(relativeTo).button();
         if (button == nil || content_ == nullptr) {
             return;
         }
-        popover_.appearance = NSApp.effectiveAppearance;
+        fitContent();
         [popover_ showRelativeToRect:button.bounds ofView:button preferredEdge:NSRectEdgeMinY];
         [content_->view().window makeKeyWindow];
         content_->makeFirstResponder();
-        watch();
+        watch(button.window);
     }
     void close() override { [popover_ performClose:nil]; }
     bool isShown() const override { return popover_.shown; }
 
 private:
+    /// The menu bar is as light or dark as what is behind it, and a popover takes its appearance
+    /// from where it hangs; but Qt draws the content in the colors of the program's appearance.
+    void fitContent() {
+        popover_.appearance = NSApp.effectiveAppearance;
+        popover_.contentSize = content_->fittingSize();
+    }
+
     /// Another window of this program, and a click in another program, for example in its item in
-    /// the menu bar, of which AppKit tells nobody else.
-    void watch() {
+    /// the menu bar, of which AppKit tells nobody else. On some systems a click on the program's
+    /// own item is seen here too; it is the item's action that closes the popover then.
+    void watch(NSWindow* item) {
         didBecomeKey_ =
             observe(NSNotificationCenter.defaultCenter, NSWindowDidBecomeKeyNotification, nil,
                     ^(NSNotification* notification) {
-                      if (content_ != nullptr && notification.object != content_->view().window) {
+                      if (content_ != nullptr && notification.object != item &&
+                          notification.object != content_->view().window) {
                           close();
                       }
                     });
-        const id monitor =
-            [NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown |
-                                                           NSEventMaskRightMouseDown |
-                                                           NSEventMaskOtherMouseDown
-                                                   handler:^(NSEvent* /*event*/) {
-                                                     close();
-                                                   }];
+        const id monitor = [NSEvent
+            addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown |
+                                                  NSEventMaskRightMouseDown |
+                                                  NSEventMaskOtherMouseDown
+                                          handler:^(NSEvent* /*event*/) {
+                                            if (!NSPointInRect(NSEvent.mouseLocation, item.frame)) {
+                                                close();
+                                            }
+                                          }];
         if (monitor != nil) {
             clicks_ = Subscription([monitor] { [NSEvent removeMonitor:monitor]; });
         }
