@@ -64,9 +64,21 @@ inline constexpr NativeCall nativeShellCalls[] = {
     {"shell/MacOverlayWindows.h", "window_.hasShadow = NO;"},
     {"shell/MacOverlayWindows.h", "window_.contentView = content_.view();"},
     {"shell/MacOverlayWindows.h", "window_.alphaValue = 0;"},
-    {"shell/MacOverlayWindows.h", "~MacOverlayWindow() override { [window_ close]; }"},
-    {"shell/MacOverlayWindows.h", "[window_ makeKeyAndOrderFront:nil];"},
-    {"shell/MacOverlayWindows.h", "[window_ orderOut:nil];"},
+    {"shell/MacOverlayWindows.h", "~MacOverlayWindow() override { orderOut(); [window_ close]; }"},
+    {"shell/MacOverlayWindows.h", "if (!std::exchange(isShown_, true)) {"
+                                  "previousApplication_->coverComes(); }"
+                                  "[window_ makeKeyAndOrderFront:nil];"},
+    {"shell/MacOverlayWindows.h", "[window_ orderOut:nil]; if (std::exchange(isShown_, false)) {"
+                                  "previousApplication_->coverGoes(); }"},
+    {"shell/MacOverlayWindows.h", "NSWorkspace.sharedWorkspace.frontmostApplication;"},
+    {"shell/MacOverlayWindows.h", "[front isEqual:NSRunningApplication.currentApplication];"},
+    {"shell/MacOverlayWindows.h", "if (--covers_ > 0 || application_ == nil || !NSApp.active ||"
+                                  "hasWindow()) { return; }"},
+    {"shell/MacOverlayWindows.h", "if (@available(macOS 14.0, *)) {"
+                                  "[NSApp yieldActivationToApplication:application_]; }"
+                                  "[application_ activateWithOptions:0];"},
+    {"shell/MacOverlayWindows.h", "for (NSWindow* window in NSApp.windows) {"
+                                  "if (window.visible && window.canBecomeMainWindow) {"},
     {"shell/MacOverlayWindows.h",
      "[NSAnimationContext runAnimationGroup:^(NSAnimationContext* context) {"
      "context.duration = std::chrono::duration<double>(duration).count();"
@@ -81,8 +93,8 @@ inline constexpr NativeCall nativeShellCalls[] = {
     {"shell/MacOverlayWindows.h",
      ".frame = {frame.origin.x, frame.origin.y, frame.size.width, frame.size.height}"},
     {"shell/MacOverlayWindows.h",
-     "typing->press(uptime(shownSince - CGEventSourceSecondsSinceLastEventType("
-     "kCGEventSourceStateCombinedSessionState, kCGEventKeyDown)));"},
+     "sinceKey = CGEventSourceSecondsSinceLastEventType(kCGEventSourceStateCombinedSessionState,"
+     "kCGEventKeyDown); typing->press(uptime(shownSince - std::min(sinceKey, shownSince)));"},
     {"shell/MacOverlayWindows.h",
      "[NSEvent addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown"
      "handler:^NSEvent*(NSEvent* event) { typing->press(uptime(event.timestamp));"

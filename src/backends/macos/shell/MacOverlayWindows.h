@@ -6,7 +6,9 @@
 
 #import <QuartzCore/QuartzCore.h>
 
+#import <AppKit/AppKit.h>
 #import <CoreGraphics/CoreGraphics.h>
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <utility>
@@ -17,11 +19,50 @@
 
 namespace nocta {
 
+/// The program that had the keyboard before the covers came. A program that is not in the Dock
+/// stays active when its last window goes, so the keyboard is given back here.
+class PreviousApplication {
+public:
+    void coverComes() {
+        if (covers_++ == 0) {
+            NSRunningApplication* const front = NSWorkspace.sharedWorkspace.frontmostApplication;
+            const bool isOwn = [front isEqual:NSRunningApplication.currentApplication];
+            application_ = isOwn ? nil : front;
+        }
+    }
+    void coverGoes() {
+        if (--covers_ > 0 || application_ == nil || !NSApp.active || hasWindow()) {
+            return;
+        }
+        if (@available(macOS 14.0, *)) {
+            [NSApp yieldActivationToApplication:application_];
+        }
+        [application_ activateWithOptions:0];
+        application_ = nil;
+    }
+
+private:
+    /// One that the user works in: no cover, popover or status item.
+    static bool hasWindow() {
+        for (NSWindow* window in NSApp.windows) {
+            if (window.visible && window.canBecomeMainWindow) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    int covers_ = 0;
+    NSRunningApplication* application_ = nil;
+};
+
 class MacOverlayWindow final : public OverlayWindow {
 public:
     MacOverlayWindow(const Rect& frame, const OverlayWindows::Style& style,
-                     std::unique_ptr<View> content)
-        : content_(std::move(content), NSZeroSize, HostedView::Kind::clear),
+                     std::unique_ptr<View> content,
+                     std::shared_ptr<PreviousApplication> previousApplication)
+        : previousApplication_(std::move(previousApplication)),
+          content_(std::move(content), NSZeroSize, HostedView::Kind::clear),
           window_([[HostingOverlayWindow alloc]
               initWithContentRect:NSMakeRect(frame.x, frame.y, frame.width, frame.height)
                         styleMask:NSWindowStyleMaskBorderless
@@ -37,13 +78,26 @@ public:
         window_.contentView = content_.view();
         window_.alphaValue = 0;
     }
-    ~MacOverlayWindow() override { [window_ close]; }
+    MacOverlayWindow(const MacOverlayWindow&) = delete;
+    MacOverlayWindow& operator=(const MacOverlayWindow&) = delete;
+    ~MacOverlayWindow() override {
+        orderOut();
+        [window_ close];
+    }
 
     void makeKeyAndOrderFront() override {
+        if (!std::exchange(isShown_, true)) {
+            previousApplication_->coverComes();
+        }
         [window_ makeKeyAndOrderFront:nil];
         content_.makeFirstResponder();
     }
-    void orderOut() override { [window_ orderOut:nil]; }
+    void orderOut() override {
+        [window_ orderOut:nil];
+        if (std::exchange(isShown_, false)) {
+            previousApplication_->coverGoes();
+        }
+    }
 
     void animateAlpha(double target, Duration duration, TimingFunction curve,
                       std::function<void()> completion) override {
@@ -67,6 +121,8 @@ public:
     }
 
 private:
+    std::shared_ptr<PreviousApplication> previousApplication_;
+    bool isShown_ = false;
     HostedView content_;
     HostingOverlayWindow* window_;
     std::shared_ptr<std::function<void()>> fade_;
@@ -89,18 +145,20 @@ public:
 
     std::unique_ptr<OverlayWindow> makeWindow(const Screen& screen, const Style& style,
                                               std::unique_ptr<View> content) override {
-        return std::make_unique<MacOverlayWindow>(screen.frame, style, std::move(content));
+        return std::make_unique<MacOverlayWindow>(screen.frame, style, std::move(content),
+                                                  previousApplication_);
     }
 
     /// The monitor is added when the windows have come. Events are stamped by the clock of
-    /// systemUptime, and so is what was typed before.
+    /// systemUptime, and so is what was typed before. What the system answers where no key was
+    /// pressed since the login is not documented.
     Subscription
     addLocalMonitorForKeyDown(std::function<bool(const KeyDownEvent&)> handler) override {
         const NSTimeInterval shownSince = NSProcessInfo.processInfo.systemUptime;
         const auto typing = std::make_shared<Typing>();
-        typing->press(
-            uptime(shownSince - CGEventSourceSecondsSinceLastEventType(
-                                    kCGEventSourceStateCombinedSessionState, kCGEventKeyDown)));
+        const CFTimeInterval sinceKey = CGEventSourceSecondsSinceLastEventType(
+            kCGEventSourceStateCombinedSessionState, kCGEventKeyDown);
+        typing->press(uptime(shownSince - std::min(sinceKey, shownSince)));
         const id monitor =
             [NSEvent addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown // 1 << 10
                                                   handler:^NSEvent*(NSEvent* event) {
@@ -115,6 +173,9 @@ public:
     }
 
 private:
+    std::shared_ptr<PreviousApplication> previousApplication_ =
+        std::make_shared<PreviousApplication>();
+
     static MonotonicTime uptime(NSTimeInterval seconds) {
         return MonotonicTime(
             std::chrono::duration_cast<Duration>(std::chrono::duration<double>(seconds)));
