@@ -2,20 +2,22 @@
 
 #include "backends/macos/Observation.h"
 #include "backends/shared/WrittenTables.h"
+#include "base/Timer.h"
 #include "platform/GammaOutput.h"
 
 #import <AppKit/AppKit.h>
 #import <CoreGraphics/CoreGraphics.h>
+#include <chrono>
 #include <vector>
 
 namespace nocta {
 
 /// The window server gives the factory tables back by itself when the process dies. It also drops
-/// the tables when the machine or its displays sleep, so the last ones are sent again when they
-/// wake.
+/// tables when the displays change and when the machine or its displays sleep, so the last ones are
+/// sent again. After a wake it may drop them for some seconds more, of which it tells nobody.
 class CgGammaOutput final : public GammaOutput {
 public:
-    CgGammaOutput() = default;
+    explicit CgGammaOutput(RunLoop& runLoop) : runLoop_(runLoop) {}
     CgGammaOutput(const CgGammaOutput&) = delete;
     CgGammaOutput& operator=(const CgGammaOutput&) = delete;
 
@@ -35,6 +37,9 @@ public:
     }
 
 private:
+    static constexpr auto settlingInterval = std::chrono::seconds(4);
+    static constexpr int settlingRounds = 2;
+
     static CGError write(DisplayId display, std::span<const float> red,
                          std::span<const float> green, std::span<const float> blue) {
         return CGSetDisplayTransferByTable(display, static_cast<std::uint32_t>(red.size()),
@@ -44,6 +49,16 @@ private:
     void sendAgain() {
         forgetGoneDisplays();
         written_.forEach(write);
+    }
+
+    void sendAfterWake() {
+        sendAgain();
+        settling_.start(runLoop_, settlingInterval, Repeat::yes, [this, round = 0]() mutable {
+            sendAgain();
+            if (++round == settlingRounds) {
+                settling_.invalidate();
+            }
+        });
     }
 
     /// A display that sleeps is online but not active, and must not lose its tables by that.
@@ -59,21 +74,23 @@ private:
         }
     }
 
+    RunLoop& runLoop_;
     WrittenTables written_;
+    Timer settling_;
     Subscription screenParameters_ = observe(NSNotificationCenter.defaultCenter,
                                              NSApplicationDidChangeScreenParametersNotification,
                                              nil, ^(NSNotification* /*notification*/) {
-                                               forgetGoneDisplays();
+                                               sendAgain();
                                              });
     Subscription didWake_ =
         observe(NSWorkspace.sharedWorkspace.notificationCenter, NSWorkspaceDidWakeNotification, nil,
                 ^(NSNotification* /*notification*/) {
-                  sendAgain();
+                  sendAfterWake();
                 });
     Subscription screensDidWake_ =
         observe(NSWorkspace.sharedWorkspace.notificationCenter,
                 NSWorkspaceScreensDidWakeNotification, nil, ^(NSNotification* /*notification*/) {
-                  sendAgain();
+                  sendAfterWake();
                 });
 };
 

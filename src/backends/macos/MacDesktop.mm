@@ -63,7 +63,7 @@ private:
     UserDefaultsStore userDefaults_;
     NsUuidSource uuidSource_;
     CgDisplays displays_{notificationCenter_};
-    CgGammaOutput gammaOutput_;
+    CgGammaOutput gammaOutput_{runLoop_};
     DisplayServicesBacklight backlight_;
     CgKeyEvents keyEvents_;
     CoreLocationManager locationManager_;

@@ -34,13 +34,16 @@ inline constexpr NativeCall nativeServiceCalls[] = {
     {"CgGammaOutput.h", "forgetGoneDisplays(); written_.forEach(write);"},
     {"CgGammaOutput.h", "observe(NSNotificationCenter.defaultCenter,"
                         "NSApplicationDidChangeScreenParametersNotification, nil,"
-                        "^(NSNotification*) { forgetGoneDisplays(); });"},
+                        "^(NSNotification*) { sendAgain(); });"},
     {"CgGammaOutput.h", "observe(NSWorkspace.sharedWorkspace.notificationCenter,"
                         "NSWorkspaceDidWakeNotification, nil,"
-                        "^(NSNotification*) { sendAgain(); });"},
+                        "^(NSNotification*) { sendAfterWake(); });"},
     {"CgGammaOutput.h", "observe(NSWorkspace.sharedWorkspace.notificationCenter,"
                         "NSWorkspaceScreensDidWakeNotification, nil,"
-                        "^(NSNotification*) { sendAgain(); });"},
+                        "^(NSNotification*) { sendAfterWake(); });"},
+    {"CgGammaOutput.h",
+     "sendAgain(); settling_.start(runLoop_, settlingInterval, Repeat::yes, [this, round = 0]()"
+     "mutable { sendAgain(); if (++round == settlingRounds) { settling_.invalidate(); } });"},
 
     // backlight
     {"DisplayServicesBacklight.h",
