@@ -14,7 +14,8 @@ static_assert(tapDisabledByTimeoutEventType == kCGEventTapDisabledByTimeout);
 static_assert(tapDisabledByUserInputEventType == kCGEventTapDisabledByUserInput);
 
 /// The tap is refused until the user has allowed the program to watch the keyboard, in the system's
-/// privacy settings.
+/// privacy settings. When the permission is withdrawn, the system reports no error but disables the
+/// tap once a key has waited for it too long. Enabling it then would hold up the next keys as well.
 class CgKeyEvents final : public KeyEvents {
 public:
     Subscription addGlobalMonitorForSystemDefinedEvents(
@@ -56,8 +57,21 @@ private:
         CFMachPortRef port = nullptr;
     };
 
-    /// Every event goes on as it came. A tap that cannot be enabled again, as the user has
-    /// withdrawn the permission, stays disabled, and the keys go on without it.
+    /// Only a new tap is refused without the permission.
+    static bool isAllowed() {
+        const CFMachPortRef probe =
+            CGEventTapCreate(kCGSessionEventTap, kCGTailAppendEventTap, kCGEventTapOptionDefault,
+                             CGEventMaskBit(kCGEventKeyDown), keyDown, nullptr);
+        if (probe == nullptr) {
+            return false;
+        }
+        CFMachPortInvalidate(probe);
+        CFRelease(probe);
+        return true;
+    }
+
+    /// Every event goes on as it came. Without the permission the tap ends, and keys go on without
+    /// it.
     static CGEventRef keyDown(CGEventTapProxy /*proxy*/, CGEventType type, CGEventRef event,
                               void* userInfo) {
         const auto* const tap = static_cast<const Tap*>(userInfo);
@@ -69,7 +83,11 @@ private:
             tap->handler({CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode)});
             break;
         case TapEvent::disabled:
-            CGEventTapEnable(tap->port, true);
+            if (isAllowed()) {
+                CGEventTapEnable(tap->port, true);
+            } else {
+                CFMachPortInvalidate(tap->port);
+            }
             break;
         case TapEvent::other:
             break;

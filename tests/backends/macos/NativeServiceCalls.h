@@ -69,9 +69,15 @@ inline constexpr NativeCall nativeServiceCalls[] = {
     {"CgKeyEvents.h", "CFMachPortCreateRunLoopSource(kCFAllocatorDefault, tap->port, 0);"},
     {"CgKeyEvents.h", "CFRunLoopAddSource(CFRunLoopGetMain(), source, kCFRunLoopCommonModes);"},
     {"CgKeyEvents.h", "CFRelease(source); CGEventTapEnable(tap->port, true);"},
-    {"CgKeyEvents.h", "case TapEvent::disabled: CGEventTapEnable(tap->port, true); break;"},
-    {"CgKeyEvents.h", "CFMachPortInvalidate(tap->port);"},
-    {"CgKeyEvents.h", "CFRelease(tap->port);"},
+    {"CgKeyEvents.h",
+     "case TapEvent::disabled: if (isAllowed()) { CGEventTapEnable(tap->port, true);"
+     "} else { CFMachPortInvalidate(tap->port); } break;"},
+    {"CgKeyEvents.h", "CGEventTapCreate(kCGSessionEventTap, kCGTailAppendEventTap,"
+                      "kCGEventTapOptionDefault, CGEventMaskBit(kCGEventKeyDown), keyDown,"
+                      "nullptr);"},
+    {"CgKeyEvents.h", "if (probe == nullptr) { return false; } CFMachPortInvalidate(probe);"
+                      "CFRelease(probe); return true;"},
+    {"CgKeyEvents.h", "CFMachPortInvalidate(tap->port); CFRelease(tap->port);"},
     {"CgKeyEvents.h", "case TapEvent::keyDown: tap->handler({CGEventGetIntegerValueField(event,"
                       "kCGKeyboardEventKeycode)}); break;"},
     {"CgKeyEvents.h", "if (tap == nullptr) { return event; }"},
