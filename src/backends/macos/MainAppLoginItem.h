@@ -14,7 +14,8 @@ static_assert(loginItemStatus(SMAppServiceStatusRequiresApproval) ==
               LoginItem::Status::requiresApproval);
 static_assert(loginItemStatus(SMAppServiceStatusNotFound) == LoginItem::Status::notFound);
 
-/// This very bundle.
+/// This very bundle. Registering one that is registered is an error to the system, and so is the
+/// opposite; here what already is as wished is none.
 class MainAppLoginItem final : public LoginItem {
 public:
     Status status() override { return loginItemStatus(SMAppService.mainAppService.status); }
@@ -22,12 +23,16 @@ public:
     std::optional<std::string> registerItem() override {
         NSError* error = nil;
         const BOOL isDone = [SMAppService.mainAppService registerAndReturnError:&error];
-        return isDone ? std::nullopt : std::optional(stdString(error.localizedDescription));
+        return isDone || status() == Status::enabled
+                   ? std::nullopt
+                   : std::optional(stdString(error.localizedDescription));
     }
     std::optional<std::string> unregisterItem() override {
         NSError* error = nil;
         const BOOL isDone = [SMAppService.mainAppService unregisterAndReturnError:&error];
-        return isDone ? std::nullopt : std::optional(stdString(error.localizedDescription));
+        return isDone || status() == Status::notRegistered || status() == Status::notFound
+                   ? std::nullopt
+                   : std::optional(stdString(error.localizedDescription));
     }
 };
 

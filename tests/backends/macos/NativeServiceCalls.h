@@ -173,8 +173,11 @@ inline constexpr NativeCall nativeServiceCalls[] = {
 
     // login item
     {"MainAppLoginItem.h", "loginItemStatus(SMAppService.mainAppService.status);"},
-    {"MainAppLoginItem.h", "[SMAppService.mainAppService registerAndReturnError:&error];"},
-    {"MainAppLoginItem.h", "[SMAppService.mainAppService unregisterAndReturnError:&error];"},
+    {"MainAppLoginItem.h", "[SMAppService.mainAppService registerAndReturnError:&error];"
+                           "return isDone || status() == Status::enabled ?"},
+    {"MainAppLoginItem.h", "[SMAppService.mainAppService unregisterAndReturnError:&error];"
+                           "return isDone || status() == Status::notRegistered ||"
+                           "status() == Status::notFound ?"},
     {"MainAppLoginItem.h", "static_assert(loginItemStatus(SMAppServiceStatusNotRegistered) =="
                            "LoginItem::Status::notRegistered);"},
     {"MainAppLoginItem.h", "static_assert(loginItemStatus(SMAppServiceStatusEnabled) =="
