@@ -21,7 +21,9 @@
 
 #include <QApplication>
 
+#include <cstdlib>
 #include <memory>
+#include <unistd.h>
 
 namespace nocta {
 
@@ -88,10 +90,29 @@ public:
         appWindows_, application_};
 };
 
+/// The system turns a second start of a bundle into a reopening of the first. A second process,
+/// which a terminal can start, does the same.
+bool reopenRunningProcess() {
+    NSString* const identifier = NSBundle.mainBundle.bundleIdentifier;
+    if (identifier == nil) {
+        return false;
+    }
+    for (NSRunningApplication* application in
+         [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier]) {
+        if (application.processIdentifier != getpid() && application.finishedLaunching) {
+            [NSWorkspace.sharedWorkspace openURL:application.bundleURL];
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
-/// There is always a session; a second start of the program is told to the first by the system.
 DesktopSession makeDesktop(const Bundle& bundle) {
+    if (reopenRunningProcess()) {
+        return {.desktop = nullptr, .exitStatus = EXIT_SUCCESS};
+    }
     const auto desktop = std::make_shared<MacDesktop>(bundle);
     return {.desktop = std::shared_ptr<Desktop>(desktop, &desktop->ports)};
 }

@@ -316,4 +316,9 @@ inline constexpr NativeCall nativeServiceCalls[] = {
                       "@autoreleasepool { action(); } });"},
     {"MainRunLoop.h", "CFRunLoopWakeUp(CFRunLoopGetMain());"},
     {"MacDesktop.mm", "[NSUUID.UUID getUUIDBytes:uuid.bytes.data()];"},
+    {"MacDesktop.mm", "[NSRunningApplication runningApplicationsWithBundleIdentifier:identifier]"},
+    {"MacDesktop.mm",
+     "if (application.processIdentifier != getpid() &&"
+     "application.finishedLaunching) {"
+     "[NSWorkspace.sharedWorkspace openURL:application.bundleURL]; return true; }"},
 };

@@ -141,6 +141,8 @@ inline constexpr NativeCall nativeShellCalls[] = {
     // the program
     {"shell/MacApplication.h", "NSApplication.sharedApplication.delegate = delegate_;"},
     {"shell/MacApplication.h",
+     "[NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];"},
+    {"shell/MacApplication.h",
      "qputenv(\"QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM\", \"1\");"},
     {"shell/MacApplication.h", "{SIGINT, SIGTERM, SIGHUP}"},
     {"shell/MacApplication.h", "std::signal(number, SIG_IGN);"},

@@ -26,6 +26,8 @@ class MacApplication final : public Application {
 public:
     explicit MacApplication(RunLoop& runLoop) : runLoop_(runLoop) {
         NSApplication.sharedApplication.delegate = delegate_;
+        // As Info.plist says; a program without its bundle may not show windows otherwise.
+        [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
         // Qt would bring a program that starts in the menu bar in front of the user's work.
         qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
         for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
