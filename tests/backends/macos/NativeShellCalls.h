@@ -39,9 +39,11 @@ inline constexpr NativeCall nativeShellCalls[] = {
     {"shell/MacPopover.h",
      "[NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown |"
      "NSEventMaskRightMouseDown | NSEventMaskOtherMouseDown"
-     "handler:^(NSEvent*) { if (!NSPointInRect(NSEvent.mouseLocation, item.frame)) { close(); } "
-     "}];"},
+     "handler:^(NSEvent*) { if (!isOnItem(NSEvent.mouseLocation, item)) { close(); } }];"},
     {"shell/MacPopover.h", "watch(button.window);"},
+    {"shell/MacPopover.h", "NSRect area = item.frame; if (NSScreen* const screen = item.screen) {"
+                           "area.size.height = NSMaxY(screen.frame) - NSMinY(area); }"
+                           "return NSMouseInRect(mouse, area, NO);"},
     {"shell/MacPopover.h", "[NSEvent removeMonitor:monitor];"},
     {"shell/MacPopover.h", "observe(NSNotificationCenter.defaultCenter,"
                            "NSPopoverDidCloseNotification, popover_,"},

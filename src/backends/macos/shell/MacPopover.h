@@ -88,18 +88,27 @@ private:
                           close();
                       }
                     });
-        const id monitor = [NSEvent
-            addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown |
-                                                  NSEventMaskRightMouseDown |
-                                                  NSEventMaskOtherMouseDown
-                                          handler:^(NSEvent* /*event*/) {
-                                            if (!NSPointInRect(NSEvent.mouseLocation, item.frame)) {
-                                                close();
-                                            }
-                                          }];
+        const id monitor =
+            [NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown |
+                                                           NSEventMaskRightMouseDown |
+                                                           NSEventMaskOtherMouseDown
+                                                   handler:^(NSEvent* /*event*/) {
+                                                     if (!isOnItem(NSEvent.mouseLocation, item)) {
+                                                         close();
+                                                     }
+                                                   }];
         if (monitor != nil) {
             clicks_ = Subscription([monitor] { [NSEvent removeMonitor:monitor]; });
         }
+    }
+
+    /// Whether the mouse is on the item, up to the edge of the screen.
+    static bool isOnItem(NSPoint mouse, NSWindow* item) {
+        NSRect area = item.frame;
+        if (NSScreen* const screen = item.screen) {
+            area.size.height = NSMaxY(screen.frame) - NSMinY(area);
+        }
+        return NSMouseInRect(mouse, area, NO);
     }
 
     void didClose() {
