@@ -74,8 +74,10 @@ inline constexpr NativeCall nativeShellCalls[] = {
                                   "previousApplication_->coverGoes(); }"},
     {"shell/MacOverlayWindows.h", "NSWorkspace.sharedWorkspace.frontmostApplication;"},
     {"shell/MacOverlayWindows.h", "[front isEqual:NSRunningApplication.currentApplication];"},
-    {"shell/MacOverlayWindows.h", "if (--covers_ > 0 || application_ == nil || !NSApp.active ||"
-                                  "hasWindow()) { return; }"},
+    {"shell/MacOverlayWindows.h", "hadWindow_ = hasWindow();"},
+    {"shell/MacOverlayWindows.h", "hasNewWindow = hasWindow() && !hadWindow_;"
+                                  "if (--covers_ > 0 || application_ == nil || !NSApp.active ||"
+                                  "hasNewWindow) { return; }"},
     {"shell/MacOverlayWindows.h", "if (@available(macOS 14.0, *)) {"
                                   "[NSApp yieldActivationToApplication:application_]; }"
                                   "[application_ activateWithOptions:0];"},

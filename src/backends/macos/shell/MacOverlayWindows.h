@@ -28,10 +28,12 @@ public:
             NSRunningApplication* const front = NSWorkspace.sharedWorkspace.frontmostApplication;
             const bool isOwn = [front isEqual:NSRunningApplication.currentApplication];
             application_ = isOwn ? nil : front;
+            hadWindow_ = hasWindow();
         }
     }
     void coverGoes() {
-        if (--covers_ > 0 || application_ == nil || !NSApp.active || hasWindow()) {
+        const bool hasNewWindow = hasWindow() && !hadWindow_; // which the user wants to see
+        if (--covers_ > 0 || application_ == nil || !NSApp.active || hasNewWindow) {
             return;
         }
         if (@available(macOS 14.0, *)) {
@@ -54,6 +56,7 @@ private:
 
     int covers_ = 0;
     NSRunningApplication* application_ = nil;
+    bool hadWindow_ = false; ///< behind the windows of that program
 };
 
 class MacOverlayWindow final : public OverlayWindow {
