@@ -124,7 +124,8 @@ inline constexpr NativeCall nativeShellCalls[] = {
                               "[window_ makeKeyAndOrderFront:nil];"},
     {"shell/MacAppWindows.h", "[window_ orderFrontRegardless];"},
     {"shell/MacAppWindows.h",
-     "[window_ frameRectForContentRect:NSMakeRect(0, 0, size.width, size.height)];"},
+     "[window_ frameRectForContentRect:NSMakeRect(0, 0, size.width, size.height)];"
+     "if (NSEqualSizes(frame.size, old.size)) { return; }"},
     {"shell/MacAppWindows.h", "NSMakePoint(old.origin.x, NSMaxY(old) - frame.size.height);"},
     {"shell/MacAppWindows.h", "[window_ setFrame:frame display:YES];"},
     {"shell/MacAppWindows.h", "static_assert(AppWindows::titled == NSWindowStyleMaskTitled);"},

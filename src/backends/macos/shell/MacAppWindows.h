@@ -62,13 +62,14 @@ private:
         const NSSize size = content_.fittingSize();
         const NSRect old = window_.frame;
         NSRect frame = [window_ frameRectForContentRect:NSMakeRect(0, 0, size.width, size.height)];
+        if (NSEqualSizes(frame.size, old.size)) {
+            return; // else a window that the user has put partly off the screen would move
+        }
         frame.origin = NSMakePoint(old.origin.x, NSMaxY(old) - frame.size.height);
         if (NSScreen* const screen = window_.screen) { // none while it is not on one
             frame.origin.y = std::max(frame.origin.y, NSMinY(screen.visibleFrame));
         }
-        if (!NSEqualRects(frame, old)) {
-            [window_ setFrame:frame display:YES];
-        }
+        [window_ setFrame:frame display:YES];
     }
 
     HostedView content_;
