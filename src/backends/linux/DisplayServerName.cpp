@@ -7,14 +7,16 @@
 namespace nocta {
 
 std::string xServerName(const std::string& display) {
+    // Newer versions of the library take "unix:" for the beginning of a socket's path.
+    const auto name = display.starts_with("unix:") ? display.substr(4) : display;
     char* text = nullptr;
     int number = 0;
-    if (display.empty() || xcb_parse_display(display.c_str(), &text, &number, nullptr) == 0) {
+    if (name.empty() || xcb_parse_display(name.c_str(), &text, &number, nullptr) == 0) {
         return display;
     }
     const std::string host = text;
     std::free(text);
-    return (host == "unix" ? "" : host) + ":" + std::to_string(number);
+    return host + ":" + std::to_string(number);
 }
 
 std::filesystem::path waylandSocket(const std::filesystem::path& runtimeFolder,

@@ -126,11 +126,22 @@ TEST_P(NoctaProcessTest, OfTwoStartsAtOnceOneRunsAndTheOtherEnds) {
     EXPECT_TRUE(isGivenBack());
 }
 
+bool canConnect(const std::string& display) {
+    auto* const connection = xcb_connect(display.c_str(), nullptr);
+    const auto isConnected = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return isConnected;
+}
+
 TEST_P(NoctaProcessTest, OtherNamesOfTheDisplayMakeNoSecondNocta) {
     startAndWaitFor(0.75);
     auto variables = environment();
-    for (const auto& name :
-         {server.display() + ".0", "unix" + server.display(), "unix" + server.display() + ".0"}) {
+    std::vector<std::string> names{server.display() + ".0"};
+    // A newer libxcb takes "unix:" for the beginning of a socket's path.
+    if (const auto name = "unix" + server.display(); canConnect(name)) {
+        names.insert(names.end(), {name, name + ".0"});
+    }
+    for (const auto& name : names) {
         variables["DISPLAY"] = name;
         EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, variables), 0) << name;
     }
