@@ -15,9 +15,11 @@
 namespace nocta {
 
 /// Nocta's own connection to one of the message buses. A bus that accepts and stays mute counts as
-/// missing until it answers; nobody waits for it but for the moment that a good one needs. The
-/// connection is made when it is first asked for, and made anew when its bus has gone and come
-/// back; the toolkit's own never come back. Both live as long as the process.
+/// missing until it answers; nobody waits for it but for the moment that a good one needs, counted
+/// from the first question. The connection is made when it is first asked for, and made anew when
+/// its bus has gone and come back; the toolkit's own never come back. Both live as long as the
+/// process. A bus that falls silent just after its answer is not guarded against: the D-Bus library
+/// waits for it when it connects.
 class MessageBus {
 public:
     static MessageBus& session();
@@ -51,6 +53,7 @@ private:
     std::string (*environmentAddress_)();
     std::optional<std::string> keptAddress_;
     std::unique_ptr<BusProbe> probe_;
+    std::chrono::steady_clock::time_point askedAt_;
     bool isExpected_ = false; ///< an answer that the event loop will see
     CallbackList<QDBusConnection> observers_;
 };
