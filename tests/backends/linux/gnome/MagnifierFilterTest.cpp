@@ -2,7 +2,9 @@
 
 #include "support/EventLoop.h"
 #include "support/GnomeSettings.h"
+#include "support/NoctaProcess.h"
 
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <optional>
@@ -11,6 +13,10 @@
 
 namespace nocta {
 namespace {
+
+struct Helpers : NoctaProcess {
+    using NoctaProcess::childrenOf;
+};
 
 class MagnifierFilterTest : public ::testing::Test {
 protected:
@@ -127,6 +133,20 @@ TEST_F(MagnifierFilterTest, HelperThatIsHeldUpIsNotWaitedForAndTurnsGrayWhenItCa
     close(folder);
     EXPECT_TRUE(serveUntil([&] { return gnome.isGray(); }));
     filter.reset();
+    EXPECT_TRUE(waitUntil([&] { return gnome.everything() == before; }));
+}
+
+TEST_F(MagnifierFilterTest, HelperThatHangsDoesNotHoldTheEnd) {
+    const auto before = gnome.everything();
+    filter.emplace(stateFile);
+    filter->setOn(true);
+    ASSERT_TRUE(waitUntil([&] { return gnome.isGray(); })); // nobody has read its answer
+    const auto helpers = Helpers::childrenOf(getpid(), "nocta-magnifier");
+    ASSERT_EQ(helpers.size(), 1U);
+    kill(helpers[0], SIGSTOP);
+    filter.reset();
+    EXPECT_TRUE(gnome.isGray());
+    kill(helpers[0], SIGCONT);
     EXPECT_TRUE(waitUntil([&] { return gnome.everything() == before; }));
 }
 
