@@ -172,6 +172,16 @@ TEST_P(NoctaMuteBusTest, TrayWatcherThatAnswersOneQuestionHoldsNothing) {
     }
 }
 
+TEST_P(NoctaMuteBusTest, MuteInputMethodHoldsNothing) {
+    const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
+    variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    variables["QT_IM_MODULE"] = "ibus";
+    variables["IBUS_USE_PORTAL"] = "1";
+    const MuteService service(bus, {"org.freedesktop.portal.IBus"});
+    expectADay();
+    EXPECT_GT(service.questions, 0);
+}
+
 TEST_P(NoctaMuteBusTest, BusThatAnswersLateIsUsedThen) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();

@@ -2,7 +2,11 @@
 
 #include "backends/linux/MessageBus.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
+#include <string>
+#include <string_view>
 
 namespace nocta {
 
@@ -15,8 +19,31 @@ constexpr auto maxWait = 200ms; // a good bus needs less than one
 constexpr auto variable = "DBUS_SESSION_BUS_ADDRESS";
 constexpr auto noBus = "unix:path=/dev/null"; // refuses at once
 
+constexpr auto inputMethodVariable = "QT_IM_MODULE";
+constexpr auto inputMethodsVariable = "QT_IM_MODULES"; // counts more, where the toolkit knows it
+constexpr auto maxInputMethodWait = 100ms;
+constexpr auto inputMethodOfNobody = "compose"; // dead keys alone, without a service
+
 void setAddress(const std::string& address) {
     setenv(variable, address.c_str(), 1);
+}
+
+/// IBus is asked through its portal from within a sandbox, and where the user wishes.
+bool usesInputMethodPortal() {
+    return std::ranges::any_of(
+        std::array{inputMethodVariable, inputMethodsVariable}, [](const char* name) {
+            const auto* const value = std::getenv(name);
+            return value != nullptr &&
+                   std::string_view(value).find("ibus") != std::string_view::npos;
+        });
+}
+
+bool isInputMethodPortalMute(const std::string& bus) {
+    BusProbe portal(bus, {.service = "org.freedesktop.portal.IBus",
+                          .path = "/org/freedesktop/IBus",
+                          .interface = "org.freedesktop.DBus.Introspectable",
+                          .method = "Introspect"});
+    return portal.waitFor(maxInputMethodWait) == BusProbe::State::pending;
 }
 
 } // namespace
@@ -25,7 +52,12 @@ BusGate::BusGate() {
     auto& bus = MessageBus::session();
     bus.keepAddress();
     MessageBus::system().waitFor(0ms); // is asked meanwhile
-    setAddress(bus.waitFor(maxWait) == BusProbe::State::answered ? bus.address() : noBus);
+    const auto hasAnswered = bus.waitFor(maxWait) == BusProbe::State::answered;
+    setAddress(hasAnswered ? bus.address() : noBus);
+    if (hasAnswered && usesInputMethodPortal() && isInputMethodPortalMute(bus.address())) {
+        setenv(inputMethodVariable, inputMethodOfNobody, 1);
+        unsetenv(inputMethodsVariable);
+    }
 }
 
 void BusGate::start() {

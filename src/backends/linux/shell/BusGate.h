@@ -8,7 +8,8 @@ namespace nocta {
 /// makes the application object, the tray icon or a window. A bus that is mute at the start is kept
 /// from it by the environment and given to it when it answers; what the toolkit has looked for
 /// before then it misses until the next start. Nor does the toolkit start a bus where there is
-/// none. To be made before the application object; lives as long as it.
+/// none, or wait for an input method's service that does not answer. To be made before the
+/// application object; lives as long as it.
 class BusGate {
 public:
     BusGate();
