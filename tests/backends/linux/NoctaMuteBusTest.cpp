@@ -8,6 +8,8 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
+#include <QLibraryInfo>
+#include <QVersionNumber>
 
 #include <chrono>
 #include <csignal>
@@ -201,7 +203,11 @@ TEST_P(NoctaMuteBusTest, BusThatAnswersLateIsUsedThen) {
     EXPECT_TRUE(isInTime([&] { return blue() >= 0xE0; }));
     bus.signal(SIGCONT);
     EXPECT_TRUE(isInTime([&] { return blue() <= 0x30; })) << "the user prefers dark windows";
-    EXPECT_TRUE(isInTime([&] { return watcher.hasItem; })) << "there is a tray";
+    // Newer versions of the toolkit look for the bus once, at the start, so the icon comes with the
+    // next start there.
+    if (QLibraryInfo::version() < QVersionNumber(6, 8)) {
+        EXPECT_TRUE(isInTime([&] { return watcher.hasItem; })) << "there is a tray";
+    }
     expectToEndAtOnce();
 }
 
