@@ -1,32 +1,18 @@
 #include "backends/linux/x11/OtherGammaPrograms.h"
 
-#include <xcb/xcb.h>
+#include "backends/linux/DisplayServerName.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstdlib>
 #include <fstream>
 #include <string_view>
-#include <utility>
 
 namespace nocta {
 
 namespace {
 
 constexpr std::array<std::string_view, 2> gammaPrograms = {"redshift", "gammastep"};
-
-/// Host and number of the server, whichever of its screens is meant.
-std::pair<std::string, int> serverOf(const std::string& display) {
-    char* host = nullptr;
-    int number = -1;
-    if (display.empty() || xcb_parse_display(display.c_str(), &host, &number, nullptr) == 0) {
-        return {};
-    }
-    std::string name = host;
-    std::free(host);
-    return {name == "unix" ? "" : name, number};
-}
 
 std::string nameOf(const std::filesystem::path& process) {
     std::string name;
@@ -63,7 +49,7 @@ std::vector<std::string> otherGammaPrograms(const std::string& display,
             continue;
         }
         const auto theirs = displayOf(entry->path());
-        if (!theirs.empty() && serverOf(theirs) == serverOf(display)) {
+        if (!theirs.empty() && xServerName(theirs) == xServerName(display)) {
             found.push_back(name);
         }
     }
