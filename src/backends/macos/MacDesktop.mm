@@ -76,7 +76,7 @@ private:
     UserNotifications userNotificationCenter_{runLoop_};
     SharedUrlSession urlSession_{runLoop_};
     MacUpdater updater_;
-    MacOverlayWindows overlayWindows_;
+    MacOverlayWindows overlayWindows_{runLoop_};
     MacStatusBar statusBar_;
     MacPopover popover_{runLoop_};
     MacAppWindows appWindows_{runLoop_};

@@ -68,26 +68,38 @@ inline constexpr NativeCall nativeShellCalls[] = {
     {"shell/MacOverlayWindows.h", "window_.alphaValue = 0;"},
     {"shell/MacOverlayWindows.h", "~MacOverlayWindow() override { orderOut(); [window_ close]; }"},
     {"shell/MacOverlayWindows.h", "if (!std::exchange(isShown_, true)) {"
-                                  "previousApplication_->coverComes(); }"
+                                  "previousApplication_.coverComes(); }"
                                   "[window_ makeKeyAndOrderFront:nil];"},
     {"shell/MacOverlayWindows.h", "[window_ orderOut:nil]; if (std::exchange(isShown_, false)) {"
-                                  "previousApplication_->coverGoes(); }"},
-    {"shell/MacOverlayWindows.h", "NSWorkspace.sharedWorkspace.frontmostApplication;"},
-    {"shell/MacOverlayWindows.h", "[front isEqual:NSRunningApplication.currentApplication];"},
-    {"shell/MacOverlayWindows.h", "hadWindow_ = hasWindow();"},
-    {"shell/MacOverlayWindows.h", "hasNewWindow = hasWindow() && !hadWindow_;"
-                                  "if (--covers_ > 0 || application_ == nil || !NSApp.active ||"
-                                  "hasNewWindow) { return; }"},
-    {"shell/MacOverlayWindows.h", "if (@available(macOS 14.0, *)) {"
-                                  "[NSApp yieldActivationToApplication:application_]; }"
-                                  "[application_ activateWithOptions:0];"},
-    {"shell/MacOverlayWindows.h", "for (NSWindow* window in NSApp.windows) {"
-                                  "if (window.visible && window.canBecomeMainWindow) {"},
+                                  "previousApplication_.coverGoes(); }"},
     {"shell/MacOverlayWindows.h",
      "[NSAnimationContext runAnimationGroup:^(NSAnimationContext* context) {"
      "context.duration = std::chrono::duration<double>(duration).count();"
      "context.timingFunction = [CAMediaTimingFunction functionWithName:name];"
      "window.animator.alphaValue = target; } completionHandler:^{"},
+    {"shell/PreviousApplication.h", "remember(NSWorkspace.sharedWorkspace.frontmostApplication);"},
+    {"shell/PreviousApplication.h",
+     "if (![application isEqual:NSRunningApplication.currentApplication]) {"
+     "application_ = application; }"},
+    {"shell/PreviousApplication.h",
+     "if (covers_++ == 0) { windowMayKeepKeyboard_ = NSApp.active || !hasWindow(); }"},
+    {"shell/PreviousApplication.h",
+     "if (--covers_ == 0 && !(windowMayKeepKeyboard_ && hasWindow())) { activate(); }"},
+    {"shell/PreviousApplication.h", "if (covers_ == 0 && !hasWindow()) { activate(); }"},
+    {"shell/PreviousApplication.h", "if (!NSApp.active || application_ == nil) { return; }"
+                                    "if (@available(macOS 14.0, *)) {"
+                                    "[NSApp yieldActivationToApplication:application_]; }"
+                                    "[application_ activateWithOptions:0];"},
+    {"shell/PreviousApplication.h", "for (NSWindow* window in NSApp.windows) {"
+                                    "if (window.visible && window.canBecomeMainWindow) {"},
+    {"shell/PreviousApplication.h",
+     "observe(NSWorkspace.sharedWorkspace.notificationCenter,"
+     "NSWorkspaceDidActivateApplicationNotification, nil, ^(NSNotification* notification) {"
+     "remember(notification.userInfo[NSWorkspaceApplicationKey]); });"},
+    {"shell/PreviousApplication.h",
+     "observe(NSNotificationCenter.defaultCenter, NSWindowWillCloseNotification, nil,"
+     "^(NSNotification*) { windowClosed_.request(); });"},
+
     {"shell/MacOverlayWindows.h", "curve == TimingFunction::easeIn ? kCAMediaTimingFunctionEaseIn"
                                   ": kCAMediaTimingFunctionEaseInEaseOut;"},
     {"shell/MacOverlayWindows.h", "for (NSScreen* screen in NSScreen.screens) {"},

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "backends/macos/shell/HostedView.h"
+#include "backends/macos/shell/PreviousApplication.h"
 #include "base/Typing.h"
 #include "platform/OverlayWindows.h"
 
@@ -19,52 +20,11 @@
 
 namespace nocta {
 
-/// The program that had the keyboard before the covers came. A program that is not in the Dock
-/// stays active when its last window goes, so the keyboard is given back here.
-class PreviousApplication {
-public:
-    void coverComes() {
-        if (covers_++ == 0) {
-            NSRunningApplication* const front = NSWorkspace.sharedWorkspace.frontmostApplication;
-            const bool isOwn = [front isEqual:NSRunningApplication.currentApplication];
-            application_ = isOwn ? nil : front;
-            hadWindow_ = hasWindow();
-        }
-    }
-    void coverGoes() {
-        const bool hasNewWindow = hasWindow() && !hadWindow_; // which the user wants to see
-        if (--covers_ > 0 || application_ == nil || !NSApp.active || hasNewWindow) {
-            return;
-        }
-        if (@available(macOS 14.0, *)) {
-            [NSApp yieldActivationToApplication:application_];
-        }
-        [application_ activateWithOptions:0];
-        application_ = nil;
-    }
-
-private:
-    /// One that the user works in: no cover, popover or status item.
-    static bool hasWindow() {
-        for (NSWindow* window in NSApp.windows) {
-            if (window.visible && window.canBecomeMainWindow) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    int covers_ = 0;
-    NSRunningApplication* application_ = nil;
-    bool hadWindow_ = false; ///< behind the windows of that program
-};
-
 class MacOverlayWindow final : public OverlayWindow {
 public:
     MacOverlayWindow(const Rect& frame, const OverlayWindows::Style& style,
-                     std::unique_ptr<View> content,
-                     std::shared_ptr<PreviousApplication> previousApplication)
-        : previousApplication_(std::move(previousApplication)),
+                     std::unique_ptr<View> content, PreviousApplication& previousApplication)
+        : previousApplication_(previousApplication),
           content_(std::move(content), NSZeroSize, HostedView::Kind::clear),
           window_([[HostingOverlayWindow alloc]
               initWithContentRect:NSMakeRect(frame.x, frame.y, frame.width, frame.height)
@@ -90,7 +50,7 @@ public:
 
     void makeKeyAndOrderFront() override {
         if (!std::exchange(isShown_, true)) {
-            previousApplication_->coverComes();
+            previousApplication_.coverComes();
         }
         [window_ makeKeyAndOrderFront:nil];
         content_.makeFirstResponder();
@@ -98,7 +58,7 @@ public:
     void orderOut() override {
         [window_ orderOut:nil];
         if (std::exchange(isShown_, false)) {
-            previousApplication_->coverGoes();
+            previousApplication_.coverGoes();
         }
     }
 
@@ -124,7 +84,7 @@ public:
     }
 
 private:
-    std::shared_ptr<PreviousApplication> previousApplication_;
+    PreviousApplication& previousApplication_;
     bool isShown_ = false;
     HostedView content_;
     HostingOverlayWindow* window_;
@@ -133,6 +93,8 @@ private:
 
 class MacOverlayWindows final : public OverlayWindows {
 public:
+    explicit MacOverlayWindows(RunLoop& runLoop) : previousApplication_(runLoop) {}
+
     /// Their frames are in AppKit's coordinates, in which windows are placed.
     std::vector<Screen> screens() override {
         std::vector<Screen> screens;
@@ -176,8 +138,7 @@ public:
     }
 
 private:
-    std::shared_ptr<PreviousApplication> previousApplication_ =
-        std::make_shared<PreviousApplication>();
+    PreviousApplication previousApplication_;
 
     static MonotonicTime uptime(NSTimeInterval seconds) {
         return MonotonicTime(

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "backends/macos/Observation.h"
+#include "base/Deferred.h"
+#include "base/Subscription.h"
+
+#import <AppKit/AppKit.h>
+
+namespace nocta {
+
+/// The program that the user worked in before Nocta. AppKit leaves a program that is not in the
+/// Dock active when its last window goes, and then keys go nowhere; so the keyboard is given back
+/// here, after a break and after the last window has closed.
+class PreviousApplication {
+public:
+    explicit PreviousApplication(RunLoop& runLoop)
+        : windowClosed_(runLoop, [this] {
+              if (covers_ == 0 && !hasWindow()) {
+                  activate();
+              }
+          }) {
+        remember(NSWorkspace.sharedWorkspace.frontmostApplication);
+    }
+    PreviousApplication(const PreviousApplication&) = delete;
+    PreviousApplication& operator=(const PreviousApplication&) = delete;
+
+    /// To be called before the cover takes the keyboard.
+    void coverComes() {
+        if (covers_++ == 0) {
+            windowMayKeepKeyboard_ = NSApp.active || !hasWindow();
+        }
+    }
+
+    /// To be called when the cover is no longer on screen.
+    void coverGoes() {
+        if (--covers_ == 0 && !(windowMayKeepKeyboard_ && hasWindow())) {
+            activate();
+        }
+    }
+
+private:
+    /// One that the user works in: no cover, popover or status item.
+    static bool hasWindow() {
+        for (NSWindow* window in NSApp.windows) {
+            if (window.visible && window.canBecomeMainWindow) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void remember(NSRunningApplication* application) {
+        if (![application isEqual:NSRunningApplication.currentApplication]) {
+            application_ = application;
+        }
+    }
+
+    void activate() {
+        if (!NSApp.active || application_ == nil) {
+            return;
+        }
+        if (@available(macOS 14.0, *)) {
+            [NSApp yieldActivationToApplication:application_];
+        }
+        [application_ activateWithOptions:0];
+    }
+
+    NSRunningApplication* application_ = nil;
+    int covers_ = 0;
+    /// After the break. A window that was open behind another program must not take it.
+    bool windowMayKeepKeyboard_ = false;
+    Deferred windowClosed_; ///< later, as a window that will close is still visible
+    Subscription didActivate_ = observe(
+        NSWorkspace.sharedWorkspace.notificationCenter,
+        NSWorkspaceDidActivateApplicationNotification, nil, ^(NSNotification* notification) {
+          remember(notification.userInfo[NSWorkspaceApplicationKey]);
+        });
+    Subscription willClose_ =
+        observe(NSNotificationCenter.defaultCenter, NSWindowWillCloseNotification, nil,
+                ^(NSNotification* /*notification*/) {
+                  windowClosed_.request();
+                });
+};
+
+} // namespace nocta
