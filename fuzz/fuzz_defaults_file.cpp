@@ -1,8 +1,8 @@
 // The settings file as somebody else, or a crash, may have left it.
 
 #include "Expect.h"
-#include "backends/linux/IniDefaultsStore.h"
-#include "backends/linux/IniDocument.h"
+#include "backends/linux/files/IniDefaultsStore.h"
+#include "backends/linux/files/IniDocument.h"
 
 #include <algorithm>
 #include <cstddef>

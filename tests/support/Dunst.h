@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backends/linux/MessageBus.h"
+#include "backends/linux/bus/MessageBus.h"
 #include "support/EventLoop.h"
 #include "support/Process.h"
 #include "support/XServer.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "backends/linux/GrayscaleFilter.h"
-#include "backends/linux/HelperProcess.h"
+#include "backends/linux/process/HelperProcess.h"
 
 #include <filesystem>
 

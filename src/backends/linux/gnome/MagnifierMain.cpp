@@ -3,10 +3,10 @@
 // argument is the file in which it notes the user's settings while they are not in force. Whoever
 // finds that file at its start has not seen the end of an earlier helper, and puts them back first.
 
-#include "backends/linux/FileDescriptor.h"
-#include "backends/linux/HelperProtocol.h"
-#include "backends/linux/PrivateFolder.h"
+#include "backends/linux/files/FileDescriptor.h"
+#include "backends/linux/files/PrivateFolder.h"
 #include "backends/linux/gnome/MagnifierProtocol.h"
+#include "backends/linux/process/HelperProtocol.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #include "backends/linux/location/GeoClueClient.h"
 
-#include "backends/linux/AsyncCall.h"
-#include "backends/linux/MessageBus.h"
-#include "backends/linux/NameOwner.h"
+#include "backends/linux/bus/AsyncCall.h"
+#include "backends/linux/bus/MessageBus.h"
+#include "backends/linux/bus/NameOwner.h"
 
 #include <QDBusError>
 #include <QDBusObjectPath>

@@ -1,6 +1,6 @@
 #include "backends/linux/location/GeoClueLocationManager.h"
 
-#include "backends/linux/PrivateFolder.h"
+#include "backends/linux/files/PrivateFolder.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,7 +1,7 @@
 #include "backends/linux/network/CurlUrlSession.h"
 
-#include "backends/linux/HelperProcess.h"
 #include "backends/linux/network/FetchProtocol.h"
+#include "backends/linux/process/HelperProcess.h"
 #include "base/Deferred.h"
 #include "base/Timer.h"
 

@@ -1,8 +1,8 @@
 // nocta-fetch: loads one address for Nocta and ends. Whatever a server sends is first met here,
 // in a process that has nothing to lose; the program reads it as fast as it can deal with it.
 
-#include "backends/linux/HelperProtocol.h"
 #include "backends/linux/network/FetchProtocol.h"
+#include "backends/linux/process/HelperProtocol.h"
 
 #include <nlohmann/json.hpp>
 

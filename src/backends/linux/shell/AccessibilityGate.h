@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backends/linux/BusProbe.h"
+#include "backends/linux/bus/BusProbe.h"
 #include "base/Subscription.h"
 
 #include <chrono>

@@ -1,6 +1,6 @@
 #include "backends/linux/shell/BusGate.h"
 
-#include "backends/linux/MessageBus.h"
+#include "backends/linux/bus/MessageBus.h"
 
 #include <algorithm>
 #include <array>

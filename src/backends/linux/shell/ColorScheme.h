@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backends/linux/PortalSettings.h"
+#include "backends/linux/bus/PortalSettings.h"
 
 #include <QObject>
 

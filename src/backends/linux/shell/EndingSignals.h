@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backends/linux/FileDescriptor.h"
+#include "backends/linux/files/FileDescriptor.h"
 
 #include <QSocketNotifier>
 

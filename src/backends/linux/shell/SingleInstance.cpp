@@ -1,6 +1,6 @@
 #include "backends/linux/shell/SingleInstance.h"
 
-#include "backends/linux/PrivateFolder.h"
+#include "backends/linux/files/PrivateFolder.h"
 
 #include <array>
 #include <cerrno>

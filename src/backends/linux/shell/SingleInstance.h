@@ -1,7 +1,7 @@
 #pragma once
 
-#include "backends/linux/FileDescriptor.h"
-#include "backends/linux/FileLock.h"
+#include "backends/linux/files/FileDescriptor.h"
+#include "backends/linux/files/FileLock.h"
 
 #include <QSocketNotifier>
 

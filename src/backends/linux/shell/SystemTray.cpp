@@ -1,7 +1,7 @@
 #include "backends/linux/shell/SystemTray.h"
 
-#include "backends/linux/AsyncCall.h"
-#include "backends/linux/MessageBus.h"
+#include "backends/linux/bus/AsyncCall.h"
+#include "backends/linux/bus/MessageBus.h"
 
 #include <QDBusError>
 #include <QDBusPendingReply>

@@ -1,6 +1,6 @@
 #include "backends/linux/updates/UpdateFile.h"
 
-#include "backends/linux/PrivateFolder.h"
+#include "backends/linux/files/PrivateFolder.h"
 
 #include <system_error>
 

@@ -1,7 +1,7 @@
 #include "backends/linux/updates/UpdaterMemory.h"
 
-#include "backends/linux/FileContent.h"
-#include "backends/linux/PrivateFolder.h"
+#include "backends/linux/files/FileContent.h"
+#include "backends/linux/files/PrivateFolder.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backends/linux/HelperProcess.h"
+#include "backends/linux/process/HelperProcess.h"
 #include "backends/linux/x11/X11Connection.h"
 #include "base/CallbackList.h"
 #include "base/Timer.h"

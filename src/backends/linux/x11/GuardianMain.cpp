@@ -3,7 +3,7 @@
 // `GuardianProtocol.h` on its standard input. It keeps no more than one connection to the X server,
 // so that it costs a few hundred kilobytes.
 
-#include "backends/linux/HelperProtocol.h"
+#include "backends/linux/process/HelperProtocol.h"
 #include "backends/linux/x11/ColorMatrices.h"
 #include "backends/linux/x11/FactoryRamps.h"
 #include "backends/linux/x11/GuardianProtocol.h"

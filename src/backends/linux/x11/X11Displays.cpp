@@ -1,6 +1,6 @@
 #include "backends/linux/x11/X11Displays.h"
 
-#include "backends/linux/ConnectorName.h"
+#include "backends/linux/backlight/ConnectorName.h"
 
 #include <algorithm>
 #include <cstring>

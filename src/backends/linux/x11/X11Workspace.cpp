@@ -1,7 +1,7 @@
 #include "backends/linux/x11/X11Workspace.h"
 
-#include "backends/linux/FlatpakInfo.h"
-#include "backends/linux/x11/ApplicationIdentity.h"
+#include "backends/linux/applications/ApplicationIdentity.h"
+#include "backends/linux/applications/FlatpakInfo.h"
 #include "backends/linux/x11/WindowProperty.h"
 
 #include <xcb/res.h>

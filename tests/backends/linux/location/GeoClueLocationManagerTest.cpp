@@ -1,6 +1,6 @@
 #include "backends/linux/location/GeoClueLocationManager.h"
 
-#include "backends/linux/MessageBus.h"
+#include "backends/linux/bus/MessageBus.h"
 #include "backends/virtual/VirtualRunLoop.h"
 #include "support/GeoClue.h"
 

@@ -1,0 +1,61 @@
+#include "backends/linux/applications/FlatpakInfo.h"
+
+#include "backends/linux/files/FileDescriptor.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace nocta {
+
+namespace {
+
+// The group that names the application comes first.
+constexpr std::size_t readLength = 4096;
+constexpr std::size_t longestId = 255;
+
+constexpr std::string_view group = "[Application]";
+constexpr std::string_view key = "name=";
+
+bool isId(std::string_view text) {
+    return !text.empty() && text.size() <= longestId && std::ranges::all_of(text, [](char letter) {
+        return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '.' ||
+               letter == '_' || letter == '-';
+    });
+}
+
+std::string nameIn(std::string_view text) {
+    bool isInGroup = false;
+    while (!text.empty()) {
+        const auto line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(text.size(), line.size() + 1));
+        if (line.starts_with('[')) {
+            isInGroup = line == group;
+        } else if (isInGroup && line.starts_with(key)) {
+            const auto name = line.substr(key.size());
+            return std::string(isId(name) ? name : std::string_view());
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+std::string flatpakId(const std::filesystem::path& root) {
+    const auto path = root / ".flatpak-info";
+    const FileDescriptor file(
+        open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
+    struct stat status {};
+    if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return {};
+    }
+    std::array<char, readLength> text{};
+    const auto length = read(file.get(), text.data(), text.size());
+    return length <= 0 ? std::string() : nameIn({text.data(), static_cast<std::size_t>(length)});
+}
+
+} // namespace nocta

@@ -1,0 +1,78 @@
+#include "backends/linux/bus/MessageBus.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto usualAnswerTime = 150ms; // on a busy machine; an idle one needs less than one
+
+} // namespace
+
+MessageBus& MessageBus::session() {
+    static auto& bus = *new MessageBus(QStringLiteral("nocta-session"), sessionBusAddress);
+    return bus;
+}
+
+MessageBus& MessageBus::system() {
+    static auto& bus = *new MessageBus(QStringLiteral("nocta-system"), systemBusAddress);
+    return bus;
+}
+
+MessageBus::MessageBus(QString name, std::string (*environmentAddress)())
+    : name_(std::move(name)), environmentAddress_(environmentAddress) {}
+
+BusProbe::State MessageBus::waitFor(std::chrono::milliseconds time) {
+    if (probe_ == nullptr) {
+        probe_ = std::make_unique<BusProbe>(address());
+        askedAt_ = std::chrono::steady_clock::now();
+    }
+    return probe_->waitFor(time);
+}
+
+QDBusConnection MessageBus::connection() {
+    if (const QDBusConnection known(name_); known.isConnected()) {
+        return known;
+    }
+    QDBusConnection::disconnectFromBus(name_);
+    if (!isExpected_) {
+        waitFor(0ms); // asks it, unless it was asked before
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+            askedAt_ + usualAnswerTime - std::chrono::steady_clock::now());
+        isExpected_ = waitFor(std::max(left, 0ms)) == BusProbe::State::pending;
+        if (isExpected_) {
+            probe_->whenDone([this] {
+                isExpected_ = false;
+                settle();
+            });
+        } else {
+            settle();
+        }
+    }
+    return QDBusConnection(name_);
+}
+
+Subscription MessageBus::whenConnected(std::function<void(const QDBusConnection&)> callback) {
+    if (const auto bus = connection(); bus.isConnected()) {
+        callback(bus);
+    }
+    return observers_.add(std::move(callback));
+}
+
+/// Connects to a bus that has just answered. The next question after a failure probes anew.
+void MessageBus::settle() {
+    const auto probe = std::exchange(probe_, nullptr);
+    if (probe->state() != BusProbe::State::answered) {
+        return;
+    }
+    const auto bus = QDBusConnection::connectToBus(QString::fromStdString(probe->address()), name_);
+    if (bus.isConnected()) {
+        observers_.call(bus);
+    }
+}
+
+} // namespace nocta

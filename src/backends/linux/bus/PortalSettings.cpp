@@ -1,0 +1,49 @@
+#include "backends/linux/bus/PortalSettings.h"
+
+#include "backends/linux/bus/AsyncCall.h"
+#include "backends/linux/bus/MessageBus.h"
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+
+#include <utility>
+
+namespace nocta {
+
+namespace {
+const auto service = QStringLiteral("org.freedesktop.portal.Desktop");
+const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
+const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
+} // namespace
+
+PortalSettings::PortalSettings(QStringList namespaces, std::function<void(Settings)> told)
+    : namespaces_(std::move(namespaces)), told_(std::move(told)) {
+    read_.setSingleShot(true);
+    QObject::connect(&read_, &QTimer::timeout, [this] { read(); });
+    portal_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
+    portal_.addWatchedService(service);
+    QObject::connect(&portal_, &QDBusServiceWatcher::serviceRegistered, [this] { read_.start(); });
+    sessionBus_ =
+        MessageBus::session().whenConnected([this](const QDBusConnection& bus) { follow(bus); });
+}
+
+void PortalSettings::follow(QDBusConnection bus) {
+    portal_.setConnection(bus);
+    bus.connect(service, path, interface, QStringLiteral("SettingChanged"), &read_, SLOT(start()));
+    read();
+}
+
+void PortalSettings::read() {
+    auto call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
+    call << namespaces_;
+    callAsync(sessionBus(), call, &read_, [this](const QDBusMessage& reply) {
+        if (reply.signature() != QStringLiteral("a{sa{sv}}")) {
+            return; // an error, or nonsense
+        }
+        Settings settings;
+        qvariant_cast<QDBusArgument>(reply.arguments().constFirst()) >> settings;
+        told_(std::move(settings));
+    });
+}
+
+} // namespace nocta

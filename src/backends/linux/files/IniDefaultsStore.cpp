@@ -1,0 +1,222 @@
+#include "backends/linux/files/IniDefaultsStore.h"
+
+#include "backends/linux/files/FileContent.h"
+#include "backends/linux/files/FileDescriptor.h"
+#include "backends/linux/files/FileLock.h"
+#include "backends/linux/files/PrivateFolder.h"
+
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <iostream>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace nocta {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Far above what sixteen settings and their neighbors can need.
+constexpr std::size_t maxFileSize = 1 << 20; // bytes
+
+/// In the name of a temporary file, before the number of the process that writes it.
+constexpr auto temporaryMark = ".new-";
+
+bool writeAll(int file, std::string_view text) {
+    while (!text.empty()) {
+        const auto length = ::write(file, text.data(), text.size());
+        if (length < 0) {
+            return false;
+        }
+        text.remove_prefix(static_cast<std::size_t>(length));
+    }
+    return true;
+}
+
+/// Whether this is a temporary file of our own whose writer has gone. `prefix` begins its name; the
+/// number of the writer and six characters follow.
+bool isLeftTemporary(const std::filesystem::path& path, std::string_view prefix) {
+    const auto name = path.filename().string();
+    pid_t writer = 0;
+    if (!name.starts_with(prefix)) {
+        return false;
+    }
+    const auto* const end = name.data() + name.size();
+    const auto number = std::from_chars(name.data() + prefix.size(), end, writer);
+    struct stat status {};
+    return number.ec == std::errc() && writer > 0 && end - number.ptr == 7 && *number.ptr == '-' &&
+           lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+           status.st_uid == geteuid() && kill(writer, 0) != 0 && errno == ESRCH;
+}
+
+} // namespace
+
+/// What the file holds now.
+struct IniDefaultsStore::Content {
+    IniDocument document;
+    bool isMissing = false;
+    bool isDamaged = false;
+};
+
+IniDefaultsStore::IniDefaultsStore(std::filesystem::path file,
+                                   std::chrono::milliseconds lockTimeout)
+    : file_(std::move(file)), lockTimeout_(lockTimeout) {
+    // A settings file that is a link stays one: its target is what is replaced.
+    std::error_code error;
+    if (auto target = std::filesystem::canonical(file_, error); !error) {
+        file_ = std::move(target);
+    } else if (const auto missing = std::filesystem::read_symlink(file_, error); !error) {
+        file_ = file_.parent_path() / missing;
+    }
+    removeLeftTemporaries();
+    document_ = read().document;
+    for (const auto& [key, value] : document_.values()) {
+        table_.set(key, value);
+    }
+}
+
+/// Says once that a file is damaged.
+IniDefaultsStore::Content IniDefaultsStore::read() {
+    std::string text;
+    const auto error = readFile(file_, maxFileSize, text);
+    Content content{.document = IniDocument::parse(text)};
+    content.isMissing = error == ENOENT || error == ENOTDIR;
+    content.isDamaged = !content.isMissing && (error != 0 || !content.document.isWellFormed());
+    if (!std::exchange(mustMoveAside_, content.isDamaged) && content.isDamaged) {
+        const auto* const reason = error != 0 ? std::strerror(error) : "it is not an INI file";
+        std::cerr << "nocta: cannot read all of " << file_.string() << " (" << reason
+                  << "); it will be moved aside" << std::endl;
+    }
+    return content;
+}
+
+std::filesystem::path IniDefaultsStore::lockFile() const {
+    return file_.string() + ".lock";
+}
+
+/// Removes what killed writers left, but not while somebody writes: in a sandbox the number of a
+/// writer outside of it can look like that of nobody.
+void IniDefaultsStore::removeLeftTemporaries() const {
+    std::vector<std::filesystem::path> left;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(file_.parent_path(), error), end;
+         !error && entry != end; entry.increment(error)) {
+        if (isLeftTemporary(entry->path(), file_.filename().string() + temporaryMark)) {
+            left.push_back(entry->path());
+        }
+    }
+    if (left.empty()) {
+        return;
+    }
+    if (const FileLock lock(lockFile()); lock.acquire(lockTimeout_)) {
+        for (const auto& temporary : left) {
+            unlink(temporary.c_str());
+        }
+    }
+}
+
+void IniDefaultsStore::set(DefaultsValue value, std::string_view key) {
+    changes_.insert_or_assign(std::string(key), value);
+    table_.set(key, std::move(value));
+    write();
+}
+
+void IniDefaultsStore::removeObjectForKey(std::string_view key) {
+    if (!table_.stored().contains(key) && !read().document.values().contains(key)) {
+        return;
+    }
+    changes_.insert_or_assign(std::string(key), std::nullopt);
+    table_.remove(key);
+    write();
+}
+
+void IniDefaultsStore::synchronize() {
+    if (!changes_.empty()) {
+        write();
+    }
+    // The content, and the folder, which holds the name. What cannot do that has done what it can.
+    for (const auto& path : {file_, file_.parent_path()}) {
+        if (const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+            file) {
+            fsync(file.get());
+        }
+    }
+}
+
+void IniDefaultsStore::write() {
+    createPrivateFolders(file_.parent_path()); // what matters shows when the file is opened
+    // Without the lock the file is as complete, as it is replaced in one step. Only what another
+    // process writes between the reading and that step is lost, until it sets the key again. One
+    // that was stopped while it held the lock is waited for once.
+    const FileLock lock(lockFile());
+    isLockFree_ = lock.acquire(isLockFree_ ? lockTimeout_ : 0ms);
+    // Where the file is missing or damaged, what this process knows is written.
+    if (auto content = read(); !content.isMissing && !content.isDamaged) {
+        document_ = std::move(content.document);
+    }
+    for (const auto& [key, value] : changes_) {
+        if (value) {
+            document_.set(key, *value);
+        } else {
+            document_.remove(key);
+        }
+    }
+    if (replaceFile()) {
+        changes_.clear();
+        mustMoveAside_ = false;
+    } else if (!std::exchange(failureIsSaid_, true)) {
+        std::cerr << "nocta: cannot write " << file_.string() << " (" << std::strerror(errno)
+                  << "); settings last until Nocta ends" << std::endl;
+    }
+}
+
+/// Writes a new file, which nobody else can have opened or linked, and puts it in place.
+bool IniDefaultsStore::replaceFile() const {
+    auto temporary = file_.string() + temporaryMark + std::to_string(getpid()) + "-XXXXXX";
+    const FileDescriptor output(mkostemp(temporary.data(), O_CLOEXEC));
+    if (!output) {
+        return false;
+    }
+    const auto isReplaced = writeAll(output.get(), document_.text()) && putInPlace(temporary);
+    if (!isReplaced) {
+        const auto reason = errno;
+        unlink(temporary.c_str());
+        errno = reason;
+    }
+    return isReplaced;
+}
+
+/// Puts the finished file in its place; a damaged one is kept under another name.
+bool IniDefaultsStore::putInPlace(const std::string& temporary) const {
+    if (!mustMoveAside_) {
+        return ::rename(temporary.c_str(), file_.c_str()) == 0;
+    }
+    const auto aside = [&](int number) {
+        return file_.string() + (number == 1 ? ".damaged" : ".damaged-" + std::to_string(number));
+    };
+    int number = 1;
+    while (renameat2(AT_FDCWD, file_.c_str(), AT_FDCWD, aside(number).c_str(), RENAME_NOREPLACE) !=
+           0) {
+        if (errno != EEXIST) {
+            return false;
+        }
+        ++number;
+    }
+    if (::rename(temporary.c_str(), file_.c_str()) != 0) {
+        ::rename(aside(number).c_str(), file_.c_str());
+        return false;
+    }
+    return true;
+}
+
+} // namespace nocta

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "backends/linux/files/IniDocument.h"
+#include "platform/DefaultsStore.h"
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace nocta {
+
+/// The defaults store as an INI file. Every change replaces the file atomically, so a process
+/// killed at any moment leaves a complete earlier or later state; `synchronize` waits until it is
+/// on the disk.
+///
+/// A file that cannot be read as INI is moved aside with the first write, under a name that is not
+/// taken yet; what could be read of it counts. Where the file cannot be written the values in
+/// memory go on; one line on standard error says so, once.
+///
+/// The values in memory are those of the start and this process's own changes. What another
+/// process writes to the file meanwhile counts at the next start: a write changes only the keys
+/// that this process has set or removed since its last one, so that of each key the last writer
+/// wins. Writers take turns by a lock beside the file.
+class IniDefaultsStore final : public DefaultsStore {
+public:
+    /// How long a write waits for another one. It takes less than a millisecond; one that was
+    /// stopped must not hold the run loop.
+    static constexpr auto maxLockWait = std::chrono::milliseconds(50);
+
+    explicit IniDefaultsStore(std::filesystem::path file,
+                              std::chrono::milliseconds lockTimeout = maxLockWait);
+
+    void registerDefaults(const DefaultsMap& defaults) override {
+        table_.registerDefaults(defaults);
+    }
+    double doubleForKey(std::string_view key) const override { return table_.doubleForKey(key); }
+    bool boolForKey(std::string_view key) const override { return table_.boolForKey(key); }
+    std::int64_t integerForKey(std::string_view key) const override {
+        return table_.integerForKey(key);
+    }
+    std::optional<std::string> stringForKey(std::string_view key) const override {
+        return table_.stringForKey(key);
+    }
+    std::optional<DefaultsData> dataForKey(std::string_view key) const override {
+        return table_.dataForKey(key);
+    }
+    void setDouble(double value, std::string_view key) override { set(value, key); }
+    void setBool(bool value, std::string_view key) override { set(value, key); }
+    void setInteger(std::int64_t value, std::string_view key) override { set(value, key); }
+    void setObject(std::string_view value, std::string_view key) override {
+        set(std::string(value), key);
+    }
+    void setObject(DefaultsData value, std::string_view key) override {
+        set(std::move(value), key);
+    }
+    void removeObjectForKey(std::string_view key) override;
+    void synchronize() override;
+
+private:
+    struct Content;
+
+    Content read();
+    std::filesystem::path lockFile() const;
+    void removeLeftTemporaries() const;
+    void set(DefaultsValue value, std::string_view key);
+    void write();
+    bool replaceFile() const;
+    bool putInPlace(const std::string& temporary) const;
+
+    std::filesystem::path file_;
+    DefaultsTable table_;
+    IniDocument document_; ///< the file as this process last read or wrote it
+    std::map<std::string, std::optional<DefaultsValue>, std::less<>> changes_; ///< not written yet
+    std::chrono::milliseconds lockTimeout_;
+    bool isLockFree_ = true; ///< false once a write has waited in vain
+    bool mustMoveAside_ = false;
+    bool failureIsSaid_ = false;
+};
+
+} // namespace nocta

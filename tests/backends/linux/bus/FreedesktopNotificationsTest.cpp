@@ -1,0 +1,402 @@
+#include "backends/linux/bus/FreedesktopNotifications.h"
+
+#include "backends/linux/bus/MessageBus.h"
+#include "support/Dunst.h"
+#include "support/EventLoop.h"
+#include "support/PrivateBus.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QVariantMap>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace nocta {
+namespace {
+
+const auto serviceName = QStringLiteral("org.freedesktop.Notifications");
+
+QDBusMessage signalOf(const QString& name) {
+    return QDBusMessage::createSignal("/org/freedesktop/Notifications", serviceName, name);
+}
+
+/// The notification service as the test wants it: it notes every call, and answers some, or none.
+class MockService final : public QDBusVirtualObject {
+public:
+    explicit MockService(const PrivateBus& bus)
+        : bus_(QDBusConnection::connectToBus(QString::fromStdString(bus.address()),
+                                             "mock-notifications")) {
+        EXPECT_TRUE(bus_.registerVirtualObject("/org/freedesktop/Notifications", this));
+        EXPECT_TRUE(bus_.registerService(serviceName));
+    }
+    MockService(const MockService&) = delete;
+    MockService& operator=(const MockService&) = delete;
+    ~MockService() override { QDBusConnection::disconnectFromBus("mock-notifications"); }
+
+    QVariant capabilities = QStringList{"actions", "body"};
+    bool answers = true;
+    bool answersNotify = true;
+    unsigned int nextId = 1;
+    int questions = 0; ///< for the capabilities
+    std::vector<QVariantList> shown;
+
+    void invoke(unsigned int id, const QString& action) {
+        bus_.send(signalOf("ActionInvoked") << id << action);
+    }
+    void close(unsigned int id) { bus_.send(signalOf("NotificationClosed") << id << 1U); }
+    void answerNotify() { bus_.send(waiting_.createReply(nextId)); }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        if (message.member() == "Settle") {
+            return bus.send(message.createReply());
+        }
+        if (message.member() == "GetCapabilities") {
+            ++questions;
+            return !answers || bus.send(message.createReply(capabilities));
+        }
+        EXPECT_EQ(message.member(), "Notify");
+        EXPECT_EQ(message.signature(), "susssasa{sv}i");
+        shown.push_back(message.arguments());
+        waiting_ = message;
+        return !answersNotify || bus.send(message.createReply(nextId++));
+    }
+    QString introspect(const QString& /*path*/) const override { return {}; }
+
+private:
+    QDBusConnection bus_;
+    QDBusMessage waiting_;
+};
+
+class FreedesktopNotificationsTest : public ::testing::Test, public UserNotificationCenterDelegate {
+protected:
+    using Answer = std::pair<bool, std::optional<std::string>>;
+
+    std::optional<PrivateBus> bus{"DBUS_SESSION_BUS_ADDRESS"};
+    std::optional<MockService> service;
+    std::optional<FreedesktopNotifications> center;
+    std::uint32_t presentation = notificationBanner | notificationSound;
+    std::vector<std::string> responses;
+    std::vector<Answer> answers;
+    const UserNotification reminder{
+        .title = "Time to rest", .body = "Tea & <b>biscuits</b>", .categoryIdentifier = "REST"};
+
+    void SetUp() override { service.emplace(*bus); }
+
+    void makeCenter() {
+        center.emplace();
+        center->setDelegate(this);
+        center->setNotificationCategories(
+            {{.identifier = "OTHER", .actions = {{"NO", "No"}}},
+             {.identifier = "REST",
+              .actions = {{"LEAVE_OUT", "Leave out"}, {"LATER", "In 5 minutes"}}}});
+    }
+    void request() {
+        center->requestAuthorization(notificationAlert,
+                                     [this](bool granted, const std::optional<std::string>& error) {
+                                         answers.emplace_back(granted, error);
+                                     });
+    }
+    /// Shows the reminder, and waits until the service has its number for it told.
+    void show() {
+        const auto before = service->shown.size();
+        center->add(reminder);
+        ASSERT_TRUE(serveUntil([&] { return service->shown.size() == before + 1; }));
+        settle();
+    }
+    /// What was sent to the service and by the service has been served when this returns.
+    static void settle() {
+        const auto answer = sessionBus().call(
+            QDBusMessage::createMethodCall(serviceName, "/org/freedesktop/Notifications",
+                                           "org.example.Test", "Settle"),
+            QDBus::BlockWithGui);
+        ASSERT_EQ(answer.type(), QDBusMessage::ReplyMessage);
+        QCoreApplication::processEvents();
+    }
+    bool waitForResponse() {
+        return serveUntil([this] { return !responses.empty(); });
+    }
+
+    std::uint32_t willPresentNotification() override { return presentation; }
+    void didReceiveResponse(std::string_view actionIdentifier,
+                            const std::function<void()>& completionHandler) override {
+        responses.emplace_back(actionIdentifier);
+        completionHandler();
+    }
+};
+
+TEST_F(FreedesktopNotificationsTest, AServiceIsAGrant) {
+    makeCenter();
+    request();
+    EXPECT_TRUE(answers.empty()) << "it is told from the run loop";
+    ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
+    EXPECT_EQ(answers, (std::vector{Answer{true, std::nullopt}}));
+}
+
+TEST_F(FreedesktopNotificationsTest, AServiceWithoutButtonsIsAGrantAndIsSentNone) {
+    service->capabilities = QStringList{"body"};
+    makeCenter();
+    request();
+    ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
+    EXPECT_EQ(answers, (std::vector{Answer{true, std::nullopt}}));
+    show();
+    EXPECT_EQ(service->shown.at(0).at(5).toStringList(), QStringList());
+}
+
+TEST_F(FreedesktopNotificationsTest, WithoutAServiceThereIsNoGrant) {
+    service.reset();
+    makeCenter();
+    request();
+    ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
+    EXPECT_EQ(answers, (std::vector{Answer{false, "this desktop has no notification service"}}));
+}
+
+TEST_F(FreedesktopNotificationsTest, WithoutTheBusThereIsNoGrant) {
+    service.reset();
+    bus.reset();
+    ASSERT_TRUE(serveUntil([] { return !sessionBus().isConnected(); }));
+    makeCenter();
+    request();
+    center->add(reminder);
+    EXPECT_TRUE(answers.empty());
+    ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
+    EXPECT_EQ(
+        answers,
+        (std::vector{Answer{false, "there is no session bus to reach a notification service by"}}));
+}
+
+TEST_F(FreedesktopNotificationsTest, ABusThatGoesWhileTheServiceThinksIsAnError) {
+    service->answers = false;
+    makeCenter();
+    request();
+    center->add(reminder);
+    ASSERT_TRUE(serveUntil([&] { return service->questions == 2; }));
+    bus.reset();
+    ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
+    EXPECT_FALSE(answers[0].first);
+    EXPECT_EQ(answers[0].second.value().find("the notification service does not answer: "), 0U);
+    EXPECT_EQ(answers.size(), 1U);
+}
+
+TEST_F(FreedesktopNotificationsTest, AServiceThatDiesWhileItThinksIsAnErrorInOneLine) {
+    service->answers = false;
+    makeCenter();
+    request();
+    ASSERT_TRUE(serveUntil([&] { return service->questions == 1; }));
+    service.reset();
+    ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
+    EXPECT_FALSE(answers[0].first);
+    EXPECT_EQ(answers[0].second.value().find("the notification service does not answer: "), 0U);
+    EXPECT_EQ(answers[0].second.value().find('\n'), std::string::npos);
+}
+
+TEST_F(FreedesktopNotificationsTest, AnAnswerOfAnotherKindIsAnError) {
+    service->capabilities = 7;
+    makeCenter();
+    request();
+    center->add(reminder);
+    ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
+    EXPECT_FALSE(answers[0].first);
+    EXPECT_TRUE(answers[0].second.has_value());
+    settle();
+    EXPECT_TRUE(service->shown.empty());
+}
+
+TEST_F(FreedesktopNotificationsTest, ShowsTheTextAndTheButtonsOfTheCategory) {
+    makeCenter();
+    show();
+    const auto& call = service->shown.at(0);
+    EXPECT_EQ(call[0], "Nocta");
+    EXPECT_EQ(call[1], 0U) << "it replaces no other";
+    EXPECT_EQ(call[3], "Time to rest");
+    EXPECT_EQ(call[4], "Tea & <b>biscuits</b>");
+    EXPECT_EQ(call[5].toStringList(),
+              (QStringList{"LEAVE_OUT", "Leave out", "LATER", "In 5 minutes"}));
+    EXPECT_EQ(qdbus_cast<QVariantMap>(call[6]),
+              (QVariantMap{{"desktop-entry", "nocta"}, {"sound-name", "message-new-instant"}}));
+    EXPECT_EQ(call[7], -1);
+}
+
+TEST_F(FreedesktopNotificationsTest, TextIsNotReadAsMarkup) {
+    service->capabilities = QStringList{"actions", "body", "body-markup"};
+    makeCenter();
+    show();
+    EXPECT_EQ(service->shown.at(0)[4], "Tea &amp; &lt;b&gt;biscuits&lt;/b&gt;");
+}
+
+TEST_F(FreedesktopNotificationsTest, NotificationOfNoCategoryHasNoButtons) {
+    makeCenter();
+    center->add({.title = "Hello", .body = {}, .categoryIdentifier = "UNKNOWN"});
+    ASSERT_TRUE(serveUntil([&] { return !service->shown.empty(); }));
+    EXPECT_EQ(service->shown.at(0)[5].toStringList(), QStringList());
+}
+
+TEST_F(FreedesktopNotificationsTest, IsShownAsTheDelegateSays) {
+    makeCenter();
+    presentation = notificationAlert;
+    show();
+    EXPECT_FALSE(qdbus_cast<QVariantMap>(service->shown.at(0)[6]).contains("sound-name"));
+
+    presentation = notificationSound;
+    center->add(reminder);
+    center->setDelegate(nullptr);
+    center->add(reminder);
+    settle();
+    EXPECT_EQ(service->questions, 1) << "nobody is asked about what is not shown";
+    EXPECT_EQ(service->shown.size(), 1U);
+}
+
+TEST_F(FreedesktopNotificationsTest, TheAnswerReachesTheDelegateOnce) {
+    makeCenter();
+    show();
+    service->invoke(1, "LATER");
+    ASSERT_TRUE(waitForResponse());
+    service->invoke(1, "LATER"); // pressed twice
+    service->close(1);
+    settle();
+    EXPECT_EQ(responses, std::vector<std::string>{"LATER"});
+}
+
+TEST_F(FreedesktopNotificationsTest, AnAnswerRightBehindTheNumberIsHeard) {
+    service->answersNotify = false;
+    makeCenter();
+    center->add(reminder);
+    ASSERT_TRUE(serveUntil([&] { return !service->shown.empty(); }));
+    service->answerNotify();
+    service->invoke(1, "LATER");
+    ASSERT_TRUE(waitForResponse());
+    EXPECT_EQ(responses, std::vector<std::string>{"LATER"});
+}
+
+TEST_F(FreedesktopNotificationsTest, NotificationsOfOthersAreTheirs) {
+    makeCenter();
+    show();
+    service->invoke(2, "LATER");
+    service->close(2);
+    service->invoke(1, "LEAVE_OUT");
+    ASSERT_TRUE(waitForResponse());
+    EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
+}
+
+TEST_F(FreedesktopNotificationsTest, AClosedOneIsForgotten) {
+    makeCenter();
+    show();
+    show();
+    service->close(1);
+    service->invoke(1, "LATER");
+    service->invoke(2, "LEAVE_OUT");
+    ASSERT_TRUE(waitForResponse());
+    EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
+}
+
+TEST_F(FreedesktopNotificationsTest, NobodyButTheServiceCanAnswer) {
+    makeCenter();
+    show();
+    auto intruder =
+        QDBusConnection::connectToBus(QString::fromStdString(bus->address()), "an intruder");
+    const auto us = sessionBus().baseService();
+    for (const auto& receiver : {QString(), us}) { // to everybody, and to us alone
+        auto signal =
+            receiver.isEmpty()
+                ? signalOf("ActionInvoked")
+                : QDBusMessage::createTargetedSignal(receiver, "/org/freedesktop/Notifications",
+                                                     serviceName, "ActionInvoked");
+        intruder.send(signal << 1U << "LATER");
+    }
+    intruder.interface()->isServiceRegistered(us); // the bus has passed on what came before
+    service->invoke(1, "LEAVE_OUT");
+    ASSERT_TRUE(waitForResponse());
+    EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
+    QDBusConnection::disconnectFromBus("an intruder");
+}
+
+TEST_F(FreedesktopNotificationsTest, ANewServiceCountsAnewAndIsNotSentWhatTheOldOneHad) {
+    makeCenter();
+    show();
+    service.reset();
+    service.emplace(*bus);
+    service->invoke(1, "LATER"); // somebody else's by now
+    settle();
+    EXPECT_TRUE(responses.empty());
+    EXPECT_TRUE(service->shown.empty());
+
+    show();
+    service->invoke(1, "LEAVE_OUT");
+    ASSERT_TRUE(waitForResponse());
+    EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
+}
+
+TEST_F(FreedesktopNotificationsTest, AServiceThatDiesWithANotificationIsNotSentItAgain) {
+    service->answersNotify = false;
+    makeCenter();
+    center->add(reminder);
+    ASSERT_TRUE(serveUntil([&] { return !service->shown.empty(); }));
+    service.reset();
+    service.emplace(*bus);
+    request();
+    ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
+    EXPECT_EQ(answers, (std::vector{Answer{true, std::nullopt}}));
+    settle();
+    EXPECT_TRUE(service->shown.empty());
+}
+
+TEST_F(FreedesktopNotificationsTest, SignalsOfAnotherShapeAreNotHeard) {
+    makeCenter();
+    show();
+    auto bare = signalOf("ActionInvoked") << 1U;
+    auto wrong = signalOf("ActionInvoked") << "1"
+                                           << "LATER";
+    for (const auto& signal : {bare, wrong}) {
+        QDBusConnection("mock-notifications").send(signal);
+    }
+    service->invoke(1, "LEAVE_OUT");
+    ASSERT_TRUE(waitForResponse());
+    EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
+}
+
+TEST_F(FreedesktopNotificationsTest, NobodyIsToldAnythingOnceItHasGone) {
+    service->answers = false;
+    makeCenter();
+    request();
+    ASSERT_TRUE(serveUntil([&] { return service->questions == 1; }));
+    service->answers = true;
+    center->add(reminder);
+    ASSERT_TRUE(serveUntil([&] { return service->shown.size() == 1; }));
+    center.reset();
+    service->invoke(1, "LATER");
+    settle();
+    service.reset(); // which answers the question with an error
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(responses.empty());
+    EXPECT_TRUE(answers.empty());
+}
+
+/// A notification daemon itself.
+class NotificationDaemonTest : public FreedesktopNotificationsTest {
+protected:
+    void SetUp() override {}
+};
+
+TEST_F(NotificationDaemonTest, ButtonThatIsPressedReachesTheDelegate) {
+    const Dunst dunst(bus->address(), "minutes");
+
+    makeCenter();
+    request();
+    ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
+    EXPECT_EQ(answers, (std::vector{Answer{true, std::nullopt}}));
+    center->add(reminder);
+    ASSERT_TRUE(serveUntil([] { return Dunst::displayed() == 1; }));
+    ASSERT_TRUE(dunst.press());
+    ASSERT_TRUE(waitForResponse());
+    EXPECT_EQ(responses, std::vector<std::string>{"LATER"});
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,76 @@
+#include "backends/linux/bus/ReducedMotion.h"
+
+#include "support/EventLoop.h"
+#include "support/PrivateBus.h"
+#include "support/SettingsPortal.h"
+
+#include <QCoreApplication>
+#include <QVariantMap>
+#include <gtest/gtest.h>
+
+namespace nocta {
+namespace {
+
+class ReducedMotionTest : public ::testing::Test {
+protected:
+    PrivateBus bus{"DBUS_SESSION_BUS_ADDRESS"};
+};
+
+TEST_F(ReducedMotionTest, FollowsTheWishAndTheSwitchForAnimations) {
+    SettingsPortal portal(bus);
+    portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
+    const ReducedMotion motion;
+    EXPECT_FALSE(motion.isWished()) << "not known yet";
+    ASSERT_TRUE(serveUntil([&] { return motion.isWished(); }));
+
+    portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 0U;
+    portal.sayThatASettingHasChanged();
+    ASSERT_TRUE(serveUntil([&] { return !motion.isWished(); }));
+
+    portal.settings["org.gnome.desktop.interface"]["enable-animations"] = false;
+    portal.sayThatASettingHasChanged();
+    ASSERT_TRUE(serveUntil([&] { return motion.isWished(); }));
+
+    portal.settings["org.gnome.desktop.interface"]["enable-animations"] = true;
+    portal.sayThatASettingHasChanged();
+    EXPECT_TRUE(serveUntil([&] { return !motion.isWished(); }));
+}
+
+TEST_F(ReducedMotionTest, PortalThatComesAfterTheProgramIsAsked) {
+    const ReducedMotion motion;
+    SettingsPortal portal(bus);
+    portal.settings["org.gnome.desktop.interface"]["enable-animations"] = false;
+    EXPECT_TRUE(serveUntil([&] { return motion.isWished(); }));
+}
+
+TEST_F(ReducedMotionTest, NonsenseChangesNothing) {
+    SettingsPortal portal(bus);
+    portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
+    const ReducedMotion motion;
+    ASSERT_TRUE(serveUntil([&] { return motion.isWished(); }));
+    for (const auto& nonsense :
+         {QVariant("text"), QVariant(0U), QVariant(QVariantMap{{"reduced-motion", 0U}})}) {
+        portal.nonsense = nonsense;
+        portal.sayThatASettingHasChangedAndIsHeard();
+        EXPECT_TRUE(motion.isWished());
+    }
+    portal.nonsense.reset();
+    for (const auto& value : {QVariant("1"), QVariant(2U)}) {
+        portal.settings["org.freedesktop.appearance"]["reduced-motion"] = value;
+        portal.sayThatASettingHasChanged();
+        EXPECT_TRUE(serveUntil([&] { return !motion.isWished(); })) << "no preference";
+        portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
+        portal.sayThatASettingHasChanged();
+        EXPECT_TRUE(serveUntil([&] { return motion.isWished(); }));
+    }
+}
+
+TEST(ReducedMotion, IsNotWishedWhereThereIsNoBus) {
+    { const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS"); }
+    const ReducedMotion motion;
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(motion.isWished());
+}
+
+} // namespace
+} // namespace nocta
