@@ -9,9 +9,10 @@
 
 namespace nocta {
 
-/// The user's persistent values by key, with the getters' rules of `DefaultsTable`. Every write
-/// is on its way to the disk when it returns; `synchronize` waits until it is there. A failure to
-/// write never reaches the caller, and the values in memory stay good.
+/// The user's persistent values by key, with the getters' rules of `DefaultsTable`. A value
+/// that is set is read from then on, and is on its way to the disk at the end of the run-loop turn;
+/// `synchronize` waits until it is there. A failure to write never reaches the caller, and the
+/// values in memory stay good.
 /// Stands for NSUserDefaults, function by function.
 class DefaultsStore {
 public:

@@ -254,7 +254,7 @@ private:
     ColorScheme colorScheme_;
     QtRunLoop runLoop_;
     NotificationCenter notificationCenter_;
-    IniDefaultsStore userDefaults_{settingsFile()};
+    IniDefaultsStore userDefaults_{settingsFile(), runLoop_};
     LibUuidSource uuidSource_;
     ReducedMotion reducedMotion_;
     SystemWake wake_;

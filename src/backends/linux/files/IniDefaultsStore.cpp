@@ -68,9 +68,11 @@ struct IniDefaultsStore::Content {
     bool isDamaged = false;
 };
 
-IniDefaultsStore::IniDefaultsStore(std::filesystem::path file,
+IniDefaultsStore::IniDefaultsStore(std::filesystem::path file, RunLoop& runLoop,
                                    std::chrono::milliseconds lockTimeout)
-    : file_(std::move(file)), lockTimeout_(lockTimeout) {
+    : file_(std::move(file)), lockTimeout_(lockTimeout),
+      write_(runLoop, [this] { writeChanges(); }),
+      endTurn_(runLoop, [this] { write_.request(); }) {
     // A settings file that is a link stays one: its target is what is replaced.
     std::error_code error;
     if (auto target = std::filesystem::canonical(file_, error); !error) {
@@ -126,24 +128,25 @@ void IniDefaultsStore::removeLeftTemporaries() const {
 }
 
 void IniDefaultsStore::set(DefaultsValue value, std::string_view key) {
-    changes_.insert_or_assign(std::string(key), value);
+    change(key, value);
     table_.set(key, std::move(value));
-    write();
 }
 
 void IniDefaultsStore::removeObjectForKey(std::string_view key) {
     if (!table_.stored().contains(key) && !read().document.values().contains(key)) {
         return;
     }
-    changes_.insert_or_assign(std::string(key), std::nullopt);
+    change(key, std::nullopt);
     table_.remove(key);
-    write();
+}
+
+void IniDefaultsStore::change(std::string_view key, std::optional<DefaultsValue> value) {
+    changes_.insert_or_assign(std::string(key), std::move(value));
+    endTurn_.request();
 }
 
 void IniDefaultsStore::synchronize() {
-    if (!changes_.empty()) {
-        write();
-    }
+    writeChanges();
     // The content, and the folder, which holds the name. What cannot do that has done what it can.
     for (const auto& path : {file_, file_.parent_path()}) {
         if (const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
@@ -153,7 +156,10 @@ void IniDefaultsStore::synchronize() {
     }
 }
 
-void IniDefaultsStore::write() {
+void IniDefaultsStore::writeChanges() {
+    if (changes_.empty()) {
+        return;
+    }
     createPrivateFolders(file_.parent_path()); // what matters shows when the file is opened
     // Without the lock the file is as complete, as it is replaced in one step. Only what another
     // process writes between the reading and that step is lost, until it sets the key again. One

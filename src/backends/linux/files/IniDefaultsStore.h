@@ -1,6 +1,8 @@
 #pragma once
 
 #include "backends/linux/files/IniDocument.h"
+#include "base/Deferred.h"
+#include "base/RunLoop.h"
 #include "platform/DefaultsStore.h"
 
 #include <chrono>
@@ -13,9 +15,11 @@
 
 namespace nocta {
 
-/// The defaults store as an INI file. Every change replaces the file atomically, so a process
-/// killed at any moment leaves a complete earlier or later state; `synchronize` waits until it is
-/// on the disk.
+/// The defaults store as an INI file. A value that is set counts at once; the file is written at the
+/// end of the run-loop turn, after what the turn has posted for the screen, however many values it
+/// has set. The file is replaced atomically, so a process killed at any moment leaves it as some
+/// turn left it. `synchronize` writes what is due and waits until it is on the disk; the destructor
+/// writes what is due.
 ///
 /// A file that cannot be read as INI is moved aside with the first write, under a name that is not
 /// taken yet; what could be read of it counts. Where the file cannot be written the values in
@@ -31,8 +35,11 @@ public:
     /// stopped must not hold the run loop.
     static constexpr auto maxLockWait = std::chrono::milliseconds(50);
 
-    explicit IniDefaultsStore(std::filesystem::path file,
-                              std::chrono::milliseconds lockTimeout = maxLockWait);
+    IniDefaultsStore(std::filesystem::path file, RunLoop& runLoop,
+                     std::chrono::milliseconds lockTimeout = maxLockWait);
+    IniDefaultsStore(const IniDefaultsStore&) = delete;
+    IniDefaultsStore& operator=(const IniDefaultsStore&) = delete;
+    ~IniDefaultsStore() override { writeChanges(); }
 
     void registerDefaults(const DefaultsMap& defaults) override {
         table_.registerDefaults(defaults);
@@ -67,7 +74,8 @@ private:
     std::filesystem::path lockFile() const;
     void removeLeftTemporaries() const;
     void set(DefaultsValue value, std::string_view key);
-    void write();
+    void change(std::string_view key, std::optional<DefaultsValue> value);
+    void writeChanges();
     bool replaceFile() const;
     bool putInPlace(const std::string& temporary) const;
 
@@ -79,6 +87,8 @@ private:
     bool isLockFree_ = true; ///< false once a write has waited in vain
     bool mustMoveAside_ = false;
     bool failureIsSaid_ = false;
+    Deferred write_;
+    Deferred endTurn_; ///< so that the writing is posted after all that the turn has posted
 };
 
 } // namespace nocta

@@ -1,7 +1,9 @@
 #include "backends/linux/files/IniDefaultsStore.h"
 
+#include "backends/virtual/VirtualRunLoop.h"
 #include "contracts/DefaultsStoreContract.h"
 #include "support/FullDisk.h"
+#include "support/ImmediateRunLoop.h"
 #include "support/Process.h"
 
 #include <gtest/gtest.h>
@@ -23,11 +25,12 @@ namespace nocta {
 /// was written.
 struct IniDefaultsStoreHarness {
     TemporaryFolder folder;
+    ImmediateRunLoop runLoop;
     std::string file = folder.path() + "/nocta/nocta.conf";
     DefaultsMap registered;
     std::optional<IniDefaultsStore> current;
 
-    DefaultsStore& store() { return current ? *current : current.emplace(file); }
+    DefaultsStore& store() { return current ? *current : current.emplace(file, runLoop); }
 };
 INSTANTIATE_TYPED_TEST_SUITE_P(Ini, DefaultsStoreContract, IniDefaultsStoreHarness);
 
@@ -38,6 +41,7 @@ namespace fs = std::filesystem;
 class IniDefaultsStoreTest : public ::testing::Test {
 protected:
     TemporaryFolder folder;
+    mutable ImmediateRunLoop runLoop; // each change is a turn
     std::string file = folder.path() + "/nocta/nocta.conf";
 
     void prepare(const std::string& content) const {
@@ -48,7 +52,7 @@ protected:
     /// Opens the store, sets a value, and returns what was said on standard error.
     std::string saidWhenUsed() const {
         ::testing::internal::CaptureStderr();
-        IniDefaultsStore store(file);
+        IniDefaultsStore store(file, runLoop);
         store.setDouble(0.3, "unifiedBrightness");
         store.setDouble(0.4, "unifiedBrightness");
         EXPECT_EQ(store.doubleForKey("unifiedBrightness"), 0.4) << "values in memory go on";
@@ -65,15 +69,48 @@ protected:
 };
 
 TEST_F(IniDefaultsStoreTest, NothingIsWrittenBeforeTheFirstChange) {
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     store.registerDefaults({{"a", 0.5}});
     store.removeObjectForKey("b");
     store.synchronize();
     EXPECT_FALSE(fs::exists(file));
 }
 
-TEST_F(IniDefaultsStoreTest, EveryChangeIsInTheFileAtOnce) {
-    IniDefaultsStore store(file);
+TEST_F(IniDefaultsStoreTest, TurnIsWrittenOnceAfterTheScreen) {
+    VirtualRunLoop loop;
+    IniDefaultsStore store(file, loop);
+    bool screenIsUpToDate = false;
+    store.setDouble(0.75, "unifiedBrightness");
+    loop.post([&] { // what the screen needs may be requested after the first value was set
+        screenIsUpToDate = true;
+        EXPECT_FALSE(fs::exists(file));
+    });
+    store.setDouble(0.5, "unifiedBrightness");
+    store.setBool(false, "isFirstLaunch");
+    EXPECT_EQ(store.doubleForKey("unifiedBrightness"), 0.5);
+    loop.advance(Duration::zero());
+    EXPECT_TRUE(screenIsUpToDate);
+    EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.5\nisFirstLaunch=false\n");
+    fs::remove(file); // which a second write would bring back
+    loop.advance(std::chrono::hours(1));
+    EXPECT_FALSE(fs::exists(file)) << "nothing was due any more";
+}
+
+TEST_F(IniDefaultsStoreTest, WhatIsDueIsWrittenAtTheEndAndBySynchronizing) {
+    VirtualRunLoop loop;
+    std::optional<IniDefaultsStore> store(std::in_place, file, loop);
+    store->setInteger(1, "a");
+    store->synchronize();
+    EXPECT_EQ(contentOf(file), "[General]\na=1\n");
+    store->removeObjectForKey("a");
+    store->setInteger(2, "b");
+    store.reset();
+    EXPECT_EQ(contentOf(file), "[General]\nb=2\n");
+    loop.advance(Duration::zero()); // the store has gone
+}
+
+TEST_F(IniDefaultsStoreTest, EveryTurnIsInTheFile) {
+    IniDefaultsStore store(file, runLoop);
     store.setDouble(0.6875, "unifiedBrightness");
     EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.6875\n");
     store.setBool(false, "isFirstLaunch");
@@ -86,20 +123,20 @@ TEST_F(IniDefaultsStoreTest, EveryChangeIsInTheFileAtOnce) {
 
 TEST_F(IniDefaultsStoreTest, AnotherStoreReadsWhatWasWritten) {
     {
-        IniDefaultsStore store(file);
+        IniDefaultsStore store(file, runLoop);
         store.setDouble(1.0 / 3, "d");
         store.setInteger(-5, "i");
         store.setObject("true", "s");
         store.synchronize();
     }
-    const IniDefaultsStore store(file);
+    const IniDefaultsStore store(file, runLoop);
     EXPECT_EQ(store.doubleForKey("d"), 1.0 / 3);
     EXPECT_EQ(store.integerForKey("i"), -5);
     EXPECT_EQ(store.stringForKey("s"), "true");
 }
 
 TEST_F(IniDefaultsStoreTest, OnlyTheUserMayReadTheFile) {
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     store.setBool(true, "a");
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
@@ -108,7 +145,7 @@ TEST_F(IniDefaultsStoreTest, OnlyTheUserMayEnterTheFolderWhateverTheUmask) {
     for (const mode_t mask : {0000U, 0022U, 0777U}) {
         const auto own = folder.path() + "/" + std::to_string(mask) + "/nocta";
         const auto before = umask(mask);
-        IniDefaultsStore store(own + "/nocta.conf");
+        IniDefaultsStore store(own + "/nocta.conf", runLoop);
         store.setBool(true, "a");
         umask(before);
         EXPECT_EQ(fs::status(own).permissions(), fs::perms::owner_all);
@@ -120,7 +157,7 @@ TEST_F(IniDefaultsStoreTest, OnlyTheUserMayEnterTheFolderWhateverTheUmask) {
 TEST_F(IniDefaultsStoreTest, FolderThatIsThereKeepsItsMode) {
     prepare("");
     fs::permissions(folder.path() + "/nocta", fs::perms(0750));
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     store.setBool(true, "a");
     EXPECT_EQ(fs::status(folder.path() + "/nocta").permissions(), fs::perms(0750));
 }
@@ -139,7 +176,7 @@ TEST_F(IniDefaultsStoreTest, UnparsableFileIsMovedAsideBeforeTheFirstWriteAndNot
 TEST_F(IniDefaultsStoreTest, UnparsableFileStaysWhereItIsUntilSomethingIsWritten) {
     prepare("garbage");
     ::testing::internal::CaptureStderr();
-    { const IniDefaultsStore store(file); }
+    { const IniDefaultsStore store(file, runLoop); }
     ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(contentOf(file), "garbage");
 }
@@ -147,7 +184,7 @@ TEST_F(IniDefaultsStoreTest, UnparsableFileStaysWhereItIsUntilSomethingIsWritten
 TEST_F(IniDefaultsStoreTest, TruncatedFileKeepsWhatCanBeRead) {
     prepare("[General]\nwarmthLevel=0.25\nbreakInter");
     ::testing::internal::CaptureStderr();
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(store.doubleForKey("warmthLevel"), 0.25);
     store.setBool(true, "a");
@@ -203,7 +240,7 @@ TEST_F(IniDefaultsStoreTest, LinkedFileStaysALink) {
     writeFile(target, "[General]\na=1\n");
     fs::remove(file);
     fs::create_symlink(target, file);
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     store.setInteger(2, "a");
     EXPECT_TRUE(fs::is_symlink(file));
     EXPECT_EQ(contentOf(target), "[General]\na=2\n");
@@ -218,7 +255,7 @@ TEST_F(IniDefaultsStoreTest, FolderThatCannotBeMadeIsSaidOnce) {
 
 TEST_F(IniDefaultsStoreTest, FullDiskKeepsTheOldFileAndIsSaidOnce) {
     prepare("[General]\na=1\n");
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     FullDisk disk;
     store.setInteger(2, "a");
     store.setInteger(3, "a");
@@ -237,7 +274,7 @@ TEST_F(IniDefaultsStoreTest, FullDiskKeepsTheOldFileAndIsSaidOnce) {
 TEST_F(IniDefaultsStoreTest, DamagedFileOnAFullDiskStaysWhereItIs) {
     prepare("[General]\na=1\ngarbage");
     FullDisk disk;
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     store.setDouble(0.3, "unifiedBrightness");
     store.setDouble(0.4, "unifiedBrightness");
     const auto said = disk.end();
@@ -261,7 +298,7 @@ TEST_F(IniDefaultsStoreTest, FolderThatMayNotBeSearchedIsSaidOnce) {
 }
 
 TEST_F(IniDefaultsStoreTest, SynchronizingWritesOnlyWhatIsNotWritten) {
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     store.setInteger(1, "a");
     writeFile(file, "[General]\na=5\n"); // somebody else
     store.synchronize();
@@ -278,7 +315,7 @@ TEST_F(IniDefaultsStoreTest, SynchronizingWritesOnlyWhatIsNotWritten) {
 TEST_F(IniDefaultsStoreTest, LinkToAFileThatIsNotThereYetStaysALink) {
     fs::create_directories(folder.path() + "/nocta");
     fs::create_symlink("../elsewhere.conf", file);
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     store.setInteger(2, "a");
     EXPECT_TRUE(fs::is_symlink(file));
     EXPECT_EQ(contentOf(folder.path() + "/elsewhere.conf"), "[General]\na=2\n");
@@ -290,7 +327,7 @@ TEST_F(IniDefaultsStoreTest, KilledAtAnyMomentTheFileIsACompleteState) {
     for (int round = 0; round < 40; ++round) {
         const auto child = fork();
         if (child == 0) {
-            IniDefaultsStore store(file);
+            IniDefaultsStore store(file, runLoop);
             for (std::int64_t i = store.integerForKey("second") + 1;; ++i) {
                 store.setInteger(i, "first");
                 store.setInteger(i, "second");
@@ -304,13 +341,13 @@ TEST_F(IniDefaultsStoreTest, KilledAtAnyMomentTheFileIsACompleteState) {
         }
         const auto document = IniDocument::parse(contentOf(file));
         ASSERT_TRUE(document.isWellFormed());
-        const IniDefaultsStore store(file);
+        const IniDefaultsStore store(file, runLoop);
         const auto first = store.integerForKey("first");
         const auto second = store.integerForKey("second");
         ASSERT_TRUE(first == second || first == second + 1) << first << " " << second;
     }
     EXPECT_TRUE(fs::exists(file));
-    { const IniDefaultsStore nextStart(file); }
+    { const IniDefaultsStore nextStart(file, runLoop); }
     EXPECT_EQ(namesInFolder(), (std::set<std::string>{"nocta.conf", "nocta.conf.lock"}));
 }
 

@@ -4,6 +4,7 @@
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/files/IniDefaultsStore.h"
 #include "support/FullDisk.h"
+#include "support/ImmediateRunLoop.h"
 #include "support/Process.h"
 
 #include <gtest/gtest.h>
@@ -29,6 +30,7 @@ namespace fs = std::filesystem;
 class SharedSettingsFileTest : public ::testing::Test {
 protected:
     TemporaryFolder folder;
+    ImmediateRunLoop runLoop; // each change is a turn
     std::string file = folder.path() + "/nocta.conf";
 
     /// The number of a process that has ended.
@@ -44,8 +46,8 @@ protected:
 
 TEST_F(SharedSettingsFileTest, WriterKeepsWhatTheOtherHasWritten) {
     writeFile(file, "[General]\na=1\nb=1\n");
-    IniDefaultsStore first(file);
-    IniDefaultsStore second(file);
+    IniDefaultsStore first(file, runLoop);
+    IniDefaultsStore second(file, runLoop);
     first.setInteger(2, "a");
     second.setInteger(2, "b");
     EXPECT_EQ(contentOf(file), "[General]\na=2\nb=2\n");
@@ -56,8 +58,8 @@ TEST_F(SharedSettingsFileTest, WriterKeepsWhatTheOtherHasWritten) {
 
 TEST_F(SharedSettingsFileTest, LastWriterOfAKeyWinsWhetherItSetsOrRemoves) {
     writeFile(file, "[General]\na=1\n");
-    IniDefaultsStore first(file);
-    IniDefaultsStore second(file);
+    IniDefaultsStore first(file, runLoop);
+    IniDefaultsStore second(file, runLoop);
     first.setInteger(2, "a");
     second.setInteger(3, "a");
     EXPECT_EQ(contentOf(file), "[General]\na=3\n");
@@ -71,16 +73,16 @@ TEST_F(SharedSettingsFileTest, LastWriterOfAKeyWinsWhetherItSetsOrRemoves) {
 }
 
 TEST_F(SharedSettingsFileTest, KeyThatOnlyTheOtherKnowsCanBeRemoved) {
-    IniDefaultsStore first(file);
-    IniDefaultsStore second(file);
+    IniDefaultsStore first(file, runLoop);
+    IniDefaultsStore second(file, runLoop);
     second.setInteger(1, "a");
     first.removeObjectForKey("a");
     EXPECT_EQ(contentOf(file), "[General]\n");
 }
 
 TEST_F(SharedSettingsFileTest, ValuesInMemoryAreTheProcesssOwn) {
-    IniDefaultsStore first(file);
-    IniDefaultsStore second(file);
+    IniDefaultsStore first(file, runLoop);
+    IniDefaultsStore second(file, runLoop);
     first.setInteger(1, "a");
     second.setInteger(2, "a");
     second.setInteger(2, "b");
@@ -91,7 +93,7 @@ TEST_F(SharedSettingsFileTest, ValuesInMemoryAreTheProcesssOwn) {
 }
 
 TEST_F(SharedSettingsFileTest, ChangeThatCouldNotBeWrittenIsMergedLater) {
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     {
         const FullDisk disk;
         store.setInteger(1, "a");
@@ -103,7 +105,7 @@ TEST_F(SharedSettingsFileTest, ChangeThatCouldNotBeWrittenIsMergedLater) {
 
 TEST_F(SharedSettingsFileTest, FileThatIsGoneIsWrittenWhole) {
     writeFile(file, "[General]\na=1\n");
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     fs::remove(file);
     store.setInteger(1, "b");
     EXPECT_EQ(contentOf(file), "[General]\na=1\nb=1\n");
@@ -111,7 +113,7 @@ TEST_F(SharedSettingsFileTest, FileThatIsGoneIsWrittenWhole) {
 
 TEST_F(SharedSettingsFileTest, FileThatIsDamagedMeanwhileIsMovedAside) {
     writeFile(file, "[General]\na=1\n");
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     writeFile(file, "[General]\nb=1\ngarbage");
     ::testing::internal::CaptureStderr();
     store.setInteger(2, "a");
@@ -128,7 +130,7 @@ TEST_F(SharedSettingsFileTest, ProcessesThatWriteAtOnceLoseNothing) {
     for (int writer = 0; writer < writers; ++writer) {
         children.push_back(fork());
         if (children.back() == 0) {
-            IniDefaultsStore store(file, std::chrono::minutes(1)); // whatever else the machine does
+            IniDefaultsStore store(file, runLoop, std::chrono::minutes(1)); // whatever else the machine does
             for (int key = 0; key < keys; ++key) {
                 store.setInteger(key, std::to_string(writer) + "-" + std::to_string(key));
             }
@@ -144,7 +146,7 @@ TEST_F(SharedSettingsFileTest, ProcessesThatWriteAtOnceLoseNothing) {
 TEST_F(SharedSettingsFileTest, LockThatIsNeverGivenBackHoldsNobody) {
     const auto lock = open((file + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     ASSERT_EQ(flock(lock, LOCK_EX | LOCK_NB), 0);
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     store.setInteger(1, "a");
     EXPECT_EQ(contentOf(file), "[General]\na=1\n");
     close(lock);
@@ -155,7 +157,7 @@ TEST_F(SharedSettingsFileTest, WhateverHasTheLocksNameHoldsNobody) {
     const auto other = folder.path() + "/other";
     writeFile(other, "other");
     const auto expectWritten = [&](std::int64_t value) {
-        IniDefaultsStore store(file);
+        IniDefaultsStore store(file, runLoop);
         store.setInteger(value, "a");
         EXPECT_EQ(contentOf(file), "[General]\na=" + std::to_string(value) + "\n");
         fs::remove_all(lock);
@@ -176,7 +178,7 @@ TEST_F(SharedSettingsFileTest, FilesBesideItAreNeitherWrittenNorWaitedFor) {
     const auto other = folder.path() + "/other";
     writeFile(other, "other");
     fs::create_hard_link(other, file);
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     ::testing::internal::CaptureStderr(); // it is no INI file
     store.setInteger(1, "a");
     ::testing::internal::GetCapturedStderr();
@@ -194,7 +196,7 @@ TEST_F(SharedSettingsFileTest, FilesBesideItAreNeitherWrittenNorWaitedFor) {
 }
 
 TEST_F(SharedSettingsFileTest, TemporaryFileCarriesTheNumberOfItsWriter) {
-    IniDefaultsStore store(file);
+    IniDefaultsStore store(file, runLoop);
     const FileDescriptor watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     inotify_add_watch(watch.get(), folder.path().c_str(), IN_MOVED_FROM);
     store.setInteger(1, "a");
@@ -227,7 +229,7 @@ TEST_F(SharedSettingsFileTest, TemporaryFilesOfKilledWritersAreRemovedAndNothing
     writeFile(dead + "-abcdef", "left");
     writeFile(dead + "-XYZ012", "left");
 
-    { const IniDefaultsStore store(file); }
+    { const IniDefaultsStore store(file, runLoop); }
     EXPECT_FALSE(fs::exists(dead + "-abcdef"));
     EXPECT_FALSE(fs::exists(dead + "-XYZ012"));
     for (const auto& name : kept) {
@@ -242,10 +244,10 @@ TEST_F(SharedSettingsFileTest, TemporaryFileStaysWhileSomebodyWrites) {
     writeFile(left, "left");
     const auto lock = open((file + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     ASSERT_EQ(flock(lock, LOCK_EX | LOCK_NB), 0);
-    { const IniDefaultsStore store(file); }
+    { const IniDefaultsStore store(file, runLoop); }
     EXPECT_TRUE(fs::exists(left));
     close(lock);
-    { const IniDefaultsStore store(file); }
+    { const IniDefaultsStore store(file, runLoop); }
     EXPECT_FALSE(fs::exists(left));
 }
 
