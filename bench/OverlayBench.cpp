@@ -24,10 +24,10 @@
 namespace nocta {
 namespace {
 
-constexpr int mostOutputs = 4;
+constexpr int maxOutputs = 4;
 
 void useOutputs(const XServer& server, std::int64_t count) {
-    for (std::int64_t i = 1; i < mostOutputs; ++i) {
+    for (std::int64_t i = 1; i < maxOutputs; ++i) {
         const auto name = "DUMMY" + std::to_string(i);
         if (i < count) {
             server.xrandr({"--output", name, "--mode", "1280x720", "--pos",
@@ -126,12 +126,12 @@ void fadeIn(benchmark::State& state, const XServer& server) {
 
 int main(int argc, char** argv) {
     const nocta::XServer server(nocta::XServer::Kind::xorgDummy);
-    for (int i = 1; i < nocta::mostOutputs; ++i) {
+    for (int i = 1; i < nocta::maxOutputs; ++i) {
         server.xrandr({"--addmode", "DUMMY" + std::to_string(i), "1280x720"});
     }
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    for (const auto outputs : {1, nocta::mostOutputs}) {
+    for (const auto outputs : {1, nocta::maxOutputs}) {
         benchmark::RegisterBenchmark(
             "breakStartToLastWindow",
             [&](benchmark::State& state) { nocta::breakStartToLastWindow(state, server); })

@@ -20,7 +20,7 @@ bool hasScreen() {
 }
 
 /// The platform without a screen warns at every window that it has none.
-void sayErrorsOnly(QtMsgType type, const QMessageLogContext& /*place*/, const QString& message) {
+void printErrorsOnly(QtMsgType type, const QMessageLogContext& /*place*/, const QString& message) {
     if (type == QtCriticalMsg || type == QtFatalMsg) {
         std::cerr << "nocta-tour: " << message.toStdString() << std::endl;
     }
@@ -49,7 +49,7 @@ int spendADay() {
 int main(int argumentCount, char** arguments) {
     if (!hasScreen()) {
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        qInstallMessageHandler(sayErrorsOnly);
+        qInstallMessageHandler(printErrorsOnly);
     }
     const QApplication application(argumentCount, arguments);
     if (!hasScreen()) {

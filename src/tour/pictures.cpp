@@ -43,7 +43,7 @@ struct Stage {
     SharedInstances instances{desktop.ports};
     WidgetViews views{instances};
     std::unique_ptr<View> view;
-    QSize leastSize;
+    QSize minSize;
     enum class Ground { window, popover, desktop } ground = Ground::window;
 
     Stage() {
@@ -66,7 +66,7 @@ void openPopover(Stage& stage, const BreakState& state, bool isAutomatic = true)
     stage.instances.settingsManager().autoWarmthEnabled.set(isAutomatic);
     stage.instances.breakTimer().state.set(state);
     stage.view = stage.views.makePopoverContentView([] {});
-    stage.leastSize = popoverSize;
+    stage.minSize = popoverSize;
     stage.ground = Stage::Ground::popover;
 }
 
@@ -82,7 +82,7 @@ void openPreferences(Stage& stage, int tab) {
 
 void openOnboarding(Stage& stage, int step) {
     stage.view = stage.views.makeOnboardingView([] {});
-    stage.leastSize = onboardingSize;
+    stage.minSize = onboardingSize;
     for (int i = 0; i < step; ++i) {
         stage.click("continueButton");
     }
@@ -96,7 +96,7 @@ void openBreak(Stage& stage) {
     stage.instances.breakTimer().start();
     stage.desktop.runLoop.advance(60s);
     stage.view = stage.views.makeBreakOverlayView([] {}, [] {});
-    stage.leastSize = screenSize;
+    stage.minSize = screenSize;
     stage.ground = Stage::Ground::desktop;
 }
 
@@ -247,9 +247,9 @@ QImage drawn(const Scene& scene, qreal scale) {
     scene.prepare(stage);
     auto& widget = stage.widget();
     widget.setAttribute(Qt::WA_DontShowOnScreen);
-    fit(widget, stage.leastSize);
+    fit(widget, stage.minSize);
     widget.show();
-    fit(widget, stage.leastSize);
+    fit(widget, stage.minSize);
     if (stage.ground == Stage::Ground::desktop) {
         stage.desktop.runLoop.advance(7s); // into the break
     }

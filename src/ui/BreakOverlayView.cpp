@@ -87,7 +87,7 @@ double breakProgress(double remaining, double duration) {
 
 BreakProgressRing::BreakProgressRing(std::int64_t seconds) : seconds_(seconds) {
     setFixedSize(ringSize + 2 * ringRoom, ringSize + 2 * ringRoom);
-    tell();
+    announceSeconds();
 }
 
 void BreakProgressRing::setProgress(double progress) {
@@ -99,11 +99,11 @@ void BreakProgressRing::setSeconds(std::int64_t seconds) {
     seconds_ = seconds;
     update();
     if (seconds % tellingInterval == 0) {
-        tell();
+        announceSeconds();
     }
 }
 
-void BreakProgressRing::tell() {
+void BreakProgressRing::announceSeconds() {
     setAccessibleName(Text::tr("Seconds left: %1").arg(seconds_));
     QAccessibleEvent event(this, QAccessible::NameChanged);
     QAccessible::updateAccessibility(&event);

@@ -36,7 +36,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void tell();
+    void announceSeconds();
 
     std::int64_t seconds_;
     double progress_ = 0;

@@ -11,7 +11,7 @@ constexpr int amberHue = 36; // degrees
 constexpr int amberSaturation = 235;
 constexpr int brightestAmber = 160; // lightness, of 255
 constexpr int darkestAmber = 20;
-constexpr int leastSecondaryPercent = 55;
+constexpr int minSecondaryPercent = 55;
 constexpr int secondaryStep = 5;
 constexpr double hairlinePart = 0.16;
 constexpr double panelPart = 0.045;
@@ -25,7 +25,7 @@ double relativeLuminance(const QColor& color) {
 }
 
 /// The text is read on a panel as well as on the window.
-double leastContrast(const QColor& color, const QPalette& palette) {
+double minContrast(const QColor& color, const QPalette& palette) {
     return std::min(contrastRatio(color, palette.color(QPalette::Window)),
                     contrastRatio(color, panelColor(palette)));
 }
@@ -40,7 +40,7 @@ double contrastRatio(const QColor& a, const QColor& b) {
 QColor accentColor(const QPalette& palette) {
     for (auto lightness = brightestAmber; lightness > darkestAmber; lightness -= 2) {
         const auto amber = QColor::fromHsl(amberHue, amberSaturation, lightness);
-        if (leastContrast(amber, palette) >= visibleContrast) {
+        if (minContrast(amber, palette) >= visibleContrast) {
             return amber;
         }
     }
@@ -56,9 +56,9 @@ QColor textOnAccent(const QPalette& palette) {
 QColor secondaryColor(const QPalette& palette) {
     const auto window = palette.color(QPalette::Window);
     const auto text = palette.color(QPalette::WindowText);
-    for (int percent = leastSecondaryPercent; percent < 100; percent += secondaryStep) {
+    for (int percent = minSecondaryPercent; percent < 100; percent += secondaryStep) {
         const auto color = mixed(window, text, percent / 100.0);
-        if (leastContrast(color, palette) >= readableContrast) {
+        if (minContrast(color, palette) >= readableContrast) {
             return color;
         }
     }

@@ -38,8 +38,4 @@ QString missingForUpdates(SharedInstances& instances) {
     }
 }
 
-void explain(QWidget& control, const QString& text) {
-    control.setToolTip(text); // which a screen reader is given as well
-}
-
 } // namespace nocta

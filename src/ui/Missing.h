@@ -2,19 +2,17 @@
 
 #include "app/SharedInstances.h"
 
-#include <QWidget>
+#include <QString>
 
 namespace nocta {
 
 // Where this desktop lacks what a control is for, the control writes its setting all the same, and
-// its tool tip says what is missing. These give an empty text where nothing is.
+// its tool tip, which a screen reader reads too, says what is missing. These give an empty text
+// where nothing is.
 
 QString missingForBrightness(SharedInstances& instances);
 QString missingForGrayscale(SharedInstances& instances);
 QString missingForLocation(SharedInstances& instances);
 QString missingForUpdates(SharedInstances& instances);
-
-/// As a tool tip; an empty text takes it away.
-void explain(QWidget& control, const QString& text);
 
 } // namespace nocta

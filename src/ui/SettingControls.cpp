@@ -39,7 +39,7 @@ QWidget* makeBrightnessField(SharedInstances& instances) {
     auto* const slider =
         new CustomSlider(Text::tr("Brightness"), brightness, {.lower = 0, .upper = 1}, accentColor);
     slider->setObjectName(QStringLiteral("brightnessSlider"));
-    explain(*slider, missingForBrightness(instances));
+    slider->setToolTip(missingForBrightness(instances));
     column->addWidget(slider);
     return field;
 }
@@ -48,7 +48,7 @@ WarmthSlider* makeWarmthSlider(SharedInstances& instances) {
     auto* const slider =
         new WarmthSlider(Text::tr("Warmth"), instances.settingsManager().warmthLevel);
     slider->setObjectName(QStringLiteral("warmthSlider"));
-    explain(*slider, missingForBrightness(instances));
+    slider->setToolTip(missingForBrightness(instances));
     return slider;
 }
 
@@ -62,7 +62,7 @@ Switch* makeToggle(const QString& text, const char* identifier, Setting<bool>& s
 Switch* makeGrayscaleToggle(const QString& text, SharedInstances& instances) {
     auto* const toggle =
         makeToggle(text, "grayscaleToggle", instances.settingsManager().grayscaleEnabled);
-    explain(*toggle, missingForGrayscale(instances));
+    toggle->setToolTip(missingForGrayscale(instances));
     return toggle;
 }
 
@@ -77,7 +77,7 @@ Switch* makeLaunchAtLoginToggle(const QString& text, LaunchAtLoginService& servi
 void bindToUpdateCheck(QAbstractButton& button, SharedInstances& instances) {
     auto& updater = instances.desktop().updater;
     follow(button, updater.canCheckForUpdates, [&button](bool can) { button.setEnabled(can); });
-    explain(button, missingForUpdates(instances));
+    button.setToolTip(missingForUpdates(instances));
     QObject::connect(&button, &QAbstractButton::clicked, &button,
                      [&updater] { updater.checkForUpdates(); });
 }

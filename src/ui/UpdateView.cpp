@@ -20,7 +20,7 @@ constexpr int margin = 24; // points
 constexpr int spacing = 8;
 constexpr int emblemSize = 48;
 constexpr int emblemSpacing = 16;
-constexpr int leastWidth = 520;
+constexpr int minWidth = 520;
 constexpr int notesHeight = 160;
 
 QString shown(std::string_view text) {
@@ -48,13 +48,14 @@ UpdateView::UpdateView(Desktop& desktop)
     column_->addStretch();
     column_->addSpacing(spacing);
     column_->addLayout(answers_);
-    setMinimumWidth(leastWidth);
+    setMinimumWidth(minWidth);
     auto* const escape = new QShortcut(QKeySequence::Cancel, this);
     connect(escape, &QShortcut::activated, this, [this] { updater_.dismiss(); });
 }
 
 void UpdateView::build(const UpdatePermissionRequest& /*request*/) {
-    say(Text::tr("Check for updates automatically?"),
+    showTexts(
+        Text::tr("Check for updates automatically?"),
         Text::tr("Nocta can look for a newer version once a day. The preferences let you change "
                  "this at any time."));
     answers_->addStretch();
@@ -67,23 +68,23 @@ void UpdateView::build(const UpdatePermissionRequest& /*request*/) {
 
 void UpdateView::build(const UpdateCheckInProgress& /*check*/) {
     const auto heading = Text::tr("Checking for updates…");
-    say(heading);
+    showTexts(heading);
     column_->addWidget(new ProgressBar(heading));
     answers_->addStretch();
     addAnswer(Text::tr("Cancel"), "dismissButton", &Updater::dismiss);
 }
 
 void UpdateView::build(const UpdateNotFound& /*result*/) {
-    say(Text::tr("Nocta is up to date"),
-        Text::tr("There is nothing newer than version %1 for this system.")
-            .arg(shown(bundle_.shortVersionString)));
+    showTexts(Text::tr("Nocta is up to date"),
+              Text::tr("There is nothing newer than version %1 for this system.")
+                  .arg(shown(bundle_.shortVersionString)));
     answers_->addStretch();
     addAnswer(Text::tr("OK"), "dismissButton", &Updater::dismiss);
 }
 
 void UpdateView::build(const UpdateFound& found) {
-    say(Text::tr("Nocta %1 is available").arg(shown(found.version)),
-        Text::tr("You have version %1.").arg(shown(bundle_.shortVersionString)));
+    showTexts(Text::tr("Nocta %1 is available").arg(shown(found.version)),
+              Text::tr("You have version %1.").arg(shown(bundle_.shortVersionString)));
     if (!found.releaseNotes.empty()) {
         auto* const notes = new QPlainTextEdit(shown(found.releaseNotes));
         notes->setObjectName(QStringLiteral("releaseNotes"));
@@ -102,7 +103,7 @@ void UpdateView::build(const UpdateFound& found) {
 
 void UpdateView::build(const UpdateDownload& download) {
     const auto heading = Text::tr("Downloading Nocta %1").arg(shown(download.version));
-    say(heading);
+    showTexts(heading);
     auto* const progress = new ProgressBar(heading);
     progress->setRange(0, 100);
     progress->setObjectName(QStringLiteral("downloadProgress"));
@@ -114,22 +115,22 @@ void UpdateView::build(const UpdateDownload& download) {
 }
 
 void UpdateView::build(const UpdateHandedOver& update) {
-    say(Text::tr("Nocta %1 is with the installer").arg(shown(update.version)),
-        Text::tr("Quit Nocta and start it again once it is installed."));
+    showTexts(Text::tr("Nocta %1 is with the installer").arg(shown(update.version)),
+              Text::tr("Quit Nocta and start it again once it is installed."));
     answers_->addStretch();
     addAnswer(Text::tr("OK"), "dismissButton", &Updater::dismiss);
 }
 
 void UpdateView::build(const UpdaterError& error) {
-    say(error.version.empty()
-            ? Text::tr("Nocta could not check for updates")
-            : Text::tr("Nocta %1 could not be installed").arg(shown(error.version)),
-        Text::of(error.description));
+    showTexts(error.version.empty()
+                  ? Text::tr("Nocta could not check for updates")
+                  : Text::tr("Nocta %1 could not be installed").arg(shown(error.version)),
+              Text::of(error.description));
     answers_->addStretch();
     addAnswer(Text::tr("OK"), "dismissButton", &Updater::dismiss);
 }
 
-void UpdateView::say(const QString& heading, const QString& text) {
+void UpdateView::showTexts(const QString& heading, const QString& text) {
     column_->addWidget(new Label(heading, TextStyle::heading));
     if (!text.isEmpty()) {
         column_->addWidget(new Label(text, TextStyle::paragraph));

@@ -27,7 +27,7 @@ private:
     void build(const UpdateHandedOver& update);
     void build(const UpdaterError& error);
 
-    void say(const QString& heading, const QString& text = {});
+    void showTexts(const QString& heading, const QString& text = {});
     void addAnswer(const QString& text, const char* identifier,
                    std::function<void(Updater&)> answer,
                    ActionButton::Rank rank = ActionButton::Rank::normal);

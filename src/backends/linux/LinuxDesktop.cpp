@@ -259,7 +259,7 @@ private:
     ReducedMotion reducedMotion_;
     SystemWake wake_;
     DisplayServer server_ = probeDisplayServer(runLoop_, notificationCenter_, wake_,
-                                               [this] { return reducedMotion_.isWished(); });
+                                               [this] { return reducedMotion_.isRequested(); });
     SysfsBacklight backlight_{*server_.displays, server_.outputName, setBrightnessThroughLogind};
     GeoClueLocationManager locationManager_{runLoop_, stateFolder() / "location-granted"};
     AutostartLoginItem loginItem_{configFolder() / "autostart" / "nocta.desktop",

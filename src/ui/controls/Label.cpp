@@ -38,18 +38,18 @@ Label::Label(const QString& text, TextStyle style) : QLabel(text), style_(style)
     setForegroundRole(QPalette::WindowText); // on a button it would be another
     setWordWrap(looks.at(static_cast<std::size_t>(style)).isWrapped);
     setContentsMargins(focusRingRoom, 0, focusRingRoom, 0); // in line with what has a ring
-    dress();
+    updateStyle();
 }
 
 void Label::changeEvent(QEvent* event) {
     QLabel::changeEvent(event);
     if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationFontChange) {
-        dress();
+        updateStyle();
     }
 }
 
-void Label::dress() {
-    if (std::exchange(isDressing_, true)) {
+void Label::updateStyle() {
+    if (std::exchange(isUpdating_, true)) {
         return; // the change is this one
     }
     const auto& look = looks.at(static_cast<std::size_t>(style_));
@@ -63,7 +63,7 @@ void Label::dress() {
         colors.setColor(QPalette::WindowText, secondaryColor(colors));
         setPalette(colors);
     }
-    isDressing_ = false;
+    isUpdating_ = false;
 }
 
 } // namespace nocta

@@ -22,10 +22,10 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void dress();
+    void updateStyle();
 
     TextStyle style_;
-    bool isDressing_ = false;
+    bool isUpdating_ = false;
 };
 
 } // namespace nocta

@@ -20,8 +20,8 @@ NumberPicker::NumberPicker(const QString& name, Setting<std::int64_t>& setting,
 }
 
 void NumberPicker::choose(std::int64_t number) {
-    if (strangerIndex_ >= 0) {
-        removeItem(std::exchange(strangerIndex_, -1));
+    if (unlistedIndex_ >= 0) {
+        removeItem(std::exchange(unlistedIndex_, -1));
     }
     int index = 0;
     while (index < count() && itemData(index).toLongLong() < number) {
@@ -29,7 +29,7 @@ void NumberPicker::choose(std::int64_t number) {
     }
     if (index == count() || itemData(index).toLongLong() != number) {
         insert(index, number);
-        strangerIndex_ = index;
+        unlistedIndex_ = index;
     }
     setCurrentIndex(index);
 }

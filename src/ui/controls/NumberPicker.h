@@ -27,7 +27,7 @@ private:
     void insert(int index, std::int64_t number);
 
     std::function<QString(std::int64_t)> label_;
-    int strangerIndex_ = -1; ///< of the one that is not offered
+    int unlistedIndex_ = -1; ///< of the one that is not offered
 };
 
 } // namespace nocta

@@ -12,25 +12,25 @@ ProgressBar::ProgressBar(const QString& name) {
     setAccessibleName(name);
     setRange(0, 0);
     setTextVisible(false);
-    dress();
+    updateColors();
 }
 
 void ProgressBar::changeEvent(QEvent* event) {
     QProgressBar::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
-        dress();
+        updateColors();
     }
 }
 
-void ProgressBar::dress() {
-    if (std::exchange(isDressing_, true)) {
+void ProgressBar::updateColors() {
+    if (std::exchange(isUpdating_, true)) {
         return; // the change is this one
     }
     setPalette({}); // what the window has
     auto colors = palette();
     colors.setColor(QPalette::Highlight, accentColor(colors));
     setPalette(colors);
-    isDressing_ = false;
+    isUpdating_ = false;
 }
 
 } // namespace nocta

@@ -14,9 +14,9 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void dress();
+    void updateColors();
 
-    bool isDressing_ = false;
+    bool isUpdating_ = false;
 };
 
 } // namespace nocta

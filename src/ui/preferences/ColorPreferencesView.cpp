@@ -66,12 +66,12 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
 
     auto* const automatic = makeToggle(Text::tr("Auto-adjust based on time"), "autoWarmthToggle",
                                        settings.autoWarmthEnabled);
-    explain(*automatic, missingForBrightness(instances));
+    automatic->setToolTip(missingForBrightness(instances));
     auto* const location =
         makeToggle(Text::tr("Use my location"), "locationToggle", settings.locationEnabled);
     follow(*location, instances.locationService().authorizationStatus,
            [location, &instances](AuthorizationStatus /*status*/) {
-               explain(*location, missingForLocation(instances));
+               location->setToolTip(missingForLocation(instances));
            });
     auto* const temperatures = new QWidget;
     auto* const rows = new QGridLayout(temperatures);
@@ -81,7 +81,7 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
     auto* const night = addTemperature(*rows, Text::tr("Night"), settings.colorTemperatureNight);
     night->setObjectName(QStringLiteral("nightTemperature"));
     for (auto* const temperature : {day, night}) {
-        explain(*temperature, missingForBrightness(instances));
+        temperature->setToolTip(missingForBrightness(instances));
     }
 
     auto* const temperature = addSection(Text::tr("Color Temperature"));

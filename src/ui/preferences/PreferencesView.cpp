@@ -18,7 +18,7 @@ namespace nocta {
 
 namespace {
 
-constexpr int leastWidth = 520; // points
+constexpr int minWidth = 520; // points
 constexpr int margin = 8;
 
 QWidget* makePage(PreferencesTab tab, SharedInstances& instances) {
@@ -62,7 +62,7 @@ PreferencesView::PreferencesView(SharedInstances& instances) {
     column->addSpacing(margin);
     column->addWidget(new Hairline);
     column->addWidget(pages);
-    setMinimumWidth(leastWidth);
+    setMinimumWidth(minWidth);
 }
 
 } // namespace nocta

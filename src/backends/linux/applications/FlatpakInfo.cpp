@@ -16,16 +16,17 @@ namespace {
 
 // The group that names the application comes first.
 constexpr std::size_t readLength = 4096;
-constexpr std::size_t longestId = 255;
+constexpr std::size_t maxIdLength = 255;
 
 constexpr std::string_view group = "[Application]";
 constexpr std::string_view key = "name=";
 
 bool isId(std::string_view text) {
-    return !text.empty() && text.size() <= longestId && std::ranges::all_of(text, [](char letter) {
-        return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '.' ||
-               letter == '_' || letter == '-';
-    });
+    return !text.empty() && text.size() <= maxIdLength &&
+           std::ranges::all_of(text, [](char letter) {
+               return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '.' ||
+                      letter == '_' || letter == '-';
+           });
 }
 
 std::string nameIn(std::string_view text) {

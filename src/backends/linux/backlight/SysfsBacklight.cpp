@@ -22,7 +22,7 @@ std::optional<int> readLevel(const std::filesystem::path& file) {
     return input >> level && level >= 0 ? std::optional(level) : std::nullopt;
 }
 
-std::optional<int> readLargestLevel(const std::filesystem::path& device) {
+std::optional<int> readMaxLevel(const std::filesystem::path& device) {
     const auto level = readLevel(device / "max_brightness");
     return level != 0 ? level : std::nullopt;
 }
@@ -42,24 +42,24 @@ SysfsBacklight::SysfsBacklight(Displays& displays, OutputName outputName,
 
 Status SysfsBacklight::getBrightness(DisplayId display, float& level) {
     const auto found = device(display);
-    const auto largest = found ? readLargestLevel(*found) : std::nullopt;
-    const auto current = largest ? readLevel(*found / "brightness") : std::nullopt;
+    const auto maxLevel = found ? readMaxLevel(*found) : std::nullopt;
+    const auto current = maxLevel ? readLevel(*found / "brightness") : std::nullopt;
     if (!current) {
         return statusFailure;
     }
-    level = static_cast<float>(std::min(*current, *largest)) / static_cast<float>(*largest);
+    level = static_cast<float>(std::min(*current, *maxLevel)) / static_cast<float>(*maxLevel);
     return statusSuccess;
 }
 
 Status SysfsBacklight::setBrightness(DisplayId display, float level) {
     const auto found = device(display);
-    const auto largest = found ? readLargestLevel(*found) : std::nullopt;
-    if (!largest || !(level >= 0 && level <= 1)) {
+    const auto maxLevel = found ? readMaxLevel(*found) : std::nullopt;
+    if (!maxLevel || !(level >= 0 && level <= 1)) {
         return statusFailure;
     }
     // On a device of few levels a low one must not become 0, which may mean "off".
     const auto lowest = level > 0 ? 1 : 0;
-    const auto raw = std::max(static_cast<int>(std::lround(double{level} * *largest)), lowest);
+    const auto raw = std::max(static_cast<int>(std::lround(double{level} * *maxLevel)), lowest);
     const auto isDone = writeLevel(*found / "brightness", raw) ||
                         sessionWriter_(found->filename().string(), static_cast<std::uint32_t>(raw));
     return isDone ? statusSuccess : statusFailure;

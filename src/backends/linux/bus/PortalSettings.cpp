@@ -17,7 +17,7 @@ const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
 } // namespace
 
 PortalSettings::PortalSettings(QStringList namespaces, std::function<void(Settings)> told)
-    : namespaces_(std::move(namespaces)), told_(std::move(told)) {
+    : namespaces_(std::move(namespaces)), changed_(std::move(told)) {
     read_.setSingleShot(true);
     QObject::connect(&read_, &QTimer::timeout, [this] { read(); });
     portal_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
@@ -42,7 +42,7 @@ void PortalSettings::read() {
         }
         Settings settings;
         qvariant_cast<QDBusArgument>(reply.arguments().constFirst()) >> settings;
-        told_(std::move(settings));
+        changed_(std::move(settings));
     });
 }
 

@@ -31,7 +31,7 @@ private:
     void read();
 
     QStringList namespaces_;
-    std::function<void(Settings)> told_;
+    std::function<void(Settings)> changed_;
     QDBusServiceWatcher portal_;
     QTimer read_; ///< reads at the end of the turn; a D-Bus signal can start a timer by itself
     Subscription sessionBus_;

@@ -14,11 +14,12 @@ constexpr auto reducedMotion = 1U;
 
 ReducedMotion::ReducedMotion()
     : settings_({appearance, gnomeInterface}, [this](PortalSettings::Settings settings) {
-          const auto wish = settings[appearance].value(QStringLiteral("reduced-motion"));
+          const auto setting = settings[appearance].value(QStringLiteral("reduced-motion"));
           const auto animations =
               settings[gnomeInterface].value(QStringLiteral("enable-animations"));
-          isWished_ = (wish.typeId() == QMetaType::UInt && wish.toUInt() == reducedMotion) ||
-                      (animations.typeId() == QMetaType::Bool && !animations.toBool());
+          isRequested_ =
+              (setting.typeId() == QMetaType::UInt && setting.toUInt() == reducedMotion) ||
+              (animations.typeId() == QMetaType::Bool && !animations.toBool());
       }) {}
 
 } // namespace nocta

@@ -11,10 +11,10 @@ class ReducedMotion {
 public:
     ReducedMotion();
 
-    bool isWished() const { return isWished_; }
+    bool isRequested() const { return isRequested_; }
 
 private:
-    bool isWished_ = false;
+    bool isRequested_ = false;
     PortalSettings settings_;
 };
 

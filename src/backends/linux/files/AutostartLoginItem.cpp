@@ -18,7 +18,7 @@ namespace nocta {
 
 namespace {
 
-constexpr std::size_t largestEntry = 1 << 16; // bytes
+constexpr std::size_t maxEntrySize = 1 << 16; // bytes
 
 /// An argument of an Exec line: quoted, with a backslash before what the quotes do not protect;
 /// as any string of a desktop entry, with its backslashes doubled; and with its percent signs
@@ -63,7 +63,7 @@ AutostartLoginItem::AutostartLoginItem(std::filesystem::path entry, std::filesys
 
 LoginItem::Status AutostartLoginItem::status() {
     std::string content;
-    if (readFile(entry_, largestEntry, content) != 0) {
+    if (readFile(entry_, maxEntrySize, content) != 0) {
         return Status::notRegistered;
     }
     bool isInside = false;

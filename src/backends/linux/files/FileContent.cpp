@@ -10,7 +10,7 @@
 
 namespace nocta {
 
-int readFile(const std::filesystem::path& file, std::size_t largest, std::string& content) {
+int readFile(const std::filesystem::path& file, std::size_t maxSize, std::string& content) {
     content.clear();
     const FileDescriptor input(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
@@ -21,7 +21,7 @@ int readFile(const std::filesystem::path& file, std::size_t largest, std::string
         return S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
     }
     std::array<char, 4096> block{};
-    while (content.size() <= largest) {
+    while (content.size() <= maxSize) {
         const auto length = read(input.get(), block.data(), block.size());
         if (length < 0) {
             return errno;

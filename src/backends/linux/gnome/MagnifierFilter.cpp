@@ -70,7 +70,7 @@ void MagnifierFilter::turnGray() {
                   << "; the screen keeps its colors" << std::endl;
         return;
     }
-    helper_.whenHeard([this] { receive(); });
+    helper_.whenReadable([this] { receive(); });
 }
 
 void MagnifierFilter::receive() {

@@ -176,13 +176,13 @@ FileDescriptor lock(const std::filesystem::path& folder) {
     return descriptor;
 }
 
-void say(MagnifierAnswer answer) {
+void sendAnswer(MagnifierAnswer answer) {
     if (write(STDOUT_FILENO, &answer, 1) != 1) {
         std::_Exit(EXIT_SUCCESS); // Nocta has gone
     }
 }
 
-std::optional<char> hear() {
+std::optional<char> readCommand() {
     char byte = 0;
     return read(STDIN_FILENO, &byte, 1) == 1 ? std::optional(byte) : std::nullopt;
 }
@@ -204,14 +204,14 @@ int main(int argumentCount, char** arguments) {
     const std::string stateFile = arguments[1];
     const auto held = lock(std::filesystem::path(stateFile).parent_path());
     if (!isAvailable()) {
-        say(MagnifierAnswer::unavailable);
+        sendAnswer(MagnifierAnswer::unavailable);
         return EXIT_SUCCESS;
     }
     putBack(stateFile);
-    say(isGray() ? MagnifierAnswer::gray : MagnifierAnswer::colored);
-    if (hear() == magnifierTurnGray) {
+    sendAnswer(isGray() ? MagnifierAnswer::gray : MagnifierAnswer::colored);
+    if (readCommand() == magnifierTurnGray) {
         turnGray(stateFile);
-        while (hear()) {
+        while (readCommand()) {
         }
         putBack(stateFile);
     }

@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 // At login the service, or who asks the user for it, may come up after this program.
 constexpr Duration firstRetryDelay = 1min;
-constexpr Duration longestRetryDelay = 1h;
+constexpr Duration maxRetryDelay = 1h;
 
 bool isThere(const std::filesystem::path& file) {
     std::error_code error;
@@ -99,7 +99,7 @@ void GeoClueLocationManager::failed(const std::string& description) {
     client_.reset();
     if (isUpdating_) {
         retry_.start(runLoop_, retryDelay_, Repeat::no, [this] { open(); });
-        retryDelay_ = std::min(2 * retryDelay_, longestRetryDelay);
+        retryDelay_ = std::min(2 * retryDelay_, maxRetryDelay);
     }
     if (delegate_ != nullptr) {
         delegate_->didFailWithError(description);

@@ -66,7 +66,7 @@ public:
             return;
         }
         helper_.endInput();
-        helper_.whenHeard([this] { hear(); });
+        helper_.whenReadable([this] { receive(); });
         timeout_.start(runLoop, request.timeout, Repeat::no,
                        [this] { finish({.error = "It took too long"}); });
     }
@@ -86,7 +86,7 @@ private:
     }
 
     /// As much as is there, a piece at a time.
-    void hear() {
+    void receive() {
         const auto self = shared_from_this(); // for as long as this is being called
         const auto length = helper_.receive(buffer_.data() + filled_, buffer_.size() - filled_);
         if (length < 0 && errno == EAGAIN) {
@@ -97,7 +97,7 @@ private:
             return;
         }
         filled_ += static_cast<std::size_t>(length);
-        while (const auto used = understand()) {
+        while (const auto used = parseMessage()) {
             std::copy(buffer_.begin() + static_cast<std::ptrdiff_t>(used),
                       buffer_.begin() + static_cast<std::ptrdiff_t>(filled_), buffer_.begin());
             filled_ -= used;
@@ -106,7 +106,7 @@ private:
 
     /// The size of the message at the beginning of the buffer, once it was dealt with; 0 if it is
     /// not whole, or nobody wants more.
-    std::size_t understand() {
+    std::size_t parseMessage() {
         FetchMessage message;
         if (completion_ == nullptr || filled_ < sizeof message) {
             return 0;
@@ -120,7 +120,7 @@ private:
             }
             return sizeof message;
         case FetchKind::data:
-            if (message.value <= largestFetchPiece) {
+            if (message.value <= maxFetchPieceSize) {
                 return receive(sizeof message, message.value);
             }
             break;
@@ -156,7 +156,7 @@ private:
     UrlSession::DidReceiveData didReceiveData_;
     std::string refusal_;
     std::optional<int> status_;
-    std::array<char, sizeof(FetchMessage) + largestFetchPiece> buffer_{};
+    std::array<char, sizeof(FetchMessage) + maxFetchPieceSize> buffer_{};
     std::size_t filled_ = 0;
     HelperProcess helper_;
     Timer timeout_;

@@ -19,7 +19,7 @@ namespace {
 
 using namespace nocta;
 
-constexpr long mostRedirections = 10;
+constexpr long maxRedirects = 10;
 
 bool writeAll(const void* data, std::size_t size) {
     const auto* bytes = static_cast<const char*>(data);
@@ -34,7 +34,7 @@ bool writeAll(const void* data, std::size_t size) {
     return true;
 }
 
-bool say(FetchKind kind, std::uint32_t value = 0) {
+bool send(FetchKind kind, std::uint32_t value = 0) {
     const FetchMessage message{kind, value};
     return writeAll(&message, sizeof message);
 }
@@ -56,7 +56,7 @@ public:
         set(CURLOPT_PROTOCOLS_STR, "https");
         set(CURLOPT_REDIR_PROTOCOLS_STR, "https");
         set(CURLOPT_FOLLOWLOCATION, 1L);
-        set(CURLOPT_MAXREDIRS, mostRedirections);
+        set(CURLOPT_MAXREDIRS, maxRedirects);
         set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
         set(CURLOPT_NOSIGNAL, 1L);
         if (const auto file = request.at("certificates").get<std::string>(); !file.empty()) {
@@ -86,9 +86,9 @@ public:
     bool run() {
         const auto code = curl_easy_perform(handle_);
         if (code != CURLE_OK) {
-            return say(FetchKind::error, static_cast<std::uint32_t>(errorOf(code)));
+            return send(FetchKind::error, static_cast<std::uint32_t>(errorOf(code)));
         }
-        return sayStatus() && say(FetchKind::end);
+        return sendStatus() && send(FetchKind::end);
     }
 
 private:
@@ -120,24 +120,24 @@ private:
         }
     }
 
-    bool sayStatus() {
+    bool sendStatus() {
         if (hasSaidStatus_) {
             return true;
         }
         hasSaidStatus_ = true;
         long status = 0;
         curl_easy_getinfo(handle_, CURLINFO_RESPONSE_CODE, &status);
-        return say(FetchKind::status, static_cast<std::uint32_t>(status));
+        return send(FetchKind::status, static_cast<std::uint32_t>(status));
     }
 
     static std::size_t receive(char* data, std::size_t /*one*/, std::size_t size, void* self) {
         auto& transfer = *static_cast<Transfer*>(self);
-        if (!transfer.sayStatus()) {
+        if (!transfer.sendStatus()) {
             return CURL_WRITEFUNC_ERROR;
         }
         for (std::size_t done = 0; done < size;) {
-            const auto piece = std::min<std::size_t>(size - done, largestFetchPiece);
-            if (!say(FetchKind::data, static_cast<std::uint32_t>(piece)) ||
+            const auto piece = std::min<std::size_t>(size - done, maxFetchPieceSize);
+            if (!send(FetchKind::data, static_cast<std::uint32_t>(piece)) ||
                 !writeAll(data + done, piece)) {
                 return CURL_WRITEFUNC_ERROR;
             }

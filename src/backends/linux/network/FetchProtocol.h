@@ -26,6 +26,6 @@ struct FetchMessage {
     std::uint32_t value = 0; ///< the status, the size of the data that follow, or a FetchError
 };
 
-inline constexpr std::uint32_t largestFetchPiece = 1 << 16; ///< bytes
+inline constexpr std::uint32_t maxFetchPieceSize = 1 << 16; ///< bytes
 
 } // namespace nocta

@@ -98,15 +98,15 @@ void HelperProcess::endInput() const {
 }
 
 void HelperProcess::whenEnded(std::function<void()> action) {
-    whenHeard([this, action = std::move(action)] {
+    whenReadable([this, action = std::move(action)] {
         kill();
         action();
     });
 }
 
-void HelperProcess::whenHeard(std::function<void()> action) {
-    heard_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
-    QObject::connect(heard_.get(), &QSocketNotifier::activated, std::move(action));
+void HelperProcess::whenReadable(std::function<void()> action) {
+    readable_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
+    QObject::connect(readable_.get(), &QSocketNotifier::activated, std::move(action));
 }
 
 ssize_t HelperProcess::receive(char* data, std::size_t size) const {
@@ -139,9 +139,9 @@ void HelperProcess::reap() {
 
 void HelperProcess::release() {
     process_ = -1;
-    if (heard_ != nullptr) {
-        heard_->setEnabled(false);
-        heard_.release()->deleteLater(); // this may run inside its signal
+    if (readable_ != nullptr) {
+        readable_->setEnabled(false);
+        readable_.release()->deleteLater(); // this may run inside its signal
     }
     socket_.reset();
 }

@@ -45,7 +45,7 @@ public:
     void whenEnded(std::function<void()> action);
 
     /// Called from the event loop whenever there is something to receive, its end included.
-    void whenHeard(std::function<void()> action);
+    void whenReadable(std::function<void()> action);
 
     /// At most `size` bytes of what it has said, as `recv` without waiting: 0 at its end.
     ssize_t receive(char* data, std::size_t size) const;
@@ -64,7 +64,7 @@ private:
 
     pid_t process_ = -1;
     FileDescriptor socket_;
-    std::unique_ptr<QSocketNotifier> heard_;
+    std::unique_ptr<QSocketNotifier> readable_;
 };
 
 } // namespace nocta

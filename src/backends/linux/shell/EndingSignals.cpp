@@ -15,7 +15,7 @@ constexpr unsigned int maxDelay = 1; // seconds
 volatile std::sig_atomic_t wakeUpDescriptor = -1;
 volatile std::sig_atomic_t receivedSignal = 0;
 
-void tellTheLoop(int signal) {
+void notifyLoop(int signal) {
     const auto error = errno;
     receivedSignal = signal;
     alarm(maxDelay);
@@ -54,7 +54,7 @@ EndingSignals::EndingSignals(std::function<void()> received)
         struct sigaction inherited {};
         sigaction(signal, nullptr, &inherited);
         if (inherited.sa_handler != SIG_IGN) {
-            handle(signal, tellTheLoop);
+            handle(signal, notifyLoop);
         }
     }
 }

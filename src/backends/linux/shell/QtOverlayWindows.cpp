@@ -19,7 +19,7 @@ namespace nocta {
 namespace {
 
 /// In one break, as another program may insist as well.
-constexpr int mostTakenBack = 10;
+constexpr int maxTakenBack = 10;
 
 /// Those of our keys that mean something to anyone; -1 for all others.
 std::int64_t nativeKeyCode(int key) {
@@ -245,7 +245,7 @@ std::optional<Rect> QtOverlayWindows::pixelsOf(const QScreen& screen) {
 
 /// Another program's window is none to Qt.
 void QtOverlayWindows::keyboardHasGoneTo(const QWindow* window) {
-    if (window == nullptr && keyWindow_ != nullptr && ++timesTakenBack_ <= mostTakenBack) {
+    if (window == nullptr && keyWindow_ != nullptr && ++timesTakenBack_ <= maxTakenBack) {
         keyWindow_->takeKeyboard();
     }
 }

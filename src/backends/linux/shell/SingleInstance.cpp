@@ -139,9 +139,9 @@ void SingleInstance::close() {
 }
 
 void SingleInstance::answer() {
-    const FileDescriptor visitor(accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
-    if (visitor) {
-        send(visitor.get(), "y", 1, MSG_NOSIGNAL);
+    const FileDescriptor client(accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (client) {
+        send(client.get(), "y", 1, MSG_NOSIGNAL);
         started_();
     }
 }

@@ -14,13 +14,13 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr auto sparkle = "http://www.andymatuschak.org/xml-namespaces/sparkle"_L1;
 
-constexpr qsizetype longestValue = 2048; // bytes; an address needs the most
-constexpr qsizetype longestVersion = 64;
+constexpr qsizetype maxValueLength = 2048; // bytes; an address needs the most
+constexpr qsizetype maxVersionLength = 64;
 
 /// Without what surrounds it; nothing where it is longer than any honest value.
-std::string value(QStringView text, qsizetype longest = longestValue) {
+std::string value(QStringView text, qsizetype maxLength = maxValueLength) {
     const auto bytes = text.trimmed().toUtf8();
-    return bytes.size() <= longest ? bytes.toStdString() : std::string();
+    return bytes.size() <= maxLength ? bytes.toStdString() : std::string();
 }
 
 /// It is shown: one of printable characters alone.
@@ -30,7 +30,7 @@ std::string version(QStringView text) {
             return {};
         }
     }
-    return value(text, longestVersion);
+    return value(text, maxVersionLength);
 }
 
 class AppcastReader {

@@ -20,8 +20,8 @@ constexpr Duration checkInterval = 24h;
 constexpr Duration lookInterval = 1h; // at the wall clock, which goes on while the machine sleeps
 constexpr auto feedTimeout = 60s;
 constexpr auto fileTimeout = 1h;
-constexpr std::size_t largestFeed = 1 << 17;    // bytes
-constexpr std::int64_t largestFile = 1LL << 30; // bytes
+constexpr std::size_t maxFeedSize = 1 << 17;    // bytes
+constexpr std::int64_t maxFileSize = 1LL << 30; // bytes
 constexpr int succeeded = 200;
 
 constexpr std::array packageSuffixes = {".deb", ".rpm"};
@@ -42,14 +42,14 @@ bool isForThisSystem(const AppcastItem& item, const std::string& systemVersion) 
 }
 
 /// Why a release cannot be offered, whatever its file will be.
-std::optional<std::string> flaw(const AppcastItem& item) {
+std::optional<std::string> problemWith(const AppcastItem& item) {
     if (!item.url.starts_with("https://")) {
         return "The file's address is not encrypted";
     }
     if (!ed25519Signature(item.edSignature)) {
         return "The file is not signed";
     }
-    if (item.length <= 0 || item.length > largestFile) {
+    if (item.length <= 0 || item.length > maxFileSize) {
         return "The feed gives the file no length that could be right";
     }
     if (!packageName(item.url)) {
@@ -181,7 +181,7 @@ void AppcastUpdater::check() {
 }
 
 void AppcastUpdater::receiveFeed(std::string_view piece) {
-    if (piece.size() > largestFeed - feed_.size()) {
+    if (piece.size() > maxFeedSize - feed_.size()) {
         fail("The feed is too long");
         return;
     }
@@ -220,7 +220,7 @@ void AppcastUpdater::offer(const AppcastItem& item) {
         finish();
         return;
     }
-    if (const auto reason = flaw(item)) {
+    if (const auto reason = problemWith(item)) {
         fail(*reason);
         return;
     }

@@ -12,9 +12,9 @@ namespace nocta {
 
 namespace {
 
-constexpr qsizetype longestMarkup = 1 << 18; // characters; the rest is not looked at
-constexpr qsizetype longestNotes = 1 << 14;
-constexpr qsizetype longestReference = 10;
+constexpr qsizetype maxMarkupLength = 1 << 18; // characters; the rest is not looked at
+constexpr qsizetype maxNotesLength = 1 << 14;
+constexpr qsizetype maxReferenceLength = 10;
 
 constexpr std::array lineElements = {QStringView(u"br"), QStringView(u"p"),  QStringView(u"div"),
                                      QStringView(u"ul"), QStringView(u"ol"), QStringView(u"tr"),
@@ -112,7 +112,7 @@ private:
     }
 
     void readReference() {
-        const auto end = rest_.first(std::min(rest_.size(), longestReference)).indexOf(u';');
+        const auto end = rest_.first(std::min(rest_.size(), maxReferenceLength)).indexOf(u';');
         const auto character = end < 0 ? std::nullopt : referenced(rest_.sliced(1, end - 1));
         if (!character) {
             add(u'&');
@@ -164,9 +164,9 @@ QString tidy(const QString& text) {
             lines += visible;
             newLines = 0;
         }
-        if (lines.size() > longestNotes) {
-            const auto isSplit = lines.at(longestNotes - 1).isHighSurrogate();
-            return lines.first(longestNotes - (isSplit ? 1 : 0)) + u'…';
+        if (lines.size() > maxNotesLength) {
+            const auto isSplit = lines.at(maxNotesLength - 1).isHighSurrogate();
+            return lines.first(maxNotesLength - (isSplit ? 1 : 0)) + u'…';
         }
     }
     return lines;
@@ -175,7 +175,7 @@ QString tidy(const QString& text) {
 } // namespace
 
 std::string releaseNotes(const QString& text, NotesFormat format) {
-    const auto looked = text.first(std::min(text.size(), longestMarkup));
+    const auto looked = text.first(std::min(text.size(), maxMarkupLength));
     return tidy(format == NotesFormat::html ? HtmlText(looked).read() : looked).toStdString();
 }
 

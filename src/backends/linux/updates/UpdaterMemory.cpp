@@ -16,7 +16,7 @@ namespace nocta {
 
 namespace {
 
-constexpr std::size_t largestRecord = 1 << 16; // bytes
+constexpr std::size_t maxRecordSize = 1 << 16; // bytes
 
 constexpr auto checksAutomatically = "checksAutomatically";
 constexpr auto downloadsAutomatically = "downloadsAutomatically";
@@ -76,7 +76,7 @@ std::string serialized(const UpdaterRecord& record) {
 
 UpdaterMemory::UpdaterMemory(std::filesystem::path file) : file_(std::move(file)) {
     std::string content;
-    isKept_ = readFile(file_, largestRecord, content) == 0;
+    isKept_ = readFile(file_, maxRecordSize, content) == 0;
     record_ = parseUpdaterRecord(content);
 }
 

@@ -79,8 +79,8 @@ FactoryMatrices readFactoryMatrices(xcb_connection_t* connection, xcb_window_t r
     return matrices;
 }
 
-void keepFactoryMatrices(xcb_connection_t* connection, xcb_window_t root,
-                         const FactoryMatrices& matrices) {
+void storeFactoryMatrices(xcb_connection_t* connection, xcb_window_t root,
+                          const FactoryMatrices& matrices) {
     std::vector<std::uint32_t> numbers;
     for (const auto& [output, matrix] : matrices) {
         numbers.push_back(output);
@@ -89,11 +89,11 @@ void keepFactoryMatrices(xcb_connection_t* connection, xcb_window_t root,
     property(connection, root).write(numbers);
 }
 
-void giveBack(xcb_connection_t* connection, xcb_window_t root, const FactoryMatrices& matrices) {
+void restore(xcb_connection_t* connection, xcb_window_t root, const FactoryMatrices& matrices) {
     for (const auto& [output, matrix] : matrices) {
         writeMatrix(connection, output, matrix);
     }
-    keepFactoryMatrices(connection, root, {});
+    storeFactoryMatrices(connection, root, {});
 }
 
 } // namespace nocta

@@ -32,10 +32,10 @@ void writeMatrix(xcb_connection_t* connection, xcb_randr_output_t output,
 FactoryMatrices readFactoryMatrices(xcb_connection_t* connection, xcb_window_t root);
 
 /// Keeps these and no others, at once for whoever reads them.
-void keepFactoryMatrices(xcb_connection_t* connection, xcb_window_t root,
-                         const FactoryMatrices& matrices);
+void storeFactoryMatrices(xcb_connection_t* connection, xcb_window_t root,
+                          const FactoryMatrices& matrices);
 
 /// Writes all of them to their outputs and keeps them no more.
-void giveBack(xcb_connection_t* connection, xcb_window_t root, const FactoryMatrices& matrices);
+void restore(xcb_connection_t* connection, xcb_window_t root, const FactoryMatrices& matrices);
 
 } // namespace nocta

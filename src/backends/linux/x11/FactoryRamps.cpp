@@ -47,7 +47,7 @@ FactoryRamps readFactoryRamps(xcb_connection_t* connection, xcb_window_t root) {
     return ramps;
 }
 
-void keepFactoryRamps(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps) {
+void storeFactoryRamps(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps) {
     std::vector<std::uint32_t> numbers;
     for (const auto& [crtc, ramp] : ramps) {
         numbers.push_back(crtc);
@@ -59,12 +59,12 @@ void keepFactoryRamps(xcb_connection_t* connection, xcb_window_t root, const Fac
     property(connection, root).write(numbers);
 }
 
-void giveBack(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps) {
+void restore(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps) {
     for (const auto& [crtc, ramp] : ramps) {
         xcb_randr_set_crtc_gamma(connection, crtc, static_cast<std::uint16_t>(ramp.size()),
                                  ramp.red.data(), ramp.green.data(), ramp.blue.data());
     }
-    keepFactoryRamps(connection, root, {});
+    storeFactoryRamps(connection, root, {});
 }
 
 } // namespace nocta

@@ -19,9 +19,9 @@ using FactoryRamps = std::map<xcb_randr_crtc_t, GammaRamp>;
 FactoryRamps readFactoryRamps(xcb_connection_t* connection, xcb_window_t root);
 
 /// Keeps these and no others, at once for whoever reads them.
-void keepFactoryRamps(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps);
+void storeFactoryRamps(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps);
 
 /// Writes all of them to their CRTCs and keeps them no more.
-void giveBack(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps);
+void restore(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps);
 
 } // namespace nocta

@@ -74,11 +74,11 @@ void Guardian::launch() {
         answer(0);
         return;
     }
-    helper_.whenHeard([this] { hear(); });
+    helper_.whenReadable([this] { receive(); });
     timeout_.start(runLoop_, answerTimeout, Repeat::no, [this] { answer(0); });
 }
 
-void Guardian::hear() {
+void Guardian::receive() {
     char byte = 0;
     const auto length = helper_.receive(&byte, 1);
     if (length < 0 && errno == EAGAIN) {

@@ -53,7 +53,7 @@ public:
 
 private:
     void launch();
-    void hear();
+    void receive();
     void answer(char byte);
     void replace();
     void change(Permission permission);

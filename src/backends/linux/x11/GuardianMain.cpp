@@ -238,8 +238,8 @@ int main(int argumentCount, char** arguments) {
     if (selectionOwner() != ownWindow) {
         end(EXIT_SUCCESS); // this process was frozen, and the screen is another Nocta's
     }
-    giveBack(x, root, readFactoryRamps(x, root));
-    giveBack(x, root, readFactoryMatrices(x, root));
+    restore(x, root, readFactoryRamps(x, root));
+    restore(x, root, readFactoryMatrices(x, root));
     std::free(xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr)); // wait for it
     end(EXIT_SUCCESS);
 }

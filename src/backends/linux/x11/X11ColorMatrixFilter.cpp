@@ -51,7 +51,7 @@ void X11ColorMatrixFilter::setOn(bool on) {
         isWaiting_ = true;
         take(guardian_.request(this));
     } else if (std::exchange(isOurs_, false) && !isWaiting_) {
-        giveBackDisplays();
+        restoreDisplays();
     }
 }
 
@@ -66,7 +66,7 @@ void X11ColorMatrixFilter::take(Guardian::Permission permission) {
     } else if (isWaiting && isOurs_) {
         grayDisplays();
     } else if (isWaiting) {
-        giveBackDisplays();
+        restoreDisplays();
     }
 }
 
@@ -89,17 +89,17 @@ void X11ColorMatrixFilter::grayDisplays() {
     for (const auto& [output, matrix] : shown) {
         kept.emplace(output, matrix);
     }
-    keepFactoryMatrices(x, root, kept);
+    storeFactoryMatrices(x, root, kept);
     for (const auto& display : shown) {
         writeMatrix(x, display.output, grayMatrix());
     }
     connection_.finishTurn();
 }
 
-void X11ColorMatrixFilter::giveBackDisplays() {
+void X11ColorMatrixFilter::restoreDisplays() {
     guardian_.restore(this, [this] {
         auto* const x = connection_.get();
-        giveBack(x, connection_.root(), readFactoryMatrices(x, connection_.root()));
+        restore(x, connection_.root(), readFactoryMatrices(x, connection_.root()));
     });
 }
 

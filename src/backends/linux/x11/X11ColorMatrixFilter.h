@@ -38,7 +38,7 @@ private:
     std::vector<DisplayMatrix> matrices() const;
     void take(Guardian::Permission permission);
     void grayDisplays();
-    void giveBackDisplays();
+    void restoreDisplays();
 
     X11Connection& connection_;
     X11Displays& displays_;

@@ -83,7 +83,7 @@ void X11GammaOutput::displayRestoreColorSyncSettings() {
         for (const auto& [id, crtc] : crtcs_) {
             find(id); // a display may have been calibrated that nothing was written to since
         }
-        giveBack(connection_.get(), connection_.root(), factoryRamps());
+        restore(connection_.get(), connection_.root(), factoryRamps());
     });
     crtcs_.clear();
 }
@@ -145,7 +145,7 @@ void X11GammaOutput::arm() {
     for (auto& [id, ramp] : readFactoryRamps(connection_.get(), connection_.root())) {
         crtcs_[id].setFactory(std::move(ramp));
     }
-    keepFactoryRamps(connection_.get(), connection_.root(), factoryRamps()); // and nothing else
+    storeFactoryRamps(connection_.get(), connection_.root(), factoryRamps()); // and nothing else
     const auto* const display = std::getenv("DISPLAY");
     for (const auto& name : otherGammaPrograms(display == nullptr ? "" : display)) {
         std::cerr << "nocta: " << name << " sets the gamma of this display too; end one of the two"
@@ -168,7 +168,7 @@ X11GammaOutput::Crtc* X11GammaOutput::find(xcb_randr_crtc_t id) {
     crtc.wasOff = false;
     if (crtc.written.size() == 0 || !isSame(*ramp, crtc.written)) {
         crtc.setFactory(std::move(*ramp));
-        keepFactoryRamps(connection_.get(), connection_.root(), factoryRamps());
+        storeFactoryRamps(connection_.get(), connection_.root(), factoryRamps());
     }
     return &crtc;
 }

@@ -16,9 +16,9 @@ namespace nocta {
 namespace {
 
 // Bounds of what is read of a property, in units of 32 bits.
-constexpr std::uint32_t longestText = 256;
-constexpr std::uint32_t mostWindows = 1024;
-constexpr std::uint32_t mostAtoms = 64;
+constexpr std::uint32_t maxTextLength = 256;
+constexpr std::uint32_t maxWindows = 1024;
+constexpr std::uint32_t maxAtoms = 64;
 
 constexpr std::uint32_t onEveryDesktop = 0xFFFFFFFF;
 
@@ -97,7 +97,7 @@ std::optional<RunningApplication> X11Workspace::frontmostApplication() {
 
 std::optional<std::vector<WindowInfo>> X11Workspace::copyWindowInfo() {
     auto* const x = connection_.get();
-    const auto windows = managedWindows(atoms_.clientListStacking, mostWindows);
+    const auto windows = managedWindows(atoms_.clientListStacking, maxWindows);
     connection_.finishTurn();
     if (!windows) {
         return std::nullopt;
@@ -114,8 +114,8 @@ std::optional<std::vector<WindowInfo>> X11Workspace::copyWindowInfo() {
             {.attributes = xcb_get_window_attributes(x, window),
              .geometry = xcb_get_geometry(x, window),
              .desktop = property(window, atoms_.wmDesktop, XCB_ATOM_CARDINAL, 1),
-             .state = property(window, atoms_.wmState, XCB_ATOM_ATOM, mostAtoms),
-             .type = property(window, atoms_.wmWindowType, XCB_ATOM_ATOM, mostAtoms)});
+             .state = property(window, atoms_.wmState, XCB_ATOM_ATOM, maxAtoms),
+             .type = property(window, atoms_.wmWindowType, XCB_ATOM_ATOM, maxAtoms)});
     }
 
     const auto shownDesktop = currentDesktop.numbers();
@@ -183,7 +183,7 @@ std::optional<RunningApplication> X11Workspace::applicationOf(xcb_window_t windo
         return std::nullopt;
     }
     const auto property = [&](xcb_atom_t atom, xcb_atom_t type) {
-        return WindowProperty(connection_, window, atom, type, longestText);
+        return WindowProperty(connection_, window, atom, type, maxTextLength);
     };
     const auto windowClass = property(XCB_ATOM_WM_CLASS, XCB_ATOM_ANY);
     const auto name = property(atoms_.wmName, atoms_.utf8String);

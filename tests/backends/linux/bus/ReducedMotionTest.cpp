@@ -20,48 +20,48 @@ TEST_F(ReducedMotionTest, FollowsTheWishAndTheSwitchForAnimations) {
     SettingsPortal portal(bus);
     portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
     const ReducedMotion motion;
-    EXPECT_FALSE(motion.isWished()) << "not known yet";
-    ASSERT_TRUE(serveUntil([&] { return motion.isWished(); }));
+    EXPECT_FALSE(motion.isRequested()) << "not known yet";
+    ASSERT_TRUE(serveUntil([&] { return motion.isRequested(); }));
 
     portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 0U;
     portal.sayThatASettingHasChanged();
-    ASSERT_TRUE(serveUntil([&] { return !motion.isWished(); }));
+    ASSERT_TRUE(serveUntil([&] { return !motion.isRequested(); }));
 
     portal.settings["org.gnome.desktop.interface"]["enable-animations"] = false;
     portal.sayThatASettingHasChanged();
-    ASSERT_TRUE(serveUntil([&] { return motion.isWished(); }));
+    ASSERT_TRUE(serveUntil([&] { return motion.isRequested(); }));
 
     portal.settings["org.gnome.desktop.interface"]["enable-animations"] = true;
     portal.sayThatASettingHasChanged();
-    EXPECT_TRUE(serveUntil([&] { return !motion.isWished(); }));
+    EXPECT_TRUE(serveUntil([&] { return !motion.isRequested(); }));
 }
 
 TEST_F(ReducedMotionTest, PortalThatComesAfterTheProgramIsAsked) {
     const ReducedMotion motion;
     SettingsPortal portal(bus);
     portal.settings["org.gnome.desktop.interface"]["enable-animations"] = false;
-    EXPECT_TRUE(serveUntil([&] { return motion.isWished(); }));
+    EXPECT_TRUE(serveUntil([&] { return motion.isRequested(); }));
 }
 
 TEST_F(ReducedMotionTest, NonsenseChangesNothing) {
     SettingsPortal portal(bus);
     portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
     const ReducedMotion motion;
-    ASSERT_TRUE(serveUntil([&] { return motion.isWished(); }));
+    ASSERT_TRUE(serveUntil([&] { return motion.isRequested(); }));
     for (const auto& nonsense :
          {QVariant("text"), QVariant(0U), QVariant(QVariantMap{{"reduced-motion", 0U}})}) {
         portal.nonsense = nonsense;
         portal.sayThatASettingHasChangedAndIsHeard();
-        EXPECT_TRUE(motion.isWished());
+        EXPECT_TRUE(motion.isRequested());
     }
     portal.nonsense.reset();
     for (const auto& value : {QVariant("1"), QVariant(2U)}) {
         portal.settings["org.freedesktop.appearance"]["reduced-motion"] = value;
         portal.sayThatASettingHasChanged();
-        EXPECT_TRUE(serveUntil([&] { return !motion.isWished(); })) << "no preference";
+        EXPECT_TRUE(serveUntil([&] { return !motion.isRequested(); })) << "no preference";
         portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
         portal.sayThatASettingHasChanged();
-        EXPECT_TRUE(serveUntil([&] { return motion.isWished(); }));
+        EXPECT_TRUE(serveUntil([&] { return motion.isRequested(); }));
     }
 }
 
@@ -69,7 +69,7 @@ TEST(ReducedMotion, IsNotWishedWhereThereIsNoBus) {
     { const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS"); }
     const ReducedMotion motion;
     QCoreApplication::processEvents();
-    EXPECT_FALSE(motion.isWished());
+    EXPECT_FALSE(motion.isRequested());
 }
 
 } // namespace

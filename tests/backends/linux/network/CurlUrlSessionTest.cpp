@@ -166,7 +166,7 @@ TEST_F(CurlUrlSessionTest, TaskThatIsDroppedIsNotCompleted) {
 class CurlUrlSessionBodyTest : public CurlUrlSessionTest {
 protected:
     std::string body;
-    std::size_t longestPiece = 0;
+    std::size_t maxPieceSize = 0;
 
     UrlResponse get(const std::function<void()>& afterPiece = [] {}) {
         std::optional<UrlResponse> response;
@@ -179,7 +179,7 @@ protected:
             [&](const UrlResponse& answer) { response = answer; },
             [&, afterPiece](std::string_view piece) {
                 body += piece;
-                longestPiece = std::max(longestPiece, piece.size());
+                maxPieceSize = std::max(maxPieceSize, piece.size());
                 afterPiece();
             });
         EXPECT_TRUE(serveUntil([&] { return response.has_value() || !task; }));
@@ -202,14 +202,14 @@ TEST_F(CurlUrlSessionBodyTest, ComesWholeAndInPieces) {
     answerWith(content);
     EXPECT_EQ(get().statusCode, 200);
     EXPECT_TRUE(body == content);
-    EXPECT_LE(longestPiece, 65536U);
+    EXPECT_LE(maxPieceSize, 65536U);
     EXPECT_TRUE(server.request.starts_with("GET /feed HTTP/1.1\r\n"));
 }
 
 TEST_F(CurlUrlSessionBodyTest, TaskMayBeEndedByWhoeverReceives) {
     answerWith(std::string(1'000'000, 'x'));
     EXPECT_FALSE(get([this] { task.cancel(); }).statusCode);
-    EXPECT_EQ(body.size(), longestPiece) << "one piece";
+    EXPECT_EQ(body.size(), maxPieceSize) << "one piece";
 }
 
 TEST_F(CurlUrlSessionBodyTest, NothingIsUnpacked) {

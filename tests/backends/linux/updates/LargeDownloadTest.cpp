@@ -22,8 +22,8 @@ namespace nocta {
 namespace {
 
 constexpr std::int64_t gibibyte = 1LL << 30;
-constexpr std::int64_t mostGrowth = 16LL << 20;    // bytes
-constexpr std::int64_t mostOfAHelper = 32LL << 20; // bytes, all of it
+constexpr std::int64_t maxGrowth = 16LL << 20;     // bytes
+constexpr std::int64_t maxHelperSize = 32LL << 20; // bytes, all of it
 
 /// The most memory that this process has had, in bytes.
 std::int64_t peakMemory() {
@@ -155,8 +155,8 @@ protected:
         }
     }
     void expectLittleGrowth(std::int64_t before) {
-        EXPECT_LT(peakMemory() - before, mostGrowth);
-        EXPECT_LT(peakMemoryOfHelpers(), mostOfAHelper);
+        EXPECT_LT(peakMemory() - before, maxGrowth);
+        EXPECT_LT(peakMemoryOfHelpers(), maxHelperSize);
         RecordProperty("growth", std::to_string(peakMemory() - before));
         RecordProperty("helper", std::to_string(peakMemoryOfHelpers()));
     }

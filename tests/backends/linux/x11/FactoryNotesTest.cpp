@@ -58,7 +58,7 @@ protected:
         return note;
     }
     Bytes rampNote(const FactoryRamps& ramps) {
-        keepFactoryRamps(x, root, ramps);
+        storeFactoryRamps(x, root, ramps);
         session.connection.synchronize();
         return session.client.rootProperty(rampsProperty);
     }
@@ -67,7 +67,7 @@ protected:
         for (std::uint32_t i = 0; i < 12; ++i) {
             matrices.emplace(static_cast<xcb_randr_output_t>(display) + i, matrix);
         }
-        keepFactoryMatrices(x, root, matrices);
+        storeFactoryMatrices(x, root, matrices);
         session.connection.synchronize();
         return session.client.rootProperty(matricesProperty);
     }
@@ -112,16 +112,16 @@ INSTANTIATE_TEST_SUITE_P(Servers, FactoryNotesTest,
                          });
 
 TEST_P(FactoryNotesTest, RampsAreReadAsTheyWereKeptAndReplaceEarlierOnes) {
-    keepFactoryRamps(x, root, {{crtc, rampOf(factory)}});
+    storeFactoryRamps(x, root, {{crtc, rampOf(factory)}});
     auto zeros = rampOf(factory);
     for (auto* const channel : {&zeros.red, &zeros.green, &zeros.blue}) {
         std::ranges::fill(*channel, std::uint16_t{0});
     }
-    keepFactoryRamps(x, root, {{crtc, zeros}});
+    storeFactoryRamps(x, root, {{crtc, zeros}});
     const auto kept = readFactoryRamps(x, root);
     ASSERT_EQ(kept.size(), 1U);
     EXPECT_EQ(kept.at(crtc).red, zeros.red) << "a fresh server may have such a ramp";
-    keepFactoryRamps(x, root, {});
+    storeFactoryRamps(x, root, {});
     EXPECT_TRUE(readFactoryRamps(x, root).empty());
     EXPECT_TRUE(session.client.rootProperty(rampsProperty).empty());
 }
@@ -129,11 +129,11 @@ TEST_P(FactoryNotesTest, RampsAreReadAsTheyWereKeptAndReplaceEarlierOnes) {
 TEST_P(FactoryNotesTest, RampThatDoesNotFitItsCrtcIsLeftOutAndTheOthersAreNot) {
     const GammaRamp small = {.red = {0, 65535}, .green = {0, 65535}, .blue = {0, 65535}};
     const xcb_randr_crtc_t unknown = crtc + 1000;
-    keepFactoryRamps(x, root, {{crtc, rampOf(factory)}, {unknown, rampOf(factory)}});
+    storeFactoryRamps(x, root, {{crtc, rampOf(factory)}, {unknown, rampOf(factory)}});
     const auto kept = readFactoryRamps(x, root);
     EXPECT_EQ(kept.size(), 1U);
     EXPECT_TRUE(kept.contains(crtc));
-    keepFactoryRamps(x, root, {{crtc, small}});
+    storeFactoryRamps(x, root, {{crtc, small}});
     expectJunkToBeHarmless();
 }
 

@@ -123,7 +123,7 @@ TEST_P(X11ColorMatrixFilterTest, WhatADeadProgramHasLeftGrayIsHealedByTheNext) {
     for (const auto output : x.client.activeOutputs()) {
         matrices.emplace(output, matrix);
     }
-    keepFactoryMatrices(x.connection.get(), x.connection.root(), matrices);
+    storeFactoryMatrices(x.connection.get(), x.connection.root(), matrices);
     x.connection.synchronize();
     x.client.setOutputProperty("CTM", gray);
     makeFilter();

@@ -239,8 +239,8 @@ TEST_P(X11GammaOutputTest, ProgramThatDoesNotKnowThatItLostTheDisplayDoesNotGive
 
 TEST_P(X11GammaOutputTest, WhatADeadProgramHasLeftIsGivenBackEvenIfTheNextEndsAtOnce) {
     const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
-    keepFactoryRamps(session.connection.get(), session.connection.root(),
-                     {{crtc, {.red = factory[0], .green = factory[1], .blue = factory[2]}}});
+    storeFactoryRamps(session.connection.get(), session.connection.root(),
+                      {{crtc, {.red = factory[0], .green = factory[1], .blue = factory[2]}}});
     session.connection.synchronize();
     const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
     session.gammaOutput.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
