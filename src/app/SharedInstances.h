@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Lazy.h"
 #include "breaks/BreakTimer.h"
 #include "breaks/MeetingDetectorService.h"
 #include "color/ColorTemperatureService.h"
@@ -19,8 +20,6 @@
 #include "system/NotificationService.h"
 #include "system/ShortcutsManager.h"
 
-#include <optional>
-
 namespace nocta {
 
 /// One instance of every service over one desktop, each made on first access from those that it
@@ -35,45 +34,54 @@ public:
 
     Desktop& desktop() { return desktop_; }
 
-    const BuiltInProfiles& builtInProfiles();
-    SettingsManager& settingsManager();
-    DisplayService& displayService();
-    GammaController& gammaController();
-    BrightnessController& brightnessController();
-    UnifiedBrightnessApplier& brightnessApplier();
-    GrayscaleService& grayscaleService();
-    MeetingDetectorService& meetingDetectorService();
-    BreakTimer& breakTimer();
-    NotificationService& notificationService();
-    LocationService& locationService();
-    ScheduleService& scheduleService();
-    ColorTemperatureService& colorTemperatureService();
-    ShortcutsManager& shortcutsManager();
-    LaunchAtLoginService& launchAtLoginService();
-    FeedbackService& feedbackService();
-    AppMonitorService& appMonitorService();
-
 private:
     Desktop& desktop_;
 
-    // In order of need: what comes later may refer to what comes earlier and goes first.
-    std::optional<BuiltInProfiles> builtInProfiles_;
-    std::optional<SettingsManager> settingsManager_;
-    std::optional<DisplayService> displayService_;
-    std::optional<GammaController> gammaController_;
-    std::optional<BrightnessController> brightnessController_;
-    std::optional<UnifiedBrightnessApplier> brightnessApplier_;
-    std::optional<GrayscaleService> grayscaleService_;
-    std::optional<MeetingDetectorService> meetingDetectorService_;
-    std::optional<BreakTimer> breakTimer_;
-    std::optional<NotificationService> notificationService_;
-    std::optional<LocationService> locationService_;
-    std::optional<ScheduleService> scheduleService_;
-    std::optional<ColorTemperatureService> colorTemperatureService_;
-    std::optional<ShortcutsManager> shortcutsManager_;
-    std::optional<LaunchAtLoginService> launchAtLoginService_;
-    std::optional<FeedbackService> feedbackService_;
-    std::optional<AppMonitorService> appMonitorService_;
+public:
+    // In order of need: what comes later may refer to what comes earlier, and is destroyed first.
+    Lazy<BuiltInProfiles> builtInProfiles{
+        [this](auto& made) { made.emplace(makeBuiltInProfiles(desktop_.uuidSource)); }};
+    Lazy<SettingsManager> settingsManager{
+        [this](auto& made) { made.emplace(desktop_.userDefaults); }};
+    Lazy<DisplayService> displayService{[this](auto& made) { made.emplace(desktop_.displays); }};
+    Lazy<GammaController> gammaController{
+        [this](auto& made) { made.emplace(displayService(), desktop_.gammaOutput); }};
+    Lazy<BrightnessController> brightnessController{[this](auto& made) {
+        made.emplace(displayService(), desktop_.backlight, desktop_.keyEvents);
+    }};
+    Lazy<UnifiedBrightnessApplier> brightnessApplier{[this](auto& made) {
+        made.emplace(settingsManager(), gammaController(), brightnessController(), displayService(),
+                     desktop_.backlight);
+    }};
+    Lazy<GrayscaleService> grayscaleService{[this](auto& made) {
+        made.emplace(gammaController(), desktop_.dynamicLibraries, desktop_.displayFilter,
+                     desktop_.runLoop);
+    }};
+    Lazy<MeetingDetectorService> meetingDetectorService{[this](auto& made) {
+        made.emplace(desktop_.workspace, desktop_.notificationCenter, desktop_.runLoop);
+    }};
+    Lazy<BreakTimer> breakTimer{[this](auto& made) {
+        made.emplace(settingsManager(), meetingDetectorService(), desktop_.userDefaults,
+                     desktop_.uuidSource, desktop_.notificationCenter, desktop_.runLoop);
+    }};
+    Lazy<NotificationService> notificationService{
+        [this](auto& made) { made.emplace(desktop_.userNotificationCenter, breakTimer()); }};
+    Lazy<LocationService> locationService{
+        [this](auto& made) { made.emplace(desktop_.locationManager, settingsManager()); }};
+    Lazy<ScheduleService> scheduleService{
+        [this](auto& made) { made.emplace(locationService(), desktop_.runLoop); }};
+    Lazy<ColorTemperatureService> colorTemperatureService{[this](auto& made) {
+        made.emplace(settingsManager(), gammaController(), scheduleService(), desktop_.runLoop);
+    }};
+    Lazy<ShortcutsManager> shortcutsManager{[this](auto& made) {
+        made.emplace(settingsManager(), brightnessApplier(), desktop_.keyEvents);
+    }};
+    Lazy<LaunchAtLoginService> launchAtLoginService{
+        [this](auto& made) { made.emplace(desktop_.loginItem); }};
+    Lazy<FeedbackService> feedbackService{
+        [this](auto& made) { made.emplace(desktop_.urlSession, desktop_.bundle.apiBase); }};
+    Lazy<AppMonitorService> appMonitorService{
+        [this](auto& made) { made.emplace(desktop_.workspace, desktop_.notificationCenter); }};
 };
 
 } // namespace nocta

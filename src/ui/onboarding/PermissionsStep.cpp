@@ -35,7 +35,7 @@ PermissionsStep::PermissionsStep(SharedInstances& instances) {
     follow(*location, service.authorizationStatus,
            [location, &instances](AuthorizationStatus status) {
                location->setGranted(isGranted(status));
-               location->button()->setToolTip(missingForLocation(instances));
+               location->button().setToolTip(missingForLocation(instances));
            });
     column->addWidget(location);
     column->addStretch();

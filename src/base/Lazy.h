@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <utility>
+
+namespace nocta {
+
+/// An object that is made when it is first asked for.
+///
+///     Lazy<Bell> bell{[this](auto& made) { made.emplace(tower()); }};
+///     bell().ring();
+///
+/// Not supported: objects that need each other, as neither can be made first.
+template <class T>
+class Lazy {
+public:
+    using Make = std::function<void(std::optional<T>& made)>;
+
+    explicit Lazy(Make make) : make_(std::move(make)) {}
+    Lazy(const Lazy&) = delete;
+    Lazy& operator=(const Lazy&) = delete;
+
+    T& operator()() {
+        if (!made_) {
+            make_(made_);
+        }
+        return *made_;
+    }
+
+private:
+    Make make_;
+    std::optional<T> made_;
+};
+
+} // namespace nocta
