@@ -1,7 +1,6 @@
 #include "app/AppDelegate.h"
 
 #include <iostream>
-#include <variant>
 
 namespace nocta {
 
@@ -9,17 +8,12 @@ namespace {
 constexpr double popoverWidth = 300;  // points
 constexpr double popoverHeight = 280; // points
 
-constexpr AppWindows::Style preferencesStyle = {
-    .title = "Preferences",
-    .styleMask = AppWindows::titled | AppWindows::closable | AppWindows::miniaturizable};
 constexpr AppWindows::Style onboardingStyle = {.title = "Welcome to Nocta",
                                                .width = 500,
                                                .height = 580,
                                                .styleMask =
                                                    AppWindows::titled | AppWindows::closable,
                                                .level = AppWindows::floatingLevel};
-constexpr AppWindows::Style updateStyle = {.title = "Software Update",
-                                           .styleMask = AppWindows::titled | AppWindows::closable};
 } // namespace
 
 // The members' order is the order in which the services are first made.
@@ -38,9 +32,8 @@ AppDelegate::AppDelegate(SharedInstances& instances, Views& views)
       shortcutsManager_(instances.shortcutsManager()),
       launchAtLoginService_(instances.launchAtLoginService()),
       brightnessApplier_(instances.brightnessApplier()),
-      appMonitorService_(instances.appMonitorService()),
-      closeOnboarding_(desktop_.runLoop, [this] { onboardingWindow_.reset(); }),
-      updateStageChanged_(desktop_.runLoop, [this] { showUpdateStage(); }) {}
+      appMonitorService_(instances.appMonitorService()), windows_(desktop_, views),
+      closeOnboarding_(desktop_.runLoop, [this] { onboardingWindow_.reset(); }) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
     startUpdater();
@@ -81,15 +74,6 @@ void AppDelegate::updaterDidFinishUpdateCycle(const std::optional<std::string>& 
     if (error) {
         std::cerr << "Sparkle update check failed: " << *error << std::endl;
     }
-}
-
-void AppDelegate::showPreferencesWindow() {
-    desktop_.application.activateIgnoringOtherApps();
-    if (preferencesWindow_ == nullptr) {
-        preferencesWindow_ = desktop_.appWindows.makeWindow(
-            preferencesStyle, views_.makePreferencesView(), [this] { preferencesWindow_.reset(); });
-    }
-    preferencesWindow_->makeKeyAndOrderFront();
 }
 
 void AppDelegate::makeStatusItem() {
@@ -202,35 +186,8 @@ void AppDelegate::completeOnboarding() {
 
 /// An updater that cannot start leaves the program as it is.
 void AppDelegate::startUpdater() {
-    cancellables_.push_back(desktop_.updater.stage.subscribe(
-        [this](const UpdateStage& /*stage*/) { updateStageChanged_.request(); }));
+    windows_.followUpdater();
     desktop_.updater.startUpdater(updaterDidFinishUpdateCycle);
-}
-
-/// In a window for each stage. Its own button may have ended the stage before.
-void AppDelegate::showUpdateStage() {
-    const auto& stage = desktop_.updater.stage.get();
-    // What comes by itself finds the user typing elsewhere.
-    const auto isExpected = shownUpdateStage_ != 0 ||
-                            std::holds_alternative<UpdateCheckInProgress>(stage) ||
-                            std::holds_alternative<UpdateDownload>(stage);
-    if (shownUpdateStage_ != stage.index()) {
-        shownUpdateStage_ = stage.index();
-        updateWindow_ =
-            std::holds_alternative<std::monostate>(stage)
-                ? nullptr
-                : desktop_.appWindows.makeWindow(updateStyle, views_.makeUpdateView(),
-                                                 [this] { desktop_.updater.dismiss(); });
-    }
-    if (updateWindow_ == nullptr) {
-        return;
-    }
-    if (isExpected) {
-        desktop_.application.activateIgnoringOtherApps();
-        updateWindow_->makeKeyAndOrderFront();
-    } else {
-        updateWindow_->orderFrontRegardless();
-    }
 }
 
 } // namespace nocta

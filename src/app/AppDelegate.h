@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/SharedInstances.h"
+#include "app/Windows.h"
 #include "base/Deferred.h"
 #include "base/Subscription.h"
 #include "breaks/BreakOverlayController.h"
@@ -10,7 +11,6 @@
 #include "platform/StatusBar.h"
 #include "platform/Views.h"
 
-#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,8 +28,7 @@ public:
 
     void applicationDidFinishLaunching() override;
     void applicationDidReopen() override;
-    /// Brings the preferences window to the front, made anew where it was closed.
-    void showPreferencesWindow() override;
+    void showPreferencesWindow() override { windows_.showPreferences(); }
     void applicationWillTerminate() override;
 
     /// What a click on the status item does.
@@ -48,7 +47,6 @@ private:
     void showOnboardingWindow();
     void completeOnboarding();
     void startUpdater();
-    void showUpdateStage();
 
     Desktop& desktop_;
     Views& views_;
@@ -70,13 +68,10 @@ private:
     LaunchAtLoginService& launchAtLoginService_;
     UnifiedBrightnessApplier& brightnessApplier_;
     AppMonitorService& appMonitorService_;
-    std::unique_ptr<AppWindow> preferencesWindow_; ///< while it is open
-    std::unique_ptr<AppWindow> onboardingWindow_;  ///< while it is open
-    std::unique_ptr<AppWindow> updateWindow_;      ///< while the updater has something to show
-    std::size_t shownUpdateStage_ = 0;
+    std::unique_ptr<AppWindow> onboardingWindow_; ///< while it is open
+    Windows windows_;
     bool servicesStarted_ = false;
     Deferred closeOnboarding_;
-    Deferred updateStageChanged_;
     Cancellables cancellables_;
 };
 

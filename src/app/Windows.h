@@ -1,0 +1,39 @@
+#pragma once
+
+#include "base/Deferred.h"
+#include "base/Subscription.h"
+#include "platform/Desktop.h"
+#include "platform/Views.h"
+
+#include <cstddef>
+#include <memory>
+
+namespace nocta {
+
+/// The windows of preferences and updates: each is made when it is needed and destroyed when it is
+/// closed. A member of `AppDelegate`, which has the onboarding window and the popover.
+class Windows {
+public:
+    Windows(Desktop& desktop, Views& views);
+    Windows(const Windows&) = delete;
+    Windows& operator=(const Windows&) = delete;
+
+    /// Brings the preferences window to the front.
+    void showPreferences();
+
+    /// From now on there is a window for each stage of the updater that has something to show.
+    void followUpdater();
+
+private:
+    void showUpdateStage();
+
+    Desktop& desktop_;
+    Views& views_;
+    std::unique_ptr<AppWindow> preferences_;
+    std::unique_ptr<AppWindow> update_;
+    std::size_t shownStage_ = 0; ///< the index of the updater's stage that `update_` shows
+    Deferred stageChanged_;
+    Subscription stage_;
+};
+
+} // namespace nocta
