@@ -1,7 +1,7 @@
 #include "backends/linux/x11/ColorMatrices.h"
 
 #include "backends/linux/x11/RootProperty.h"
-#include "backends/linux/x11/XcbReply.h"
+#include "backends/linux/x11/XcbRequests.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,11 +15,7 @@ constexpr std::string_view propertyOfOutputs = "CTM";
 
 /// None where no output of the server has such a property.
 xcb_atom_t matrixAtom(xcb_connection_t* connection) {
-    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection,
-        xcb_intern_atom(connection, 1, propertyOfOutputs.size(), propertyOfOutputs.data()),
-        nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    return internAtom(connection, propertyOfOutputs, true);
 }
 
 /// One record after the other: the output, and its matrix.

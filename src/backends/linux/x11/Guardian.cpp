@@ -141,11 +141,7 @@ void Guardian::complain(const char* before, const char* after) {
 
 /// The window of the guardian that works on this display; none if none does.
 xcb_window_t Guardian::owner() {
-    auto* const x = connection_.get();
-    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        x, xcb_get_selection_owner(x, connection_.atom(guardianSelection)), nullptr));
-    connection_.finishTurn();
-    return reply ? reply->owner : xcb_window_t{XCB_NONE};
+    return connection_.ownerOf(connection_.atom(guardianSelection));
 }
 
 /// False once another Nocta has taken the display over because the helper was frozen.

@@ -7,7 +7,7 @@
 #include "backends/linux/x11/ColorMatrices.h"
 #include "backends/linux/x11/FactoryRamps.h"
 #include "backends/linux/x11/GuardianProtocol.h"
-#include "backends/linux/x11/XcbReply.h"
+#include "backends/linux/x11/XcbRequests.h"
 
 #include <xcb/randr.h>
 #include <xcb/xcb.h>
@@ -15,7 +15,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <poll.h>
 #include <unistd.h>
 
@@ -64,18 +63,12 @@ void connect(xcb_window_t window) {
     if (xcb_connection_has_error(x) != 0) {
         end(EXIT_FAILURE);
     }
-    auto screens = xcb_setup_roots_iterator(xcb_get_setup(x));
-    for (; screenNumber > 0 && screens.rem > 1; --screenNumber) {
-        xcb_screen_next(&screens);
-    }
-    root = screens.data->root;
+    root = screenOf(x, screenNumber)->root;
     programWindow = watch(window) ? window : xcb_window_t{XCB_NONE};
-    const XcbReply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
-        x, xcb_intern_atom(x, 0, std::strlen(guardianSelection), guardianSelection), nullptr));
-    if (!atom) {
+    selection = internAtom(x, guardianSelection);
+    if (selection == XCB_ATOM_NONE) {
         end(EXIT_FAILURE);
     }
-    selection = atom->atom;
     ownWindow = xcb_generate_id(x);
     xcb_create_window(x, XCB_COPY_FROM_PARENT, ownWindow, root, -1, -1, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);

@@ -1,6 +1,6 @@
 #include "backends/linux/x11/RootProperty.h"
 
-#include "backends/linux/x11/XcbReply.h"
+#include "backends/linux/x11/XcbRequests.h"
 
 namespace nocta {
 
@@ -28,13 +28,7 @@ std::uint32_t checksumOf(std::span<const std::uint32_t> numbers) {
 } // namespace
 
 RootProperty::RootProperty(xcb_connection_t* connection, xcb_window_t root, std::string_view name)
-    : connection_(connection), root_(root) {
-    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection,
-        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data()),
-        nullptr));
-    property_ = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
+    : connection_(connection), root_(root), property_(internAtom(connection, name)) {}
 
 std::vector<std::uint32_t> RootProperty::read() const {
     const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(

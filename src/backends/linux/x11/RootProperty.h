@@ -26,7 +26,7 @@ public:
 private:
     xcb_connection_t* connection_;
     xcb_window_t root_;
-    xcb_atom_t property_ = XCB_ATOM_NONE;
+    xcb_atom_t property_;
 };
 
 } // namespace nocta

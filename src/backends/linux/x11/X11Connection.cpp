@@ -4,18 +4,6 @@
 
 namespace nocta {
 
-namespace {
-
-xcb_screen_t* screenOf(xcb_connection_t* connection, int number) {
-    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (; number > 0 && screens.rem > 1; --number) {
-        xcb_screen_next(&screens);
-    }
-    return screens.data;
-}
-
-} // namespace
-
 X11Connection::X11Connection(RunLoop& runLoop)
     : finishTurn_(runLoop, [this] {
           xcb_flush(connection_);
@@ -40,26 +28,16 @@ X11Connection::~X11Connection() {
     xcb_disconnect(connection_);
 }
 
-xcb_atom_t X11Connection::atom(std::string_view name, bool onlyIfExists) const {
-    const XcbReply<xcb_intern_atom_reply_t> reply(
-        xcb_intern_atom_reply(connection_,
-                              xcb_intern_atom(connection_, onlyIfExists ? 1 : 0,
-                                              static_cast<std::uint16_t>(name.size()), name.data()),
-                              nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
 void X11Connection::selectRootEvents(std::uint32_t mask) {
     rootEvents_ |= mask;
     xcb_change_window_attributes(connection_, root(), XCB_CW_EVENT_MASK, &rootEvents_);
     finishTurn();
 }
 
-bool X11Connection::isOwned(xcb_atom_t selection) {
-    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        connection_, xcb_get_selection_owner(connection_, selection), nullptr));
+xcb_window_t X11Connection::ownerOf(xcb_atom_t selection) {
+    const auto owner = selectionOwner(connection_, selection);
     finishTurn();
-    return reply && reply->owner != XCB_NONE;
+    return owner;
 }
 
 bool X11Connection::synchronize() {

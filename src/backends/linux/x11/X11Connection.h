@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backends/linux/x11/XcbReply.h"
+#include "backends/linux/x11/XcbRequests.h"
 #include "base/CallbackList.h"
 #include "base/Deferred.h"
 #include "base/RunLoop.h"
@@ -43,12 +43,15 @@ public:
     void selectRootEvents(std::uint32_t mask);
 
     /// None where the server has no atom of that name.
-    xcb_atom_t existingAtom(std::string_view name) const { return atom(name, true); }
+    xcb_atom_t existingAtom(std::string_view name) const {
+        return internAtom(connection_, name, true);
+    }
 
-    xcb_atom_t atom(std::string_view name) const { return atom(name, false); }
+    xcb_atom_t atom(std::string_view name) const { return internAtom(connection_, name); }
 
-    /// Whether some client owns the selection.
-    bool isOwned(xcb_atom_t selection);
+    /// The window of the client that owns the selection, or none.
+    xcb_window_t ownerOf(xcb_atom_t selection);
+    bool isOwned(xcb_atom_t selection) { return ownerOf(selection) != XCB_NONE; }
 
     /// Whether a compositor mixes the windows, so that a part of one can be seen through.
     bool isComposited() { return isOwned(atom("_NET_WM_CM_S" + std::to_string(screenNumber_))); }
@@ -71,7 +74,6 @@ public:
     std::function<void()> onLost;
 
 private:
-    xcb_atom_t atom(std::string_view name, bool onlyIfExists) const;
     void readEvents();
 
     xcb_connection_t* connection_;

@@ -38,9 +38,9 @@ X11Displays::X11Displays(X11Connection& connection, RunLoop& runLoop,
     : connection_(connection), notificationCenter_(notificationCenter),
       refresh_(runLoop, [this] { refresh(); }) {
     auto* const x = connection_.get();
-    const auto* const extension = xcb_get_extension_data(x, &xcb_randr_id);
+    const auto* const extension = findExtension(x, xcb_randr_id);
     const XcbReply<xcb_randr_query_version_reply_t> version(
-        extension != nullptr && extension->present != 0
+        extension != nullptr
             ? xcb_randr_query_version_reply(x, xcb_randr_query_version(x, 1, 5), nullptr)
             : nullptr);
     if (!version || std::pair(version->major_version, version->minor_version) < std::pair(1U, 3U)) {

@@ -39,9 +39,9 @@ X11KeyEvents::X11KeyEvents(X11Connection& connection, RunLoop& runLoop)
       runLoop_(runLoop), keys_{{brightnessUpSymbol, brightnessUpKeyCode, {}},
                                {brightnessDownSymbol, brightnessDownKeyCode, {}}} {
     auto* const x = connection_.get();
-    const auto* const extension = xcb_get_extension_data(x, &xcb_input_id);
+    const auto* const extension = findExtension(x, xcb_input_id);
     const XcbReply<xcb_input_xi_query_version_reply_t> version(
-        extension != nullptr && extension->present != 0
+        extension != nullptr
             ? xcb_input_xi_query_version_reply(x, xcb_input_xi_query_version(x, 2, 2), nullptr)
             : nullptr);
     if (!version || version->major_version < 2) {
@@ -150,7 +150,7 @@ void X11KeyEvents::followKeyboard() {
     auto* const x = connection_.get();
     const auto* const extension = xcb_get_extension_data(x, &xcb_xkb_id);
     const XcbReply<xcb_xkb_use_extension_reply_t> use(
-        extension != nullptr && extension->present != 0
+        extension != nullptr
             ? xcb_xkb_use_extension_reply(x, xcb_xkb_use_extension(x, 1, 0), nullptr)
             : nullptr);
     if (!use || use->supported == 0) {

@@ -1,14 +1,9 @@
 #include "backends/linux/x11/X11Workspace.h"
 
-#include "backends/linux/applications/ApplicationIdentity.h"
-#include "backends/linux/applications/FlatpakInfo.h"
 #include "backends/linux/x11/WindowProperty.h"
-
-#include <xcb/res.h>
 
 #include <algorithm>
 #include <iterator>
-#include <string>
 #include <utility>
 
 namespace nocta {
@@ -16,7 +11,6 @@ namespace nocta {
 namespace {
 
 // Bounds of what is read of a property, in units of 32 bits.
-constexpr std::uint32_t maxTextLength = 256;
 constexpr std::uint32_t maxWindows = 1024;
 constexpr std::uint32_t maxAtoms = 64;
 
@@ -27,10 +21,6 @@ bool isSame(const std::optional<RunningApplication>& one,
             const std::optional<RunningApplication>& other) {
     return one && other && one->bundleIdentifier ? one->bundleIdentifier == other->bundleIdentifier
                                                  : one == other;
-}
-
-std::string textAt(const std::vector<std::string>& texts, std::size_t index) {
-    return index < texts.size() ? texts[index] : std::string();
 }
 
 bool contains(const std::optional<std::vector<std::uint32_t>>& numbers, std::uint32_t number) {
@@ -60,16 +50,9 @@ X11Workspace::X11Workspace(X11Connection& connection, X11Displays& displays, Run
                            std::function<bool()> shouldReduceMotion,
                            std::filesystem::path processes)
     : connection_(connection), displays_(displays),
-      shouldReduceMotion_(std::move(shouldReduceMotion)), processes_(std::move(processes)),
+      shouldReduceMotion_(std::move(shouldReduceMotion)),
+      applications_(connection, std::move(processes)),
       noticeActivation_(runLoop, [this] { noticeActivation(); }) {
-    auto* const x = connection_.get();
-    const auto* const extension = xcb_get_extension_data(x, &xcb_res_id);
-    const XcbReply<xcb_res_query_version_reply_t> version(
-        extension != nullptr && extension->present != 0
-            ? xcb_res_query_version_reply(x, xcb_res_query_version(x, 1, 2), nullptr)
-            : nullptr);
-    knowsProcesses_ = version && std::pair(version->server_major, version->server_minor) >=
-                                     std::pair<std::uint16_t, std::uint16_t>(1, 2);
     connection_.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
     events_ = connection_.observeEvents([this](const X11Connection::Event& event) {
         if ((event.response_type & 0x7f) != XCB_PROPERTY_NOTIFY) {
@@ -90,7 +73,7 @@ Subscription X11Workspace::observeDidActivateApplication(
 }
 
 std::optional<RunningApplication> X11Workspace::frontmostApplication() {
-    auto application = applicationOf(activeWindow());
+    auto application = applications_.applicationOf(activeWindow());
     connection_.finishTurn();
     return application;
 }
@@ -176,59 +159,6 @@ std::optional<std::vector<xcb_window_t>> X11Workspace::managedWindows(xcb_atom_t
 xcb_window_t X11Workspace::activeWindow() const {
     const auto windows = managedWindows(atoms_.activeWindow, 1);
     return !windows || windows->empty() ? xcb_window_t{XCB_NONE} : windows->front();
-}
-
-std::optional<RunningApplication> X11Workspace::applicationOf(xcb_window_t window) const {
-    if (window == XCB_NONE) {
-        return std::nullopt;
-    }
-    const auto property = [&](xcb_atom_t atom, xcb_atom_t type) {
-        return WindowProperty(connection_, window, atom, type, maxTextLength);
-    };
-    const auto windowClass = property(XCB_ATOM_WM_CLASS, XCB_ATOM_ANY);
-    const auto name = property(atoms_.wmName, atoms_.utf8String);
-    std::vector<WindowProperty> desktopFiles;
-    for (const auto atom : atoms_.desktopFile) {
-        desktopFiles.push_back(property(atom, XCB_ATOM_ANY));
-    }
-
-    ApplicationIdentity identity;
-    identity.windowClass = textAt(windowClass.texts(), 1); // after the instance
-    const auto title = textAt(name.texts(), 0);
-    for (const auto& desktopFile : desktopFiles) {
-        const auto text = textAt(desktopFile.texts(), 0);
-        identity.desktopFile = identity.desktopFile.empty() ? text : identity.desktopFile;
-    }
-    if (const auto process = processOf(window); process != 0) {
-        identity.flatpak = flatpakId(processes_ / std::to_string(process) / "root");
-    }
-    const RunningApplication application{
-        .bundleIdentifier = bundleIdentifierOf(identity),
-        .localizedName = identity.windowClass.empty() ? title : identity.windowClass};
-    return application == RunningApplication{} ? std::nullopt : std::optional(application);
-}
-
-/// The process whose connection made a window, as the server knows it, or 0. What a window says
-/// itself is numbered by the sandbox that its program may be in.
-std::uint32_t X11Workspace::processOf(xcb_window_t window) const {
-    constexpr std::uint32_t wanted = XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID;
-    if (!knowsProcesses_) {
-        return 0;
-    }
-    auto* const x = connection_.get();
-    const xcb_res_client_id_spec_t client{.client = window, .mask = wanted};
-    const XcbReply<xcb_res_query_client_ids_reply_t> reply(
-        xcb_res_query_client_ids_reply(x, xcb_res_query_client_ids(x, 1, &client), nullptr));
-    if (!reply) {
-        return 0;
-    }
-    auto id = xcb_res_query_client_ids_ids_iterator(reply.get());
-    for (; id.rem > 0; xcb_res_client_id_value_next(&id)) {
-        if (id.data->spec.mask == wanted && xcb_res_client_id_value_value_length(id.data) == 1) {
-            return *xcb_res_client_id_value_value(id.data);
-        }
-    }
-    return 0;
 }
 
 /// On the root window; empty for none.

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "backends/linux/x11/X11Applications.h"
 #include "backends/linux/x11/X11Connection.h"
 #include "backends/linux/x11/X11Displays.h"
 #include "base/CallbackList.h"
 #include "base/Deferred.h"
 #include "platform/Workspace.h"
 
-#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -44,29 +44,20 @@ private:
         xcb_atom_t wmStateHidden = connection.atom("_NET_WM_STATE_HIDDEN");
         xcb_atom_t wmWindowType = connection.atom("_NET_WM_WINDOW_TYPE");
         xcb_atom_t wmWindowTypeDesktop = connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP");
-        xcb_atom_t wmName = connection.atom("_NET_WM_NAME");
-        xcb_atom_t utf8String = connection.atom("UTF8_STRING");
-        /// The desktop file's, of which every toolkit has one of its own.
-        std::array<xcb_atom_t, 3> desktopFile = {connection.atom("_GTK_APPLICATION_ID"),
-                                                 connection.atom("_KDE_NET_WM_DESKTOP_FILE"),
-                                                 connection.atom("_BAMF_DESKTOP_FILE")};
     };
 
     void noticeActivation();
     std::optional<std::vector<xcb_window_t>> managedWindows(xcb_atom_t property,
                                                             std::uint32_t most) const;
     xcb_window_t activeWindow() const;
-    std::optional<RunningApplication> applicationOf(xcb_window_t window) const;
-    std::uint32_t processOf(xcb_window_t window) const;
     Rect frameOf(xcb_window_t window) const;
     std::vector<Rect> screenFrames() const;
 
     X11Connection& connection_;
     X11Displays& displays_;
     std::function<bool()> shouldReduceMotion_;
-    std::filesystem::path processes_;
+    X11Applications applications_;
     Atoms atoms_{connection_};
-    bool knowsProcesses_ = false; ///< the server tells which process is behind a window
     std::optional<RunningApplication> frontmost_; ///< as it was told last
     CallbackList<std::optional<RunningApplication>> activated_;
     Deferred noticeActivation_;

@@ -11,6 +11,7 @@ struct FreeDeleter {
 };
 
 /// A reply, event or error that xcb handed out; null where there was none.
-template <class Reply> using XcbReply = std::unique_ptr<Reply, FreeDeleter>;
+template <class Reply>
+using XcbReply = std::unique_ptr<Reply, FreeDeleter>;
 
 } // namespace nocta

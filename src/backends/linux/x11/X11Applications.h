@@ -1,0 +1,37 @@
+#pragma once
+
+#include "backends/linux/x11/X11Connection.h"
+#include "platform/Workspace.h"
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+namespace nocta {
+
+/// Which application a window of an X11 session belongs to, by its properties and by the process
+/// that made it.
+class X11Applications {
+public:
+    /// `processes` is where the kernel shows the processes of the system.
+    X11Applications(X11Connection& connection, std::filesystem::path processes);
+
+    /// Nothing for no window, and for one that says nothing about itself. Waits for the server.
+    std::optional<RunningApplication> applicationOf(xcb_window_t window) const;
+
+private:
+    std::uint32_t processOf(xcb_window_t window) const;
+
+    X11Connection& connection_;
+    std::filesystem::path processes_;
+    xcb_atom_t wmName_ = connection_.atom("_NET_WM_NAME");
+    xcb_atom_t utf8String_ = connection_.atom("UTF8_STRING");
+    /// The property that names the desktop file; each toolkit has its own.
+    std::array<xcb_atom_t, 3> desktopFile_ = {connection_.atom("_GTK_APPLICATION_ID"),
+                                              connection_.atom("_KDE_NET_WM_DESKTOP_FILE"),
+                                              connection_.atom("_BAMF_DESKTOP_FILE")};
+    bool knowsProcesses_ = false; ///< whether the server knows the process of a window
+};
+
+} // namespace nocta
