@@ -130,7 +130,8 @@ TEST_F(SharedSettingsFileTest, ProcessesThatWriteAtOnceLoseNothing) {
     for (int writer = 0; writer < writers; ++writer) {
         children.push_back(fork());
         if (children.back() == 0) {
-            IniDefaultsStore store(file, runLoop, std::chrono::minutes(1)); // whatever else the machine does
+            IniDefaultsStore store(file, runLoop,
+                                   std::chrono::minutes(1)); // whatever else the machine does
             for (int key = 0; key < keys; ++key) {
                 store.setInteger(key, std::to_string(writer) + "-" + std::to_string(key));
             }
