@@ -4,9 +4,9 @@
 
 @implementation NoctaUpdaterDelegate
 
-/// Nobody who starts the program by its icon reads its standard error, so the error goes to the log,
-/// and only there. Sparkle also ends a cycle with an error when there is no update or the user puts
-/// one off. These are logged too: whoever looks for a missing update wants to see every cycle.
+/// Nobody who starts the program by its icon reads its standard error, so the error goes to the
+/// log, and only there. Sparkle also ends a cycle with an error when there is no update or the user
+/// puts one off. These are logged too: whoever looks for a missing update wants to see every cycle.
 - (void)updater:(SPUUpdater*)source
     didFinishUpdateCycleForUpdateCheck:(SPUUpdateCheck)updateCheck
                                  error:(NSError*)error {

@@ -71,8 +71,7 @@ struct IniDefaultsStore::Content {
 IniDefaultsStore::IniDefaultsStore(std::filesystem::path file, RunLoop& runLoop,
                                    std::chrono::milliseconds lockTimeout)
     : file_(std::move(file)), lockTimeout_(lockTimeout),
-      write_(runLoop, [this] { writeChanges(); }),
-      endTurn_(runLoop, [this] { write_.request(); }) {
+      write_(runLoop, [this] { writeChanges(); }), endTurn_(runLoop, [this] { write_.request(); }) {
     // A settings file that is a link stays one: its target is what is replaced.
     std::error_code error;
     if (auto target = std::filesystem::canonical(file_, error); !error) {

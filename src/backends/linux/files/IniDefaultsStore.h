@@ -15,9 +15,9 @@
 
 namespace nocta {
 
-/// The defaults store as an INI file. A value that is set counts at once; the file is written at the
-/// end of the run-loop turn, after what the turn has posted for the screen, however many values it
-/// has set. The file is replaced atomically, so a process killed at any moment leaves it as some
+/// The defaults store as an INI file. A value that is set counts at once; the file is written at
+/// the end of the run-loop turn, after what the turn has posted for the screen, however many values
+/// it has set. The file is replaced atomically, so a process killed at any moment leaves it as some
 /// turn left it. `synchronize` writes what is due and waits until it is on the disk; the destructor
 /// writes what is due.
 ///
