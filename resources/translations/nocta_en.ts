@@ -593,7 +593,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>The feed gives the file no length that could be right</source>
+        <source>The feed gives no valid length for the file</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -601,7 +601,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>The file is no package</source>
+        <source>The file is not a package</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -685,7 +685,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>The connection broke off</source>
+        <source>The connection was lost</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -701,7 +701,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>The server redirects without end</source>
+        <source>Too many redirects</source>
         <translation type="unfinished"></translation>
     </message>
     <message>

@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// What every backlight promises. `Harness` has a `backlight()`, the ids `builtIn` and `external`,
-/// and `fail()`, after which nothing can be read or written.
+/// The contract of every backlight. `Harness` has a `backlight()`, the IDs `builtIn` and
+/// `external`, and `fail()`, after which nothing can be read or written.
 template <class Harness>
 class BacklightContract : public ::testing::Test {
 protected:
@@ -16,7 +16,7 @@ protected:
 
 TYPED_TEST_SUITE_P(BacklightContract);
 
-TYPED_TEST_P(BacklightContract, LevelIsReadBackAsItWasWritten) {
+TYPED_TEST_P(BacklightContract, LevelReadsBackAsWritten) {
     for (const auto level : {1.0F, 0.55F, 0.1F}) {
         EXPECT_EQ(this->harness.backlight().setBrightness(this->harness.builtIn, level),
                   statusSuccess);
@@ -27,16 +27,16 @@ TYPED_TEST_P(BacklightContract, LevelIsReadBackAsItWasWritten) {
     }
 }
 
-TYPED_TEST_P(BacklightContract, EveryOtherDisplayAnswersFailure) {
+TYPED_TEST_P(BacklightContract, EveryOtherDisplayFails) {
     float level = 0.25F;
     for (const auto display : {this->harness.external, DisplayId{0xDEAD}}) {
         EXPECT_NE(this->harness.backlight().getBrightness(display, level), statusSuccess);
         EXPECT_NE(this->harness.backlight().setBrightness(display, 0.5F), statusSuccess);
     }
-    EXPECT_EQ(level, 0.25F) << "left as it was";
+    EXPECT_EQ(level, 0.25F) << "unchanged";
 }
 
-TYPED_TEST_P(BacklightContract, FailingDeviceAnswersFailure) {
+TYPED_TEST_P(BacklightContract, FailingDeviceFails) {
     this->harness.fail();
     float level = 0.25F;
     EXPECT_NE(this->harness.backlight().getBrightness(this->harness.builtIn, level), statusSuccess);
@@ -44,7 +44,7 @@ TYPED_TEST_P(BacklightContract, FailingDeviceAnswersFailure) {
     EXPECT_NE(this->harness.backlight().setBrightness(this->harness.builtIn, 0.5F), statusSuccess);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(BacklightContract, LevelIsReadBackAsItWasWritten,
-                            EveryOtherDisplayAnswersFailure, FailingDeviceAnswersFailure);
+REGISTER_TYPED_TEST_SUITE_P(BacklightContract, LevelReadsBackAsWritten, EveryOtherDisplayFails,
+                            FailingDeviceFails);
 
 } // namespace nocta

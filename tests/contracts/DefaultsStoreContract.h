@@ -10,7 +10,7 @@
 
 namespace nocta {
 
-/// What every defaults store promises. `Harness` has a `store()`.
+/// The contract of every defaults store. `Harness` has a `store()`.
 template <class Harness>
 class DefaultsStoreContract : public ::testing::Test {
 protected:
@@ -67,7 +67,7 @@ TYPED_TEST_P(DefaultsStoreContract, ValuesReadBackExactly) {
     }
 }
 
-TYPED_TEST_P(DefaultsStoreContract, DataReadBackExactlyAndAsNothingElse) {
+TYPED_TEST_P(DefaultsStoreContract, DataReadBackExactlyAndOnlyAsData) {
     DefaultsData everyByte;
     for (int byte = 0; byte < 256; ++byte) {
         everyByte.bytes.push_back(static_cast<std::uint8_t>(byte));
@@ -86,7 +86,7 @@ TYPED_TEST_P(DefaultsStoreContract, DataReadBackExactlyAndAsNothingElse) {
     EXPECT_EQ(this->store().dataForKey("missing"), std::nullopt);
 }
 
-TYPED_TEST_P(DefaultsStoreContract, TextReadAsANumberAndANumberReadAsTextAreTheZero) {
+TYPED_TEST_P(DefaultsStoreContract, ReadingAValueAsTheWrongTypeGivesZero) {
     this->store().registerDefaults({{"n", 0.75}, {"s", "eye"}});
     this->store().setObject("moon", "n");
     EXPECT_EQ(this->store().doubleForKey("n"), 0.0);
@@ -111,8 +111,7 @@ TYPED_TEST_P(DefaultsStoreContract, NumbersConvertToEachOther) {
 REGISTER_TYPED_TEST_SUITE_P(DefaultsStoreContract, MissingKeyReadsAsZero,
                             MissingKeyReadsAsItsRegisteredDefault,
                             StoredValueHidesTheDefaultUntilItIsRemoved, ValuesReadBackExactly,
-                            DataReadBackExactlyAndAsNothingElse,
-                            TextReadAsANumberAndANumberReadAsTextAreTheZero,
+                            DataReadBackExactlyAndOnlyAsData, ReadingAValueAsTheWrongTypeGivesZero,
                             NumbersConvertToEachOther);
 
 } // namespace nocta

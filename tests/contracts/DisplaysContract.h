@@ -13,11 +13,11 @@
 
 namespace nocta {
 
-/// What every desktop promises of its displays and their tables. `Harness` starts with one display
-/// and has `displays()`, `gammaOutput()`, `notificationCenter()`, `plug()` and `unplug()` for a
-/// second one, which return when the program has been told, `top(id)`, the level (0.0–1.0) that the
-/// brightest red input comes out at, as somebody else than the port under test reads it, and
-/// `factoryTop(id)`, the same before the test.
+/// The contract of the displays and their tables on every desktop. `Harness` starts with one
+/// display and has `displays()`, `gammaOutput()` and `notificationCenter()`. `plug()` and
+/// `unplug()` add and remove a second display, and return once the program has been notified.
+/// `top(id)` is the level (0.0–1.0) that the brightest red input comes out at, read independently
+/// of the port under test; `factoryTop(id)` is the same before the test.
 template <class Harness>
 class DisplaysContract : public ::testing::Test {
 protected:
@@ -50,7 +50,7 @@ TYPED_TEST_P(DisplaysContract, ListIsCountedAndThenFilled) {
     std::array<DisplayId, 4> room{};
     std::uint32_t count = 0;
     this->harness.displays().getActiveDisplayList(room, count);
-    EXPECT_EQ(count, 1U) << "more room than displays";
+    EXPECT_EQ(count, 1U) << "more space than displays";
 }
 
 TYPED_TEST_P(DisplaysContract, DisplayHasItsModeAndBounds) {
@@ -62,7 +62,7 @@ TYPED_TEST_P(DisplaysContract, DisplayHasItsModeAndBounds) {
     EXPECT_EQ(bounds.height, mode->height);
 }
 
-TYPED_TEST_P(DisplaysContract, UnknownDisplayIsNothingAndFails) {
+TYPED_TEST_P(DisplaysContract, UnknownDisplayIsEmptyAndFails) {
     constexpr DisplayId unknown = 0xDEAD;
     EXPECT_EQ(this->harness.displays().displayBounds(unknown), Rect{});
     EXPECT_FALSE(this->harness.displays().displayIsMain(unknown));
@@ -71,7 +71,7 @@ TYPED_TEST_P(DisplaysContract, UnknownDisplayIsNothingAndFails) {
     EXPECT_NE(this->setRamp(unknown, 0.5F), statusSuccess);
 }
 
-TYPED_TEST_P(DisplaysContract, PluggingAndUnpluggingIsNotifiedWithTheNewList) {
+TYPED_TEST_P(DisplaysContract, PluggingAndUnpluggingIsReportedWithTheNewList) {
     std::vector<std::size_t> sizes;
     const auto subscription = this->harness.notificationCenter().observe(
         didChangeScreenParametersNotification, [&] { sizes.push_back(this->list().size()); });
@@ -103,7 +103,7 @@ TYPED_TEST_P(DisplaysContract, EveryDisplayHasTablesOfItsOwn) {
     EXPECT_NEAR(this->harness.top(ids[1]), 0.25 * this->harness.factoryTop(ids[1]), this->oneStep);
 }
 
-TYPED_TEST_P(DisplaysContract, UnpluggedDisplayFailsAndHarmsNoOther) {
+TYPED_TEST_P(DisplaysContract, UnpluggedDisplayFailsWithoutAffectingOthers) {
     this->harness.plug();
     const auto ids = this->list();
     ASSERT_EQ(ids.size(), 2U);
@@ -113,7 +113,7 @@ TYPED_TEST_P(DisplaysContract, UnpluggedDisplayFailsAndHarmsNoOther) {
     EXPECT_NEAR(this->harness.top(ids[0]), 0.5 * this->harness.factoryTop(ids[0]), this->oneStep);
 }
 
-TYPED_TEST_P(DisplaysContract, RestoringGivesTheFactoryTablesBackAndMayBeFollowedByAWrite) {
+TYPED_TEST_P(DisplaysContract, RestoringSetsTheFactoryTablesAndAllowsLaterWrites) {
     const auto id = this->list().at(0);
     const auto factory = this->harness.factoryTop(id);
     this->setRamp(id, 0.5F);
@@ -126,10 +126,10 @@ TYPED_TEST_P(DisplaysContract, RestoringGivesTheFactoryTablesBackAndMayBeFollowe
 }
 
 REGISTER_TYPED_TEST_SUITE_P(DisplaysContract, ListIsCountedAndThenFilled,
-                            DisplayHasItsModeAndBounds, UnknownDisplayIsNothingAndFails,
-                            PluggingAndUnpluggingIsNotifiedWithTheNewList,
+                            DisplayHasItsModeAndBounds, UnknownDisplayIsEmptyAndFails,
+                            PluggingAndUnpluggingIsReportedWithTheNewList,
                             TablesReachTheDisplayOverItsFactoryOnes, EveryDisplayHasTablesOfItsOwn,
-                            UnpluggedDisplayFailsAndHarmsNoOther,
-                            RestoringGivesTheFactoryTablesBackAndMayBeFollowedByAWrite);
+                            UnpluggedDisplayFailsWithoutAffectingOthers,
+                            RestoringSetsTheFactoryTablesAndAllowsLaterWrites);
 
 } // namespace nocta

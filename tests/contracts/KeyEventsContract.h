@@ -9,8 +9,9 @@
 
 namespace nocta {
 
-/// What every keyboard promises of the brightness keys. `Harness` has `keyEvents()`, and
-/// `pressBrightnessUp()` and `pressBrightnessDown()`, which return when the program has heard.
+/// The contract of the brightness keys on every desktop. `Harness` has `keyEvents()`, and
+/// `pressBrightnessUp()` and `pressBrightnessDown()`, which return once the program has received
+/// the event.
 template <class Harness>
 class KeyEventsContract : public ::testing::Test {
 protected:
@@ -19,7 +20,7 @@ protected:
 
 TYPED_TEST_SUITE_P(KeyEventsContract);
 
-TYPED_TEST_P(KeyEventsContract, TapHearsTheBrightnessKeys) {
+TYPED_TEST_P(KeyEventsContract, TapReceivesTheBrightnessKeys) {
     std::vector<std::int64_t> keys;
     const auto tap = this->harness.keyEvents().createKeyDownTap(
         [&](const KeyDownEvent& event) { keys.push_back(event.keyCode); });
@@ -30,7 +31,7 @@ TYPED_TEST_P(KeyEventsContract, TapHearsTheBrightnessKeys) {
     EXPECT_EQ(keys, (std::vector<std::int64_t>{145, 144, 144}));
 }
 
-TYPED_TEST_P(KeyEventsContract, MonitorHearsThemAsAuxiliaryControlButtons) {
+TYPED_TEST_P(KeyEventsContract, MonitorReceivesThemAsAuxiliaryControlButtons) {
     std::vector<std::int64_t> data;
     const auto monitor = this->harness.keyEvents().addGlobalMonitorForSystemDefinedEvents(
         [&](const SystemDefinedEvent& event) {
@@ -43,7 +44,7 @@ TYPED_TEST_P(KeyEventsContract, MonitorHearsThemAsAuxiliaryControlButtons) {
     EXPECT_EQ(data, (std::vector<std::int64_t>{0x910A00, 0x900A00}));
 }
 
-TYPED_TEST_P(KeyEventsContract, NothingIsHeardAfterTheSubscriptionHasEnded) {
+TYPED_TEST_P(KeyEventsContract, NothingIsReceivedAfterTheSubscriptionHasEnded) {
     int ended = 0;
     int lasting = 0;
     auto tap = this->harness.keyEvents().createKeyDownTap([&](const KeyDownEvent&) { ++ended; });
@@ -55,8 +56,8 @@ TYPED_TEST_P(KeyEventsContract, NothingIsHeardAfterTheSubscriptionHasEnded) {
     EXPECT_EQ(lasting, 1);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(KeyEventsContract, TapHearsTheBrightnessKeys,
-                            MonitorHearsThemAsAuxiliaryControlButtons,
-                            NothingIsHeardAfterTheSubscriptionHasEnded);
+REGISTER_TYPED_TEST_SUITE_P(KeyEventsContract, TapReceivesTheBrightnessKeys,
+                            MonitorReceivesThemAsAuxiliaryControlButtons,
+                            NothingIsReceivedAfterTheSubscriptionHasEnded);
 
 } // namespace nocta

@@ -9,9 +9,9 @@
 
 namespace nocta {
 
-/// What every login item promises. `Harness` has a `loginItem()` that is not registered at first,
-/// `switchOff()`, as a person does it in the desktop's own tool, and `refuse()`, after which the
-/// desktop registers nothing.
+/// The contract of every login item. `Harness` has a `loginItem()` that is not registered at first,
+/// `switchOff()`, which does what the user does in the desktop's own tool, and `refuse()`, after
+/// which the desktop registers nothing.
 template <class Harness>
 class LoginItemContract : public ::testing::Test {
 protected:
@@ -29,7 +29,7 @@ TYPED_TEST_P(LoginItemContract, IsEnabledFromRegisteringToUnregistering) {
     EXPECT_EQ(this->loginItem().status(), LoginItem::Status::notRegistered);
 }
 
-TYPED_TEST_P(LoginItemContract, WhatIsAsItIsToBeIsNoError) {
+TYPED_TEST_P(LoginItemContract, RepeatedCallsAreNotErrors) {
     EXPECT_EQ(this->loginItem().unregisterItem(), std::nullopt);
     EXPECT_EQ(this->loginItem().status(), LoginItem::Status::notRegistered);
     for (int i = 0; i < 2; ++i) {
@@ -62,7 +62,7 @@ TYPED_TEST_P(LoginItemContract, RefusalIsDescribedAndChangesNothing) {
 }
 
 REGISTER_TYPED_TEST_SUITE_P(LoginItemContract, IsEnabledFromRegisteringToUnregistering,
-                            WhatIsAsItIsToBeIsNoError,
+                            RepeatedCallsAreNotErrors,
                             ItemThatWasSwitchedOffIsEnabledByRegisteringItAgain,
                             ItemThatWasSwitchedOffCanBeUnregistered,
                             RefusalIsDescribedAndChangesNothing);

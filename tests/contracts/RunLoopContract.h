@@ -12,15 +12,15 @@
 
 namespace nocta {
 
-/// What every run loop promises, and what `Timer` adds to it. `Harness` has a `runLoop` and
-/// `runUntil(condition)`, which lets time pass until the condition holds and tells whether it came
-/// to hold.
+/// The contract of every run loop, and of `Timer` on top of it. `Harness` has a `runLoop` and
+/// `runUntil(condition)`, which lets time pass until the condition holds and returns whether it
+/// did.
 template <class Harness>
 class RunLoopContract : public ::testing::Test {
 protected:
     static constexpr Duration tick = std::chrono::milliseconds(2);
 
-    /// Enough turns for anything that is due to have come.
+    /// Runs enough turns for everything that is due.
     void letPass(int ticks) {
         bool passed = false;
         Timer timer;
@@ -69,7 +69,7 @@ TYPED_TEST_P(RunLoopContract, RepeatingTimerFiresUntilItIsInvalidatedInItsOwnAct
     EXPECT_FALSE(timer.isValid());
 }
 
-TYPED_TEST_P(RunLoopContract, RepeatingActionKeepsWhatItHolds) {
+TYPED_TEST_P(RunLoopContract, RepeatingActionKeepsItsCaptures) {
     int last = 0;
     Timer timer;
     timer.start(this->loop(), this->tick, Repeat::yes,
@@ -92,14 +92,14 @@ TYPED_TEST_P(RunLoopContract, TimerMayBeDestroyedInItsOwnAction) {
     auto timer = std::make_unique<Timer>();
     timer->start(this->loop(), this->tick, Repeat::yes, [&timer, token] {
         timer.reset();
-        ++*token; // what the action holds must still be there
+        ++*token; // the action's captures must still exist
     });
     EXPECT_TRUE(this->harness.runUntil([&] { return *token > 0; }));
     this->letPass(5);
     EXPECT_EQ(*token, 1);
 }
 
-TYPED_TEST_P(RunLoopContract, TimerMayBeStartedAnewInItsOwnAction) {
+TYPED_TEST_P(RunLoopContract, TimerMayBeRestartedInItsOwnAction) {
     std::string order;
     Timer timer;
     timer.start(this->loop(), this->tick, Repeat::no, [&] {
@@ -109,7 +109,7 @@ TYPED_TEST_P(RunLoopContract, TimerMayBeStartedAnewInItsOwnAction) {
     EXPECT_TRUE(this->harness.runUntil([&] { return order == "ab"; })) << order;
 }
 
-TYPED_TEST_P(RunLoopContract, StartingATimerReplacesTheOneThatRan) {
+TYPED_TEST_P(RunLoopContract, StartingATimerReplacesTheRunningOne) {
     int first = 0;
     int second = 0;
     Timer timer;
@@ -130,8 +130,8 @@ TYPED_TEST_P(RunLoopContract, DestroyedTimerDoesNotFire) {
 REGISTER_TYPED_TEST_SUITE_P(RunLoopContract, PostedActionsRunLaterAndInOrder,
                             OneShotTimerFiresOnceAndIsInvalidWhenItDoes,
                             RepeatingTimerFiresUntilItIsInvalidatedInItsOwnAction,
-                            RepeatingActionKeepsWhatItHolds, TimerDoesNotFireBeforeItsTime,
-                            TimerMayBeDestroyedInItsOwnAction, TimerMayBeStartedAnewInItsOwnAction,
-                            StartingATimerReplacesTheOneThatRan, DestroyedTimerDoesNotFire);
+                            RepeatingActionKeepsItsCaptures, TimerDoesNotFireBeforeItsTime,
+                            TimerMayBeDestroyedInItsOwnAction, TimerMayBeRestartedInItsOwnAction,
+                            StartingATimerReplacesTheRunningOne, DestroyedTimerDoesNotFire);
 
 } // namespace nocta

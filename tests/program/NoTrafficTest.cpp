@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-// The program as it is built for users, in the hands of somebody who opens every window and uses
-// every control again and again, and never a connection but to the X server and the message buses.
+// The program as built for users, while someone opens every window and uses every control
+// repeatedly: it never connects to anything but the X server and the message buses.
 
 namespace nocta {
 namespace {
@@ -70,13 +70,13 @@ protected:
     PrivateBus sessionBus{"DBUS_SESSION_BUS_ADDRESS"};
     PrivateBus systemBus{"DBUS_SYSTEM_BUS_ADDRESS"};
     std::string trace = home.path() + "/trace";
-    std::optional<std::ptrdiff_t> linesOfAnswer; ///< in the window, from the first answer on
+    std::optional<std::ptrdiff_t> linesOfAnswer; ///< in the window, from the first answer
 
     void SetUp() override {
         NoctaWithPanel::SetUp();
-        // The screen can be turned gray.
+        // With this property the screen can be turned gray.
         client.setOutputProperty("CTM", {0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1});
-        // The first start, and a break that begins after a second of counting.
+        // The first start, with a break after one second of counting.
         writeFile(settings, "[General]\nbreakIntervalMinutes=0\nbreakDurationSeconds=600\n");
         auto variables = environment();
         variables["XDG_STATE_HOME"] = "";
@@ -98,11 +98,11 @@ protected:
         return contentOf(home.path() + "/.config/autostart/nocta.desktop");
     }
 
-    /// Waits for something without which there is no going on.
+    /// Waits for a condition that the rest depends on.
     template <class Condition>
     void await(const std::string& what, const Condition& condition) {
         if (!waitUntil(condition)) {
-            throw std::runtime_error("waited in vain: " + what + "\n" + contentOf(settings) +
+            throw std::runtime_error("timeout waiting for: " + what + "\n" + contentOf(settings) +
                                      contentOf(output));
         }
     }
@@ -115,7 +115,7 @@ protected:
         await("end of " + title, [&] { return !find(title).has_value(); });
     }
 
-    /// Presses the keys one after the other, as fast as a server takes them.
+    /// Presses the keys one after the other, as fast as the server accepts them.
     void press(std::initializer_list<xcb_keysym_t> keys) {
         for (const auto key : keys) {
             client.press(key);
@@ -126,7 +126,7 @@ protected:
             client.press(static_cast<xcb_keysym_t>(letter));
         }
     }
-    /// Presses the keys and sees that what `seen` gives is another then.
+    /// Presses the keys and expects the value of `seen` to change.
     template <class Seen>
     void change(const std::string& what, const Seen& seen,
                 std::initializer_list<xcb_keysym_t> keys) {
@@ -138,7 +138,7 @@ protected:
         change(
             key, [&] { return stored(key); }, keys);
     }
-    /// Presses the switch that has the keyboard, and again.
+    /// Presses the focused switch twice.
     void pressTwice(const std::string& key) {
         change(key, {space});
         change(key, {space});
@@ -171,7 +171,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoTrafficTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-/// Skips one, and puts the next off.
+/// Skips one break, and puts off the next.
 void NoTrafficTest::takeBreaks() {
     for (const auto& [key, total] :
          {std::pair(space, R"(\"skippedBreaks\":1)"), std::pair(enter, R"(\"snoozedBreaks\":1)")}) {
@@ -184,7 +184,7 @@ void NoTrafficTest::takeBreaks() {
 
 void NoTrafficTest::walkThroughFirstLaunch() {
     awaitWindow("Welcome to Nocta");
-    press({space});                       // "Continue", which has the keyboard
+    press({space});                       // "Continue", which has the focus
     press({tab, space, tab, tab, space}); // "Allow", "Back", and "Continue"
     change("activeProfileId", {tab, down, space});
     press({tab, space}); // shows the adjustments
@@ -211,7 +211,7 @@ void NoTrafficTest::useThePopover() {
         change("autoWarmthEnabled", {rightArrow});
     }
     change("autoWarmthEnabled", {leftArrow});
-    change("autoWarmthEnabled", {rightArrow}); // which brings the slider
+    change("autoWarmthEnabled", {rightArrow}); // this shows the slider
     change("warmthLevel", {tab, leftArrow});
     press({tab});
     pressTwice("grayscaleEnabled");
@@ -255,7 +255,7 @@ void NoTrafficTest::useTheMenu() {
     awaitEnd("Preferences — Nocta");
 }
 
-/// From the tab bar, which has the keyboard at the beginning and after the last control of a tab.
+/// Starts at the tab bar, which has the focus at the beginning and after the last control of a tab.
 void NoTrafficTest::useThePreferences() {
     const auto window = awaitWindow("Preferences — Nocta");
     useGeneral();
@@ -319,8 +319,8 @@ void NoTrafficTest::useBreaks() {
     pressTwice("suspendDuringMeetings");
 }
 
-/// How many lines of texts and controls the window shows: a line ends at a row of pixels of which
-/// all are the background.
+/// Counts the lines of text and controls in the window: a row of pixels that is all background ends
+/// a line.
 std::ptrdiff_t NoTrafficTest::linesIn(const Window& window) {
     constexpr std::size_t pixelSize = 4;
     const auto picture = client.picture(window);
@@ -338,7 +338,7 @@ std::ptrdiff_t NoTrafficTest::linesIn(const Window& window) {
     return lines;
 }
 
-/// This build has nowhere to look for updates, so that the rest is disabled.
+/// This build has no update feed, so the rest is disabled.
 void NoTrafficTest::useAbout() {
     const auto memory = [&] { return contentOf(home.path() + "/.local/state/nocta/updates.json"); };
     for (const auto* const name : {"automatic checks", "automatic downloads"}) {
@@ -348,7 +348,7 @@ void NoTrafficTest::useAbout() {
     }
 }
 
-/// This build has nobody to send to, and says so in a line, which stays.
+/// This build has no address to send to, and says so in a line that stays.
 void NoTrafficTest::useFeedback(const Window& window) {
     const auto lines = [&] { return linesIn(window); };
     change("page", lines, {rightArrow});

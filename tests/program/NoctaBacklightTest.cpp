@@ -6,7 +6,7 @@
 namespace nocta {
 namespace {
 
-/// The program itself on a laptop of two panels and two graphics cards.
+/// The real program on a laptop with two panels and two graphics cards.
 class NoctaBacklightTest : public NoctaProcess {
 protected:
     const Sysfs sysfs;
@@ -28,7 +28,7 @@ protected:
         nocta = std::make_unique<Process>(onThisMachine("exec " + programFolder() + "/nocta"),
                                           environment(), output);
     }
-    /// Where the kernel tells what `sysfs` says.
+    /// Wraps a command so that it sees `sysfs` as the kernel's files.
     std::vector<std::string> onThisMachine(const std::string& command) const {
         return {"unshare", getuid() == 0 ? "-m" : "-rm", "sh", "-c",
                 "mount --bind " + sysfs.path() + " /sys && " + command};

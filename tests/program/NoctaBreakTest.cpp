@@ -7,7 +7,7 @@
 #include <sys/wait.h>
 #include <thread>
 
-// Breaks of the program itself on a private X server, as another client sees them.
+// Breaks of the real program on a private X server, as another client sees them.
 
 namespace nocta {
 namespace {
@@ -23,7 +23,7 @@ protected:
 
     void SetUp() override {
         NoctaProcess::SetUp();
-        client.becomeSystemTray(); // else the popover opens
+        client.becomeSystemTray(); // otherwise the popover opens
     }
 
     void startWindowManager() {
@@ -32,7 +32,7 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return client.hasWindowManager(); })) << contentOf(output);
     }
 
-    /// When it has the keyboard the window manager has finished its start as well.
+    /// Once the window has the focus, the window manager has finished its start as well.
     xcb_window_t openFocusedWindow() {
         const auto window = client.openWindow(false);
         EXPECT_TRUE(waitUntil([&] {
@@ -42,7 +42,7 @@ protected:
         return window;
     }
 
-    /// With an interval of no minutes a break begins after a second of counting.
+    /// With an interval of 0 minutes, a break begins after a second of counting.
     void startWithBreaks(const std::string& seconds = "600") {
         writeFile(settings, neutralSettings("breakTimerEnabled=true\nbreakIntervalMinutes=0\n"
                                             "breakDurationSeconds=" +
@@ -50,7 +50,7 @@ protected:
         start();
     }
 
-    /// The windows that lie exactly over an output each, and above everything else.
+    /// Whether each output has a window exactly over it, above everything else.
     bool isCovered() {
         auto frames = client.activeFrames();
         const auto windows = client.topWindows();
@@ -71,7 +71,7 @@ protected:
         }
         return true;
     }
-    /// Whether any window of the size of an output is shown that no window manager manages.
+    /// Whether an unmanaged window the size of an output is shown.
     bool isUncovered() {
         const auto frames = client.activeFrames();
         return std::ranges::none_of(client.topWindows(), [&](const XClient::TopWindow& window) {
@@ -88,7 +88,7 @@ protected:
             return window.id == focus && window.isOverrideRedirect;
         });
     }
-    /// Until the last of the covers has the keyboard, as each takes it when it comes.
+    /// Waits until the last of the covers has the focus, because each one takes it when it appears.
     void waitForBreak() {
         ASSERT_TRUE(waitUntil([&] {
             return isCovered() && client.focus() == client.topWindows().back().id;
@@ -114,10 +114,10 @@ TEST_P(NoctaBreakTest, CountdownEndsInWindowsOverEveryOutputAndSpaceSkips) {
     client.press(space);
     ASSERT_TRUE(waitUntil([&] { return isUncovered(); }));
     EXPECT_TRUE(hasTotals(R"(\"skippedBreaks\":1,\"snoozedBreaks\":0)"))
-        << "the other keys have done nothing: " << contentOf(settings);
+        << "the other keys did nothing: " << contentOf(settings);
 }
 
-TEST_P(NoctaBreakTest, KeyboardIsGivenBackToTheWindowThatHadIt) {
+TEST_P(NoctaBreakTest, FocusReturnsToTheWindowThatHadIt) {
     startWindowManager();
     const auto other = openFocusedWindow();
     startWithBreaks();
@@ -144,14 +144,14 @@ TEST_P(NoctaBreakTest, MeetingInFrontHoldsTheCountdownEvenAfterItsEnd) {
         waitUntil(
             [&] { return std::chrono::steady_clock::now() - start > time || !isUncovered(); });
     };
-    runFor(std::chrono::milliseconds(2000)); // the break would come after one second
+    runFor(std::chrono::milliseconds(2000)); // the break would start after one second
     EXPECT_TRUE(isUncovered());
     zoom.close(meeting);
     runFor(std::chrono::milliseconds(4000));
     EXPECT_TRUE(isUncovered());
 }
 
-TEST_P(NoctaBreakTest, BreakEndsByItself) {
+TEST_P(NoctaBreakTest, BreakEndsOnItsOwn) {
     startWithBreaks("1");
     waitForBreak();
     EXPECT_TRUE(waitUntil([&] { return isUncovered(); }));
@@ -167,8 +167,8 @@ TEST_P(NoctaBreakTest, FullScreenWindowIsCoveredToo) {
     startWithBreaks();
     waitForBreak();
     const auto before = client.windowsOfSize(frame.width, frame.height).size();
-    client.openWindow(true);    // one that comes during the break lies below as well
-    ASSERT_TRUE(waitUntil([&] { // and has had the keyboard for a moment
+    client.openWindow(true);    // a window that opens during the break is below as well
+    ASSERT_TRUE(waitUntil([&] { // and has had the focus for a moment
         return client.windowsOfSize(frame.width, frame.height).size() > before;
     }));
     EXPECT_TRUE(waitUntil([&] { return isCovered() && hasKeyboard(); }));
@@ -205,7 +205,7 @@ TEST_P(NoctaBreakTest, DeathDuringABreakLeavesNothingOnScreenAndTheTotalsOfTheLa
     EXPECT_TRUE(waitUntil([&] { return hasTotals(R"(\"skippedBreaks\":2)"); }));
 }
 
-TEST_P(NoctaBreakTest, QuitDuringABreakTakesTheWindowsAway) {
+TEST_P(NoctaBreakTest, QuitDuringABreakClosesTheWindows) {
     startWithBreaks();
     waitForBreak();
     nocta->signal(SIGTERM);
@@ -213,7 +213,7 @@ TEST_P(NoctaBreakTest, QuitDuringABreakTakesTheWindowsAway) {
     EXPECT_TRUE(isUncovered());
 }
 
-/// Somebody types words at ninety milliseconds a key.
+/// Simulates a user who types words at 90 ms per key.
 class NoctaTypingTest : public NoctaBreakTest {
 protected:
     using Clock = std::chrono::steady_clock;
@@ -224,8 +224,8 @@ protected:
         openFocusedWindow();
         startWithBreaks();
     }
-    /// Until a cover has come, and then some more. False where the machine was so busy that there
-    /// may have been a pause in it.
+    /// Types until a cover appears, and then some more. Returns false if the machine was so busy
+    /// that there may have been a pause.
     bool typeIntoCover() {
         bool isSteady = true;
         auto last = Clock::now();
@@ -256,7 +256,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaTypingTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaTypingTest, WhatIsTypedOnReachesNoCoverAndSpaceAfterAPauseSkips) {
+TEST_P(NoctaTypingTest, ContinuedTypingReachesNoCoverAndSpaceAfterAPauseSkips) {
     int breaks = 0;
     for (int round = 0; round < 50 && breaks < 10; ++round) {
         const auto skipped = total("skipped");
@@ -272,7 +272,7 @@ TEST_P(NoctaTypingTest, WhatIsTypedOnReachesNoCoverAndSpaceAfterAPauseSkips) {
         }
     }
     EXPECT_EQ(breaks, 10);
-    EXPECT_EQ(total("snoozed"), 0) << "Enter has done nothing";
+    EXPECT_EQ(total("snoozed"), 0) << "Enter did nothing";
 }
 
 TEST_P(NoctaTypingTest, MouseWorksAtOnce) {
@@ -285,7 +285,7 @@ TEST_P(NoctaTypingTest, MouseWorksAtOnce) {
     EXPECT_TRUE(waitUntil([&] { return total("snoozed") == 1; })) << contentOf(settings);
 }
 
-/// Scale factors by which the outputs' sizes do not divide.
+/// Scale factors that do not divide the outputs' sizes.
 class NoctaBreakScaledTest : public NoctaBreakTest {
 protected:
     void SetUp() override {
@@ -300,7 +300,7 @@ protected:
         server.xrandr({"--output", "DUMMY2", "--mode", "hd", "--pos", "101x769"});
     }
     void TearDown() override { unsetenv("QT_SCALE_FACTOR"); }
-    /// Where Qt does not paint the last pixel the server does, in the same color.
+    /// The server paints the last pixel if Qt does not, in the same color.
     void expectBackdropAtEveryCorner() {
         constexpr std::uint32_t backdrop = 0xB3000000; // black at 0.7
         int covers = 0;
@@ -337,7 +337,7 @@ TEST_P(NoctaBreakScaledTest, EveryPixelIsCoveredAndNoneBeyond) {
     }
 }
 
-TEST_P(NoctaBreakScaledTest, EveryPixelIsCoveredWithFontsOfAnotherResolution) {
+TEST_P(NoctaBreakScaledTest, EveryPixelIsCoveredWithAnotherFontResolution) {
     XApplication desktop;
     desktop.setText(desktop.root(), "RESOURCE_MANAGER", "Xft.dpi:\t168\n", "STRING");
     startWithBreaks();

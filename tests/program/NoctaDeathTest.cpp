@@ -19,7 +19,7 @@ TEST_P(NoctaDeathTest, EverySignalThatEndsItGivesTheScreenBack) {
     }
 }
 
-TEST_P(NoctaDeathTest, DeathGivesTheScreenBackTooAndARestartKnowsTheFactoryRamp) {
+TEST_P(NoctaDeathTest, DeathGivesTheScreenBackAndARestartUsesTheFactoryRamp) {
     for (const auto death : {SIGKILL, SIGSEGV, SIGABRT}) {
         startAndWaitFor(0.75);
         nocta->signal(death);
@@ -31,7 +31,7 @@ TEST_P(NoctaDeathTest, DeathGivesTheScreenBackTooAndARestartKnowsTheFactoryRamp)
     ASSERT_TRUE(waitForBrightness(0.6875));
     writeFile(settings, neutralSettings("unifiedBrightness=0.4\n"));
     nocta->signal(SIGKILL);
-    startAndWaitFor(0.4); // at once, while the guardian of the dead one may still be at work
+    startAndWaitFor(0.4); // at once, while the guardian of the dead process may still be running
     nocta->signal(SIGTERM);
     EXPECT_EQ(nocta->wait(), 0);
     EXPECT_TRUE(isGivenBack());
@@ -41,7 +41,7 @@ TEST_P(NoctaDeathTest, QuickRestartsInARowDoNotConfuseTheGuardian) {
     startAndWaitFor(0.75);
     for (int restart = 0; restart < 5; ++restart) {
         nocta->signal(SIGKILL);
-        start(); // killed again at whatever point it has reached
+        start(); // killed again at any point of its start
     }
     nocta->signal(SIGKILL);
     nocta->wait();
@@ -65,18 +65,18 @@ TEST_P(NoctaDeathTest, GuardianDoesNotOutliveItsWork) {
     ASSERT_EQ(others.size(), 1U);
     nocta->signal(SIGTERM);
     nocta->wait();
-    EXPECT_NE(kill(others[0], 0), 0) << "ended before its program";
+    EXPECT_NE(kill(others[0], 0), 0) << "exited before its program";
 }
 
-TEST_P(NoctaDeathTest, DeathTogetherWithTheGuardianIsHealedByTheNextStart) {
+TEST_P(NoctaDeathTest, NextStartRepairsADeathTogetherWithTheGuardian) {
     startAndWaitFor(0.75);
     const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
-    kill(guardians[0], SIGSTOP); // so that it cannot act on the death that it sees
+    kill(guardians[0], SIGSTOP); // so that it cannot react to the death
     nocta->signal(SIGKILL);
     nocta->wait();
     kill(guardians[0], SIGKILL);
-    EXPECT_TRUE(shows(0.75)) << "nobody was left to give it back";
+    EXPECT_TRUE(shows(0.75)) << "nothing was left to restore it";
     startAndWaitFor(0.75);
     ASSERT_TRUE(waitUntil([&] { return guardiansOf(nocta->id()).size() == 1; }));
     client.press(brightnessDownSymbol);
@@ -102,7 +102,7 @@ TEST_P(NoctaDeathTest, GuardianThatDiesIsReplaced) {
     EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }));
 }
 
-/// The guardian is killed until the program has given up for now.
+/// Kills the guardian until the program gives up for now.
 class NoctaWithoutGuardianTest : public NoctaDeathTest {
 protected:
     std::vector<pid_t> guardians() { return guardiansOf(nocta->id()); }
@@ -112,7 +112,7 @@ protected:
         startAndWaitFor(0.75);
         ASSERT_TRUE(waitUntil([&] {
             for (const auto guardian : guardians()) {
-                kill(guardian, SIGKILL); // at whatever point it has reached
+                kill(guardian, SIGKILL); // at any point of its start
             }
             return contentOf(output).find("a crash would leave the screen") != std::string::npos;
         }));
@@ -128,7 +128,7 @@ protected:
 };
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaWithoutGuardianTest, everyServer, serverName);
 
-TEST_P(NoctaWithoutGuardianTest, NextWriteStartsAnother) {
+TEST_P(NoctaWithoutGuardianTest, NextWriteStartsANewGuardian) {
     client.press(brightnessUpSymbol);
     ASSERT_TRUE(waitForBrightness(0.8125));
     EXPECT_EQ(guardians().size(), 1U);
@@ -137,11 +137,11 @@ TEST_P(NoctaWithoutGuardianTest, NextWriteStartsAnother) {
     expectGuarded();
 }
 
-TEST_P(NoctaWithoutGuardianTest, AnotherComesWithoutAWriteAfterAPause) {
+TEST_P(NoctaWithoutGuardianTest, NewGuardianStartsWithoutAWriteAfterAPause) {
     expectGuarded();
 }
 
-TEST_P(NoctaDeathTest, FrozenGuardianDoesNotKeepTheNextStartFromTheScreen) {
+TEST_P(NoctaDeathTest, FrozenGuardianDoesNotBlockTheNextStart) {
     startAndWaitFor(0.75);
     const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
@@ -152,13 +152,13 @@ TEST_P(NoctaDeathTest, FrozenGuardianDoesNotKeepTheNextStartFromTheScreen) {
     startAndWaitFor(0.5);
     kill(guardians[0], SIGCONT);
     EXPECT_TRUE(waitUntil([&] { return kill(guardians[0], 0) != 0 || isZombie(guardians[0]); }));
-    EXPECT_TRUE(shows(0.5)) << "the screen is not the frozen one's any more";
+    EXPECT_TRUE(shows(0.5)) << "the frozen guardian no longer controls the screen";
     nocta->signal(SIGTERM);
     EXPECT_EQ(nocta->wait(), 0);
     EXPECT_TRUE(isGivenBack());
 }
 
-TEST_P(NoctaDeathTest, ProgramEndsAtOnceWhileAFrozenGuardianIsWaitedFor) {
+TEST_P(NoctaDeathTest, ProgramEndsAtOnceWhileItWaitsForAFrozenGuardian) {
     startAndWaitFor(0.75);
     const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
@@ -171,27 +171,26 @@ TEST_P(NoctaDeathTest, ProgramEndsAtOnceWhileAFrozenGuardianIsWaitedFor) {
     EXPECT_EQ(nocta->wait(), 0);
     EXPECT_TRUE(shows(0.75)) << "nothing was written";
     kill(guardians[0], SIGCONT);
-    EXPECT_TRUE(waitUntil([&] { return isGivenBack(); })) << "it still had the screen";
+    EXPECT_TRUE(waitUntil([&] { return isGivenBack(); })) << "it still controlled the screen";
 }
 
-TEST_P(NoctaDeathTest, DyingServerEndsItWithALineAndNoCrash) {
-    // The toolkit does not free its connection to a server that has died.
+TEST_P(NoctaDeathTest, DyingServerEndsItWithOneLineAndNoCrash) {
+    // Qt does not free its connection to a server that has died.
     const auto suppressions = home.path() + "/suppressions";
     writeFile(suppressions, "leak:libX11.so\nleak:libxcb.so\n");
     const auto options = "print_suppressions=0:suppressions=" + suppressions;
     setenv("LSAN_OPTIONS", options.c_str(), 1);
     startAndWaitFor(0.75);
     unsetenv("LSAN_OPTIONS");
-    const std::string atStart =
-        "Notification authorization error: there is no session bus to reach a notification service "
-        "by\n";
+    const std::string atStart = "Notification authorization error: there is no session bus to "
+                                "reach a notification service\n";
     ASSERT_TRUE(waitUntil([&] { return contentOf(output) == atStart; })) << contentOf(output);
     server.kill();
     const auto status = nocta->wait();
     ASSERT_TRUE(WIFEXITED(status)) << "it crashed";
     EXPECT_EQ(WEXITSTATUS(status), 1);
-    // Nocta and the toolkit have a connection each; whoever notices first ends the program, and the
-    // other may still have its say.
+    // Nocta and Qt have a connection each; the first one to notice ends the program, and the other
+    // may still print its message.
     const auto said = contentOf(output).substr(atStart.size());
     const std::string ours = "nocta: the X server has closed the connection\n";
     const std::string theirs = "The X11 connection broke (error 1). Did the X11 server die?\n";

@@ -3,8 +3,8 @@
 #include <csignal>
 #include <sys/wait.h>
 
-// A person with a window manager and a panel uses the program's windows with the mouse; another
-// client reads the ramps.
+// A simulated user with a window manager and a panel uses the program's windows with the mouse;
+// another client reads the ramps.
 
 namespace nocta {
 namespace {
@@ -19,9 +19,9 @@ TEST_P(NoctaFaceTest, BrightnessIsDraggedInThePopoverOfTheIcon) {
     EXPECT_GE(popover.x, screen.x);
     EXPECT_LE(popover.x + popover.width, screen.x + screen.width);
     EXPECT_GE(popover.y, screen.y);
-    EXPECT_LE(popover.y + popover.height, screen.y + screen.height) << "wholly on screen";
+    EXPECT_LE(popover.y + popover.height, screen.y + screen.height) << "fully on screen";
 
-    // The knob's way is 250 points long and begins 25 from the left.
+    // The knob's track is 250 points long and begins 25 from the left.
     const auto knob = [&](double brightness) { return popover.x + 25 + 250 * brightness; };
     const auto height = popover.y + 44;
     client.moveTo(static_cast<int>(knob(0.75)), height);
@@ -62,7 +62,7 @@ TEST_P(NoctaFaceTest, FooterOpensThePreferencesAndQuits) {
     EXPECT_TRUE(isGivenBack());
 }
 
-TEST_P(NoctaFaceTest, RightClickGivesAMenuThatQuits) {
+TEST_P(NoctaFaceTest, RightClickOpensAMenuThatQuits) {
     startAndWaitFor(0.75);
     clickIcon(right);
     ASSERT_TRUE(waitUntil([&] {
@@ -82,17 +82,17 @@ TEST_P(NoctaFaceTest, RightClickGivesAMenuThatQuits) {
 
 TEST_P(NoctaFaceTest, FirstLaunchIsWalkedThrough) {
     writeFile(settings, "[General]\nautoWarmthEnabled=false\nwarmthLevel=0\n");
-    startAndWaitFor(0.75); // services run already
+    startAndWaitFor(0.75); // the services are running already
     const auto window = waitFor("Welcome to Nocta");
     EXPECT_EQ(window.width, 500);
     EXPECT_EQ(window.height, 580);
-    // One key after the other: a person sees what each has done.
+    // Presses one key after the other, like a user who waits for the effect of each.
     const auto press = [&](xcb_keysym_t key) {
         const auto before = client.picture(window);
         client.press(key);
         ASSERT_TRUE(waitUntil([&] { return client.picture(window) != before; })) << key;
     };
-    press(space); // on "Continue", which has the keyboard
+    press(space); // on "Continue", which has the focus
     press(space);
     press(tab); // to the cards
     press(down);
@@ -121,7 +121,7 @@ TEST_P(NoctaFaceTest, OnboardingClosedByItsTitleBarReturnsAtTheNextStart) {
     startAndWaitFor(0.75);
     client.askToClose(waitFor("Welcome to Nocta").id);
     EXPECT_TRUE(isGone("Welcome to Nocta"));
-    EXPECT_TRUE(shows(0.75)) << "the program goes on";
+    EXPECT_TRUE(shows(0.75)) << "the program keeps running";
     nocta->signal(SIGTERM);
     nocta->wait();
     start();

@@ -7,7 +7,7 @@
 namespace nocta {
 namespace {
 
-/// The program with a screen that is to be gray from the start, by whichever way the session has.
+/// The program with a screen that should be gray from the start, by whichever way the session has.
 class NoctaGrayTest : public NoctaProcess {
 protected:
     std::vector<std::uint32_t> colored = {0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1};
@@ -61,18 +61,18 @@ TEST_P(NoctaGrayTest, EveryEndGivesTheColorsBack) {
     }
 }
 
-TEST_P(NoctaGrayTest, DeathTogetherWithTheGuardianIsHealedByTheNextStart) {
+TEST_P(NoctaGrayTest, NextStartRepairsADeathTogetherWithTheGuardian) {
     startGray();
     ASSERT_TRUE(waitUntil([&] { return isGray(); }));
     const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
-    kill(guardians[0], SIGSTOP); // so that it cannot act on the death that it sees
+    kill(guardians[0], SIGSTOP); // so that it cannot react to the death
     nocta->signal(SIGKILL);
     nocta->wait();
     kill(guardians[0], SIGKILL);
-    EXPECT_TRUE(isGray()) << "nobody was left to give the colours back";
+    EXPECT_TRUE(isGray()) << "nothing was left to restore the colors";
 
-    startGray(false, 0.5); // another brightness, as the first one is on the screen already
+    startGray(false, 0.5); // another brightness, because the screen already shows the first one
     EXPECT_TRUE(waitUntil([&] { return isColored(); }));
     EXPECT_EQ(guardiansOf(nocta->id()).size(), 1U);
     client.press(brightnessDownSymbol);
@@ -106,7 +106,7 @@ TEST_P(NoctaOnGnomeTest, EveryEndGivesTheMagnifierBack) {
     }
 }
 
-TEST_P(NoctaOnGnomeTest, HelperThatDiesIsReplacedAndWhatItKnewIsNotLost) {
+TEST_P(NoctaOnGnomeTest, HelperThatDiesIsReplacedWithoutLosingItsState) {
     startGray();
     ASSERT_TRUE(waitUntil([&] { return gnome->isGray(); }));
     const auto first = childrenOf(nocta->id(), "nocta-magnifier");
@@ -121,7 +121,7 @@ TEST_P(NoctaOnGnomeTest, HelperThatDiesIsReplacedAndWhatItKnewIsNotLost) {
     EXPECT_EQ(gnome->everything(), before);
 }
 
-TEST_P(NoctaOnGnomeTest, DeathTogetherWithTheHelperIsHealedByTheNextStart) {
+TEST_P(NoctaOnGnomeTest, NextStartRepairsADeathTogetherWithTheHelper) {
     startGray();
     ASSERT_TRUE(waitUntil([&] { return gnome->isGray(); }));
     const auto helpers = childrenOf(nocta->id(), "nocta-magnifier");

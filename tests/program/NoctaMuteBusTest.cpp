@@ -20,15 +20,15 @@
 #include <sys/wait.h>
 #include <vector>
 
-// Message buses and services on them that accept everything and never answer. The toolkit would
-// wait 25 seconds for each call, and for ever for some.
+// Message buses, and services on them, that accept everything and never answer. Qt would block for
+// 25 seconds on each call, and forever on some.
 
 namespace nocta {
 namespace {
 
 using namespace std::chrono_literals;
 
-/// A service that has a name and answers only what it is told to.
+/// A service that owns a name and answers only the given methods.
 class MuteService final : public QDBusVirtualObject {
 public:
     MuteService(const PrivateBus& bus, const std::vector<QString>& names)
@@ -60,7 +60,7 @@ private:
 
 class NoctaMuteBusTest : public NoctaProcess {
 protected:
-    /// Far above what a start takes and far below what the toolkit would wait.
+    /// Much longer than a start takes, and much shorter than Qt would block.
     static constexpr auto hang = 10s;
 
     Process::Environment variables = environment();
@@ -90,7 +90,7 @@ protected:
         EXPECT_TRUE(isGivenBack());
     }
 
-    /// A start, the popover, which opens by itself without a tray, the keys, and the end.
+    /// Goes through a start, the popover, which opens without a tray, the keys, and the end.
     void expectADay() {
         startWithVariables();
         EXPECT_TRUE(isInTime([&] { return shows(0.75); })) << contentOf(output);
@@ -109,8 +109,8 @@ const auto everyMuteness = {MuteBus::After::accepting, MuteBus::After::authentic
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaMuteBusTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaMuteBusTest, MuteBusesHoldNothing) {
-    // There the toolkit's theme uses the session bus from the start.
+TEST_P(NoctaMuteBusTest, MuteBusesBlockNothing) {
+    // On that desktop, Qt's theme uses the session bus from the start.
     variables.insert({{"XDG_CURRENT_DESKTOP", "KDE"},
                       {"KDE_FULL_SESSION", "true"},
                       {"KDE_SESSION_VERSION", "5"}});
@@ -124,13 +124,13 @@ TEST_P(NoctaMuteBusTest, MuteBusesHoldNothing) {
     }
 }
 
-TEST_P(NoctaMuteBusTest, NoAddressHoldsNothing) {
+TEST_P(NoctaMuteBusTest, MissingAddressBlocksNothing) {
     variables["DBUS_SESSION_BUS_ADDRESS"] = "";
     variables["DBUS_SYSTEM_BUS_ADDRESS"] = "";
     expectADay();
 }
 
-TEST_P(NoctaMuteBusTest, MuteBusOfTheScreenReadersHoldsNothing) {
+TEST_P(NoctaMuteBusTest, MuteAccessibilityBusBlocksNothing) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
     for (const auto after : everyMuteness) {
@@ -150,10 +150,10 @@ TEST_P(NoctaMuteBusTest, MuteBusOfTheScreenReadersHoldsNothing) {
     }
 }
 
-TEST_P(NoctaMuteBusTest, MuteServicesHoldNothing) {
+TEST_P(NoctaMuteBusTest, MuteServicesBlockNothing) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
-    client.becomeSystemTray(); // for an icon in it the toolkit would ask the watcher as well
+    client.becomeSystemTray(); // even for an icon in this tray Qt would ask the watcher
     const MuteService services(bus,
                                {"org.kde.StatusNotifierWatcher", "org.a11y.Bus",
                                 "org.freedesktop.portal.Desktop", "org.freedesktop.Notifications"});
@@ -161,7 +161,7 @@ TEST_P(NoctaMuteBusTest, MuteServicesHoldNothing) {
     EXPECT_GT(services.questions, 0);
 }
 
-TEST_P(NoctaMuteBusTest, TrayWatcherThatAnswersOneQuestionHoldsNothing) {
+TEST_P(NoctaMuteBusTest, TrayWatcherThatAnswersOneCallBlocksNothing) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
     for (const auto* const method : {"Get", "Introspect"}) {
@@ -174,7 +174,7 @@ TEST_P(NoctaMuteBusTest, TrayWatcherThatAnswersOneQuestionHoldsNothing) {
     }
 }
 
-TEST_P(NoctaMuteBusTest, MuteInputMethodHoldsNothing) {
+TEST_P(NoctaMuteBusTest, MuteInputMethodBlocksNothing) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
     variables["QT_IM_MODULE"] = "ibus";
@@ -184,7 +184,7 @@ TEST_P(NoctaMuteBusTest, MuteInputMethodHoldsNothing) {
     EXPECT_GT(service.questions, 0);
 }
 
-TEST_P(NoctaMuteBusTest, BusThatAnswersLateIsUsedThen) {
+TEST_P(NoctaMuteBusTest, BusThatAnswersLateIsUsedFromThenOn) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
     SettingsPortal portal(bus);
@@ -203,20 +203,20 @@ TEST_P(NoctaMuteBusTest, BusThatAnswersLateIsUsedThen) {
     EXPECT_TRUE(isInTime([&] { return blue() >= 0xE0; }));
     bus.signal(SIGCONT);
     EXPECT_TRUE(isInTime([&] { return blue() <= 0x30; })) << "the user prefers dark windows";
-    // Newer versions of the toolkit look for the bus once, at the start, so the icon comes with the
-    // next start there.
+    // Newer versions of Qt look for the bus only once, at the start, so there the icon appears at
+    // the next start.
     if (QLibraryInfo::version() < QVersionNumber(6, 8)) {
         EXPECT_TRUE(isInTime([&] { return watcher.hasItem; })) << "there is a tray";
     }
     expectToEndAtOnce();
 }
 
-TEST_P(NoctaMuteBusTest, SignalEndsItWhileTheLoopIsHeld) {
+TEST_P(NoctaMuteBusTest, SignalEndsItWhileTheLoopIsBlocked) {
     startAndWaitFor(0.75);
     const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
     server.freeze();
-    kill(guardians[0], SIGKILL); // the next is made when the server has answered
+    kill(guardians[0], SIGKILL); // the next one starts when the server has answered
     EXPECT_TRUE(waitUntil([&] { return guardiansOf(nocta->id()).empty(); }));
     nocta->signal(SIGTERM);
     EXPECT_TRUE(isInTime([&] { return isZombie(nocta->id()); }));
@@ -244,7 +244,7 @@ TEST_P(NoctaMuteBusTest, TooFewOpenFilesAreRefusedInOneLine) {
             {"bash", "-c", "ulimit -n " + text + "; exec '" + programFolder() + "/nocta'"},
             variables, file);
         EXPECT_EQ(start.wait(), 1 << 8) << limit;
-        EXPECT_EQ(contentOf(file), "nocta: the limit of open files is below 64\n") << limit;
+        EXPECT_EQ(contentOf(file), "nocta: the limit on open files is below 64\n") << limit;
     }
 }
 

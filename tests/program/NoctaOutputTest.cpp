@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-// What the program prints is never worth waiting or dying for.
+// Printing must never block or end the program.
 
 namespace nocta {
 namespace {
@@ -45,7 +45,7 @@ protected:
         writer = ends[1];
     }
 
-    /// It says at least that there is no bus.
+    /// Expects it to run; at the least it reports that there is no bus.
     void expectToRun() {
         const auto descriptor = std::to_string(writer);
         nocta = std::make_unique<Process>(std::vector<std::string>{"bash", "-c",
@@ -56,7 +56,7 @@ protected:
         EXPECT_TRUE(waitForBrightness(0.75));
         client.press(brightnessDownSymbol);
         EXPECT_TRUE(waitForBrightness(0.6875));
-        EXPECT_EQ(fcntl(writer, F_GETFL) & O_NONBLOCK, 0) << "others print there too";
+        EXPECT_EQ(fcntl(writer, F_GETFL) & O_NONBLOCK, 0) << "other programs print there too";
         nocta->signal(SIGTERM);
         const auto status = nocta->wait();
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
@@ -66,19 +66,19 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaOutputTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaOutputTest, ReaderThatHasGoneDoesNotEndIt) {
+TEST_P(NoctaOutputTest, ReaderThatIsGoneDoesNotEndIt) {
     makePipe();
     close(std::exchange(reader, -1));
     expectToRun();
 }
 
-TEST_P(NoctaOutputTest, FullPipeDoesNotHoldIt) {
+TEST_P(NoctaOutputTest, FullPipeDoesNotBlockIt) {
     makePipe();
     fill(writer);
     expectToRun();
 }
 
-TEST_P(NoctaOutputTest, FullSocketDoesNotHoldIt) {
+TEST_P(NoctaOutputTest, FullSocketDoesNotBlockIt) {
     int ends[2] = {-1, -1};
     ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
     reader = ends[0];
@@ -87,7 +87,7 @@ TEST_P(NoctaOutputTest, FullSocketDoesNotHoldIt) {
     expectToRun();
 }
 
-TEST_P(NoctaOutputTest, StoppedTerminalDoesNotHoldIt) {
+TEST_P(NoctaOutputTest, StoppedTerminalDoesNotBlockIt) {
     reader = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     ASSERT_EQ(grantpt(reader), 0);
     ASSERT_EQ(unlockpt(reader), 0);
@@ -97,13 +97,13 @@ TEST_P(NoctaOutputTest, StoppedTerminalDoesNotHoldIt) {
     expectToRun();
 }
 
-TEST_P(NoctaOutputTest, WhatIsReadIsWritten) {
+TEST_P(NoctaOutputTest, OutputReachesAReader) {
     makePipe();
     expectToRun();
     std::string text(4096, '\0');
     text.resize(
         static_cast<std::size_t>(std::max(read(reader, text.data(), text.size()), ssize_t{0})));
-    EXPECT_NE(text.find("there is no session bus to reach a notification service by\n"),
+    EXPECT_NE(text.find("there is no session bus to reach a notification service\n"),
               std::string::npos)
         << text;
 }

@@ -23,7 +23,7 @@ TEST_P(NoctaProcessTest, KeysDimTheScreenBySixteenthsAndTheSettingFollows) {
         ASSERT_TRUE(waitForBrightness(brightness)) << brightness;
     }
     client.press(brightnessUpSymbol);
-    ASSERT_TRUE(waitForBrightness(0.0625)); // shows like 0: the faint glow
+    ASSERT_TRUE(waitForBrightness(0.0625)); // looks like 0: the faint glow
     client.press(brightnessUpSymbol);
     ASSERT_TRUE(waitForBrightness(0.125));
     EXPECT_EQ(contentOf(settings), neutralSettings("unifiedBrightness=0.125\n"));
@@ -31,7 +31,7 @@ TEST_P(NoctaProcessTest, KeysDimTheScreenBySixteenthsAndTheSettingFollows) {
 
 TEST_P(NoctaProcessTest, SecondStartShowsThePopoverOfTheFirstAndEnds) {
     startAndWaitFor(0.75);
-    // No tray on this server: the popover opens by itself a moment after the start.
+    // There is no tray on this server, so the popover opens a moment after the start.
     ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
     EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, environment()), 0);
     EXPECT_EQ(client.windowsOfSize(300, 280).size(), 1U);
@@ -45,7 +45,7 @@ TEST_P(NoctaProcessTest, SecondStartShowsThePopoverOfTheFirstAndEnds) {
 TEST_P(NoctaProcessTest, SliderInThePopoverDimsTheScreen) {
     startAndWaitFor(0.75);
     ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
-    client.press(0xFF50); // Home; the first control has the keyboard
+    client.press(0xFF50); // Home; the first control has the focus
     ASSERT_TRUE(waitForBrightness(0.0));
     client.press(0xFF57); // End
     ASSERT_TRUE(waitForBrightness(1.0));
@@ -60,7 +60,7 @@ TEST_P(NoctaProcessTest, WindowTurnsDarkAndLightAsTheUserPrefers) {
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
     nocta = std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);
     const auto levelIsIn = [&](std::uint32_t least, std::uint32_t most) {
-        const auto windows = client.topWindows(); // the popover, as there is no tray
+        const auto windows = client.topWindows(); // the popover, because there is no tray
         const auto blue = windows.empty() ? 256 : client.pixel(windows.back().id, 4, 4) & 0xFF;
         return least <= blue && blue <= most;
     };
@@ -78,7 +78,7 @@ TEST_P(NoctaProcessTest, SecondStartBeforeThePanelsTimeLeavesThePopoverOpen) {
     EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, environment()), 0);
     ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_TRUE(waitUntil([&] { // longer than a panel is waited for
+    EXPECT_TRUE(waitUntil([&] { // longer than the wait for a panel
         return std::chrono::steady_clock::now() - start > std::chrono::milliseconds(2500) ||
                client.windowsOfSize(300, 280).empty();
     }));
@@ -87,7 +87,7 @@ TEST_P(NoctaProcessTest, SecondStartBeforeThePanelsTimeLeavesThePopoverOpen) {
 
 TEST_P(NoctaProcessTest, StartWhileTheLastOneEndsTakesItsPlace) {
     startAndWaitFor(0.75);
-    client.press(brightnessDownSymbol); // makes the settings file
+    client.press(brightnessDownSymbol); // creates the settings file
     ASSERT_TRUE(waitForBrightness(0.6875));
     for (const auto* const brightness : {"0.4", "0.5", "0.4", "0.5"}) {
         writeFile(settings, neutralSettings("unifiedBrightness=" + std::string(brightness) + "\n"));
@@ -133,11 +133,11 @@ bool canConnect(const std::string& display) {
     return isConnected;
 }
 
-TEST_P(NoctaProcessTest, OtherNamesOfTheDisplayMakeNoSecondNocta) {
+TEST_P(NoctaProcessTest, OtherNamesOfTheDisplayStartNoSecondNocta) {
     startAndWaitFor(0.75);
     auto variables = environment();
     std::vector<std::string> names{server.display() + ".0"};
-    // A newer libxcb takes "unix:" for the beginning of a socket's path.
+    // A newer libxcb takes "unix:" as the start of a socket's path.
     if (const auto name = "unix" + server.display(); canConnect(name)) {
         names.insert(names.end(), {name, name + ".0"});
     }
@@ -148,9 +148,9 @@ TEST_P(NoctaProcessTest, OtherNamesOfTheDisplayMakeNoSecondNocta) {
     EXPECT_TRUE(shows(0.75));
 }
 
-TEST_P(NoctaProcessTest, WithoutARuntimeFolderItIsOneProcessToo) {
-    // As a program that is started by other means than the session, and where the folder is not
-    // this user's alone.
+TEST_P(NoctaProcessTest, WithoutARuntimeFolderItIsStillOneProcess) {
+    // Like a program that is not started by the session, and one whose folder other users can
+    // change.
     const auto shared = home.path() + "/shared";
     std::filesystem::create_directory(shared);
     std::filesystem::permissions(shared, std::filesystem::perms::all);
@@ -169,7 +169,7 @@ TEST_P(NoctaProcessTest, WithoutARuntimeFolderItIsOneProcessToo) {
     }
 }
 
-TEST_P(NoctaProcessTest, FilesOfAKilledOneDoNotKeepTheNextFromStarting) {
+TEST_P(NoctaProcessTest, FilesOfAKilledProcessDoNotBlockTheNextStart) {
     for (int round = 0; round < 3; ++round) {
         startAndWaitFor(0.75);
         nocta->signal(SIGKILL);
@@ -185,7 +185,7 @@ TEST_P(NoctaProcessTest, StoredBrightnessIsShownAtTheStart) {
     startAndWaitFor(0.4);
 }
 
-TEST_P(NoctaProcessTest, WarmthIsLaidUnderTheCalibrationToo) {
+TEST_P(NoctaProcessTest, WarmthIsLaidOverTheCalibrationToo) {
     writeFile(settings, "[General]\nautoWarmthEnabled=false\nwarmthLevel=1\n");
     start();
     const auto warm = expected(0.75, 2700);
@@ -193,7 +193,7 @@ TEST_P(NoctaProcessTest, WarmthIsLaidUnderTheCalibrationToo) {
         << contentOf(output);
 }
 
-TEST_P(NoctaProcessTest, DamagedSettingsAreMovedAsideAndWhatCanBeReadCounts) {
+TEST_P(NoctaProcessTest, DamagedSettingsAreMovedAsideAndReadablePartsAreUsed) {
     writeFile(settings, neutralSettings("no settings at all"));
     startAndWaitFor(0.75);
     client.press(brightnessDownSymbol);
@@ -202,7 +202,7 @@ TEST_P(NoctaProcessTest, DamagedSettingsAreMovedAsideAndWhatCanBeReadCounts) {
     EXPECT_EQ(contentOf(settings), neutralSettings("unifiedBrightness=0.6875\n"));
 }
 
-TEST_P(NoctaProcessTest, SettingsFromWhichNothingFollowsHarmNothing) {
+TEST_P(NoctaProcessTest, MeaninglessSettingsDoNoHarm) {
     for (const auto* const value : {"1e308", "-1e308", "nan", "moon", "99999999999999999999"}) {
         writeFile(settings,
                   neutralSettings("unifiedBrightness=" + std::string(value) +
@@ -217,12 +217,12 @@ TEST_P(NoctaProcessTest, SettingsFromWhichNothingFollowsHarmNothing) {
     }
 }
 
-TEST_P(NoctaProcessTest, ValueThatStopsItIsNamedWithItsFileAndTheScreenIsGivenBack) {
+TEST_P(NoctaProcessTest, ValueThatStopsItIsReportedWithItsFileAndTheScreenIsGivenBack) {
     struct Row {
         std::string content;
         std::string named;
     };
-    // Without a tray the popover opens by itself, and shows every value.
+    // Without a tray the popover opens, and shows every value.
     for (const auto& [content, named] :
          {Row{"breakIntervalMinutes=9223372036854775807\n",
               "breakIntervalMinutes is 9223372036854775807"},
@@ -273,14 +273,14 @@ TEST_P(NoctaProcessTest, EmulatedRandRIsRefusedInOneLine) {
               std::string::npos);
     EXPECT_TRUE(waitUntil([&] {
         return contentOf(output).find("Failed to create event tap\n") != std::string::npos;
-    })) << "keys come only while a window of X has the focus";
+    })) << "keys arrive only while an X window has the focus";
 }
 
 class NoctaOnTwoOutputsTest : public NoctaProcess {};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaOnTwoOutputsTest,
                          ::testing::Values(XServer::Kind::xorgDummy), serverName);
 
-TEST_P(NoctaOnTwoOutputsTest, UnpluggingAndPluggingHarmsNothing) {
+TEST_P(NoctaOnTwoOutputsTest, UnpluggingAndPluggingDoesNoHarm) {
     startAndWaitFor(0.75);
     ASSERT_EQ(client.activeCrtcs().size(), 2U);
     server.unplugSecondOutput();
@@ -289,7 +289,8 @@ TEST_P(NoctaOnTwoOutputsTest, UnpluggingAndPluggingHarmsNothing) {
     EXPECT_EQ(client.activeCrtcs().size(), 1U);
     server.plugSecondOutput();
     client.press(brightnessDownSymbol);
-    // A display is noticed at the end of the turn that tells of it, which may have the key in it.
+    // A display change is handled at the end of the turn that reports it, and a key may arrive in
+    // the same turn.
     ASSERT_TRUE(waitUntil(
         [&] { return isClose(client.ramp(client.activeCrtcs().at(0)), expected(0.625)); }));
     client.press(brightnessDownSymbol);

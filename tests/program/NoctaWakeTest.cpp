@@ -7,7 +7,7 @@
 namespace nocta {
 namespace {
 
-/// The program on a machine whose logind tells of sleep.
+/// The program on a machine whose logind announces sleep.
 class NoctaWakeTest : public NoctaProcess {
 protected:
     PrivateBus bus{"DBUS_SYSTEM_BUS_ADDRESS"};

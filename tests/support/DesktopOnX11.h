@@ -12,7 +12,7 @@
 
 namespace nocta {
 
-/// The whole program on a virtual clock, and a real X server for what is seen.
+/// The whole program on a virtual clock, with a real X server for the display output.
 class DesktopOnX11 : public TestDesktop {
 protected:
     explicit DesktopOnX11(XServer::Kind kind = XServer::Kind::xvfb) : x(kind) {}
@@ -21,7 +21,7 @@ protected:
     LocationManager* locationManager = &desktop.location;
     UserNotificationCenter* userNotificationCenter = &desktop.notifications;
 
-    /// Made when the program is.
+    /// Created together with the program.
     Desktop& ports() override {
         if (!mixed_) {
             auto gray = std::make_unique<X11ColorMatrixFilter>(x.connection, x.displays,
@@ -55,7 +55,7 @@ protected:
 
     void TearDown() override { dropProgram(); }
 
-    /// The last levels of the first display's ramp in 0.0–1.0, as another client reads them.
+    /// The last levels of the first display's ramp in 0.0–1.0, read by another client.
     std::array<double, 3> shownWhite() {
         x.settle();
         const auto ramp = x.client.ramp(x.client.activeCrtcs().at(0));

@@ -14,8 +14,8 @@
 
 namespace nocta {
 
-/// A notification daemon on the private session bus, on a screen of its own, and a person who looks
-/// at it: asked which of several buttons is meant, this person takes the one with a certain word.
+/// A notification daemon on the private session bus, with a private screen and a simulated user:
+/// when it asks which of several buttons is meant, the user chooses the one with a given word.
 class Dunst {
 public:
     Dunst(const std::string& sessionBusAddress, const std::string& word)

@@ -8,7 +8,7 @@
 
 namespace nocta {
 
-/// Serves Qt's event loop until the condition holds; false if it never does in an ample time.
+/// Runs Qt's event loop until the condition holds; returns false after an ample timeout.
 inline bool serveUntil(const std::function<bool()>& condition) {
     const QDeadlineTimer ample(30000);
     while (!condition() && !ample.hasExpired()) {

@@ -15,13 +15,13 @@
 
 namespace nocta {
 
-/// The real views over the virtual desktop, one at a time, and a person who uses them.
+/// The real views on the virtual desktop, one at a time, and a simulated user.
 class Face : public TestDesktop {
 protected:
     WidgetViews realViews{instances()};
     std::unique_ptr<View> view;
 
-    /// Shows a view in the size that its window would give it.
+    /// Shows a view at the size that its window would give it.
     void open(std::unique_ptr<View> newView, const QSize& least = {}) {
         view = std::move(newView);
         fit(least);
@@ -33,7 +33,7 @@ protected:
 
     QWidget& widget() const { return *static_cast<QWidget*>(view->nativeView()); }
 
-    /// A control by its identifier or by what a screen reader calls it.
+    /// Finds a control by its identifier or by its accessible name.
     template <class Control = QWidget>
     Control& control(const QString& name) const {
         const auto all = widget().findChildren<Control*>();
@@ -53,7 +53,7 @@ protected:
         QTest::mouseClick(&target, Qt::LeftButton);
     }
 
-    /// By its own name or, as that of a list is its choice on Linux, by that of its label.
+    /// Its own name or that of its label: on Linux the name of a list is its current choice.
     static QString accessibleName(const QWidget& widget) {
         if (!widget.accessibleName().isEmpty()) {
             return widget.accessibleName();
@@ -63,7 +63,7 @@ protected:
         return interface == nullptr ? QString() : interface->text(QAccessible::Name);
     }
 
-    /// The texts of the labels that can be seen.
+    /// The texts of the visible labels.
     QStringList shownTexts() const {
         QStringList texts;
         for (const auto* const label : widget().findChildren<QLabel*>()) {

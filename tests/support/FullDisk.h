@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// While it lives, no file of this process can grow: what a full disk looks like to a writer. What
-/// is said on standard error goes to a pipe meanwhile, as a captured file could not grow either.
+/// While it lives, no file of this process can grow, which looks like a full disk to a writer.
+/// Standard error goes to a pipe meanwhile, because a captured file could not grow either.
 class FullDisk {
 public:
     FullDisk() : handler_(std::signal(SIGXFSZ, SIG_IGN)), output_(dup(STDERR_FILENO)) {
@@ -27,12 +27,12 @@ public:
         close(pipe_[0]);
     }
 
-    /// Makes room again, and returns what was said until then.
+    /// Allows files to grow again, and returns what was printed on standard error until then.
     std::string end() {
         if (output_ >= 0) {
             setrlimit(RLIMIT_FSIZE, &before_);
             std::signal(SIGXFSZ, handler_);
-            dup2(output_, STDERR_FILENO); // the last writing end
+            dup2(output_, STDERR_FILENO); // closes the last writing end
             close(output_);
             output_ = -1;
         }

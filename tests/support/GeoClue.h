@@ -23,7 +23,7 @@
 
 namespace nocta {
 
-/// The location service as the test wants it: it notes every call, and answers some, or none.
+/// A location service for the test: it records every call, and answers some or none.
 class MockGeoClue final : public QDBusVirtualObject {
 public:
     enum class Start { agrees, refuses, waits };
@@ -40,7 +40,7 @@ public:
     bool answersCreateClient = true;
     Start start = Start::agrees;
     QVariantMap place = {{"Latitude", 52.5}, {"Longitude", 13.4}};
-    std::vector<std::string> calls; ///< the members, with their last argument if there is one
+    std::vector<std::string> calls; ///< the methods, with their last argument if any
 
     void sayThatThePlaceHasChanged() {
         auto signal = QDBusMessage::createSignal(client(), "org.freedesktop.GeoClue2.Client",
@@ -50,7 +50,7 @@ public:
         bus_.send(signal);
     }
 
-    /// Answers a `Start` that it has let wait.
+    /// Answers a pending `Start`.
     void answerStart() { bus_.send(waitingStart_.createReply()); }
 
     bool hasSeen(const std::string& call) const {
@@ -106,7 +106,7 @@ private:
     int clients_ = 0;
 };
 
-/// GeoClue itself on the private system bus. It asks a server of the test's own for the place.
+/// The real GeoClue on the private system bus. It gets its location from a server in the test.
 class GeoClueDaemon {
 public:
     GeoClueDaemon() {
@@ -128,10 +128,10 @@ public:
                                        std::to_string(server_.serverPort()) + "/\n");
     }
 
-    /// Whether this machine lets a process have a configuration file of its own in a namespace.
+    /// Whether this machine allows a process to mount its own configuration file in a namespace.
     bool canStart() const { return runToEnd(inNamespace("true")) == 0; }
 
-    /// Anew, and without what it has learnt, if it runs.
+    /// Restarts the daemon if it runs, without its cached locations.
     void start() {
         process_.reset();
         isAsked_ = false;
@@ -139,10 +139,10 @@ public:
                          folder_.path() + "/output");
     }
 
-    /// Questions wait from now on.
+    /// Leaves location requests unanswered from now on.
     void hidePlace() { place_.clear(); }
 
-    /// From now on every question is answered with this place, those that wait as well.
+    /// Answers every location request with this location from now on, including pending ones.
     void setPlace(double latitude, double longitude) {
         place_ = QString(R"({"location":{"lat":%1,"lng":%2},"accuracy":1000})")
                      .arg(latitude)
@@ -180,8 +180,8 @@ private:
     std::optional<Process> process_;
 };
 
-/// The user's agent, who tells GeoClue how precise a place the user allows: any or none. GeoClue
-/// asks it about single programs only if they are in a sandbox.
+/// The user's agent, which tells GeoClue how precise a location the user allows, if any. GeoClue
+/// asks it about single programs only if they are sandboxed.
 class LocationAgent final : public QDBusVirtualObject {
 public:
     explicit LocationAgent(bool allows)
@@ -193,13 +193,13 @@ public:
     LocationAgent& operator=(const LocationAgent&) = delete;
     ~LocationAgent() override { QDBusConnection::disconnectFromBus("location-agent"); }
 
-    /// False where the daemon is not there or does not want this agent.
+    /// False if the daemon is not running or refuses this agent.
     bool introduceItself() {
         auto call = QDBusMessage::createMethodCall("org.freedesktop.GeoClue2",
                                                    "/org/freedesktop/GeoClue2/Manager",
                                                    "org.freedesktop.GeoClue2.Manager", "AddAgent");
         call << "nocta-test";
-        const auto pending = bus_.asyncCall(call); // it asks back before it answers
+        const auto pending = bus_.asyncCall(call); // the daemon calls us back before it answers
         return serveUntil([&] { return pending.isFinished(); }) && !pending.isError();
     }
 

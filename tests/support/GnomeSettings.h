@@ -9,13 +9,13 @@
 
 namespace nocta {
 
-/// A user's settings in a session of GNOME, apart from those of whoever runs the tests.
+/// The settings of a user in a GNOME session, separate from those of the user who runs the tests.
 class GnomeSettings {
 public:
     static constexpr auto magnifier = "org.gnome.desktop.a11y.magnifier";
     static constexpr auto applications = "org.gnome.desktop.a11y.applications";
 
-    /// What a process in that session has in its environment.
+    /// The environment of a process in that session.
     Process::Environment environment() const {
         return {{"XDG_CURRENT_DESKTOP", "ubuntu:GNOME"},
                 {"GSETTINGS_BACKEND", "keyfile"},
@@ -33,7 +33,7 @@ public:
                get(magnifier, "color-saturation") == "0.0\n";
     }
 
-    /// Every value of both schemas, the user's own and the default ones.
+    /// Every value of both schemas, set by the user or default.
     std::string everything() const {
         return output({"gsettings", "list-recursively", magnifier}) +
                output({"gsettings", "list-recursively", applications});

@@ -15,7 +15,7 @@
 
 namespace nocta {
 
-/// Of a server on loopback, known to nobody yet.
+/// The certificate of a server on loopback, not trusted by anyone yet.
 class ServerCertificate {
 public:
     ServerCertificate() {
@@ -32,7 +32,7 @@ private:
     TemporaryFolder folder_;
 };
 
-/// An HTTPS server on loopback that answers as the test wants.
+/// An HTTPS server on loopback that answers whatever the test wants.
 class HttpsServer {
 public:
     HttpsServer() {
@@ -74,7 +74,7 @@ private:
     QSslServer server_;
 };
 
-/// A server without encryption, which nobody should come to.
+/// A server without encryption, which no client should contact.
 class PlainServer {
 public:
     PlainServer() {

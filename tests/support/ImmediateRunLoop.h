@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// A run loop whose turns end with every call: what is posted is done at once. It has no timers.
+/// A run loop whose turns end with every call: posted actions run at once. It has no timers.
 class ImmediateRunLoop final : public RunLoop {
 public:
     WallTime wallNow() const override { return {}; }

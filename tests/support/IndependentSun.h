@@ -5,8 +5,8 @@
 
 namespace nocta {
 
-/// The steps of the sun calculation written once more, in long double and with remainders for
-/// normalising: minutes after midnight, or none in a polar day or night.
+/// A second implementation of the sun calculation, in long double and normalizing with remainders:
+/// minutes after midnight, or nothing in a polar day or night.
 struct IndependentSun {
     long double sunrise = 0;
     long double sunset = 0;
@@ -23,7 +23,7 @@ struct IndependentSun {
         const auto l =
             wrapped(m * 180 / pi + 1.916L * std::sin(m) + 0.020L * std::sin(2 * m) + 282.634L, 360);
         const auto lRadians = l * pi / 180;
-        // The angle with both coordinates lies in the quadrant of the longitude by itself.
+        // `atan2` gives an angle in the right quadrant without a correction.
         const auto ra =
             wrapped(std::atan2(0.91764L * std::sin(lRadians), std::cos(lRadians)) * 180 / pi, 360);
         const auto declination = std::asin(0.39782L * std::sin(lRadians));

@@ -18,7 +18,7 @@ void say(int client, std::string_view bytes) {
     send(client, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
-/// The answer to the first call, with the name ":1.1".
+/// The reply to the first call, with the unique name ":1.1".
 constexpr std::string_view welcome("l\2\1\1"
                                    "\11\0\0\0\1\0\0\0\17\0\0\0"
                                    "\5\1u\0\1\0\0\0"

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// What listens where a message bus should be, accepts every connection, and falls silent.
+/// Listens in place of a message bus, accepts every connection, and falls silent.
 class MuteBus {
 public:
     enum class After { accepting, authentication, hello };

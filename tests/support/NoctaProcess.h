@@ -19,8 +19,8 @@
 
 namespace nocta {
 
-/// The program itself on a private X server: a person who presses keys and ends it in every way,
-/// and another client that reads the gamma ramps.
+/// The real program on a private X server, a simulated user who presses keys and ends it in every
+/// way, and another client that reads the gamma ramps.
 class NoctaProcess : public ::testing::TestWithParam<XServer::Kind> {
 protected:
     XServer server;
@@ -30,11 +30,11 @@ protected:
     std::string settings = home.path() + "/.config/nocta/nocta.conf";
     std::unique_ptr<Process> nocta;
 
-    /// The names are those of the server's first outputs.
+    /// `outputNames` are the names of the server's first outputs.
     explicit NoctaProcess(const std::vector<std::string>& outputNames = {})
         : server(GetParam(), {}, outputNames) {}
 
-    /// The screen's colour does not follow the sun, and onboarding is over.
+    /// The color does not follow the sun, and onboarding is over.
     static std::string neutralSettings(const std::string& more = {}) {
         return "[General]\nautoWarmthEnabled=false\nisFirstLaunch=false\nwarmthLevel=0\n" + more;
     }
@@ -91,7 +91,7 @@ protected:
     }
 
     static XClient::Ramp expected(double brightness, double kelvin = 6500) {
-        // The displays are external, so the tables alone serve the range, down to a faint glow.
+        // The displays are external, so the tables alone cover the range, down to a faint glow.
         const auto height = 1 - std::min(0.9, 1 - brightness);
         const auto white = whitePoint(kelvin);
         auto ramp = factory();
@@ -119,13 +119,13 @@ protected:
         return true;
     }
 
-    /// A process that has ended and that nobody has asked about yet.
+    /// Whether a process has exited but has not been waited for.
     static bool isZombie(pid_t process) {
         const auto stat = contentOf("/proc/" + std::to_string(process) + "/stat");
         return stat.find(") Z ") != std::string::npos;
     }
 
-    /// The guardians that the given process has started and that still run.
+    /// The running guardians that the given process has started.
     static std::vector<pid_t> guardiansOf(pid_t parent) {
         return childrenOf(parent, "nocta-guardian");
     }

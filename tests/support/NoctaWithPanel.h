@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// A person with a window manager and a panel, who uses the program's windows.
+/// A simulated user with a window manager and a panel, who uses the program's windows.
 class NoctaWithPanel : public NoctaProcess {
 protected:
     static constexpr xcb_keysym_t escape = 0xFF1B;
@@ -40,13 +40,13 @@ protected:
         panel.emplace(std::vector<std::string>{"tint2"}, variables, home.path() + "/tint2");
     }
 
-    /// The one window of that title.
+    /// The only window with that title.
     std::optional<Window> find(const std::string& title) {
         const auto found =
             client.windows([&](const Window& window) { return client.nameOf(window.id) == title; });
         return found.empty() ? std::nullopt : std::optional(found.front());
     }
-    /// With the keyboard, when the window manager has placed it.
+    /// Waits until the window manager has placed the window and given it the focus.
     Window waitFor(const std::string& title) {
         EXPECT_TRUE(waitUntil([&] {
             const auto window = find(title);
@@ -58,7 +58,7 @@ protected:
         return waitUntil([&] { return !find(title).has_value(); });
     }
 
-    /// The symbol is white.
+    /// Whether the white symbol is visible.
     bool isDrawn(const Window& icon) {
         return std::ranges::any_of(client.picture(icon),
                                    [](std::uint8_t level) { return level > 200; });
@@ -67,7 +67,7 @@ protected:
     /// The program's icon in the panel.
     Window waitForIcon() {
         std::vector<Window> icons;
-        EXPECT_TRUE(waitUntil([&] { // where it stays: a panel that starts moves it
+        EXPECT_TRUE(waitUntil([&] { // until it stays in place: a panel that is starting moves it
             const auto before = icons;
             icons = client.windows([&](const Window& window) {
                 return window.width < 64 && window.height < 64 &&

@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// A message bus of the test's own, named in an environment variable. All buses of one variable
-/// have one address, as the D-Bus library asks for it once.
+/// A private message bus for the test, named in an environment variable. All buses of one variable
+/// have the same address, because the D-Bus library reads it only once.
 class PrivateBus {
 public:
     /// DBUS_SYSTEM_BUS_ADDRESS or DBUS_SESSION_BUS_ADDRESS.
@@ -16,7 +16,7 @@ public:
 
     const std::string& address() const { return address_; }
 
-    /// SIGSTOP makes it mute, SIGCONT lets it go on.
+    /// SIGSTOP makes it mute, SIGCONT lets it continue.
     void signal(int number) const { process_->signal(number); }
 
 private:

@@ -9,8 +9,8 @@
 
 namespace nocta {
 
-/// Lets time pass in small steps until the condition holds; false if it never does within a time
-/// that is ample even on a busy machine.
+/// Waits in small steps until the condition holds; returns false after a timeout that is ample even
+/// on a busy machine.
 bool waitUntil(const std::function<bool()>& condition);
 
 /// A child process; it is killed with this object.
@@ -18,8 +18,8 @@ class Process {
 public:
     using Environment = std::map<std::string, std::string>;
 
-    /// Starts `command` with the variables added to this process's own; an empty value takes a
-    /// variable away. Standard output and error go to the file `output` where one is named.
+    /// Starts `command` with the variables added to this process's own; an empty value removes a
+    /// variable. Standard output and error go to the file `output` if one is named.
     /// `keptDescriptor` is inherited under its own number.
     explicit Process(const std::vector<std::string>& command, const Environment& variables = {},
                      const std::string& output = {}, int keptDescriptor = -1);
@@ -30,7 +30,7 @@ public:
     pid_t id() const { return id_; }
     void signal(int number) const;
 
-    /// The wait status; -1 if the process does not end in an ample time.
+    /// The wait status; -1 if the process does not exit within an ample timeout.
     int wait();
 
 private:
@@ -38,13 +38,13 @@ private:
     int status_ = -1;
 };
 
-/// Runs a command to its end and returns its exit status, or -1.
+/// Runs a command and returns its exit status, or -1.
 int runToEnd(const std::vector<std::string>& command, const Process::Environment& variables = {});
 
-/// The folder that this test program and the project's programs are in.
+/// The folder of this test program and of the project's programs.
 std::string programFolder();
 
-/// A new folder, removed with everything in it at the end.
+/// A new folder, removed with its content by the destructor.
 class TemporaryFolder {
 public:
     TemporaryFolder();

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// A publisher with a key pair of its own.
+/// A publisher with a key pair.
 class Publisher {
 public:
     Publisher() { crypto_sign_keypair(key_.data(), secret_.data()); }
@@ -29,7 +29,7 @@ public:
         std::string text(sodium_base64_ENCODED_LEN(size, sodium_base64_VARIANT_ORIGINAL), '\0');
         sodium_bin2base64(text.data(), text.size(), bytes.data(), size,
                           sodium_base64_VARIANT_ORIGINAL);
-        text.pop_back(); // the end of a C string
+        text.pop_back(); // the terminating null of the C string
         return text;
     }
 
@@ -38,14 +38,14 @@ private:
     std::array<unsigned char, crypto_sign_SECRETKEYBYTES> secret_{};
 };
 
-/// What an appcast says of one release.
+/// The description of one release in an appcast.
 struct Release {
     std::string version = "46";
     std::string shortVersion = "1.3";
     std::string url = "https://updates.example/nocta.deb";
     std::string signature{};
     std::string length{};
-    std::string more{}; ///< elements
+    std::string more{}; ///< additional elements
 
     std::string item() const {
         return "<item><sparkle:version>" + version + "</sparkle:version>" +

@@ -18,7 +18,7 @@
 
 namespace nocta {
 
-/// A portal on the test's bus, with the settings that the test wants.
+/// A portal on the test's bus, with settings that the test chooses.
 class SettingsPortal final : public QDBusVirtualObject {
 public:
     explicit SettingsPortal(const PrivateBus& bus)
@@ -32,7 +32,7 @@ public:
 
     int questions = 0;
     std::map<std::string, QVariantMap> settings;
-    std::optional<QVariant> nonsense; ///< answered instead
+    std::optional<QVariant> nonsense; ///< sent as the answer instead
 
     void sayThatASettingHasChanged() {
         auto signal = QDBusMessage::createSignal(
@@ -41,7 +41,8 @@ public:
                << "reduced-motion" << QVariant::fromValue(QDBusVariant(0U));
         bus_.send(signal);
     }
-    /// Returns when the answer has come: it has, when that to a later change has.
+    /// Returns once the program has the answer: that is so when it has the answer to a later
+    /// change.
     void sayThatASettingHasChangedAndIsHeard() {
         for (int i = 0; i < 2; ++i) {
             const auto before = questions;
@@ -51,7 +52,7 @@ public:
     }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
         if (message.interface() != "org.freedesktop.portal.Settings") {
-            return false; // the toolkit's own, about other portals
+            return false; // Qt's own calls to other portals
         }
         ++questions;
         EXPECT_EQ(message.member(), "ReadAll");

@@ -7,12 +7,12 @@
 
 namespace nocta {
 
-/// What the kernel tells of graphics cards, connectors and backlights, in a folder.
+/// Imitates the kernel's description of graphics cards, connectors and backlights in a folder.
 class Sysfs {
 public:
     const std::string& path() const { return folder_.path(); }
 
-    // The folders that a backlight may hang on, below this one.
+    // The possible parents of a backlight, relative to this folder.
     static std::string card(const std::string& card) { return "devices/pci-of-" + card; }
     static std::string connector(const std::string& card, const std::string& name) {
         return Sysfs::card(card) + "/drm/" + card + "/" + card + "-" + name;
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    /// A device, which tells what it hangs on, and its entry in its class.
+    /// Adds a device with a link to its parent, and its entry in its class.
     std::string add(const std::string& device, const std::string& ofClass) const {
         std::filesystem::create_directories(path() + "/" + device);
         std::filesystem::create_symlink("..", path() + "/" + device + "/device");

@@ -14,8 +14,8 @@
 
 namespace nocta {
 
-/// The whole program on a virtual desktop. A test prepares the desktop, launches, acts as a person
-/// does, and looks at what the desktop saw.
+/// The whole program on a virtual desktop. A test prepares the desktop, launches the program, acts
+/// like a user, and checks what the desktop received.
 class TestDesktop : public ::testing::Test {
 protected:
     static constexpr DisplayId builtIn = 1;
@@ -53,7 +53,7 @@ protected:
     void launch() { desktop.application.launch(delegate()); }
     void quit() { desktop.application.terminate(); }
 
-    /// The process goes and comes back; the defaults store and the displays stay.
+    /// Restarts the process; the defaults store and the displays stay.
     void restart() {
         quit();
         dropProgram();
@@ -61,13 +61,13 @@ protected:
         launch();
     }
 
-    /// Before what it was given, where a fixture has put something real into it.
+    /// Destroys the program before its ports, if a fixture has made some of them real.
     void dropProgram() {
         delegate_.reset();
         instances_.reset();
     }
 
-    /// The dimming that a display's red table shows: red is not tinted at 6500 K.
+    /// The dimming in a display's red table: red is not tinted at 6500 K.
     float shownDimming(DisplayId id) {
         const auto& red = desktop.displays.display(id).red;
         return red.empty() ? 0.0F : 1.0F - red.back();
@@ -81,7 +81,7 @@ protected:
     VirtualDesktop desktop;
     VirtualViews views;
 
-    /// What the program is given: the virtual desktop, unless a fixture puts something real in it.
+    /// The program's ports: the virtual desktop, unless a fixture replaces some with real ones.
     virtual Desktop& ports() { return desktop.ports; }
 
 private:

@@ -9,7 +9,7 @@ namespace nocta {
 /// Moves the process to another time zone while it lives.
 class TimeZone {
 public:
-    /// A zone in POSIX notation, which needs no database: "CET-1CEST,M3.5.0,M10.5.0/3".
+    /// A zone in POSIX format, which needs no database: "CET-1CEST,M3.5.0,M10.5.0/3".
     explicit TimeZone(const char* zone) {
         if (const auto* const before = std::getenv("TZ")) {
             before_ = before;

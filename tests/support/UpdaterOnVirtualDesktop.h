@@ -16,7 +16,7 @@
 
 namespace nocta {
 
-/// The updater on a virtual clock, and a server that is a person.
+/// The updater on a virtual clock, with a server that the test controls.
 class UpdaterOnVirtualDesktop : public ::testing::Test {
 protected:
     const std::string file = "the new Nocta";
@@ -36,7 +36,7 @@ protected:
     std::optional<std::string> startError;
     using Errors = std::vector<std::optional<std::string>>;
 
-    Errors cycles; ///< how each ended
+    Errors cycles; ///< the result of each
     std::vector<std::string> opened;
     std::function<void(const std::optional<std::string>&)> answerOfOpener;
 
@@ -51,7 +51,7 @@ protected:
         startError = updater->startUpdater([this](const auto& error) { cycles.push_back(error); });
         desktop.runLoop.advance({});
     }
-    /// As if started before.
+    /// Starts as if Nocta had run before.
     void startWith(const std::string& remembered) {
         std::filesystem::create_directories(folder.path() + "/state");
         writeFile(memory, remembered);

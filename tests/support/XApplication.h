@@ -10,12 +10,12 @@
 
 namespace nocta {
 
-/// An application on the X server that DISPLAY names, with a connection and windows of its own. It
-/// asks the window manager for what a person does with them, and writes whatever properties it
-/// likes, on the root window too.
+/// An application on the X server in DISPLAY, with its own connection and windows. It asks the
+/// window manager to do what a user would do with them, and writes any properties, on the root
+/// window too.
 class XApplication {
 public:
-    /// The instance and the class of its windows; without a class they have neither.
+    /// The instance and the class of its windows; without a class, they have no WM_CLASS.
     explicit XApplication(std::string instance = {}, std::string windowClass = {});
     XApplication(const XApplication&) = delete;
     XApplication& operator=(const XApplication&) = delete;
@@ -51,7 +51,7 @@ private:
 
     xcb_connection_t* x_;
     xcb_window_t root_;
-    std::string classes_; ///< as WM_CLASS has them
+    std::string classes_; ///< in the format of WM_CLASS
 };
 
 } // namespace nocta

@@ -28,11 +28,11 @@ Owned<Reply> needed(Reply* reply) {
     return Owned<Reply>(reply);
 }
 
-/// A key code that keyboards leave free.
+/// A key code that keyboards leave unused.
 constexpr xcb_keycode_t spareKey = 248;
 
-/// Milliseconds before a key moves. One that is released and pressed in the same is taken for one
-/// that repeats by itself.
+/// Milliseconds before a key event. A key that is released and pressed in the same millisecond
+/// counts as an auto-repeat.
 constexpr std::uint32_t keyDelay = 2;
 
 } // namespace
@@ -241,7 +241,7 @@ void XClient::countWrites(xcb_window_t window) {
 }
 
 int XClient::writesTo(const std::string& property) {
-    const auto name = atom(property); // with its answer come the events before it
+    const auto name = atom(property); // its reply arrives after all earlier events
     while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(x_)}) {
         if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY) {
             ++writes_[reinterpret_cast<const xcb_property_notify_event_t&>(*event).atom];

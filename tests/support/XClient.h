@@ -13,14 +13,14 @@
 
 namespace nocta {
 
-/// Another client of the X server, with a connection of its own: it reads what the program under
-/// test has written, calibrates displays before it starts, and types.
+/// Another client of the X server, with its own connection: it reads what the program under test
+/// has written, calibrates displays before the program starts, and types.
 class XClient {
 public:
     /// Red, green and blue levels.
     using Ramp = std::array<std::vector<std::uint16_t>, 3>;
 
-    /// Of the display that DISPLAY names.
+    /// Connects to the display in DISPLAY.
     XClient();
     XClient(const XClient&) = delete;
     XClient& operator=(const XClient&) = delete;
@@ -36,17 +36,17 @@ public:
     /// The last red level in 0.0–1.0.
     double top(xcb_randr_crtc_t crtc);
 
-    /// What a window shows at a point of it, 0xRRGGBB.
+    /// The pixel of a window at a point, 0xRRGGBB.
     std::uint32_t pixel(xcb_window_t window, std::int16_t x, std::int16_t y);
-    /// The same of a window that is translucent, 0xAARRGGBB.
+    /// The same for a translucent window, 0xAARRGGBB.
     std::uint32_t translucentPixel(xcb_window_t window, std::int16_t x, std::int16_t y);
 
-    /// Presses and releases the key that makes the symbol; one is given the symbol if none has it.
+    /// Presses and releases the key with this symbol; maps the symbol to a free key if it has none.
     void press(xcb_keysym_t symbol);
     void hold(xcb_keysym_t symbol);
     void release(xcb_keysym_t symbol);
 
-    /// Moves the pointer, and presses and releases a button of it: 1 is the left, 3 the right one.
+    /// Moves the pointer, or clicks one of its buttons: 1 is the left one, 3 the right one.
     void moveTo(int x, int y);
     void holdButton(std::uint8_t button);
     void releaseButton(std::uint8_t button);
@@ -58,13 +58,14 @@ public:
     /// Owns the selection of XEmbed trays and announces itself, as a panel does.
     void becomeSystemTray();
 
-    /// Owns the selection of compositors; it composes nothing.
+    /// Owns the selection of compositors, but composes nothing.
     void becomeCompositor();
 
-    /// A property of the root window that is a list of numbers, of 8, 16 or 32 bits by `format`.
+    /// Sets a property of the root window to a list of numbers of 8, 16 or 32 bits, depending on
+    /// `format`.
     void setRootProperty(const std::string& name, std::uint8_t format,
                          const std::vector<std::uint8_t>& bytes);
-    /// Empty where there is none.
+    /// Empty if there is none.
     std::vector<std::uint8_t> rootProperty(const std::string& name);
     void setRootText(const std::string& name, const std::string& text);
 
@@ -93,27 +94,26 @@ public:
 
     bool hasWindowManager();
 
-    /// A window of this client, mapped; full screen where a window manager is asked for that.
+    /// Maps a window of this client; `fullScreen` asks the window manager for full screen.
     xcb_window_t openWindow(bool fullScreen);
     xcb_window_t focus();
     void setFocus(xcb_window_t window);
 
-    /// The ids of the mapped top-level windows of this size.
+    /// The IDs of the mapped top-level windows of this size.
     std::vector<xcb_window_t> windowsOfSize(int width, int height);
 
-    /// The windows that can be seen and that `matches`, at any depth, in the coordinates of the
-    /// root.
+    /// The visible windows that match, at any depth, in root coordinates.
     std::vector<TopWindow> windows(const std::function<bool(const TopWindow&)>& matches);
-    /// The pixels that can be seen at the place of a window.
+    /// The visible pixels in the area of a window.
     std::vector<std::uint8_t> picture(const TopWindow& window);
-    /// As the button of a title bar does.
+    /// Asks the window to close, as the button in a title bar does.
     void askToClose(xcb_window_t window);
     std::string nameOf(xcb_window_t window);
     bool hasProperty(xcb_window_t window, const std::string& name);
     xcb_atom_t atom(const std::string& name);
     /// The first number in a property, or 0.
     std::uint32_t number(xcb_window_t window, const std::string& property);
-    /// From now on the writes to the properties of the window are counted.
+    /// Counts writes to the properties of the window from now on.
     void countWrites(xcb_window_t window);
     int writesTo(const std::string& property);
 
@@ -131,8 +131,7 @@ private:
 inline constexpr xcb_keysym_t brightnessUpSymbol = 0x1008FF02;
 inline constexpr xcb_keysym_t brightnessDownSymbol = 0x1008FF03;
 
-/// A ramp of `size` entries from 0 to the given tops, bent by an exponent: what a calibration looks
-/// like.
+/// A ramp of `size` entries from 0 to the given tops, bent by an exponent, like a calibration.
 XClient::Ramp calibration(std::size_t size, double exponent, std::array<double, 3> tops);
 
 } // namespace nocta

@@ -22,13 +22,13 @@ public:
 
     const std::string& display() const { return display_; }
 
-    /// The server dies and its clients with it.
+    /// Kills the server, and its clients with it.
     void kill();
 
-    /// From now on it answers nobody.
+    /// Stops the server: it no longer answers.
     void freeze() const;
 
-    /// Puts a second output in use, to the right of the first, or out of use; Xorg only.
+    /// Plugs in a second output to the right of the first, or unplugs it; Xorg only.
     void plugSecondOutput() const;
     void unplugSecondOutput() const;
 

@@ -5,12 +5,12 @@
 
 namespace nocta {
 
-/// The X server that a display's name means, in one spelling: that of the screen does not count,
+/// The name of the X server behind a display's name, in one spelling: the screen number is dropped,
 /// and `:0`, `unix:0` and `:0.1` are the same server.
 std::string xServerName(const std::string& display);
 
-/// The socket of the Wayland compositor that a display's name means, relative to the user's runtime
-/// folder unless it is a whole path.
+/// The socket of the Wayland compositor behind a display's name. A relative name is looked up in
+/// the user's runtime folder.
 std::filesystem::path waylandSocket(const std::filesystem::path& runtimeFolder,
                                     const std::string& display);
 

@@ -2,13 +2,13 @@
 
 namespace nocta {
 
-/// A way in which this session can take the colour out of its whole screen. What was there before
-/// is given back when the filter is switched off or destroyed, and when the process dies.
+/// A way for this session to turn its whole screen gray. The screen goes back to what it was when
+/// the filter is switched off or destroyed, and when the process dies.
 class GrayscaleFilter {
 public:
     virtual ~GrayscaleFilter() = default;
 
-    /// Whether the screen is gray, whoever has made it so.
+    /// Whether the screen is gray, no matter which program made it so.
     virtual bool isOn() = 0;
     virtual void setOn(bool on) = 0;
 };

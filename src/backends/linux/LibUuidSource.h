@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// Random identifiers from the operating system's random numbers.
+/// Random identifiers from the operating system's random number generator.
 class LibUuidSource final : public UuidSource {
 public:
     Uuid makeUuid() override {

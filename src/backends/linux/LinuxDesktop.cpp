@@ -59,14 +59,15 @@ namespace nocta {
 
 namespace {
 
-constexpr rlim_t minDescriptors = 64; // about twice what is used
+constexpr rlim_t minDescriptors = 64; // about twice what Nocta uses
 
 std::string environment(const char* name) {
     const auto* const value = std::getenv(name);
     return value == nullptr ? "" : value;
 }
 
-/// One of the user's base directories, which a variable may move. A relative one counts as none.
+/// One of the user's base directories. The variable overrides the default; a relative path is
+/// ignored.
 std::filesystem::path baseDirectory(const char* variable, const char* usual) {
     const auto chosen = std::filesystem::path(environment(variable));
     return chosen.is_absolute() ? chosen
@@ -81,21 +82,21 @@ std::filesystem::path settingsFile() {
     return configFolder() / "nocta" / "nocta.conf";
 }
 
-/// What Nocta remembers that is no setting.
+/// For what Nocta remembers and is not a setting.
 std::filesystem::path stateFolder() {
     return baseDirectory("XDG_STATE_HOME", ".local/state") / "nocta";
 }
 
-/// Where the lock and the socket of the running process are.
+/// The folder of the running process's lock and socket.
 std::filesystem::path runtimeFolder() {
     const std::filesystem::path folder = environment("XDG_RUNTIME_DIR");
     if (folder.is_absolute()) {
-        createPrivateFolders(folder); // as the toolkit will, and later starts must find the same
+        createPrivateFolders(folder); // as Qt will; later starts must use the same folder
     }
     return folder.is_absolute() && isPrivateFolder(folder) ? folder : stateFolder();
 }
 
-/// What can be had anew.
+/// For files that can be downloaded again.
 std::filesystem::path cacheFolder() {
     return baseDirectory("XDG_CACHE_HOME", ".cache") / "nocta";
 }
@@ -119,14 +120,14 @@ bool canConnectToWayland(const std::string& display) {
     return connect(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
-/// The libraries do not cope with fewer than they need: some wait for ever.
+/// The libraries cannot handle running out of descriptors: some wait forever.
 bool hasEnoughDescriptors() {
     rlimit limit{};
     return getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= minDescriptors;
 }
 
-/// Gives the standard streams that the starter has closed an end that takes everything; else the
-/// next file or connection would get their numbers, and whatever is said there.
+/// Opens /dev/null for each standard stream that the parent process closed. Otherwise the next file
+/// or connection would get its number, along with everything printed to it.
 void keepStandardStreams() {
     int descriptor = open("/dev/null", O_RDWR);
     while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
@@ -135,7 +136,7 @@ void keepStandardStreams() {
     close(descriptor);
 }
 
-/// The bus of the screen readers that the X server names, or nothing.
+/// The address of the accessibility bus that the X server publishes, or empty.
 std::string accessibilityBus(X11Connection& connection) {
     constexpr std::uint32_t maxLength = 256; // in units of four bytes
     auto* const x = connection.get();
@@ -150,8 +151,8 @@ std::string accessibilityBus(X11Connection& connection) {
                  : std::string();
 }
 
-/// What this session can do for displays, gamma, gray, keys and applications. Here and nowhere else
-/// is it decided.
+/// What this session can do for displays, gamma, gray, keys and applications. This is the only
+/// place that decides it.
 struct DisplayServer {
     std::unique_ptr<X11Connection> connection;
     std::unique_ptr<Guardian> guardian;
@@ -161,7 +162,7 @@ struct DisplayServer {
     Subscription gammaAfterWake;
     std::unique_ptr<GrayscaleFilter> grayscale;
     std::unique_ptr<KeyEvents> keyEvents;
-    const Typing* typing = nullptr; ///< null where it cannot be seen
+    const Typing* typing = nullptr; ///< null if keys cannot be observed
     std::unique_ptr<Workspace> workspace;
 };
 
@@ -187,7 +188,7 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
     if (displays->isEmulation()) {
         std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
         server.gammaOutput = std::make_unique<UnavailableGammaOutput>();
-        // Such a server learns of keys only while a window of X has the focus.
+        // This X server sees keys only while an X window has the focus.
         server.keyEvents = std::make_unique<UnavailableKeyEvents>();
     } else {
         auto keyEvents = std::make_unique<X11KeyEvents>(*connection, runLoop);
@@ -210,7 +211,7 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
     return server;
 }
 
-/// The toolkit, made before anything that needs it. It is given no arguments to read.
+/// The Qt application, created before anything that needs it. It gets no arguments to parse.
 struct Toolkit {
     int argumentCount = 1;
     char name[6] = "nocta";
@@ -225,7 +226,7 @@ struct Toolkit {
     }
     Toolkit(const Toolkit&) = delete;
     Toolkit& operator=(const Toolkit&) = delete;
-    /// What was to be deleted later, once no event loop runs any more.
+    /// Deletes what called `deleteLater` after the last event loop ended.
     ~Toolkit() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 };
 
@@ -271,7 +272,7 @@ private:
         runLoop_,
         urlSession_,
         bundle_,
-        gnu_get_libc_version(), // what a program built elsewhere needs most
+        gnu_get_libc_version(), // the newest libc that a downloaded program may need
         {.memory = stateFolder() / "updates.json", .downloads = cacheFolder() / "updates"},
         openPackage};
     QtOverlayWindows overlayWindows_{runLoop_, *server_.displays, server_.connection.get(),
@@ -314,7 +315,7 @@ DesktopSession makeDesktop(const Bundle& bundle) {
     keepStandardStreams();
     makeOutputNonBlocking();
     if (!hasEnoughDescriptors()) {
-        std::cerr << "nocta: the limit of open files is below " << minDescriptors << std::endl;
+        std::cerr << "nocta: the limit on open files is below " << minDescriptors << std::endl;
         return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};
     }
     const auto wayland = environment("WAYLAND_DISPLAY");
@@ -329,7 +330,7 @@ DesktopSession makeDesktop(const Bundle& bundle) {
                                  : waylandSocket(environment("XDG_RUNTIME_DIR"), wayland).native(),
                             runtimeFolder());
     if (instance.role() == SingleInstance::Role::unanswered) {
-        std::cerr << "nocta: Nocta runs here already and does not answer" << std::endl;
+        std::cerr << "nocta: Nocta is already running here and does not answer" << std::endl;
         return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};
     }
     if (instance.role() == SingleInstance::Role::answered) {

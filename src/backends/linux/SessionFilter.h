@@ -8,13 +8,14 @@
 
 namespace nocta {
 
-/// The display filter of a Linux session, over the one way that the session has to turn gray. The
-/// entry point that makes a change take effect belongs to a library of macOS. The ports keep that
-/// shape on purpose, so that the service looks for the entry point in the same way everywhere: here
-/// the library's name stands for the session's way to turn gray, and is found where there is one.
+/// The display filter of a Linux session, on top of the one way that the session has to turn gray.
+/// On macOS the entry point that applies a change comes from a library that is loaded at run time.
+/// The ports keep that shape on purpose, so that the service looks for the entry point in the same
+/// way everywhere: here the library's name stands for the session's way to turn gray, and opening
+/// it succeeds only if there is one.
 class SessionFilter final : public DisplayFilter, public DynamicLibraries {
 public:
-    /// Null where the session has no way to turn gray.
+    /// `grayscale` is null if the session has no way to turn gray.
     explicit SessionFilter(std::unique_ptr<GrayscaleFilter> grayscale);
 
     void setType(std::int32_t category, std::int32_t type) override;

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-// Ports for what this session cannot do. Each says so and does nothing.
+// Ports for what this session cannot do. Each one reports that and does nothing.
 
 class UnavailableDisplays final : public Displays {
 public:
@@ -47,7 +47,7 @@ public:
     }
 };
 
-/// What the user wishes is known all the same.
+/// The reduced motion setting is known even without an X server.
 class UnavailableWorkspace final : public Workspace {
 public:
     explicit UnavailableWorkspace(std::function<bool()> shouldReduceMotion)

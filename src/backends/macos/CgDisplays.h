@@ -8,14 +8,14 @@
 
 namespace nocta {
 
-/// A change of the displays is posted on the program's notification centre.
+/// A change of the displays is posted on the program's notification center.
 class CgDisplays final : public Displays {
 public:
     explicit CgDisplays(NotificationCenter& notificationCenter)
         : screenParameters_(passOn(NSApplicationDidChangeScreenParametersNotification,
                                    notificationCenter, didChangeScreenParametersNotification)) {}
 
-    /// CoreGraphics counts the displays where it is given no room for them.
+    /// CoreGraphics returns the count if it gets no space for the list.
     Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) override {
         const CGError error = CGGetActiveDisplayList(static_cast<std::uint32_t>(ids.size()),
                                                      ids.empty() ? nullptr : ids.data(), &count);

@@ -12,9 +12,9 @@
 
 namespace nocta {
 
-/// The window server gives the factory tables back by itself when the process dies. It also drops
-/// tables when the displays change and when the machine or its displays sleep, so the last ones are
-/// sent again. After a wake it may drop them for some seconds more, of which it tells nobody.
+/// The window server restores the factory tables when the process dies. It also drops tables when
+/// the displays change and when the machine or its displays sleep, so the last ones are sent again.
+/// It may drop them for a few more seconds after a wake, without notifying anyone.
 class CgGammaOutput final : public GammaOutput {
 public:
     explicit CgGammaOutput(RunLoop& runLoop) : runLoop_(runLoop) {}
@@ -61,7 +61,7 @@ private:
         });
     }
 
-    /// A display that sleeps is online but not active, and must not lose its tables by that.
+    /// A sleeping display is online but not active, and must keep its tables.
     void forgetGoneDisplays() {
         std::uint32_t count = 0;
         if (CGGetOnlineDisplayList(0, nullptr, &count) != kCGErrorSuccess) {

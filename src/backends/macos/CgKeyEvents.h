@@ -15,7 +15,7 @@ static_assert(tapDisabledByUserInputEventType == kCGEventTapDisabledByUserInput)
 
 /// The tap is refused until the user has allowed the program to watch the keyboard, in the system's
 /// privacy settings. When the permission is withdrawn, the system reports no error but disables the
-/// tap once a key has waited for it too long. Enabling it then would hold up the next keys as well.
+/// tap after a key has waited for it too long. Enabling it again would delay the next keys as well.
 class CgKeyEvents final : public KeyEvents {
 public:
     Subscription addGlobalMonitorForSystemDefinedEvents(
@@ -42,22 +42,22 @@ public:
         const CFRunLoopSourceRef source =
             CFMachPortCreateRunLoopSource(kCFAllocatorDefault, tap->port, 0);
         CFRunLoopAddSource(CFRunLoopGetMain(), source, kCFRunLoopCommonModes);
-        CFRelease(source); // the run loop has it
+        CFRelease(source); // the run loop retains it
         CGEventTapEnable(tap->port, true);
         return Subscription([tap] {
-            CFMachPortInvalidate(tap->port); // which takes its source out of the run loop
+            CFMachPortInvalidate(tap->port); // also removes its source from the run loop
             CFRelease(tap->port);
         });
     }
 
 private:
-    /// What the user info of the callback points to.
+    /// The user info of the callback points to this.
     struct Tap {
         std::function<void(const KeyDownEvent&)> handler;
         CFMachPortRef port = nullptr;
     };
 
-    /// Only a new tap is refused without the permission.
+    /// Creating a tap is the only call that fails without the permission.
     static bool isAllowed() {
         const CFMachPortRef probe =
             CGEventTapCreate(kCGSessionEventTap, kCGTailAppendEventTap, kCGEventTapOptionDefault,
@@ -70,7 +70,7 @@ private:
         return true;
     }
 
-    /// Every event goes on as it came. Without the permission the tap ends, and keys go on without
+    /// Every event passes unchanged. Without the permission the tap ends, and keys go on without
     /// it.
     static CGEventRef keyDown(CGEventTapProxy /*proxy*/, CGEventType type, CGEventRef event,
                               void* userInfo) {

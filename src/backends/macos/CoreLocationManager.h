@@ -6,9 +6,9 @@
 
 #import <CoreLocation/CoreLocation.h>
 
-/// Passes on what the manager tells.
+/// Forwards the manager's calls.
 @interface NoctaLocationDelegate : NSObject <CLLocationManagerDelegate>
-@property(nonatomic) nocta::LocationManagerDelegate* receiver; // not owned; null for none
+@property(nonatomic) nocta::LocationManagerDelegate* receiver; // not owned; null if none
 @end
 
 namespace nocta {
@@ -21,7 +21,7 @@ static_assert(authorizationStatus(kCLAuthorizationStatusDenied) == Authorization
 static_assert(authorizationStatus(kCLAuthorizationStatusAuthorizedAlways) ==
               AuthorizationStatus::authorized);
 
-/// It calls its delegate on the thread on which it was made, the main one.
+/// The manager calls its delegate on the thread that created it, the main thread.
 class CoreLocationManager final : public LocationManager {
 public:
     CoreLocationManager() { manager_.desiredAccuracy = kCLLocationAccuracyKilometer; }
@@ -41,7 +41,7 @@ public:
 
 private:
     CLLocationManager* manager_ = [[CLLocationManager alloc] init];
-    NoctaLocationDelegate* delegate_ = [[NoctaLocationDelegate alloc] init]; // else unowned
+    NoctaLocationDelegate* delegate_ = [[NoctaLocationDelegate alloc] init]; // retained
 };
 
 } // namespace nocta

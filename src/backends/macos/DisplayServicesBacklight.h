@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// A private framework that is looked up at run time and stays loaded: without it, or without one
-/// of its functions, every call fails.
+/// Uses a private framework that is looked up at run time and stays loaded. Without it, or without
+/// one of its functions, every call fails.
 class DisplayServicesBacklight final : public Backlight {
 public:
     Status getBrightness(DisplayId display, float& level) override {
@@ -21,7 +21,7 @@ private:
     using GetBrightness = int (*)(std::uint32_t display, float* level);
     using SetBrightness = int (*)(std::uint32_t display, float level);
 
-    /// A null handle would make some systems search the whole program.
+    /// With a null handle, some systems would search the whole program.
     void* symbol(const char* name) const {
         return framework_ != nullptr ? dlsym(framework_, name) : nullptr;
     }

@@ -38,7 +38,7 @@ public:
     }
 };
 
-/// The toolkit, given no arguments to read.
+/// The Qt application, with no arguments to parse.
 struct Toolkit {
     int argumentCount = 1;
     char name[6] = "nocta";
@@ -59,7 +59,7 @@ public:
 private:
     const Bundle& bundle_;
     MainRunLoop runLoop_;
-    MacApplication application_{runLoop_}; // before the toolkit, whose delegate passes on to it
+    MacApplication application_{runLoop_}; // before the toolkit, whose delegate forwards to it
     Toolkit toolkit_;
     NotificationCenter notificationCenter_;
     UserDefaultsStore userDefaults_;
@@ -90,8 +90,8 @@ public:
         appWindows_, application_};
 };
 
-/// The system turns a second start of a bundle into a reopening of the first. A second process,
-/// which a terminal can start, does the same.
+/// For a second start of a bundle, the system reopens the first process. A second process, which a
+/// terminal can start, does the same here.
 bool reopenRunningProcess() {
     NSString* const identifier = NSBundle.mainBundle.bundleIdentifier;
     if (identifier == nil) {

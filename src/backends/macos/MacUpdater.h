@@ -10,19 +10,19 @@
 #import <Sparkle/Sparkle.h>
 #include <utility>
 
-/// Passes on what the updater tells.
+/// Forwards the updater's calls.
 @interface NoctaUpdaterDelegate : NSObject <SPUUpdaterDelegate, SPUStandardUserDriverDelegate> {
 @public
     nocta::Updater* updater; // not owned
     nocta::Updater::DidFinishUpdateCycle didFinishUpdateCycle;
-    bool hasUpdateToShow; // one that a scheduled check has found, and that nobody has seen yet
+    bool hasUpdateToShow; // an update that a scheduled check has found and the user has not seen
 }
 @end
 
 namespace nocta {
 
-/// Sparkle's standard updater, with its own windows. Its feed and its key stand in Info.plist.
-/// Until it is started there is none: nothing is checked, and every wish reads as no.
+/// Sparkle's standard updater, with its own windows. Its feed and its key are in Info.plist. Until
+/// it is started nothing is checked, and every setting reads as off.
 class MacUpdater final : public Updater {
 public:
     MacUpdater() = default;
@@ -65,16 +65,16 @@ public:
     }
     void checkForUpdates() override { [controller_ checkForUpdates:nil]; }
 
-    // Asked and answered in Sparkle's windows.
+    // Sparkle's windows do this.
     void install() override {}
     void skip() override {}
     void dismiss() override {}
 
 private:
-    NoctaUpdaterDelegate* delegate_ = [[NoctaUpdaterDelegate alloc] init]; // else unowned
+    NoctaUpdaterDelegate* delegate_ = [[NoctaUpdaterDelegate alloc] init]; // retained
     SPUStandardUpdaterController* controller_ = nil;
-    /// Sparkle would show what a scheduled check finds behind the windows of other programs, as
-    /// this one is not in the Dock. Checking brings to the front what was found.
+    /// This program is not in the Dock, so Sparkle would show the result of a scheduled check
+    /// behind the windows of other programs. A check by the user brings it to the front.
     Subscription popoverDidShow_ =
         observe(NSNotificationCenter.defaultCenter, NSPopoverDidShowNotification, nil,
                 ^(NSNotification* /*notification*/) {
@@ -88,7 +88,7 @@ private:
 #else
 namespace nocta {
 
-/// Of a build without Sparkle. The user's wishes are good until the process ends.
+/// For a build without Sparkle. Settings last until the process ends.
 class MacUpdater final : public Updater {
 public:
     Availability availability() const override { return Availability::noFeed; }

@@ -4,9 +4,10 @@
 
 @implementation NoctaUpdaterDelegate
 
-/// Nobody who starts the program by its icon reads its standard error, so the error goes to the
-/// log, and only there. Sparkle also ends a cycle with an error when there is no update or the user
-/// puts one off. These are logged too: whoever looks for a missing update wants to see every cycle.
+/// Nobody reads the standard error of a program that was started by its icon, so the error goes
+/// only to the log. Sparkle also ends a cycle with an error when there is no update or the user
+/// postpones one. These are logged too: someone who looks for a missing update wants to see every
+/// cycle.
 - (void)updater:(SPUUpdater*)source
     didFinishUpdateCycleForUpdateCheck:(SPUUpdateCheck)updateCheck
                                  error:(NSError*)error {
@@ -30,7 +31,7 @@
     return YES;
 }
 
-/// Where Sparkle would put its window in front, for example right after the start, it shows it
+/// If Sparkle would open its window in front, for example right after the start, Sparkle shows it
 /// itself.
 - (BOOL)standardUserDriverShouldHandleShowingScheduledUpdate:(SUAppcastItem*)update
                                          andInImmediateFocus:(BOOL)immediateFocus {

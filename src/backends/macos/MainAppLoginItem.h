@@ -14,8 +14,8 @@ static_assert(loginItemStatus(SMAppServiceStatusRequiresApproval) ==
               LoginItem::Status::requiresApproval);
 static_assert(loginItemStatus(SMAppServiceStatusNotFound) == LoginItem::Status::notFound);
 
-/// This very bundle. Registering one that is registered is an error to the system, and so is the
-/// opposite; here what already is as wished is none.
+/// The login item of this bundle. The system reports an error when a registered item is registered
+/// again, or an unregistered one unregistered; here neither is an error.
 class MainAppLoginItem final : public LoginItem {
 public:
     Status status() override { return loginItemStatus(SMAppService.mainAppService.status); }

@@ -10,15 +10,15 @@
 
 namespace nocta {
 
-/// The main run loop in its common modes, so that timers and posts go on while a menu or a modal
-/// panel is open. It is the loop that Qt turns as well: nothing has to be passed on to Qt, and
-/// Sparkle, the event tap and the notification centres are served by it anyway.
+/// The main run loop in its common modes, so that timers and posts continue while a menu or a modal
+/// panel is open. Qt runs the same loop, so nothing has to be forwarded to Qt, and it also serves
+/// Sparkle, the event tap and the notification centers.
 class MainRunLoop final : public RunLoop {
 public:
     MainRunLoop() = default;
     MainRunLoop(const MainRunLoop&) = delete;
     MainRunLoop& operator=(const MainRunLoop&) = delete;
-    /// The system's run loop goes on, and would fire what is left.
+    /// The system's run loop outlives this object and would fire the remaining timers.
     ~MainRunLoop() override {
         for (const auto& [id, timer] : timers_) {
             [timer invalidate];
@@ -27,14 +27,15 @@ public:
 
     WallTime wallNow() const override { return std::chrono::system_clock::now(); }
 
-    /// NSTimer's clock. That of the standard library goes on while the machine sleeps.
+    /// NSTimer's clock. The standard library's clock also runs while the machine sleeps.
     MonotonicTime monotonicNow() const override {
         return MonotonicTime(Duration(clock_gettime_nsec_np(CLOCK_UPTIME_RAW)));
     }
 
     TimerId schedule(Duration interval, Repeat repeat, std::function<void()> action) override {
         const auto id = ++lastId_;
-        // Not copied by a firing: an action counts in itself. It may end its own timer, too.
+        // Shared, not copied for each firing, because an action may have state. It may also end its
+        // own timer.
         const auto kept = std::make_shared<std::function<void()>>(std::move(action));
         NSTimer* const timer =
             [NSTimer timerWithTimeInterval:std::chrono::duration<double>(interval).count()

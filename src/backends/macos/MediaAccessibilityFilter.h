@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-// MediaAccessibility exports these without a header. They are weak, that is, null where a system
-// no longer has them: a strong reference would keep the program from starting there.
+// MediaAccessibility exports these without a header. They are weak, that is, null if a system no
+// longer has them: with a strong reference the program would not start there.
 extern "C" {
 [[gnu::weak]] void MADisplayFilterPrefSetType(std::int32_t category, std::int32_t type);
 [[gnu::weak]] void MADisplayFilterPrefSetCategoryEnabled(std::int32_t category,
@@ -17,7 +17,7 @@ extern "C" {
 namespace nocta {
 
 /// The filters of the accessibility settings, which belong to the user and stay as they are when
-/// the process ends. A function that is missing does nothing and answers 0.
+/// the process ends. A missing function does nothing and returns 0.
 class MediaAccessibilityFilter final : public DisplayFilter {
 public:
     void setType(std::int32_t category, std::int32_t type) override {

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// Full-screen windows of the program's own are posted on its notification centre.
+/// Full-screen changes of the program's own windows are posted on its notification center.
 class NsWorkspace final : public Workspace {
 public:
     explicit NsWorkspace(NotificationCenter& notificationCenter)
@@ -57,7 +57,7 @@ public:
     }
 
 private:
-    /// None of anything but a running application.
+    /// Nothing for anything but a running application.
     static std::optional<RunningApplication> runningApplication(id object) {
         if (![object isKindOfClass:NSRunningApplication.class]) {
             return std::nullopt;

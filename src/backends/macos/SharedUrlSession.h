@@ -8,7 +8,7 @@
 
 namespace nocta {
 
-/// It hands a body over at once, at its end. Of a program in a bundle the system itself refuses
+/// The body is delivered at once, at the end. For a program in a bundle, the system itself refuses
 /// addresses that are not encrypted.
 class SharedUrlSession final : public UrlSession {
 public:
@@ -16,7 +16,7 @@ public:
 
     Subscription dataTask(const UrlRequest& request, Completion completion,
                           DidReceiveData didReceiveData) override {
-        const auto isWanted = std::make_shared<bool>(true); // of the main thread alone
+        const auto isWanted = std::make_shared<bool>(true); // only used on the main thread
         RunLoop& runLoop = runLoop_;
         const auto finish = [&runLoop, isWanted, completion, didReceiveData](
                                 NSData* data, NSURLResponse* response, NSError* error) {
@@ -24,7 +24,7 @@ public:
                 if (*isWanted && didReceiveData && data != nil) {
                     didReceiveData({static_cast<const char*>(data.bytes), data.length});
                 }
-                if (*isWanted) { // still
+                if (*isWanted) { // not canceled in the meantime
                     completion(urlResponse(response, error));
                 }
             });
@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    /// None where the address cannot be one.
+    /// Nil if the address is invalid.
     static NSURLRequest* nsUrlRequest(const UrlRequest& request) {
         NSURL* const url = [NSURL URLWithString:nsString(request.url)];
         if (url == nil) {

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// From the number of a CLAuthorizationStatus. One that this program does not know allows nothing.
+/// From the number of a CLAuthorizationStatus. An unknown number allows nothing.
 constexpr AuthorizationStatus authorizationStatus(std::int64_t native) {
     switch (native) {
     case 0:
@@ -23,7 +23,7 @@ constexpr AuthorizationStatus authorizationStatus(std::int64_t native) {
     }
 }
 
-/// From the number of an SMAppServiceStatus. One that this program does not know is not enabled.
+/// From the number of an SMAppServiceStatus. An unknown number is not enabled.
 constexpr LoginItem::Status loginItemStatus(std::int64_t native) {
     switch (native) {
     case 0:

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// Of UTF-8 text; what is no UTF-8 gives the empty string.
+/// From UTF-8; invalid UTF-8 gives the empty string.
 inline NSString* nsString(std::string_view text) {
     NSString* const string = [[NSString alloc] initWithBytes:text.data()
                                                       length:text.size()
@@ -17,7 +17,7 @@ inline NSString* nsString(std::string_view text) {
     return string != nil ? string : @"";
 }
 
-/// In UTF-8; nil gives the empty string.
+/// To UTF-8; nil gives the empty string.
 inline std::string stdString(NSString* string) {
     const char* const text = string.UTF8String;
     return text != nullptr ? text : "";

@@ -7,8 +7,7 @@
 
 namespace nocta {
 
-/// Where the entry point is looked up that makes a change of the display filters take effect at
-/// once.
+/// Looks up the entry point that makes a change of the display filters take effect at once.
 class SystemLibraries final : public DynamicLibraries {
 public:
     Handle open(std::string_view path) override {

@@ -4,16 +4,16 @@
 
 namespace nocta {
 
-// Types of the events that reach an event tap, by the numbers of CGEventType.
+// Types of the events that an event tap receives, with the numbers of CGEventType.
 inline constexpr std::uint32_t keyDownEventType = 10;
 inline constexpr std::uint32_t tapDisabledByTimeoutEventType = 0xFFFFFFFE;
 inline constexpr std::uint32_t tapDisabledByUserInputEventType = 0xFFFFFFFF;
 
-/// What an event tap's callback is called for.
+/// Why an event tap's callback is called.
 enum class TapEvent { keyDown, disabled, other };
 
-/// The system disables a tap whose callback was slow once, and one that is in the way of the
-/// user's input. It says so by an event of its own, and the tap stays disabled until it is enabled
+/// The system disables a tap whose callback was slow once, or that interferes with the user's
+/// input. It reports this with a special event, and the tap stays disabled until it is enabled
 /// again.
 constexpr TapEvent tapEvent(std::uint32_t type) {
     switch (type) {

@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// The user's defaults of the system. Its getters convert more than `DefaultsTable` does: a number
-/// reads as a text and a text as a number. That only shows in values that were set by hand.
+/// The system's user defaults. The getters convert more than `DefaultsTable` does: a number reads
+/// as text and text as a number. This matters only for values that were set by hand.
 class UserDefaultsStore final : public DefaultsStore {
 public:
     void registerDefaults(const DefaultsMap& defaults) override {

@@ -7,10 +7,10 @@
 #import <UserNotifications/UserNotifications.h>
 #include <utility>
 
-/// Passes on what the centre tells, from the run loop.
+/// Forwards the center's calls, from the run loop.
 @interface NoctaNotificationDelegate : NSObject <UNUserNotificationCenterDelegate>
 @property(nonatomic) nocta::RunLoop* runLoop;
-@property(nonatomic) nocta::UserNotificationCenterDelegate* receiver; // not owned; null for none
+@property(nonatomic) nocta::UserNotificationCenterDelegate* receiver; // not owned; null if none
 @end
 
 namespace nocta {
@@ -20,9 +20,9 @@ static_assert(notificationAlert == UNAuthorizationOptionAlert);
 static_assert(notificationSound == UNNotificationPresentationOptionSound);
 static_assert(notificationBanner == UNNotificationPresentationOptionBanner);
 
-/// UNUserNotificationCenter. It answers on threads of its own; everything is brought to the run
-/// loop. For a program without a bundle, as a development build can be, there is none: asking for
-/// it would throw and end the program. Then nothing is shown and nothing is allowed.
+/// UNUserNotificationCenter. It answers on threads of its own; everything is moved to the run loop.
+/// A program without a bundle, such as a development build, has no notification center: asking for
+/// it would throw and end the program. In that case nothing is shown and nothing is allowed.
 class UserNotifications final : public UserNotificationCenter {
 public:
     explicit UserNotifications(RunLoop& runLoop) { delegate_.runLoop = &runLoop; }
@@ -79,7 +79,7 @@ public:
         [center_ addNotificationRequest:[UNNotificationRequest
                                             requestWithIdentifier:NSUUID.UUID.UUIDString
                                                           content:content
-                                                          trigger:nil] // now
+                                                          trigger:nil] // at once
                   withCompletionHandler:nil];
     }
 
@@ -87,7 +87,7 @@ private:
     UNUserNotificationCenter* center_ = NSBundle.mainBundle.bundleIdentifier != nil
                                             ? UNUserNotificationCenter.currentNotificationCenter
                                             : nil;
-    NoctaNotificationDelegate* delegate_ = [[NoctaNotificationDelegate alloc] init]; // else unowned
+    NoctaNotificationDelegate* delegate_ = [[NoctaNotificationDelegate alloc] init]; // retained
 };
 
 } // namespace nocta

@@ -9,14 +9,14 @@
 
 namespace nocta {
 
-/// Gives its content all the room that it needs, on a screen that has it; else it scrolls. The
-/// content of a window with a title bar, which owns it; the content belongs to someone else, and
-/// goes first.
+/// Gives its content all the space that it needs, if the screen has it; otherwise it scrolls. It
+/// fills a window with a title bar, which owns it. Someone else owns the content and destroys it
+/// first.
 class Scroller final : public QScrollArea {
 public:
     explicit Scroller(QWidget& content) {
         setFrameShape(QFrame::NoFrame);
-        setFocusPolicy(Qt::NoFocus); // it follows what has the keyboard
+        setFocusPolicy(Qt::NoFocus); // it scrolls to the focused control instead
         setWidgetResizable(true);
         setWidget(&content);
         viewport()->setAutoFillBackground(false);
@@ -46,7 +46,7 @@ protected:
     }
 
 private:
-    /// What a desktop may put around a window, in points.
+    /// What a desktop may draw around a window, in points.
     static constexpr QSize frameRoom{16, 48};
 };
 

@@ -4,7 +4,8 @@
 
 #include <cstdint>
 
-// What a search of the whole program would find. They succeed, so that a call of them shows.
+// A symbol search of the whole program would find these. They succeed, so that the test would
+// notice a call.
 extern "C" {
 __attribute__((visibility("default"), used)) int
 DisplayServicesGetBrightness(std::uint32_t /*display*/, float* level) {
@@ -20,10 +21,10 @@ DisplayServicesSetBrightness(std::uint32_t /*display*/, float /*level*/) {
 namespace nocta {
 namespace {
 
-/// No display has this number, and most systems have no such framework at all.
+/// No display has this ID, and most systems do not have the framework at all.
 constexpr DisplayId nowhere = 0xFFFFFFF0;
 
-TEST(DisplayServicesBacklight, FailsWhereTheFrameworkOrTheDisplayIsMissing) {
+TEST(DisplayServicesBacklight, FailsIfTheFrameworkOrTheDisplayIsMissing) {
     DisplayServicesBacklight backlight;
     float level = 0.25F;
     EXPECT_NE(backlight.getBrightness(nowhere, level), statusSuccess);

@@ -5,8 +5,8 @@
 namespace nocta {
 namespace {
 
-/// This program is not linked with them.
-TEST(MediaAccessibilityFilter, FunctionsThatAreMissingDoNothingAndAnswerZero) {
+/// The test program is not linked with these functions.
+TEST(MediaAccessibilityFilter, MissingFunctionsDoNothingAndReturnZero) {
     MediaAccessibilityFilter filter;
     filter.setType(1, 1);
     filter.setCategoryEnabled(1, true);

@@ -1,6 +1,6 @@
 #pragma once
 
-/// A call as it is written in a file of the backend. White space does not count.
+/// A call as written in a file of the backend. White space does not count.
 struct NativeCall {
     const char* file;
     const char* text;

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 const fs::path root = NOCTA_SOURCE_DIR "/src";
 
-/// A comment can name what is not called.
+/// Removes comments, because they can name functions that are not called.
 std::string withoutComments(const fs::path& file) {
     std::ifstream input(file);
     const std::string text{std::istreambuf_iterator<char>(input), {}};
@@ -36,7 +36,7 @@ bool isOfAWord(char character) {
     return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
 }
 
-/// Text without its white space, which remembers where words began.
+/// Text without white space, and where the white space separated words.
 struct Code {
     explicit Code(std::string_view source) {
         char last = ' ';
@@ -51,10 +51,10 @@ struct Code {
     }
 
     std::string text;
-    std::vector<bool> isInsideAWord; ///< one more than characters
+    std::vector<bool> isInsideAWord; ///< one more element than characters
 };
 
-/// Not counting those that begin or end inside a word.
+/// Counts occurrences that begin and end at word boundaries.
 int occurrences(const Code& wanted, const Code& code) {
     int count = 0;
     for (auto at = code.text.find(wanted.text); at != std::string::npos;
@@ -75,12 +75,12 @@ void expectEachOnce(std::span<const NativeCall> calls) {
     }
 }
 
-TEST(NativeCalls, EachStandsInItsFileOnceAsItIsWrittenInTheTables) {
+TEST(NativeCalls, EachIsInItsFileOnceExactlyAsInTheTables) {
     expectEachOnce(nativeServiceCalls);
     expectEachOnce(nativeShellCalls);
 }
 
-TEST(NativeCalls, AreMadeNowhereElse) {
+TEST(NativeCalls, AreInNoOtherFile) {
     const std::regex call(
         R"(\b(?:CG|NS|CL|UN|SM|SPU|MADisplayFilter|DisplayServices)[A-Z]\w+\s*[(*.\]:])");
     for (const auto& entry : fs::recursive_directory_iterator(root)) {

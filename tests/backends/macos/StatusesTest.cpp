@@ -5,7 +5,7 @@
 namespace nocta {
 namespace {
 
-TEST(Statuses, EachNumberOfAnAuthorizationIsItsCase) {
+TEST(Statuses, EachAuthorizationNumberHasItsCase) {
     EXPECT_EQ(authorizationStatus(0), AuthorizationStatus::notDetermined);
     EXPECT_EQ(authorizationStatus(1), AuthorizationStatus::restricted);
     EXPECT_EQ(authorizationStatus(2), AuthorizationStatus::denied);
@@ -19,7 +19,7 @@ TEST(Statuses, UnknownAuthorizationAllowsNothing) {
     }
 }
 
-TEST(Statuses, EachNumberOfALoginItemIsItsCase) {
+TEST(Statuses, EachLoginItemNumberHasItsCase) {
     EXPECT_EQ(loginItemStatus(0), LoginItem::Status::notRegistered);
     EXPECT_EQ(loginItemStatus(1), LoginItem::Status::enabled);
     EXPECT_EQ(loginItemStatus(2), LoginItem::Status::requiresApproval);

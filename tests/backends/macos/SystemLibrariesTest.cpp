@@ -9,7 +9,7 @@ std::int32_t lastNumber = 0;
 } // namespace
 
 extern "C" {
-/// Found by its name, as the entry point of a library is.
+/// Exported, so that it is found by name like the entry point of a library.
 __attribute__((visibility("default"), used)) void noctaTestEntryPoint(std::int32_t number) {
     lastNumber = number;
 }
@@ -18,7 +18,7 @@ __attribute__((visibility("default"), used)) void noctaTestEntryPoint(std::int32
 namespace nocta {
 namespace {
 
-TEST(SystemLibraries, LibraryThatIsMissingIsNone) {
+TEST(SystemLibraries, MissingLibraryHasNoHandle) {
     SystemLibraries libraries;
     EXPECT_EQ(libraries.open("/nowhere/libnocta.dylib"), 0U);
 }
@@ -34,7 +34,7 @@ TEST(SystemLibraries, EntryPointIsCalledWithItsNumber) {
     libraries.close(program);
 }
 
-TEST(SystemLibraries, EntryPointThatIsMissingIsNone) {
+TEST(SystemLibraries, MissingEntryPointIsEmpty) {
     SystemLibraries libraries;
     const auto program = reinterpret_cast<DynamicLibraries::Handle>(dlopen(nullptr, RTLD_NOW));
     EXPECT_FALSE(static_cast<bool>(libraries.symbol(program, "noctaEntryPointOfNobody")));

@@ -14,7 +14,7 @@ TEST(TapEvents, TapIsDisabledByATimeoutOrByTheUser) {
     EXPECT_EQ(tapEvent(0xFFFFFFFF), TapEvent::disabled) << "the user's input";
 }
 
-TEST(TapEvents, AnythingElseIsNoBusinessOfTheTap) {
+TEST(TapEvents, OtherEventsAreIgnored) {
     for (const std::uint32_t type : {0U, 1U, 9U, 11U, 12U, 14U, 0xFFFFFFFDU}) {
         EXPECT_EQ(tapEvent(type), TapEvent::other) << type;
     }

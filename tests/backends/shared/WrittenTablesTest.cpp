@@ -17,7 +17,7 @@ protected:
         written.keep(display, std::array{level}, std::array{level + 1}, std::array{level + 2});
     }
 
-    /// Each display with the first entries of its tables.
+    /// Lists each display with the first entries of its tables.
     std::string sentAgain() {
         std::string sent;
         written.forEach([&sent](DisplayId display, std::span<const float> red,
@@ -54,7 +54,7 @@ TEST_F(WrittenTablesTest, DisplayThatNothingWasWrittenToGetsNothing) {
     EXPECT_EQ(sentAgain(), "1: 10 11 12\n");
 }
 
-TEST_F(WrittenTablesTest, UnpluggedDisplayWaitsForTheNextWriteWhenItComesBack) {
+TEST_F(WrittenTablesTest, UnpluggedDisplayWaitsForTheNextWrite) {
     write(panel, 10);
     write(monitor, 20);
     written.keepOnly(std::array{panel});

@@ -10,11 +10,11 @@ namespace nocta {
 
 namespace {
 
-/// Names in small letters: applications spell their own differently from release to release.
+/// Names are in lower case: applications change the case of their names between releases.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 18> bundleIdentifiers = {{
     {"zoom", "us.zoom.xos"},
     {"us.zoom.zoom", "us.zoom.xos"},
-    // The release channels and the other browsers of the same make have names of their own.
+    // Release channels and other browsers of the same maker have names of their own.
     {"google-chrome", "com.google.Chrome"},
     {"com.google.chrome", "com.google.Chrome"},
     {"microsoft teams", "com.microsoft.teams"},

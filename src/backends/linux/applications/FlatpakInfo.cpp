@@ -14,7 +14,7 @@ namespace nocta {
 
 namespace {
 
-// The group that names the application comes first.
+// The group with the application's name comes first.
 constexpr std::size_t readLength = 4096;
 constexpr std::size_t maxIdLength = 255;
 

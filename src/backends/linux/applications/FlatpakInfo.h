@@ -5,9 +5,9 @@
 
 namespace nocta {
 
-/// The id of the Flatpak application that sees `root` as the root of its files, as `/proc/PID/root`
-/// is for a process; empty for what is not in such a sandbox. A file there is whatever the
-/// application may have put there, so little of it is read and nothing is waited for.
+/// The ID of the Flatpak application that has `root` as its root folder, such as `/proc/PID/root`
+/// of a process; empty for a process outside such a sandbox. The application may control the file's
+/// content, so this reads only a little of it and waits for nothing.
 std::string flatpakId(const std::filesystem::path& root);
 
 } // namespace nocta

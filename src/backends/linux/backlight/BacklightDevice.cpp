@@ -16,7 +16,7 @@ namespace {
 
 using std::filesystem::path;
 
-/// From the most to the least trusted, after the kernel's own advice on class/backlight.
+/// From the most to the least trusted, as the kernel's documentation of class/backlight recommends.
 constexpr std::array<std::string_view, 3> types = {"firmware", "platform", "raw"};
 
 enum class Relation { ofConnector, ofCard, ofNone, ofAnother };
@@ -37,7 +37,7 @@ std::string wordIn(const path& file) {
     return word;
 }
 
-/// Where a link of sysfs leads to; empty where there is none.
+/// The target of a link in sysfs; empty if there is none.
 path targetOf(const path& link) {
     std::error_code error;
     auto target = std::filesystem::canonical(link, error);
@@ -52,8 +52,8 @@ std::string connectorNameOf(const path& folder) {
                                                                  : std::string();
 }
 
-/// The connector that drives the output. A display that is on has one that is connected, so names
-/// only have to tell several such apart.
+/// The folder of the connector that drives the output. A display that is on has a connected
+/// connector, so names only matter if there are several.
 path connectorOf(const path& sysfs, const std::string& outputName) {
     auto connectors = entriesOf(sysfs / "class/drm");
     std::erase_if(connectors, [](const path& folder) {
@@ -83,7 +83,7 @@ Relation relation(const path& device, const path& connector) {
     if (parent == targetOf(connector / "device/device")) {
         return Relation::ofCard;
     }
-    // A graphics card has a folder "drm".
+    // The folder of a graphics card contains a folder "drm".
     return !connectorNameOf(parent).empty() || !targetOf(parent / "drm").empty()
                ? Relation::ofAnother
                : Relation::ofNone;

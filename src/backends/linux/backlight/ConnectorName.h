@@ -7,16 +7,16 @@
 namespace nocta {
 
 /// The name of a display's connector, such as "eDP-1". The kernel and the drivers of display
-/// servers agree on the type, and write and count the number each in their own way: "eDP-1" is
-/// "eDP1", "eDP-1-1" or "eDP" elsewhere.
+/// servers agree on the type, but format and count the number differently: "eDP-1" may be "eDP1",
+/// "eDP-1-1" or "eDP" elsewhere.
 class ConnectorName {
 public:
     explicit ConnectorName(std::string_view name)
         : type_(typeOf(name)), number_(name.substr(name.find_last_not_of("0123456789") + 1)) {}
 
-    /// Empty where it is not the type of a built-in display.
+    /// Empty if it is not the type of a built-in display.
     std::string_view type() const { return type_; }
-    /// The last number of the name, or nothing.
+    /// The last number in the name, or empty.
     std::string_view number() const { return number_; }
     bool isBuiltIn() const { return !type_.empty(); }
 

@@ -15,7 +15,7 @@ namespace nocta {
 
 namespace {
 
-/// A raw level, which the kernel keeps as an int; none where the file holds anything else.
+/// A raw level, which is an int in the kernel; nothing if the file contains anything else.
 std::optional<int> readLevel(const std::filesystem::path& file) {
     std::ifstream input(file);
     int level = 0;
@@ -57,7 +57,7 @@ Status SysfsBacklight::setBrightness(DisplayId display, float level) {
     if (!maxLevel || !(level >= 0 && level <= 1)) {
         return statusFailure;
     }
-    // On a device of few levels a low one must not become 0, which may mean "off".
+    // On a device with few levels, a low level must not be rounded to 0, which may mean "off".
     const auto lowest = level > 0 ? 1 : 0;
     const auto raw = std::max(static_cast<int>(std::lround(double{level} * *maxLevel)), lowest);
     const auto isDone = writeLevel(*found / "brightness", raw) ||

@@ -10,14 +10,15 @@
 
 namespace nocta {
 
-/// The backlights of built-in displays as the kernel shows them in `<sysfs>/class/backlight`; see
-/// `backlightDevice`. A device's file is written where that is allowed; otherwise the session's
-/// seat manager is asked to, without waiting for its answer.
+/// The backlights of built-in displays as the kernel lists them in `<sysfs>/class/backlight`; see
+/// `backlightDevice`. The device's file is written if permissions allow it; otherwise the session's
+/// seat manager is asked to do it, without waiting for its answer.
 class SysfsBacklight final : public Backlight {
 public:
-    /// The name that the display server gives to a display's output, or nothing.
+    /// The display server's name for a display's output, or empty.
     using OutputName = std::function<std::string(DisplayId)>;
-    /// Asks for a raw level of the backlight device of that name; false where nobody can be asked.
+    /// Requests a raw level for the backlight device of that name. Returns false if the request
+    /// cannot be sent.
     using SessionWriter = std::function<bool(const std::string& device, std::uint32_t level)>;
 
     SysfsBacklight(Displays& displays, OutputName outputName, SessionWriter sessionWriter,
@@ -27,7 +28,7 @@ public:
     Status setBrightness(DisplayId display, float level) override;
 
 private:
-    /// Looked up each time, as drivers come and go.
+    /// Looked up each time, because drivers come and go.
     std::optional<std::filesystem::path> device(DisplayId display) const;
 
     Displays& displays_;

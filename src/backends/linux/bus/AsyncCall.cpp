@@ -9,7 +9,7 @@ namespace nocta {
 
 void callAsync(const QDBusConnection& bus, const QDBusMessage& message, QObject* context,
                std::function<void(const QDBusMessage&)> answered, int timeout) {
-    // Not a child of the context, which may be destroyed by what the answer leads to.
+    // Not a child of the context, because handling the answer may destroy the context.
     auto* const watcher =
         new QDBusPendingCallWatcher(bus.asyncCall(message, timeout), QCoreApplication::instance());
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,

@@ -6,7 +6,7 @@ namespace nocta {
 
 namespace {
 
-constexpr std::size_t fixedSize = 16; // of the header, up to the fields
+constexpr std::size_t fixedSize = 16; // bytes of the header before its fields
 constexpr std::uint32_t maxSize = 1 << 20;
 
 constexpr char methodCall = 1;
@@ -26,7 +26,7 @@ std::size_t aligned(std::size_t position, std::size_t alignment) {
     return (position + alignment - 1) / alignment * alignment;
 }
 
-/// Values one after the other, least significant byte first, each aligned to its size.
+/// Writes values one after the other, least significant byte first, each aligned to its size.
 class Writer {
 public:
     std::string bytes;
@@ -105,7 +105,7 @@ BusMessage::BusMessage(std::string_view bytes) : bytes_(bytes) {
     }
 }
 
-/// 0 where there are no four bytes.
+/// Returns 0 if fewer than four bytes are left.
 std::uint32_t BusMessage::number(std::size_t position) const {
     std::uint32_t value = 0;
     for (std::size_t i = 0; i < 4 && position + 4 <= bytes_.size(); ++i) {

@@ -18,14 +18,15 @@ struct BusQuestion {
     std::vector<std::string> arguments = {};
 };
 
-/// The question in the wire format of D-Bus. It does not start the service that it asks.
+/// The question in the wire format of D-Bus. The flag NO_AUTO_START keeps the bus from starting the
+/// service.
 std::string busCall(std::uint32_t serial, const BusQuestion& question);
 
-/// As much of a received message as an answer needs. Nothing in it is trusted.
+/// The parts of a received message that an answer needs. Nothing in it is trusted.
 class BusMessage {
 public:
-    /// The message that the bytes begin with; none as long as a part of it is missing. What no
-    /// message begins with gives a damaged one.
+    /// Parses the message at the start of `bytes`. Returns nothing while a part of it is missing,
+    /// and a damaged message if the bytes cannot be the start of one.
     static std::optional<BusMessage> read(std::string_view bytes);
 
     bool isDamaged() const { return isDamaged_; }
@@ -33,7 +34,7 @@ public:
     bool isError() const { return type_ == error; }
     std::uint32_t replySerial() const { return replySerial_; }
 
-    /// The value, if it is the only one and of that type.
+    /// The value, if it is the only one and has that type.
     std::optional<std::string> string() const;
     std::optional<bool> booleanInVariant() const;
 

@@ -23,7 +23,7 @@ constexpr auto usualSystemBus = "unix:path=/run/dbus/system_bus_socket";
 constexpr std::uint32_t helloSerial = 1;
 constexpr std::uint32_t questionSerial = 2;
 
-/// The value of a key in an address, unescaped.
+/// The value of a key in an address, unescaped; empty if there is none.
 std::string valueOf(std::string_view pairs, std::string_view key) {
     while (!pairs.empty()) {
         const auto pair = pairs.substr(0, pairs.find(','));
@@ -47,7 +47,7 @@ std::string valueOf(std::string_view pairs, std::string_view key) {
     return {};
 }
 
-/// A socket that has been connected to the address, or nothing.
+/// A socket connected to the address, or an empty descriptor.
 FileDescriptor connected(std::string_view address) {
     constexpr std::string_view transport = "unix:";
     if (!address.starts_with(transport)) {
@@ -73,9 +73,9 @@ FileDescriptor connected(std::string_view address) {
     return socket;
 }
 
-/// The user in the way of the EXTERNAL mechanism: the number's digits, each in hexadecimal.
+/// The EXTERNAL mechanism names the user by the digits of the user ID, each in hexadecimal.
 std::string greeting() {
-    std::string text(1, '\0'); // which some systems send credentials with
+    std::string text(1, '\0'); // required first; some systems attach credentials to it
     text += "AUTH EXTERNAL ";
     for (const auto digit : std::to_string(geteuid())) {
         text += '3';
@@ -99,7 +99,7 @@ BusProbe::BusProbe(std::string_view addresses, BusQuestion question)
     }
 }
 
-/// Does what can be done now.
+/// Reads and handles what has arrived so far.
 BusProbe::State BusProbe::advance() {
     while (state_ == State::pending && readMore()) {
         if (!isAuthenticated_) {
@@ -137,7 +137,7 @@ void BusProbe::whenDone(std::function<void()> callback) {
                      });
 }
 
-/// False when there is nothing more for now.
+/// Returns false when there is nothing more for now.
 bool BusProbe::readMore() {
     std::array<char, 4096> block{};
     const auto length = recv(socket_.get(), block.data(), block.size(), MSG_DONTWAIT);
@@ -188,7 +188,7 @@ void BusProbe::readMessage() {
 }
 
 void BusProbe::send(const std::string& bytes) {
-    // An empty socket takes this much at once.
+    // The buffer of an idle socket takes this much at once.
     if (::send(socket_.get(), bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL) !=
         static_cast<ssize_t>(bytes.size())) {
         state_ = State::failed;

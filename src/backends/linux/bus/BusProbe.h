@@ -14,31 +14,33 @@
 
 namespace nocta {
 
-/// Asks one question on a message bus without ever waiting, over a connection of its own that ends
-/// with this object. The D-Bus libraries wait for a bus that accepts a connection and stays mute,
-/// and the toolkit for a service that does; so neither is let near one before it has answered here.
-/// Only Unix sockets are known, which is what desktops use. No service is started by a question.
+/// Sends one method call to a message bus, and never waits for it longer than the caller allows. It
+/// uses a connection of its own that closes with this object. The D-Bus libraries block on a bus
+/// that accepts a connection and then stays silent, and Qt blocks on a service that does; so we let
+/// neither of them connect before the bus or service has answered here. Only Unix sockets are
+/// supported, which is what desktops use. The call does not start a service.
 class BusProbe {
 public:
     enum class State {
         pending,  ///< not answered yet, perhaps never
-        answered, ///< an error is an answer as well
-        failed    ///< nobody listens, or what listens is no message bus that takes this user
+        answered, ///< an error counts as an answer
+        failed    ///< nothing listens there, or it is not a message bus that accepts this user
     };
 
-    /// `addresses` as in the environment: one or more, separated by semicolons.
+    /// `addresses` has the format of the environment variable: one or more, separated by
+    /// semicolons.
     explicit BusProbe(std::string_view addresses, BusQuestion question = {});
 
     State state() const { return state_; }
 
-    /// Of the addresses, the one that is used.
+    /// The one of the addresses that is used.
     const std::string& address() const { return address_; }
 
-    /// Returns when it is no longer pending, or the time is up.
+    /// Returns when the probe is no longer pending or the time is up.
     State waitFor(std::chrono::milliseconds time);
 
-    /// Called once from the event loop when it is no longer pending. The callback may destroy this
-    /// object. Only for a pending one.
+    /// Calls `callback` once, from the event loop, when the probe is no longer pending. The
+    /// callback may destroy this object. Call this only while the probe is pending.
     void whenDone(std::function<void()> callback);
 
     const std::optional<BusMessage>& answer() const { return answer_; }
@@ -60,8 +62,8 @@ private:
     std::unique_ptr<QSocketNotifier> readable_;
 };
 
-/// The addresses of the user's session bus and of the system's: the environment's, or the usual
-/// place. Empty where there is none. No bus is ever started to have one.
+/// The addresses of the user's session bus and of the system bus: from the environment, or the
+/// default. Empty if there is none. This never starts a bus.
 std::string sessionBusAddress();
 std::string systemBusAddress();
 

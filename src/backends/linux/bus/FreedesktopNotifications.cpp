@@ -32,7 +32,7 @@ QDBusMessage methodCall(const QString& method) {
     return QDBusMessage::createMethodCall(service, path, service, method);
 }
 
-/// In one line, whatever the service writes.
+/// On one line, even if the service's message has several.
 std::string description(const QDBusError& error) {
     return error.type() == QDBusError::ServiceUnknown
                ? "this desktop has no notification service"
@@ -67,7 +67,7 @@ void FreedesktopNotifications::requestAuthorization(std::uint32_t /*options*/,
                                                     AuthorizationHandler completionHandler) {
     if (!bus_.isConnected()) {
         QTimer::singleShot(0, &signals_, [handler = std::move(completionHandler)] {
-            handler(false, "there is no session bus to reach a notification service by");
+            handler(false, "there is no session bus to reach a notification service");
         });
         return;
     }
@@ -91,7 +91,7 @@ void FreedesktopNotifications::add(const UserNotification& notification) {
     if ((presentation & (notificationAlert | notificationBanner)) == 0 || !bus_.isConnected()) {
         return;
     }
-    // Asked each time, as another service may have taken the place of the last one.
+    // Asked each time, because another service may have replaced the last one.
     callAsync(bus_, methodCall(QStringLiteral("GetCapabilities")), &signals_,
               [this, notification, presentation](const QDBusMessage& answer) {
                   const QDBusPendingReply<QStringList> capabilities(answer);
@@ -103,7 +103,7 @@ void FreedesktopNotifications::add(const UserNotification& notification) {
               });
 }
 
-/// Nothing follows if the service has gone meanwhile.
+/// Does not call back if the service has gone in the meantime.
 void FreedesktopNotifications::findOwner(std::function<void(const QString&)> found) {
     callAsync(bus_, nameOwnerQuestion(service), &signals_,
               [found = std::move(found)](const QDBusMessage& answer) {
@@ -130,7 +130,7 @@ void FreedesktopNotifications::show(const UserNotification& notification,
     if ((presentation & notificationSound) != 0) {
         hints.insert(QStringLiteral("sound-name"), soundName);
     }
-    // To the very process whose answers will count, not to the name.
+    // Sent to the process itself, not to the name, because only this process's answers will count.
     auto message = QDBusMessage::createMethodCall(owner, path, service, QStringLiteral("Notify"));
     message << applicationName << 0U /* replaces none */ << QString() /* the desktop entry's icon */
             << translated(notification.title)
@@ -143,7 +143,7 @@ void FreedesktopNotifications::show(const UserNotification& notification,
                 shown_.emplace(owner, id.value());
             }
         },
-        noTimeout); // a notification that is shown late has a number as well
+        noTimeout); // we need the ID even of a notification that is shown late
 }
 
 } // namespace nocta

@@ -19,9 +19,9 @@
 namespace nocta {
 
 /// The notification service of a Linux desktop, org.freedesktop.Notifications on the session bus.
-/// Nothing waits for it, and it may be absent, come late or die. A notification is sent to it once
-/// and never again, whatever becomes of it, and can be answered once, through the very process that
-/// has shown it. There is nobody who could refuse: whatever service is there may be used.
+/// Nothing waits for it; it may be absent, start late or die. Each notification is sent once and
+/// never again, whatever happens to it. It can be answered once, and only through the process that
+/// showed it. Authorization is never refused: if there is a service, Nocta may use it.
 class FreedesktopNotifications final : public UserNotificationCenter {
 public:
     FreedesktopNotifications();
@@ -43,7 +43,8 @@ private:
     QDBusConnection bus_{QString()};
     UserNotificationCenterDelegate* delegate_ = nullptr;
     std::vector<UserNotificationCategory> categories_;
-    /// Those that wait for an answer, by the process that shows them and its own number for each.
+    /// The notifications that wait for an answer: the process that shows each one, and its ID
+    /// there.
     std::set<std::pair<QString, unsigned int>> shown_;
     NotificationSignals signals_;
     Subscription sessionBus_;

@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto usualAnswerTime = 150ms; // on a busy machine; an idle one needs less than one
+constexpr auto usualAnswerTime = 150ms; // on a busy machine; an idle one needs less than 1 ms
 
 } // namespace
 
@@ -40,7 +40,7 @@ QDBusConnection MessageBus::connection() {
     }
     QDBusConnection::disconnectFromBus(name_);
     if (!isExpected_) {
-        waitFor(0ms); // asks it, unless it was asked before
+        waitFor(0ms); // starts the probe, unless one is running already
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(
             askedAt_ + usualAnswerTime - std::chrono::steady_clock::now());
         isExpected_ = waitFor(std::max(left, 0ms)) == BusProbe::State::pending;
@@ -63,7 +63,7 @@ Subscription MessageBus::whenConnected(std::function<void(const QDBusConnection&
     return observers_.add(std::move(callback));
 }
 
-/// Connects to a bus that has just answered. The next question after a failure probes anew.
+/// Connects to a bus that has just answered. After a failure, the next call starts a new probe.
 void MessageBus::settle() {
     const auto probe = std::exchange(probe_, nullptr);
     if (probe->state() != BusProbe::State::answered) {

@@ -14,12 +14,12 @@
 
 namespace nocta {
 
-/// Nocta's own connection to one of the message buses. A bus that accepts and stays mute counts as
-/// missing until it answers; nobody waits for it but for the moment that a good one needs, counted
-/// from the first question. The connection is made when it is first asked for, and made anew when
-/// its bus has gone and come back; the toolkit's own never come back. Both live as long as the
-/// process. A bus that falls silent just after its answer is not guarded against: the D-Bus library
-/// waits for it when it connects.
+/// Nocta's own connection to one of the message buses. A bus that accepts a connection and stays
+/// silent counts as missing until it answers. Callers wait for it at most as long as a working bus
+/// needs, counted from the first call. The connection is made on first use, and made again after
+/// its bus has gone and come back; Qt's own connections never come back. Both connections live as
+/// long as the process. A bus that falls silent just after its answer is not handled: the D-Bus
+/// library blocks on it while connecting.
 class MessageBus {
 public:
     static MessageBus& session();
@@ -31,18 +31,18 @@ public:
     /// Gives the bus this long to answer. Needs no application object yet.
     BusProbe::State waitFor(std::chrono::milliseconds time);
 
-    /// Where the bus is, by the environment as it is now or was at `keepAddress`.
+    /// The address of the bus, from the environment as it is now or as it was at `keepAddress`.
     std::string address() const { return keptAddress_ ? *keptAddress_ : environmentAddress_(); }
     void keepAddress() { keptAddress_ = address(); }
 
-    /// Whether its answer is still waited for.
+    /// Whether an answer is still outstanding.
     bool isMute() const { return isExpected_; }
 
-    /// Not connected as long as the bus is missing. From an asked one on, it is connected as soon
-    /// as it answers.
+    /// Not connected while the bus is missing. After the first call, the connection is made as soon
+    /// as the bus answers.
     QDBusConnection connection();
 
-    /// Calls back each time that a connection has been made, and at once if there is one.
+    /// Calls back each time a connection has been made, and at once if there is one.
     Subscription whenConnected(std::function<void(const QDBusConnection&)> callback);
 
 private:
@@ -54,7 +54,7 @@ private:
     std::optional<std::string> keptAddress_;
     std::unique_ptr<BusProbe> probe_;
     std::chrono::steady_clock::time_point askedAt_;
-    bool isExpected_ = false; ///< an answer that the event loop will see
+    bool isExpected_ = false; ///< the event loop will see the answer
     CallbackList<QDBusConnection> observers_;
 };
 

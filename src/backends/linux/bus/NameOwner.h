@@ -5,8 +5,8 @@
 
 namespace nocta {
 
-/// The question to the bus which process owns a name now; the answer is its unique name. An answer
-/// of the process itself does not tell: from Qt 6.8 on a reply has no sender.
+/// Asks the bus which process owns a name now; the answer is the unique name of that process. A
+/// reply from the process does not show this, because replies have no sender from Qt 6.8 on.
 inline QDBusMessage nameOwnerQuestion(const QString& name) {
     const auto bus = QStringLiteral("org.freedesktop.DBus");
     return QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus,

@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// Takes the signals of the notification service. Apart from its owner, as a D-Bus signal with
-/// arguments only reaches a class that the toolkit has generated code for.
+/// Receives the signals of the notification service. This is a class of its own because Qt delivers
+/// a D-Bus signal with arguments only to a class with code from moc.
 class NotificationSignals final : public QObject {
     Q_OBJECT
 

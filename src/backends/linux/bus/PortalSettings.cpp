@@ -38,7 +38,7 @@ void PortalSettings::read() {
     call << namespaces_;
     callAsync(sessionBus(), call, &read_, [this](const QDBusMessage& reply) {
         if (reply.signature() != QStringLiteral("a{sa{sv}}")) {
-            return; // an error, or nonsense
+            return; // an error, or a reply of the wrong type
         }
         Settings settings;
         qvariant_cast<QDBusArgument>(reply.arguments().constFirst()) >> settings;

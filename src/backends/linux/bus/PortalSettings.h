@@ -14,13 +14,14 @@
 
 namespace nocta {
 
-/// What the desktop's portal tells of the user's settings. Nothing waits for it: it may come late,
-/// or never, and then nothing is told. A member of whoever wishes to know, declared last.
+/// The user's settings as the desktop's portal reports them. Nothing waits for the portal: it may
+/// answer late or never, and then the callback is not called. Make it the last member of the class
+/// that needs the settings.
 class PortalSettings {
 public:
     using Settings = QMap<QString, QVariantMap>; ///< by namespace and key
 
-    /// `told` gets the settings of these namespaces when they are known, and after each change; it
+    /// `told` gets the settings of these namespaces when they are known, and after each change. It
     /// is not called before this constructor returns.
     PortalSettings(QStringList namespaces, std::function<void(Settings)> told);
     PortalSettings(const PortalSettings&) = delete;
@@ -33,7 +34,7 @@ private:
     QStringList namespaces_;
     std::function<void(Settings)> changed_;
     QDBusServiceWatcher portal_;
-    QTimer read_; ///< reads at the end of the turn; a D-Bus signal can start a timer by itself
+    QTimer read_; ///< reads at the end of the turn; D-Bus signals connect to its `start`
     Subscription sessionBus_;
 };
 

@@ -4,7 +4,7 @@ namespace nocta {
 
 namespace {
 
-// Where desktops keep the wish, and where those do that know it as a switch for animations only.
+// Where desktops keep the setting, and where desktops without it keep a switch for animations.
 const auto appearance = QStringLiteral("org.freedesktop.appearance");
 const auto gnomeInterface = QStringLiteral("org.gnome.desktop.interface");
 

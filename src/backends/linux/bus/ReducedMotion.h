@@ -4,9 +4,9 @@
 
 namespace nocta {
 
-/// Whether the user wishes for less movement on the screen, by the settings that the desktop's
-/// portal tells: the wish itself, or that animations are off. False until it is known; nothing
-/// waits for the portal. Changes are followed.
+/// Whether the user wants less movement on the screen: the desktop's portal reports either that
+/// setting or that animations are off. False until the portal answers; nothing waits for it. Later
+/// changes are followed.
 class ReducedMotion {
 public:
     ReducedMotion();

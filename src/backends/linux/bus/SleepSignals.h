@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// Takes logind's signal of sleep. Apart from its owner, as a D-Bus signal with arguments only
-/// reaches a class that the toolkit has generated code for.
+/// Receives logind's sleep signal. This is a class of its own because Qt delivers a D-Bus signal
+/// with arguments only to a class with code from moc.
 class SleepSignals final : public QObject {
     Q_OBJECT
 

@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// Tells when the machine has woken, as logind says so on the system bus. Where there is no logind
-/// nothing is ever told. It lives as long as the desktop.
+/// Calls its observers when the machine has woken up, according to logind on the system bus.
+/// Without logind they are never called. It lives as long as the desktop.
 class SystemWake {
 public:
     SystemWake();

@@ -20,9 +20,9 @@ namespace {
 
 constexpr std::size_t maxEntrySize = 1 << 16; // bytes
 
-/// An argument of an Exec line: quoted, with a backslash before what the quotes do not protect;
-/// as any string of a desktop entry, with its backslashes doubled; and with its percent signs
-/// doubled, which would begin a field code.
+/// Escapes an argument of an Exec line. It is quoted, with a backslash before characters that are
+/// special inside quotes. As in every string of a desktop entry, backslashes are doubled; so are
+/// percent signs, which would start a field code.
 QByteArray execArgument(const std::filesystem::path& path) {
     QByteArray quoted;
     for (const auto character : path.native()) {
@@ -49,7 +49,7 @@ QByteArray execArgument(const std::filesystem::path& path) {
     return '"' + quoted + '"';
 }
 
-/// The keys by which a desktop's tool says that an entry is not to be started.
+/// The keys that desktop tools set to disable an entry.
 bool switchesOff(const QByteArray& key, const QByteArray& value) {
     return (key == "Hidden" && value == "true") ||
            (key == "X-GNOME-Autostart-enabled" && value == "false") ||
@@ -103,7 +103,7 @@ std::optional<std::string> AutostartLoginItem::registerItem() {
                       execArgument(program_) +
                       "\n"
                       "Terminal=false\n";
-    // What cannot be written is only noticed when the buffer is flushed, and not by `commit`.
+    // Some write errors only show when the buffer is flushed, and `commit` does not report them.
     if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush() ||
         !file.commit()) {
         return file.errorString().toStdString();

@@ -6,11 +6,11 @@
 
 namespace nocta {
 
-/// A desktop entry in the folder whose programs the session starts (XDG Autostart). The desktops'
-/// own tools switch an entry off by a key in it; such an entry is there and not enabled.
+/// A desktop entry in the XDG Autostart folder, whose programs the session starts. Desktop tools
+/// disable an entry by a key in it; such an entry exists but is not enabled.
 class AutostartLoginItem final : public LoginItem {
 public:
-    /// The entry's file, and the program that it starts, by its full path.
+    /// The entry's file, and the full path of the program that it starts.
     AutostartLoginItem(std::filesystem::path entry, std::filesystem::path program);
 
     Status status() override;

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 constexpr auto attemptInterval = 1ms;
 
-/// The sticky bit keeps the file where unused files are cleared away.
+/// The sticky bit protects the file from cleanup of unused files in the runtime folder.
 constexpr mode_t lockMode = S_ISVTX | S_IRUSR | S_IWUSR;
 
 } // namespace

@@ -7,22 +7,22 @@
 
 namespace nocta {
 
-/// A lock that one process at a time holds, by a file that has no other use. The kernel gives it
-/// back when the holder ends, however it ends. The file stays: a process that removed it could
-/// leave two others with a lock each.
+/// A lock that one process at a time can hold, on a file with no other use. The kernel releases it
+/// when the holder exits or dies. The file stays: if a process removed it, two others could each
+/// hold a lock.
 class FileLock {
 public:
     FileLock() = default;
 
-    /// Opens the file, and makes it where it is missing. It neither follows a link nor waits for a
+    /// Opens the file, and creates it if it is missing. It neither follows a link nor waits for a
     /// named pipe.
     explicit FileLock(const std::filesystem::path& file);
 
-    /// False where the file could not be opened; `errno` says why.
+    /// False if the file could not be opened; `errno` then has the reason.
     bool isOpen() const { return static_cast<bool>(file_); }
 
-    /// Takes the lock. False where somebody else holds it for all of `timeout`, or where the file
-    /// could not be opened or locked.
+    /// Takes the lock. Returns false if another process holds it for all of `timeout`, or if the
+    /// file could not be opened or locked.
     bool acquire(std::chrono::milliseconds timeout) const;
 
     void release() { file_.reset(); }

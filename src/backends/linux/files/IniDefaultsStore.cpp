@@ -26,10 +26,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Far above what sixteen settings and their neighbors can need.
+/// Far more than all settings and any foreign sections can need.
 constexpr std::size_t maxFileSize = 1 << 20; // bytes
 
-/// In the name of a temporary file, before the number of the process that writes it.
+/// In the name of a temporary file, before the ID of the process that writes it.
 constexpr auto temporaryMark = ".new-";
 
 bool writeAll(int file, std::string_view text) {
@@ -43,8 +43,8 @@ bool writeAll(int file, std::string_view text) {
     return true;
 }
 
-/// Whether this is a temporary file of our own whose writer has gone. `prefix` begins its name; the
-/// number of the writer and six characters follow.
+/// Whether this is one of our temporary files whose writer is gone. The name is `prefix`, the
+/// writer's process ID, a dash and six characters.
 bool isLeftTemporary(const std::filesystem::path& path, std::string_view prefix) {
     const auto name = path.filename().string();
     pid_t writer = 0;
@@ -61,7 +61,7 @@ bool isLeftTemporary(const std::filesystem::path& path, std::string_view prefix)
 
 } // namespace
 
-/// What the file holds now.
+/// The current content of the file.
 struct IniDefaultsStore::Content {
     IniDocument document;
     bool isMissing = false;
@@ -72,7 +72,7 @@ IniDefaultsStore::IniDefaultsStore(std::filesystem::path file, RunLoop& runLoop,
                                    std::chrono::milliseconds lockTimeout)
     : file_(std::move(file)), lockTimeout_(lockTimeout),
       write_(runLoop, [this] { writeChanges(); }), endTurn_(runLoop, [this] { write_.request(); }) {
-    // A settings file that is a link stays one: its target is what is replaced.
+    // If the settings file is a link, it stays one: we replace its target.
     std::error_code error;
     if (auto target = std::filesystem::canonical(file_, error); !error) {
         file_ = std::move(target);
@@ -86,7 +86,7 @@ IniDefaultsStore::IniDefaultsStore(std::filesystem::path file, RunLoop& runLoop,
     }
 }
 
-/// Says once that a file is damaged.
+/// Reads the file. A damaged file is reported once.
 IniDefaultsStore::Content IniDefaultsStore::read() {
     std::string text;
     const auto error = readFile(file_, maxFileSize, text);
@@ -105,8 +105,8 @@ std::filesystem::path IniDefaultsStore::lockFile() const {
     return file_.string() + ".lock";
 }
 
-/// Removes what killed writers left, but not while somebody writes: in a sandbox the number of a
-/// writer outside of it can look like that of nobody.
+/// Removes the temporary files of killed writers, but only while nobody writes: from inside a
+/// sandbox, a writer outside of it can look like a process that does not exist.
 void IniDefaultsStore::removeLeftTemporaries() const {
     std::vector<std::filesystem::path> left;
     std::error_code error;
@@ -146,7 +146,8 @@ void IniDefaultsStore::change(std::string_view key, std::optional<DefaultsValue>
 
 void IniDefaultsStore::synchronize() {
     writeChanges();
-    // The content, and the folder, which holds the name. What cannot do that has done what it can.
+    // Syncs the content, and the folder, which holds the name. A file system without fsync has done
+    // what it can.
     for (const auto& path : {file_, file_.parent_path()}) {
         if (const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
             file) {
@@ -159,13 +160,13 @@ void IniDefaultsStore::writeChanges() {
     if (changes_.empty()) {
         return;
     }
-    createPrivateFolders(file_.parent_path()); // what matters shows when the file is opened
-    // Without the lock the file is as complete, as it is replaced in one step. Only what another
-    // process writes between the reading and that step is lost, until it sets the key again. One
-    // that was stopped while it held the lock is waited for once.
+    createPrivateFolders(file_.parent_path()); // an error shows when the file is opened
+    // Without the lock the file is still complete, because it is replaced in one step. Only a
+    // change that another process writes between our read and that step is lost, until that process
+    // sets the key again. If the lock's holder was stopped, only the first write waits for it.
     const FileLock lock(lockFile());
     isLockFree_ = lock.acquire(isLockFree_ ? lockTimeout_ : 0ms);
-    // Where the file is missing or damaged, what this process knows is written.
+    // If the file is missing or damaged, we write what this process knows.
     if (auto content = read(); !content.isMissing && !content.isDamaged) {
         document_ = std::move(content.document);
     }
@@ -185,7 +186,7 @@ void IniDefaultsStore::writeChanges() {
     }
 }
 
-/// Writes a new file, which nobody else can have opened or linked, and puts it in place.
+/// Writes a new file, which no other process can have opened or linked, and moves it into place.
 bool IniDefaultsStore::replaceFile() const {
     auto temporary = file_.string() + temporaryMark + std::to_string(getpid()) + "-XXXXXX";
     const FileDescriptor output(mkostemp(temporary.data(), O_CLOEXEC));
@@ -201,7 +202,7 @@ bool IniDefaultsStore::replaceFile() const {
     return isReplaced;
 }
 
-/// Puts the finished file in its place; a damaged one is kept under another name.
+/// Moves the finished file into place; a damaged one is kept under another name.
 bool IniDefaultsStore::putInPlace(const std::string& temporary) const {
     if (!mustMoveAside_) {
         return ::rename(temporary.c_str(), file_.c_str()) == 0;

@@ -45,7 +45,7 @@ std::optional<Number> parseNumber(std::string_view text, Base... base) {
     return number;
 }
 
-/// The text between quotes, or none where it is not quoted as we quote.
+/// The text between quotes, or nothing if it is not quoted the way we quote.
 std::optional<std::string> parseQuoted(std::string_view text) {
     if (text.size() < 2 || text.front() != '"' || text.back() != '"') {
         return std::nullopt;
@@ -103,7 +103,7 @@ DefaultsValue parseValue(std::string_view text) {
     if (const auto integer = parseNumber<std::int64_t>(text)) {
         return *integer;
     }
-    // Not a number and infinities read as text: no setting has a use for them.
+    // NaN and infinity are read as text: no setting needs them.
     if (const auto number = parseNumber<double>(text); number && std::isfinite(*number)) {
         return *number;
     }

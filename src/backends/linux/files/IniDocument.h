@@ -8,22 +8,22 @@
 
 namespace nocta {
 
-/// The text of an INI file, of which the keys under [General] (or before any section) are ours.
-/// Everything else, other sections and comments too, stays in place when it is written back.
+/// The text of an INI file. The keys under [General] (or before any section) are ours. Everything
+/// else, including other sections and comments, stays in place when the text is written back.
 ///
-/// Values are `true`, `false`, numbers in C notation, and text; text that would read as something
-/// else is written in double quotes with the escapes \\, \", \n, \r, \t and \xHH. Data are written
-/// like such a text, after an @.
+/// Values are `true`, `false`, numbers in C notation, and text. Text that would be read as
+/// something else is written in double quotes with the escapes \\, \", \n, \r, \t and \xHH. Data
+/// are written the same way, after an @.
 class IniDocument {
 public:
-    /// Reads what can be read of any text.
+    /// Reads whatever can be read of any text.
     static IniDocument parse(std::string_view text);
 
-    /// False when some line was neither blank, comment, section nor assignment, or the text was
+    /// False if some line is not blank, a comment, a section or an assignment, or if the text is
     /// not plain text at all.
     bool isWellFormed() const { return isWellFormed_; }
 
-    /// Our keys. Where one is assigned twice the last counts.
+    /// Our keys. If one is assigned twice, the last one counts.
     DefaultsMap values() const;
 
     void set(std::string_view key, const DefaultsValue& value);

@@ -5,11 +5,11 @@
 
 namespace nocta {
 
-/// Makes a folder, and what is missing above it, for this user alone: with mode 0700 whatever the
-/// umask. What is already there stays as it is.
+/// Creates a folder and its missing parents with mode 0700, regardless of the umask. Existing
+/// folders stay as they are.
 std::error_code createPrivateFolders(const std::filesystem::path& folder);
 
-/// Whether a folder belongs to this user and nobody else can change what is in it.
+/// Whether a folder belongs to this user and no other user can change its content.
 bool isPrivateFolder(const std::filesystem::path& folder);
 
 } // namespace nocta

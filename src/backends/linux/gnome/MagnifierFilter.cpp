@@ -16,15 +16,15 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto programName = "nocta-magnifier";
-constexpr auto startTimeout = 2s;  // for the start of a process on a busy machine
-constexpr auto endTimeout = 500ms; // the helper goes on alone after that
+constexpr auto startTimeout = 2s;  // enough to start a process on a busy machine
+constexpr auto endTimeout = 500ms; // after that the helper finishes on its own
 constexpr int maxReplacements = 3;
 
-/// Whether the session's list of desktops, most specific first, means GNOME's own shell.
+/// Whether the session's list of desktops, most specific first, means that GNOME Shell runs.
 bool isGnomeShellSession() {
     const auto* const list = std::getenv("XDG_CURRENT_DESKTOP");
     const auto desktops = ":" + std::string(list == nullptr ? "" : list) + ":";
-    // Budgie counts itself to GNOME and has a shell of its own.
+    // Budgie lists itself as GNOME but has a shell of its own.
     return desktops.find(":GNOME:") != std::string::npos &&
            desktops.find(":Budgie:") == std::string::npos;
 }
@@ -59,7 +59,7 @@ void MagnifierFilter::setOn(bool on) {
         return;
     }
     replacements_ = 0;
-    if (!helper_.isRunning()) { // else one still puts the settings back, and is followed by another
+    if (!helper_.isRunning()) { // otherwise `receive` starts the next one
         turnGray();
     }
 }
@@ -77,7 +77,7 @@ void MagnifierFilter::receive() {
     char answer = 0;
     const auto size = helper_.receive(&answer, 1);
     if (size > 0 || (size < 0 && errno == EAGAIN)) {
-        return; // its answer is known from the start
+        return; // the constructor already has this answer
     }
     helper_.kill();
     if (isOurs_ && ++replacements_ <= maxReplacements) {

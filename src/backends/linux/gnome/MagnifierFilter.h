@@ -7,18 +7,18 @@
 
 namespace nocta {
 
-/// Gray by the magnifier of GNOME's shell, at factor 1 and without saturation. What the user has
-/// set in it is the business of a helper process, `nocta-magnifier`: it notes it, changes it, and
-/// puts it back when it is told to or when this process dies.
+/// Turns the screen gray with the magnifier of GNOME Shell, at magnification 1 and without
+/// saturation. A helper process, `nocta-magnifier`, takes care of the user's own settings: it saves
+/// them, changes them, and restores them on request or when this process dies.
 class MagnifierFilter final : public GrayscaleFilter {
 public:
-    /// `stateFile` is where the helper notes the user's settings while they are not in force.
+    /// `stateFile` is where the helper saves the user's settings while its own are set.
     explicit MagnifierFilter(std::filesystem::path stateFile);
     MagnifierFilter(const MagnifierFilter&) = delete;
     MagnifierFilter& operator=(const MagnifierFilter&) = delete;
     ~MagnifierFilter() override;
 
-    /// Whether this session is run by GNOME's shell and its settings are installed.
+    /// Whether this session runs GNOME Shell and its settings are installed.
     bool isAvailable() const { return isAvailable_; }
 
     bool isOn() override { return isOn_; }
@@ -32,7 +32,7 @@ private:
     std::filesystem::path stateFile_;
     bool isAvailable_ = false;
     bool isOn_ = false;
-    bool isOurs_ = false; ///< the screen is gray by this filter
+    bool isOurs_ = false; ///< this filter made the screen gray
     int replacements_ = 0;
     HelperProcess helper_;
 };

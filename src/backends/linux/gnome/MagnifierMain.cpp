@@ -1,7 +1,7 @@
 // nocta-magnifier: turns the screen of a GNOME session gray with the shell's magnifier, for as long
-// as the Nocta that started it wants that and lives. It speaks `MagnifierProtocol.h`, and its first
-// argument is the file in which it notes the user's settings while they are not in force. Whoever
-// finds that file at its start has not seen the end of an earlier helper, and puts them back first.
+// as the Nocta that started it wants that and lives. See `MagnifierProtocol.h` for the messages.
+// The first argument is the file in which it saves the user's settings while its own are set. If
+// that file exists at the start, an earlier helper was killed, and its settings are restored first.
 
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/files/PrivateFolder.h"
@@ -36,9 +36,8 @@ struct Setting {
     const char* value; ///< in the text format of GVariant
 };
 
-// With a magnifier that the user has switched on, nothing but the saturation changes. One that is
-// off is made to show the screen as it is, whatever is set for the day it is needed, and goes on
-// last.
+// If the user's magnifier is on, only the saturation changes. If it is off, these values make it
+// show the screen unchanged, whatever its settings are for later use, and it is switched on last.
 constexpr Setting withoutColor = {magnifierSchema, "color-saturation", "0.0"};
 constexpr auto asItIs = std::to_array<Setting>({
     {magnifierSchema, "mag-factor", "1.0"},
@@ -71,7 +70,7 @@ using KeyFile = Owned<GKeyFile, g_key_file_unref>;
 using Text = Owned<char, g_free>;
 using Texts = Owned<char*, g_strfreev>;
 
-/// None where the schema or the key is not installed: GLib ends a program that asks all the same.
+/// Null if the schema or the key is not installed: GLib aborts a program that uses it anyway.
 Settings settingsWith(const char* schemaId, const char* key) {
     auto* const source = g_settings_schema_source_get_default();
     const Schema schema(
@@ -96,7 +95,7 @@ bool isGray() {
     return isMagnifierOn() && g_settings_get_double(settings.get(), withoutColor.key) == 0;
 }
 
-/// A key that has no value of the user's own is reset by an empty text.
+/// Sets a key; an empty text resets it, because the user had not set a value.
 void set(const char* schema, const char* key, const std::string& text) {
     const auto settings = settingsWith(schema, key);
     if (!settings) {
@@ -109,7 +108,7 @@ void set(const char* schema, const char* key, const std::string& text) {
     const Variant now(g_settings_get_value(settings.get(), key));
     const Variant value(
         g_variant_parse(g_variant_get_type(now.get()), text.c_str(), nullptr, nullptr, nullptr));
-    if (value) { // else somebody has edited the file
+    if (value) { // otherwise someone has edited the file
         g_settings_set_value(settings.get(), key, value.get());
     }
 }
@@ -124,7 +123,7 @@ void note(GKeyFile* file, const Setting& setting) {
     g_key_file_set_value(file, setting.schema, setting.key, text ? text.get() : "");
 }
 
-/// Changes nothing that could not be noted.
+/// Changes nothing unless the old values could be saved.
 void turnGray(const std::string& stateFile) {
     const auto changesMore = !isMagnifierOn();
     const KeyFile file(g_key_file_new());
@@ -135,7 +134,7 @@ void turnGray(const std::string& stateFile) {
         }
     }
     if (g_key_file_save_to_file(file.get(), stateFile.c_str(), nullptr) == FALSE) {
-        std::cerr << "nocta: cannot write " << stateFile << "; the screen keeps its colours"
+        std::cerr << "nocta: cannot write " << stateFile << "; the screen keeps its colors"
                   << std::endl;
         return;
     }
@@ -161,13 +160,14 @@ void putBack(const std::string& stateFile) {
             set(schema, *key, value ? value.get() : "");
         }
     };
-    putBackGroup(applicationsSchema); // off first, so that nothing else is seen to change
+    putBackGroup(applicationsSchema); // off first, so that the user does not see the other changes
     putBackGroup(magnifierSchema);
     g_settings_sync();
     unlink(stateFile.c_str());
 }
 
-/// One helper at a time; it waits for the end of another. Held until the process ends.
+/// Allows one helper at a time; a new one waits until the last one has exited. Held until the
+/// process exits.
 FileDescriptor lock(const std::filesystem::path& folder) {
     createPrivateFolders(folder);
     FileDescriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -178,7 +178,7 @@ FileDescriptor lock(const std::filesystem::path& folder) {
 
 void sendAnswer(MagnifierAnswer answer) {
     if (write(STDOUT_FILENO, &answer, 1) != 1) {
-        std::_Exit(EXIT_SUCCESS); // Nocta has gone
+        std::_Exit(EXIT_SUCCESS); // Nocta is gone
     }
 }
 
@@ -193,13 +193,13 @@ int main(int argumentCount, char** arguments) {
     if (!isOfHelperProtocol(argumentCount, arguments)) {
         return otherProtocolStatus;
     }
-    // Whoever ends the session ends Nocta too, and this process is there for what happens then.
+    // The signals that end a session end Nocta too, and this process must survive to handle that.
     for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
         std::signal(signal, SIG_IGN);
     }
     setsid();
     if (argumentCount != 3) {
-        return EXIT_FAILURE; // nobody but Nocta starts it
+        return EXIT_FAILURE; // only Nocta starts this program
     }
     const std::string stateFile = arguments[1];
     const auto held = lock(std::filesystem::path(stateFile).parent_path());

@@ -2,10 +2,10 @@
 
 namespace nocta {
 
-// What Nocta and `nocta-magnifier` say to each other over a stream socket, which the helper finds
-// as its standard input and output. The helper starts with one `MagnifierAnswer`. If Nocta then
-// says `magnifierTurnGray`, it turns the screen gray. When Nocta has nothing more to say, because
-// it wants the colours back or has died, the helper puts the user's settings back and ends.
+// The messages between Nocta and `nocta-magnifier`, over a stream socket that the helper gets as
+// its standard input and output. The helper starts with one `MagnifierAnswer`. If Nocta then sends
+// `magnifierTurnGray`, it turns the screen gray. When Nocta closes its side, because it wants the
+// colors back or has died, the helper restores the user's settings and exits.
 
 enum class MagnifierAnswer : char {
     colored = 'c',

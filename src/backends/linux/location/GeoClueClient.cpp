@@ -30,9 +30,9 @@ const auto locationInterface = QStringLiteral("org.freedesktop.GeoClue2.Location
 const auto propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
 const auto desktopId = QStringLiteral("nocta");
-constexpr auto cityAccuracy = 4U; // some kilometres; the sun's times change by seconds in them
+constexpr auto cityAccuracy = 4U; // a few kilometers, which change the sun's times by seconds
 
-// Without someone who can ask the user the service does not answer at all.
+// Without an agent that can ask the user, the service does not answer at all.
 constexpr int answerTime = std::chrono::milliseconds(30s).count();
 
 } // namespace
@@ -49,7 +49,7 @@ GeoClueClient::GeoClueClient(Callbacks callbacks)
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
     QObject::connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, [this] {
         const auto alive = shared_from_this();
-        callbacks_.failed("the location service has gone");
+        callbacks_.failed("the location service has stopped");
     });
     moved_.setSingleShot(true);
     QObject::connect(&moved_, &QTimer::timeout, [this] { readPlace(); });
@@ -57,7 +57,7 @@ GeoClueClient::GeoClueClient(Callbacks callbacks)
     QObject::connect(&busLost_, &QTimer::timeout, [this] {
         const auto alive = shared_from_this();
         if (MessageBus::system().isMute()) {
-            callbacks_.failed("The system bus does not answer"); // and may do so later
+            callbacks_.failed("The system bus does not answer"); // it may answer later
         } else {
             callbacks_.absent();
         }
@@ -119,7 +119,7 @@ void GeoClueClient::start() {
     set(QStringLiteral("DesktopId"), desktopId);
     set(QStringLiteral("RequestedAccuracyLevel"), cityAccuracy);
     call(QDBusMessage::createMethodCall(service_, path_, clientInterface, QStringLiteral("Start")),
-         noTimeout, // a person may think as long as they like
+         noTimeout, // the user may take any amount of time to decide
          [this](const QDBusMessage& answer) {
              if (answer.type() == QDBusMessage::ErrorMessage) {
                  end(answer);
@@ -136,7 +136,7 @@ void GeoClueClient::readPlace() {
     call(ofClient, answerTime, [this](const QDBusMessage& answer) {
         const QDBusPendingReply<QDBusVariant> reply(answer);
         if (reply.isError()) {
-            return; // the next place is told as well
+            return; // the next location is reported anyway
         }
         auto ofPlace = QDBusMessage::createMethodCall(
             service_, qvariant_cast<QDBusObjectPath>(reply.value().variant()).path(),
@@ -160,7 +160,7 @@ void GeoClueClient::readPlace() {
     });
 }
 
-/// An answer may end this client, which stays until it has been dealt with.
+/// Handling an answer may release this client, so it is kept alive until then.
 void GeoClueClient::call(const QDBusMessage& message, int timeout, Answer answer) {
     callAsync(
         bus_, message, &moved_,

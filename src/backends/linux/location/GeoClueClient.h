@@ -13,20 +13,20 @@
 
 namespace nocta {
 
-/// One client of GeoClue 2, the location service of the system bus, from its creation to its
-/// deletion. Nothing waits: everything is told to the callbacks, from the run loop, and nothing
-/// any more once the client has been destroyed, which may happen inside a callback.
+/// One client of GeoClue 2, the location service on the system bus, from its creation to its
+/// deletion. Nothing waits: all results go to the callbacks, from the run loop. After the client
+/// has been destroyed, which may happen inside a callback, no callback is called.
 class GeoClueClient : public std::enable_shared_from_this<GeoClueClient> {
 public:
     struct Callbacks {
-        /// The user, or who speaks for the user, agrees. Places follow.
+        /// The user, or the agent on the user's behalf, has agreed. Locations follow.
         std::function<void()> started;
         std::function<void(Location)> located;
-        /// The user refuses.
+        /// The user has refused.
         std::function<void()> refused;
-        /// This system has no location service, or no bus to reach it by.
+        /// This system has no location service, or no bus to reach it.
         std::function<void()> absent;
-        /// Anything else; nothing follows.
+        /// Any other failure; no more callbacks follow.
         std::function<void(const std::string& description)> failed;
     };
 
@@ -48,10 +48,10 @@ private:
 
     Callbacks callbacks_;
     QDBusConnection bus_;
-    QString service_; ///< its name; once it has made the client, the unique name of the process
+    QString service_; ///< well-known name; the unique name of its process once the client exists
     QString path_;
     QDBusServiceWatcher watcher_;
-    // A D-Bus signal can start a timer by itself.
+    // Timers, because a D-Bus signal can be connected directly to `start`.
     QTimer moved_;
     QTimer busLost_;
 };

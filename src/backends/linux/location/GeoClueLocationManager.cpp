@@ -15,7 +15,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// At login the service, or who asks the user for it, may come up after this program.
+// At login the service, or the agent that asks the user for it, may start after this program.
 constexpr Duration firstRetryDelay = 1min;
 constexpr Duration maxRetryDelay = 1h;
 
@@ -60,7 +60,7 @@ void GeoClueLocationManager::startUpdatingLocation() {
 
 void GeoClueLocationManager::stopUpdatingLocation() {
     isUpdating_ = false;
-    if (status_ == AuthorizationStatus::authorized) { // else the user is being asked
+    if (status_ == AuthorizationStatus::authorized) { // otherwise the user is being asked
         close();
     }
 }
@@ -112,7 +112,7 @@ void GeoClueLocationManager::answered(AuthorizationStatus status) {
         isUpdating_ = false;
         close();
     }
-    if (status != AuthorizationStatus::restricted) { // that is the system's answer, not the user's
+    if (status != AuthorizationStatus::restricted) { // the system's answer, not the user's
         remember(status == AuthorizationStatus::authorized);
     }
     if (delegate_ != nullptr) {

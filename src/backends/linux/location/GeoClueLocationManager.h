@@ -11,11 +11,11 @@
 
 namespace nocta {
 
-/// The location manager over GeoClue 2. The service has no question of its own: whether a program
-/// may know the place is answered when its client starts. A grant is therefore remembered in a
-/// file, so that the next start of the program gets a place without asking; whoever has refused is
-/// asked again in the next session at the earliest. The service is not spoken to before there is a
-/// grant or a request.
+/// The location manager on GeoClue 2. The service has no separate permission request: whether a
+/// program may know the location is decided when its client starts. So a grant is remembered in a
+/// file, and the next start of the program gets a location without asking. After a refusal, the
+/// user is asked again in the next session at the earliest. The service is not contacted before
+/// there is a grant or a request.
 class GeoClueLocationManager final : public LocationManager {
 public:
     /// `grantFile` exists while the user's last answer was yes.

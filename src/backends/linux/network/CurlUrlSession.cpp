@@ -20,11 +20,10 @@ namespace nocta {
 
 namespace {
 
-// By FetchError. None of them says a word of the server's.
+// Indexed by FetchError. None of them contains text from the server.
 constexpr std::array errorTexts = {
-    "The connection broke off",         "The server was not found",
-    "The server cannot be reached",     "The server cannot be trusted",
-    "The server redirects without end", "The address is not encrypted",
+    "The connection was lost",      "The server was not found", "The server cannot be reached",
+    "The server cannot be trusted", "Too many redirects",       "The address is not encrypted",
 };
 static_assert(errorTexts.size() == static_cast<std::size_t>(FetchError::count));
 
@@ -47,7 +46,7 @@ std::string serialized(const UrlRequest& request, const std::string& certificate
         .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
-/// One task, from the request to its completion. Whoever is called may destroy it.
+/// One task, from the request to its completion. The callbacks may destroy it.
 class Task : public std::enable_shared_from_this<Task> {
 public:
     Task(RunLoop& runLoop, UrlSession::Completion completion,
@@ -62,7 +61,7 @@ public:
         }
         const auto question = serialized(request, certificates);
         if (!helper_.start("nocta-fetch") || !helper_.send(question.data(), question.size())) {
-            refuse("The network cannot be used: nocta-fetch does not start");
+            refuse("The network cannot be used: cannot start nocta-fetch");
             return;
         }
         helper_.endInput();
@@ -71,7 +70,7 @@ public:
                        [this] { finish({.error = "It took too long"}); });
     }
 
-    /// Nobody is called from here on.
+    /// No callback is called after this.
     void end() {
         timeout_.invalidate();
         helper_.kill();
@@ -85,9 +84,9 @@ private:
         refuse_.request();
     }
 
-    /// As much as is there, a piece at a time.
+    /// Reads what has arrived, one buffer at a time.
     void receive() {
-        const auto self = shared_from_this(); // for as long as this is being called
+        const auto self = shared_from_this(); // keeps this alive during the callbacks
         const auto length = helper_.receive(buffer_.data() + filled_, buffer_.size() - filled_);
         if (length < 0 && errno == EAGAIN) {
             return;
@@ -104,8 +103,8 @@ private:
         }
     }
 
-    /// The size of the message at the beginning of the buffer, once it was dealt with; 0 if it is
-    /// not whole, or nobody wants more.
+    /// Handles the message at the start of the buffer. Returns its size, or 0 if it is incomplete
+    /// or the task has ended.
     std::size_t parseMessage() {
         FetchMessage message;
         if (completion_ == nullptr || filled_ < sizeof message) {
@@ -116,7 +115,7 @@ private:
         case FetchKind::status:
             status_ = static_cast<int>(message.value);
             if (didReceiveData_ == nullptr) {
-                finish({.statusCode = status_}); // the body is of no interest
+                finish({.statusCode = status_}); // the caller does not want the body
             }
             return sizeof message;
         case FetchKind::data:
@@ -131,7 +130,7 @@ private:
             finish({.error = textOf(message.value)});
             return 0;
         }
-        finish({.error = errorTexts.front()}); // no message of ours
+        finish({.error = errorTexts.front()}); // not one of our messages
         return 0;
     }
 
@@ -139,7 +138,7 @@ private:
         if (filled_ < begin + size) {
             return 0;
         }
-        const auto didReceiveData = didReceiveData_; // it may end the task
+        const auto didReceiveData = didReceiveData_; // the callback may end the task
         didReceiveData({buffer_.data() + begin, size});
         return begin + size;
     }

@@ -7,11 +7,12 @@
 
 namespace nocta {
 
-/// The network by nocta-fetch, one process for each task: HTTPS alone, certificates checked. The
-/// memory of this process does not grow with what a server sends, head or body.
+/// The network through nocta-fetch, one process for each task: HTTPS only, with checked
+/// certificates. The memory of this process does not grow with what a server sends, in the header
+/// or the body.
 class CurlUrlSession final : public UrlSession {
 public:
-    /// `certificates` is a file of the authorities that are trusted in place of the system's.
+    /// `certificates` is a file of trusted authorities that replaces the system's.
     explicit CurlUrlSession(RunLoop& runLoop, std::string certificates = {});
 
     Subscription dataTask(const UrlRequest& request, Completion completion,

@@ -1,5 +1,6 @@
-// nocta-fetch: loads one address for Nocta and ends. Whatever a server sends is first met here,
-// in a process that has nothing to lose; the program reads it as fast as it can deal with it.
+// nocta-fetch: downloads one address for Nocta and exits. Everything that a server sends is parsed
+// here first, in a process that has nothing to lose; Nocta reads the result as fast as it can
+// handle it.
 
 #include "backends/linux/network/FetchProtocol.h"
 #include "backends/linux/process/HelperProtocol.h"
@@ -68,7 +69,7 @@ public:
             set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body_.size()));
             set(CURLOPT_POSTFIELDS, body_.c_str());
         }
-        addHeader("Expect:"); // nobody waits for leave to send
+        addHeader("Expect:"); // do not wait for "100 Continue" before sending
         for (const auto& line : request.at("headers")) {
             addHeader(line.get<std::string>().c_str());
         }
@@ -95,7 +96,7 @@ private:
     template <class Value>
     void set(CURLoption option, Value value) {
         if (curl_easy_setopt(handle_, option, value) != CURLE_OK) {
-            std::abort(); // a library that cannot keep to HTTPS is none for this
+            std::abort(); // we refuse a libcurl that cannot be restricted to HTTPS
         }
     }
     void addHeader(const char* line) { headers_ = curl_slist_append(headers_, line); }
@@ -158,7 +159,7 @@ int main(int argumentCount, char** arguments) {
     if (!isOfHelperProtocol(argumentCount, arguments)) {
         return otherProtocolStatus;
     }
-    prctl(PR_SET_PDEATHSIG, SIGKILL); // nobody else would want the answer
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // nothing else needs the answer
     std::signal(SIGPIPE, SIG_IGN);
     curl_global_init(CURL_GLOBAL_DEFAULT);
     const auto request = nlohmann::json::parse(readAll(), nullptr, false);

@@ -4,19 +4,19 @@
 
 namespace nocta {
 
-// What the program and nocta-fetch say to each other. The program sends one JSON object (url,
-// method, headers as an array of lines, body, certificates) and ends its side. The helper answers
-// with messages: the status once the head of the response is there, the body in pieces, and `end`;
-// or an error at any time, which is the last.
+// The messages between Nocta and nocta-fetch. Nocta sends one JSON object (url, method, headers as
+// an array of lines, body, certificates) and closes its side. The helper answers with messages: the
+// status once the response header is complete, the body in pieces, and `end`; or an error at any
+// time, which is the last message.
 
 enum class FetchKind : std::uint32_t { status, data, end, error };
 
 enum class FetchError : std::uint32_t {
-    broken,         ///< or anything that has no name here
-    serverNotFound, ///< nobody has that name
+    broken,         ///< or any other error
+    serverNotFound, ///< the host name is unknown
     notReachable,
     notTrusted,
-    redirected, ///< without end
+    redirected, ///< too many times
     notEncrypted,
     count
 };

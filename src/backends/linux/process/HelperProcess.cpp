@@ -16,8 +16,9 @@ namespace nocta {
 
 namespace {
 
-/// This process ignores SIGPIPE; what it starts shall not. A Ctrl-C is meant for this process: the
-/// terminal sends it to the helper as well, perhaps before that can ignore it.
+/// This process ignores SIGPIPE, but its children must not. The ending signals start out blocked in
+/// a helper: the terminal sends Ctrl-C to the helper as well, perhaps before the helper can ignore
+/// it.
 class SpawnAttributes {
 public:
     SpawnAttributes() {
@@ -58,7 +59,7 @@ bool HelperProcess::start(const char* name, const std::vector<std::string>& argu
         return false;
     }
     FileDescriptor ours(ends[0]);
-    const FileDescriptor theirs(ends[1]); // closed here, so that an end of the helper is seen
+    const FileDescriptor theirs(ends[1]); // closed here, so that we notice when the helper exits
 
     auto words = arguments;
     words.insert(words.begin(), path(name));
@@ -115,7 +116,7 @@ ssize_t HelperProcess::receive(char* data, std::size_t size) const {
 
 bool HelperProcess::waitForEnd(std::chrono::milliseconds timeout) {
     if (process_ > 0) {
-        // Its end, whatever it has said that nobody has read.
+        // Waits for the hang-up only; unread data from the helper does not matter.
         pollfd ended{.fd = socket_.get(), .events = POLLRDHUP, .revents = 0};
         if (poll(&ended, 1, static_cast<int>(timeout.count())) != 1) {
             return false;
@@ -127,7 +128,7 @@ bool HelperProcess::waitForEnd(std::chrono::milliseconds timeout) {
 
 void HelperProcess::kill() {
     if (process_ > 0) {
-        ::kill(process_, SIGKILL); // before the socket closes, which it would see
+        ::kill(process_, SIGKILL); // first, because the helper would see the socket close
         reap();
     }
 }

@@ -14,9 +14,9 @@
 
 namespace nocta {
 
-/// One of Nocta's own helper programs, which are installed beside it. It finds a socket to this
-/// process as its standard input and output, so that the end of either is seen by the other,
-/// whatever has ended it.
+/// One of Nocta's own helper programs, which are installed next to it. Its standard input and
+/// output are a socket to this process, so each process notices when the other exits, for whatever
+/// reason.
 class HelperProcess {
 public:
     HelperProcess() = default;
@@ -27,36 +27,38 @@ public:
 
     static std::string path(const char* name);
 
-    /// False where it cannot be started.
+    /// Returns false if it cannot be started.
     bool start(const char* name, const std::vector<std::string>& arguments = {});
 
-    /// Whether one was started and has not been waited for, ended or left since.
+    /// Whether a helper was started and has not been waited for, killed or released since.
     bool isRunning() const { return process_ > 0; }
 
     bool send(const void* data, std::size_t size) const;
 
-    /// The next byte that the helper says, if it does so in time.
+    /// The next byte from the helper, if it arrives in time.
     std::optional<char> answer(std::chrono::milliseconds timeout) const;
 
-    /// The helper sees that nothing more comes.
+    /// Sends the helper an end of file; nothing more can be sent after it.
     void endInput() const;
 
-    /// Called once, from the event loop, when the helper has ended or says something unasked.
+    /// Calls `action` once, from the event loop, when the helper exits or sends something unasked.
     void whenEnded(std::function<void()> action);
 
-    /// Called from the event loop whenever there is something to receive, its end included.
+    /// Calls `action` from the event loop whenever there is something to receive, including the end
+    /// of file.
     void whenReadable(std::function<void()> action);
 
-    /// At most `size` bytes of what it has said, as `recv` without waiting: 0 at its end.
+    /// Reads at most `size` bytes without waiting. Returns what `recv` returns: 0 at the end of
+    /// file.
     ssize_t receive(char* data, std::size_t size) const;
 
-    /// Waits for its end. False where it takes longer.
+    /// Waits for the helper to exit. Returns false on a timeout.
     bool waitForEnd(std::chrono::milliseconds timeout);
 
-    /// Ends it before it can see anything.
+    /// Kills the helper before it can react to anything.
     void kill();
 
-    /// Leaves it to what it does when this process ends.
+    /// Lets the helper run on without us: it then does what it does when this process dies.
     void release();
 
 private:

@@ -4,15 +4,15 @@
 
 namespace nocta {
 
-/// The version of all that Nocta and its helper programs say to each other, given to each helper as
-/// its last argument. To be raised with every change of it: a package may replace the helpers while
-/// Nocta runs, and a helper of another version must end without an answer.
+/// The version of every protocol between Nocta and its helper programs. Each helper gets it as its
+/// last argument. Increase it whenever one of them changes: a package may replace the helpers while
+/// Nocta runs, and a helper of another version must exit without an answer.
 inline constexpr char helperProtocol[] = "1";
 
-/// How such a helper ends.
+/// The exit status of such a helper.
 inline constexpr int otherProtocolStatus = 3;
 
-/// Whether the Nocta that has started this helper, with these arguments, is of its version.
+/// Whether the Nocta that started this helper, with these arguments, uses the same version.
 inline bool isOfHelperProtocol(int argumentCount, char** arguments) {
     return argumentCount > 1 && std::string_view(arguments[argumentCount - 1]) == helperProtocol;
 }

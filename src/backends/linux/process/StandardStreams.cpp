@@ -19,11 +19,11 @@ namespace nocta {
 
 namespace {
 
-constexpr std::size_t maxLineLength = 16384; // what has no end by then is dropped
+constexpr std::size_t maxLineLength = 16384; // longer lines are dropped
 
-/// A way to a stream that never waits. O_NONBLOCK belongs to an open file, which is shared with the
-/// shell and with whoever else prints there, so a pipe or a terminal is opened anew. A socket
-/// cannot be, but takes the flag with each message.
+/// Writes to a stream without ever waiting. O_NONBLOCK belongs to the open file description, which
+/// is shared with the shell and with everything else that prints there, so a pipe or a terminal is
+/// reopened. A socket cannot be reopened, but takes the flag with each message.
 class Outlet {
 public:
     explicit Outlet(int stream) : descriptor_(stream) {
@@ -42,7 +42,7 @@ public:
             send(descriptor_, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
             return;
         }
-        // For one that cannot be opened anew, such as another user's terminal.
+        // For a stream that cannot be reopened, such as another user's terminal.
         pollfd writable{.fd = descriptor_, .events = POLLOUT, .revents = 0};
         if (poll(&writable, 1, 0) == 1) {
             text = text.substr(0, PIPE_BUF); // a pipe that is ready takes this much at once
@@ -55,8 +55,8 @@ private:
     bool isSocket_ = false;
 };
 
-/// Gathers lines and writes whole ones. Nothing that happens to them is an error to the stream,
-/// which would stay silent after it.
+/// Collects text and writes whole lines. It never reports an error to the stream, because the
+/// stream would stay silent after one.
 class LineBuffer final : public std::streambuf {
 public:
     explicit LineBuffer(const Outlet& outlet) : outlet_(outlet) {}
@@ -95,7 +95,7 @@ const Outlet& errorOutlet() {
     return outlet;
 }
 
-/// From any thread of the toolkit, so that it must not share a buffer.
+/// Qt calls this from any thread, so it must not share a buffer.
 void printMessage(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     errorOutlet().write((qFormatLogMessage(type, context, message) + u'\n').toStdString());
 }
@@ -104,7 +104,7 @@ void printMessage(QtMsgType type, const QMessageLogContext& context, const QStri
 
 void makeOutputNonBlocking() {
     std::signal(SIGPIPE, SIG_IGN);
-    // Never destroyed: what runs at the very end of the process may still print.
+    // Never destroyed: code that runs at the very end of the process may still print.
     static const auto& output = *new Outlet(STDOUT_FILENO);
     static auto& outputBuffer = *new LineBuffer(output);
     static auto& errorBuffer = *new LineBuffer(errorOutlet());

@@ -2,10 +2,10 @@
 
 namespace nocta {
 
-/// Lets nobody hold or end the process by what it prints: from now on, what standard output and
-/// standard error do not take at once is dropped, by whole lines, and a reader that has gone is no
-/// reason to end. The toolkit's messages go the same way. What the process starts is not affected:
-/// the streams themselves stay as they were inherited. For the whole life of the process.
+/// Makes sure that printing can neither block nor end the process. From now on, whole lines that
+/// standard output or standard error cannot take at once are dropped, and a closed pipe does not
+/// end the process. Qt's messages go the same way. Child processes are not affected: the streams
+/// themselves stay as they were inherited. It applies for the whole life of the process.
 void makeOutputNonBlocking();
 
 } // namespace nocta

@@ -14,11 +14,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto maxWait = 100ms; // good ones need a few
+constexpr auto maxWait = 100ms; // responsive services need a few milliseconds
 
 constexpr auto variable = "AT_SPI_BUS_ADDRESS";
 constexpr auto alwaysOnVariable = "QT_LINUX_ACCESSIBILITY_ALWAYS_ON";
-constexpr auto noBus = "unix:path=/dev/null"; // refuses at once
+constexpr auto noBus = "unix:path=/dev/null"; // connections are refused at once
 
 constexpr auto service = "org.a11y.Bus";
 constexpr auto path = "/org/a11y/bus";
@@ -47,7 +47,7 @@ void AccessibilityGate::start(const std::string& serverBus) {
         }
     });
     if (!isOpen_ && probe_ == nullptr && !bus.isMute()) {
-        open(); // there is no bus, which the toolkit finds out at once
+        open(); // there is no bus, and Qt finds that out at once
     }
 }
 
@@ -97,7 +97,7 @@ void AccessibilityGate::askRegistry(const std::string& bus, std::function<void()
         [next = std::move(next)](const BusProbe& /*probe*/) { next(); });
 }
 
-/// The toolkit connects to that one too, whatever it has been told elsewhere.
+/// Qt connects to this bus too, even if another one was named elsewhere.
 void AccessibilityGate::askServerBus() {
     askRegistry(serverBus_, [this] { open(); });
 }
@@ -109,7 +109,7 @@ void AccessibilityGate::open() {
     } else {
         unsetenv(variable);
     }
-    QAccessible::isActive(); // while the answers are fresh
+    QAccessible::isActive(); // makes Qt connect while the answers are fresh
 }
 
 } // namespace nocta

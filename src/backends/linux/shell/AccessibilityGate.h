@@ -11,11 +11,11 @@
 
 namespace nocta {
 
-/// Keeps the toolkit away from the bus of the screen readers until everybody has answered whom it
-/// will wait for when it makes its first window: who knows whether there is a screen reader, the
-/// bus itself, and the registry on it. Then it is made to look at once. A window that is shown
-/// before they have answered leaves the program without screen readers until the next start. To be
-/// made before the application object; lives as long as it.
+/// Keeps Qt away from the accessibility bus until every service that Qt blocks on at its first
+/// window has answered: the service that knows whether a screen reader runs, the bus itself, and
+/// the registry on it. Then it makes Qt connect at once. If a window is shown before they have
+/// answered, the program has no screen reader support until its next start. Create it before the
+/// application object; it lives as long as that.
 class AccessibilityGate {
 public:
     AccessibilityGate();
@@ -23,8 +23,8 @@ public:
     AccessibilityGate& operator=(const AccessibilityGate&) = delete;
     ~AccessibilityGate() = default;
 
-    /// To be called when there is the application object. `serverBus` is the bus that the display
-    /// server names, or empty.
+    /// Call this once the application object exists. `serverBus` is the bus that the display server
+    /// names, or empty.
     void start(const std::string& serverBus);
 
 private:
@@ -37,7 +37,7 @@ private:
     void askServerBus();
     void open();
 
-    std::optional<std::string> userBus_; ///< as the environment had it
+    std::optional<std::string> userBus_; ///< from the environment
     std::string serverBus_;
     bool isOpen_ = false;
     std::chrono::steady_clock::time_point waitsUntil_;

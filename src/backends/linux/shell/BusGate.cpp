@@ -14,21 +14,21 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto maxWait = 200ms; // a good bus needs less than one
+constexpr auto maxWait = 200ms; // a responsive bus needs less than 1 ms
 
 constexpr auto variable = "DBUS_SESSION_BUS_ADDRESS";
-constexpr auto noBus = "unix:path=/dev/null"; // refuses at once
+constexpr auto noBus = "unix:path=/dev/null"; // connections are refused at once
 
 constexpr auto inputMethodVariable = "QT_IM_MODULE";
-constexpr auto inputMethodsVariable = "QT_IM_MODULES"; // counts more, where the toolkit knows it
+constexpr auto inputMethodsVariable = "QT_IM_MODULES"; // takes precedence in newer versions of Qt
 constexpr auto maxInputMethodWait = 100ms;
-constexpr auto inputMethodOfNobody = "compose"; // dead keys alone, without a service
+constexpr auto inputMethodOfNobody = "compose"; // handles dead keys only, and needs no service
 
 void setAddress(const std::string& address) {
     setenv(variable, address.c_str(), 1);
 }
 
-/// IBus is asked through its portal from within a sandbox, and where the user wishes.
+/// Qt reaches IBus through its portal inside a sandbox, and where the user configures it.
 bool usesInputMethodPortal() {
     return std::ranges::any_of(
         std::array{inputMethodVariable, inputMethodsVariable}, [](const char* name) {
@@ -51,7 +51,7 @@ bool isInputMethodPortalMute(const std::string& bus) {
 BusGate::BusGate() {
     auto& bus = MessageBus::session();
     bus.keepAddress();
-    MessageBus::system().waitFor(0ms); // is asked meanwhile
+    MessageBus::system().waitFor(0ms); // starts its probe at the same time
     const auto hasAnswered = bus.waitFor(maxWait) == BusProbe::State::answered;
     setAddress(hasAnswered ? bus.address() : noBus);
     if (hasAnswered && usesInputMethodPortal() && isInputMethodPortalMute(bus.address())) {

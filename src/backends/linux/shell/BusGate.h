@@ -4,12 +4,12 @@
 
 namespace nocta {
 
-/// Keeps the toolkit away from a session bus that does not answer, as it waits for that whenever it
-/// makes the application object, the tray icon or a window. A bus that is mute at the start is kept
-/// from it by the environment and given to it when it answers; what the toolkit has looked for
-/// before then it misses until the next start. Nor does the toolkit start a bus where there is
-/// none, or wait for an input method's service that does not answer. To be made before the
-/// application object; lives as long as it.
+/// Keeps Qt away from a session bus that does not answer, because Qt blocks on it whenever it makes
+/// the application object, the tray icon or a window. If the bus is silent at the start, the
+/// environment names no bus until it answers; whatever Qt has looked for before then stays missing
+/// until the next start. It also keeps Qt from starting a bus if there is none, and from waiting
+/// for an input method service that does not answer. Create it before the application object; it
+/// lives as long as that.
 class BusGate {
 public:
     BusGate();
@@ -17,7 +17,7 @@ public:
     BusGate& operator=(const BusGate&) = delete;
     ~BusGate() = default;
 
-    /// To be called when there is the application object.
+    /// Call this once the application object exists.
     void start();
 
 private:

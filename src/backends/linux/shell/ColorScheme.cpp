@@ -22,8 +22,8 @@ struct DarkColor {
     QRgb disabled;
 };
 
-/// Every role, so that none is left to a light palette. The style makes edges and gradients from
-/// these, and takes the button for the middle between `Light` and `Dark`.
+/// Every role, so that none keeps its color from a light palette. The style derives edges and
+/// gradients from these, and expects the button color to be halfway between `Light` and `Dark`.
 constexpr auto darkColors = std::to_array<DarkColor>({
     {QPalette::Window, 0x2a2a2a, 0x2a2a2a}, {QPalette::WindowText, 0xeeeeee, 0x8c8c8c},
         {QPalette::Base, 0x1f1f1f, 0x272727}, {QPalette::AlternateBase, 0x262626, 0x2a2a2a},
@@ -69,7 +69,8 @@ ColorScheme::ColorScheme()
 }
 
 bool ColorScheme::eventFilter(QObject* watched, QEvent* event) {
-    // While the palette is ours, the application is not told of another theme, but its windows are.
+    // While our palette is set, Qt does not send a theme change to the application, only to its
+    // windows.
     const auto isOfTheme = watched->isWindowType()
                                ? event->type() == QEvent::ThemeChange
                                : event->type() == QEvent::ApplicationPaletteChange &&
@@ -82,7 +83,7 @@ bool ColorScheme::eventFilter(QObject* watched, QEvent* event) {
 
 void ColorScheme::apply() {
     if (std::exchange(isApplying_, true)) {
-        return; // told of what is being done here
+        return; // this event comes from our own change
     }
     QApplication::setPalette(QPalette()); // the desktop's own, as it is now
     if (isDarkPreferred_ && isLight(QApplication::palette())) {

@@ -6,11 +6,10 @@
 
 namespace nocta {
 
-/// Makes the windows dark where the user prefers that and the toolkit has not heard of it: it needs
-/// a plugin of the desktop to know, and many desktops have none. What the desktop's portal tells
-/// decides; until it is known, and where there is no preference, the windows are as the toolkit has
-/// them. A palette that is dark by itself is left alone, whenever it comes. It lives as long as the
-/// application.
+/// Makes the windows dark if the user prefers that and Qt does not know it: Qt needs a plugin for
+/// the desktop, and many desktops have none. The setting from the desktop's portal decides. Until
+/// it is known, and where there is no preference, the windows keep Qt's palette. A palette that is
+/// already dark is left alone, whenever it arrives. It lives as long as the application.
 class ColorScheme final : public QObject {
 public:
     ColorScheme();

@@ -11,7 +11,7 @@ namespace {
 
 constexpr unsigned int maxDelay = 1; // seconds
 
-// What a signal handler may use.
+// A signal handler may use these.
 volatile std::sig_atomic_t wakeUpDescriptor = -1;
 volatile std::sig_atomic_t receivedSignal = 0;
 

@@ -11,14 +11,15 @@
 
 namespace nocta {
 
-/// Turns SIGINT, SIGTERM and SIGHUP into a call from the event loop, as long as this object lives.
-/// Those that the process was told to ignore, as by `nohup`, stay ignored. If this object still
-/// lives a second later, because the loop or the end is held up, the signal ends the process after
-/// all. Before and after, a signal does what it does to every process. One at a time.
+/// Turns SIGINT, SIGTERM and SIGHUP into a call from the event loop while this object lives.
+/// Signals that the process inherited as ignored, as from `nohup`, stay ignored. If this object
+/// still lives a second later, because the event loop or the shutdown is stuck, the signal ends the
+/// process after all. Before and after, the signals have their default effect. Only one object may
+/// exist at a time.
 class EndingSignals {
 public:
     explicit EndingSignals(std::function<void()> received);
-    /// Lets them through where the starter has blocked them.
+    /// Unblocks the signals if the parent process blocked them.
     static void unblock();
 
     EndingSignals(const EndingSignals&) = delete;

@@ -19,7 +19,7 @@ namespace {
 
 Qt::WindowFlags flagsOf(const AppWindows::Style& style) {
     const auto isMiniaturizable = (style.styleMask & AppWindows::miniaturizable) != 0;
-    // A dialog is what a window manager gives nothing but a title and a way to close it.
+    // Window managers give a dialog nothing but a title and a close button.
     Qt::WindowFlags flags = (isMiniaturizable ? Qt::Window : Qt::Dialog) | Qt::CustomizeWindowHint;
     flags.setFlag(Qt::WindowTitleHint, (style.styleMask & AppWindows::titled) != 0);
     flags.setFlag(Qt::WindowCloseButtonHint, (style.styleMask & AppWindows::closable) != 0);
@@ -28,7 +28,7 @@ Qt::WindowFlags flagsOf(const AppWindows::Style& style) {
     return flags;
 }
 
-/// Tells of its closing by the user, once it has happened.
+/// Reports that the user closed it, after it has closed.
 class ClosingWidget final : public QWidget {
 public:
     explicit ClosingWidget(std::function<void()> onClose) : onClose_(std::move(onClose)) {}
@@ -38,7 +38,7 @@ protected:
         QWidget::closeEvent(event);
         QTimer::singleShot(0, this, [this] {
             if (!isVisible()) {
-                const auto onClose = onClose_; // it destroys this
+                const auto onClose = onClose_; // the call destroys this widget
                 onClose();
             }
         });
@@ -70,7 +70,7 @@ public:
 
     void makeKeyAndOrderFront() override {
         if (auto* const popup = QApplication::activePopupWidget()) {
-            popup->close(); // a transient popover gives way
+            popup->close(); // closes a transient popover
         }
         if (!widget_.isVisible() || !isWithinReach()) {
             center();
@@ -89,7 +89,7 @@ public:
     }
 
 private:
-    /// The screen that it was on may have gone.
+    /// False if the window is mostly off the screen, for example because its screen was unplugged.
     bool isWithinReach() const {
         const auto frame = widget_.frameGeometry();
         const auto seen = frame & widget_.screen()->availableGeometry();
@@ -106,7 +106,7 @@ private:
     }
 
     ClosingWidget widget_;
-    std::unique_ptr<View> content_; // goes before the window that shows it
+    std::unique_ptr<View> content_; // destroyed before the window that shows it
 };
 
 std::unique_ptr<AppWindow> QtAppWindows::makeWindow(const Style& style,

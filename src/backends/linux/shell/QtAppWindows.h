@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// The program's windows in Qt, as the window manager dresses them.
+/// The program's windows in Qt, decorated by the window manager.
 class QtAppWindows final : public AppWindows {
 public:
     std::unique_ptr<AppWindow> makeWindow(const Style& style, std::unique_ptr<View> content,

@@ -24,7 +24,7 @@ QtApplication::QtApplication(RunLoop& runLoop, SingleInstance& instance,
 
 int QtApplication::run(ApplicationDelegate& delegate) {
     const EndingSignals signals([this] { terminate(); });
-    // From inside the loop, so that an end that is asked for meanwhile is heard.
+    // Runs inside the event loop, so that a request to end in the meantime is not lost.
     runLoop_.post([this, &delegate] {
         delegate.applicationDidFinishLaunching();
         instance_.listen([this, &delegate] {
@@ -38,7 +38,7 @@ int QtApplication::run(ApplicationDelegate& delegate) {
         });
     });
     QCoreApplication::exec();
-    instance_.close(); // who starts now has to wait for the display, not for this process
+    instance_.close(); // a new start can now take over and need not wait for this process
     delegate.applicationWillTerminate();
     return exitStatus_;
 }

@@ -9,17 +9,18 @@
 
 namespace nocta {
 
-/// The process on Qt's event loop. SIGINT, SIGTERM, SIGHUP and the end of the session end it in
-/// order. A later start of the program reopens it; so does, once, a desktop that shows no tray, as
-/// the program would have started unseen. A panel that is still starting is given a moment first.
+/// The process on Qt's event loop. SIGINT, SIGTERM, SIGHUP and the end of the session shut it down
+/// in an orderly way. A later start of the program reopens it. So does, once, a desktop that shows
+/// no tray, because the user would not see that the program runs. A panel that is still starting
+/// gets a moment first.
 class QtApplication final : public Application {
 public:
-    /// `hasTray` tells whether the desktop shows a tray now.
+    /// `hasTray` returns whether the desktop shows a tray now.
     QtApplication(RunLoop& runLoop, SingleInstance& instance, std::function<bool()> hasTray);
 
     int run(ApplicationDelegate& delegate) override;
 
-    /// A window that is made key comes to the front by itself.
+    /// Nothing to do: a window that becomes key comes to the front anyway.
     void activateIgnoringOtherApps() override {}
 
     void terminate() override;

@@ -30,7 +30,7 @@ void placeByPixels(const QWindow& window, const Rect& pixels, const QColor& colo
     if (connection == nullptr) {
         return;
     }
-    // On Qt's own connection, so that it comes after Qt's placing.
+    // Uses Qt's own connection, so that this takes effect after Qt's placement.
     const auto id = static_cast<xcb_window_t>(window.winId());
     const auto number = [](double value) {
         return static_cast<std::uint32_t>(static_cast<std::int32_t>(std::lround(value)));

@@ -8,13 +8,13 @@ class QWindow;
 
 namespace nocta {
 
-/// Sends what Qt has asked the X server for so far; Qt itself does so only when it waits for
-/// events. Without an X server, nothing.
+/// Sends the requests that Qt has queued for the X server; Qt itself sends them only when it waits
+/// for events. Does nothing without an X server.
 void flushQt();
 
-/// Places a window that Qt has shown by pixels; Qt itself can place it by whole points alone. At
-/// the right and at the bottom Qt may then paint a pixel less than there is: the server fills that
-/// with `color`. Without an X server, nothing.
+/// Places a window that Qt has shown, in pixels; Qt itself can only place it in whole points. Qt
+/// may then leave the last pixel at the right and bottom edges unpainted; the server fills it with
+/// `color`. Does nothing without an X server.
 void placeByPixels(const QWindow& window, const Rect& pixels, const QColor& color);
 
 } // namespace nocta

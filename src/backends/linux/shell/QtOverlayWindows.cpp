@@ -18,10 +18,10 @@ namespace nocta {
 
 namespace {
 
-/// In one break, as another program may insist as well.
+/// Per break, because another program may insist on the focus as well.
 constexpr int maxTakenBack = 10;
 
-/// Those of our keys that mean something to anyone; -1 for all others.
+/// The key code of a key that a monitor handles; -1 for all others.
 std::int64_t nativeKeyCode(int key) {
     return key == Qt::Key_Space ? spaceKeyCode : -1;
 }
@@ -57,7 +57,7 @@ public:
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(view);
         widget_.setWindowOpacity(0);
-        // A frame belongs to the scale factor of its screen.
+        // Geometry is in the scale factor of the window's screen, so the screen is set first.
         widget_.winId();
         if (auto* const place = screenOf(screen.id)) {
             widget_.windowHandle()->setScreen(place);
@@ -71,16 +71,16 @@ public:
 
     void makeKeyAndOrderFront() override {
         if (auto* const popup = QApplication::activePopupWidget()) {
-            popup->close(); // it would keep the keyboard
+            popup->close(); // it would keep the keyboard focus
         }
         if (!std::exchange(isShown_, true)) {
             owner_.windowComes();
         }
         if (QGuiApplication::platformName() == QStringLiteral("xcb")) {
             widget_.show();
-            coverPixels(); // after Qt has placed it
+            coverPixels(); // must come after Qt's own placement
         } else {
-            widget_.showFullScreen(); // on Wayland a window cannot be placed by its program
+            widget_.showFullScreen(); // on Wayland a program cannot place its windows
         }
         owner_.keyWindow_ = this;
         widget_.raise();
@@ -124,11 +124,11 @@ private:
     bool isShown_ = false;
     double alpha_ = 0;
     QWidget widget_;
-    std::unique_ptr<View> content_; // goes before the window that shows it
+    std::unique_ptr<View> content_; // destroyed before the window that shows it
     AlphaFade fade_;
 };
 
-/// Sees every key before the window that it is pressed in.
+/// Sees every key press before the focused window does.
 class QtOverlayWindows::KeyFilter final : public QObject {
 public:
     explicit KeyFilter(QtOverlayWindows& owner) : owner_(owner) {
@@ -137,7 +137,7 @@ public:
 
 protected:
     bool eventFilter(QObject* receiver, QEvent* event) override {
-        // The window is asked first, and then the widget in it.
+        // Qt sends the event to the window first and then to the widget in it.
         if (event->type() != QEvent::KeyPress || !receiver->isWindowType()) {
             return false;
         }
@@ -168,7 +168,7 @@ std::vector<Screen> QtOverlayWindows::screens() {
     std::vector<Screen> screens;
     for (const auto* const screen : QGuiApplication::screens()) {
         const auto frame = screen->geometry();
-        if (!frame.isEmpty()) { // Qt keeps one without a size where there is none
+        if (!frame.isEmpty()) { // Qt keeps an empty placeholder if there is no screen
             screens.push_back(
                 {.id = idOf(screen),
                  .frame = {static_cast<double>(frame.x()), static_cast<double>(frame.y()),
@@ -194,7 +194,7 @@ QtOverlayWindows::addLocalMonitorForKeyDown(std::function<bool(const KeyDownEven
     });
 }
 
-/// The first window that is shown takes the keyboard from somebody.
+/// The first window that is shown takes the keyboard focus from another window; remember which.
 void QtOverlayWindows::windowComes() {
     if (shown_++ > 0) {
         return;
@@ -211,8 +211,8 @@ void QtOverlayWindows::windowComes() {
     connection_->finishTurn();
 }
 
-/// Whether a key goes on with what was being typed when the first window came, or repeats by itself
-/// because it is held.
+/// Whether a key press continues the typing that was going on when the first window appeared, or is
+/// the auto-repeat of a held key.
 bool QtOverlayWindows::holdsBack(const QKeyEvent& press) {
     if (shown_ == 0) {
         return false;
@@ -220,12 +220,12 @@ bool QtOverlayWindows::holdsBack(const QKeyEvent& press) {
     if (press.isAutoRepeat() || typing_ == nullptr) {
         return press.isAutoRepeat();
     }
-    connection_->catchUp(); // this key has to be noted as well
+    connection_->catchUp(); // the typing record must include this key
     return typing_->isFromBefore(shownSince_);
 }
 
-/// The pixels that a screen of Qt's shows, if they are known. Qt tells where they begin, and their
-/// number in points, which are rounded.
+/// The pixels that one of Qt's screens covers, if they are known. Qt reports where a screen begins
+/// in pixels, but its size in points, which are rounded.
 std::optional<Rect> QtOverlayWindows::pixelsOf(const QScreen& screen) {
     std::uint32_t count = 0;
     displays_.getActiveDisplayList({}, count);
@@ -243,14 +243,16 @@ std::optional<Rect> QtOverlayWindows::pixelsOf(const QScreen& screen) {
     return std::nullopt;
 }
 
-/// Another program's window is none to Qt.
+/// Qt does not know the windows of other programs: a null window means that one of them has the
+/// focus.
 void QtOverlayWindows::keyboardHasGoneTo(const QWindow* window) {
     if (window == nullptr && keyWindow_ != nullptr && ++timesTakenBack_ <= maxTakenBack) {
         keyWindow_->takeKeyboard();
     }
 }
 
-/// The last one gives it back; to a window that has gone meanwhile, in vain.
+/// The last window returns the focus to the window that had it. If that window is gone, this does
+/// nothing.
 void QtOverlayWindows::windowGoes() {
     if (--shown_ > 0 || connection_ == nullptr || focusBefore_ == XCB_NONE) {
         return;

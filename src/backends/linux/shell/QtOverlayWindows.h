@@ -16,16 +16,16 @@ class QWindow;
 
 namespace nocta {
 
-/// Overlay windows in Qt. On X11 they are none of the window manager's business, so that they cover
-/// their screens exactly, on every workspace and above full-screen windows, whatever manages them
-/// or nothing does. The keyboard they take themselves, and take it back from a window that comes up
-/// below them, so that nobody types into what cannot be seen; the last one that goes gives it back
-/// to the window that had it. What somebody was typing when they came reaches nobody. Without a
-/// compositor they are dark and opaque.
+/// Overlay windows in Qt. On X11 they bypass the window manager, so that they cover their screens
+/// exactly, on every workspace and above full-screen windows, with any window manager or none. They
+/// take the keyboard focus themselves, and take it back from a window that opens below them, so
+/// that the user does not type into a window that is hidden. When the last one is hidden, it
+/// returns the focus to the window that had it. The rest of what the user was typing when they
+/// appeared is discarded. Without a compositor they are dark and opaque.
 class QtOverlayWindows final : public OverlayWindows {
 public:
-    /// Without an X server, `connection` and `typing` are null. Without `typing`, only the repeats
-    /// of a held key count as typed before.
+    /// `connection` and `typing` are null without an X server. Without `typing`, only the
+    /// auto-repeat of a held key counts as earlier typing.
     QtOverlayWindows(RunLoop& runLoop, Displays& displays, X11Connection* connection,
                      const Typing* typing);
     QtOverlayWindows(const QtOverlayWindows&) = delete;
@@ -57,8 +57,8 @@ private:
     X11Connection* connection_;
     const Typing* typing_;
     int shown_ = 0;
-    MonotonicTime shownSince_;    ///< the first of those that are shown
-    Window* keyWindow_ = nullptr; ///< the last one that was made key, while it is shown
+    MonotonicTime shownSince_;    ///< when the first of the shown windows appeared
+    Window* keyWindow_ = nullptr; ///< the last window that was made key, while it is shown
     int timesTakenBack_ = 0;
     xcb_window_t focusBefore_ = XCB_NONE;
     CallbackList<KeyPress> monitors_;

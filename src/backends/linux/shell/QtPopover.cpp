@@ -27,7 +27,7 @@ constexpr int shadowDrop = 4;
 constexpr float borderOpacity = 0.16F;
 constexpr int shadowLayerAlpha = 8; // of 255
 
-/// Beside the anchor on the side that faces into the screen, centred on it, wholly on screen.
+/// Next to the anchor on the side that faces into the screen, centered on it, fully on screen.
 QPoint placed(const QSize& size, const QRect& anchor, const QRect& screen) {
     const auto available = screen.adjusted(gap, gap, -gap, -gap);
     const auto below = anchor.center().y() < available.center().y();
@@ -46,7 +46,7 @@ class QtPopover::Window final : public QWidget {
 public:
     Window() {
         setWindowTitle(QStringLiteral("Nocta"));
-        setAttribute(Qt::WA_NoMouseReplay); // a click on the item closes, and must not open again
+        setAttribute(Qt::WA_NoMouseReplay); // a click on the item closes, and must not reopen
         setAttribute(Qt::WA_TranslucentBackground);
         new QVBoxLayout(this);
     }
@@ -60,7 +60,7 @@ public:
         }
     }
 
-    /// Takes the size that the content needs, at least that which was set, beside the anchor.
+    /// Takes the size that the content needs, but at least `contentSize`, next to the anchor.
     void place(const QRect& anchor, const QRect& available, bool isComposited) {
         shadowWidth_ = isComposited ? shadowReach : 0;
         layout()->setContentsMargins(shadowWidth_, shadowWidth_, shadowWidth_, shadowWidth_);
@@ -82,7 +82,7 @@ public:
 protected:
     void hideEvent(QHideEvent* event) override {
         QWidget::hideEvent(event);
-        // Later, as it may be the content's own click that closes.
+        // Delayed, because the content's own click may have closed the popover.
         QTimer::singleShot(0, this, [this] {
             if (!isVisible()) {
                 setView(nullptr);
@@ -90,7 +90,7 @@ protected:
         });
     }
 
-    /// The shadow is not the popover.
+    /// A click on the shadow counts as a click outside.
     void mousePressEvent(QMouseEvent* event) override {
         if (body().contains(event->position())) {
             QWidget::mousePressEvent(event);
@@ -123,7 +123,7 @@ private:
         return QRectF(rect()).adjusted(shadowWidth_, shadowWidth_, -shadowWidth_, -shadowWidth_);
     }
 
-    /// Rounded shapes on top of each other, each a little wider than the next.
+    /// Draws rounded rectangles on top of each other, each a little smaller than the last.
     void paintShadow(QPainter& painter) const {
         painter.setPen(Qt::NoPen);
         painter.setBrush(QColor(0, 0, 0, shadowLayerAlpha));

@@ -9,13 +9,13 @@
 
 namespace nocta {
 
-/// The popover as a window of its own that closes when the user clicks elsewhere or presses
-/// Escape. It opens at the status item; where the panel does not tell where that is, at the
-/// pointer. It appears at once: only a compositor could fade it. With a compositor it has round
-/// corners and a shadow.
+/// The popover as a separate window that closes when the user clicks elsewhere or presses Escape.
+/// It opens at the status item, or at the pointer if the panel does not report the item's position.
+/// It appears at once: only a compositor could fade it. With a compositor it has round corners and
+/// a shadow.
 class QtPopover final : public Popover {
 public:
-    /// `connection` may be null: no X server.
+    /// `connection` is null without an X server.
     explicit QtPopover(X11Connection* connection);
     QtPopover(const QtPopover&) = delete;
     QtPopover& operator=(const QtPopover&) = delete;

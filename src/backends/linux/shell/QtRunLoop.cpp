@@ -37,7 +37,7 @@ void QtRunLoop::cancel(TimerId id) {
         auto* const timer = found->second;
         timers_.erase(found);
         timer->stop();
-        timer->deleteLater(); // not at once: its own action may be what cancels it
+        timer->deleteLater(); // not at once: its own action may be canceling it
     }
 }
 

@@ -19,7 +19,7 @@ public:
     void post(std::function<void()> action) override;
 
 private:
-    // Declared before the timers: both hand their late events to it, and it goes last.
+    // Declared before the timers, so that it is destroyed last: both deliver late events to it.
     QObject context_;
     TimerId lastId_ = 0;
     std::unordered_map<TimerId, QTimer*> timers_; // owned by context_

@@ -54,7 +54,7 @@ void QtStatusItem::makeIcon() {
     icon_.emplace();
     connect(&*icon_, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                // A double click has been a click already.
+                // A double click has already been reported as a click.
                 if (reason == QSystemTrayIcon::Trigger && action_) {
                     action_();
                 }

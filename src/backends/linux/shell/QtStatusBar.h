@@ -11,8 +11,8 @@
 
 namespace nocta {
 
-/// The icon in the system tray: a StatusNotifierItem, or an XEmbed window where no panel hosts
-/// those. It is shown as soon as there is a tray.
+/// The icon in the system tray: a StatusNotifierItem, or an XEmbed window if no panel hosts those.
+/// It is shown as soon as there is a tray.
 class QtStatusItem final : public QObject, public StatusItem {
 public:
     explicit QtStatusItem(SystemTray& tray);
@@ -21,11 +21,11 @@ public:
     void setAction(std::function<void()> action) override;
     void setMenu(std::unique_ptr<View> menu) override;
 
-    /// On screen; empty on panels that do not tell.
+    /// On screen; empty on panels that do not report it.
     QRect geometry() const { return icon_ ? icon_->geometry() : QRect(); }
 
 protected:
-    /// Draws the icon anew when the desktop's colours change.
+    /// Redraws the icon when the desktop's colors change.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:

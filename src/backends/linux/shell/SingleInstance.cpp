@@ -27,7 +27,7 @@ using namespace std::chrono_literals;
 constexpr int maxWaitingStarts = 16;
 constexpr auto attemptInterval = 10ms;
 
-/// The sticky bit keeps the socket where unused files are cleared away.
+/// The sticky bit protects the socket from cleanup of unused files in the runtime folder.
 constexpr mode_t socketMode = S_ISVTX | S_IRUSR | S_IWUSR;
 
 /// A server's name may be long and may be a path; the 64-bit FNV-1a hash of it is neither.
@@ -40,7 +40,7 @@ std::string hashed(std::string_view text) {
     return {digits.begin(), std::to_chars(digits.begin(), digits.end(), hash, 16).ptr};
 }
 
-/// The address of a socket in an open folder, which is short however long the folder's path is.
+/// The address of a socket in an open folder. It stays short even if the folder's path is long.
 sockaddr_un addressIn(int folder, const std::string& name) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -67,7 +67,7 @@ SingleInstance::SingleInstance(std::string_view server, const std::filesystem::p
 }
 
 bool SingleInstance::open(const std::filesystem::path& folder) {
-    createPrivateFolders(folder); // what matters shows when the folder is opened
+    createPrivateFolders(folder); // an error shows when the folder is opened
     folder_ = FileDescriptor(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (folder_ && !isPrivateFolder(folder)) {
         errno = EPERM;
@@ -100,11 +100,11 @@ SingleInstance::Role SingleInstance::findRole(std::chrono::milliseconds answerTi
         if (isConnected && read(socket.get(), &byte, 1) == 1) {
             return Role::answered;
         }
-        std::this_thread::sleep_for(attemptInterval); // it has gone, or does not listen yet
+        std::this_thread::sleep_for(attemptInterval); // it is gone, or does not listen yet
     }
 }
 
-/// Replaces the socket that a killed process left. Only the holder of the lock does so.
+/// Replaces the socket that a killed process left. Only the holder of the lock does this.
 bool SingleInstance::bindSocket() {
     const auto name = name_ + ".socket";
     const auto address = addressIn(folder_.get(), name);
@@ -115,7 +115,7 @@ bool SingleInstance::bindSocket() {
            ::listen(socket_.get(), maxWaitingStarts) == 0;
 }
 
-/// False at once where nobody listens or too many wait already.
+/// Returns false at once if nothing listens or the queue is full.
 bool SingleInstance::connectTo(int socket) const {
     const auto address = addressIn(folder_.get(), name_ + ".socket");
     return connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;

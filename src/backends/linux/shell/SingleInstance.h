@@ -14,25 +14,25 @@
 
 namespace nocta {
 
-/// Makes Nocta one process per user and display server. The first start holds a lock and listens on
-/// a socket beside it, in a folder that no other user can change. A later start connects to the
-/// socket, and has nothing else to do once it has been answered. Where the first is just ending,
-/// the later one takes its place.
+/// Limits Nocta to one process per user and display server. The first start holds a lock and
+/// listens on a socket next to it, in a folder that no other user can change. A later start
+/// connects to the socket, and is done once it has been answered. If the first process is just
+/// exiting, the later one takes its place.
 ///
-/// Where the folder cannot be used, every start is the first; a line on standard error says so.
+/// If the folder cannot be used, every start is the first; a line on standard error says so.
 class SingleInstance {
 public:
     enum class Role { first, answered, unanswered };
 
-    /// What one that is starting or ending is given.
+    /// How long a process that is starting or exiting may take to answer.
     static constexpr auto maxAnswerTime = std::chrono::seconds(5);
 
-    /// `server` names the session's display server, `folder` is the user's own and is made where it
-    /// is missing. Returns when the role is known.
+    /// `server` names the session's display server. `folder` belongs to the user and is created if
+    /// it is missing. Returns when the role is known.
     SingleInstance(std::string_view server, const std::filesystem::path& folder,
                    std::chrono::milliseconds answerTimeout = maxAnswerTime);
 
-    /// `unanswered` means that a Nocta of this user is there and does not react.
+    /// `unanswered` means that another Nocta of this user holds the lock but does not answer.
     Role role() const { return role_; }
 
     /// Answers later starts from now on, and calls `started` for each.
@@ -49,7 +49,7 @@ private:
     void answer();
 
     FileDescriptor folder_;
-    std::string name_; ///< of the lock and the socket, without their endings
+    std::string name_; ///< of the lock and the socket, without their extensions
     FileLock lock_;
     FileDescriptor socket_;
     Role role_ = Role::first;

@@ -28,7 +28,7 @@ SystemTray::SystemTray(X11Connection* connection) : connection_(connection) {
     sessionBus_ =
         MessageBus::session().whenConnected([this](const QDBusConnection& bus) { follow(bus); });
     if (connection_ != nullptr) {
-        // A tray that comes announces itself to who has the root window's structure events.
+        // A new tray announces itself to clients that select the root window's structure events.
         connection_->selectRootEvents(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
         selection_ =
             connection_->atom("_NET_SYSTEM_TRAY_S" + std::to_string(connection_->screenNumber()));
@@ -61,7 +61,7 @@ void SystemTray::askForHost() {
         return;
     }
     isWatcherMute_ = true;
-    // The two calls that the toolkit makes, in its order.
+    // The two calls that Qt makes, in Qt's order.
     ask(QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"), {},
         [this](const QDBusMessage& /*description*/) {
             ask(QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
@@ -80,7 +80,7 @@ void SystemTray::ask(const QString& interface, const QString& method, const QVar
 
 void SystemTray::answered(const QDBusMessage& answer) {
     const QDBusPendingReply<QDBusVariant> reply(answer);
-    // An error is an answer of the bus: there is no watcher.
+    // Any error but NoReply comes from the bus itself: there is no watcher.
     isWatcherMute_ = reply.isError() && reply.error().type() == QDBusError::NoReply;
     if ((reply.isValid() && reply.value().variant().toBool()) ||
         (hasXEmbedTray_ && !isWatcherMute_)) {

@@ -12,20 +12,20 @@
 
 namespace nocta {
 
-/// Knows whether the desktop has a place for icons: a host of StatusNotifierItems on the session
-/// bus, or an XEmbed tray on the X server. A panel often starts after the programs of a session,
-/// and the toolkit looks only once, so no icon may be made before there is a place for it. The
-/// toolkit asks the watcher of the items even for an icon in an XEmbed tray, and waits for it, so
-/// that a watcher that does not answer must keep it from both. Nobody is waited for here, and
-/// nothing is asked again unless something has changed.
+/// Finds out whether the desktop has a place for icons: a host of StatusNotifierItems on the
+/// session bus, or an XEmbed tray on the X server. A panel often starts after the programs of a
+/// session, and Qt looks only once, so no icon may be made before there is a place for it. Qt asks
+/// the watcher of the items even for an icon in an XEmbed tray, and blocks on the answer, so a
+/// watcher that does not answer must delay the icon in both cases. This class never blocks, and
+/// asks again only if something has changed.
 class SystemTray {
 public:
-    /// `connection` may be null: no X server.
+    /// `connection` is null without an X server.
     explicit SystemTray(X11Connection* connection);
 
     bool isAvailable() const { return isAvailable_; }
 
-    /// Called once, when there is a place; at once if there is one already.
+    /// Calls `action` once: when there is a place, or at once if there is one already.
     void whenAvailable(std::function<void()> action);
 
 private:
@@ -40,11 +40,11 @@ private:
     X11Connection* connection_;
     xcb_atom_t selection_ = XCB_ATOM_NONE;
     bool isAvailable_ = false;
-    bool isWatcherMute_ = false; ///< as long as it has not answered
+    bool isWatcherMute_ = false; ///< while its answer is outstanding
     bool hasXEmbedTray_ = false;
     std::function<void()> action_;
     QDBusServiceWatcher watcher_;
-    QTimer question_; ///< asks at the end of the turn; a D-Bus signal can start a timer by itself
+    QTimer question_; ///< asks at the end of the turn; D-Bus signals connect to its `start`
     Subscription sessionBus_;
     Subscription events_;
 };

@@ -14,16 +14,16 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr auto sparkle = "http://www.andymatuschak.org/xml-namespaces/sparkle"_L1;
 
-constexpr qsizetype maxValueLength = 2048; // bytes; an address needs the most
+constexpr qsizetype maxValueLength = 2048; // bytes; addresses are the longest values
 constexpr qsizetype maxVersionLength = 64;
 
-/// Without what surrounds it; nothing where it is longer than any honest value.
+/// The trimmed text; empty if it is longer than any honest value.
 std::string value(QStringView text, qsizetype maxLength = maxValueLength) {
     const auto bytes = text.trimmed().toUtf8();
     return bytes.size() <= maxLength ? bytes.toStdString() : std::string();
 }
 
-/// It is shown: one of printable characters alone.
+/// Empty unless all characters are printable, because it is shown to the user.
 std::string version(QStringView text) {
     for (const auto character : text.trimmed()) {
         if (character < u'!' || character > u'~') {
@@ -46,7 +46,7 @@ public:
             case QXmlStreamReader::StartElement:
                 if (!std::exchange(hasRoot_, true)) {
                     if (!is({}, "rss"_L1)) {
-                        return refused("it is no RSS");
+                        return refused("it is not RSS");
                     }
                 } else if (is({}, "item"_L1)) {
                     readItem();
@@ -57,7 +57,7 @@ public:
             }
         }
         if (xml_.hasError()) {
-            return refused("line " + std::to_string(xml_.lineNumber()) + " is not in order");
+            return refused("line " + std::to_string(xml_.lineNumber()) + " is malformed");
         }
         return {.items = std::move(items_)};
     }
@@ -105,7 +105,7 @@ private:
         }
     }
 
-    /// Versions may stand here as well.
+    /// The enclosure may contain the versions as well.
     void readEnclosure(AppcastItem& item) {
         const auto attributes = xml_.attributes();
         item.url = value(attributes.value("url"_L1));

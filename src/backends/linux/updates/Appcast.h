@@ -8,27 +8,27 @@
 
 namespace nocta {
 
-/// One release of an appcast, as the feed says it: UTF-8, and nothing of it trusted.
+/// One release of an appcast, as the feed describes it, in UTF-8. Nothing in it is trusted.
 struct AppcastItem {
-    std::string version{};            ///< what releases are compared by
-    std::string shortVersionString{}; ///< for people; the version where the feed has none
+    std::string version{};            ///< used to compare releases
+    std::string shortVersionString{}; ///< shown to users; same as `version` if the feed has none
     std::string minimumSystemVersion{};
-    std::string channel{}; ///< nothing for the one that everybody is on
-    std::string os{};      ///< nothing for any
+    std::string channel{}; ///< empty for the default channel
+    std::string os{};      ///< empty for any
     std::string url{};
     std::string edSignature{};  ///< in Base64
-    std::int64_t length = 0;    ///< of the file, in bytes; 0 where the feed has none
+    std::int64_t length = 0;    ///< of the file, in bytes; 0 if the feed has none
     std::string releaseNotes{}; ///< plain text
 };
 
-/// Either the releases in the order of the feed, or why they cannot be read, in one line.
+/// Either the releases in the order of the feed, or on one line why the feed cannot be read.
 struct Appcast {
     std::vector<AppcastItem> items{};
     std::optional<std::string> error{};
 };
 
-/// Reads RSS 2.0 with the `sparkle` namespace. Items without a version or an enclosure are passed
-/// over; a document with a document type is refused, as entities are all that it could bring.
+/// Reads RSS 2.0 with the `sparkle` namespace. Items without a version or an enclosure are skipped.
+/// A document with a document type is refused, because the only thing it could add is entities.
 Appcast parseAppcast(std::string_view xml);
 
 } // namespace nocta

@@ -17,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Duration checkInterval = 24h;
-constexpr Duration lookInterval = 1h; // at the wall clock, which goes on while the machine sleeps
+constexpr Duration lookInterval = 1h; // of the wall clock, which continues during sleep
 constexpr auto feedTimeout = 60s;
 constexpr auto fileTimeout = 1h;
 constexpr std::size_t maxFeedSize = 1 << 17;    // bytes
@@ -26,8 +26,8 @@ constexpr int succeeded = 200;
 
 constexpr std::array packageSuffixes = {".deb", ".rpm"};
 
-/// Where a release's file is kept: under a name that the feed has no part in. None for what no
-/// installer takes.
+/// The local name of a release's file, which the feed has no influence on. Nothing if no installer
+/// can open the file.
 std::optional<std::filesystem::path> packageName(const std::string& url) {
     const auto* const suffix = std::ranges::find_if(
         packageSuffixes, [&](const char* candidate) { return url.ends_with(candidate); });
@@ -41,7 +41,7 @@ bool isForThisSystem(const AppcastItem& item, const std::string& systemVersion) 
            std::is_lteq(compareVersions(item.minimumSystemVersion, systemVersion));
 }
 
-/// Why a release cannot be offered, whatever its file will be.
+/// Why a release cannot be offered, known before its file is loaded.
 std::optional<std::string> problemWith(const AppcastItem& item) {
     if (!item.url.starts_with("https://")) {
         return "The file's address is not encrypted";
@@ -50,10 +50,10 @@ std::optional<std::string> problemWith(const AppcastItem& item) {
         return "The file is not signed";
     }
     if (item.length <= 0 || item.length > maxFileSize) {
-        return "The feed gives the file no length that could be right";
+        return "The feed gives no valid length for the file";
     }
     if (!packageName(item.url)) {
-        return "The file is no package";
+        return "The file is not a package";
     }
     return std::nullopt;
 }
@@ -77,7 +77,7 @@ Updater::Availability AppcastUpdater::availability() const {
 
 std::optional<std::string> AppcastUpdater::startUpdater(DidFinishUpdateCycle didFinishUpdateCycle) {
     if (availability() != Availability::available) {
-        return "There is no feed to look at";
+        return "There is no feed to check";
     }
     didFinishUpdateCycle_ = std::move(didFinishUpdateCycle);
     canCheckForUpdates.set(true);
@@ -85,7 +85,7 @@ std::optional<std::string> AppcastUpdater::startUpdater(DidFinishUpdateCycle did
     return std::nullopt;
 }
 
-/// The user is asked at the second start: at the first there is enough that is new.
+/// Asks the user at the second start: there is enough that is new at the first.
 void AppcastUpdater::begin() {
     removeOldFiles();
     if (memory_.record().checksAutomatically) {
@@ -130,7 +130,7 @@ void AppcastUpdater::keepChecking() {
     }
 }
 
-/// An installer may still read what is younger.
+/// Removes only old files, because an installer may still read a recent one.
 void AppcastUpdater::removeOldFiles() const {
     std::error_code error;
     const auto now = std::filesystem::file_time_type::clock::now();
@@ -147,7 +147,7 @@ void AppcastUpdater::removeOldFiles() const {
 void AppcastUpdater::checkIfDue() {
     const auto now = runLoop_.wallNow();
     const auto& last = memory_.record().lastCheck;
-    const auto isDue = !last || now < *last || now - *last >= checkInterval; // it may have been set
+    const auto isDue = !last || now < *last || now - *last >= checkInterval; // it may be set back
     if (isDue && !isShown() && !isLoading()) {
         isUserInitiated_ = false;
         check();
@@ -159,7 +159,7 @@ void AppcastUpdater::checkForUpdates() {
         return;
     }
     if (std::holds_alternative<UpdateFound>(stage.get())) {
-        stage.set(stage.get()); // to the front
+        stage.set(stage.get()); // brings the window to the front
         return;
     }
     isUserInitiated_ = true;
@@ -232,12 +232,12 @@ void AppcastUpdater::offer(const AppcastItem& item) {
     }
 }
 
-/// Where the file of what is offered is, or will be.
+/// The path of the offered file, downloaded or not.
 std::filesystem::path AppcastUpdater::package() const {
     return downloads_ / *packageName(offered_.url);
 }
 
-/// What was cleaned away since counts as not there.
+/// False if the file has been deleted since the download.
 bool AppcastUpdater::isDownloaded() const {
     std::error_code error;
     return downloaded_.edSignature == offered_.edSignature && downloaded_.url == offered_.url &&
@@ -275,7 +275,7 @@ void AppcastUpdater::dismiss() {
     } else if (isLoading() || std::holds_alternative<UpdateFound>(stage.get())) {
         finish();
     } else {
-        stage.set({}); // the cycle has ended
+        stage.set({}); // the cycle has already ended
     }
 }
 
@@ -308,20 +308,20 @@ void AppcastUpdater::finishFile() {
     }
 }
 
-/// The cycle ends here: what comes of it is the installer's.
+/// Ends the cycle: the rest is up to the installer.
 void AppcastUpdater::handOver() {
     handedOverVersion_ = offered_.version;
     finish(UpdateHandedOver{offered_.shortVersionString});
     installation_ = openPackage_(package(), [this, version = offered_.shortVersionString](
                                                 const std::optional<std::string>& error) {
         const auto isSeen = std::holds_alternative<UpdateHandedOver>(stage.get()) || !isShown();
-        if (error && isSeen) { // else the user is at something else
+        if (error && isSeen) { // otherwise the user is doing something else by now
             stage.set(UpdaterError{*error, version});
         }
     });
 }
 
-/// `received` is called once all of it has come.
+/// Calls `received` once the whole response has arrived.
 void AppcastUpdater::load(const std::string& url, Duration timeout,
                           void (AppcastUpdater::*received)(),
                           UrlSession::DidReceiveData didReceiveData) {
@@ -345,7 +345,7 @@ void AppcastUpdater::load(const std::string& url, Duration timeout,
         std::move(didReceiveData));
 }
 
-/// The user sees it where it was the user who asked.
+/// Shows the error only if the user started the check.
 void AppcastUpdater::fail(const std::string& error) {
     const auto version = file_ ? offered_.shortVersionString : std::string();
     finish(isUserInitiated_ ? UpdateStage(UpdaterError{error, version}) : UpdateStage(), error);

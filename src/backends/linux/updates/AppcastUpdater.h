@@ -17,19 +17,19 @@
 
 namespace nocta {
 
-/// A standard updater: reads the publisher's appcast, daily where the user has allowed it, and
-/// hands what the publisher has signed to the desktop's installer. One feed or file is loaded at a
-/// time; a cycle is a check and all that follows from it.
+/// A standard updater: reads the publisher's appcast, daily if the user has allowed it, and passes
+/// files that the publisher has signed to the desktop's installer. It loads one feed or file at a
+/// time; a cycle is a check and everything that follows from it.
 class AppcastUpdater final : public Updater {
 public:
-    /// As `openPackage`.
+    /// Same as `openPackage`.
     using PackageInstaller = std::function<Subscription(
         const std::filesystem::path& package,
         std::function<void(const std::optional<std::string>& error)> opened)>;
 
     struct Places {
         std::filesystem::path memory;    ///< a file
-        std::filesystem::path downloads; ///< a folder for nothing else
+        std::filesystem::path downloads; ///< a folder with no other use
     };
 
     AppcastUpdater(RunLoop& runLoop, UrlSession& urlSession, const Bundle& bundle,
@@ -85,15 +85,15 @@ private:
     std::optional<Ed25519PublicKey> publicKey_;
     DidFinishUpdateCycle didFinishUpdateCycle_;
 
-    // Of the present cycle.
+    // For the current cycle.
     bool isUserInitiated_ = false;
-    bool isInstalling_ = false; ///< the user has said so
+    bool isInstalling_ = false; ///< at the user's request
     std::string feed_;
     AppcastItem offered_;
     std::optional<UpdateFile> file_;
 
-    AppcastItem downloaded_;        ///< by this process, and verified
-    std::string handedOverVersion_; ///< that waits for the next start, most probably
+    AppcastItem downloaded_;        ///< downloaded by this process, and verified
+    std::string handedOverVersion_; ///< probably installed and waiting for the next start
 
     Timer timer_;
     Deferred begin_;

@@ -68,7 +68,7 @@ bool Ed25519Verification::isValid() {
                 wideS.begin());
     const auto s = reduced(wideS);
     if (!std::equal(s.begin(), s.end(), wideS.begin())) {
-        return false; // else there would be a second signature of every message
+        return false; // otherwise every message would have a second valid signature
     }
     Point sB{};
     Point hA{};

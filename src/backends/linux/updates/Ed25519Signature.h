@@ -11,13 +11,13 @@ namespace nocta {
 using Ed25519PublicKey = std::array<unsigned char, 32>;
 using Ed25519Signature = std::array<unsigned char, 64>;
 
-/// From Base64. None for a point that no honest key is.
+/// Decodes Base64. Nothing for a point that cannot be an honest key.
 std::optional<Ed25519PublicKey> ed25519PublicKey(std::string_view base64);
-/// From Base64.
+/// Decodes Base64.
 std::optional<Ed25519Signature> ed25519Signature(std::string_view base64);
 
-/// Checks the signature of a message that is too long to be held. RFC 8032, section 5.1.7, where
-/// the message is hashed once and in order; without the cofactor, as libsodium's own check.
+/// Checks the signature of a message that is too long for memory. RFC 8032, section 5.1.7, where
+/// the message is hashed once and in order; without the cofactor, like libsodium's own check.
 ///
 ///     Ed25519Verification verification(key, signature);
 ///     verification.update(piece); // for each

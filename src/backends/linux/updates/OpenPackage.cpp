@@ -9,12 +9,12 @@ namespace nocta {
 
 namespace {
 
-/// An opener that still runs goes on: it may be the installer itself.
+/// Lets a running opener go on: it may be the installer itself.
 struct Later {
     void operator()(QProcess* opener) const {
         opener->disconnect();
         if (opener->state() == QProcess::NotRunning) {
-            opener->deleteLater(); // it may be what calls
+            opener->deleteLater(); // this may run inside its signal
         } else {
             QObject::connect(opener, &QProcess::finished, opener, &QObject::deleteLater);
         }
@@ -36,7 +36,7 @@ Subscription openPackage(const std::filesystem::path& package,
                      });
     QObject::connect(opener.get(), &QProcess::errorOccurred, opener.get(),
                      [finish](QProcess::ProcessError error) {
-                         if (error == QProcess::FailedToStart) { // all else ends with its finish
+                         if (error == QProcess::FailedToStart) { // `finished` follows all others
                              finish(false);
                          }
                      });

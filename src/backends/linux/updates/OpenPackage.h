@@ -9,9 +9,9 @@
 
 namespace nocta {
 
-/// Opens a package with the program that the desktop has for such. `opened` is called from the run
-/// loop with why that failed, or with nothing once it was handed over, unless what is returned has
-/// gone.
+/// Opens a package with the desktop's default program for it. Calls `opened` from the run loop,
+/// with the error, or with nothing once the program has taken the package. Canceling the returned
+/// subscription prevents the call.
 Subscription openPackage(const std::filesystem::path& package,
                          std::function<void(const std::optional<std::string>& error)> opened);
 

@@ -12,7 +12,7 @@ namespace nocta {
 
 namespace {
 
-constexpr qsizetype maxMarkupLength = 1 << 18; // characters; the rest is not looked at
+constexpr qsizetype maxMarkupLength = 1 << 18; // characters; the rest is ignored
 constexpr qsizetype maxNotesLength = 1 << 14;
 constexpr qsizetype maxReferenceLength = 10;
 
@@ -40,7 +40,7 @@ bool contains(const List& list, QStringView name) {
         list, [name](QStringView known) { return name.compare(known, Qt::CaseInsensitive) == 0; });
 }
 
-/// What stands between & and ;.
+/// Decodes the text between & and ;.
 std::optional<char32_t> referenced(QStringView reference) {
     if (reference.startsWith(u'#')) {
         const auto isHex = reference.startsWith(u"#x", Qt::CaseInsensitive);
@@ -54,8 +54,7 @@ std::optional<char32_t> referenced(QStringView reference) {
     return found == namedCharacters.end() ? std::nullopt : std::optional(found->character);
 }
 
-/// One walk through the markup; what is malformed is taken for text. The toolkit's own reader takes
-/// half a minute for 16 KiB of nested elements, and a feed may send that.
+/// Reads the markup in one pass; malformed markup counts as text.
 class HtmlText {
 public:
     explicit HtmlText(QStringView html) : rest_(html) {}
@@ -77,7 +76,7 @@ public:
 private:
     void add(QChar character) {
         if (silent_.isEmpty()) {
-            text_ += character.isSpace() ? QChar(u' ') : character; // lines are made by elements
+            text_ += character.isSpace() ? QChar(u' ') : character; // only elements start new lines
         }
     }
 
@@ -127,11 +126,11 @@ private:
     }
 
     QStringView rest_;
-    QStringView silent_; ///< the element whose text is not for people
+    QStringView silent_; ///< the element whose text is skipped
     QString text_;
 };
 
-/// Control and format characters, among them those that turn the direction of what follows.
+/// Control and format characters, including those that change the text direction.
 bool isHidden(char32_t character) {
     switch (QChar::category(character)) {
     case QChar::Other_Control:
@@ -145,7 +144,7 @@ bool isHidden(char32_t character) {
     }
 }
 
-/// Lines without blanks at their ends, and one empty line at most between two.
+/// Trims the lines and leaves at most one empty line between two.
 QString tidy(const QString& text) {
     QString lines;
     int newLines = 0;

@@ -8,8 +8,8 @@ namespace nocta {
 
 enum class NotesFormat { html, plainText };
 
-/// What a feed says of a release, as text to be read: no markup, nothing that is loaded or can be
-/// clicked, no characters that hide or turn around others, and no more than anybody reads. UTF-8.
+/// The release notes of a feed as plain text to be shown: no markup, nothing that loads or can be
+/// clicked, no characters that hide or reverse others, and no more than anybody reads. UTF-8.
 std::string releaseNotes(const QString& text, NotesFormat format);
 
 } // namespace nocta

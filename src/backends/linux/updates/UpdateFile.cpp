@@ -13,7 +13,7 @@ UpdateFile::UpdateFile(const std::filesystem::path& file, std::int64_t length,
     std::error_code error;
     createPrivateFolders(file.parent_path());
     std::filesystem::permissions(file.parent_path(), std::filesystem::perms::owner_all, error);
-    static_cast<void>(part_.open()); // `add` looks whether it is open
+    static_cast<void>(part_.open()); // `add` checks whether it is open
 }
 
 std::optional<std::string> UpdateFile::add(std::string_view piece) {

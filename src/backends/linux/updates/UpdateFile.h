@@ -12,11 +12,12 @@
 
 namespace nocta {
 
-/// A file that comes from the network in pieces. It has its name only once it is known to be what
-/// the publisher has signed; else nothing of it stays. Several may come under the same name.
+/// A file that arrives from the network in pieces. It gets its final name only after its signature
+/// has been verified; otherwise nothing of it stays. Several may use the same name, one after the
+/// other.
 class UpdateFile {
 public:
-    /// `length` in bytes, as the feed says. The folder is made for this user alone.
+    /// `length` is in bytes, according to the feed. The folder is created for this user only.
     UpdateFile(const std::filesystem::path& file, std::int64_t length, const Ed25519PublicKey& key,
                const Ed25519Signature& signature);
     UpdateFile(const UpdateFile&) = delete;
@@ -33,7 +34,7 @@ private:
     std::optional<std::string> cannotWrite();
 
     std::filesystem::path file_;
-    QTemporaryFile part_; ///< that no other process writes to
+    QTemporaryFile part_; ///< no other process writes to it
     std::int64_t length_;
     std::int64_t received_ = 0;
     Ed25519Verification verification_;

@@ -9,21 +9,21 @@
 
 namespace nocta {
 
-/// What the updater remembers between two runs.
+/// What the updater remembers between runs.
 struct UpdaterRecord {
-    std::optional<bool> checksAutomatically{}; ///< none until the user has decided
+    std::optional<bool> checksAutomatically{}; ///< empty until the user has decided
     bool downloadsAutomatically = false;
-    std::optional<WallTime> lastCheck{}; ///< that was answered, in whole seconds
+    std::optional<WallTime> lastCheck{}; ///< the last check that got an answer, in whole seconds
     std::string skippedVersion{};
 
     bool operator==(const UpdaterRecord&) const = default;
 };
 
-/// What is of the wrong type or cannot be read counts as not there.
+/// A value that is missing, unreadable or of the wrong type gets its default.
 UpdaterRecord parseUpdaterRecord(std::string_view json);
 std::string serialized(const UpdaterRecord& record);
 
-/// The record in a file of its own. One that cannot be written is kept in memory.
+/// The record in a file of its own. If it cannot be written, it stays in memory.
 class UpdaterMemory {
 public:
     explicit UpdaterMemory(std::filesystem::path file);
@@ -37,7 +37,7 @@ public:
         change(record_);
         keep();
     }
-    /// So that there is one from now on.
+    /// Saves the record, so that there is one from now on.
     void keep();
 
 private:

@@ -6,7 +6,7 @@ namespace nocta {
 
 namespace {
 
-// Not those of the locale.
+// Independent of the locale.
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
@@ -15,13 +15,13 @@ bool isLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-/// A number without its leading zeros, or a word. Nothing stands for zero.
+/// A number without its leading zeros, or a word. An empty text means zero.
 struct Part {
     std::string_view text;
     bool isWord = false;
 };
 
-/// Takes the first part away. Nothing is left when none was.
+/// Removes and returns the first part. Returns an empty part when nothing is left.
 Part takePart(std::string_view& version) {
     version.remove_prefix(static_cast<std::size_t>(
         std::ranges::find_if(version, [](char c) { return isDigit(c) || isLetter(c); }) -

@@ -13,12 +13,12 @@ namespace {
 
 constexpr std::string_view propertyOfOutputs = "CTM";
 
-/// None where no output of the server has such a property.
+/// XCB_ATOM_NONE if no output of the server has such a property.
 xcb_atom_t matrixAtom(xcb_connection_t* connection) {
     return internAtom(connection, propertyOfOutputs, true);
 }
 
-/// One record after the other: the output, and its matrix.
+/// One record after the other: the output and its matrix.
 RootProperty property(xcb_connection_t* connection, xcb_window_t root) {
     return {connection, root, "_NOCTA_FACTORY_MATRICES"};
 }

@@ -7,14 +7,15 @@ namespace nocta {
 
 namespace {
 
-// One record after the other: the CRTC, the size, and size levels each of red, green and blue.
+// One record after the other: the CRTC, the size, and then `size` levels each of red, green and
+// blue.
 constexpr std::size_t headerLength = 2;
 
 RootProperty property(xcb_connection_t* connection, xcb_window_t root) {
     return {connection, root, "_NOCTA_FACTORY_RAMPS"};
 }
 
-/// 0 where the server has no such CRTC.
+/// 0 if the server has no such CRTC.
 std::size_t sizeOf(xcb_connection_t* connection, xcb_randr_crtc_t crtc) {
     const XcbReply<xcb_randr_get_crtc_gamma_size_reply_t> reply(xcb_randr_get_crtc_gamma_size_reply(
         connection, xcb_randr_get_crtc_gamma_size(connection, crtc), nullptr));

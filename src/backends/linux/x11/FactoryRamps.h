@@ -11,17 +11,17 @@ namespace nocta {
 /// The ramps that an X server's CRTCs had before Nocta wrote to them, by CRTC.
 using FactoryRamps = std::map<xcb_randr_crtc_t, GammaRamp>;
 
-// They are kept on the server itself for as long as they are not in force: whatever dies, the next
-// Nocta or guardian of that server finds them. Each function sends its requests and flushes
-// nothing, except that reading waits for the answer.
+// The ramps are kept on the server itself while Nocta's own ramps are set: no matter which process
+// dies, the next Nocta or guardian of that server finds them. Each function sends its requests
+// without flushing; only reading waits for the answer.
 
-/// What is kept, without what does not fit its CRTC.
+/// The stored ramps, except those whose size does not match their CRTC.
 FactoryRamps readFactoryRamps(xcb_connection_t* connection, xcb_window_t root);
 
-/// Keeps these and no others, at once for whoever reads them.
+/// Replaces the stored ramps. Later readers see the new ones at once.
 void storeFactoryRamps(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps);
 
-/// Writes all of them to their CRTCs and keeps them no more.
+/// Writes all of them to their CRTCs and removes the stored ones.
 void restore(xcb_connection_t* connection, xcb_window_t root, const FactoryRamps& ramps);
 
 } // namespace nocta

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// A CRTC's gamma ramp: 16-bit output levels, one list a channel, all of one size.
+/// A CRTC's gamma ramp: 16-bit output levels, one list per channel, all of the same size.
 struct GammaRamp {
     std::vector<std::uint16_t> red;
     std::vector<std::uint16_t> green;
@@ -15,14 +15,15 @@ struct GammaRamp {
 
     std::size_t size() const { return red.size(); }
 
-    /// Whether tables can be laid over this ramp: a ramp that is all zero, as a fresh server may
-    /// have it, or that falls somewhere, is no calibration.
+    /// Whether tables can be laid over this ramp. A ramp that is all zero, as on a fresh server, or
+    /// that decreases anywhere, is not a calibration.
     bool isCalibration() const;
 };
 
-/// One channel of a transfer table laid over a calibration: the calibration evaluated at what the
-/// table gives, resampled to `size` entries. Both are read as evenly spaced points joined by
-/// straight lines; the table's levels are limited to 0.0–1.0. An empty calibration is the identity.
+/// Lays one channel of a transfer table over a calibration: evaluates the calibration at the
+/// table's levels and resamples the result to `size` entries. Both are evenly spaced points joined
+/// by straight lines; the table's levels are limited to 0.0–1.0. An empty calibration is the
+/// identity.
 std::vector<std::uint16_t> laidOver(std::span<const float> table,
                                     std::span<const std::uint16_t> calibration, std::size_t size);
 

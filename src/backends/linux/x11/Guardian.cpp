@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto programName = "nocta-guardian";
-constexpr auto answerTimeout = 15s; // above what the helper itself waits for others
+constexpr auto answerTimeout = 15s; // longer than the helper itself waits for another guardian
 constexpr int maxReplacements = 3;  // without a pause
 constexpr auto replacementPause = 5s;
 
@@ -54,10 +54,10 @@ void Guardian::dismiss(const void* writer) {
     if (permission_ == Permission::granted) {
         helper_.kill();
     }
-    wake(); // one that has not answered yet gives back what a Nocta has left that died
+    wake(); // a helper that has not answered yet restores what a dead Nocta left
 }
 
-/// Leaves the helper to what it does when this process ends.
+/// Lets the helper run on without us: it then does what it does when this process dies.
 void Guardian::wake() {
     timeout_.invalidate();
     pause_.invalidate();
@@ -87,7 +87,7 @@ void Guardian::receive() {
     answer(length == 1 ? byte : '\0');
 }
 
-/// What the helper says; another byte where it has ended or says nothing.
+/// Handles the helper's answer. Any other byte means that the helper has exited or did not answer.
 void Guardian::answer(char byte) {
     timeout_.invalidate();
     if (byte == static_cast<char>(GuardianAnswer::ready)) {
@@ -110,7 +110,7 @@ void Guardian::answer(char byte) {
 
 void Guardian::replace() {
     if (!connection_.synchronize()) {
-        return; // the server has gone, and the helper after it
+        return; // the server is gone, and so is the helper
     }
     const auto now = runLoop_.monotonicNow();
     if (now - std::exchange(lastDeath_, now) >= replacementPause) {
@@ -131,7 +131,7 @@ void Guardian::change(Permission permission) {
     }
 }
 
-/// Says once what is wrong with the helper.
+/// Reports once what is wrong with the helper.
 void Guardian::complain(const char* before, const char* after) {
     if (!std::exchange(hasComplained_, true)) {
         std::cerr << "nocta: " << before << HelperProcess::path(programName) << after
@@ -139,12 +139,12 @@ void Guardian::complain(const char* before, const char* after) {
     }
 }
 
-/// The window of the guardian that works on this display; none if none does.
+/// The window of the guardian that runs on this display, or XCB_NONE.
 xcb_window_t Guardian::owner() {
     return connection_.ownerOf(connection_.atom(guardianSelection));
 }
 
-/// False once another Nocta has taken the display over because the helper was frozen.
+/// False once another Nocta has taken over the display because the helper was frozen.
 bool Guardian::isInControl() {
     const auto window = owner();
     return permission_ == Permission::granted && (window == XCB_NONE || window == helperWindow_);

@@ -10,45 +10,47 @@
 
 namespace nocta {
 
-/// The process that gives the screen back when this one dies without doing so. An X server keeps
-/// gamma ramps and colour matrices after the client that wrote them has gone, whatever killed it;
-/// so a small helper process is started before the first write, and it gives back what there was
-/// before if its socket closes while it lives. A helper that dies is replaced: at once, and if it
-/// keeps dying after a pause or at the next write. Nobody waits for a helper in a call; it may have
-/// to see first what becomes of an earlier one, of a Nocta that has died.
+/// The process that gives the screen back if this one dies without doing so. An X server keeps
+/// gamma ramps and color matrices after the client that wrote them is gone, no matter how it ended.
+/// So Nocta starts a small helper process before the first write; if the helper's socket closes
+/// while it lives, it restores what was there before. If the helper dies, it is replaced: at once,
+/// and if it keeps dying, after a pause or at the next write. No call waits for the helper to get
+/// ready, because the helper may have to wait for the guardian of a Nocta that has died.
 class Guardian {
 public:
     enum class Permission {
         pending, ///< the helper has not answered yet
         granted,
-        refused, ///< another Nocta that is alive controls the display
+        refused, ///< another running Nocta controls the display
     };
 
-    /// `connection` is the one that writes.
+    /// `connection` is the one that the writes use.
     Guardian(X11Connection& connection, RunLoop& runLoop)
         : connection_(connection), runLoop_(runLoop) {}
     Guardian(const Guardian&) = delete;
     Guardian& operator=(const Guardian&) = delete;
     ~Guardian() { wake(); }
 
-    /// To be called by everyone who is about to write: starts the helper unless it runs. A helper
-    /// that cannot be started is reported on standard error, and the display stays unguarded.
+    /// Every writer calls this before it writes: it starts the helper unless one is running. If the
+    /// helper cannot be started, that is reported on standard error, and the display stays
+    /// unguarded.
     Permission request(const void* writer);
 
-    /// Calls back when the permission has changed.
+    /// Calls back when the permission changes.
     Subscription observe(std::function<void(const Permission&)> callback) {
         return changed_.add(std::move(callback));
     }
 
-    /// To be called by everyone who has requested: calls `restore`, which gives back what he has
-    /// written, unless another Nocta has taken the display over. After the last one the helper ends
-    /// without a deed, and if the server could not be reached, it is left to it.
+    /// Every writer that has called `request` ends with this: it calls `restore`, which restores
+    /// what the writer has changed, unless another Nocta has taken over the display. After the last
+    /// writer the helper exits without doing anything; if the server could not be reached,
+    /// restoring is left to the helper.
     void restore(const void* writer, const std::function<void()>& restore);
 
-    /// To be called by everyone who has requested and written nothing.
+    /// For a writer that has called `request` and written nothing.
     void dismiss(const void* writer);
 
-    /// Whether a helper runs that has not answered yet.
+    /// Whether a helper is running that has not answered yet.
     bool isStarting() const { return timeout_.isValid(); }
 
 private:
@@ -67,7 +69,7 @@ private:
     Permission permission_ = Permission::pending;
     std::set<const void*> writers_;
     CallbackList<Permission> changed_;
-    xcb_window_t helperWindow_ = XCB_NONE; ///< of the last helper that was ready
+    xcb_window_t helperWindow_ = XCB_NONE; ///< the window of the last helper that was ready
     int replacements_ = 0;                 ///< without a pause
     MonotonicTime lastDeath_;
     bool hasComplained_ = false;

@@ -1,7 +1,7 @@
-// nocta-guardian: gives the gamma ramps and colour matrices that an X server's displays had back
-// when the Nocta that started it has died. It is started by Nocta alone and speaks
-// `GuardianProtocol.h` on its standard input. It keeps no more than one connection to the X server,
-// so that it costs a few hundred kilobytes.
+// nocta-guardian: restores the gamma ramps and color matrices of an X server's displays when the
+// Nocta that started it has died. Only Nocta starts it; they talk over its standard input as
+// described in `GuardianProtocol.h`. It has just one connection to the X server, so that it costs
+// only a few hundred kilobytes.
 
 #include "backends/linux/process/HelperProtocol.h"
 #include "backends/linux/x11/ColorMatrices.h"
@@ -25,10 +25,10 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int program = STDIN_FILENO;
 
-/// How long another guardian may take to answer; above what giving the screen back takes.
+/// How long another guardian may take to answer; longer than restoring the screen takes.
 constexpr auto answerTimeout = std::chrono::milliseconds(5000);
 
-/// How long one that answers may stay: its Nocta may be dying.
+/// How long a guardian that answers may stay: its Nocta may be dying.
 constexpr auto predecessorTimeout = std::chrono::milliseconds(2500);
 
 constexpr auto lastRequestsTimeout = std::chrono::milliseconds(1000);
@@ -37,9 +37,9 @@ xcb_connection_t* x = nullptr;
 xcb_window_t root = XCB_NONE;
 xcb_atom_t selection = XCB_ATOM_NONE;
 xcb_window_t ownWindow = XCB_NONE;     // owns the selection
-xcb_window_t programWindow = XCB_NONE; // none once the server has destroyed it
-bool programLives = true;              // as far as its socket tells
-bool predecessorLives = false;         // it has answered
+xcb_window_t programWindow = XCB_NONE; // XCB_NONE once the server has destroyed it
+bool programLives = true;              // according to its socket
+bool predecessorLives = false;         // the other guardian has answered
 
 [[noreturn]] void end(int status) {
     if (x != nullptr) {
@@ -48,7 +48,7 @@ bool predecessorLives = false;         // it has answered
     std::_Exit(status);
 }
 
-/// Asks for a window's structure events; false where it is gone already.
+/// Selects a window's structure events. Returns false if the window is gone already.
 bool watch(xcb_window_t window) {
     std::uint32_t const structure = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     auto* const error = xcb_request_check(
@@ -74,7 +74,7 @@ void connect(xcb_window_t window) {
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
 }
 
-/// A message to another guardian: a question with our window, an answer without.
+/// Sends a message to another guardian: a question contains our window, an answer contains none.
 void send(xcb_window_t guardian, xcb_window_t asking) {
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
@@ -99,8 +99,8 @@ void receive(const xcb_client_message_event_t& message) {
     }
 }
 
-/// Takes note of what has happened and tells whether anything has. Without a server there is no
-/// screen to give back, and without the selection it is another guardian's.
+/// Handles all pending events and returns whether there were any. Exits if the server is gone, as
+/// there is no screen to restore, or if another guardian has taken the selection.
 bool readEvents() {
     bool any = false;
     while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(x)}) {
@@ -126,8 +126,8 @@ bool readEvents() {
     return any;
 }
 
-/// Waits until the server has something to say, or, if asked to listen, until Nocta has gone.
-/// False then, and at the deadline.
+/// Waits for an event from the server or, if `listen` is set, for the end of Nocta. Returns false
+/// if Nocta has ended or the deadline has passed.
 bool waitForServer(Clock::time_point deadline, bool listen) {
     xcb_flush(x);
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
@@ -147,23 +147,23 @@ xcb_window_t selectionOwner() {
     return reply->owner;
 }
 
-/// Becomes the owner of the guardians' selection where it has none, or still the given one. Tells
-/// who had it.
+/// Takes the guardians' selection if nobody owns it or `frozen` still does. Returns the previous
+/// owner.
 xcb_window_t takeSelection(xcb_window_t frozen) {
-    xcb_grab_server(x); // nobody else may take the selection between looking and taking
+    xcb_grab_server(x); // nobody else may take the selection between the check and the change
     const auto owner = selectionOwner();
     if (owner == XCB_NONE || owner == frozen) {
         xcb_set_selection_owner(x, ownWindow, selection, XCB_CURRENT_TIME);
     } else {
-        watch(owner); // its end is an event to wait for
+        watch(owner); // we then get an event when it exits
     }
     xcb_ungrab_server(x);
     xcb_flush(x);
     return owner;
 }
 
-/// Becomes the owner after an earlier one has gone, or if that is frozen. False when it stays, and
-/// when Nocta goes first.
+/// Takes the selection after the previous owner is gone, or if that owner is frozen. Returns false
+/// if the owner stays, or if Nocta exits first.
 bool takeOver() {
     xcb_window_t asked = XCB_NONE;
     xcb_window_t frozen = XCB_NONE;
@@ -204,7 +204,7 @@ int main(int argumentCount, char** arguments) {
     if (!isOfHelperProtocol(argumentCount, arguments)) {
         return otherProtocolStatus;
     }
-    // Whoever ends the session ends Nocta too, and this process is there for what happens then.
+    // The signals that end a session end Nocta too, and this process must survive to handle that.
     for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
         std::signal(signal, SIG_IGN);
     }
@@ -212,7 +212,7 @@ int main(int argumentCount, char** arguments) {
 
     GuardianHello hello{};
     if (read(program, &hello, sizeof hello) != sizeof hello) {
-        return EXIT_SUCCESS; // Nocta died before it had said a word
+        return EXIT_SUCCESS; // Nocta died before it sent anything
     }
     connect(hello.window);
     const auto answer = takeOver() ? GuardianAnswer::ready : GuardianAnswer::refused;
@@ -220,19 +220,19 @@ int main(int argumentCount, char** arguments) {
     if (answer == GuardianAnswer::refused) {
         end(EXIT_SUCCESS);
     }
-    if (isRead) { // else an earlier Nocta may have left something to give back all the same
+    if (isRead) { // otherwise an earlier Nocta may still have left something to restore
         waitForEndOfProgram();
     }
     programLives = false;
-    // What Nocta had still sent before it died must not be served after the screen is given back.
+    // The server must process Nocta's last requests before we restore the screen, not after.
     const auto deadline = Clock::now() + lastRequestsTimeout;
     while (readEvents() || (programWindow != XCB_NONE && waitForServer(deadline, false))) {
     }
     if (selectionOwner() != ownWindow) {
-        end(EXIT_SUCCESS); // this process was frozen, and the screen is another Nocta's
+        end(EXIT_SUCCESS); // this process was frozen, and another Nocta has the screen now
     }
     restore(x, root, readFactoryRamps(x, root));
     restore(x, root, readFactoryMatrices(x, root));
-    std::free(xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr)); // wait for it
+    std::free(xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr)); // wait for the server
     end(EXIT_SUCCESS);
 }

@@ -21,7 +21,7 @@ std::string nameOf(const std::filesystem::path& process) {
     return name;
 }
 
-/// Empty where the process has no such variable, or is another user's.
+/// Empty if the process has no such variable or belongs to another user.
 std::string displayOf(const std::filesystem::path& process) {
     constexpr std::string_view name = "DISPLAY=";
     std::ifstream file(process / "environ");

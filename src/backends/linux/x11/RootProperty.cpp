@@ -6,15 +6,15 @@ namespace nocta {
 
 namespace {
 
-// The property: the version, the checksum, and the numbers, 32 bits each.
-constexpr std::uint32_t version = 1; // of the numbers' meaning too
+// The property contains the version, the checksum and the numbers, 32 bits each.
+constexpr std::uint32_t version = 1; // also changes with the meaning of the numbers
 constexpr std::size_t headerLength = 2;
 constexpr std::uint8_t format = 32;
 
-/// In numbers: more than all the displays of a server can need.
+/// In numbers; more than all displays of a server can need.
 constexpr std::uint32_t maxLength = 1U << 22;
 
-/// The 32-bit FNV-1a hash of the numbers' bytes, the lowest byte of each first.
+/// The 32-bit FNV-1a hash of the numbers' bytes, lowest byte of each first.
 std::uint32_t checksumOf(std::span<const std::uint32_t> numbers) {
     std::uint32_t hash = 0x811c9dc5;
     for (const auto number : numbers) {

@@ -9,18 +9,18 @@
 
 namespace nocta {
 
-/// A list of numbers that is kept on an X server itself, in a property of a root window, so that it
-/// outlives whoever wrote it. Any client may write to such a property, so a version and a checksum
-/// go with the numbers, and what does not fit them is not read. Each function sends its requests
-/// and flushes nothing, except that reading waits for the answer.
+/// A list of numbers that is kept on the X server itself, in a property of a root window, so that
+/// it outlives the process that wrote it. Any client may write to such a property, so it contains a
+/// version and a checksum, and `read` ignores a property that does not match them. Each function
+/// sends its requests without flushing; only reading waits for the answer.
 class RootProperty {
 public:
     RootProperty(xcb_connection_t* connection, xcb_window_t root, std::string_view name);
 
-    /// What `write` has kept; empty where there is nothing, or something else.
+    /// The numbers that `write` stored; empty if there are none or the property is invalid.
     std::vector<std::uint32_t> read() const;
 
-    /// Replaces all of it. No numbers remove the property.
+    /// Replaces all numbers. An empty list removes the property.
     void write(std::span<const std::uint32_t> numbers) const;
 
 private:

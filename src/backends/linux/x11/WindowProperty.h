@@ -11,12 +11,12 @@
 
 namespace nocta {
 
-/// A property of another client's window, asked for when this is made and waited for when it is
-/// read, which is to be done once; several may be asked for first. A window that has gone has no
-/// properties, and one of another type than expected counts as missing.
+/// A property of another client's window. The constructor sends the request, and reading waits for
+/// the reply, so several requests can be sent before the first wait. Read it exactly once. A window
+/// that is gone has no properties, and a property of an unexpected type counts as missing.
 class WindowProperty {
 public:
-    /// `length` bounds what is read, in units of 32 bits.
+    /// `length` is the most that is read, in units of 32 bits.
     WindowProperty(const X11Connection& connection, xcb_window_t window, xcb_atom_t property,
                    xcb_atom_t type, std::uint32_t length)
         : connection_(connection), type_(type),
@@ -32,7 +32,7 @@ public:
         return std::vector(numbers, numbers + reply->value_len);
     }
 
-    /// The texts in it, each of which ends with a null character or the property.
+    /// The strings in it, separated by null characters.
     std::vector<std::string> texts() const {
         const auto reply = answer();
         if (!reply || reply->format != 8) {

@@ -49,7 +49,7 @@ std::optional<RunningApplication> X11Applications::applicationOf(xcb_window_t wi
     }
 
     ApplicationIdentity identity;
-    identity.windowClass = textAt(windowClass.texts(), 1); // after the instance
+    identity.windowClass = textAt(windowClass.texts(), 1); // the first text is the instance
     const auto title = textAt(name.texts(), 0);
     for (const auto& desktopFile : desktopFiles) {
         const auto text = textAt(desktopFile.texts(), 0);
@@ -64,8 +64,8 @@ std::optional<RunningApplication> X11Applications::applicationOf(xcb_window_t wi
     return application == RunningApplication{} ? std::nullopt : std::optional(application);
 }
 
-/// The process whose connection made a window, as the server knows it, or 0. What a window says
-/// itself is numbered by the sandbox that its program may be in.
+/// The process whose connection created a window, according to the server, or 0. The process ID
+/// that a window reports itself may be a number inside a sandbox.
 std::uint32_t X11Applications::processOf(xcb_window_t window) const {
     constexpr std::uint32_t wanted = XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID;
     if (!knowsProcesses_) {

@@ -27,11 +27,11 @@ private:
     std::filesystem::path processes_;
     xcb_atom_t wmName_ = connection_.atom("_NET_WM_NAME");
     xcb_atom_t utf8String_ = connection_.atom("UTF8_STRING");
-    /// The property that names the desktop file; each toolkit has its own.
+    /// The name of the desktop file; each toolkit uses a property of its own.
     std::array<xcb_atom_t, 3> desktopFile_ = {connection_.atom("_GTK_APPLICATION_ID"),
                                               connection_.atom("_KDE_NET_WM_DESKTOP_FILE"),
                                               connection_.atom("_BAMF_DESKTOP_FILE")};
-    bool knowsProcesses_ = false; ///< whether the server knows the process of a window
+    bool knowsProcesses_ = false; ///< the server can report which process created a window
 };
 
 } // namespace nocta

@@ -16,7 +16,7 @@ X11ColorMatrixFilter::X11ColorMatrixFilter(X11Connection& connection, X11Display
                                               }
                                           })),
       permission_(guardian.observe([this](Guardian::Permission permission) { take(permission); })) {
-    // What a Nocta has left gray that died together with its guardian.
+    // Restores what an earlier Nocta left gray when it died together with its guardian.
     if (!readFactoryMatrices(connection_.get(), connection_.root()).empty()) {
         isWaiting_ = true;
         take(guardian_.request(this));
@@ -55,7 +55,7 @@ void X11ColorMatrixFilter::setOn(bool on) {
     }
 }
 
-/// Does what waits for the permission to write, once that is known.
+/// Carries out what was waiting for the permission to write, once the permission is known.
 void X11ColorMatrixFilter::take(Guardian::Permission permission) {
     if (permission == Guardian::Permission::pending) {
         return;

@@ -12,9 +12,10 @@
 
 namespace nocta {
 
-/// Gray by the colour transformation matrices of the outputs, which graphics drivers apply before
-/// the gamma ramps, so that dimming and warmth stay. A display that is plugged in while the filter
-/// is on turns gray as well; one whose driver has no matrix keeps its colours.
+/// Turns the screen gray with the color transformation matrices of the outputs, which graphics
+/// drivers apply before the gamma ramps, so that dimming and warmth stay. A display that is plugged
+/// in while the filter is on turns gray as well. A display whose driver has no matrix keeps its
+/// colors.
 class X11ColorMatrixFilter final : public GrayscaleFilter {
 public:
     X11ColorMatrixFilter(X11Connection& connection, X11Displays& displays,
@@ -43,8 +44,8 @@ private:
     X11Connection& connection_;
     X11Displays& displays_;
     Guardian& guardian_;
-    bool isOurs_ = false;    ///< the screen is to be gray by this filter
-    bool isWaiting_ = false; ///< the guardian has yet to permit that, or what undoes it
+    bool isOurs_ = false;    ///< this filter should make the screen gray
+    bool isWaiting_ = false; ///< turning gray, or restoring, waits for the guardian's permission
     Subscription screens_;
     Subscription permission_;
 };

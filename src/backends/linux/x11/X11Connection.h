@@ -16,9 +16,9 @@
 
 namespace nocta {
 
-/// Nocta's own connection to the X server, apart from the toolkit's. Requests are gathered and
-/// flushed once at the end of the run-loop turn; errors that the server reports later are absorbed.
-/// A server that goes away is told once to `onLost`; from then on every request does nothing.
+/// Nocta's own connection to the X server, separate from Qt's. Requests are queued and flushed once
+/// at the end of the run-loop turn; errors that the server reports later are ignored. If the server
+/// goes away, `onLost` is called once; from then on every request does nothing.
 class X11Connection {
 public:
     using Event = xcb_generic_event_t;
@@ -33,16 +33,16 @@ public:
     xcb_connection_t* get() const { return connection_; }
     xcb_window_t root() const { return screen_ == nullptr ? XCB_NONE : screen_->root; }
 
-    /// An input-only window that lives exactly as long as the server serves this connection.
+    /// An input-only window that exists exactly as long as the server serves this connection.
     xcb_window_t window() const { return window_; }
 
     int screenNumber() const { return screenNumber_; }
 
-    /// Lets `observeEvents` hear of these events of the root window as well. A client has one event
-    /// mask on a window, so nobody else may set that of the root.
+    /// Also reports these events of the root window to `observeEvents`. A client has only one event
+    /// mask per window, so no other code may set the mask of the root window.
     void selectRootEvents(std::uint32_t mask);
 
-    /// None where the server has no atom of that name.
+    /// XCB_ATOM_NONE if the server has no atom of that name.
     xcb_atom_t existingAtom(std::string_view name) const {
         return internAtom(connection_, name, true);
     }
@@ -53,22 +53,22 @@ public:
     xcb_window_t ownerOf(xcb_atom_t selection);
     bool isOwned(xcb_atom_t selection) { return ownerOf(selection) != XCB_NONE; }
 
-    /// Whether a compositor mixes the windows, so that a part of one can be seen through.
+    /// Whether a compositor is running, so that windows can be translucent.
     bool isComposited() { return isOwned(atom("_NET_WM_CM_S" + std::to_string(screenNumber_))); }
 
     Subscription observeEvents(std::function<void(const Event&)> callback) {
         return observers_.add(std::move(callback));
     }
 
-    /// To be called after requests without reply and after waiting for replies: flushes, and
-    /// delivers the events that came with replies, at the end of the run-loop turn.
+    /// Call this after sending requests without a reply and after waiting for replies. At the end
+    /// of the run-loop turn it flushes, and delivers the events that arrived with the replies.
     void finishTurn() { finishTurn_.request(); }
 
-    /// Flushes and returns when the server has done everything it was asked; false where it has
+    /// Flushes, and returns once the server has processed every request; false if the server is
     /// gone.
     bool synchronize();
 
-    /// Delivers the events of everything that has happened on the server so far.
+    /// Delivers the events for everything that has happened on the server so far.
     void catchUp();
 
     std::function<void()> onLost;

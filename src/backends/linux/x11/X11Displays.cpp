@@ -57,7 +57,7 @@ X11Displays::X11Displays(X11Connection& connection, RunLoop& runLoop,
         auto const type = event.response_type & 0x7f;
         if (type == firstEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
             type == firstEvent_ + XCB_RANDR_NOTIFY) {
-            refresh_.request(); // one change sends several
+            refresh_.request(); // one change sends several events
         }
     });
     connection_.finishTurn();
@@ -151,7 +151,7 @@ std::vector<X11Displays::Output> X11Displays::readOutputs() const {
         const XcbReply<xcb_randr_get_output_info_reply_t> info(
             xcb_randr_get_output_info_reply(x, infoRequests[i], nullptr));
         if (!info || info->crtc == XCB_NONE) {
-            continue; // gone meanwhile, or showing nothing
+            continue; // unplugged in the meantime, or off
         }
         const auto name = nameOf(*info);
         outputs.push_back({.id = ids[i],
@@ -176,7 +176,7 @@ std::vector<X11Displays::Output> X11Displays::readOutputs() const {
     return outputs;
 }
 
-/// Some drivers name a laptop's panel like any other output, and tell by a property what it is.
+/// Some drivers name a laptop's panel like any other output, and mark it with a property.
 bool X11Displays::isPanel(xcb_randr_output_t output) const {
     auto* const x = connection_.get();
     const auto property = connection_.existingAtom("ConnectorType");

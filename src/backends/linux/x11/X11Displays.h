@@ -14,10 +14,10 @@
 
 namespace nocta {
 
-/// The outputs of an X server that have a CRTC, by RandR. A display's id is its output's XID, the
-/// primary output is the main display, and a connector of type eDP, LVDS or DSI is built in, as is
-/// one that the server calls a panel. The list is read anew when the server says that it has
-/// changed, never by polling.
+/// The outputs of an X server that have a CRTC, from RandR. A display's ID is its output's XID, and
+/// the primary output is the main display. A connector of type eDP, LVDS or DSI is built in, and so
+/// is an output that the server calls a panel. The list is reread when the server reports a change;
+/// nothing polls.
 class X11Displays final : public Displays {
 public:
     X11Displays(X11Connection& connection, RunLoop& runLoop,
@@ -29,17 +29,17 @@ public:
     bool displayIsBuiltin(DisplayId display) override;
     std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) override;
 
-    /// All of the list, for the other parts of this backend.
+    /// The IDs of all displays, for the other parts of this backend.
     std::vector<DisplayId> ids() const;
 
-    /// The name of a display's output, which RandR gives after the connector: "eDP-1", "HDMI-2".
+    /// The name of a display's output, which RandR takes from the connector: "eDP-1", "HDMI-2".
     std::string outputName(DisplayId display) const;
 
     /// The CRTC that drives a display, or none.
     xcb_randr_crtc_t crtcOf(DisplayId display) const;
 
-    /// True where the server only imitates RandR, as one inside a Wayland session does: its gamma
-    /// ramps can be written and show nothing.
+    /// Whether the server only emulates RandR, as one inside a Wayland session does: its gamma
+    /// ramps can be written but have no effect.
     bool isEmulation() const;
 
 private:

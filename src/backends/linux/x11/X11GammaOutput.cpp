@@ -14,7 +14,7 @@ namespace nocta {
 
 namespace {
 
-/// Drivers may keep a level in as few as 8 bits.
+/// Drivers may store a level in as few as 8 bits.
 constexpr int maxRounding = 256;
 
 bool isSame(const GammaRamp& a, const GammaRamp& b) {
@@ -26,7 +26,7 @@ bool isSame(const GammaRamp& a, const GammaRamp& b) {
            std::ranges::equal(a.blue, b.blue, isClose);
 }
 
-/// None where the CRTC has gone.
+/// Nothing if the CRTC is gone.
 std::optional<GammaRamp> readRamp(xcb_connection_t* connection, xcb_randr_crtc_t crtc) {
     const XcbReply<xcb_randr_get_crtc_gamma_reply_t> reply(xcb_randr_get_crtc_gamma_reply(
         connection, xcb_randr_get_crtc_gamma(connection, crtc), nullptr));
@@ -81,14 +81,15 @@ void X11GammaOutput::displayRestoreColorSyncSettings() {
     }
     guardian_.restore(this, [this] {
         for (const auto& [id, crtc] : crtcs_) {
-            find(id); // a display may have been calibrated that nothing was written to since
+            find(id); // a display may have been recalibrated since the last write to it
         }
         restore(connection_.get(), connection_.root(), factoryRamps());
     });
     crtcs_.clear();
 }
 
-/// Writes what waits for the permission, or drops all that was said of a display that is another's.
+/// Writes the tables that were waiting for the permission, or forgets everything about the displays
+/// if another Nocta controls them.
 void X11GammaOutput::take(Guardian::Permission permission) {
     const auto waiting = std::exchange(waiting_, {});
     if (permission == Guardian::Permission::refused) {
@@ -137,7 +138,8 @@ void X11GammaOutput::send(xcb_randr_crtc_t id, const GammaRamp& ramp) {
     connection_.finishTurn();
 }
 
-/// Finds, before the first write, what a Nocta has left that died together with its guardian.
+/// Before the first write, loads what an earlier Nocta left when it died together with its
+/// guardian.
 void X11GammaOutput::arm() {
     if (std::exchange(isArmed_, true)) {
         return;
@@ -145,15 +147,15 @@ void X11GammaOutput::arm() {
     for (auto& [id, ramp] : readFactoryRamps(connection_.get(), connection_.root())) {
         crtcs_[id].setFactory(std::move(ramp));
     }
-    storeFactoryRamps(connection_.get(), connection_.root(), factoryRamps()); // and nothing else
+    storeFactoryRamps(connection_.get(), connection_.root(), factoryRamps()); // removes others
     const auto* const display = std::getenv("DISPLAY");
     for (const auto& name : otherGammaPrograms(display == nullptr ? "" : display)) {
-        std::cerr << "nocta: " << name << " sets the gamma of this display too; end one of the two"
-                  << std::endl;
+        std::cerr << "nocta: " << name
+                  << " also sets the gamma of this display; quit one of the two" << std::endl;
     }
 }
 
-/// The CRTC with its factory ramp as it is now; null where that cannot be read.
+/// The CRTC with its current factory ramp; null if the ramp cannot be read.
 X11GammaOutput::Crtc* X11GammaOutput::find(xcb_randr_crtc_t id) {
     const auto known = crtcs_.find(id);
     if (known != crtcs_.end() && !mayBeCalibratedAnew(id, known->second)) {
@@ -187,7 +189,7 @@ FactoryRamps X11GammaOutput::factoryRamps() const {
     return ramps;
 }
 
-/// Takes note of CRTCs that are switched off.
+/// Remembers CRTCs that were switched off.
 void X11GammaOutput::watch(const X11Connection::Event& event) {
     const auto* const randr = xcb_get_extension_data(connection_.get(), &xcb_randr_id);
     if (randr == nullptr || (event.response_type & 0x7f) != randr->first_event + XCB_RANDR_NOTIFY) {

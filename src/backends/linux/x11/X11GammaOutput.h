@@ -14,12 +14,12 @@
 namespace nocta {
 
 /// The gamma ramps of the CRTCs that drive the displays. Each CRTC's factory ramp is read before
-/// the first write to it and kept on the server; tables are laid over it as over a calibration, and
-/// it is what the screen is given back as, by this process or, if that dies, by its guardian. A
-/// CRTC that was off or drives another display may have been calibrated anew: its ramp is read
-/// again before the next write. The newest tables of a display wait until the guardian is ready. No
-/// other write waits for the server, and equal tables are written too: that heals a display which
-/// was reset by someone else, of which no event tells.
+/// the first write to it and kept on the server. Tables are laid over it as over a calibration, and
+/// it is what the screen is restored to, by this process or, if this process dies, by its guardian.
+/// A CRTC that was off or now drives another display may have been recalibrated: its ramp is read
+/// again before the next write. Until the guardian is ready, only the newest tables of each display
+/// are kept. Apart from these cases no write waits for the server. Equal tables are written too:
+/// this repairs a display that another program has reset, which no event reports.
 class X11GammaOutput final : public GammaOutput {
 public:
     X11GammaOutput(X11Connection& connection, X11Displays& displays, Guardian& guardian);
@@ -33,17 +33,17 @@ public:
                                      std::span<const float> blue) override;
     void displayRestoreColorSyncSettings() override;
 
-    /// Sends the last ramps once more, as drivers may lose them while the machine sleeps: to those
-    /// displays that have been on all the time and whose ramps are in force.
+    /// Sends the last ramps once more, because drivers may lose them while the machine sleeps.
+    /// Skips displays that have been off or have moved to another CRTC since.
     void sendAgain();
 
 private:
     struct Crtc {
         GammaRamp factory;
-        bool isCalibration = false; ///< the factory ramp is one
+        bool isCalibration = false; ///< the factory ramp is a calibration
         GammaRamp written;          ///< the last ramp; empty before the first
-        DisplayId display = 0;      ///< that it was written for
-        bool wasOff = false;        ///< since then
+        DisplayId display = 0;      ///< the display that it was written for
+        bool wasOff = false;        ///< off since the last write
 
         void setFactory(GammaRamp ramp) {
             isCalibration = ramp.isCalibration();

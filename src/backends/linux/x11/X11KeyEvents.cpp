@@ -3,7 +3,7 @@
 #include <xcb/xcb_keysyms.h>
 #include <xcb/xinput.h>
 
-// A header of C with a field that is called `explicit`.
+// This C header has a field named `explicit`.
 #ifdef __clang__
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wkeyword-macro"
@@ -45,7 +45,7 @@ X11KeyEvents::X11KeyEvents(X11Connection& connection, RunLoop& runLoop)
             ? xcb_input_xi_query_version_reply(x, xcb_input_xi_query_version(x, 2, 2), nullptr)
             : nullptr);
     if (!version || version->major_version < 2) {
-        std::cerr << "nocta: this X server has no XInput 2; brightness keys are not heard"
+        std::cerr << "nocta: this X server has no XInput 2; brightness keys do not work"
                   << std::endl;
         return;
     }
@@ -76,7 +76,7 @@ Subscription X11KeyEvents::createKeyDownTap(std::function<void(const KeyDownEven
 void X11KeyEvents::handle(const X11Connection::Event& event) {
     const auto type = event.response_type & 0x7f;
     if (type == XCB_MAPPING_NOTIFY || type == firstKeyboardEvent_) {
-        mappingIsRead_ = false; // until a key is pressed
+        mappingIsRead_ = false; // reread at the next key press
     } else if (type == XCB_GE_GENERIC) {
         const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
         if (raw.extension != inputExtension_) {
@@ -91,8 +91,8 @@ void X11KeyEvents::handle(const X11Connection::Event& event) {
     }
 }
 
-/// Our time at which a key was pressed, however late its event is read: the server's clock, which
-/// wraps around, says how long that was after the key before.
+/// The time on our clock at which a key was pressed, even if its event is read late: the server's
+/// clock, which wraps around, gives the time since the previous key.
 MonotonicTime X11KeyEvents::timeOf(std::uint32_t serverTime) {
     const auto now = runLoop_.monotonicNow();
     const auto sinceLast = std::chrono::milliseconds(serverTime - lastServerTime_);
@@ -101,7 +101,7 @@ MonotonicTime X11KeyEvents::timeOf(std::uint32_t serverTime) {
 }
 
 void X11KeyEvents::press(xcb_keycode_t code) {
-    repeat_.invalidate(); // any other key ends a repeat, as on the keyboard itself
+    repeat_.invalidate(); // any other key ends a repeat, as the keyboard's own repeat does
     if (!std::exchange(mappingIsRead_, true)) {
         readMapping();
     }
@@ -144,8 +144,8 @@ void X11KeyEvents::repeatWhileHeld(std::int64_t keyCode) {
                   });
 }
 
-/// Asks the keyboard extension, which knows the pace of repeats, to tell of changes of the mapping:
-/// to a client that uses it the server says so in no other way.
+/// Asks XKB, which also knows the repeat rate, to report changes of the mapping: the server reports
+/// them in no other way to a client that uses XKB.
 void X11KeyEvents::followKeyboard() {
     auto* const x = connection_.get();
     const auto* const extension = xcb_get_extension_data(x, &xcb_xkb_id);

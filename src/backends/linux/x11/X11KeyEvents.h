@@ -13,10 +13,11 @@
 
 namespace nocta {
 
-/// The brightness keys, heard through raw XInput 2 events on the root window: without a grab,
-/// whichever client has the focus or a grab of its own. Each becomes what it is elsewhere, a
-/// system-defined event and a key-down; of other keys it notes only when they were pressed. Raw
-/// events do not repeat while a key is held, so this repeats them, at the keyboard's own pace.
+/// The brightness keys, from raw XInput 2 events on the root window. It needs no grab, and works
+/// whichever client has the focus or a grab of its own. Each key press becomes a system-defined
+/// event and a key-down event, as on other platforms; for other keys only the time of the press is
+/// kept. Raw events do not repeat while a key is held, so this class repeats them, at the
+/// keyboard's own rate.
 class X11KeyEvents final : public KeyEvents {
 public:
     X11KeyEvents(X11Connection& connection, RunLoop& runLoop);
@@ -25,14 +26,14 @@ public:
         std::function<void(const SystemDefinedEvent&)> handler) override;
     Subscription createKeyDownTap(std::function<void(const KeyDownEvent&)> handler) override;
 
-    /// What is typed, in any window. Without XInput 2 nothing is.
+    /// When keys were typed, in any window. Never, without XInput 2.
     const Typing& typing() const { return typing_; }
 
 private:
     struct BrightnessKey {
         xcb_keysym_t symbol;
         std::int64_t keyCode;
-        std::vector<xcb_keycode_t> codes; ///< the keyboard's own, as it is mapped now
+        std::vector<xcb_keycode_t> codes; ///< the physical keys in the current mapping
     };
 
     void handle(const X11Connection::Event& event);
@@ -46,14 +47,14 @@ private:
 
     X11Connection& connection_;
     RunLoop& runLoop_;
-    std::uint8_t inputExtension_ = 0; ///< the major opcode; 0 where the server has no XInput 2
+    std::uint8_t inputExtension_ = 0; ///< the major opcode; 0 if the server has no XInput 2
     std::vector<BrightnessKey> keys_;
-    std::uint8_t firstKeyboardEvent_ = 0; ///< of the XKB extension; 0 where the server has none
+    std::uint8_t firstKeyboardEvent_ = 0; ///< of the XKB extension; 0 if the server has none
     bool mappingIsRead_ = false;
     CallbackList<SystemDefinedEvent> monitors_;
     CallbackList<KeyDownEvent> taps_;
     Typing typing_;
-    std::uint32_t lastServerTime_ = 0; ///< milliseconds, of the key that was pressed last
+    std::uint32_t lastServerTime_ = 0; ///< milliseconds, of the last key press
     Subscription events_;
     xcb_keycode_t heldCode_ = 0;
     Timer repeat_;

@@ -10,13 +10,13 @@ namespace nocta {
 
 namespace {
 
-// Bounds of what is read of a property, in units of 32 bits.
+// The most that is read of a property, in units of 32 bits.
 constexpr std::uint32_t maxWindows = 1024;
 constexpr std::uint32_t maxAtoms = 64;
 
 constexpr std::uint32_t onEveryDesktop = 0xFFFFFFFF;
 
-/// Two windows of one application may differ in everything but its identifier.
+/// Two windows of one application may differ in everything but the identifier.
 bool isSame(const std::optional<RunningApplication>& one,
             const std::optional<RunningApplication>& other) {
     return one && other && one->bundleIdentifier ? one->bundleIdentifier == other->bundleIdentifier
@@ -35,7 +35,7 @@ double overlap(const Rect& one, const Rect& other) {
     return std::max(width, 0.0) * std::max(height, 0.0);
 }
 
-/// What tells whether a window is on screen and how large it is, asked for at once.
+/// Pending requests for a window's visibility and size, sent together.
 struct WindowRequest {
     xcb_get_window_attributes_cookie_t attributes;
     xcb_get_geometry_cookie_t geometry;
@@ -61,7 +61,7 @@ X11Workspace::X11Workspace(X11Connection& connection, X11Displays& displays, Run
         const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
         if (change.window == connection_.root() &&
             (change.atom == atoms_.activeWindow || change.atom == atoms_.supportingWmCheck)) {
-            noticeActivation_.request(); // one change is often told several times
+            noticeActivation_.request(); // one change is often reported several times
         }
     });
     frontmost_ = frontmostApplication();
@@ -139,8 +139,8 @@ void X11Workspace::noticeActivation() {
     }
 }
 
-/// What the window manager says on the root window; none where none is running, as one that was
-/// killed leaves its words behind.
+/// What the window manager reports on the root window. Nothing if none is running, because a window
+/// manager that was killed leaves its properties behind.
 std::optional<std::vector<xcb_window_t>> X11Workspace::managedWindows(xcb_atom_t property,
                                                                       std::uint32_t most) const {
     const WindowProperty wanted(connection_, connection_.root(), property, XCB_ATOM_WINDOW, most);
@@ -161,7 +161,7 @@ xcb_window_t X11Workspace::activeWindow() const {
     return !windows || windows->empty() ? xcb_window_t{XCB_NONE} : windows->front();
 }
 
-/// On the root window; empty for none.
+/// In root coordinates; empty if there is no window.
 Rect X11Workspace::frameOf(xcb_window_t window) const {
     if (window == XCB_NONE) {
         return {};
@@ -180,7 +180,7 @@ Rect X11Workspace::frameOf(xcb_window_t window) const {
             static_cast<double>(geometry->width), static_cast<double>(geometry->height)};
 }
 
-/// The main display's first.
+/// The main display comes first.
 std::vector<Rect> X11Workspace::screenFrames() const {
     auto ids = displays_.ids();
     std::stable_partition(ids.begin(), ids.end(),

@@ -15,12 +15,12 @@
 
 namespace nocta {
 
-/// The applications of an X11 session, as its window manager tells of them by EWMH. Everything is
-/// read when it is asked for and nothing is polled. Where no window manager runs nothing is in
-/// front, and no windows can be listed.
+/// The applications of an X11 session, as its window manager reports them through EWMH. Everything
+/// is read on demand and nothing polls. Without a window manager there is no frontmost application,
+/// and windows cannot be listed.
 class X11Workspace final : public Workspace {
 public:
-    /// `processes` is where the kernel shows the processes of the system.
+    /// `processes` is the folder where the kernel lists the processes of the system.
     X11Workspace(X11Connection& connection, X11Displays& displays, RunLoop& runLoop,
                  std::function<bool()> shouldReduceMotion,
                  std::filesystem::path processes = "/proc");
@@ -58,7 +58,7 @@ private:
     std::function<bool()> shouldReduceMotion_;
     X11Applications applications_;
     Atoms atoms_{connection_};
-    std::optional<RunningApplication> frontmost_; ///< as it was told last
+    std::optional<RunningApplication> frontmost_; ///< as last reported
     CallbackList<std::optional<RunningApplication>> activated_;
     Deferred noticeActivation_;
     Subscription events_;

@@ -5,12 +5,12 @@
 
 namespace nocta {
 
-/// Releases what xcb handed out.
+/// Frees memory that xcb has allocated.
 struct FreeDeleter {
     void operator()(void* memory) const { std::free(memory); }
 };
 
-/// A reply, event or error that xcb handed out; null where there was none.
+/// A reply, event or error from xcb; null if there was none.
 template <class Reply>
 using XcbReply = std::unique_ptr<Reply, FreeDeleter>;
 

@@ -18,16 +18,16 @@
 
 namespace nocta {
 
-/// A view of the face for a native window or popover. Qt's own native view is inside a plain one:
-/// Qt would take over the window whose content view it is, and change its sizes and its buttons.
+/// A Qt view for a native window or popover. Qt's own native view is inside a plain one: Qt would
+/// take over a window whose content view it is, and change its sizes and its buttons.
 class HostedView : QObject {
 public:
     enum class Kind {
-        window, ///< painted as the desktop paints its windows; scrolls where the screen is too low
-        clear   ///< whatever is behind shows through
+        window, ///< painted like the desktop's windows; scrolls if the screen is too small
+        clear   ///< shows what is behind it
     };
 
-    /// `least` is the least size of the content, in points.
+    /// `least` is the minimum size of the content, in points.
     HostedView(std::unique_ptr<View> content, NSSize least, Kind kind)
         : contentWidget_(*static_cast<QWidget*>(content->nativeView())),
           scroller_(kind == Kind::window ? std::make_unique<Scroller>(contentWidget_) : nullptr),
@@ -36,7 +36,7 @@ public:
         contentWidget_.setMinimumSize(contentWidget_.minimumSize().expandedTo(
             QSize(qRound(least.width), qRound(least.height))));
         contentWidget_.installEventFilter(this);
-        widget_.setWindowFlags(Qt::SubWindow); // a native view alone, without a window of Qt's
+        widget_.setWindowFlags(Qt::SubWindow); // only a native view, without a window of Qt
         widget_.setAttribute(Qt::WA_TranslucentBackground, kind == Kind::clear);
         const NSSize size = fittingSize();
         container_ =
@@ -46,15 +46,15 @@ public:
         qtView().frame = container_.bounds; // showing it may have moved it
     }
 
-    /// The container stays with its window; Qt destroys only what is Qt's.
+    /// The container stays with its window; Qt destroys only its own view.
     ~HostedView() override { [qtView() removeFromSuperview]; }
 
     NSView* view() const { return container_; }
 
-    /// Called whenever the content may need another size, and when its colors have changed.
+    /// Called whenever the content may need another size or its colors have changed.
     std::function<void()> contentChanged;
 
-    /// What the content needs, in points.
+    /// The size that the content needs, in points.
     NSSize fittingSize() const {
         auto size = widget_.minimumSizeHint().expandedTo(widget_.minimumSize());
         if (widget_.hasHeightForWidth()) {
@@ -63,7 +63,7 @@ public:
         return NSMakeSize(size.width(), size.height());
     }
 
-    /// Gives the content the keyboard of the window that it is in.
+    /// Gives the content the keyboard focus in its window.
     void makeFirstResponder() const { [container_.window makeFirstResponder:qtView()]; }
 
 protected:
@@ -84,7 +84,7 @@ private:
     std::unique_ptr<Scroller> scroller_;
     QWidget& widget_; ///< the outermost
     NoctaContainerView* container_ = nil;
-    std::unique_ptr<View> content_; // goes before what scrolls it
+    std::unique_ptr<View> content_; // destroyed before its scroller
 };
 
 } // namespace nocta

@@ -2,8 +2,8 @@
 
 @implementation NoctaContainerView
 
-/// Not by an autoresizing mask, which adds what changed: Qt gives its view another size as well
-/// when the content grows.
+/// Not with an autoresizing mask, which adds the difference: Qt also resizes its view when the
+/// content grows.
 - (void)setFrameSize:(NSSize)size {
     [super setFrameSize:size];
     for (NSView* view in self.subviews) {

@@ -27,7 +27,7 @@ public:
                                                 backing:NSBackingStoreBuffered
                                                   defer:NO]),
           close_(runLoop, std::move(onClose)) {
-        window_.releasedWhenClosed = NO; // it is owned here
+        window_.releasedWhenClosed = NO; // this object owns it
         window_.title = translated(style.title);
         window_.level = static_cast<NSWindowLevel>(style.level);
         window_.contentView = content_.view();
@@ -42,11 +42,11 @@ public:
     MacAppWindow(const MacAppWindow&) = delete;
     MacAppWindow& operator=(const MacAppWindow&) = delete;
     ~MacAppWindow() override {
-        willClose_.cancel(); // this is not the user
+        willClose_.cancel(); // the user did not close it
         [window_ close];
     }
 
-    /// Ordering a window to the front leaves it in the Dock where it was minimized.
+    /// Ordering a minimized window to the front would leave it in the Dock.
     void makeKeyAndOrderFront() override {
         if (window_.miniaturized) {
             [window_ deminiaturize:nil];
@@ -57,16 +57,16 @@ public:
     void orderFrontRegardless() override { [window_ orderFrontRegardless]; }
 
 private:
-    /// The title bar stays where it is, where there is room below.
+    /// The title bar stays where it is if there is space below.
     void fitContent() {
         const NSSize size = content_.fittingSize();
         const NSRect old = window_.frame;
         NSRect frame = [window_ frameRectForContentRect:NSMakeRect(0, 0, size.width, size.height)];
         if (NSEqualSizes(frame.size, old.size)) {
-            return; // else a window that the user has put partly off the screen would move
+            return; // otherwise a window that the user has moved partly off the screen would move
         }
         frame.origin = NSMakePoint(old.origin.x, NSMaxY(old) - frame.size.height);
-        if (NSScreen* const screen = window_.screen) { // none while it is not on one
+        if (NSScreen* const screen = window_.screen) { // nil while it is on no screen
             frame.origin.y = std::max(frame.origin.y, NSMinY(screen.visibleFrame));
         }
         [window_ setFrame:frame display:YES];

@@ -13,25 +13,25 @@
 
 @interface NoctaApplicationDelegate : NSObject <NSApplicationDelegate> {
 @public
-    nocta::ApplicationDelegate* receiver; // not owned; null when it has been told of the end
+    nocta::ApplicationDelegate* receiver; // not owned; null after it has been notified of the end
 }
 - (void)showPreferencesWindow:(id)sender;
 @end
 
 namespace nocta {
 
-/// NSApplication, served by Qt's event loop, which is NSApplication's own. Qt puts a delegate of
-/// its own in front of the one that it finds, and passes on to it what the system tells.
+/// NSApplication on Qt's event loop, which is NSApplication's own. Qt installs its own delegate in
+/// front of the existing one, and forwards the system's calls to that.
 class MacApplication final : public Application {
 public:
     explicit MacApplication(RunLoop& runLoop) : runLoop_(runLoop) {
         NSApplication.sharedApplication.delegate = delegate_;
-        // As Info.plist says; a program without its bundle may not show windows otherwise.
+        // Same as in Info.plist; otherwise a program without its bundle may not show windows.
         [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
-        // Qt would bring a program that starts in the menu bar in front of the user's work.
+        // Qt would bring a program that starts in the menu bar to the front of the user's work.
         qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
         for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-            std::signal(number, SIG_IGN); // the source hears it all the same
+            std::signal(number, SIG_IGN); // the dispatch source receives it anyway
             signals_.push_back(dispatch_source_create(DISPATCH_SOURCE_TYPE_SIGNAL,
                                                       static_cast<uintptr_t>(number), 0,
                                                       dispatch_get_main_queue()));
@@ -42,8 +42,8 @@ public:
         }
     }
 
-    /// AppKit ends the process itself; should Qt's loop end, the program is told as well. The menu
-    /// replaces the one that Qt has made, in which the item for the preferences does nothing.
+    /// AppKit ends the process itself; if Qt's loop ends, the program is notified as well. The menu
+    /// replaces the one that Qt has made, whose item for the preferences does nothing.
     int run(ApplicationDelegate& delegate) override {
         delegate_->receiver = &delegate;
         NSApp.mainMenu = makeMainMenu(delegate_);
@@ -61,9 +61,10 @@ public:
 private:
     RunLoop& runLoop_;
     std::vector<dispatch_source_t> signals_;
-    NoctaApplicationDelegate* delegate_ = [[NoctaApplicationDelegate alloc] init]; // else unowned
-    /// Held for life. Else App Nap slows the timers of a program without visible windows down to
-    /// one tick in many seconds, and breaks would come hours late. The machine may still sleep.
+    NoctaApplicationDelegate* delegate_ = [[NoctaApplicationDelegate alloc] init]; // retained
+    /// Held for the life of the process. Otherwise App Nap slows the timers of a program without
+    /// visible windows to one tick in many seconds, and breaks would come hours late. The machine
+    /// may still sleep.
     id<NSObject> activity_ = [NSProcessInfo.processInfo
         beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
                           reason:@"Breaks and the color of the screen keep to the time"];

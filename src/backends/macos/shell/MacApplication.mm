@@ -1,6 +1,6 @@
 #include "backends/macos/shell/MacApplication.h"
 
-// None of these reaches a receiver that has been told of the end.
+// Nothing is forwarded after the receiver has been notified of the end.
 @implementation NoctaApplicationDelegate
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {
@@ -14,7 +14,7 @@
     if (receiver != nullptr) {
         receiver->applicationDidReopen();
     }
-    return NO; // there is nothing that AppKit should open
+    return NO; // AppKit has nothing to open
 }
 
 - (void)showPreferencesWindow:(id)sender {
@@ -23,13 +23,13 @@
     }
 }
 
-/// At once. Qt would refuse first and then leave its event loop, and the refusal would end a logout
-/// that is under way.
+/// Ends at once. Qt would refuse first and then leave its event loop, and the refusal would cancel
+/// a logout in progress.
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender {
     return NSTerminateNow;
 }
 
-/// The process exits after it.
+/// The process exits after this call.
 - (void)applicationWillTerminate:(NSNotification*)notification {
     if (nocta::ApplicationDelegate* const told = std::exchange(receiver, nullptr)) {
         told->applicationWillTerminate();

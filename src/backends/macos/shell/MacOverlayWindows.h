@@ -14,7 +14,8 @@
 #include <memory>
 #include <utility>
 
-/// Takes the keyboard without becoming the main window; a borderless window would take neither.
+/// Becomes the key window without becoming the main window; a borderless window would become
+/// neither.
 @interface HostingOverlayWindow : NSWindow
 @end
 
@@ -31,7 +32,7 @@ public:
                         styleMask:NSWindowStyleMaskBorderless
                           backing:NSBackingStoreBuffered
                             defer:NO]) {
-        window_.releasedWhenClosed = NO; // it is owned here
+        window_.releasedWhenClosed = NO; // this object owns it
         window_.level = static_cast<NSWindowLevel>(style.level);
         window_.opaque = NO;
         window_.backgroundColor = NSColor.clearColor;
@@ -65,7 +66,7 @@ public:
     void animateAlpha(double target, Duration duration, TimingFunction curve,
                       std::function<void()> completion) override {
         fade_ = std::make_shared<std::function<void()>>(std::move(completion));
-        const std::weak_ptr fade(fade_); // gone when it was replaced, or with the window
+        const std::weak_ptr fade(fade_); // expires when it is replaced, or with the window
         NSWindow* const window = window_;
         const CAMediaTimingFunctionName name = curve == TimingFunction::easeIn
                                                    ? kCAMediaTimingFunctionEaseIn
@@ -95,7 +96,7 @@ class MacOverlayWindows final : public OverlayWindows {
 public:
     explicit MacOverlayWindows(RunLoop& runLoop) : previousApplication_(runLoop) {}
 
-    /// Their frames are in AppKit's coordinates, in which windows are placed.
+    /// The frames are in AppKit's coordinates, which place windows.
     std::vector<Screen> screens() override {
         std::vector<Screen> screens;
         for (NSScreen* screen in NSScreen.screens) {
@@ -114,9 +115,9 @@ public:
                                                   previousApplication_);
     }
 
-    /// The monitor is added when the windows have come. Events are stamped by the clock of
-    /// systemUptime, and so is what was typed before. What the system answers where no key was
-    /// pressed since the login is not documented.
+    /// The monitor is added once the windows are shown. Event times use the clock of systemUptime,
+    /// and so does the time of the last key before that. The system does not document what it
+    /// returns if no key was pressed since the login.
     Subscription
     addLocalMonitorForKeyDown(std::function<bool(const KeyDownEvent&)> handler) override {
         const NSTimeInterval shownSince = NSProcessInfo.processInfo.systemUptime;

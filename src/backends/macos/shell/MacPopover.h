@@ -11,15 +11,15 @@
 
 namespace nocta {
 
-/// The popover below the status item. It is shown without making Nocta the active program, so that
-/// a meeting in front stays in front; the other way, to activate Nocta first, would end it. AppKit
-/// does not say which interactions close a transient popover, least of all that of a program that
-/// is not active, so two that must close it are watched here while it is shown.
+/// The popover below the status item. It opens without making Nocta the active program, so that a
+/// meeting in front stays in front; activating Nocta first would change that. AppKit does not
+/// document which interactions close a transient popover, especially for an inactive program, so
+/// two that must close it are watched here while it is shown.
 class MacPopover final : public Popover {
 public:
     explicit MacPopover(RunLoop& runLoop)
         : dropContent_(runLoop, [this] {
-              if (!isShown()) { // it may be open again by now
+              if (!isShown()) { // it may have been reopened by now
                   setContentView(nullptr);
               }
           }) {}
@@ -37,9 +37,9 @@ public:
     }
     void setAnimates(bool animates) override { popover_.animates = animates; }
 
-    /// Content that needs more than the size that was set makes the popover grow, then and later.
+    /// Content that needs more than the set size makes the popover grow, now and later.
     void setContentView(std::unique_ptr<View> view) override {
-        const auto old = std::exchange(content_, nullptr); // goes after its controller
+        const auto old = std::exchange(content_, nullptr); // destroyed after its controller
         if (view == nullptr) {
             popover_.contentViewController = nil;
             return;
@@ -53,7 +53,7 @@ public:
         content_->contentChanged = [this] { fitContent(); };
     }
 
-    /// A button in the menu bar has its popover below.
+    /// The popover of a button in the menu bar is below it.
     void show(StatusItem& relativeTo) override {
         NSStatusBarButton* const button = static_cast<MacStatusItem&>(relativeTo).button();
         if (button == nil || content_ == nullptr) {
@@ -69,16 +69,17 @@ public:
     bool isShown() const override { return popover_.shown; }
 
 private:
-    /// The menu bar is as light or dark as what is behind it, and a popover takes its appearance
-    /// from where it hangs; but Qt draws the content in the colors of the program's appearance.
+    /// The menu bar is light or dark depending on what is behind it, and a popover takes its
+    /// appearance from its anchor; but Qt draws the content in the colors of the program's
+    /// appearance.
     void fitContent() {
         popover_.appearance = NSApp.effectiveAppearance;
         popover_.contentSize = content_->fittingSize();
     }
 
-    /// Another window of this program, and a click in another program, for example in its item in
-    /// the menu bar, of which AppKit tells nobody else. On some systems a click on the program's
-    /// own item is seen here too; it is the item's action that closes the popover then.
+    /// Watches for another window of this program, and for a click in another program, for example
+    /// on its item in the menu bar, which AppKit does not report otherwise. On some systems a click
+    /// on the program's own item arrives here too; then the item's action closes the popover.
     void watch(NSWindow* item) {
         didBecomeKey_ =
             observe(NSNotificationCenter.defaultCenter, NSWindowDidBecomeKeyNotification, nil,
@@ -116,7 +117,7 @@ private:
             didBecomeKey_.cancel();
             clicks_.cancel();
         }
-        dropContent_.request(); // later, as it may be a button of the content that closes
+        dropContent_.request(); // later, because a button in the content may have closed it
     }
 
     NSPopover* popover_ = [[NSPopover alloc] init];

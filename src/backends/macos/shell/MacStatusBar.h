@@ -6,7 +6,7 @@
 #import <AppKit/AppKit.h>
 #include <utility>
 
-/// What a click on the item's button reaches.
+/// Receives clicks on the item's button.
 @interface NoctaStatusItemTarget : NSObject {
 @public
     std::function<void()> action;
@@ -16,7 +16,7 @@
 
 namespace nocta {
 
-/// It has no menu: a click opens the popover, which has all that a menu would have.
+/// It has no menu: a click opens the popover, which contains everything that a menu would.
 class MacStatusItem final : public StatusItem {
 public:
     MacStatusItem() {
@@ -42,7 +42,7 @@ public:
 private:
     NSStatusItem* item_ =
         [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
-    NoctaStatusItemTarget* target_ = [[NoctaStatusItemTarget alloc] init]; // else unowned
+    NoctaStatusItemTarget* target_ = [[NoctaStatusItemTarget alloc] init]; // retained
 };
 
 class MacStatusBar final : public StatusBar {

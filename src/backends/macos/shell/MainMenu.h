@@ -4,8 +4,8 @@
 
 namespace nocta {
 
-/// A program that is not in the Dock shows no menu bar, but the keys of its main menu work while
-/// one of its windows has the keyboard. `target` answers to showPreferencesWindow:.
+/// A program that is not in the Dock shows no menu bar, but the keyboard shortcuts of its main menu
+/// work while one of its windows is key. `target` implements showPreferencesWindow:.
 inline NSMenu* makeMainMenu(id target) {
     NSMenu* const application = [[NSMenu alloc] initWithTitle:@"Nocta"];
     [application addItemWithTitle:@"Settings…"

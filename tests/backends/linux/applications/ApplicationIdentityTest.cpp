@@ -14,7 +14,7 @@
 namespace nocta {
 namespace {
 
-TEST(ApplicationIdentity, ApplicationsThatOtherSystemsHaveTooAreKnownByTheirNamesThere) {
+TEST(ApplicationIdentity, ApplicationsOfOtherSystemsHaveTheSameNameAsThere) {
     struct Case {
         ApplicationIdentity identity;
         std::string bundleIdentifier;
@@ -90,7 +90,7 @@ TEST_F(FlatpakInfoTest, NamesTheApplication) {
               "com.slack.Slack");
 }
 
-TEST_F(FlatpakInfoTest, TellsNothingWhereThereIsNoName) {
+TEST_F(FlatpakInfoTest, IsEmptyWithoutAName) {
     for (const auto* const text :
          {"", "\n\n", "name=a", "[Application]", "[Application]\nname=", "[Application]\nname",
           "[Application]\nname=a b", "[Application]\nname=../../etc", "[Runtime]\nname=a",

@@ -21,7 +21,7 @@ protected:
     }
 };
 
-TEST_F(BacklightDeviceTest, NoneWhereThereIsNoBacklight) {
+TEST_F(BacklightDeviceTest, NothingWithoutABacklight) {
     EXPECT_EQ(of("eDP-1"), "none");
     sysfs.addConnector("card0", "eDP-1");
     EXPECT_EQ(of("eDP-1"), "none");
@@ -57,11 +57,11 @@ TEST_F(BacklightDeviceTest, EachOfTwoPanelsHasTheDeviceOfItsConnector) {
         EXPECT_EQ(of(output), device) << output;
     }
     for (const auto* const output : {"eDP", "eDP-3", "DP-1", ""}) {
-        EXPECT_EQ(of(output), "d") << "the best type where it cannot be told: " << output;
+        EXPECT_EQ(of(output), "d") << "the best type if the connector is unknown: " << output;
     }
 }
 
-TEST_F(BacklightDeviceTest, NameDoesNotMatterWhereOneBuiltInConnectorIsConnected) {
+TEST_F(BacklightDeviceTest, NameDoesNotMatterIfOneBuiltInConnectorIsConnected) {
     sysfs.addConnector("card0", "eDP-1", "disconnected");
     sysfs.addConnector("card0", "DP-1");
     sysfs.addConnector("card1", "eDP-2");
@@ -72,7 +72,7 @@ TEST_F(BacklightDeviceTest, NameDoesNotMatterWhereOneBuiltInConnectorIsConnected
     }
 }
 
-TEST_F(BacklightDeviceTest, DeviceOfItsOwnCardComesBeforeOneOfNoCard) {
+TEST_F(BacklightDeviceTest, DeviceOfItsOwnCardComesBeforeOneWithoutACard) {
     sysfs.addConnector("card0", "eDP-1", "disconnected");
     sysfs.addConnector("card1", "eDP-2");
     sysfs.addBacklight("c-anywhere", "firmware", Sysfs::platform());
@@ -85,7 +85,7 @@ TEST_F(BacklightDeviceTest, DeviceOfItsOwnCardComesBeforeOneOfNoCard) {
     EXPECT_EQ(of("eDP-2"), "z-own-connector");
 }
 
-TEST_F(BacklightDeviceTest, NoneWhereAllLightOthers) {
+TEST_F(BacklightDeviceTest, NothingIfAllDevicesLightOtherDisplays) {
     sysfs.addConnector("card0", "eDP-1");
     sysfs.addConnector("card0", "DSI-1");
     sysfs.addConnector("card1", "HDMI-A-1");

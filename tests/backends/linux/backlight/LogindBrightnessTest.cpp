@@ -12,7 +12,7 @@ namespace {
 
 constexpr auto systemBus = "DBUS_SYSTEM_BUS_ADDRESS";
 
-/// What logind is asked.
+/// Records what logind is asked.
 class Session final : public QDBusVirtualObject {
 public:
     QList<QDBusMessage> calls;
@@ -40,7 +40,7 @@ TEST(LogindBrightness, AsksTheSeatManagerForThisSession) {
     EXPECT_EQ(call.arguments(), (QVariantList{"backlight", "intel_backlight", 10666U}));
 }
 
-TEST(LogindBrightness, NobodyCanBeAskedWhileTheSystemBusIsGone) {
+TEST(LogindBrightness, FailsWhileTheSystemBusIsGone) {
     {
         const PrivateBus bus(systemBus);
         EXPECT_TRUE(setBrightnessThroughLogind("intel_backlight", 1));

@@ -62,7 +62,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Sysfs, BacklightContract, SysfsHarness);
 
 namespace {
 
-TEST(SysfsBacklight, WritesTheFileWhereItMay) {
+TEST(SysfsBacklight, WritesTheFileIfItMay) {
     SysfsHarness harness;
     harness.add("panel", "raw", "19393", "19393");
     EXPECT_EQ(harness.port.setBrightness(harness.builtIn, 0.55F), statusSuccess);
@@ -70,9 +70,9 @@ TEST(SysfsBacklight, WritesTheFileWhereItMay) {
     EXPECT_TRUE(harness.askedOfSession.empty());
 }
 
-TEST(SysfsBacklight, AsksTheSessionWhereTheFileMayNotBeWritten) {
+TEST(SysfsBacklight, AsksTheSessionIfTheFileIsNotWritable) {
     SysfsHarness harness;
-    // A folder in the file's place cannot be opened for writing even by root.
+    // Not even root can open a folder for writing.
     std::filesystem::remove(harness.folder("panel") + "/brightness");
     std::filesystem::create_directory(harness.folder("panel") + "/brightness");
     EXPECT_NE(harness.port.setBrightness(harness.builtIn, 0.1F), statusSuccess);
@@ -91,7 +91,7 @@ TEST(SysfsBacklight, LowLevelOnACoarseDeviceIsNotOff) {
     EXPECT_EQ(std::stoi(harness.level("panel")), 0);
 }
 
-TEST(SysfsBacklight, NonsenseInTheTreeIsAFailure) {
+TEST(SysfsBacklight, InvalidFilesInTheTreeAreAFailure) {
     for (const auto& [largest, current] :
          {std::pair{"", "5"}, std::pair{"0", "0"}, std::pair{"-7", "5"}, std::pair{"100", "dim"},
           std::pair{"99999999999999999999", "5"}}) {

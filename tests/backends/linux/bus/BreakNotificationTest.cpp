@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// The program in a break, and a real notification of it.
+/// The program during a break, with a real notification for it.
 class BreakNotificationTest : public DesktopOnX11 {
 protected:
     PrivateBus bus{"DBUS_SESSION_BUS_ADDRESS"};

@@ -17,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 using State = BusProbe::State;
 
-TEST(BusProbe, BusThatAnswersIsKnown) {
+TEST(BusProbe, BusThatAnswersIsFound) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     BusProbe probe(bus.address());
     EXPECT_EQ(probe.waitFor(10s), State::answered);
@@ -46,7 +46,7 @@ TEST(BusProbe, ErrorIsAnAnswer) {
     EXPECT_TRUE(probe.answer()->isError());
 }
 
-TEST(BusProbe, MuteBusIsLeftWhenTheTimeIsUp) {
+TEST(BusProbe, MuteBusIsGivenUpWhenTheTimeIsUp) {
     for (const auto after :
          {MuteBus::After::accepting, MuteBus::After::authentication, MuteBus::After::hello}) {
         const MuteBus bus(after);
@@ -55,7 +55,7 @@ TEST(BusProbe, MuteBusIsLeftWhenTheTimeIsUp) {
     }
 }
 
-TEST(BusProbe, BusThatAnswersLateIsKnownThen) {
+TEST(BusProbe, BusThatAnswersLateIsFoundThen) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     bus.signal(SIGSTOP);
     BusProbe probe(bus.address());
@@ -72,7 +72,7 @@ TEST(BusProbe, AddressWithoutABusFailsAtOnce) {
     }
 }
 
-TEST(BusProbe, FirstAddressOfAListThatIsThereIsTaken) {
+TEST(BusProbe, FirstWorkingAddressOfAListIsUsed) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     auto escaped = bus.address();
     escaped.replace(escaped.rfind('_'), 1, "%5f");
@@ -81,7 +81,7 @@ TEST(BusProbe, FirstAddressOfAListThatIsThereIsTaken) {
     EXPECT_EQ(probe.address(), escaped + ",guid=0");
 }
 
-TEST(BusProbe, UsualPlaceServesWithoutAnAddress) {
+TEST(BusProbe, DefaultSocketIsUsedWithoutAnAddress) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     const TemporaryFolder folder;
     unsetenv("DBUS_SESSION_BUS_ADDRESS");

@@ -28,7 +28,7 @@ QDBusMessage signalOf(const QString& name) {
     return QDBusMessage::createSignal("/org/freedesktop/Notifications", serviceName, name);
 }
 
-/// The notification service as the test wants it: it notes every call, and answers some, or none.
+/// A notification service for the test: it records every call, and answers some or none.
 class MockService final : public QDBusVirtualObject {
 public:
     explicit MockService(const PrivateBus& bus)
@@ -45,7 +45,7 @@ public:
     bool answers = true;
     bool answersNotify = true;
     unsigned int nextId = 1;
-    int questions = 0; ///< for the capabilities
+    int questions = 0; ///< calls that ask for the capabilities
     std::vector<QVariantList> shown;
 
     void invoke(unsigned int id, const QString& action) {
@@ -104,14 +104,14 @@ protected:
                                          answers.emplace_back(granted, error);
                                      });
     }
-    /// Shows the reminder, and waits until the service has its number for it told.
+    /// Shows the reminder, and returns once the service's ID for it has arrived.
     void show() {
         const auto before = service->shown.size();
         center->add(reminder);
         ASSERT_TRUE(serveUntil([&] { return service->shown.size() == before + 1; }));
         settle();
     }
-    /// What was sent to the service and by the service has been served when this returns.
+    /// Returns once everything sent to or by the service has been handled.
     static void settle() {
         const auto answer = sessionBus().call(
             QDBusMessage::createMethodCall(serviceName, "/org/freedesktop/Notifications",
@@ -135,7 +135,7 @@ protected:
 TEST_F(FreedesktopNotificationsTest, AServiceIsAGrant) {
     makeCenter();
     request();
-    EXPECT_TRUE(answers.empty()) << "it is told from the run loop";
+    EXPECT_TRUE(answers.empty()) << "the answer comes from the run loop";
     ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
     EXPECT_EQ(answers, (std::vector{Answer{true, std::nullopt}}));
 }
@@ -169,10 +169,10 @@ TEST_F(FreedesktopNotificationsTest, WithoutTheBusThereIsNoGrant) {
     ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
     EXPECT_EQ(
         answers,
-        (std::vector{Answer{false, "there is no session bus to reach a notification service by"}}));
+        (std::vector{Answer{false, "there is no session bus to reach a notification service"}}));
 }
 
-TEST_F(FreedesktopNotificationsTest, ABusThatGoesWhileTheServiceThinksIsAnError) {
+TEST_F(FreedesktopNotificationsTest, ABusThatGoesAwayBeforeTheAnswerIsAnError) {
     service->answers = false;
     makeCenter();
     request();
@@ -185,7 +185,7 @@ TEST_F(FreedesktopNotificationsTest, ABusThatGoesWhileTheServiceThinksIsAnError)
     EXPECT_EQ(answers.size(), 1U);
 }
 
-TEST_F(FreedesktopNotificationsTest, AServiceThatDiesWhileItThinksIsAnErrorInOneLine) {
+TEST_F(FreedesktopNotificationsTest, AServiceThatDiesBeforeTheAnswerIsAnErrorInOneLine) {
     service->answers = false;
     makeCenter();
     request();
@@ -249,7 +249,7 @@ TEST_F(FreedesktopNotificationsTest, IsShownAsTheDelegateSays) {
     center->setDelegate(nullptr);
     center->add(reminder);
     settle();
-    EXPECT_EQ(service->questions, 1) << "nobody is asked about what is not shown";
+    EXPECT_EQ(service->questions, 1) << "no question for a notification that is not shown";
     EXPECT_EQ(service->shown.size(), 1U);
 }
 
@@ -264,7 +264,7 @@ TEST_F(FreedesktopNotificationsTest, TheAnswerReachesTheDelegateOnce) {
     EXPECT_EQ(responses, std::vector<std::string>{"LATER"});
 }
 
-TEST_F(FreedesktopNotificationsTest, AnAnswerRightBehindTheNumberIsHeard) {
+TEST_F(FreedesktopNotificationsTest, AnAnswerRightAfterTheIdIsDelivered) {
     service->answersNotify = false;
     makeCenter();
     center->add(reminder);
@@ -275,7 +275,7 @@ TEST_F(FreedesktopNotificationsTest, AnAnswerRightBehindTheNumberIsHeard) {
     EXPECT_EQ(responses, std::vector<std::string>{"LATER"});
 }
 
-TEST_F(FreedesktopNotificationsTest, NotificationsOfOthersAreTheirs) {
+TEST_F(FreedesktopNotificationsTest, NotificationsOfOtherProgramsAreIgnored) {
     makeCenter();
     show();
     service->invoke(2, "LATER");
@@ -296,13 +296,13 @@ TEST_F(FreedesktopNotificationsTest, AClosedOneIsForgotten) {
     EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
 }
 
-TEST_F(FreedesktopNotificationsTest, NobodyButTheServiceCanAnswer) {
+TEST_F(FreedesktopNotificationsTest, OnlyTheServiceCanAnswer) {
     makeCenter();
     show();
     auto intruder =
         QDBusConnection::connectToBus(QString::fromStdString(bus->address()), "an intruder");
     const auto us = sessionBus().baseService();
-    for (const auto& receiver : {QString(), us}) { // to everybody, and to us alone
+    for (const auto& receiver : {QString(), us}) { // broadcast, and to us only
         auto signal =
             receiver.isEmpty()
                 ? signalOf("ActionInvoked")
@@ -310,19 +310,19 @@ TEST_F(FreedesktopNotificationsTest, NobodyButTheServiceCanAnswer) {
                                                      serviceName, "ActionInvoked");
         intruder.send(signal << 1U << "LATER");
     }
-    intruder.interface()->isServiceRegistered(us); // the bus has passed on what came before
+    intruder.interface()->isServiceRegistered(us); // the bus has delivered all earlier messages
     service->invoke(1, "LEAVE_OUT");
     ASSERT_TRUE(waitForResponse());
     EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
     QDBusConnection::disconnectFromBus("an intruder");
 }
 
-TEST_F(FreedesktopNotificationsTest, ANewServiceCountsAnewAndIsNotSentWhatTheOldOneHad) {
+TEST_F(FreedesktopNotificationsTest, ANewServiceHasItsOwnIdsAndIsNotSentOldNotifications) {
     makeCenter();
     show();
     service.reset();
     service.emplace(*bus);
-    service->invoke(1, "LATER"); // somebody else's by now
+    service->invoke(1, "LATER"); // belongs to another program by now
     settle();
     EXPECT_TRUE(responses.empty());
     EXPECT_TRUE(service->shown.empty());
@@ -347,7 +347,7 @@ TEST_F(FreedesktopNotificationsTest, AServiceThatDiesWithANotificationIsNotSentI
     EXPECT_TRUE(service->shown.empty());
 }
 
-TEST_F(FreedesktopNotificationsTest, SignalsOfAnotherShapeAreNotHeard) {
+TEST_F(FreedesktopNotificationsTest, SignalsWithOtherArgumentsAreIgnored) {
     makeCenter();
     show();
     auto bare = signalOf("ActionInvoked") << 1U;
@@ -361,7 +361,7 @@ TEST_F(FreedesktopNotificationsTest, SignalsOfAnotherShapeAreNotHeard) {
     EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
 }
 
-TEST_F(FreedesktopNotificationsTest, NobodyIsToldAnythingOnceItHasGone) {
+TEST_F(FreedesktopNotificationsTest, NothingIsCalledOnceItIsDestroyed) {
     service->answers = false;
     makeCenter();
     request();
@@ -372,13 +372,13 @@ TEST_F(FreedesktopNotificationsTest, NobodyIsToldAnythingOnceItHasGone) {
     center.reset();
     service->invoke(1, "LATER");
     settle();
-    service.reset(); // which answers the question with an error
+    service.reset(); // this makes the bus answer the call with an error
     QCoreApplication::processEvents();
     EXPECT_TRUE(responses.empty());
     EXPECT_TRUE(answers.empty());
 }
 
-/// A notification daemon itself.
+/// With a real notification daemon.
 class NotificationDaemonTest : public FreedesktopNotificationsTest {
 protected:
     void SetUp() override {}

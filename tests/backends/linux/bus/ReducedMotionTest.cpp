@@ -16,7 +16,7 @@ protected:
     PrivateBus bus{"DBUS_SESSION_BUS_ADDRESS"};
 };
 
-TEST_F(ReducedMotionTest, FollowsTheWishAndTheSwitchForAnimations) {
+TEST_F(ReducedMotionTest, FollowsTheSettingAndTheSwitchForAnimations) {
     SettingsPortal portal(bus);
     portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
     const ReducedMotion motion;
@@ -36,14 +36,14 @@ TEST_F(ReducedMotionTest, FollowsTheWishAndTheSwitchForAnimations) {
     EXPECT_TRUE(serveUntil([&] { return !motion.isRequested(); }));
 }
 
-TEST_F(ReducedMotionTest, PortalThatComesAfterTheProgramIsAsked) {
+TEST_F(ReducedMotionTest, PortalThatStartsAfterTheProgramIsRead) {
     const ReducedMotion motion;
     SettingsPortal portal(bus);
     portal.settings["org.gnome.desktop.interface"]["enable-animations"] = false;
     EXPECT_TRUE(serveUntil([&] { return motion.isRequested(); }));
 }
 
-TEST_F(ReducedMotionTest, NonsenseChangesNothing) {
+TEST_F(ReducedMotionTest, InvalidValuesChangeNothing) {
     SettingsPortal portal(bus);
     portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
     const ReducedMotion motion;
@@ -65,7 +65,7 @@ TEST_F(ReducedMotionTest, NonsenseChangesNothing) {
     }
 }
 
-TEST(ReducedMotion, IsNotWishedWhereThereIsNoBus) {
+TEST(ReducedMotion, IsNotRequestedWithoutABus) {
     { const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS"); }
     const ReducedMotion motion;
     QCoreApplication::processEvents();

@@ -22,8 +22,8 @@ namespace nocta {
 
 namespace fs = std::filesystem;
 
-/// Every look at the item goes through a new one over the same entry, so that what is read is what
-/// the session will find.
+/// Each access to the item makes a new one for the same entry, so that the test reads what the
+/// session will find.
 struct AutostartHarness {
     TemporaryFolder folder;
     std::string entry = folder.path() + "/autostart/nocta.desktop";
@@ -39,7 +39,7 @@ namespace {
 
 using Status = LoginItem::Status;
 
-/// The value of a key of the one group, with the escapes of every text in a desktop entry undone.
+/// The value of a key of the only group, with the escapes of a desktop entry decoded.
 std::string valueOf(const std::string& entry, const std::string& key) {
     const auto start = entry.find("\n" + key + "=") + key.size() + 2;
     const auto raw = entry.substr(start, entry.find('\n', start) - start);
@@ -56,8 +56,7 @@ std::string valueOf(const std::string& entry, const std::string& key) {
     return value;
 }
 
-/// The words of a command as a session takes them apart. What it may take in more than one way is
-/// refused.
+/// Splits a command into words as a session does. Throws if it is ambiguous.
 std::vector<std::string> wordsOf(const std::string& command) {
     std::vector<std::string> words;
     std::size_t i = 0;
@@ -103,7 +102,7 @@ protected:
     std::string entry = autostart + "/nocta.desktop";
     AutostartLoginItem item{entry, "/usr/bin/nocta"};
 
-    /// The status with that content in the entry.
+    /// The status for an entry with that content.
     Status statusOf(const std::string& content) {
         fs::create_directories(autostart);
         writeFile(entry, content);
@@ -141,8 +140,8 @@ TEST_F(AutostartLoginItemTest, AnyPathOfTheProgramIsOneWordOfTheCommand) {
     }
 }
 
-/// GLib, with which GNOME and others start a session's programs, looks for a program before it has
-/// taken the doubled percent signs for single ones; so names with these are not among them.
+/// GLib, which GNOME and others use to start a session's programs, looks for a program before it
+/// decodes doubled percent signs; so this leaves out names that contain them.
 TEST_F(AutostartLoginItemTest, AnyPathOfTheProgramIsStarted) {
     for (const auto& name : oddNames) {
         const auto program = folder.path() + "/" + name;
@@ -173,7 +172,7 @@ TEST_F(AutostartLoginItemTest, EntryWithACommandIsEnabled) {
     }
 }
 
-TEST_F(AutostartLoginItemTest, EntryThatIsSwitchedOffIsNotEnabledUntilItIsRegistered) {
+TEST_F(AutostartLoginItemTest, DisabledEntryIsNotEnabledUntilItIsRegistered) {
     for (const auto* const content : {
              "[Desktop Entry]\nExec=nocta\nHidden=true\n",
              "[Desktop Entry]\nHidden=true\nExec=nocta\n",
@@ -189,7 +188,7 @@ TEST_F(AutostartLoginItemTest, EntryThatIsSwitchedOffIsNotEnabledUntilItIsRegist
     }
 }
 
-TEST_F(AutostartLoginItemTest, WhatIsNoEntryIsNotRegistered) {
+TEST_F(AutostartLoginItemTest, InvalidEntryIsNotRegistered) {
     EXPECT_EQ(item.status(), Status::notRegistered) << "no folder";
     for (const auto* const content : {
              "",
@@ -214,7 +213,7 @@ TEST_F(AutostartLoginItemTest, EndlessFileIsNotReadToItsEnd) {
     EXPECT_EQ(item.status(), Status::enabled);
 }
 
-TEST_F(AutostartLoginItemTest, NamedPipeIsNotWaitedFor) {
+TEST_F(AutostartLoginItemTest, NamedPipeDoesNotBlock) {
     fs::create_directories(autostart);
     ASSERT_EQ(mkfifo(entry.c_str(), 0600), 0);
     EXPECT_EQ(item.status(), Status::notRegistered);
@@ -235,7 +234,7 @@ TEST_F(AutostartLoginItemTest, LinkIsFollowedAndStaysALink) {
     const auto target = folder.path() + "/elsewhere.desktop";
     fs::create_directories(autostart);
     fs::create_symlink("../../elsewhere.desktop", entry);
-    EXPECT_EQ(item.status(), Status::notRegistered) << "to nothing yet";
+    EXPECT_EQ(item.status(), Status::notRegistered) << "its target does not exist yet";
     EXPECT_EQ(item.registerItem(), std::nullopt);
     EXPECT_EQ(item.status(), Status::enabled);
     EXPECT_TRUE(fs::is_symlink(entry));
@@ -244,7 +243,7 @@ TEST_F(AutostartLoginItemTest, LinkIsFollowedAndStaysALink) {
     EXPECT_FALSE(fs::is_symlink(entry));
 }
 
-TEST_F(AutostartLoginItemTest, LinkToNothingCanBeUnregistered) {
+TEST_F(AutostartLoginItemTest, BrokenLinkCanBeUnregistered) {
     fs::create_directories(autostart);
     fs::create_symlink("/nowhere/at/all", entry);
     EXPECT_EQ(item.status(), Status::notRegistered);
@@ -272,7 +271,7 @@ TEST_F(AutostartLoginItemTest, FileInTheFoldersPlaceIsLeftAlone) {
     EXPECT_EQ(contentOf(autostart), "a file where the folder should be");
 }
 
-TEST_F(AutostartLoginItemTest, FolderThatMayNotBeWrittenIsAnError) {
+TEST_F(AutostartLoginItemTest, ReadOnlyFolderIsAnError) {
     ASSERT_EQ(item.registerItem(), std::nullopt);
     for (const auto& path : {folder.path(), folder.path() + "/config", entry}) {
         fs::permissions(path, fs::perms::all);
@@ -282,7 +281,7 @@ TEST_F(AutostartLoginItemTest, FolderThatMayNotBeWrittenIsAnError) {
     const auto before = contentOf(entry);
     constexpr uid_t nobody = 65534;
     const auto self = geteuid();
-    ASSERT_TRUE(self != 0 || seteuid(nobody) == 0); // root may write everywhere
+    ASSERT_TRUE(self != 0 || seteuid(nobody) == 0); // root can write everywhere
     AutostartLoginItem another(entry, "/opt/another/nocta");
     const auto registering = another.registerItem();
     const auto unregistering = another.unregisterItem();
@@ -306,7 +305,7 @@ TEST_F(AutostartLoginItemTest, FolderThatCannotBeMadeIsAnError) {
 
 TEST_F(AutostartLoginItemTest, FullDiskKeepsTheOldEntryAndLeavesNothingElse) {
     ASSERT_EQ(statusOf("[Desktop Entry]\nExec=nocta\nHidden=true\n"), Status::notRegistered);
-    // No file of this process may grow: what a full disk looks like to a writer.
+    // No file of this process may grow, which looks like a full disk to a writer.
     rlimit before{};
     getrlimit(RLIMIT_FSIZE, &before);
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
@@ -329,7 +328,7 @@ TEST_F(AutostartLoginItemTest, EntryIsReplacedInOneStep) {
     const auto sameFile = folder.path() + "/same-file";
     fs::create_hard_link(entry, sameFile);
     ASSERT_EQ(item.registerItem(), std::nullopt);
-    EXPECT_EQ(contentOf(sameFile), old) << "whoever was reading it read one complete entry";
+    EXPECT_EQ(contentOf(sameFile), old) << "a reader that had it open gets one complete entry";
     EXPECT_NE(contentOf(entry), old);
     EXPECT_EQ(namesInFolder(), std::vector<std::string>{"nocta.desktop"});
 }

@@ -21,8 +21,8 @@
 
 namespace nocta {
 
-/// Every look at the store goes through a new one over the same file, so that what is read is what
-/// was written.
+/// Each access to the store makes a new one for the same file, so that the test reads what was
+/// written.
 struct IniDefaultsStoreHarness {
     TemporaryFolder folder;
     ImmediateRunLoop runLoop;
@@ -49,13 +49,13 @@ protected:
         writeFile(file, content);
     }
 
-    /// Opens the store, sets a value, and returns what was said on standard error.
+    /// Opens the store, sets a value, and returns what was printed on standard error.
     std::string saidWhenUsed() const {
         ::testing::internal::CaptureStderr();
         IniDefaultsStore store(file, runLoop);
         store.setDouble(0.3, "unifiedBrightness");
         store.setDouble(0.4, "unifiedBrightness");
-        EXPECT_EQ(store.doubleForKey("unifiedBrightness"), 0.4) << "values in memory go on";
+        EXPECT_EQ(store.doubleForKey("unifiedBrightness"), 0.4) << "values stay in memory";
         return ::testing::internal::GetCapturedStderr();
     }
     std::set<std::string> namesInFolder() const {
@@ -81,7 +81,7 @@ TEST_F(IniDefaultsStoreTest, TurnIsWrittenOnceAfterTheScreen) {
     IniDefaultsStore store(file, loop);
     bool screenIsUpToDate = false;
     store.setDouble(0.75, "unifiedBrightness");
-    loop.post([&] { // what the screen needs may be requested after the first value was set
+    loop.post([&] { // the screen's requests may come after the first value was set
         screenIsUpToDate = true;
         EXPECT_FALSE(fs::exists(file));
     });
@@ -91,12 +91,12 @@ TEST_F(IniDefaultsStoreTest, TurnIsWrittenOnceAfterTheScreen) {
     loop.advance(Duration::zero());
     EXPECT_TRUE(screenIsUpToDate);
     EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.5\nisFirstLaunch=false\n");
-    fs::remove(file); // which a second write would bring back
+    fs::remove(file); // a second write would bring it back
     loop.advance(std::chrono::hours(1));
-    EXPECT_FALSE(fs::exists(file)) << "nothing was due any more";
+    EXPECT_FALSE(fs::exists(file)) << "nothing was pending";
 }
 
-TEST_F(IniDefaultsStoreTest, WhatIsDueIsWrittenAtTheEndAndBySynchronizing) {
+TEST_F(IniDefaultsStoreTest, PendingChangesAreWrittenAtTheEndAndBySynchronizing) {
     VirtualRunLoop loop;
     std::optional<IniDefaultsStore> store(std::in_place, file, loop);
     store->setInteger(1, "a");
@@ -106,7 +106,7 @@ TEST_F(IniDefaultsStoreTest, WhatIsDueIsWrittenAtTheEndAndBySynchronizing) {
     store->setInteger(2, "b");
     store.reset();
     EXPECT_EQ(contentOf(file), "[General]\nb=2\n");
-    loop.advance(Duration::zero()); // the store has gone
+    loop.advance(Duration::zero()); // the store is gone
 }
 
 TEST_F(IniDefaultsStoreTest, EveryTurnIsInTheFile) {
@@ -154,7 +154,7 @@ TEST_F(IniDefaultsStoreTest, OnlyTheUserMayEnterTheFolderWhateverTheUmask) {
     }
 }
 
-TEST_F(IniDefaultsStoreTest, FolderThatIsThereKeepsItsMode) {
+TEST_F(IniDefaultsStoreTest, ExistingFolderKeepsItsMode) {
     prepare("");
     fs::permissions(folder.path() + "/nocta", fs::perms(0750));
     IniDefaultsStore store(file, runLoop);
@@ -227,7 +227,7 @@ TEST_F(IniDefaultsStoreTest, EndlessFileIsNotReadToItsEnd) {
     EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.4\n");
 }
 
-TEST_F(IniDefaultsStoreTest, NamedPipeIsNotWaitedFor) {
+TEST_F(IniDefaultsStoreTest, NamedPipeDoesNotBlock) {
     fs::create_directories(folder.path() + "/nocta");
     ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
     saidWhenUsed();
@@ -246,14 +246,14 @@ TEST_F(IniDefaultsStoreTest, LinkedFileStaysALink) {
     EXPECT_EQ(contentOf(target), "[General]\na=2\n");
 }
 
-TEST_F(IniDefaultsStoreTest, FolderThatCannotBeMadeIsSaidOnce) {
+TEST_F(IniDefaultsStoreTest, FolderThatCannotBeCreatedIsReportedOnce) {
     writeFile(folder.path() + "/nocta", "a file where the folder should be");
     const auto said = saidWhenUsed();
     EXPECT_EQ(lines(said), 1) << said;
     EXPECT_NE(said.find("cannot write"), std::string::npos);
 }
 
-TEST_F(IniDefaultsStoreTest, FullDiskKeepsTheOldFileAndIsSaidOnce) {
+TEST_F(IniDefaultsStoreTest, FullDiskKeepsTheOldFileAndIsReportedOnce) {
     prepare("[General]\na=1\n");
     IniDefaultsStore store(file, runLoop);
     FullDisk disk;
@@ -278,18 +278,18 @@ TEST_F(IniDefaultsStoreTest, DamagedFileOnAFullDiskStaysWhereItIs) {
     store.setDouble(0.3, "unifiedBrightness");
     store.setDouble(0.4, "unifiedBrightness");
     const auto said = disk.end();
-    EXPECT_EQ(lines(said), 2) << said; // that it cannot be read, and that it cannot be written
+    EXPECT_EQ(lines(said), 2) << said; // one for reading and one for writing
     EXPECT_EQ(contentOf(file), "[General]\na=1\ngarbage");
     EXPECT_FALSE(fs::exists(file + ".damaged"));
 }
 
-TEST_F(IniDefaultsStoreTest, FolderThatMayNotBeSearchedIsSaidOnce) {
+TEST_F(IniDefaultsStoreTest, UnsearchableFolderIsReportedOnce) {
     prepare("[General]\na=1\n");
     fs::permissions(folder.path(), fs::perms::all);
     fs::permissions(folder.path() + "/nocta", fs::perms::owner_read);
     constexpr uid_t nobody = 65534;
     const auto self = geteuid();
-    ASSERT_TRUE(self != 0 || seteuid(nobody) == 0); // root may search everything
+    ASSERT_TRUE(self != 0 || seteuid(nobody) == 0); // root can search every folder
     const auto said = saidWhenUsed();
     ASSERT_EQ(seteuid(self), 0);
     fs::permissions(folder.path() + "/nocta", fs::perms::owner_all);
@@ -297,10 +297,10 @@ TEST_F(IniDefaultsStoreTest, FolderThatMayNotBeSearchedIsSaidOnce) {
     EXPECT_EQ(contentOf(file), "[General]\na=1\n");
 }
 
-TEST_F(IniDefaultsStoreTest, SynchronizingWritesOnlyWhatIsNotWritten) {
+TEST_F(IniDefaultsStoreTest, SynchronizingWritesOnlyPendingChanges) {
     IniDefaultsStore store(file, runLoop);
     store.setInteger(1, "a");
-    writeFile(file, "[General]\na=5\n"); // somebody else
+    writeFile(file, "[General]\na=5\n"); // another program
     store.synchronize();
     EXPECT_EQ(contentOf(file), "[General]\na=5\n");
     {
@@ -309,10 +309,10 @@ TEST_F(IniDefaultsStoreTest, SynchronizingWritesOnlyWhatIsNotWritten) {
     }
     EXPECT_EQ(contentOf(file), "[General]\na=5\n");
     store.synchronize();
-    EXPECT_EQ(contentOf(file), "[General]\na=2\n") << "a write that had failed";
+    EXPECT_EQ(contentOf(file), "[General]\na=2\n") << "retries the failed write";
 }
 
-TEST_F(IniDefaultsStoreTest, LinkToAFileThatIsNotThereYetStaysALink) {
+TEST_F(IniDefaultsStoreTest, LinkToAMissingFileStaysALink) {
     fs::create_directories(folder.path() + "/nocta");
     fs::create_symlink("../elsewhere.conf", file);
     IniDefaultsStore store(file, runLoop);
@@ -321,9 +321,9 @@ TEST_F(IniDefaultsStoreTest, LinkToAFileThatIsNotThereYetStaysALink) {
     EXPECT_EQ(contentOf(folder.path() + "/elsewhere.conf"), "[General]\na=2\n");
 }
 
-TEST_F(IniDefaultsStoreTest, KilledAtAnyMomentTheFileIsACompleteState) {
-    // The child writes a counter under two keys, one after the other; whenever it is killed, the
-    // first is equal to the second or one ahead.
+TEST_F(IniDefaultsStoreTest, FileIsCompleteAfterAKillAtAnyMoment) {
+    // The child writes a counter to two keys, one after the other; whenever it is killed, the first
+    // is equal to the second or one ahead.
     for (int round = 0; round < 40; ++round) {
         const auto child = fork();
         if (child == 0) {

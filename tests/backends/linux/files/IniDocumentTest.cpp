@@ -30,7 +30,7 @@ TEST(IniDocument, ReadsTypedValuesOfTheGeneralSection) {
                                               {"j", 1e20}}));
 }
 
-TEST(IniDocument, KeysBeforeAnySectionAreOursAndThoseOfOtherSectionsAreNot) {
+TEST(IniDocument, OnlyKeysBeforeAnySectionOrInGeneralAreOurs) {
     const auto document = IniDocument::parse("a=1\n[Other]\na=2\nb=3\n[General]\nc=4\n");
     EXPECT_EQ(document.values(), (DefaultsMap{{"a", std::int64_t{1}}, {"c", std::int64_t{4}}}));
 }
@@ -52,14 +52,14 @@ TEST(IniDocument, EmptyDocumentGetsItsSection) {
     EXPECT_EQ(other.text(), "[General]\na=1\n[Other]\nx=1\n");
 }
 
-TEST(IniDocument, KeyThatIsAssignedTwiceHasItsLastValueAndIsWrittenOnce) {
+TEST(IniDocument, DuplicateKeyHasItsLastValueAndIsWrittenOnce) {
     auto document = IniDocument::parse("[General]\na=1\nb=0\na=2\n");
     EXPECT_EQ(document.values().at("a"), DefaultsValue(std::int64_t{2}));
     document.set("a", std::int64_t{3});
     EXPECT_EQ(document.text(), "[General]\na=3\nb=0\n");
 }
 
-TEST(IniDocument, WhatIsNoIniIsNotWellFormedAndTheRestIsRead) {
+TEST(IniDocument, InvalidLinesAreReportedAndTheRestIsRead) {
     for (const auto& text : {std::string("[General]\na=1\nbreakTim"), std::string("a=1\n=5\n"),
                              std::string("a=1\n\x01\x02=3\n"), std::string("a=1\nb=\0\n", 8),
                              std::string("a=1\n[General\n")}) {

@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(PrivateFolder, EveryFolderThatIsMadeIsTheUsersAloneWhateverTheUmask) {
+TEST(PrivateFolder, EveryNewFolderIsPrivateWhateverTheUmask) {
     for (const mode_t mask : {0000U, 0022U, 0777U}) {
         const TemporaryFolder root;
         const auto before = umask(mask);
@@ -29,14 +29,14 @@ TEST(PrivateFolder, EveryFolderThatIsMadeIsTheUsersAloneWhateverTheUmask) {
     }
 }
 
-TEST(PrivateFolder, FolderThatIsThereKeepsItsMode) {
+TEST(PrivateFolder, ExistingFolderKeepsItsMode) {
     const TemporaryFolder root;
     fs::permissions(root.path(), fs::perms(0755));
     EXPECT_FALSE(createPrivateFolders(root.path()));
     EXPECT_EQ(fs::status(root.path()).permissions(), fs::perms(0755));
 }
 
-TEST(PrivateFolder, FolderThatCannotBeMadeIsAnError) {
+TEST(PrivateFolder, FolderThatCannotBeCreatedIsAnError) {
     const TemporaryFolder root;
     writeFile(root.path() + "/file", "");
     EXPECT_EQ(createPrivateFolders(root.path() + "/file").value(), ENOTDIR);

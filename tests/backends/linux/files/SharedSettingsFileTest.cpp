@@ -1,5 +1,5 @@
-// One settings file with several users: two programs on two displays, killed writers, and whatever
-// somebody has put beside the file.
+// One settings file with several users: two programs on two displays, killed writers, and
+// unexpected files next to it.
 
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/files/IniDefaultsStore.h"
@@ -33,7 +33,7 @@ protected:
     ImmediateRunLoop runLoop; // each change is a turn
     std::string file = folder.path() + "/nocta.conf";
 
-    /// The number of a process that has ended.
+    /// The ID of a process that has exited.
     static pid_t endedProcess() {
         const auto child = fork();
         if (child == 0) {
@@ -44,7 +44,7 @@ protected:
     }
 };
 
-TEST_F(SharedSettingsFileTest, WriterKeepsWhatTheOtherHasWritten) {
+TEST_F(SharedSettingsFileTest, WriterKeepsTheOthersChanges) {
     writeFile(file, "[General]\na=1\nb=1\n");
     IniDefaultsStore first(file, runLoop);
     IniDefaultsStore second(file, runLoop);
@@ -72,7 +72,7 @@ TEST_F(SharedSettingsFileTest, LastWriterOfAKeyWinsWhetherItSetsOrRemoves) {
     EXPECT_EQ(contentOf(file), "[General]\nb=2\na=4\n") << "a removal is not repeated";
 }
 
-TEST_F(SharedSettingsFileTest, KeyThatOnlyTheOtherKnowsCanBeRemoved) {
+TEST_F(SharedSettingsFileTest, KeyThatOnlyTheOtherHasSetCanBeRemoved) {
     IniDefaultsStore first(file, runLoop);
     IniDefaultsStore second(file, runLoop);
     second.setInteger(1, "a");
@@ -80,7 +80,7 @@ TEST_F(SharedSettingsFileTest, KeyThatOnlyTheOtherKnowsCanBeRemoved) {
     EXPECT_EQ(contentOf(file), "[General]\n");
 }
 
-TEST_F(SharedSettingsFileTest, ValuesInMemoryAreTheProcesssOwn) {
+TEST_F(SharedSettingsFileTest, EachProcessHasItsOwnValuesInMemory) {
     IniDefaultsStore first(file, runLoop);
     IniDefaultsStore second(file, runLoop);
     first.setInteger(1, "a");
@@ -92,7 +92,7 @@ TEST_F(SharedSettingsFileTest, ValuesInMemoryAreTheProcesssOwn) {
     EXPECT_EQ(first.integerForKey("b"), 0);
 }
 
-TEST_F(SharedSettingsFileTest, ChangeThatCouldNotBeWrittenIsMergedLater) {
+TEST_F(SharedSettingsFileTest, FailedChangeIsMergedLater) {
     IniDefaultsStore store(file, runLoop);
     {
         const FullDisk disk;
@@ -103,7 +103,7 @@ TEST_F(SharedSettingsFileTest, ChangeThatCouldNotBeWrittenIsMergedLater) {
     EXPECT_EQ(contentOf(file), "[General]\na=1\nb=7\nc=1\n");
 }
 
-TEST_F(SharedSettingsFileTest, FileThatIsGoneIsWrittenWhole) {
+TEST_F(SharedSettingsFileTest, MissingFileIsWrittenWhole) {
     writeFile(file, "[General]\na=1\n");
     IniDefaultsStore store(file, runLoop);
     fs::remove(file);
@@ -111,7 +111,7 @@ TEST_F(SharedSettingsFileTest, FileThatIsGoneIsWrittenWhole) {
     EXPECT_EQ(contentOf(file), "[General]\na=1\nb=1\n");
 }
 
-TEST_F(SharedSettingsFileTest, FileThatIsDamagedMeanwhileIsMovedAside) {
+TEST_F(SharedSettingsFileTest, FileThatIsDamagedInTheMeantimeIsMovedAside) {
     writeFile(file, "[General]\na=1\n");
     IniDefaultsStore store(file, runLoop);
     writeFile(file, "[General]\nb=1\ngarbage");
@@ -123,15 +123,14 @@ TEST_F(SharedSettingsFileTest, FileThatIsDamagedMeanwhileIsMovedAside) {
     EXPECT_EQ(contentOf(file + ".damaged"), "[General]\nb=1\ngarbage");
 }
 
-TEST_F(SharedSettingsFileTest, ProcessesThatWriteAtOnceLoseNothing) {
+TEST_F(SharedSettingsFileTest, ProcessesThatWriteAtTheSameTimeLoseNothing) {
     constexpr int writers = 3;
     constexpr int keys = 100;
     std::vector<pid_t> children;
     for (int writer = 0; writer < writers; ++writer) {
         children.push_back(fork());
         if (children.back() == 0) {
-            IniDefaultsStore store(file, runLoop,
-                                   std::chrono::minutes(1)); // whatever else the machine does
+            IniDefaultsStore store(file, runLoop, std::chrono::minutes(1)); // for busy machines
             for (int key = 0; key < keys; ++key) {
                 store.setInteger(key, std::to_string(writer) + "-" + std::to_string(key));
             }
@@ -144,7 +143,7 @@ TEST_F(SharedSettingsFileTest, ProcessesThatWriteAtOnceLoseNothing) {
     EXPECT_EQ(IniDocument::parse(contentOf(file)).values().size(), std::size_t{writers * keys});
 }
 
-TEST_F(SharedSettingsFileTest, LockThatIsNeverGivenBackHoldsNobody) {
+TEST_F(SharedSettingsFileTest, LockThatIsNeverReleasedBlocksNobody) {
     const auto lock = open((file + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     ASSERT_EQ(flock(lock, LOCK_EX | LOCK_NB), 0);
     IniDefaultsStore store(file, runLoop);
@@ -153,7 +152,7 @@ TEST_F(SharedSettingsFileTest, LockThatIsNeverGivenBackHoldsNobody) {
     close(lock);
 }
 
-TEST_F(SharedSettingsFileTest, WhateverHasTheLocksNameHoldsNobody) {
+TEST_F(SharedSettingsFileTest, AnyFileWithTheLocksNameBlocksNobody) {
     const auto lock = file + ".lock";
     const auto other = folder.path() + "/other";
     writeFile(other, "other");
@@ -172,15 +171,15 @@ TEST_F(SharedSettingsFileTest, WhateverHasTheLocksNameHoldsNobody) {
     fs::create_symlink(folder.path() + "/missing", lock);
     expectWritten(4);
     EXPECT_EQ(contentOf(other), "other");
-    EXPECT_FALSE(fs::exists(folder.path() + "/missing")) << "made through a link";
+    EXPECT_FALSE(fs::exists(folder.path() + "/missing")) << "created through a link";
 }
 
-TEST_F(SharedSettingsFileTest, FilesBesideItAreNeitherWrittenNorWaitedFor) {
+TEST_F(SharedSettingsFileTest, NeighboringFilesAreNeitherWrittenNorAwaited) {
     const auto other = folder.path() + "/other";
     writeFile(other, "other");
     fs::create_hard_link(other, file);
     IniDefaultsStore store(file, runLoop);
-    ::testing::internal::CaptureStderr(); // it is no INI file
+    ::testing::internal::CaptureStderr(); // it is not an INI file
     store.setInteger(1, "a");
     ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(contentOf(other), "other");
@@ -196,7 +195,7 @@ TEST_F(SharedSettingsFileTest, FilesBesideItAreNeitherWrittenNorWaitedFor) {
     EXPECT_EQ(contentOf(other), "other");
 }
 
-TEST_F(SharedSettingsFileTest, TemporaryFileCarriesTheNumberOfItsWriter) {
+TEST_F(SharedSettingsFileTest, NameOfATemporaryFileContainsItsWritersId) {
     IniDefaultsStore store(file, runLoop);
     const FileDescriptor watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     inotify_add_watch(watch.get(), folder.path().c_str(), IN_MOVED_FROM);
@@ -208,7 +207,7 @@ TEST_F(SharedSettingsFileTest, TemporaryFileCarriesTheNumberOfItsWriter) {
         << name;
 }
 
-TEST_F(SharedSettingsFileTest, TemporaryFilesOfKilledWritersAreRemovedAndNothingElse) {
+TEST_F(SharedSettingsFileTest, OnlyTemporaryFilesOfKilledWritersAreRemoved) {
     const auto dead = file + ".new-" + std::to_string(endedProcess());
     const auto alive = file + ".new-" + std::to_string(getpid());
     const std::vector<std::string> kept = {
@@ -240,7 +239,7 @@ TEST_F(SharedSettingsFileTest, TemporaryFilesOfKilledWritersAreRemovedAndNothing
     EXPECT_TRUE(fs::is_symlink(dead + "-links1"));
 }
 
-TEST_F(SharedSettingsFileTest, TemporaryFileStaysWhileSomebodyWrites) {
+TEST_F(SharedSettingsFileTest, TemporaryFileStaysWhileAnotherProcessWrites) {
     const auto left = file + ".new-" + std::to_string(endedProcess()) + "-abcdef";
     writeFile(left, "left");
     const auto lock = open((file + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);

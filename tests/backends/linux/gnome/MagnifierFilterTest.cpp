@@ -55,7 +55,7 @@ TEST_F(MagnifierFilterTest, OtherDesktopsHaveNone) {
     EXPECT_FALSE(MagnifierFilter(stateFile).isAvailable());
 }
 
-TEST_F(MagnifierFilterTest, MagnifierThatIsOffShowsTheScreenAsItIsWithoutColor) {
+TEST_F(MagnifierFilterTest, MagnifierThatIsOffShowsTheUnchangedScreenWithoutColor) {
     gnome.set(GnomeSettings::magnifier, "mag-factor", "3.5");
     gnome.set(GnomeSettings::magnifier, "lens-mode", "true");
     gnome.set(GnomeSettings::magnifier, "screen-position", "'left-half'");
@@ -80,7 +80,7 @@ TEST_F(MagnifierFilterTest, MagnifierThatIsOffShowsTheScreenAsItIsWithoutColor) 
     EXPECT_EQ(gnome.everything(), before);
 }
 
-TEST_F(MagnifierFilterTest, ValuesThatTheUserHasNeverSetAreDefaultsAgain) {
+TEST_F(MagnifierFilterTest, ValuesThatTheUserHasNeverSetAreResetToDefaults) {
     filter.emplace(stateFile);
     turnGray();
     turnColored();
@@ -89,7 +89,7 @@ TEST_F(MagnifierFilterTest, ValuesThatTheUserHasNeverSetAreDefaultsAgain) {
     EXPECT_EQ(keyFile.find('='), std::string::npos) << keyFile;
 }
 
-TEST_F(MagnifierFilterTest, MagnifierThatTheUserHasOnLosesItsColorsAndNothingElse) {
+TEST_F(MagnifierFilterTest, MagnifierThatIsOnLosesOnlyItsColors) {
     gnome.set(GnomeSettings::applications, "screen-magnifier-enabled", "true");
     gnome.set(GnomeSettings::magnifier, "mag-factor", "4.0");
     const auto before = gnome.everything();
@@ -100,7 +100,7 @@ TEST_F(MagnifierFilterTest, MagnifierThatTheUserHasOnLosesItsColorsAndNothingEls
     EXPECT_EQ(gnome.everything(), before);
 }
 
-TEST_F(MagnifierFilterTest, GrayOfTheUsersOwnIsRecognised) {
+TEST_F(MagnifierFilterTest, GrayOfTheUsersOwnIsRecognized) {
     gnome.set(GnomeSettings::applications, "screen-magnifier-enabled", "true");
     gnome.set(GnomeSettings::magnifier, "color-saturation", "0.0");
     filter.emplace(stateFile);
@@ -121,11 +121,11 @@ TEST_F(MagnifierFilterTest, QuickSwitchingEndsAsItWasLeft) {
     EXPECT_EQ(gnome.everything(), before);
 }
 
-TEST_F(MagnifierFilterTest, HelperThatIsHeldUpIsNotWaitedForAndTurnsGrayWhenItCan) {
+TEST_F(MagnifierFilterTest, DelayedHelperDoesNotBlockAndTurnsGrayWhenItCan) {
     const auto before = gnome.everything();
     filter.emplace(stateFile);
     const auto folder = open(stateFile.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    ASSERT_EQ(flock(folder, LOCK_EX), 0); // which a helper waits for before it does anything
+    ASSERT_EQ(flock(folder, LOCK_EX), 0); // a helper waits for this lock before it does anything
     filter->setOn(true);
     filter->setOn(false);
     filter->setOn(true);
@@ -136,11 +136,11 @@ TEST_F(MagnifierFilterTest, HelperThatIsHeldUpIsNotWaitedForAndTurnsGrayWhenItCa
     EXPECT_TRUE(waitUntil([&] { return gnome.everything() == before; }));
 }
 
-TEST_F(MagnifierFilterTest, HelperThatHangsDoesNotHoldTheEnd) {
+TEST_F(MagnifierFilterTest, HelperThatHangsDoesNotBlockTheEnd) {
     const auto before = gnome.everything();
     filter.emplace(stateFile);
     filter->setOn(true);
-    ASSERT_TRUE(waitUntil([&] { return gnome.isGray(); })); // nobody has read its answer
+    ASSERT_TRUE(waitUntil([&] { return gnome.isGray(); })); // its answer has not been read
     const auto helpers = Helpers::childrenOf(getpid(), "nocta-magnifier");
     ASSERT_EQ(helpers.size(), 1U);
     kill(helpers[0], SIGSTOP);
@@ -150,7 +150,7 @@ TEST_F(MagnifierFilterTest, HelperThatHangsDoesNotHoldTheEnd) {
     EXPECT_TRUE(waitUntil([&] { return gnome.everything() == before; }));
 }
 
-TEST_F(MagnifierFilterTest, NoteThatSomebodyHasEditedHarmsNothing) {
+TEST_F(MagnifierFilterTest, EditedStateFileDoesNoHarm) {
     const auto before = gnome.everything();
     std::filesystem::create_directories(stateFile.parent_path());
     writeFile(stateFile, "[org.gnome.desktop.a11y.magnifier]\nmag-factor='x'\nno-such-key=1\n"

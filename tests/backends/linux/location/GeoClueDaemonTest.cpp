@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-// GeoClue itself, which is told by a server of the test's own where it is.
+// With the real GeoClue, which gets its location from a server in the test.
 
 namespace nocta {
 namespace {
@@ -46,7 +46,7 @@ protected:
         ASSERT_TRUE(serveUntil([&] { return agent->introduceItself(); }));
     }
 
-    /// On the longest day of the year, on Berlin's clock.
+    /// On the longest day of the year, in Berlin's time zone.
     static WallTime at(int hour, int minute) {
         return Calendar::instantAt({2026, 6, 21}, hour, minute).value();
     }
@@ -56,7 +56,7 @@ protected:
     }
 };
 
-TEST_F(GeoClueDaemonTest, GrantMovesTheScheduleFromTheDefaultTimesToThoseOfThePlace) {
+TEST_F(GeoClueDaemonTest, GrantMovesTheScheduleFromTheDefaultTimesToLocalOnes) {
     startDaemonForAUserWho(true);
     settings().unifiedBrightness.set(1);
     desktop.runLoop.setWallClock(at(19, 30));
@@ -69,7 +69,7 @@ TEST_F(GeoClueDaemonTest, GrantMovesTheScheduleFromTheDefaultTimesToThoseOfThePl
     EXPECT_TRUE(std::filesystem::exists(grantFile));
     const auto minutesOfSunset = (schedule().sunsetTime.get().value() - at(0, 0)) / 1min;
     EXPECT_NEAR(static_cast<double>(minutesOfSunset), static_cast<double>(sun.sunset), 3)
-        << "the service blurs the place by some kilometres";
+        << "the service blurs the location by a few kilometers";
 
     letTheClockShow(at(19, 31));
     expectWhitePointOf(6500);
@@ -96,7 +96,7 @@ class NoctaWithGeoClueTest : public NoctaProcess {};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaWithGeoClueTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaWithGeoClueTest, RememberedGrantAsksForThePlaceAtTheStartAndNothingWaitsForIt) {
+TEST_P(NoctaWithGeoClueTest, RememberedGrantRequestsTheLocationAtTheStartWithoutWaiting) {
     const PrivateBus bus("DBUS_SYSTEM_BUS_ADDRESS");
     GeoClueDaemon daemon;
     if (!daemon.canStart()) {

@@ -41,7 +41,7 @@ protected:
         std::filesystem::create_directories(grantFile.parent_path());
         writeFile(grantFile, "");
     }
-    /// What was sent to the service before has been served when this returns.
+    /// Returns once everything sent to the service has been handled.
     static void settle() {
         const auto answer = systemBus().call(
             QDBusMessage::createMethodCall("org.freedesktop.GeoClue2", "/org/freedesktop/GeoClue2",
@@ -65,7 +65,7 @@ protected:
     }
 };
 
-TEST_F(GeoClueLocationManagerTest, TellsOnceThatNothingIsKnownAndAsksNobody) {
+TEST_F(GeoClueLocationManagerTest, ReportsOnceThatNothingIsKnownAndAsksNobody) {
     MockGeoClue service;
     makeManager();
     EXPECT_EQ(reports, (std::vector{AuthorizationStatus::notDetermined}));
@@ -74,11 +74,11 @@ TEST_F(GeoClueLocationManagerTest, TellsOnceThatNothingIsKnownAndAsksNobody) {
     EXPECT_EQ(service.calls, Calls{});
 }
 
-TEST_F(GeoClueLocationManagerTest, AGrantIsToldAndRememberedAndGivesOnePlace) {
+TEST_F(GeoClueLocationManagerTest, AGrantIsReportedAndRememberedAndGivesOneLocation) {
     MockGeoClue service;
     makeManager();
     manager->requestWhenInUseAuthorization();
-    manager->requestWhenInUseAuthorization(); // it is being asked already
+    manager->requestWhenInUseAuthorization(); // the service is being asked already
     ASSERT_TRUE(serveUntil([&] { return reports.size() == 2; }));
     EXPECT_EQ(reports.back(), AuthorizationStatus::authorized);
     EXPECT_TRUE(std::filesystem::exists(grantFile));
@@ -102,7 +102,7 @@ TEST_F(GeoClueLocationManagerTest, AGrantIsToldAndRememberedAndGivesOnePlace) {
     EXPECT_TRUE(serveUntil([&] { return places.size() == 2; }));
 }
 
-TEST_F(GeoClueLocationManagerTest, ARememberedGrantIsToldFromTheRunLoopAndGivesAPlace) {
+TEST_F(GeoClueLocationManagerTest, ARememberedGrantIsReportedFromTheRunLoopAndGivesALocation) {
     rememberGrant();
     MockGeoClue service;
     manager.emplace(runLoop, grantFile);
@@ -117,7 +117,7 @@ TEST_F(GeoClueLocationManagerTest, ARememberedGrantIsToldFromTheRunLoopAndGivesA
     EXPECT_EQ(reports.size(), 1U);
 }
 
-TEST_F(GeoClueLocationManagerTest, ARefusalIsToldAndNotAskedAgain) {
+TEST_F(GeoClueLocationManagerTest, AfterARefusalTheServiceIsNotAskedAgain) {
     MockGeoClue service;
     service.start = MockGeoClue::Start::refuses;
     makeManager();
@@ -135,7 +135,7 @@ TEST_F(GeoClueLocationManagerTest, ARefusalIsToldAndNotAskedAgain) {
     EXPECT_EQ(reports.size(), 2U);
 }
 
-TEST_F(GeoClueLocationManagerTest, ARefusalTakesARememberedGrantBack) {
+TEST_F(GeoClueLocationManagerTest, ARefusalRevokesARememberedGrant) {
     rememberGrant();
     MockGeoClue service;
     service.start = MockGeoClue::Start::refuses;
@@ -163,7 +163,7 @@ TEST_F(GeoClueLocationManagerTest, WithoutTheBusLocationIsRestrictedAndTheGrantI
     EXPECT_TRUE(std::filesystem::exists(grantFile));
 }
 
-TEST_F(GeoClueLocationManagerTest, BusThatDoesNotAnswerIsTriedAgainLater) {
+TEST_F(GeoClueLocationManagerTest, BusThatDoesNotAnswerIsRetriedLater) {
     rememberGrant();
     bus->signal(SIGSTOP);
     makeManager();
@@ -179,7 +179,7 @@ TEST_F(GeoClueLocationManagerTest, BusThatDoesNotAnswerIsTriedAgainLater) {
         [&] { return std::count(service.calls.begin(), service.calls.end(), "Start") == 1; }));
 }
 
-TEST_F(GeoClueLocationManagerTest, AServiceThatHangsAndDiesIsTriedAgainLater) {
+TEST_F(GeoClueLocationManagerTest, AServiceThatHangsAndDiesIsRetriedLater) {
     rememberGrant();
     std::optional<MockGeoClue> service{std::in_place};
     service->answersCreateClient = false;
@@ -200,7 +200,7 @@ TEST_F(GeoClueLocationManagerTest, AServiceThatHangsAndDiesIsTriedAgainLater) {
     EXPECT_TRUE(serveUntil([&] { return places.size() == 1; }));
 }
 
-TEST_F(GeoClueLocationManagerTest, AServiceThatGoesWhileItLooksIsTriedAgainEverMoreSeldom) {
+TEST_F(GeoClueLocationManagerTest, AServiceThatDiesWhileLocatingIsRetriedWithGrowingDelays) {
     rememberGrant();
     std::optional<MockGeoClue> service{std::in_place};
     makeManager();
@@ -218,7 +218,7 @@ TEST_F(GeoClueLocationManagerTest, AServiceThatGoesWhileItLooksIsTriedAgainEverM
     }
 }
 
-TEST_F(GeoClueLocationManagerTest, ABusThatGoesWhileTheServiceLooksTakesTheServiceWithIt) {
+TEST_F(GeoClueLocationManagerTest, ABusThatGoesAwayWhileLocatingTakesTheServiceWithIt) {
     rememberGrant();
     MockGeoClue service;
     makeManager();
@@ -230,7 +230,7 @@ TEST_F(GeoClueLocationManagerTest, ABusThatGoesWhileTheServiceLooksTakesTheServi
     EXPECT_TRUE(std::filesystem::exists(grantFile));
 }
 
-TEST_F(GeoClueLocationManagerTest, NobodyIsToldAnythingOnceThePlaceIsNotWantedAnyMore) {
+TEST_F(GeoClueLocationManagerTest, NothingIsReportedOnceUpdatesAreStopped) {
     rememberGrant();
     MockGeoClue service;
     service.start = MockGeoClue::Start::waits;
@@ -244,7 +244,7 @@ TEST_F(GeoClueLocationManagerTest, NobodyIsToldAnythingOnceThePlaceIsNotWantedAn
     EXPECT_TRUE(service.hasSeen("DeleteClient /org/freedesktop/GeoClue2/Client/1"));
 }
 
-TEST_F(GeoClueLocationManagerTest, PlacesThatAreNotOnEarthAreNotTold) {
+TEST_F(GeoClueLocationManagerTest, LocationsThatAreNotOnEarthAreNotReported) {
     rememberGrant();
     MockGeoClue service;
     makeManager();

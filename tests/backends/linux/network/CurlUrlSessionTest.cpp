@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Writes the block again and again, as fast as it is taken.
+/// Writes the block over and over, as fast as the client reads.
 void pour(QTcpSocket& socket, const QByteArray& block) {
     auto* const tap = new QTimer(&socket);
     QObject::connect(tap, &QTimer::timeout, &socket, [&socket, block] {
@@ -77,7 +77,7 @@ TEST_F(CurlUrlSessionTest, EveryStatusIsAResponse) {
     }
 }
 
-TEST_F(CurlUrlSessionTest, RedirectionIsFollowedWhereItIsEncrypted) {
+TEST_F(CurlUrlSessionTest, EncryptedRedirectIsFollowed) {
     server.respond = [this](QTcpSocket& socket) {
         const auto isFirst = server.request.find(" /elsewhere ") == std::string::npos;
         socket.write(isFirst ? "HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n"
@@ -87,7 +87,7 @@ TEST_F(CurlUrlSessionTest, RedirectionIsFollowedWhereItIsEncrypted) {
     EXPECT_EQ(post(server.address()).statusCode, 200);
 }
 
-TEST_F(CurlUrlSessionTest, RedirectionToWhatIsNotEncryptedIsRefused) {
+TEST_F(CurlUrlSessionTest, UnencryptedRedirectIsRefused) {
     const PlainServer plain;
     server.answer("302 Found", "Location: " + QByteArray::fromStdString(plain.address()) + "\r\n");
     EXPECT_EQ(post(server.address()).error, "The address is not encrypted");
@@ -100,9 +100,9 @@ TEST_F(CurlUrlSessionTest, RedirectionToWhatIsNotEncryptedIsRefused) {
     EXPECT_EQ(plain.connections, 0);
 }
 
-TEST_F(CurlUrlSessionTest, RedirectionsWithoutEndAreLeft) {
+TEST_F(CurlUrlSessionTest, EndlessRedirectsAreGivenUp) {
     server.answer("302 Found", "Location: /api/feedback\r\n");
-    EXPECT_EQ(post(server.address()).error, "The server redirects without end");
+    EXPECT_EQ(post(server.address()).error, "Too many redirects");
 }
 
 TEST_F(CurlUrlSessionTest, AddressThatIsNotEncryptedIsRefused) {
@@ -112,11 +112,11 @@ TEST_F(CurlUrlSessionTest, AddressThatIsNotEncryptedIsRefused) {
     }
 }
 
-TEST_F(CurlUrlSessionTest, CertificateThatNobodyKnowsIsRefused) {
+TEST_F(CurlUrlSessionTest, UnknownCertificateIsRefused) {
     CurlUrlSession unknowing(runLoop);
     server.answer("200 OK");
     EXPECT_EQ(postBy(unknowing, server.address()).error, "The server cannot be trusted");
-    EXPECT_EQ(server.request, "") << "nothing was told";
+    EXPECT_EQ(server.request, "") << "nothing was sent";
 }
 
 TEST_F(CurlUrlSessionTest, ServerThatIsNotThereIsAnError) {
@@ -124,12 +124,12 @@ TEST_F(CurlUrlSessionTest, ServerThatIsNotThereIsAnError) {
     EXPECT_EQ(post("https://localhost:1/").error, "The server cannot be reached");
 }
 
-TEST_F(CurlUrlSessionTest, ServerThatSaysNothingIsLeft) {
+TEST_F(CurlUrlSessionTest, SilentServerTimesOut) {
     EXPECT_EQ(post(server.address(), 300ms).error, "It took too long");
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(CurlUrlSessionTest, ServerThatDripsIsLeft) {
+TEST_F(CurlUrlSessionTest, ServerThatDripsTimesOut) {
     server.respond = [](QTcpSocket& socket) {
         socket.write("HTTP/1.1 200 OK\r\nX-Drip: ");
         QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [&socket] {
@@ -139,7 +139,7 @@ TEST_F(CurlUrlSessionTest, ServerThatDripsIsLeft) {
     EXPECT_EQ(post(server.address(), 500ms).error, "It took too long");
 }
 
-TEST_F(CurlUrlSessionTest, BodyWithoutEndIsNotWaitedFor) {
+TEST_F(CurlUrlSessionTest, EndlessBodyIsNotAwaited) {
     server.respond = [](QTcpSocket& socket) {
         socket.write("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
         pour(socket, QByteArray(1 << 16, 'x'));
@@ -159,10 +159,10 @@ TEST_F(CurlUrlSessionTest, TaskThatIsDroppedIsNotCompleted) {
         [&](const UrlResponse& /*answer*/) { ++completions; }, nullptr);
     task.cancel();
     EXPECT_EQ(post(server.address()).statusCode, 200);
-    EXPECT_EQ(completions, 1) << "of the second";
+    EXPECT_EQ(completions, 1) << "only the second";
 }
 
-/// What is received is kept.
+/// Keeps the received data.
 class CurlUrlSessionBodyTest : public CurlUrlSessionTest {
 protected:
     std::string body;
@@ -206,7 +206,7 @@ TEST_F(CurlUrlSessionBodyTest, ComesWholeAndInPieces) {
     EXPECT_TRUE(server.request.starts_with("GET /feed HTTP/1.1\r\n"));
 }
 
-TEST_F(CurlUrlSessionBodyTest, TaskMayBeEndedByWhoeverReceives) {
+TEST_F(CurlUrlSessionBodyTest, TaskMayBeCanceledByItsReceiver) {
     answerWith(std::string(1'000'000, 'x'));
     EXPECT_FALSE(get([this] { task.cancel(); }).statusCode);
     EXPECT_EQ(body.size(), maxPieceSize) << "one piece";
@@ -219,7 +219,7 @@ TEST_F(CurlUrlSessionBodyTest, NothingIsUnpacked) {
     EXPECT_EQ(server.request.find("Accept-Encoding"), std::string::npos);
 }
 
-TEST_F(CurlUrlSessionBodyTest, NobodyIsRecognised) {
+TEST_F(CurlUrlSessionBodyTest, NobodyIsRecognized) {
     answerWith("a", "Set-Cookie: who=me\r\n");
     get();
     server.request.clear();
@@ -229,7 +229,7 @@ TEST_F(CurlUrlSessionBodyTest, NobodyIsRecognised) {
     EXPECT_EQ(server.request, "GET /feed HTTP/1.1\r\nHost: " + host + "\r\nAccept: */*\r\n\r\n");
 }
 
-TEST_F(CurlUrlSessionBodyTest, WhatIsNoResponseIsAnError) {
+TEST_F(CurlUrlSessionBodyTest, InvalidResponseIsAnError) {
     for (const auto* const said :
          {"hello\r\n\r\n", "",
           "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\nxyz\r\n",

@@ -8,7 +8,7 @@
 namespace nocta {
 namespace {
 
-TEST(HelperProtocol, HelpersOfAnotherVersionEndWithoutAnAnswer) {
+TEST(HelperProtocol, HelpersOfAnotherVersionExitWithoutAnAnswer) {
     for (const auto* const helper : {"nocta-fetch", "nocta-guardian", "nocta-magnifier"}) {
         const TemporaryFolder folder;
         const auto program = programFolder() + "/" + helper;
@@ -31,7 +31,7 @@ class HelperOfAnotherVersionTest : public NoctaProcess {};
 INSTANTIATE_TEST_SUITE_P(Servers, HelperOfAnotherVersionTest,
                          ::testing::Values(XServer::Kind::xvfb), serverName);
 
-TEST_P(HelperOfAnotherVersionTest, ScreenIsDimmedAndItIsSaidOnceThatACrashWouldLeaveItSo) {
+TEST_P(HelperOfAnotherVersionTest, ScreenIsDimmedAndOneLineSaysThatACrashWouldLeaveItDim) {
     const auto program = home.path() + "/nocta";
     const auto guardian = home.path() + "/nocta-guardian";
     std::filesystem::copy_file(programFolder() + "/nocta", program);

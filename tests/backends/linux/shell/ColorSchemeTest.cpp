@@ -23,7 +23,7 @@ constexpr auto groups = std::to_array({QPalette::Active, QPalette::Inactive, QPa
 const QColor lightWindow(0xf4, 0xf0, 0xe8);
 const QColor darkWindow(0x10, 0x18, 0x20);
 
-/// Stands for the theme of a desktop: a style has the last word on the toolkit's own palette.
+/// Imitates the theme of a desktop: a style has the last word on Qt's own palette.
 class Theme final : public QProxyStyle {
 public:
     explicit Theme(const QColor& window) : QProxyStyle("Fusion"), window_(window) {}
@@ -45,7 +45,7 @@ protected:
     static void setTheme(const QColor& window) { QApplication::setStyle(new Theme(window)); }
 
     static QColor windowColor() { return QApplication::palette().color(QPalette::Window); }
-    /// Dark, and no theme's.
+    /// Dark, and not from a theme.
     static bool isOurs() {
         return windowColor() != darkWindow &&
                windowColor().lightness() <
@@ -55,7 +55,7 @@ protected:
     static void prefer(SettingsPortal& portal, const QVariant& scheme) {
         portal.settings["org.freedesktop.appearance"]["color-scheme"] = scheme;
     }
-    /// With ours in force, for a preference of dark.
+    /// Returns once our palette is set for a dark preference.
     static void waitForOurs(SettingsPortal& portal) {
         prefer(portal, 1U);
         portal.sayThatASettingHasChanged();
@@ -71,7 +71,7 @@ TEST_F(ColorSchemeTest, DarkIsPreferredAtTheStart) {
     const ColorScheme scheme;
     EXPECT_EQ(windowColor(), lightWindow) << "not known yet";
     ASSERT_TRUE(serveUntil(isOurs));
-    EXPECT_TRUE(serveUntil([&] { // the toolkit tells open windows by an event
+    EXPECT_TRUE(serveUntil([&] { // Qt sends an event to open windows
         return child.palette().color(QPalette::Window) == windowColor();
     }));
 }
@@ -89,7 +89,7 @@ TEST_F(ColorSchemeTest, FollowsThePreferenceBothWays) {
     waitForOurs(portal);
     portal.settings.clear();
     portal.sayThatASettingHasChanged();
-    EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; })) << "known no longer";
+    EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; })) << "the setting is gone";
     EXPECT_EQ(QApplication::palette(), QPalette(lightWindow, lightWindow));
     EXPECT_EQ(QApplication::palette().resolveMask(), 0U) << "nothing of ours is left";
 }
@@ -107,10 +107,10 @@ TEST_F(ColorSchemeTest, LightPreferenceChangesNothing) {
         }
     }
     setTheme(lightWindow);
-    waitForOurs(portal); // it was listening
+    waitForOurs(portal); // it was subscribed
 }
 
-TEST_F(ColorSchemeTest, ThemeThatIsDarkByItselfStays) {
+TEST_F(ColorSchemeTest, ThemeThatIsAlreadyDarkStays) {
     SettingsPortal portal(bus);
     prefer(portal, 1U);
     setTheme(darkWindow);
@@ -124,13 +124,13 @@ TEST_F(ColorSchemeTest, ThemeThatIsDarkByItselfStays) {
     EXPECT_TRUE(isOurs()) << "a light theme is known to be unwanted";
 }
 
-TEST_F(ColorSchemeTest, ThemeThatTurnsDarkTakesThePlaceOfOurs) {
+TEST_F(ColorSchemeTest, ThemeThatTurnsDarkReplacesOurs) {
     SettingsPortal portal(bus);
     const ColorScheme scheme;
     waitForOurs(portal);
     QWindow window;
     setTheme(darkWindow);
-    QEvent themeChange(QEvent::ThemeChange); // what the toolkit sends to every window
+    QEvent themeChange(QEvent::ThemeChange); // Qt sends this to every window
     QCoreApplication::sendEvent(&window, &themeChange);
     EXPECT_EQ(windowColor(), darkWindow);
 
@@ -141,7 +141,7 @@ TEST_F(ColorSchemeTest, ThemeThatTurnsDarkTakesThePlaceOfOurs) {
     EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }));
 }
 
-TEST_F(ColorSchemeTest, ThemeThatChangesUnderOursIsTheOneThatComesBack) {
+TEST_F(ColorSchemeTest, ThemeThatChangesUnderOursComesBack) {
     SettingsPortal portal(bus);
     const ColorScheme scheme;
     waitForOurs(portal);
@@ -163,7 +163,8 @@ TEST_F(ColorSchemeTest, OtherSettingsChangeNoPalette) {
     };
     SettingsPortal portal(bus);
     const ColorScheme scheme;
-    // Else the first answer may be the dark one, and that to the change is still to come.
+    // Otherwise the first answer might be the dark one, with the answer to the change still to
+    // come.
     ASSERT_TRUE(serveUntil([&] { return portal.questions == 1; }));
     waitForOurs(portal);
     Counter counter;
@@ -175,7 +176,7 @@ TEST_F(ColorSchemeTest, OtherSettingsChangeNoPalette) {
     EXPECT_EQ(counter.changes, 1);
 }
 
-TEST_F(ColorSchemeTest, PortalThatComesAfterTheProgramIsAsked) {
+TEST_F(ColorSchemeTest, PortalThatStartsAfterTheProgramIsRead) {
     const ColorScheme scheme;
     QCoreApplication::processEvents();
     EXPECT_EQ(windowColor(), lightWindow);
@@ -184,7 +185,7 @@ TEST_F(ColorSchemeTest, PortalThatComesAfterTheProgramIsAsked) {
     EXPECT_TRUE(serveUntil(isOurs));
 }
 
-TEST_F(ColorSchemeTest, NonsenseIsNoPreference) {
+TEST_F(ColorSchemeTest, InvalidValueIsNoPreference) {
     SettingsPortal portal(bus);
     const ColorScheme scheme;
     for (const auto& value : {QVariant("1"), QVariant(1), QVariant(true), QVariant(7U)}) {
@@ -241,12 +242,12 @@ TEST_F(ColorSchemeTest, EveryRoleIsDarkAndTextIsReadable) {
         }
         const auto disabled = contrastRatio(palette.color(QPalette::Disabled, text),
                                             palette.color(QPalette::Disabled, ground));
-        EXPECT_GT(disabled, 2) << text << " on " << ground << " can be made out";
+        EXPECT_GT(disabled, 2) << text << " on " << ground << " is visible";
         EXPECT_LT(disabled, contrastRatio(palette.color(text), palette.color(ground)));
     }
 }
 
-TEST(ColorScheme, NothingChangesWhereThereIsNoBus) {
+TEST(ColorScheme, NothingChangesWithoutABus) {
     { const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS"); }
     const auto before = QApplication::palette();
     const ColorScheme scheme;

@@ -117,7 +117,7 @@ TEST_F(QtApplicationTest, WithATrayItWaitsForItsUser) {
     EXPECT_EQ(delegate.calls, "launch terminate ");
 }
 
-TEST_F(QtApplicationTest, OneThatIsThereAndDoesNotReactIsLeftAlone) {
+TEST_F(QtApplicationTest, FirstInstanceThatDoesNotAnswerIsLeftAlone) {
     const SingleInstance second(":0", folder.path());
     EXPECT_EQ(second.role(), SingleInstance::Role::unanswered);
     instance.close();

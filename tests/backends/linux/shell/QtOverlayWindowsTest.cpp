@@ -18,7 +18,7 @@
 #include <memory>
 #include <vector>
 
-// The windows of Qt on a private X server, as another client sees them. Their time is virtual.
+// Qt's windows on a private X server, as another client sees them. The time is virtual.
 
 namespace nocta {
 namespace {
@@ -65,7 +65,7 @@ protected:
 
     static void SetUpTestSuite() { qputenv("QT_QPA_PLATFORM", "xcb"); }
 
-    /// Returns the id of the window that has come.
+    /// Shows a window and returns its ID.
     xcb_window_t show(QtOverlayWindows& covers) {
         window =
             covers.makeWindow(covers.screens().at(0), {.level = 1000, .collectionBehavior = 257},
@@ -85,7 +85,7 @@ protected:
     double opacity(xcb_window_t id) {
         return client.number(id, "_NET_WM_WINDOW_OPACITY") / double{0xFFFFFFFF};
     }
-    /// Qt is not served meanwhile: what it does not send at once would not be sent.
+    /// Qt's event loop does not run here: what Qt does not send at once is not sent at all.
     void expectEachStepOnTheServer(double target, Duration duration, int steps) {
         const auto id = client.topWindows().at(0).id;
         client.countWrites(id);
@@ -102,14 +102,14 @@ protected:
     }
 };
 
-TEST_F(QtOverlayWindowsTest, EachStepOfAFadeReachesTheServerByItself) {
+TEST_F(QtOverlayWindowsTest, EachStepOfAFadeReachesTheServerAtOnce) {
     const auto id = show(windows);
     EXPECT_EQ(opacity(id), 0);
     expectEachStepOnTheServer(1, 400ms, 24);
     expectEachStepOnTheServer(0, 300ms, 18);
 }
 
-TEST_F(QtOverlayWindowsTest, EachStepOfAFadeReachesTheServerWhereACompositorWaitsForIt) {
+TEST_F(QtOverlayWindowsTest, EachStepOfAFadeReachesTheServerUnderACompositor) {
     client.becomeCompositor();
     const auto id = show(windows);
     EXPECT_EQ(opacity(id), 0);
@@ -117,18 +117,18 @@ TEST_F(QtOverlayWindowsTest, EachStepOfAFadeReachesTheServerWhereACompositorWait
     expectEachStepOnTheServer(0, 300ms, 18);
 }
 
-TEST_F(QtOverlayWindowsTest, KeyThatIsHeldFromBeforeReachesNobodyUntilItIsPressedAnew) {
+TEST_F(QtOverlayWindowsTest, KeyHeldFromBeforeIsDiscardedUntilItIsPressedAgain) {
     QtRunLoop runLoop;
     X11Connection connection(runLoop);
     X11KeyEvents keyEvents(connection, runLoop);
     QtOverlayWindows covers(runLoop, desktop.displays, &connection, &keyEvents.typing());
     const auto monitor = listen(covers);
     ASSERT_EQ(runToEnd({"xset", "-display", server.display(), "r", "rate", "50", "100"}), 0);
-    connection.synchronize(); // it listens before the key is pressed
+    connection.synchronize(); // it has selected events before the key is pressed
     client.hold(space);
     ASSERT_TRUE(serveUntil([&] { return keyEvents.typing().last().has_value(); }));
     show(covers);
-    PressCounter counter; // asked before the windows are
+    PressCounter counter; // its event filter runs before that of the windows
     application.installEventFilter(&counter);
     EXPECT_TRUE(serveUntil([&] { return counter.presses >= 10; }));
     EXPECT_EQ(keys, (std::vector<std::int64_t>{}));
@@ -138,18 +138,18 @@ TEST_F(QtOverlayWindowsTest, KeyThatIsHeldFromBeforeReachesNobodyUntilItIsPresse
     }));
     client.press(space);
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier);
-    QCoreApplication::sendEvent(QGuiApplication::focusWindow(), &press); // Qt hears of it first
+    QCoreApplication::sendEvent(QGuiApplication::focusWindow(), &press); // Qt gets the event first
     EXPECT_EQ(keys, (std::vector<std::int64_t>{spaceKeyCode}));
     window.reset();
 }
 
-TEST_F(QtOverlayWindowsTest, WhereTypingCannotBeSeenRepeatsAloneReachNobody) {
+TEST_F(QtOverlayWindowsTest, WithoutTypingDataOnlyRepeatsAreDiscarded) {
     const auto monitor = listen(windows);
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier);
     QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ", true);
     QWindow other;
     QCoreApplication::sendEvent(&other, &repeat);
-    EXPECT_EQ(keys.size(), 1U) << "without a cover, repeats as well";
+    EXPECT_EQ(keys.size(), 1U) << "without a cover, repeats get through as well";
     show(windows);
     auto* const cover = QGuiApplication::focusWindow();
     QCoreApplication::sendEvent(cover, &repeat);

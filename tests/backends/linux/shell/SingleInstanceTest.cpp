@@ -32,7 +32,7 @@ protected:
     TemporaryFolder home;
     fs::path folder = home.path() + "/runtime";
 
-    /// Runs `action` in another process and returns what it does.
+    /// Runs `action` in another process and returns its exit status.
     static int statusOf(const std::function<int()>& action) {
         const auto child = fork();
         if (child == 0) {
@@ -62,7 +62,7 @@ TEST_F(SingleInstanceTest, EveryServerAndEveryFolderHasItsOwnFirst) {
     }
 }
 
-TEST_F(SingleInstanceTest, NothingOfItCanBeEnteredByAnotherUser) {
+TEST_F(SingleInstanceTest, NoOtherUserCanOpenItsFiles) {
     const auto before = umask(0);
     const SingleInstance instance(":0", folder);
     umask(before);
@@ -76,8 +76,8 @@ TEST_F(SingleInstanceTest, NothingOfItCanBeEnteredByAnotherUser) {
     }
 }
 
-TEST_F(SingleInstanceTest, AbstractSocketOfAnotherUserNeitherKeepsAStartNorLetsTwoStart) {
-    // The name that every user of the machine could take.
+TEST_F(SingleInstanceTest, AbstractSocketOfAnotherUserNeitherBlocksAStartNorAllowsTwo) {
+    // A name that any user of the machine could take.
     const auto server = "a server of this test " + std::to_string(getpid());
     const auto name = "nocta-" + std::to_string(geteuid()) + "-" + server;
     sockaddr_un address{};
@@ -107,7 +107,7 @@ TEST_F(SingleInstanceTest, FilesOfAKilledProcessAreTakenOver) {
     EXPECT_EQ(next->role(), Role::first);
 }
 
-TEST_F(SingleInstanceTest, FirstThatEndsLeavesNoSocket) {
+TEST_F(SingleInstanceTest, FirstThatExitsLeavesNoSocket) {
     SingleInstance first(":0", folder);
     EXPECT_EQ(filesInFolder().size(), 2U);
     first.close();
@@ -117,7 +117,7 @@ TEST_F(SingleInstanceTest, FirstThatEndsLeavesNoSocket) {
     EXPECT_EQ(next.role(), Role::first);
 }
 
-TEST_F(SingleInstanceTest, LaterOneThatEndsTakesNothingAway) {
+TEST_F(SingleInstanceTest, LaterOneThatExitsRemovesNothing) {
     const SingleInstance first(":0", folder);
     const auto status = statusOf([&] {
         SingleInstance later(":0", folder, 50ms);
@@ -136,7 +136,7 @@ TEST_F(SingleInstanceTest, LongPathsDoNotMatter) {
     EXPECT_EQ(SingleInstance(server, deep, 50ms).role(), Role::unanswered);
 }
 
-TEST_F(SingleInstanceTest, WhateverHasTheSocketsNameDoesNotKeepItFromStarting) {
+TEST_F(SingleInstanceTest, AnyFileWithTheSocketsNameDoesNotKeepItFromStarting) {
     { SingleInstance(":0", folder).close(); }
     const auto lock = filesInFolder().front();
     const auto socket = fs::path(lock).replace_extension(".socket");
@@ -155,7 +155,7 @@ TEST_F(SingleInstanceTest, WhateverHasTheSocketsNameDoesNotKeepItFromStarting) {
     EXPECT_NE(said.find("nocta: cannot listen for later starts"), std::string::npos) << said;
 }
 
-TEST_F(SingleInstanceTest, LinkAtTheLocksNameIsNotFollowed) {
+TEST_F(SingleInstanceTest, LinkWithTheLocksNameIsNotFollowed) {
     { SingleInstance(":0", folder).close(); }
     const auto lock = filesInFolder().front();
     fs::remove(lock);

@@ -17,7 +17,7 @@
 namespace nocta {
 namespace {
 
-/// The watcher of StatusNotifierItems, as a panel brings it.
+/// The watcher of StatusNotifierItems, as a panel provides it.
 class Watcher final : public QDBusVirtualObject {
 public:
     explicit Watcher(const PrivateBus& bus)
@@ -57,8 +57,8 @@ protected:
     }
 };
 
-// In one test, as the D-Bus library connects to the session bus once in a process.
-TEST_F(SystemTrayTest, HostThatComesAfterTheProgramIsHeardOnce) {
+// In one test, because the D-Bus library connects to the session bus only once per process.
+TEST_F(SystemTrayTest, HostThatStartsAfterTheProgramIsReportedOnce) {
     SystemTray tray(nullptr);
     listenTo(tray);
     EXPECT_FALSE(tray.isAvailable());
@@ -73,12 +73,12 @@ TEST_F(SystemTrayTest, HostThatComesAfterTheProgramIsHeardOnce) {
 
         SystemTray second(nullptr);
         listenTo(second);
-        EXPECT_TRUE(serveUntil([&] { return second.isAvailable(); })) << "a host that is there";
+        EXPECT_TRUE(serveUntil([&] { return second.isAvailable(); })) << "an existing host";
     }
     EXPECT_EQ(told, 2);
 }
 
-TEST(SystemTray, XEmbedTrayThatComesAfterTheProgramIsHeard) {
+TEST(SystemTray, XEmbedTrayThatStartsAfterTheProgramIsReported) {
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
     const XServer server(XServer::Kind::xvfb);
     QtRunLoop runLoop;
@@ -93,7 +93,7 @@ TEST(SystemTray, XEmbedTrayThatComesAfterTheProgramIsHeard) {
     EXPECT_TRUE(serveUntil([&] { return tray.isAvailable(); }));
     EXPECT_EQ(told, 1);
     const SystemTray second(&connection);
-    EXPECT_TRUE(second.isAvailable()) << "a tray that is there";
+    EXPECT_TRUE(second.isAvailable()) << "an existing tray";
 }
 
 } // namespace

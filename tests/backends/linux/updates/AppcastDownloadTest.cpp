@@ -26,7 +26,7 @@ TEST_F(AppcastDownloadTest, VerifiedFileIsHandedToTheInstaller) {
     EXPECT_EQ(updater->downloadProgress.get(), 0);
     desktop.urlSession.send(file.substr(0, 4));
     EXPECT_DOUBLE_EQ(updater->downloadProgress.get(), 4.0 / static_cast<double>(file.size()));
-    EXPECT_FALSE(std::filesystem::exists(package)) << "not under its name before it is known";
+    EXPECT_FALSE(std::filesystem::exists(package)) << "not under its name before it is verified";
     answer(file.substr(4));
     EXPECT_EQ(opened, std::vector{package + ": " + file});
     ASSERT_NE(shown<UpdateHandedOver>(), nullptr);
@@ -73,7 +73,7 @@ TEST_F(AppcastDownloadTest, FileThatThePublisherDidNotSignIsNeverOpened) {
     EXPECT_EQ(cycles.back(), "The file is not signed");
 }
 
-TEST_F(AppcastDownloadTest, FileThatCouldBeNothingGoodIsNotLoaded) {
+TEST_F(AppcastDownloadTest, FileThatCannotBeValidIsNotLoaded) {
     start();
     const auto refused = [this](const Release& offered) {
         updater->checkForUpdates();
@@ -94,17 +94,16 @@ TEST_F(AppcastDownloadTest, FileThatCouldBeNothingGoodIsNotLoaded) {
                                   "https://updates.example/nocta.deb?x", "https://deb"}) {
         auto offered = release();
         offered.url = url;
-        EXPECT_EQ(refused(offered), "The file is no package") << url;
+        EXPECT_EQ(refused(offered), "The file is not a package") << url;
     }
     for (const auto* const length : {"", "0", "-1", "1073741825", "99999999999999999999"}) {
         auto offered = release();
         offered.length = length;
-        EXPECT_EQ(refused(offered), "The feed gives the file no length that could be right")
-            << length;
+        EXPECT_EQ(refused(offered), "The feed gives no valid length for the file") << length;
     }
 }
 
-TEST_F(AppcastDownloadTest, DownloadCanBeCancelled) {
+TEST_F(AppcastDownloadTest, DownloadCanBeCanceled) {
     start();
     updater->checkForUpdates();
     answerFeed(release().item());
@@ -158,10 +157,10 @@ TEST_F(AppcastDownloadTest, InstallerThatIsMissingIsAnError) {
     EXPECT_TRUE(showsNothing());
     updater->checkForUpdates();
     answerOfOpener("The package could not be opened");
-    EXPECT_NE(shown<UpdateCheckInProgress>(), nullptr) << "the user is at something else";
+    EXPECT_NE(shown<UpdateCheckInProgress>(), nullptr) << "the user is doing something else";
 }
 
-TEST_F(AppcastDownloadTest, HandedOverReleaseIsNotOfferedAgainByItself) {
+TEST_F(AppcastDownloadTest, HandedOverReleaseIsNotOfferedAgainUnasked) {
     startChecking();
     answerFeed(release().item());
     updater->install();
@@ -175,7 +174,7 @@ TEST_F(AppcastDownloadTest, HandedOverReleaseIsNotOfferedAgainByItself) {
     EXPECT_NE(shown<UpdateFound>(), nullptr);
 }
 
-TEST_F(AppcastDownloadTest, TwoOfOneUserDoNotMixTheirFiles) {
+TEST_F(AppcastDownloadTest, TwoInstancesOfOneUserDoNotMixTheirFiles) {
     const auto length = static_cast<std::int64_t>(file.size());
     const auto signature = *ed25519Signature(publisher.sign(file));
     UpdateFile good(package, length, publisher.key(), signature);
@@ -190,7 +189,7 @@ TEST_F(AppcastDownloadTest, TwoOfOneUserDoNotMixTheirFiles) {
     EXPECT_EQ(contentOf(package), file);
 }
 
-TEST_F(AppcastDownloadTest, WhatIsLeftOfOldUpdatesIsRemovedAtTheStart) {
+TEST_F(AppcastDownloadTest, FilesOfOldUpdatesAreRemovedAtTheStart) {
     const auto make = [&](const std::string& name, std::chrono::hours age) {
         const auto path = folder.path() + "/cache/" + name;
         writeFile(path, "x");
@@ -200,7 +199,7 @@ TEST_F(AppcastDownloadTest, WhatIsLeftOfOldUpdatesIsRemovedAtTheStart) {
     std::filesystem::create_directories(folder.path() + "/cache");
     const auto killed = make("nocta-update.deb.abcdef", 25h);
     const auto young = make("nocta-update.deb", 23h);
-    const auto link = folder.path() + "/cache/link"; // to nothing, so it has no time
+    const auto link = folder.path() + "/cache/link"; // points nowhere, so it has no time
     std::filesystem::create_symlink("missing", link);
     start();
     EXPECT_TRUE(std::filesystem::is_symlink(link));
@@ -208,7 +207,7 @@ TEST_F(AppcastDownloadTest, WhatIsLeftOfOldUpdatesIsRemovedAtTheStart) {
     EXPECT_TRUE(std::filesystem::exists(young)) << "an installer may still read it";
 }
 
-TEST_F(AppcastDownloadTest, TurnedOffItStopsWhatItHasBegun) {
+TEST_F(AppcastDownloadTest, TurningItOffStopsWhatItHasStarted) {
     startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
     answerFeed(release().item());
     desktop.urlSession.send("the");
@@ -220,7 +219,7 @@ TEST_F(AppcastDownloadTest, TurnedOffItStopsWhatItHasBegun) {
     EXPECT_EQ(asked(), bundle.feedUrl) << "the user has asked for this one";
 }
 
-TEST_F(AppcastDownloadTest, DownloadedByItselfIsOfferedOnceItIsVerified) {
+TEST_F(AppcastDownloadTest, AutomaticDownloadIsOfferedOnceItIsVerified) {
     startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
     answerFeed(release().item());
     EXPECT_EQ(asked(), "https://updates.example/nocta.deb");
@@ -231,17 +230,17 @@ TEST_F(AppcastDownloadTest, DownloadedByItselfIsOfferedOnceItIsVerified) {
     updater->dismiss();
     desktop.runLoop.advance(24h);
     answerFeed(release().item());
-    EXPECT_EQ(asked(), "") << "it is there";
+    EXPECT_EQ(asked(), "") << "it is already there";
     updater->dismiss();
     std::filesystem::remove(package);
     updater->checkForUpdates();
     answerFeed(release().item());
     updater->install();
     answer(file);
-    EXPECT_EQ(opened, std::vector{package + ": " + file}) << "it had been cleaned away";
+    EXPECT_EQ(opened, std::vector{package + ": " + file}) << "it had been deleted";
 }
 
-TEST_F(AppcastDownloadTest, DownloadByItselfThatFailsIsOnlyReported) {
+TEST_F(AppcastDownloadTest, AutomaticDownloadThatFailsIsOnlyReported) {
     startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
     answerFeed(release().item());
     answer("the old Nocta");
@@ -250,14 +249,14 @@ TEST_F(AppcastDownloadTest, DownloadByItselfThatFailsIsOnlyReported) {
     EXPECT_FALSE(isKept());
 }
 
-TEST_F(AppcastDownloadTest, UserMaySeeADownloadThatRuns) {
+TEST_F(AppcastDownloadTest, UserCanSeeARunningDownload) {
     startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
     answerFeed(release().item());
     updater->checkForUpdates();
     EXPECT_NE(shown<UpdateDownload>(), nullptr);
     answer(file);
     EXPECT_NE(shown<UpdateFound>(), nullptr);
-    EXPECT_TRUE(opened.empty()) << "nobody has said that it is to be installed";
+    EXPECT_TRUE(opened.empty()) << "the user has not asked to install it";
 }
 
 } // namespace

@@ -42,7 +42,7 @@ TEST(Appcast, ReleaseIsRead) {
     EXPECT_EQ(item.releaseNotes, "Darker nights");
 }
 
-TEST(Appcast, VersionsMayStandAtTheFile) {
+TEST(Appcast, VersionsMayBeInTheEnclosure) {
     const auto appcast =
         parseAppcast(feed(R"(<item><enclosure url="https://a.example/b" sparkle:version="7"
                              sparkle:shortVersionString="0.7"/></item>
@@ -50,7 +50,7 @@ TEST(Appcast, VersionsMayStandAtTheFile) {
     ASSERT_EQ(appcast.items.size(), 2U);
     EXPECT_EQ(appcast.items[0].version, "7");
     EXPECT_EQ(appcast.items[0].shortVersionString, "0.7");
-    EXPECT_EQ(appcast.items[1].shortVersionString, "6") << "for want of another";
+    EXPECT_EQ(appcast.items[1].shortVersionString, "6") << "there is no other";
     EXPECT_EQ(appcast.items[1].length, 0);
 }
 
@@ -76,7 +76,7 @@ TEST(Appcast, NotesAreText) {
     EXPECT_EQ(notes("<description>a<b>c</b>d</description>"), "ad") << "markup belongs in text";
 }
 
-TEST(Appcast, ItemThatNamesNoReleaseIsPassedOver) {
+TEST(Appcast, ItemWithoutAReleaseIsSkipped) {
     for (const auto* const item :
          {"<item/>", "<item><enclosure url='u'/></item>",
           "<item><sparkle:version>1</sparkle:version></item>",
@@ -96,7 +96,7 @@ TEST(Appcast, ItemThatNamesNoReleaseIsPassedOver) {
                     .items.empty());
 }
 
-TEST(Appcast, LengthThatIsNoneCountsAsNone) {
+TEST(Appcast, InvalidLengthCountsAsMissing) {
     for (const auto* const length : {"", "x", "1.5", "99999999999999999999", "0x10", "1e3"}) {
         const auto appcast = parseAppcast(feed(
             std::string("<item><sparkle:version>1</sparkle:version><enclosure url='u' length='") +
@@ -106,7 +106,7 @@ TEST(Appcast, LengthThatIsNoneCountsAsNone) {
     }
 }
 
-TEST(Appcast, WhatIsNoFeedIsRefusedInOneLine) {
+TEST(Appcast, InvalidFeedIsRefusedInOneLine) {
     for (const auto& text :
          {std::string(), std::string("hello"), std::string("{}"), std::string("<html></html>"),
           std::string("<rss>"), feed(whole).substr(0, 400), feed(whole) + "<rss/>",

@@ -37,7 +37,7 @@ TEST_F(AppcastUpdaterTest, PermissionIsAskedForOnce) {
     EXPECT_EQ(asked(), "");
 }
 
-TEST_F(AppcastUpdaterTest, AllowedItChecksAtOnceAndThenDaily) {
+TEST_F(AppcastUpdaterTest, OnceAllowedItChecksAtOnceAndThenDaily) {
     startWith("{}");
     updater->setAutomaticallyChecksForUpdates(true);
     EXPECT_TRUE(showsNothing());
@@ -67,7 +67,7 @@ TEST_F(AppcastUpdaterTest, ClockThatIsSetBackDelaysNothing) {
     EXPECT_EQ(asked(), bundle.feedUrl);
 }
 
-TEST_F(AppcastUpdaterTest, CheckThatFailedByItselfIsReportedAndTriedAgain) {
+TEST_F(AppcastUpdaterTest, AutomaticCheckThatFailsIsReportedAndRetried) {
     startChecking();
     desktop.urlSession.answer({.error = "Host not found"});
     EXPECT_TRUE(showsNothing());
@@ -79,7 +79,7 @@ TEST_F(AppcastUpdaterTest, CheckThatFailedByItselfIsReportedAndTriedAgain) {
     EXPECT_EQ(asked(), "");
 }
 
-TEST_F(AppcastUpdaterTest, TogglesAreRememberedWhereNothingCanBeChecked) {
+TEST_F(AppcastUpdaterTest, TogglesAreRememberedEvenIfNothingCanBeChecked) {
     for (const auto& [feedUrl, isPackageManaged, availability] :
          {std::tuple{"", false, Updater::Availability::noFeed},
           std::tuple{"", true, Updater::Availability::packageManager},
@@ -102,7 +102,7 @@ TEST_F(AppcastUpdaterTest, TogglesAreRememberedWhereNothingCanBeChecked) {
     }
 }
 
-TEST_F(AppcastUpdaterTest, KeyThatIsNoneStartsNothing) {
+TEST_F(AppcastUpdaterTest, InvalidKeyStartsNothing) {
     for (const auto* const text :
          {"", "nonsense", "AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA="}) {
         bundle.publicEdKey = text;
@@ -131,12 +131,12 @@ TEST_F(AppcastUpdaterTest, UserIsToldOfEveryOutcome) {
     updater->dismiss();
     updater->checkForUpdates();
     answer("hello");
-    EXPECT_EQ(shownError(), "The feed cannot be read: line 1 is not in order");
+    EXPECT_EQ(shownError(), "The feed cannot be read: line 1 is malformed");
     EXPECT_EQ(cycles, (Errors{std::nullopt, "The server answered 500",
-                              "The feed cannot be read: line 1 is not in order"}));
+                              "The feed cannot be read: line 1 is malformed"}));
 }
 
-TEST_F(AppcastUpdaterTest, CheckCanBeCancelledAndBroughtToTheFront) {
+TEST_F(AppcastUpdaterTest, CheckCanBeCanceledAndBroughtToTheFront) {
     start();
     updater->checkForUpdates();
     int shows = 0;
@@ -155,7 +155,7 @@ TEST_F(AppcastUpdaterTest, CheckCanBeCancelledAndBroughtToTheFront) {
     EXPECT_EQ(cycles.size(), 1U);
 }
 
-TEST_F(AppcastUpdaterTest, UserMayJoinACheckThatRuns) {
+TEST_F(AppcastUpdaterTest, UserCanJoinARunningCheck) {
     startChecking();
     EXPECT_TRUE(showsNothing());
     updater->checkForUpdates();
@@ -185,7 +185,7 @@ TEST_F(AppcastUpdaterTest, NewestForThisSystemIsOffered) {
     EXPECT_EQ(shown<UpdateFound>()->releaseNotes, "Darker nights");
 }
 
-TEST_F(AppcastUpdaterTest, WhatIsNotNewerIsNotOffered) {
+TEST_F(AppcastUpdaterTest, ReleaseThatIsNotNewerIsNotOffered) {
     start();
     for (const auto* const version : {"45", "45.0", "44.9", "45b1", "1", "", "v46"}) {
         auto old = release();
@@ -197,7 +197,7 @@ TEST_F(AppcastUpdaterTest, WhatIsNotNewerIsNotOffered) {
     }
 }
 
-TEST_F(AppcastUpdaterTest, ReleaseForAnotherSystemIsPassedOver) {
+TEST_F(AppcastUpdaterTest, ReleaseForAnotherSystemIsSkipped) {
     start();
     updater->checkForUpdates();
     auto item = release().item();
@@ -206,7 +206,7 @@ TEST_F(AppcastUpdaterTest, ReleaseForAnotherSystemIsPassedOver) {
     EXPECT_NE(shown<UpdateNotFound>(), nullptr);
 }
 
-TEST_F(AppcastUpdaterTest, CheckIsMadeAnewFromAnOldAnswer) {
+TEST_F(AppcastUpdaterTest, CheckCanBeRepeatedFromAnOldAnswer) {
     start();
     for (const auto& last : std::vector<UpdateStage>{UpdateNotFound{}, UpdaterError{"broken"},
                                                      UpdatePermissionRequest{}}) {
@@ -218,14 +218,14 @@ TEST_F(AppcastUpdaterTest, CheckIsMadeAnewFromAnOldAnswer) {
     }
 }
 
-TEST_F(AppcastUpdaterTest, DestroyedWhileItLoadsItIsNotCalledAnyMore) {
+TEST_F(AppcastUpdaterTest, DestroyedWhileLoadingItIsNotCalledAgain) {
     start();
     updater->checkForUpdates();
     updater.reset();
     EXPECT_EQ(asked(), "");
 }
 
-TEST_F(AppcastUpdaterTest, SkippedVersionIsNotOfferedAgainByItself) {
+TEST_F(AppcastUpdaterTest, SkippedVersionIsNotOfferedAgainUnasked) {
     startChecking();
     answerFeed(release().item());
     ASSERT_NE(shown<UpdateFound>(), nullptr);
@@ -256,10 +256,10 @@ TEST_F(AppcastUpdaterTest, ReminderComesWithTheNextCheck) {
     answerFeed(release().item());
     ASSERT_NE(shown<UpdateFound>(), nullptr);
     desktop.runLoop.advance(72h);
-    EXPECT_EQ(asked(), "") << "one is on show";
+    EXPECT_EQ(asked(), "") << "one is already shown";
 }
 
-TEST_F(AppcastUpdaterTest, EndlessFeedIsLeft) {
+TEST_F(AppcastUpdaterTest, EndlessFeedIsGivenUp) {
     start();
     updater->checkForUpdates();
     desktop.urlSession.send(std::string(1 << 17, ' '));

@@ -29,7 +29,7 @@ bool isValid(const Ed25519PublicKey& key, const Ed25519Signature& signature,
     return verification.isValid();
 }
 
-/// libsodium's own check, of a message that is held.
+/// libsodium's own check of a message in memory.
 bool isValidToSodium(const Ed25519PublicKey& key, const Ed25519Signature& signature,
                      const std::string& message) {
     return crypto_sign_verify_detached(signature.data(),
@@ -58,7 +58,7 @@ TEST(Ed25519Signature, KnownSignaturesAreValid) {
     }
 }
 
-TEST(Ed25519Signature, AgreesWithTheCheckOfAHeldMessage) {
+TEST(Ed25519Signature, AgreesWithTheCheckOfAMessageInMemory) {
     std::mt19937 random(8032);
     const Publisher signer;
     const Publisher other;
@@ -120,7 +120,7 @@ TEST(Ed25519Signature, OnlyWholeBase64OfTheRightLengthIsRead) {
     }
 }
 
-TEST(Ed25519Signature, PointsThatNoHonestKeyIsAreRefused) {
+TEST(Ed25519Signature, PointsThatCannotBeHonestKeysAreRefused) {
     for (const auto* const hex :
          {"0000000000000000000000000000000000000000000000000000000000000000",
           "0100000000000000000000000000000000000000000000000000000000000000",

@@ -1,4 +1,4 @@
-// However much a server sends, the program does not grow with it.
+// The program does not grow, however much a server sends.
 
 #include "backends/linux/network/CurlUrlSession.h"
 #include "backends/linux/shell/QtRunLoop.h"
@@ -23,9 +23,9 @@ namespace {
 
 constexpr std::int64_t gibibyte = 1LL << 30;
 constexpr std::int64_t maxGrowth = 16LL << 20;     // bytes
-constexpr std::int64_t maxHelperSize = 32LL << 20; // bytes, all of it
+constexpr std::int64_t maxHelperSize = 32LL << 20; // bytes in total
 
-/// The most memory that this process has had, in bytes.
+/// The peak memory of this process, in bytes.
 std::int64_t peakMemory() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -36,13 +36,13 @@ std::int64_t peakMemory() {
     return 0;
 }
 
-/// Counts from here on. The memory that this process has now.
+/// Resets the peak and returns the current memory of this process.
 std::int64_t forgetPeak() {
     std::ofstream("/proc/self/clear_refs") << 5;
     return peakMemory();
 }
 
-/// A server in another process. What it serves are whole responses in files.
+/// A server in another process. The files that it serves contain whole responses.
 class FileServer {
 public:
     FileServer() {
@@ -58,7 +58,7 @@ public:
             "\r\n\r\n";
         serveRaw(name, start + head, static_cast<std::int64_t>(start.size()) + size);
     }
-    /// `size` bytes that begin with `start`, whatever they mean.
+    /// `size` bytes that begin with `start`, without any response header.
     void serveRaw(const std::string& name, const std::string& start, std::int64_t size) {
         const auto file = folder_.path() + "/" + name;
         writeFile(file, start);
@@ -89,14 +89,14 @@ private:
                     output_};
 };
 
-/// The most memory that any helper has had that has ended, in bytes.
+/// The peak memory of any helper that has exited, in bytes.
 std::int64_t peakMemoryOfHelpers() {
     rusage usage{};
     getrusage(RUSAGE_CHILDREN, &usage);
     return std::int64_t{1024} * usage.ru_maxrss;
 }
 
-/// Zeros that take no memory.
+/// A stream of zeros that takes no memory.
 class Zeros {
 public:
     Zeros()
@@ -142,7 +142,7 @@ protected:
         updater.startUpdater([](const std::optional<std::string>& /*error*/) {});
     }
 
-    /// Serves the event loop for as long as it takes while there is progress.
+    /// Runs the event loop for as long as there is progress.
     template <class Stage>
     void waitForEndOf() {
         for (double before = -1; std::holds_alternative<Stage>(updater.stage.get()) &&
@@ -166,7 +166,7 @@ protected:
     }
 };
 
-TEST_F(LargeDownloadTest, FeedOfAGibibyteIsLeftEarly) {
+TEST_F(LargeDownloadTest, FeedOfAGibibyteIsGivenUpEarly) {
     server.serve("appcast.xml", "<rss><!--", gibibyte);
     const auto before = forgetPeak();
     updater.checkForUpdates();
@@ -175,7 +175,7 @@ TEST_F(LargeDownloadTest, FeedOfAGibibyteIsLeftEarly) {
     expectLittleGrowth(before);
 }
 
-TEST_F(LargeDownloadTest, HeadWithoutEndIsLeftEarly) {
+TEST_F(LargeDownloadTest, EndlessHeaderIsGivenUpEarly) {
     for (const auto* const head : {"HTTP/1.1 200 ", "HTTP/1.1 200 OK\r\nLong: ",
                                    "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"}) {
         server.serveRaw("appcast.xml", head, gibibyte);
@@ -188,7 +188,7 @@ TEST_F(LargeDownloadTest, HeadWithoutEndIsLeftEarly) {
     }
 }
 
-TEST_F(LargeDownloadTest, FileOfAGibibyteIsVerifiedAsItComes) {
+TEST_F(LargeDownloadTest, FileOfAGibibyteIsVerifiedAsItArrives) {
     const Release release = {.url = server.address("nocta.deb"),
                              .signature = publisher.sign(Zeros().view()),
                              .length = std::to_string(gibibyte)};

@@ -13,7 +13,7 @@
 namespace nocta {
 namespace {
 
-/// A desktop whose way to open files is a script.
+/// A desktop that opens files with a script.
 class OpenPackageTest : public ::testing::Test {
 protected:
     TemporaryFolder folder;
@@ -43,7 +43,7 @@ protected:
     }
 };
 
-TEST_F(OpenPackageTest, DesktopIsGivenTheFile) {
+TEST_F(OpenPackageTest, DesktopGetsTheFile) {
     openAndWait("echo \"$#$1\" > " + folder.path() + "/seen");
     EXPECT_FALSE(error);
     EXPECT_EQ(contentOf(folder.path() + "/seen"), "1" + folder.path() + "/a b;c.deb\n");
@@ -63,7 +63,7 @@ TEST_F(OpenPackageTest, OpenerThatIsMissingOrKilledIsAnError) {
     EXPECT_TRUE(error);
 }
 
-TEST_F(OpenPackageTest, NobodyIsToldOnceItIsDropped) {
+TEST_F(OpenPackageTest, CallbackIsNotCalledOnceItIsDropped) {
     open("exit 0");
     opening.cancel();
     openAndWait("exit 3");

@@ -27,7 +27,7 @@ TEST(ReleaseNotes, NothingActiveOrHiddenStays) {
     EXPECT_EQ(ofHtml("a<script>alert('<p>')</script>b<style>p{}</style>c<!-- <p>d -->e"), "abce");
     EXPECT_EQ(ofHtml("<img src='file:///etc/passwd' onerror=x>seen"), "seen");
     EXPECT_EQ(ofHtml("<a href=\"javascript:x\">link</a>"), "link");
-    // What turns what follows around, zero-width spaces, bells and escapes.
+    // Direction overrides, zero-width spaces, bells and escapes.
     EXPECT_EQ(ofHtml("a&#x202E;b&#8203;c&#7;d&#27;[31me"), "abcd[31me");
     EXPECT_EQ(ofPlain("a\u202E\u200B\x07\x1B[31mb"), "a[31mb");
 }

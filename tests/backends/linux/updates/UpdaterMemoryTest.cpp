@@ -35,7 +35,7 @@ TEST(UpdaterMemory, IsKeptInAFileOfItsOwn) {
     EXPECT_TRUE(UpdaterMemory(file).isKept());
 }
 
-TEST(UpdaterMemory, WhatCannotBeWrittenIsKeptInMemory) {
+TEST(UpdaterMemory, RecordThatCannotBeWrittenStaysInMemory) {
     const TemporaryFolder folder;
     writeFile(folder.path() + "/file", "");
     UpdaterMemory memory(folder.path() + "/file/updates.json");
@@ -44,7 +44,7 @@ TEST(UpdaterMemory, WhatCannotBeWrittenIsKeptInMemory) {
     EXPECT_EQ(contentOf(folder.path() + "/file"), "");
 }
 
-TEST(UpdaterMemory, WhatIsNoRecordCountsAsNone) {
+TEST(UpdaterMemory, InvalidRecordCountsAsMissing) {
     for (const auto* const text :
          {"", "{", "[]", "null", "1", "\"x\"", "{}", R"({"lastCheck":"x"})", R"({"lastCheck":1.5})",
           R"({"lastCheck":-1})", R"({"lastCheck":99999999999999999})",

@@ -86,12 +86,12 @@ protected:
     bool shows() const {
         return std::holds_alternative<Stage>(updater->stage.get());
     }
-    /// The stage that a check by the user ends with.
+    /// Checks at the user's request and returns the final stage.
     void check() {
         updater->checkForUpdates();
         EXPECT_TRUE(serveUntil([this] { return !shows<UpdateCheckInProgress>(); }));
     }
-    /// From the check to the installer, or to the error that is returned.
+    /// Goes from the check to the installer, or returns the error.
     std::string install() {
         check();
         if (shows<UpdateFound>()) {
@@ -121,7 +121,7 @@ TEST_F(UpdatesOverHttpsTest, SignedReleaseReachesTheInstaller) {
     EXPECT_EQ(asked, (std::vector<std::string>{"/appcast.xml", "/nocta.deb"}));
 }
 
-TEST_F(UpdatesOverHttpsTest, RedirectionsAreFollowedWhereTheyAreEncrypted) {
+TEST_F(UpdatesOverHttpsTest, EncryptedRedirectsAreFollowed) {
     redirect("/appcast.xml", "/moved.xml");
     serve("/moved.xml", appcast(release().item()));
     redirect("/nocta.deb", server.address("/1.3/nocta.deb"));
@@ -130,7 +130,7 @@ TEST_F(UpdatesOverHttpsTest, RedirectionsAreFollowedWhereTheyAreEncrypted) {
     EXPECT_EQ(opened, std::vector{file});
 }
 
-TEST_F(UpdatesOverHttpsTest, RedirectionToAPlainOrEndlessAddressIsRefused) {
+TEST_F(UpdatesOverHttpsTest, UnencryptedOrEndlessRedirectIsRefused) {
     const PlainServer plain;
     for (const auto& address : {plain.address() + "appcast.xml", std::string("/appcast.xml"),
                                 std::string("file:///etc/passwd"), std::string("https://")}) {
@@ -143,7 +143,7 @@ TEST_F(UpdatesOverHttpsTest, RedirectionToAPlainOrEndlessAddressIsRefused) {
     EXPECT_EQ(plain.connections, 0);
 }
 
-TEST_F(UpdatesOverHttpsTest, FeedThatIsNoneIsRefused) {
+TEST_F(UpdatesOverHttpsTest, InvalidFeedIsRefused) {
     for (const auto& feed :
          {std::string(), std::string("hello"), std::string("<html><p>Log in to the network"),
           std::string("<!DOCTYPE rss [<!ENTITY a \"ha\"><!ENTITY b \"&a;&a;\">]><rss>&b;</rss>"),
@@ -163,7 +163,7 @@ TEST_F(UpdatesOverHttpsTest, FeedThatIsNoneIsRefused) {
     }
 }
 
-TEST_F(UpdatesOverHttpsTest, ServerThatNobodyKnowsIsRefused) {
+TEST_F(UpdatesOverHttpsTest, UnknownServerIsRefused) {
     serve("/appcast.xml", appcast(release().item()));
     startWith(unknowing);
     expectRefused();

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <random>
 
-// What is kept in properties of the root window, which any client may write to.
+// Tests the data in properties of the root window, which any client may write to.
 
 namespace nocta {
 namespace {
@@ -47,7 +47,7 @@ protected:
         std::ranges::generate(bytes, [&] { return static_cast<std::uint8_t>(below(256)); });
         return bytes;
     }
-    /// A valid note with a fault: a bit that has changed, or an end that has gone.
+    /// A valid note with an error: a changed bit or a missing end.
     Bytes damaged(Bytes note) {
         if (below(2) == 0) {
             note[below(static_cast<std::uint32_t>(note.size()))] ^=
@@ -72,13 +72,13 @@ protected:
         return session.client.rootProperty(matricesProperty);
     }
 
-    /// The display is dimmed over its factory ramp and given back, and nothing is left.
+    /// Dims the display over its factory ramp, gives it back and expects nothing to be left.
     void expectJunkToBeHarmless() {
         session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
         const auto shown = session.client.ramp(crtc);
         EXPECT_NEAR(shown[1].back(), (factory[1][127] + factory[1][128]) / 2.0, 1);
         const auto kept = readFactoryRamps(x, root);
-        EXPECT_EQ(kept.size(), 1U) << "the junk has gone";
+        EXPECT_EQ(kept.size(), 1U) << "the junk is gone";
         EXPECT_TRUE(kept.contains(crtc) && kept.at(crtc).red == factory[0]);
         session.gammaOutput.displayRestoreColorSyncSettings();
         EXPECT_EQ(session.client.ramp(crtc), factory);
@@ -111,7 +111,7 @@ INSTANTIATE_TEST_SUITE_P(Servers, FactoryNotesTest,
                              return instance.param == XServer::Kind::xvfb ? "Xvfb" : "XorgDummy";
                          });
 
-TEST_P(FactoryNotesTest, RampsAreReadAsTheyWereKeptAndReplaceEarlierOnes) {
+TEST_P(FactoryNotesTest, RampsAreReadAsStoredAndReplaceEarlierOnes) {
     storeFactoryRamps(x, root, {{crtc, rampOf(factory)}});
     auto zeros = rampOf(factory);
     for (auto* const channel : {&zeros.red, &zeros.green, &zeros.blue}) {
@@ -126,7 +126,7 @@ TEST_P(FactoryNotesTest, RampsAreReadAsTheyWereKeptAndReplaceEarlierOnes) {
     EXPECT_TRUE(session.client.rootProperty(rampsProperty).empty());
 }
 
-TEST_P(FactoryNotesTest, RampThatDoesNotFitItsCrtcIsLeftOutAndTheOthersAreNot) {
+TEST_P(FactoryNotesTest, OnlyTheRampThatDoesNotFitItsCrtcIsLeftOut) {
     const GammaRamp small = {.red = {0, 65535}, .green = {0, 65535}, .blue = {0, 65535}};
     const xcb_randr_crtc_t unknown = crtc + 1000;
     storeFactoryRamps(x, root, {{crtc, rampOf(factory)}, {unknown, rampOf(factory)}});
@@ -161,7 +161,7 @@ TEST_P(FactoryNotesTest, NoteOfAnotherFormatVersionOrLengthIsJunk) {
     }
 }
 
-TEST_P(FactoryNotesTest, RandomJunkIsNeverTakenForANote) {
+TEST_P(FactoryNotesTest, RandomJunkIsNeverReadAsANote) {
     const auto ramps = rampNote({{crtc, rampOf(factory)}});
     ColorMatrix matrix{};
     matrix.fill(7);

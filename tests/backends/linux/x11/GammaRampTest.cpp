@@ -41,7 +41,8 @@ TEST_P(GammaRampSizes, TableIsEvaluatedFirstAndThenTheCalibration) {
     const auto ramp = laidOver(line(0.5F), curve(GetParam(), 2), GetParam());
     for (std::size_t i = 0; i < ramp.size(); ++i) {
         const auto level = static_cast<double>(i) / static_cast<double>(ramp.size() - 1);
-        // A parabola read as straight lines between 256 points is off by less than 1/8 of a step².
+        // A parabola as straight lines between 256 points is off by less than 1/8 of a squared
+        // step.
         ASSERT_NEAR(ramp[i], 65535 * std::pow(0.5 * level, 2), 1.5) << i;
     }
 }
@@ -67,7 +68,7 @@ TEST(GammaRamp, SmallestSizes) {
               (std::vector<std::uint16_t>{7, 7}));
 }
 
-TEST(GammaRamp, CalibrationNeverFallsAndIsNotAllZero) {
+TEST(GammaRamp, CalibrationNeverDecreasesAndIsNotAllZero) {
     const GammaRamp rising{{0, 1, 2}, {0, 0, 5}, {3, 3, 3}};
     EXPECT_TRUE(rising.isCalibration());
     const GammaRamp falling{{0, 1, 2}, {0, 5, 4}, {0, 1, 2}};

@@ -17,7 +17,7 @@ constexpr Duration step = 20ms;
 
 class GlidesOnX11Test : public DesktopOnX11 {
 protected:
-    /// The identity, as an output's property has it.
+    /// The identity matrix as an output's property.
     const std::vector<std::uint32_t> colored = {0, 1, 0, 0, 0, 0, 0, 0, 0,
                                                 1, 0, 0, 0, 0, 0, 0, 0, 1};
 
@@ -33,7 +33,7 @@ protected:
 };
 
 TEST_F(GlidesOnX11Test, SwitchingAutomaticWarmthOnAndOffIsOneContinuousMovement) {
-    desktop.runLoop.setWallClock(desktop.runLoop.wallNow() + 12h); // in the night
+    desktop.runLoop.setWallClock(desktop.runLoop.wallNow() + 12h); // at night
     settings().warmthLevel.set(0);
     launch();
     std::vector<double> shown = {shownKelvin()};
@@ -71,7 +71,7 @@ TEST_F(GlidesOnX11Test, EyeReliefFadesTheTintOutBeforeTheMatricesTurnGrayAndInAf
     }
     const auto output = x.client.activeOutputs().at(0);
     const auto matrix = [&] { return x.client.outputProperty("CTM", output); };
-    // How far the white is from gray.
+    // The distance of white from neutral gray.
     const auto tint = [&] {
         const auto white = shownWhite();
         return std::ranges::max(white) - std::ranges::min(white);
@@ -90,7 +90,7 @@ TEST_F(GlidesOnX11Test, EyeReliefFadesTheTintOutBeforeTheMatricesTurnGrayAndInAf
         EXPECT_EQ(matrix(), colored) << i;
     }
     desktop.runLoop.advance(step);
-    EXPECT_NEAR(tint(), whole, 1e-4) << "the matrix does it now";
+    EXPECT_NEAR(tint(), whole, 1e-4) << "the matrix removes the color now";
     EXPECT_EQ(matrix(), gray);
 
     settings().grayscaleEnabled.set(false);

@@ -32,7 +32,7 @@ TEST_F(OtherGammaProgramsTest, OnlyProgramsOnTheSameServerAreFound) {
     add("22", "redshift", "DISPLAY=:8");
     add("23", "redshift", "DISPLAY=elsewhere:7");
     add("24", "redshift", "MYDISPLAY=:7");
-    add("25", "redshift", ""); // another user's
+    add("25", "redshift", ""); // another user's process
     add("26", "redshift-gtk", "DISPLAY=:7");
     add("self", "redshift", "DISPLAY=:7");
     auto names = found(":7");
@@ -44,7 +44,7 @@ TEST_F(OtherGammaProgramsTest, OnlyProgramsOnTheSameServerAreFound) {
     EXPECT_TRUE(otherGammaPrograms(":7", processes.path() + "/none").empty());
 }
 
-/// The program beside another that has a gamma program's name.
+/// Nocta next to a program that has a gamma program's name.
 class NoctaBesideAnotherTest : public NoctaProcess {};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaBesideAnotherTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
@@ -57,7 +57,7 @@ TEST_P(NoctaBesideAnotherTest, TheOtherIsNamedOnceAtTheStart) {
     client.press(brightnessDownSymbol);
     ASSERT_TRUE(waitForBrightness(0.6875));
     const std::string line =
-        "nocta: redshift sets the gamma of this display too; end one of the two\n";
+        "nocta: redshift also sets the gamma of this display; quit one of the two\n";
     const auto said = contentOf(output);
     EXPECT_NE(said.find(line), std::string::npos) << said;
     EXPECT_EQ(said.find(line), said.rfind(line));

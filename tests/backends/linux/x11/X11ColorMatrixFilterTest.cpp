@@ -18,7 +18,7 @@ Numbers numbersOf(const ColorMatrix& matrix) {
 class X11ColorMatrixFilterTest : public ::testing::TestWithParam<XServer::Kind> {
 protected:
     X11Session x{GetParam()};
-    /// Nobody's idea of a colour space.
+    /// A matrix that no color space would use.
     Numbers previous = {7, 1, 0, 0, 3, 0x80000000, 0, 0, 9, 1, 0, 0, 0, 0, 0, 0, 11, 0};
     Numbers gray = numbersOf(grayMatrix());
     std::optional<X11ColorMatrixFilter> filter;
@@ -83,7 +83,7 @@ TEST_P(X11ColorMatrixFilterTest, OnIsGrayOnEveryDisplayAndOffIsWhatWasThere) {
     EXPECT_EQ(shown(), everywhere(previous));
 }
 
-TEST_P(X11ColorMatrixFilterTest, ScreenThatIsGrayAlreadyIsRecognised) {
+TEST_P(X11ColorMatrixFilterTest, ScreenThatIsAlreadyGrayIsRecognized) {
     x.client.setOutputProperty("CTM", gray);
     EXPECT_TRUE(filter->isOn());
     filter->setOn(false);
@@ -110,13 +110,13 @@ TEST_P(X11ColorMatrixFilterTest, WarmthMayComeAndGoWhileTheScreenIsGray) {
     EXPECT_EQ(x.client.ramp(crtc), factory);
     EXPECT_EQ(shown(), everywhere(gray));
 
-    x.client.disconnect(x.connection.window()); // what is left is for the guardian to give back
+    x.client.disconnect(x.connection.window()); // the guardian has to restore what is left
     EXPECT_TRUE(serveUntil([&] { return !x.connection.isOpen(); }));
     filter.reset();
     EXPECT_TRUE(serveUntil([&] { return shown() == everywhere(previous); }));
 }
 
-TEST_P(X11ColorMatrixFilterTest, WhatADeadProgramHasLeftGrayIsHealedByTheNext) {
+TEST_P(X11ColorMatrixFilterTest, ScreenThatADeadProgramLeftGrayIsRestoredByTheNext) {
     ColorMatrix matrix{};
     std::ranges::copy(previous, matrix.begin());
     FactoryMatrices matrices;
@@ -127,12 +127,12 @@ TEST_P(X11ColorMatrixFilterTest, WhatADeadProgramHasLeftGrayIsHealedByTheNext) {
     x.connection.synchronize();
     x.client.setOutputProperty("CTM", gray);
     makeFilter();
-    EXPECT_FALSE(filter->isOn()) << "before that is done too";
+    EXPECT_FALSE(filter->isOn()) << "even before that is done";
     EXPECT_EQ(shown(), everywhere(previous));
     EXPECT_FALSE(filter->isOn());
 }
 
-TEST_P(X11ColorMatrixFilterTest, WhatWaitsForTheGuardianIsTheNewestWish) {
+TEST_P(X11ColorMatrixFilterTest, OnlyTheNewestChangeWaitsForTheGuardian) {
     filter->setOn(true);
     EXPECT_TRUE(filter->isOn());
     filter->setOn(false);

@@ -33,12 +33,12 @@ TEST(X11Displays, PrimaryOutputIsTheMainDisplay) {
     EXPECT_TRUE(serveUntil([&] { return !session.displays.displayIsMain(session.list()[1]); }));
 }
 
-TEST(X11Displays, OneChangeIsNotifiedOnceAndNoChangeNever) {
+TEST(X11Displays, EachChangeIsReportedExactlyOnce) {
     X11Session session(XServer::Kind::xorgDummy);
     std::vector<std::size_t> sizes;
     const auto subscription = session.notificationCenter.observe(
         didChangeScreenParametersNotification, [&] { sizes.push_back(session.list().size()); });
-    session.server.xrandr({"--addmode", "DUMMY1", "1280x720"}); // tells, and changes no display
+    session.server.xrandr({"--addmode", "DUMMY1", "1280x720"}); // changes no display
     session.server.xrandr({"--output", "DUMMY1", "--mode", "1280x720", "--same-as", "DUMMY0"});
     ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
     session.server.unplugSecondOutput();
@@ -63,14 +63,14 @@ TEST(X11Displays, ServerWithoutAnOutputInUseHasNoDisplays) {
     EXPECT_TRUE(serveUntil([&] { return session.list().size() == 1; }));
 }
 
-TEST(X11Displays, EmulationIsKnownByItsOutputProperty) {
+TEST(X11Displays, EmulationIsDetectedByItsOutputProperty) {
     X11Session session(XServer::Kind::xvfb);
     EXPECT_FALSE(session.displays.isEmulation());
     session.client.setOutputProperty("RANDR Emulation", {1});
     EXPECT_TRUE(session.displays.isEmulation());
 }
 
-TEST(X11Displays, BuiltInIsToldByTheNameOfTheOutput) {
+TEST(X11Displays, BuiltInIsDetectedByTheNameOfTheOutput) {
     for (const auto& [name, isBuiltIn] : {std::pair{"eDP-1", true},
                                           {"LVDS1", true},
                                           {"DSI-2", true},

@@ -11,20 +11,20 @@ namespace nocta {
 
 namespace {
 
-// A CRTC with a ramp of size 0 is not tested: no server that runs without a screen has one.
+// A CRTC with a ramp of size 0 is not tested: no headless X server has one.
 
 struct Guardians : NoctaProcess {
     using NoctaProcess::guardiansOf;
 };
 
-/// A second Nocta on the server of the first.
+/// A second Nocta on the same server.
 struct OtherProgram {
     X11Session& first;
     X11Connection connection{first.runLoop};
     Guardian guardian{connection, first.runLoop};
     X11GammaOutput output{connection, first.displays, guardian};
 
-    /// Returns when all that was sent is on the server.
+    /// Returns once the server has handled everything.
     Status set(DisplayId display, float top) {
         const auto tables = X11Session::tables({top, top, top});
         const auto status =
@@ -46,7 +46,7 @@ protected:
         return session.client.ramp(crtc);
     }
 
-    /// Dims the display and freezes the guardian that watches over it.
+    /// Dims the display and freezes its guardian.
     pid_t dimAndFreezeGuardian() {
         session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
         const auto guardians = Guardians::guardiansOf(getpid());
@@ -55,8 +55,8 @@ protected:
         return guardians.at(0);
     }
 
-    /// What a table of the given top shows at entry i of 256, over a calibration read as straight
-    /// lines between its points.
+    /// The expected value at entry i of 256 for a table with the given top over a calibration,
+    /// which is joined by straight lines.
     static double expected(const std::vector<std::uint16_t>& calibration, double top, int i) {
         const auto place = top * i / 255 * 255;
         const auto below = std::min(static_cast<std::size_t>(place), std::size_t{254});
@@ -85,10 +85,10 @@ TEST_P(X11GammaOutputTest, TablesAreLaidOverTheCalibration) {
         }
     }
     session.gammaOutput.displayRestoreColorSyncSettings();
-    EXPECT_EQ(ramp(), factory) << "given back to the bit";
+    EXPECT_EQ(ramp(), factory) << "restored bit for bit";
 }
 
-TEST_P(X11GammaOutputTest, RampThatIsNoCalibrationCountsAsTheIdentityAndIsStillGivenBack) {
+TEST_P(X11GammaOutputTest, RampThatIsNotACalibrationCountsAsTheIdentityAndIsStillRestored) {
     auto falling = calibration(256, 1.0, {1, 1, 1});
     falling[2][100] = 0;
     XClient::Ramp zero;
@@ -108,7 +108,7 @@ TEST_P(X11GammaOutputTest, RampThatIsNoCalibrationCountsAsTheIdentityAndIsStillG
     }
 }
 
-TEST_P(X11GammaOutputTest, EqualTablesHealARampThatSomebodyElseHasReset) {
+TEST_P(X11GammaOutputTest, EqualTablesRepairARampThatAnotherProgramHasReset) {
     const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
     session.set(display, tables);
     const auto ours = ramp();
@@ -118,7 +118,7 @@ TEST_P(X11GammaOutputTest, EqualTablesHealARampThatSomebodyElseHasReset) {
     EXPECT_EQ(ramp(), ours);
 }
 
-TEST_P(X11GammaOutputTest, LastRampsAreSentAgainWhileTheyAreInForce) {
+TEST_P(X11GammaOutputTest, LastRampsAreSentAgainWhileTheyApply) {
     const auto factory = ramp();
     session.gammaOutput.sendAgain();
     EXPECT_EQ(ramp(), factory) << "nothing was written";
@@ -155,18 +155,18 @@ TEST_P(X11GammaOutputTest, TablesWaitUntilTheGuardianIsReadyAndTheNewestCounts) 
     };
     EXPECT_EQ(set(0.75F), statusSuccess);
     EXPECT_EQ(set(0.5F), statusSuccess);
-    EXPECT_EQ(ramp(), factory) << "nobody would give it back";
+    EXPECT_EQ(ramp(), factory) << "nothing would restore it";
     session.settle();
     const auto half = ramp();
     EXPECT_NE(half, factory);
     set(0.25F);
     set(0.5F);
-    EXPECT_EQ(ramp(), half) << "from then on nothing waits";
+    EXPECT_EQ(ramp(), half) << "after that nothing waits";
     EXPECT_NE(set(0.25F), statusFailure);
     EXPECT_NE(ramp(), half);
 }
 
-TEST_P(X11GammaOutputTest, NothingIsWrittenAnyMoreThatWaitedWhenTheScreenIsGivenBack) {
+TEST_P(X11GammaOutputTest, WaitingTablesAreDroppedWhenTheScreenIsGivenBack) {
     const auto factory = ramp();
     const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
     session.gammaOutput.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
@@ -187,7 +187,7 @@ TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay
     Timer turn;
     turn.start(session.runLoop, std::chrono::milliseconds(10), Repeat::yes, [&] { ++turns; });
     other.set(display, 0.5F);
-    EXPECT_GT(turns, 10) << "the first may be ending, and is waited for without holding the loop";
+    EXPECT_GT(turns, 10) << "the first may be exiting; waiting for it does not block the loop";
     EXPECT_NE(other.set(display, 0.5F), statusSuccess);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "nocta: another Nocta controls the gamma of this display\n");
@@ -195,13 +195,13 @@ TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay
 
     session.gammaOutput.displayRestoreColorSyncSettings();
     const auto factory = ramp();
-    EXPECT_EQ(other.set(display, 0.5F), statusSuccess) << "the first has gone";
+    EXPECT_EQ(other.set(display, 0.5F), statusSuccess) << "the first is gone";
     EXPECT_EQ(session.client.ramp(crtc), ours);
     other.output.displayRestoreColorSyncSettings();
     EXPECT_EQ(session.client.ramp(crtc), factory);
 }
 
-TEST_P(X11GammaOutputTest, DisplayWhoseGuardianWasFrozenIsTheNextOnesForGood) {
+TEST_P(X11GammaOutputTest, DisplayOfAFrozenGuardianGoesToTheNextForGood) {
     const auto factory = ramp();
     const auto frozen = dimAndFreezeGuardian();
     OtherProgram other{session};
@@ -211,7 +211,7 @@ TEST_P(X11GammaOutputTest, DisplayWhoseGuardianWasFrozenIsTheNextOnesForGood) {
     ::testing::internal::CaptureStderr();
     kill(frozen, SIGCONT);
     EXPECT_TRUE(serveUntil([&] { return kill(frozen, 0) != 0; }));
-    session.settle(); // another was started, and refused
+    session.settle(); // another was started and refused
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "nocta: another Nocta controls the gamma of this display\n");
     EXPECT_NE(session.set(display, X11Session::tables({1.0F, 1.0F, 1.0F})), statusSuccess);
@@ -237,7 +237,7 @@ TEST_P(X11GammaOutputTest, ProgramThatDoesNotKnowThatItLostTheDisplayDoesNotGive
     EXPECT_EQ(session.client.ramp(crtc), factory);
 }
 
-TEST_P(X11GammaOutputTest, WhatADeadProgramHasLeftIsGivenBackEvenIfTheNextEndsAtOnce) {
+TEST_P(X11GammaOutputTest, ScreenOfADeadProgramIsRestoredEvenIfTheNextExitsAtOnce) {
     const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
     storeFactoryRamps(session.connection.get(), session.connection.root(),
                       {{crtc, {.red = factory[0], .green = factory[1], .blue = factory[2]}}});
@@ -260,7 +260,7 @@ TEST_P(X11GammaOutputTest, DyingServerFailsWithoutACrash) {
     EXPECT_EQ(lost, 1);
 }
 
-TEST_P(X11GammaOutputTest, GuardianActsWhereTheConnectionIsLostAndTheServerIsNot) {
+TEST_P(X11GammaOutputTest, GuardianActsIfOnlyTheConnectionIsLost) {
     const auto factory = ramp();
     session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
     ASSERT_NE(ramp(), factory);
@@ -272,7 +272,7 @@ TEST_P(X11GammaOutputTest, GuardianActsWhereTheConnectionIsLostAndTheServerIsNot
     EXPECT_TRUE(waitUntil([&] { return session.client.ramp(crtc) == factory; }));
 }
 
-TEST_P(X11GammaOutputTest, FactoryRampIsKeptOnTheServerWhileItIsNotInForce) {
+TEST_P(X11GammaOutputTest, FactoryRampIsKeptOnTheServerWhileItIsReplaced) {
     const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
     session.client.setRamp(crtc, factory);
     const auto root = session.connection.root();
@@ -288,20 +288,20 @@ TEST_P(X11GammaOutputTest, FactoryRampIsKeptOnTheServerWhileItIsNotInForce) {
     EXPECT_TRUE(readFactoryRamps(session.connection.get(), root).empty());
 }
 
-TEST(X11GammaOutput, RampThatVanishedBetweenListingAndWritingHarmsNoOther) {
+TEST(X11GammaOutput, RampThatVanishesBetweenListingAndWritingDoesNotAffectOthers) {
     X11Session session(XServer::Kind::xorgDummy);
     session.server.plugSecondOutput();
     ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
     const auto list = session.list();
-    session.server.unplugSecondOutput(); // and the program has not heard of it yet
+    session.server.unplugSecondOutput(); // and the program does not know it yet
     session.set(list[1], X11Session::tables({0.5F, 0.5F, 0.5F}));
     EXPECT_EQ(session.set(list[0], X11Session::tables({0.5F, 0.5F, 0.5F})), statusSuccess);
     EXPECT_NEAR(session.client.top(session.client.crtcOf(list[0])), 0.5 * 65280 / 65535, 2e-5);
     EXPECT_TRUE(serveUntil([&] { return session.list().size() == 1; }));
 }
 
-/// A second display that comes and goes. That a CRTC drives another display without having been off
-/// is not tested: no server that runs without a screen has a CRTC for several outputs.
+/// Plugs and unplugs a second display. Moving a CRTC to another display without switching it off is
+/// not tested: on a headless X server no CRTC works for several outputs.
 class CalibrationTest : public ::testing::Test {
 protected:
     X11Session session{XServer::Kind::xorgDummy};
@@ -337,7 +337,7 @@ protected:
         }
         const auto kept = readFactoryRamps(session.connection.get(), session.connection.root());
         ASSERT_TRUE(kept.contains(crtc));
-        EXPECT_EQ(kept.at(crtc).red, factory[0]) << "for whoever has to give it back";
+        EXPECT_EQ(kept.at(crtc).red, factory[0]) << "for the process that has to restore it";
     }
     void expectGivenBackAs(const XClient::Ramp& factory) {
         session.gammaOutput.displayRestoreColorSyncSettings();
@@ -345,15 +345,15 @@ protected:
     }
 };
 
-TEST_F(CalibrationTest, RampThatTheServerKeptWhileADisplayWasOffIsNoCalibration) {
+TEST_F(CalibrationTest, RampThatTheServerKeptWhileADisplayWasOffIsNotACalibration) {
     const auto dimmed = session.client.ramp(crtc);
     unplug();
     plug();
-    EXPECT_EQ(session.client.ramp(crtc), dimmed) << "nothing is written when a display comes";
+    EXPECT_EQ(session.client.ramp(crtc), dimmed) << "nothing is written when a display appears";
     dim();
     expectDimmed(first);
     unplug();
-    auto rounded = dimmed; // as a driver with 8 bits keeps it
+    auto rounded = dimmed; // as a driver with 8 bits stores it
     for (auto& channel : rounded) {
         for (auto& level : channel) {
             level &= 0xff00;
@@ -379,7 +379,7 @@ TEST_F(CalibrationTest, CalibrationThatIsLoadedWhileADisplayIsOffCounts) {
 
 TEST_F(CalibrationTest, CalibrationThatIsLoadedWhenADisplayComesBackCounts) {
     session.server.unplugSecondOutput();
-    session.server.plugSecondOutput(); // before the program has looked
+    session.server.plugSecondOutput(); // before the program has checked
     session.client.setRamp(crtc, second);
     session.connection.synchronize();
     QCoreApplication::processEvents();
@@ -404,14 +404,14 @@ TEST_F(CalibrationTest, DisplayThatWasOffWaitsForTheNextTablesAfterAWake) {
     EXPECT_EQ(session.client.ramp(crtc), second);
     dim();
     expectDimmed(second);
-    session.client.setRamp(crtc, first); // lost, say
+    session.client.setRamp(crtc, first); // simulates a loss
     session.gammaOutput.sendAgain();
     session.connection.synchronize();
     expectDimmed(second);
 }
 
-TEST_F(CalibrationTest, RampThatIsSetWhileTheDisplayStaysOnIsNoCalibration) {
-    session.client.setRamp(crtc, second); // another program's, which the next write heals
+TEST_F(CalibrationTest, RampThatIsSetWhileTheDisplayStaysOnIsNotACalibration) {
+    session.client.setRamp(crtc, second); // from another program; the next write repairs it
     dim();
     expectDimmed(first);
     expectGivenBackAs(first);

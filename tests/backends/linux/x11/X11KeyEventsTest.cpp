@@ -10,8 +10,8 @@ INSTANTIATE_TYPED_TEST_SUITE_P(X11, KeyEventsContract, X11Harness);
 
 namespace {
 
-TEST(X11KeyEvents, KeyboardThatIsMappedAnewIsHeard) {
-    X11Harness harness; // its client gives free keys the two symbols after the program has looked
+TEST(X11KeyEvents, RemappedKeyboardIsNoticed) {
+    X11Harness harness; // maps the two symbols to free keys at the first press
     std::vector<std::int64_t> keys;
     const auto tap = harness.keyEvents().createKeyDownTap(
         [&](const KeyDownEvent& event) { keys.push_back(event.keyCode); });
@@ -20,9 +20,9 @@ TEST(X11KeyEvents, KeyboardThatIsMappedAnewIsHeard) {
     EXPECT_EQ(keys, (std::vector<std::int64_t>{145, 144}));
 }
 
-TEST(X11KeyEvents, HeldKeyRepeatsAtTheKeyboardsOwnPaceUntilItIsReleased) {
+TEST(X11KeyEvents, HeldKeyRepeatsAtTheKeyboardsRateUntilItIsReleased) {
     X11Harness harness;
-    harness.pressBrightnessUp(); // gives free keys the two symbols
+    harness.pressBrightnessUp(); // maps the two symbols to free keys
     harness.pressBrightnessDown();
     ASSERT_EQ(runToEnd({"xset", "-display", harness.server.display(), "r", "rate", "50", "100"}),
               0);
@@ -34,7 +34,7 @@ TEST(X11KeyEvents, HeldKeyRepeatsAtTheKeyboardsOwnPaceUntilItIsReleased) {
     harness.client.hold(brightnessDownSymbol);
     EXPECT_TRUE(serveUntil([&] { return heard == 5; }));
     harness.client.release(brightnessDownSymbol);
-    harness.pressBrightnessDown(); // heard after the release
+    harness.pressBrightnessDown(); // arrives after the release
     const auto whenReleased = heard;
     bool passed = false;
     Timer timer;
@@ -44,7 +44,7 @@ TEST(X11KeyEvents, HeldKeyRepeatsAtTheKeyboardsOwnPaceUntilItIsReleased) {
     EXPECT_EQ(heard, whenReleased);
 }
 
-TEST(X11KeyEvents, HeldKeyDoesNotRepeatWhereRepeatingIsOff) {
+TEST(X11KeyEvents, HeldKeyDoesNotRepeatIfRepeatingIsOff) {
     X11Harness harness;
     harness.pressBrightnessUp();
     harness.pressBrightnessDown();

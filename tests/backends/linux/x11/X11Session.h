@@ -20,7 +20,7 @@
 
 namespace nocta {
 
-/// The X11 ports on a server of their own, and another client that looks at it.
+/// The X11 ports on a private server, and another client that observes it.
 struct X11Session {
     explicit X11Session(XServer::Kind kind, const std::vector<std::string>& options = {},
                         const std::vector<std::string>& outputNames = {})
@@ -41,14 +41,14 @@ struct X11Session {
         displays.getActiveDisplayList(ids, count);
         return {ids.begin(), ids.begin() + count};
     }
-    /// Returns when all that was sent is on the server.
+    /// Returns once the server has handled everything.
     Status set(DisplayId id, const std::array<std::vector<float>, 3>& tables) {
         const auto status =
             gammaOutput.setDisplayTransferByTable(id, tables[0], tables[1], tables[2]);
         settle();
         return status;
     }
-    /// Lets what waits for the guardian be written.
+    /// Waits until what depends on the guardian has been written.
     void settle() {
         EXPECT_TRUE(serveUntil([this] { return !guardian.isStarting(); }));
         connection.synchronize();
@@ -65,7 +65,7 @@ struct X11Session {
     }
 };
 
-/// The same as the harness of the contract suites.
+/// The same, as the harness of the contract suites.
 struct X11Harness : X11Session {
     std::map<DisplayId, double> factoryTops;
     std::optional<X11KeyEvents> keys;
@@ -105,7 +105,7 @@ private:
         bool heard = false;
         const auto listener =
             keyEvents().createKeyDownTap([&](const KeyDownEvent&) { heard = true; });
-        connection.synchronize(); // the program listens before the key is pressed
+        connection.synchronize(); // the program has selected events before the key is pressed
         client.press(symbol);
         EXPECT_TRUE(serveUntil([&] { return heard; }));
     }

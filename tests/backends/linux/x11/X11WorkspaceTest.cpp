@@ -35,7 +35,7 @@ protected:
     bool waitForActivation(const Application& application) {
         return serveUntil([&] { return !activated.empty() && activated.back() == application; });
     }
-    /// What has happened on the server so far has been told when this returns.
+    /// Returns once everything that has happened on the server has been reported.
     void hear() {
         x.connection.synchronize();
         for (int turn = 0; turn < 3; ++turn) { // the events, the deferred look, its own events
@@ -55,7 +55,7 @@ protected:
     }
 };
 
-/// What a window manager says, said by the test.
+/// Imitates the properties that a window manager sets.
 class Words {
 public:
     Words() : sign_(application_.make()) {
@@ -76,7 +76,7 @@ private:
     xcb_window_t sign_;
 };
 
-/// With a window manager itself.
+/// With a real window manager.
 class X11WorkspaceInOpenboxTest : public X11WorkspaceTest {
 protected:
     std::optional<Process> openbox;
@@ -85,7 +85,7 @@ protected:
         : X11WorkspaceTest(kind) {}
 
     void SetUp() override {
-        // It says itself when it has begun to manage windows.
+        // It creates this file when it starts to manage windows.
         const auto sign = processes.path() + "/started";
         openbox.emplace(
             std::vector<std::string>{"openbox", "--sm-disable", "--config-file",
@@ -96,7 +96,7 @@ protected:
     }
 };
 
-TEST_F(X11WorkspaceInOpenboxTest, TellsWhichApplicationHasComeToTheFront) {
+TEST_F(X11WorkspaceInOpenboxTest, ReportsWhichApplicationHasComeToTheFront) {
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     XApplication zoom("zoom", "zoom");
     XApplication editor("editor", "Editor");
@@ -116,7 +116,7 @@ TEST_F(X11WorkspaceInOpenboxTest, TellsWhichApplicationHasComeToTheFront) {
     ASSERT_TRUE(waitForActivation(inZoom));
     zoom.close(meeting);
     ASSERT_TRUE(waitForActivation(inEditor));
-    std::erase(activated, std::nullopt); // on the way from one window to the next there is none
+    std::erase(activated, std::nullopt); // between two windows none is active
     EXPECT_EQ(activated, (std::vector{inZoom, inEditor, inZoom, inEditor}));
 
     editor.close(text);
@@ -141,7 +141,7 @@ TEST_F(X11WorkspaceInOpenboxTest, ListsTheWindowsThatAreOnScreen) {
     application.moveToDesktop(elsewhere, 1);
     const std::vector<Size> one = {{400, 300}};
     ASSERT_TRUE(serveUntil([&] { return sizesOnScreen() == one; }));
-    application.moveToDesktop(elsewhere, 0xFFFFFFFF); // on all of them
+    application.moveToDesktop(elsewhere, 0xFFFFFFFF); // on all desktops
     const std::vector<Size> two = {{201, 100}, {400, 300}};
     ASSERT_TRUE(serveUntil([&] { return sizesOnScreen() == two; }));
 }
@@ -164,7 +164,7 @@ TEST_F(X11WorkspaceInOpenboxTest, WindowManagerThatDiesLeavesNothingInFrontUntil
     ASSERT_TRUE(waitForActivation(inZoom));
     openbox->signal(SIGKILL);
     openbox->wait();
-    EXPECT_NE(zoom.rootNumber("_NET_ACTIVE_WINDOW"), 0U) << "the words of a dead one";
+    EXPECT_NE(zoom.rootNumber("_NET_ACTIVE_WINDOW"), 0U) << "left by the dead window manager";
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     EXPECT_EQ(workspace.copyWindowInfo(), std::nullopt);
     EXPECT_EQ(workspace.mainScreenFrame(), (Rect{0, 0, 1280, 800}));
@@ -193,7 +193,7 @@ TEST_F(X11WorkspaceOnTwoScreensTest, MainScreenIsTheOneWithTheFocus) {
     words.setActiveWindow(application.open({right.x + 50, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), right);
     words.setActiveWindow(application.open({right.x - 100, 50, 300, 200}));
-    EXPECT_EQ(workspace.mainScreenFrame(), right) << "most of it is there";
+    EXPECT_EQ(workspace.mainScreenFrame(), right) << "most of the window is there";
     words.setActiveWindow(application.open({right.x - 200, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), left);
 
@@ -240,7 +240,7 @@ TEST_F(X11WorkspaceTest, AnotherWindowOfTheSameApplicationIsNoChange) {
     EXPECT_EQ(activated, (std::vector{inFirst, Application(), inSecond}));
 }
 
-TEST_F(X11WorkspaceTest, ApplicationIsKnownByWhateverItsWindowTells) {
+TEST_F(X11WorkspaceTest, ApplicationIsIdentifiedByAnythingItsWindowReports) {
     Words words;
     XApplication silent;
     const auto window = silent.open();
@@ -267,13 +267,13 @@ TEST_F(X11WorkspaceTest, SandboxOfAnApplicationIsFoundThroughItsConnection) {
     Words words;
     XApplication application("electron", "Electron");
     const auto window = application.open();
-    application.setNumbers(window, "_NET_WM_PID", {2}, "CARDINAL"); // as the sandbox counts
+    application.setNumbers(window, "_NET_WM_PID", {2}, "CARDINAL"); // the ID inside the sandbox
     words.setActiveWindow(window);
     EXPECT_EQ(workspace.frontmostApplication(),
               (Application{RunningApplication{"com.discord.Discord", "Electron"}}));
 }
 
-TEST_F(X11WorkspaceTest, WindowsThatStayMappedWhileTheyAreNotSeenAreNotListed) {
+TEST_F(X11WorkspaceTest, MappedWindowsThatAreNotVisibleAreNotListed) {
     Words words;
     XApplication application("editor", "Editor");
     application.setNumbers(application.root(), "_NET_CURRENT_DESKTOP", {2}, "CARDINAL");
@@ -292,7 +292,7 @@ TEST_F(X11WorkspaceTest, WindowsThatStayMappedWhileTheyAreNotSeenAreNotListed) {
     EXPECT_EQ(sizesOnScreen(), (std::vector<Size>{{203, 100}, {204, 100}}));
 }
 
-TEST_F(X11WorkspaceTest, WindowsThatHaveGoneTellNothing) {
+TEST_F(X11WorkspaceTest, WindowsThatAreGoneReportNothing) {
     Words words;
     XApplication application("zoom", "zoom");
     const auto window = application.open();
@@ -307,7 +307,7 @@ TEST_F(X11WorkspaceTest, WindowsThatHaveGoneTellNothing) {
     EXPECT_EQ(workspace.mainScreenFrame(), (Rect{0, 0, 1280, 800}));
 }
 
-TEST_F(X11WorkspaceTest, WordsThatMakeNoSenseAreNotBelieved) {
+TEST_F(X11WorkspaceTest, InvalidPropertiesAreIgnored) {
     Words words;
     XApplication application("zoom", "zoom");
     const auto root = application.root();
@@ -342,7 +342,7 @@ TEST_F(X11WorkspaceTest, WordsThatMakeNoSenseAreNotBelieved) {
     EXPECT_EQ(workspace.frontmostApplication().value().localizedName, std::string(1022, 'b'));
 }
 
-TEST_F(X11WorkspaceTest, TrayThatListensToTheRootWindowTakesNoEventsAway) {
+TEST_F(X11WorkspaceTest, TrayThatObservesTheRootWindowTakesNoEventsAway) {
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
     SystemTray tray(&x.connection);
     Words words;
@@ -353,7 +353,7 @@ TEST_F(X11WorkspaceTest, TrayThatListensToTheRootWindowTakesNoEventsAway) {
     EXPECT_TRUE(serveUntil([&] { return tray.isAvailable(); }));
 }
 
-TEST_F(X11WorkspaceTest, NothingIsToldOnceTheServerHasGone) {
+TEST_F(X11WorkspaceTest, NothingIsReportedOnceTheServerIsGone) {
     Words words;
     XApplication application("zoom", "zoom");
     words.setActiveWindow(application.open());
@@ -366,7 +366,7 @@ TEST_F(X11WorkspaceTest, NothingIsToldOnceTheServerHasGone) {
     EXPECT_EQ(workspace.copyWindowInfo(), std::nullopt);
 }
 
-TEST_F(X11WorkspaceTest, ReducesMotionAsItIsTold) {
+TEST_F(X11WorkspaceTest, ReducesMotionOnRequest) {
     EXPECT_FALSE(workspace.accessibilityDisplayShouldReduceMotion());
     reducesMotion = true;
     EXPECT_TRUE(workspace.accessibilityDisplayShouldReduceMotion());
