@@ -25,19 +25,16 @@ struct DarkColor {
 /// Every role, so that none keeps its color from a light palette. The style derives edges and
 /// gradients from these, and expects the button color to be halfway between `Light` and `Dark`.
 constexpr auto darkColors = std::to_array<DarkColor>({
-    {QPalette::Window, 0x2a2a2a, 0x2a2a2a}, {QPalette::WindowText, 0xeeeeee, 0x8c8c8c},
-        {QPalette::Base, 0x1f1f1f, 0x272727}, {QPalette::AlternateBase, 0x262626, 0x2a2a2a},
-        {QPalette::Text, 0xeeeeee, 0x8c8c8c}, {QPalette::PlaceholderText, 0x9a9a9a, 0x6a6a6a},
-        {QPalette::Button, 0x383838, 0x303030}, {QPalette::ButtonText, 0xeeeeee, 0x8c8c8c},
-        {QPalette::BrightText, 0xffffff, 0xb0b0b0}, {QPalette::Light, 0x545454, 0x484848},
-        {QPalette::Midlight, 0x464646, 0x3c3c3c}, {QPalette::Mid, 0x232323, 0x232323},
-        {QPalette::Dark, 0x1a1a1a, 0x1a1a1a}, {QPalette::Shadow, 0x000000, 0x000000},
-        {QPalette::Highlight, 0xd98a00, 0x4d4d4d}, {QPalette::HighlightedText, 0x000000, 0xa6a6a6},
-        {QPalette::Link, 0xf0b450, 0x8c8c8c}, {QPalette::LinkVisited, 0xc9a878, 0x8c8c8c},
-        {QPalette::ToolTipBase, 0x383838, 0x383838}, {QPalette::ToolTipText, 0xeeeeee, 0x8c8c8c},
-#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
-        {QPalette::Accent, 0xd98a00, 0x4d4d4d},
-#endif
+    {QPalette::Window, 0x2a2a2a, 0x2a2a2a},      {QPalette::WindowText, 0xeeeeee, 0x8c8c8c},
+    {QPalette::Base, 0x1f1f1f, 0x272727},        {QPalette::AlternateBase, 0x262626, 0x2a2a2a},
+    {QPalette::Text, 0xeeeeee, 0x8c8c8c},        {QPalette::PlaceholderText, 0x9a9a9a, 0x6a6a6a},
+    {QPalette::Button, 0x383838, 0x303030},      {QPalette::ButtonText, 0xeeeeee, 0x8c8c8c},
+    {QPalette::BrightText, 0xffffff, 0xb0b0b0},  {QPalette::Light, 0x545454, 0x484848},
+    {QPalette::Midlight, 0x464646, 0x3c3c3c},    {QPalette::Mid, 0x232323, 0x232323},
+    {QPalette::Dark, 0x1a1a1a, 0x1a1a1a},        {QPalette::Shadow, 0x000000, 0x000000},
+    {QPalette::Highlight, 0xd98a00, 0x4d4d4d},   {QPalette::HighlightedText, 0x000000, 0xa6a6a6},
+    {QPalette::Link, 0xf0b450, 0x8c8c8c},        {QPalette::LinkVisited, 0xc9a878, 0x8c8c8c},
+    {QPalette::ToolTipBase, 0x383838, 0x383838}, {QPalette::ToolTipText, 0xeeeeee, 0x8c8c8c},
 });
 
 QPalette darkPalette() {
@@ -47,6 +44,11 @@ QPalette darkPalette() {
         palette.setColor(QPalette::Inactive, role, QColor(enabled));
         palette.setColor(QPalette::Disabled, role, QColor(disabled));
     }
+#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        palette.setColor(group, QPalette::Accent, palette.color(group, QPalette::Highlight));
+    }
+#endif
     return palette;
 }
 
