@@ -98,13 +98,6 @@ void HelperProcess::endInput() const {
     shutdown(socket_.get(), SHUT_WR);
 }
 
-void HelperProcess::whenEnded(std::function<void()> action) {
-    whenReadable([this, action = std::move(action)] {
-        kill();
-        action();
-    });
-}
-
 void HelperProcess::whenReadable(std::function<void()> action) {
     readable_ = std::make_unique<QSocketNotifier>(socket_.get(), QSocketNotifier::Read);
     QObject::connect(readable_.get(), &QSocketNotifier::activated, std::move(action));

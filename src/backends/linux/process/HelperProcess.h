@@ -41,9 +41,6 @@ public:
     /// Sends the helper an end of file; nothing more can be sent after it.
     void endInput() const;
 
-    /// Calls `action` once, from the event loop, when the helper exits or sends something unasked.
-    void whenEnded(std::function<void()> action);
-
     /// Calls `action` from the event loop whenever there is something to receive, including the end
     /// of file.
     void whenReadable(std::function<void()> action);
