@@ -1,4 +1,4 @@
-// What the arithmetic of the tables and of the sun costs, without any display server.
+// Measures the arithmetic of the gamma tables and of the sun, without a display server.
 
 #include "app/AppDelegate.h"
 #include "app/SharedInstances.h"
@@ -26,7 +26,7 @@ void plugDisplays(VirtualDesktop& desktop) {
     }
 }
 
-/// The limit for building three tables: storing as many bytes, computed from nothing.
+/// The lower limit for building three tables: only storing as many bytes.
 void storeThreeTables(benchmark::State& state) {
     float value = 0;
     for (auto _ : state) {
@@ -50,7 +50,7 @@ void buildThreeTables(benchmark::State& state) {
 }
 BENCHMARK(buildThreeTables);
 
-/// An output that takes the tables and does nothing with them.
+/// An output that ignores the tables.
 class Sink final : public GammaOutput {
 public:
     bool isAvailable() const override { return true; }
@@ -81,8 +81,8 @@ void setDimmingOnFourDisplays(benchmark::State& state) {
 }
 BENCHMARK(setDimmingOnFourDisplays);
 
-/// The same with the virtual desktop behind the port, which copies the tables and writes a line of
-/// its trace for each display.
+/// The same including the virtual desktop, which copies the tables and adds a line to its trace for
+/// each display.
 void setDimmingOnFourDisplaysWithTrace(benchmark::State& state) {
     VirtualDesktop desktop;
     plugDisplays(desktop);
@@ -102,7 +102,7 @@ constexpr auto noon =
 
 /// Sunrise and sunset of a day.
 void calculateSun(benchmark::State& state) {
-    const TimeZone zone(zone::berlin); // else the C library looks for a changed file at each call
+    const TimeZone zone(zone::berlin); // otherwise the C library checks a file at each call
     double latitude = 52.52;
     for (auto _ : state) {
         benchmark::DoNotOptimize(latitude);
@@ -112,7 +112,7 @@ void calculateSun(benchmark::State& state) {
 }
 BENCHMARK(calculateSun);
 
-/// What the calculation asks of the calendar, and nothing else.
+/// Only the calendar calls of that calculation.
 void calendarCallsOfTheSun(benchmark::State& state) {
     const TimeZone zone(zone::berlin);
     auto now = noon;
@@ -130,8 +130,8 @@ void calendarCallsOfTheSun(benchmark::State& state) {
 }
 BENCHMARK(calendarCallsOfTheSun);
 
-/// The whole program at rest in automatic mode, one display: an hour of the virtual clock, with or
-/// without breaks to count for.
+/// The whole program at rest in automatic mode with one display, for an hour of the virtual clock,
+/// with or without break reminders.
 void idleHour(benchmark::State& state) {
     VirtualDesktop desktop;
     desktop.displays.plug({.id = 1});

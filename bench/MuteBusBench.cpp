@@ -14,7 +14,7 @@
 #include <optional>
 #include <string>
 
-// What message buses that accept and stay mute cost the program.
+// Measures the program beside message buses that accept a connection but never answer.
 
 namespace nocta {
 namespace {
@@ -27,9 +27,9 @@ constexpr int noBus = -1;
 constexpr int goodBus = -2;
 constexpr auto watched = 4s; // the popover opens after two
 
-/// From the start of the process until the screen is dimmed; and the longest time from a brightness
-/// key to the ramp, pressed all the while that the popover opens. The argument is what the session
-/// bus and the system bus do: none, a good one, or the point after which they are mute.
+/// The time from the start of the process until the screen is dimmed, and the longest time from a
+/// brightness key to the ramp while the popover opens. The argument is the behavior of the session
+/// bus and the system bus: none, a good one, or the point after which they do not answer.
 void startBesideBuses(benchmark::State& state) {
     const XServer server(XServer::Kind::xorgDummy);
     XClient client;

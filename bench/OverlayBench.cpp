@@ -1,4 +1,4 @@
-// What a break costs on an X server until its windows are there, and how smoothly they fade.
+// Measures how fast the windows of a break appear on an X server, and how smoothly they fade.
 
 #include "app/SharedInstances.h"
 #include "backends/linux/shell/QtOverlayWindows.h"
@@ -42,12 +42,11 @@ void useOutputs(const XServer& server, std::int64_t count) {
     });
 }
 
-/// From the start of a break until another client sees every window mapped, with the first picture
-/// of each drawn.
+/// From the start of a break until another client sees every window mapped and painted once.
 void breakStartToLastWindow(benchmark::State& state, const XServer& server) {
     useOutputs(server, state.range(0));
     XClient client;
-    VirtualDesktop desktop; // for the ports that take no part
+    VirtualDesktop desktop; // for the ports that are not measured
     QtRunLoop runLoop;
     X11Connection connection(runLoop);
     X11Displays displays(connection, runLoop, desktop.notificationCenter);
@@ -77,8 +76,7 @@ void breakStartToLastWindow(benchmark::State& state, const XServer& server) {
     }
 }
 
-/// A whole fade in: how long it takes, and how many of its 24 steps another client sees that waits
-/// for them.
+/// A whole fade-in: how long it takes, and how many of its 24 steps a waiting client sees.
 void fadeIn(benchmark::State& state, const XServer& server) {
     useOutputs(server, 1);
     XClient client;

@@ -1,4 +1,4 @@
-// What it costs to show what the eye would see of a virtual display.
+// Measures painting a virtual display as the eye would see it.
 
 #include "backends/virtual/VirtualDesktop.h"
 #include "tour/DisplayPipeline.h"
@@ -25,7 +25,7 @@ void paintDisplay(benchmark::State& state) {
 }
 BENCHMARK(paintDisplay)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
-/// To compare: every pixel is read and written.
+/// For comparison: reads and writes every pixel.
 void copyPicture(benchmark::State& state) {
     const QImage picture(1920, 1080, QImage::Format_RGB32);
     for (auto _ : state) {

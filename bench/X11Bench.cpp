@@ -1,5 +1,5 @@
-// What Nocta costs on an X server: the way of a slider value to the server, and the program itself
-// from its start to its rest.
+// Measures Nocta on an X server: from a slider value to the server, and the whole program from its
+// start until it is at rest.
 
 #include "app/AppDelegate.h"
 #include "app/SharedInstances.h"
@@ -34,7 +34,7 @@
 namespace nocta {
 namespace {
 
-/// An X server with so many outputs in use.
+/// An X server that uses `count` outputs.
 struct ServerWithOutputs : XServer {
     explicit ServerWithOutputs(std::int64_t count) : XServer(Kind::xorgDummy) {
         for (std::int64_t i = 1; i < count; ++i) {
@@ -46,8 +46,7 @@ struct ServerWithOutputs : XServer {
     }
 };
 
-/// The program's services and a real X server, on the event loop of the desktop; no file is
-/// written.
+/// The program's services on a real X server and the desktop's own event loop. No file is written.
 struct SessionOnX11 {
     explicit SessionOnX11(std::int64_t outputs) : server(outputs) {
         delegate.applicationDidFinishLaunching();
@@ -60,7 +59,7 @@ struct SessionOnX11 {
     ~SessionOnX11() { delegate.applicationWillTerminate(); }
 
     ServerWithOutputs server;
-    VirtualDesktop desktop; // for the ports that take no part
+    VirtualDesktop desktop; // for the ports that are not measured
     QtRunLoop runLoop;
     X11Connection connection{runLoop};
     X11Displays displays{connection, runLoop, desktop.notificationCenter};
@@ -93,8 +92,8 @@ struct SessionOnX11 {
     AppDelegate delegate{instances, views};
 };
 
-/// A brightness written to the settings until the X server's requests are flushed, everything
-/// between included but the file of the settings.
+/// From writing a brightness to the settings until the requests to the X server are flushed.
+/// Includes everything in between except the settings file.
 void sliderToServer(benchmark::State& state) {
     SessionOnX11 session(state.range(0));
     double brightness = 0;
@@ -105,7 +104,7 @@ void sliderToServer(benchmark::State& state) {
         session.desktop.trace.clear();
         state.PauseTiming();
         session.connection
-            .synchronize(); // an idle server for the next step, as between two of a hand
+            .synchronize(); // the next step finds an idle server, as it does with a real mouse
         state.ResumeTiming();
     }
 }
@@ -117,8 +116,8 @@ double processorSeconds() {
     return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-/// This process's processor time from automatic warmth being switched until the fifteenth step of
-/// the glide has been sent, at the glide's own pace.
+/// The processor time of this process from a switch of automatic warmth until the fifteenth step of
+/// the transition has been sent, at its normal speed.
 void glideToServer(benchmark::State& state) {
     SessionOnX11 session(state.range(0));
     auto& settings = session.instances.settingsManager();
@@ -144,7 +143,7 @@ BENCHMARK(glideToServer)
     ->Iterations(20)
     ->Unit(benchmark::kMicrosecond);
 
-/// A system tray that hosts nothing, but hears who asks to be hosted.
+/// A system tray that hosts no icons, but receives the requests to host one.
 class Tray {
 public:
     Tray() : x_(xcb_connect(nullptr, nullptr)) {
@@ -159,7 +158,7 @@ public:
     Tray& operator=(const Tray&) = delete;
     ~Tray() { xcb_disconnect(x_); }
 
-    /// Returns when somebody has asked.
+    /// Returns when a client has asked to be hosted.
     void waitForIcon() {
         for (bool asked = false; !asked;) {
             const std::unique_ptr<xcb_generic_event_t, FreeDeleter> event(xcb_wait_for_event(x_));
@@ -181,7 +180,7 @@ private:
     xcb_atom_t dock_ = XCB_ATOM_NONE;
 };
 
-/// In KiB, of every process of that name that the given one has started, and of itself.
+/// In KiB.
 double proportionalSetSize(pid_t process) {
     double sum = 0;
     std::ifstream smaps("/proc/" + std::to_string(process) + "/smaps_rollup");
@@ -203,8 +202,8 @@ pid_t childOf(pid_t process) {
     return child;
 }
 
-/// From the start of the process until it asks the tray for room; and, once it rests, what it and
-/// its guardian hold in memory.
+/// From the start of the process until it asks the tray to host its icon; and the memory of the
+/// program and its guardian once they are at rest.
 void startToTrayIcon(benchmark::State& state) {
     const XServer server(XServer::Kind::xorgDummy);
     XClient client;
@@ -240,7 +239,7 @@ void startToTrayIcon(benchmark::State& state) {
 }
 BENCHMARK(startToTrayIcon)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
 
-/// The program with a window manager and a panel, and a person at the mouse.
+/// The program with a window manager and a panel, and the mouse of a person.
 class Person {
 public:
     Person() {
@@ -251,7 +250,7 @@ public:
         waitUntil([&] { return client_.hasWindowManager(); });
         panel_ = start("tint2");
         nocta_ = start(programFolder() + "/nocta");
-        waitUntil([&] { // for an icon that is drawn, when the panel has placed it
+        waitUntil([&] { // until the panel has placed the icon and it is drawn
             const auto found = icons();
             return !found.empty() && std::ranges::any_of(client_.picture(found.front()),
                                                          [](auto level) { return level > 200; });
@@ -266,7 +265,7 @@ public:
         }
     }
     void closePopover() {
-        client_.click(5, 5); // and the next click on the icon makes no double one
+        client_.click(5, 5); // so that the next click on the icon is not a double click
         while (!client_.windowsOfSize(300, 280).empty()) {
         }
     }
@@ -295,12 +294,12 @@ private:
             return w.width < 64 && w.height < 64 && client_.hasProperty(w.id, "_XEMBED_INFO");
         });
     }
-    /// It is on the root window, above all others.
+    /// The popover is the topmost window on the root window.
     std::optional<XClient::TopWindow> popover() {
         const auto top = client_.topWindows().back();
         return top.width == 300 && top.height == 280 ? std::optional(top) : std::nullopt;
     }
-    /// The filled track is the one thing in that line that has a color.
+    /// The filled track is the only colored part of that line.
     bool isSliderSeen() {
         const auto found = popover();
         if (!found) {
@@ -338,7 +337,7 @@ private:
 /// From a click on the icon until another client sees the popover's slider.
 void clickToPopover(benchmark::State& state) {
     Person person;
-    person.openPopover(); // the fonts are read once
+    person.openPopover(); // so that the fonts are loaded
     person.closePopover();
     for (auto _ : state) {
         const auto start = std::chrono::steady_clock::now();
@@ -350,7 +349,7 @@ void clickToPopover(benchmark::State& state) {
 }
 BENCHMARK(clickToPopover)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
 
-/// What the program holds in memory at rest, and after each of its windows was opened and closed.
+/// The memory of the program at rest, and after its windows were opened and closed.
 void memoryAfterWindows(benchmark::State& state) {
     Person person;
     state.counters["atRest_KiB"] = person.memory();

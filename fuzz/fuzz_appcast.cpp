@@ -1,4 +1,4 @@
-// The appcast, and the order of the versions that it names.
+// Fuzzes the appcast parser and the order of its versions.
 
 #include "Expect.h"
 #include "backends/linux/updates/Appcast.h"

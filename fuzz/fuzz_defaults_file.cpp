@@ -1,4 +1,4 @@
-// The settings file as somebody else, or a crash, may have left it.
+// Fuzzes the settings file, which another program or a crash may have damaged.
 
 #include "Expect.h"
 #include "backends/linux/files/IniDefaultsStore.h"
@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The program writes keys of its own only. That they are plain words is all that is asked of them.
+/// The program writes only its own keys. The store requires only that they are plain words.
 constexpr std::string_view ownKey = "warmthLevel";
 
 std::vector<std::string> linesOf(std::string_view text) {
@@ -35,7 +35,7 @@ std::vector<std::string> linesOf(std::string_view text) {
     return lines;
 }
 
-/// A double that is whole is written as an integer, and every getter reads it as the same number.
+/// A double without a fraction is written as an integer; every getter reads it as the same number.
 bool readsAs(const DefaultsValue& read, const DefaultsValue& written) {
     const auto* const number = std::get_if<double>(&written);
     const auto* const integer = std::get_if<std::int64_t>(&read);
@@ -93,7 +93,7 @@ void checkRemoving(const IniDocument& document) {
     expect(next == kept.end(), "the lines stay in their order");
 }
 
-/// A folder for one store.
+/// A temporary folder for one store.
 class Folder {
 public:
     Folder() { fs::create_directories(path_); }
@@ -138,7 +138,7 @@ void checkStore(const IniDocument& document, const std::string& text) {
 } // namespace nocta
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    std::cerr.rdbuf(nullptr); // the store says so of every damaged file
+    std::cerr.rdbuf(nullptr); // the store prints a line for every damaged file
     return 0;
 }
 

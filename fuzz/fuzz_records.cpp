@@ -1,4 +1,4 @@
-// The JSON records, and the timer that reads its totals from the settings at its start.
+// Fuzzes the JSON records, and the timer that reads its totals from the settings when it is made.
 
 #include "Expect.h"
 #include "app/SharedInstances.h"
@@ -50,7 +50,7 @@ void checkSession(const Bytes& bytes) {
     expect(again->wasCompleted == session->wasCompleted &&
                again->wasSkipped == session->wasSkipped && again->wasSnoozed == session->wasSnoozed,
            "an outcome reads the same");
-    // Seconds as a double are not exact for every nanosecond.
+    // A double in seconds cannot represent every nanosecond.
     expect(std::chrono::abs(again->startTime - session->startTime) < 5us &&
                std::chrono::abs(again->endTime - session->endTime) < 5us,
            "a time reads the same");
@@ -68,7 +68,7 @@ void checkTimer(const Bytes& bytes) {
     auto expected = totals.value_or(BreakStatistics{});
     expect(timer.statistics.get() == expected, "totals that cannot be read start from zero");
 
-    // One more than the largest number ends the program, as every overflow is meant to.
+    // Adding one to the largest number would stop the program, as every overflow should.
     if (std::max(expected.totalBreaks, expected.skippedBreaks) ==
         std::numeric_limits<std::int64_t>::max()) {
         return;

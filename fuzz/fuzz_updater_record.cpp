@@ -1,4 +1,4 @@
-// What the updater remembers, as its file may have become.
+// Fuzzes the record of the updater, whose file may be damaged.
 
 #include "Expect.h"
 #include "backends/linux/updates/UpdaterMemory.h"

@@ -1,8 +1,7 @@
-# Sourced by ./run and ./check from the top of the tree.
+# Sourced by ./run, ./check and ./package from the top of the tree.
 
-# install_packages STAGE...: installs the packages of packages.txt that are marked with one of the
-# stages and missing. A list that has been seen installed is remembered, so that the next call has
-# nothing to ask.
+# install_packages STAGE...: installs the missing packages among those that packages.txt marks with
+# one of the stages. It remembers a list that is installed, so that the next call can skip the check.
 install_packages() {
     local stages wanted missing stamp as_root=()
     stages=$(IFS='|'; echo "$*")

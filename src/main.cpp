@@ -4,7 +4,7 @@
 #include "ui/WidgetViews.h"
 
 namespace {
-/// As this build was configured.
+/// Set when the build is configured.
 constexpr nocta::Bundle bundle = {.shortVersionString = NOCTA_VERSION,
                                   .version = NOCTA_BUILD,
                                   .apiBase = NOCTA_API_BASE,

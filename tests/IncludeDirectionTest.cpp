@@ -12,7 +12,7 @@ namespace {
 
 using Rooms = std::set<std::string>;
 
-// Which room may include which besides itself.
+// The other folders ("rooms") that the files of a folder may include.
 const Rooms services = {"settings", "display", "color", "grayscale", "breaks", "system"};
 
 Rooms with(Rooms rooms, const Rooms& more) {
@@ -39,12 +39,12 @@ const std::map<std::string, Rooms> allowed = {
     {"tour", with(services, {"base", "platform", "app", "symbols", "ui", "backends/virtual"})},
 };
 
-/// The program's main function sees everything: it puts the desktop and the face together.
+/// The main function may include everything: it connects the desktop with the user interface.
 bool isMain(const std::filesystem::path& file) {
     return file == "main.cpp";
 }
 
-/// Free of Qt, so that they build and are tested without it.
+/// These do not use Qt, so that they can be built and tested without it.
 const Rooms withoutQt = with(services, {"base", "platform", "app", "backends/virtual"});
 
 std::string roomOf(const std::string& path) {
@@ -82,7 +82,7 @@ TEST(IncludeDirection, EveryArrowRunsTheRightWay) {
         }
         ++arrows;
         auto const to = roomOf(header);
-        ASSERT_TRUE(allowed.contains(from)) << file << " is in a room that nobody knows";
+        ASSERT_TRUE(allowed.contains(from)) << file << " is in a folder that is not in the table";
         EXPECT_TRUE(allowed.contains(to)) << file << " includes " << header;
         EXPECT_TRUE(from == to || allowed.at(from).contains(to))
             << file << " may not include " << header;

@@ -1,4 +1,4 @@
-# Makes a bundle of the program, Nocta.app: what macOS is told about it, its icon, and Sparkle.
+# Makes the bundle Nocta.app from the program, its Info.plist, its icon, and Sparkle.
 
 set(bundle_folder ${PROJECT_SOURCE_DIR}/packaging/macos)
 set(drawing ${PROJECT_SOURCE_DIR}/packaging/nocta.svg)

@@ -1,5 +1,5 @@
-// nocta-iconset DRAWING FOLDER: draws an SVG in every size that an icon of macOS has, as iconutil
-// wants the folder.
+// nocta-iconset DRAWING FOLDER: draws an SVG in every size of a macOS icon, into a folder for
+// iconutil.
 
 #include <QDir>
 #include <QImage>

@@ -47,7 +47,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 void AppDelegate::applicationDidReopen() {
     if (breakOverlayController_.isShowing.get()) {
-        breakOverlayController_.orderFront(); // nothing else could be seen
+        breakOverlayController_.orderFront(); // the cover would hide anything else
     } else if (onboardingWindow_ != nullptr) {
         onboardingWindow_->makeKeyAndOrderFront();
     } else if (popover_ != nullptr && !popover_->isShown()) {
@@ -120,8 +120,8 @@ void AppDelegate::startServices() {
         breakTimer_.start();
     }
 
-    // The tables darken at once, by the lower half's rule alone; the applier then brings in the
-    // backlight and the faint glow.
+    // This darkens at once with the rule for the lower half; the applier then adds the backlight
+    // and the faint glow.
     const auto brightness = settingsManager_.unifiedBrightness.get();
     gammaController_.setDimming(brightness < 0.5 ? static_cast<float>(1 - 2 * brightness) : 0.0F);
     brightnessApplier_.apply(brightness);
@@ -170,7 +170,7 @@ void AppDelegate::showPopover() {
     popover_->show(*statusItem_);
 }
 
-/// Closed before it is finished, it comes back at the next start.
+/// If the user closes the window before the last step, it comes back at the next start.
 void AppDelegate::showOnboardingWindow() {
     onboardingWindow_ = desktop_.appWindows.makeWindow(
         onboardingStyle, views_.makeOnboardingView([this] { completeOnboarding(); }),
@@ -180,7 +180,7 @@ void AppDelegate::showOnboardingWindow() {
 }
 
 void AppDelegate::completeOnboarding() {
-    closeOnboarding_.request(); // later, as it is the window's own button that completes
+    closeOnboarding_.request(); // later, because this is called by a button of the window
     settingsManager_.isFirstLaunch.set(false);
 }
 

@@ -17,9 +17,9 @@
 
 namespace nocta {
 
-/// The skeleton of the process: starts every service in a fixed order, owns the status item and
-/// its popover, carries setting changes to the services, and gives the screen back at the end.
-/// It is made by `NoctaApp` and lives as long as the process.
+/// The frame of the program: starts every service in a fixed order, owns the status item and its
+/// popover, passes changes of settings to the services, and gives the screen back at the end.
+/// `NoctaApp` makes it, and it lives as long as the process.
 class AppDelegate final : public ApplicationDelegate {
 public:
     AppDelegate(SharedInstances& instances, Views& views);
@@ -28,13 +28,14 @@ public:
 
     void applicationDidFinishLaunching() override;
     void applicationDidReopen() override;
+    /// Brings the preferences window to the front, and makes it if it is closed.
     void showPreferencesWindow() override { windows_.showPreferences(); }
     void applicationWillTerminate() override;
 
-    /// What a click on the status item does.
+    /// Called for a click on the status item.
     void togglePopover();
 
-    /// The updater has finished a cycle: a failure is logged, and the user is not told.
+    /// Called at the end of an update cycle. A failure is only logged.
     static void updaterDidFinishUpdateCycle(const std::optional<std::string>& error);
 
 private:

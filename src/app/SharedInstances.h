@@ -22,9 +22,9 @@
 
 namespace nocta {
 
-/// One instance of every service over one desktop, each made on first access from those that it
-/// needs. `main` makes it after the desktop and destroys it before; meanwhile it is what every
-/// service's `shared()` refers to. Tests make as many as they like, one after the other.
+/// One instance of every service on one desktop, each made on first access. `main` makes it after
+/// the desktop and destroys it before the desktop. While it exists, the `shared()` functions of the
+/// services return its instances. Tests make as many as they like, one at a time.
 class SharedInstances {
 public:
     explicit SharedInstances(Desktop& desktop);
@@ -38,7 +38,7 @@ private:
     Desktop& desktop_;
 
 public:
-    // In order of need: what comes later may refer to what comes earlier, and is destroyed first.
+    // In order of need: later members may refer to earlier ones and are destroyed first.
     Lazy<BuiltInProfiles> builtInProfiles{
         [this](auto& made) { made.emplace(makeBuiltInProfiles(desktop_.uuidSource)); }};
     Lazy<SettingsManager> settingsManager{

@@ -11,7 +11,7 @@ constexpr int firstYear = 1900;
 constexpr std::time_t secondsPerDay = 86400;
 
 std::tm localTime(std::time_t time) {
-    tzset(); // a zone that was changed since
+    tzset(); // the zone may have changed since the last call
     std::tm local{};
     localtime_r(&time, &local);
     return local;
@@ -44,15 +44,15 @@ std::optional<WallTime> Calendar::instantAt(CalendarDay day, int hour, int minut
     if (asGMT == -1) { // no whole minute, so no instant
         return std::nullopt;
     }
-    // No offset reaches a whole day, so these two are in force before and after any change of the
-    // offset that the local time can meet. The C library itself would choose by its flag of
-    // daylight saving, which some zones set in winter and which other changes do not touch.
+    // Offsets are shorter than a day, so these two apply before and after any change of the offset
+    // near the local time. mktime would choose by its daylight-saving flag, which some zones set in
+    // winter and which other changes of the offset do not affect.
     const auto offsetAt = [](std::time_t time) { return localTime(time).tm_gmtoff; };
     const auto before = offsetAt(asGMT - secondsPerDay);
     const auto after = offsetAt(asGMT + secondsPerDay);
     const auto exists = [&](long offset) { return offsetAt(asGMT - offset) == offset; };
-    // With the offset from before, the time is the first of two, or as far past a gap's end as it
-    // was past its beginning.
+    // With the offset from before the change, a time that exists twice means the first one, and a
+    // time in a gap moves past its end by as much as it was past its beginning.
     const auto offset = exists(before) || !exists(after) ? before : after;
     return WallTime(std::chrono::seconds(asGMT - offset));
 }

@@ -10,9 +10,9 @@
 
 namespace nocta {
 
-/// An ordered list of callbacks that may change while it is being called. A callback whose
-/// subscription ends during a delivery is not called again in it; one added during a delivery
-/// waits for the next.
+/// An ordered list of callbacks, which may be added and removed while the list is being called. A
+/// callback that is removed during a delivery is no longer called in it; one that is added during
+/// a delivery is first called in the next.
 template <class... Args>
 class CallbackList {
 public:
@@ -33,8 +33,8 @@ public:
         callWhile([] { return true; }, args...);
     }
 
-    /// Asks `goOn` before each callback and stops at the first no. The list itself may be
-    /// destroyed by a callback as long as `goOn` copes with that.
+    /// Calls `goOn` before each callback and stops when it returns false. A callback may destroy
+    /// the list itself, provided that `goOn` can still be called then.
     template <class Predicate>
     void callWhile(Predicate goOn, const Args&... args) const {
         const auto entries = *entries_;

@@ -14,8 +14,8 @@ struct Origin {
     std::variant<std::int64_t, double> value;
 };
 
-/// While it lives, a fault names these values, so that a person can correct the one that causes it.
-/// Of several contexts the innermost counts.
+/// While it lives, the message of `stopProgram` names these values, so that a person can correct
+/// the one that causes the fault. If contexts are nested, the innermost one counts.
 ///
 ///     const FaultContext context({settings.breakIntervalMinutes.origin()});
 ///     const auto interval = checkedProduct(settings.breakIntervalMinutes.get(), 60);
@@ -33,14 +33,14 @@ private:
     const FaultContext* outer_;
 };
 
-/// Ends the message of each fault that names an origin: where the stored values can be corrected.
+/// Appended to each message that names an origin. It says where to correct the stored values.
 void setOriginAdvice(std::string advice);
 
-/// Stops the program with a message: for arithmetic that would overflow and conversions out of
-/// range, which are programming errors and have no value to go on with.
+/// Prints a message and aborts. For arithmetic that would overflow and conversions out of range:
+/// there is no correct value to continue with.
 [[noreturn]] void stopProgram(std::string_view reason);
 
-/// The integer part, towards zero; stops the program for what a 64-bit integer cannot hold.
+/// The value rounded toward zero. Stops the program if it does not fit into a 64-bit integer.
 inline std::int64_t truncated(double value) {
     constexpr double limit = 9223372036854775808.0; // 2^63
     if (!(value >= -limit && value < limit)) {

@@ -10,7 +10,7 @@
 
 namespace nocta {
 
-/// Bytes that mean something to who has stored them.
+/// Bytes that only the code that stored them can interpret.
 struct DefaultsData {
     std::vector<std::uint8_t> bytes;
     bool operator==(const DefaultsData&) const = default;
@@ -19,10 +19,10 @@ struct DefaultsData {
 using DefaultsValue = std::variant<bool, std::int64_t, double, std::string, DefaultsData>;
 using DefaultsMap = std::map<std::string, DefaultsValue, std::less<>>;
 
-/// Typed values by key over a layer of registered defaults: the rules that every defaults store
-/// shares. A getter returns the stored value, else the registered one, else its zero. Numbers and
-/// booleans convert to each other; anything else read as another type, and a number that does not
-/// fit, give the zero.
+/// Typed values by key on top of a layer of registered defaults. Every defaults store shares these
+/// rules. A getter returns the stored value, else the registered one, else zero, false or none.
+/// Numbers and booleans convert to each other. Any other mismatch of types, and a number that does
+/// not fit, gives zero, false or none.
 class DefaultsTable {
 public:
     void registerDefaults(const DefaultsMap& defaults);

@@ -8,8 +8,12 @@
 
 namespace nocta {
 
-/// Something to do once at the end of the run-loop turn, however often it was requested in it.
-/// A member of its owner: its destruction drops what is still due.
+/// Runs an action once at the end of the run-loop turn, however often it was requested in that
+/// turn. It is a member of its owner; destroying it drops a pending action.
+///
+///     Deferred flush{runLoop, [this] { send(); }};
+///     flush.request();
+///     flush.request(); // `send` still runs only once
 class Deferred {
 public:
     Deferred(RunLoop& runLoop, std::function<void()> action)

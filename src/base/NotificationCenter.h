@@ -9,8 +9,11 @@
 
 namespace nocta {
 
-/// Process-wide notifications by name, without object or user info. Posting calls every observer
-/// of the name at once, in order of registration.
+/// Process-wide notifications by name. `post` calls every observer of the name before it returns,
+/// in order of registration. A notification carries no object or user info.
+///
+///     auto subscription = center.observe("DidWake", [this] { refresh(); });
+///     center.post("DidWake"); // calls refresh
 class NotificationCenter {
 public:
     Subscription observe(std::string_view name, std::function<void()> callback);

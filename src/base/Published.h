@@ -15,10 +15,11 @@ namespace nocta {
 ///     auto subscription = level.subscribe([](int value) { show(value); });
 ///     level.set(4); // shows 4
 ///
-/// A subscription never delivers the value current when it is made. Every write notifies, one of
-/// an equal value too; the value is stored before it is delivered. A write made by a subscriber is
-/// delivered in full first, and the outer delivery then ends, as every subscriber already has the
-/// newer value. A delivery also ends when a subscriber destroys the publisher.
+/// A new subscription does not deliver the current value. Every write notifies, even one of an
+/// equal value; the value is stored before it is delivered. If a subscriber writes, that write is
+/// delivered in full first, and then the outer delivery ends, because every subscriber already has
+/// the newer value. A delivery also ends when a subscriber destroys the publisher. There is no
+/// locking: use it on the run loop's thread only.
 template <class T>
 class Published {
 public:

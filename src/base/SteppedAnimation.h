@@ -8,11 +8,12 @@
 
 namespace nocta {
 
-/// A movement in equal steps, as a member of its owner. Starting it replaces a movement that is
-/// running, whose completion then never runs.
+/// An animation with a given number of steps, however long they take. It is a member of its owner;
+/// destroying it stops the animation. `start` replaces a running animation, whose completion is
+/// then never called.
 class SteppedAnimation {
 public:
-    /// Calls `show` with 1 to `steps`, one each interval, and after the last one `completion`.
+    /// Calls `show` with 1 to `steps`, one in each interval, and then calls `completion`.
     void start(RunLoop& runLoop, int steps, Duration interval, std::function<void(int)> show,
                std::function<void()> completion) {
         timer_.start(runLoop, interval, Repeat::yes,
@@ -21,7 +22,7 @@ public:
                          ++step;
                          show(step);
                          if (step == steps) {
-                             const auto finish = std::move(completion); // goes with the timer
+                             const auto finish = std::move(completion); // the timer owns it
                              timer_.invalidate();
                              if (finish) {
                                  finish();
@@ -30,7 +31,7 @@ public:
                      });
     }
 
-    /// Ends the movement where it is, without its completion.
+    /// Stops the animation where it is, without calling the completion.
     void invalidate() { timer_.invalidate(); }
 
 private:

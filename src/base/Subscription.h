@@ -6,9 +6,11 @@
 
 namespace nocta {
 
-/// Keeps a callback registered for as long as it lives. It may outlive what it is registered
+/// Keeps a callback registered while it lives. It may outlive the object that it is registered
 /// with. Owners keep theirs in a member named `cancellables`, declared last, so that no callback
-/// can run once the owner has begun to go.
+/// can run on an owner that is being destroyed.
+///
+///     cancellables_.push_back(level.subscribe([this](int value) { show(value); }));
 class [[nodiscard]] Subscription {
 public:
     Subscription() = default;
@@ -30,7 +32,7 @@ public:
         }
     }
 
-    /// True while the callback is registered. A registration that was refused is false.
+    /// True while the callback is registered; false if the registration was refused.
     explicit operator bool() const { return static_cast<bool>(cancel_); }
 
 private:

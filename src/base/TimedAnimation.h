@@ -10,14 +10,15 @@
 
 namespace nocta {
 
-/// A movement that takes a given time, as a member of its owner. The clock counts its steps: a run
-/// loop that is late or rounds its timers skips steps, and the last one still comes when the time
-/// is over. (`SteppedAnimation` is for a given number of steps, however long they take.) Starting
-/// it replaces a movement that is running, whose completion then never runs.
+/// An animation with a given duration. The clock decides which step is due: if the run loop is late
+/// or rounds its timers, steps are skipped, and the last one still comes on time. (Use
+/// `SteppedAnimation` for a given number of steps, however long they take.) It is a member of its
+/// owner; destroying it stops the animation. `start` replaces a running animation, whose completion
+/// is then never called.
 class TimedAnimation {
 public:
-    /// Calls `show` with those of the steps 1 to `steps` that are due, in order, the last one
-    /// always, and after it `completion`.
+    /// Calls `show` in order with those of the steps 1 to `steps` that are due, always including
+    /// the last, and then calls `completion`.
     void start(RunLoop& runLoop, int steps, Duration duration, std::function<void(int)> show,
                std::function<void()> completion) {
         await(1, std::make_shared<const Movement>(Movement{runLoop, runLoop.monotonicNow(), steps,
@@ -34,7 +35,7 @@ private:
         std::function<void(int)> show;
         std::function<void()> completion;
 
-        /// Rounded up, so that the step is due by then.
+        /// Rounded up, so that the step is due at that time.
         MonotonicTime due(int step) const {
             return start + (duration * step + Duration(steps - 1)) / steps;
         }
@@ -50,8 +51,8 @@ private:
                      [this, movement] { advance(movement); });
     }
 
-    /// Its last two calls may end this object or start it anew; the run loop keeps the movement
-    /// until it is through.
+    /// The callbacks at its end may destroy or restart this object. The run loop keeps the movement
+    /// alive until this returns.
     void advance(const std::shared_ptr<const Movement>& movement) {
         const auto step = movement->stepNow();
         if (step < movement->steps) {

@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// A timer as a member of its owner: its destruction stops it, so no tick can find the owner gone.
-/// It may be stopped, started anew or destroyed inside its own action.
+/// A timer as a member of its owner. Destroying it stops it, so that it cannot call an owner that
+/// is gone. It may be stopped, restarted or destroyed inside its own action.
 ///
 ///     Timer pollTimer;
 ///     pollTimer.start(runLoop, 5s, Repeat::yes, [this] { check(); });
@@ -19,11 +19,11 @@ public:
     Timer& operator=(const Timer&) = delete;
     ~Timer() { invalidate(); }
 
-    /// Replaces a timer that is running.
+    /// Restarts the timer if it is running.
     void start(RunLoop& runLoop, Duration interval, Repeat repeat, std::function<void()> action);
     void invalidate();
 
-    /// True while a firing is due.
+    /// True while a tick is still to come.
     bool isValid() const { return id_.has_value(); }
 
 private:

@@ -15,7 +15,7 @@ double bezier(double first, double second, double parameter) {
 
 double eased(TimingFunction function, double time) {
     const auto secondX = function == TimingFunction::easeIn ? 1.0 : 0.58;
-    // The curve's time grows with its parameter, so that bisection finds the one from the other.
+    // The time grows with the curve's parameter, so bisection finds the parameter for a time.
     double low = 0;
     double high = 1;
     for (int i = 0; i < 40; ++i) {

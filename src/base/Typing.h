@@ -7,13 +7,12 @@
 
 namespace nocta {
 
-/// When somebody types: keys pressed one after another without a pause. Which keys they are is not
-/// its business.
+/// Detects typing: a series of key presses without a pause. It does not know which keys they are.
 class Typing {
 public:
     static constexpr Duration pause = std::chrono::milliseconds(500);
 
-    /// A key is pressed, not before the one that was noted last.
+    /// Records a key press. `time` must not be before that of the last one.
     void press(MonotonicTime time) {
         if (!last_ || time - *last_ >= pause) {
             first_ = time;
@@ -21,7 +20,7 @@ public:
         last_ = time;
     }
 
-    /// Whether the key that was noted last goes on with what was being typed before `moment`.
+    /// Whether the last key press belongs to typing that began before `moment`.
     bool isFromBefore(MonotonicTime moment) const { return last_ && first_ < moment; }
 
     std::optional<MonotonicTime> last() const { return last_; }

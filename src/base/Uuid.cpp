@@ -7,7 +7,7 @@
 namespace nocta {
 
 namespace {
-/// Of the hyphenated form. Not every libuuid has a name for it.
+/// Length of the hyphenated form. Not every libuuid defines a constant for it.
 constexpr std::size_t textLength = 36;
 } // namespace
 

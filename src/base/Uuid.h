@@ -14,7 +14,7 @@ namespace nocta {
 struct Uuid {
     std::array<std::uint8_t, 16> bytes{};
 
-    /// Reads the 36-character hyphenated form in either case; anything else gives none.
+    /// Parses the 36-character hyphenated form in either case; none for anything else.
     static std::optional<Uuid> parse(std::string_view text);
 
     /// A version 4 (random) identifier from 16 random bytes.

@@ -72,7 +72,7 @@ void BreakOverlayController::snooze() {
     hideWithoutBreak();
 }
 
-/// The end of a break hides the cover by itself. A break that was stopped has no such end.
+/// The end of a break hides the covers. A break that was stopped never ends, so hide them here.
 void BreakOverlayController::hideWithoutBreak() {
     if (!isFading_ && !std::holds_alternative<Active>(breakTimer_.state.get())) {
         hide();

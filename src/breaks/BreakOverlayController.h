@@ -14,10 +14,10 @@
 
 namespace nocta {
 
-/// Covers every screen during a break and takes the covers away after it. A start that comes while
-/// covers are shown or still fade changes nothing; so do screens that come and go meanwhile. Where
-/// the break was stopped under its covers, skipping and snoozing take them away and do nothing
-/// else. It lives as long as the process.
+/// Covers every screen during a break and removes the covers after it. A break that starts while
+/// covers are shown or still fading changes nothing; neither do screens that are added or removed
+/// meanwhile. If the break was stopped while its covers were shown, skip and snooze only remove
+/// them. It lives as long as the process.
 class BreakOverlayController {
 public:
     BreakOverlayController(BreakTimer& breakTimer, OverlayWindows& windows,
@@ -26,10 +26,10 @@ public:
     BreakOverlayController(const BreakOverlayController&) = delete;
     BreakOverlayController& operator=(const BreakOverlayController&) = delete;
 
-    /// From the beginning of a show until the last window has faded.
+    /// True from the start of a break until the last window has faded out.
     Published<bool> isShowing;
 
-    /// Brings the covers in front of windows that have come since, and gives them the keyboard.
+    /// Brings the covers in front of newer windows and gives them the keyboard.
     void orderFront();
 
 private:
@@ -45,7 +45,7 @@ private:
     Application& application_;
     Views& views_;
     bool isFading_ = false;
-    std::size_t fading_ = 0; ///< windows that still fade
+    std::size_t fading_ = 0; ///< number of windows that are still fading
     std::map<std::uint64_t, std::unique_ptr<OverlayWindow>> overlayWindows_; ///< by screen
     Subscription keyMonitor_;                                                ///< while showing
     Deferred finish_;

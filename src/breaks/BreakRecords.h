@@ -12,10 +12,10 @@
 
 namespace nocta {
 
-/// Why the countdown was stopped.
+/// Why the countdown is paused.
 enum class PauseReason { meeting, userPaused };
 
-/// The countdown to the next break runs.
+/// The countdown to the next break is running.
 struct Counting {
     double timeUntilBreak = 0; ///< seconds
     bool operator==(const Counting&) const = default;
@@ -32,24 +32,24 @@ struct Paused {
     bool operator==(const Paused&) const = default;
 };
 
-/// The break was put off.
+/// The user postponed the break.
 struct Snoozed {
     WallTime until;
     bool operator==(const Snoozed&) const = default;
 };
 
-/// Break reminders are off or were not started.
+/// Break reminders are off or have not been started.
 struct Idle {
     bool operator==(const Idle&) const = default;
 };
 
 using BreakState = std::variant<Counting, Active, Paused, Snoozed, Idle>;
 
-/// One break. At its end exactly one of the three outcomes is set.
+/// One break. At its end exactly one of the three outcomes is true.
 struct BreakSession {
     Uuid id;
     WallTime startTime;
-    WallTime endTime; ///< the start until the break has ended
+    WallTime endTime; ///< equals startTime until the break has ended
     bool wasCompleted = false;
     bool wasSkipped = false;
     bool wasSnoozed = false;
@@ -66,12 +66,11 @@ struct BreakStatistics {
     bool operator==(const BreakStatistics&) const = default;
 };
 
-/// The counts, for the message of a fault that they lead to.
+/// The counts, to name them in the message of a fault that they cause.
 std::vector<Origin> originsOf(const BreakStatistics& statistics);
 
-// JSON objects whose keys are the fields' names. Times are seconds since the first instant of 2001
-// UTC. Reading throws nlohmann::json::exception for anything that is not exactly such an object,
-// other keys apart, which are ignored.
+// JSON objects with the names of the fields as keys. Times are seconds since the start of 2001 UTC.
+// Reading ignores other keys, and throws nlohmann::json::exception if a field is missing or wrong.
 void to_json(nlohmann::json& json, const BreakSession& session);
 void from_json(const nlohmann::json& json, BreakSession& session);
 void to_json(nlohmann::json& json, const BreakStatistics& statistics);

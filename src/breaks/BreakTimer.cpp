@@ -90,7 +90,7 @@ void BreakTimer::startBreak() {
     const auto now = runLoop_.wallNow();
     currentSession_ = BreakSession{.id = uuidSource_.makeUuid(), .startTime = now, .endTime = now};
     breakTimeRemaining.set(static_cast<double>(settingsManager_.breakDurationSeconds.get()));
-    // The timer runs before anybody hears of the break and may end it.
+    // Start the timer before anyone is notified of the break, because an observer may end it.
     breakTimer_.start(runLoop_, tick, Repeat::yes, [this] { breakTick(); });
     state.set(Active{breakTimeRemaining.get()});
     notificationCenter_.post(breakDidStartNotification);

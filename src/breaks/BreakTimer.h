@@ -20,21 +20,21 @@ namespace nocta {
 inline constexpr std::string_view breakDidStartNotification = "NoctaBreakDidStart";
 inline constexpr std::string_view breakDidEndNotification = "NoctaBreakDidEnd";
 
-/// Minutes, wherever the user is offered to put a break off.
+/// Minutes, wherever the user can snooze a break.
 inline constexpr std::int64_t snoozeMinutes = 5;
 
-/// The state machine of the break reminders. It counts the work interval down second by second,
-/// then the break, and keeps the totals; who shows a break follows its two notifications. It lives
-/// as long as the process.
+/// The state machine of the break reminders. It counts down the work interval second by second,
+/// then the break, and keeps the totals. Code that shows a break observes the two notifications. It
+/// lives as long as the process.
 ///
 /// A second is a tick of a timer, and timers do not run while the machine sleeps: a countdown, a
-/// break and a snooze go on after it where they were. A break's record is by the wall clock, so
-/// that a completed break during which the machine slept adds the sleep to the total time, and the
-/// end of a snooze that is published comes early by it.
+/// break and a snooze continue afterward where they were. Records use the wall clock, so if the
+/// machine sleeps during a break that is then completed, the sleep is added to the total time. If
+/// it sleeps during a snooze, the published end of the snooze is too early by that time.
 ///
-/// `stop` during a break is no end of the break: it posts nothing and records nothing, and what
-/// shows the break stays up until it is dismissed or a later break has ended. And nothing but
-/// `stop` and `start` leaves a pause for a meeting, not even the end of the meeting.
+/// `stop` during a break does not end the break: it posts nothing and records nothing, and the
+/// covers stay up until the user dismisses them or a later break ends. Only `stop` followed by
+/// `start` leaves a pause for a meeting; the end of the meeting does not.
 class BreakTimer {
 public:
     BreakTimer(SettingsManager& settingsManager, MeetingDetectorService& meetingDetector,
@@ -50,11 +50,11 @@ public:
     Published<double> breakTimeRemaining;  ///< seconds
     Published<BreakStatistics> statistics; ///< also in the defaults store, as "breakStatistics"
 
-    /// Only where the state is `Idle`.
+    /// Does nothing unless the state is `Idle`.
     void start();
     void stop();
 
-    /// Only during a break.
+    /// These do nothing unless a break is active.
     void skip();
     void snooze(std::int64_t minutes);
 

@@ -15,9 +15,9 @@ namespace nocta {
 inline constexpr std::string_view meetingDidStartNotification = "NoctaMeetingDidStart";
 inline constexpr std::string_view meetingDidEndNotification = "NoctaMeetingDidEnd";
 
-/// Tells whether a meeting application is in front, by its identity alone: no window titles, no
-/// camera and no microphone. A web browser in front counts as a meeting, whatever page it shows,
-/// because a meeting in it looks like any other page from here. It lives as long as the process.
+/// Detects whether a meeting application is in front. It checks only the bundle identifier, not
+/// window titles, the camera or the microphone. Google Chrome always counts as a meeting, because
+/// from here a meeting in a tab looks like any other page. It lives as long as the process.
 class MeetingDetectorService {
 public:
     MeetingDetectorService(Workspace& workspace, NotificationCenter& notificationCenter,
@@ -28,9 +28,9 @@ public:
     static MeetingDetectorService& shared();
 
     Published<bool> isInMeeting;
-    Published<std::optional<std::string>> currentMeetingApp; ///< its name as the user knows it
+    Published<std::optional<std::string>> currentMeetingApp; ///< its localized name
 
-    // To be called in this order, once.
+    // Call these once, in this order.
     void startObserving();
     void startPolling();
     void checkFrontmostApplication();

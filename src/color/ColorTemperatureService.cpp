@@ -102,7 +102,7 @@ void ColorTemperatureService::animateTo(std::int64_t kelvin, std::function<void(
         std::move(completion));
 }
 
-/// What every temperature comes from.
+/// The settings from which every temperature is calculated.
 FaultContext ColorTemperatureService::faultContext() const {
     return FaultContext({settingsManager_.warmthLevel.origin(),
                          settingsManager_.colorTemperatureDay.origin(),

@@ -14,12 +14,12 @@
 
 namespace nocta {
 
-/// The temperature of a manual warmth of 0.0 to 1.0: 6500 K less 3800 K times it.
+/// The temperature in kelvin for a manual warmth of 0.0–1.0: 6500 − 3800 × warmth.
 std::int64_t temperatureOfWarmth(double warmth);
 
-/// Decides the colour temperature that the displays show: by the warmth slider in manual mode, by
-/// the daylight schedule in automatic mode. Switching between the modes glides over 0.3 seconds;
-/// everything else acts at once. It lives as long as the process.
+/// Decides the color temperature of the displays: from the warmth slider in manual mode, from the
+/// daylight schedule in automatic mode. A switch between the modes takes 0.3 seconds; everything
+/// else takes effect at once. It lives as long as the process.
 class ColorTemperatureService {
 public:
     ColorTemperatureService(SettingsManager& settingsManager, GammaController& gammaController,
@@ -32,18 +32,18 @@ public:
     Published<std::int64_t> currentTemperature; ///< kelvin
     Published<double> currentWarmth;            ///< 0.0 coolest – 1.0 warmest
 
-    /// The manual path: 6500 K less 3800 K times the warmth, which is clamped to 0.0–1.0. It does
-    /// not stop a transition that is running.
+    /// For manual mode: applies the temperature of the warmth, which is clamped to 0.0–1.0. It does
+    /// not stop a running transition.
     void setWarmth(double warmth);
 
-    /// Applies the temperature of the moment, and again every minute.
+    /// Applies the temperature for the current time, and again every minute.
     void startAutomaticMode();
 
-    /// Kelvin for the present position of the sun; changes nothing.
+    /// Kelvin for the current position of the sun; changes nothing.
     std::int64_t automaticTemperature() const;
 
-    /// Glides from where the temperature is now in 15 equal steps, replacing a glide that is
-    /// running, whose completion never runs.
+    /// Moves from the current temperature in 15 equal steps. It replaces a running transition,
+    /// whose completion is then never called.
     void animateTo(std::int64_t kelvin, std::function<void()> completion = {});
 
 private:

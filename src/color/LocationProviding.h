@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// What others need to know of the machine's coarse place: the last fix, whether it may be known,
-/// and the manager that is asked for both. `LocationService` provides it.
+/// What other services need to know about the coarse location: the last fix, the permission, and
+/// the manager that provides both. `LocationService` implements it.
 class LocationProviding {
 public:
     LocationProviding() = default;
@@ -18,7 +18,7 @@ public:
 
     virtual LocationManager& locationManager() = 0;
 
-    /// None until the first fix; kept in memory alone.
+    /// None until the first fix; kept only in memory.
     Published<std::optional<Location>> currentLocation;
     Published<AuthorizationStatus> authorizationStatus{AuthorizationStatus::notDetermined};
 };

@@ -8,7 +8,7 @@
 
 namespace nocta {
 
-/// Told of what the location service learns.
+/// Receives the results of the location service.
 class LocationDelegate {
 public:
     virtual ~LocationDelegate() = default;
@@ -18,10 +18,9 @@ public:
     virtual void authorizationChanged(AuthorizationStatus status) = 0;
 };
 
-/// The machine's coarse place, for the times of the sun. It takes one fix at a time: each stops the
-/// updates until somebody starts them again. What the user grants or refuses is mirrored in
-/// `locationEnabled`; that setting in turn stops nothing and forgets nothing. It lives as long as
-/// the process.
+/// The machine's coarse location, for sunrise and sunset. Each fix stops the updates until they are
+/// started again. `locationEnabled` is set when the user grants or denies the permission; turning
+/// that setting off stops nothing and forgets nothing. It lives as long as the process.
 class LocationService final : public LocationProviding, private LocationManagerDelegate {
 public:
     /// Neither asks for permission nor starts updates.

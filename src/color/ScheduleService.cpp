@@ -22,7 +22,7 @@ std::optional<WallTime> instantAt(CalendarDay day, std::chrono::minutes time) {
                                static_cast<int>(time % 1h / 1min));
 }
 
-/// How far `now` is through the span around `event`, if it is in it. Both ends belong to it.
+/// The progress of the transition around `event`, or none outside of it. Both ends belong to it.
 std::optional<double> progress(WallTime now, WallTime event) {
     const auto start = event - transitionHalfWidth;
     const auto end = event + transitionHalfWidth;
@@ -98,7 +98,7 @@ void ScheduleService::useDefaultTimes() {
 void ScheduleService::updateSunPosition() {
     const auto now = runLoop_.wallNow();
     if (!lastCalculationDate_ || Calendar::dayOf(*lastCalculationDate_) != Calendar::dayOf(now)) {
-        // Noted first: the calculation ends with an update, which must not see the old day again.
+        // Set this first: calculateTimes calls this function, which must not see the old day again.
         lastCalculationDate_ = now;
         calculateTimes();
     }

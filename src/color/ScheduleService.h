@@ -11,12 +11,13 @@
 
 namespace nocta {
 
-/// Keeps today's sunrise and sunset and publishes once a minute where the day stands: by the sun
-/// calculator once there is a location, by 06:30 and 18:30 until then. The spans around sunrise and
-/// sunset last 30 minutes each. Nothing is kept on disk. It lives as long as the process.
+/// Keeps today's sunrise and sunset and publishes the position of the sun once a minute. It uses
+/// the sun calculator once there is a location, and 06:30 and 18:30 until then. The transitions at
+/// sunrise and sunset last 30 minutes each. Nothing is stored on disk. It lives as long as the
+/// process.
 ///
-/// The wall clock alone counts, so a clock that is set, a zone that changes and a machine that
-/// slept all show at the next tick, which is at most a minute of waking time away.
+/// It reads only the wall clock, so a new clock time, a new time zone or a sleep of the machine
+/// takes effect at the next tick, which comes after at most a minute of waking time.
 class ScheduleService {
 public:
     ScheduleService(LocationProviding& locationService, RunLoop& runLoop);
@@ -31,13 +32,13 @@ public:
 
     void start();
 
-    /// For the given place, else the last known one, else the default times; then updates the
+    /// Uses the given location, else the last known one, else the default times; then updates the
     /// position.
     void calculateTimes(std::optional<Location> location = std::nullopt);
 
     void updateSunPosition();
 
-    /// Asks for a fresh fix where that is allowed; it comes through the location's subscription.
+    /// Requests a new fix if that is allowed; it arrives through the subscription to the location.
     void refreshLocation();
 
 private:

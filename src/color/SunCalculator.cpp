@@ -26,7 +26,7 @@ double degrees(double radians) {
     return radians * 180 / std::numbers::pi;
 }
 
-/// By repeated addition and subtraction, which keeps the low bits that a remainder would change.
+/// Uses repeated addition and subtraction, because a remainder would change the low bits.
 double normalized(double value, double limit) {
     while (value < 0) {
         value += limit;
@@ -61,7 +61,7 @@ SunCalculator::SunTimes SunCalculator::calculate(WallTime date, double latitude,
 
     auto ascension =
         normalized(degrees(std::atan(0.91764 * std::tan(radians(trueLongitude)))), fullCircle);
-    // The arc tangent knows two quadrants only; the ascension lies in that of the longitude.
+    // The arc tangent covers only two quadrants; move the ascension to that of the longitude.
     ascension += std::floor(trueLongitude / 90) * 90 - std::floor(ascension / 90) * 90;
     const auto ascensionHours = ascension / degreesPerHour;
 

@@ -4,21 +4,21 @@
 
 namespace nocta {
 
-/// Sunrise and sunset at a place, by the method of the Almanac for Computers (United States Naval
-/// Observatory, 1990) with the official zenith of 90.833 degrees. It differs from the printed
-/// method in one thing: the sun's place is computed once, for local noon, and serves both events.
-/// It is a value without state, which its owner keeps and asks.
+/// Sunrise and sunset at a location, with the method of the Almanac for Computers (United States
+/// Naval Observatory, 1990) and the official zenith of 90.833 degrees. It differs from the printed
+/// method in one respect: the position of the sun is computed only once, for local noon, and used
+/// for both events. It has no state.
 struct SunCalculator {
-    /// Both on the calendar day that was asked for, in whole minutes.
+    /// Both on the requested calendar day, in whole minutes.
     struct SunTimes {
         WallTime sunrise;
         WallTime sunset;
     };
 
-    /// Of `date` only the calendar day matters. Latitude in degrees north, longitude in degrees
-    /// east. Times are read on the clock with the zone's offset of `now`, so for a date on the
-    /// other side of a daylight-saving change they come out an hour off. Where the sun does not
-    /// cross the horizon on that day they are 06:00 and 18:00.
+    /// Uses only the calendar day of `date`. Latitude in degrees north, longitude in degrees east.
+    /// The local times use the zone's offset at `now`, so for a date on the other side of a
+    /// daylight-saving change they are an hour off. If the sun does not cross the horizon on that
+    /// day, they are 06:00 and 18:00.
     SunTimes calculate(WallTime date, double latitude, double longitude, WallTime now) const;
 };
 

@@ -4,13 +4,13 @@
 
 namespace nocta {
 
-/// Inside the span around sunrise; `progress` goes from 0 to 1.
+/// During the transition around sunrise; `progress` goes from 0 to 1.
 struct Sunrise {
     double progress = 0;
     bool operator==(const Sunrise&) const = default;
 };
 
-/// Inside the span around sunset; `progress` goes from 0 to 1.
+/// During the transition around sunset; `progress` goes from 0 to 1.
 struct Sunset {
     double progress = 0;
     bool operator==(const Sunset&) const = default;
@@ -24,7 +24,7 @@ struct Night {
     bool operator==(const Night&) const = default;
 };
 
-/// Where the day stands.
+/// The part of the day.
 using SunPosition = std::variant<Sunrise, Sunset, Day, Night>;
 
 } // namespace nocta

@@ -10,8 +10,8 @@
 
 namespace nocta {
 
-/// Told of every press of a brightness key: true for the key that raises, and the backlight level
-/// (0.0–1.0) from before the system has acted on the key.
+/// Called for every press of a brightness key. `raises` is true for the key that raises; `level` is
+/// the backlight level (0.0–1.0) before the system has acted on the key.
 class BrightnessKeyboardDelegate {
 public:
     virtual ~BrightnessKeyboardDelegate() = default;
@@ -19,23 +19,23 @@ public:
     virtual void brightnessKeyPressed(bool raises, float level) = 0;
 };
 
-/// What others need to know of the main display's backlight.
+/// What other services need to know about the main display's backlight.
 class BrightnessControlling {
 public:
     virtual ~BrightnessControlling() = default;
 
     virtual bool isAvailable() const = 0;
 
-    /// 0.0–1.0, or none where the level cannot be read.
+    /// 0.0–1.0, or none if the level cannot be read.
     virtual std::optional<float> readBrightness() = 0;
 };
 
-/// Knows whether the main display's backlight can be read, reads it, and watches the brightness
+/// Checks whether the main display's backlight can be read, reads it, and watches the brightness
 /// keys. It lives as long as the process.
 class BrightnessController final : public BrightnessControlling {
 public:
-    /// Probes at once; before the first refresh of the display list that finds nothing, so the
-    /// application probes again after it.
+    /// Probes at once. Before the first refresh of the display list the probe finds nothing, so the
+    /// application probes again after the refresh.
     BrightnessController(DisplayService& displayService, Backlight& backlight,
                          KeyEvents& keyEvents);
     BrightnessController(const BrightnessController&) = delete;
@@ -43,7 +43,7 @@ public:
 
     static BrightnessController& shared();
 
-    /// Available exactly when there is a main display and its backlight can be read.
+    /// Sets `isAvailable`: whether there is a main display whose backlight can be read.
     void probe();
 
     bool isAvailable() const override { return isAvailable_; }

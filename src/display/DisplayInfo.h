@@ -6,15 +6,15 @@
 
 namespace nocta {
 
-/// One active display, as it was when the list was read.
+/// One active display at the time when the list was read.
 struct DisplayInfo {
     DisplayId id = 0;
     std::string name;
     bool isBuiltIn = false;
     bool isMain = false;
-    Rect bounds; ///< points, in the coordinates that all displays share
+    Rect bounds; ///< points, in the coordinate system that all displays share
     float currentBrightness = 1.0F;
-    bool supportsBrightnessControl = false; ///< has a backlight: taken to be true of built-in ones
+    bool supportsBrightnessControl = false; ///< has a backlight: assumed for built-in displays
 
     bool operator==(const DisplayInfo&) const = default;
 };

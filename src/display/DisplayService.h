@@ -10,9 +10,8 @@
 
 namespace nocta {
 
-/// The inventory of active displays. Empty until the first refresh, which the application makes
-/// at start; from then on it follows the desktop's screen-parameter notification. It lives as long
-/// as the process.
+/// The list of active displays. It is empty until the application refreshes it at start; from then
+/// on it follows the desktop's screen-parameter notification. It lives as long as the process.
 class DisplayService {
 public:
     explicit DisplayService(Displays& platform) : platform_(platform) {}
@@ -28,14 +27,13 @@ public:
 
     void startObserving(NotificationCenter& notificationCenter);
 
-    /// Reads the desktop's list anew and publishes both properties.
+    /// Reads the desktop's list again and publishes both properties.
     void refreshDisplays();
 
-    /// The screen-parameter notification arrives here.
+    /// Handles the screen-parameter notification.
     void displaysDidChange() { refreshDisplays(); }
 
-    /// A freshly read list, in the desktop's order; the published one stays as it is. Empty where
-    /// the desktop fails.
+    /// Reads the list from the desktop, in its order, without publishing it. Empty on failure.
     std::vector<DisplayInfo> activeDisplays() const;
 
 private:

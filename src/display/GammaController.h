@@ -16,12 +16,12 @@ namespace nocta {
 
 enum class GammaError { displayNotFound, setTableFailed, invalidTable };
 
-/// Owns the transfer tables of every active display. Dimming, colour temperature and saturation
-/// meet here: setting any one of them rebuilds and writes the tables of every display.
+/// Owns the transfer tables of every active display. It combines dimming, color temperature and
+/// saturation: setting any one of them rebuilds and writes the tables of every display.
 ///
-/// A display that is plugged in is not written until the next setter, which also gives it an
-/// entry in that setter's own map only. The maps never shrink while the program runs, so a display
-/// that comes back comes back as it was. It lives as long as the process.
+/// A display that is plugged in is not written until the next setter, which adds it to the map of
+/// that one value only. Displays stay in the maps while the program runs, so a display that is
+/// plugged in again gets its last values. It lives as long as the process.
 class GammaController {
 public:
     GammaController(DisplayService& displayService, GammaOutput& output);
@@ -30,7 +30,7 @@ public:
 
     static GammaController& shared();
 
-    /// Takes the list of displays and follows the desktop's screen-parameter notification.
+    /// Reads the list of displays and follows the desktop's screen-parameter notification.
     void start(NotificationCenter& notificationCenter);
 
     /// 0.0 none – 1.0 black; clamped.
@@ -39,21 +39,21 @@ public:
     /// Kelvin; clamped to 1000–10000.
     void setTemperature(std::int64_t kelvin);
 
-    /// 1.0 full colour – 0.0 gray; clamped.
+    /// 1.0 full color – 0.0 gray; clamped.
     void setSaturation(float amount);
 
-    /// Takes the list of displays anew; writes no tables.
+    /// Reads the list of displays again; writes no tables.
     void displaysDidChange();
 
-    /// Writes one display's tables. Lists that do not hold 256 entries are invalid; a desktop that
-    /// refuses gives `setTableFailed`.
+    /// Writes one display's tables. `invalidTable` if a list does not have 256 entries,
+    /// `setTableFailed` if the desktop fails.
     [[nodiscard]] std::optional<GammaError> applyTables(std::span<const float> red,
                                                         std::span<const float> green,
                                                         std::span<const float> blue,
                                                         DisplayId display);
 
-    /// Forgets every display's dimming, temperature and saturation, once the screen has been given
-    /// back, so that nothing writes them again.
+    /// Forgets the dimming, temperature and saturation of every display. Called after the screen
+    /// was given back, so that nothing writes them again.
     void clearRecords();
 
     const std::vector<DisplayInfo>& displays() const { return displays_; }
@@ -64,7 +64,7 @@ public:
     const std::map<DisplayId, float>& currentSaturation() const { return currentSaturation_; }
 
 private:
-    /// The loop of all three setters. A display that cannot be written does not stop the others.
+    /// What all three setters do. If one display cannot be written, the others still are.
     template <class Value>
     void store(std::map<DisplayId, Value>& values, Value value);
 

@@ -8,14 +8,14 @@ namespace nocta {
 
 inline constexpr std::size_t gammaTableSize = 256;
 
-/// Output levels in 0.0–1.0 for the input levels i / 255, one table a channel.
+/// Output levels in 0.0–1.0 for the input levels i / 255, one table per channel.
 struct GammaTables {
     std::array<float, gammaTableSize> red;
     std::array<float, gammaTableSize> green;
     std::array<float, gammaTableSize> blue;
 };
 
-/// The white point of a colour temperature, each channel in 0.0–1.0.
+/// The white point of a color temperature, each channel in 0.0–1.0.
 struct RGBMultipliers {
     float red = 1.0F;
     float green = 1.0F;
@@ -25,12 +25,12 @@ struct RGBMultipliers {
 /// Limits a value to 0.0–1.0.
 float clamp01(float value);
 
-/// The white point of a black body of `kelvin`, for 1000–10000 K: Tanner Helland's fit to Mitchell
-/// Charity's black body table, with its constants in single precision.
+/// The white point of a black body at `kelvin`, for 1000–10000 K. Source: Tanner Helland's fit to
+/// Mitchell Charity's black body table, with its constants in single precision.
 RGBMultipliers rgbMultipliers(std::int64_t kelvin);
 
-/// Straight ramps from black up to the white point of `kelvin`: lowered as a whole by `dimming`
-/// (0.0 none – 1.0 black), and pulled towards its luminance as `saturation` falls from 1.0 to 0.0.
+/// Linear ramps from black to the white point of `kelvin`. `dimming` (0.0 none – 1.0 black) scales
+/// them down. As `saturation` falls from 1.0 to 0.0, they approach the white point's luminance.
 GammaTables makeGammaTables(std::int64_t kelvin, float dimming, float saturation);
 
 } // namespace nocta

@@ -9,9 +9,10 @@
 namespace nocta {
 
 /// Turns the one brightness value into a backlight level for each built-in display and a gamma
-/// dimming for every display. With a backlight the upper half of the range drives it alone, so
-/// external displays stay at full brightness there, and the lower half dims every display alike
-/// through the gamma tables; without one, the tables serve the whole range. It has no state.
+/// dimming for every display. With a backlight, the upper half of the range moves only the
+/// backlight, so external displays stay at full brightness there, and the lower half dims every
+/// display equally through the gamma tables. Without a backlight, the gamma tables cover the whole
+/// range. It has no state.
 class UnifiedBrightnessApplier {
 public:
     UnifiedBrightnessApplier(SettingsManager& settingsManager, GammaController& gammaController,
@@ -22,8 +23,8 @@ public:
 
     static UnifiedBrightnessApplier& shared();
 
-    /// Writes a brightness, expected in 0.0–1.0, at once. Unless `allowFullBlack` is on, a tenth of
-    /// the gamma tables' height is always kept; a change of that setting waits for the next call.
+    /// Applies a brightness, expected in 0.0–1.0, at once. Unless `allowFullBlack` is on, it dims
+    /// by at most nine tenths; a change of that setting takes effect at the next call.
     void apply(double brightness);
 
 private:

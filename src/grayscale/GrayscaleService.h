@@ -10,13 +10,13 @@
 
 namespace nocta {
 
-/// Turns every display black and white with the desktop's own filter. That switch is abrupt, so on
-/// the way in the colour tint of the gamma tables is faded out first, and on the way out it is
-/// faded back in. Without the entry point that makes the filter take effect at once, nothing is
-/// done. It lives as long as the process.
+/// Turns every display gray with the desktop's own filter. The filter switches abruptly, so the
+/// color tint of the gamma tables is faded out before it is switched on, and faded back in after it
+/// is switched off. Does nothing without the entry point that makes the filter take effect at once.
+/// It lives as long as the process.
 class GrayscaleService {
 public:
-    /// Recognises a filter that the user has switched on elsewhere.
+    /// Detects a filter that the user has switched on elsewhere.
     GrayscaleService(GammaController& gammaController, DynamicLibraries& libraries,
                      DisplayFilter& filter, RunLoop& runLoop);
     GrayscaleService(const GrayscaleService&) = delete;
@@ -30,12 +30,12 @@ public:
     /// Switches the filter on without a fade.
     void enable();
 
-    /// Switches with a fade; a fade that is running is replaced, and its completion never runs.
+    /// Switches with a fade. It replaces a running fade, whose completion is then never called.
     void setGrayscale(bool on);
 
-    /// Fades the colour tint of the gamma tables, 1.0 full colour – 0.0 gray, in sixteen values
-    /// over 0.3 seconds: `from` at once, and then fifteen steps of which the last is `to`. It
-    /// replaces a fade that is running, whose completion never runs.
+    /// Fades the saturation of the gamma tables, 1.0 full color – 0.0 gray, over 0.3 seconds:
+    /// `from` at once, then fifteen steps, the last of which is `to`. It replaces a running fade,
+    /// whose completion is then never called.
     void animateSaturation(float from, float to, std::function<void()> completion = {});
 
 private:

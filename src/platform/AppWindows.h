@@ -9,13 +9,13 @@
 
 namespace nocta {
 
-/// A window with a title bar. It is made centred and not on screen; its destruction closes it.
+/// A window with a title bar. It is created centered and hidden; destroying it closes it.
 class AppWindow {
 public:
     virtual ~AppWindow() = default;
 
     virtual void makeKeyAndOrderFront() = 0;
-    /// The keyboard stays where it is.
+    /// Shows the window without taking the keyboard focus.
     virtual void orderFrontRegardless() = 0;
 };
 
@@ -34,8 +34,8 @@ public:
 
     struct Style {
         std::string_view title; ///< in English
-        /// Of the content, in points; 0 is what the content wishes. A content that needs more has
-        /// it.
+        /// Of the content, in points; 0 means the preferred size of the content. The window is
+        /// larger if the content needs more.
         double width = 0;
         double height = 0;
         std::uint32_t styleMask = 0;
@@ -44,8 +44,8 @@ public:
 
     virtual ~AppWindows() = default;
 
-    /// `onClose` is called from the run loop after the user has closed the window, and may destroy
-    /// it.
+    /// After the user has closed the window, `onClose` is called from the run loop. It may destroy
+    /// the window.
     virtual std::unique_ptr<AppWindow> makeWindow(const Style& style, std::unique_ptr<View> content,
                                                   std::function<void()> onClose) = 0;
 };

@@ -2,21 +2,21 @@
 
 namespace nocta {
 
-/// What the desktop tells the program of its own life.
+/// Events in the life of the program, which the desktop reports.
 class ApplicationDelegate {
 public:
     virtual ~ApplicationDelegate() = default;
 
     virtual void applicationDidFinishLaunching() = 0;
 
-    /// The user started the program while it runs.
+    /// The user started the program while it was already running.
     virtual void applicationDidReopen() = 0;
 
-    /// The user asked the desktop for the program's preferences, where it has a key or a menu for
-    /// them. Stands for showPreferencesWindow:.
+    /// The user opened the preferences with the desktop's own key or menu, if it has one. Stands
+    /// for showPreferencesWindow:.
     virtual void showPreferencesWindow() = 0;
 
-    /// The last call: no timer fires and no event arrives after it.
+    /// The last call: afterward no timer fires and no event arrives.
     virtual void applicationWillTerminate() = 0;
 };
 
@@ -25,15 +25,15 @@ class Application {
 public:
     virtual ~Application() = default;
 
-    /// Serves the program until it ends and returns the process's exit status. The end may come
-    /// from `terminate`, a signal or the end of the session; the delegate is told of each.
+    /// Runs the program until it ends and returns the exit status of the process. `terminate`, a
+    /// signal or the end of the session ends it; in each case the delegate is called.
     virtual int run(ApplicationDelegate& delegate) = 0;
 
-    /// Brings the program to the front, whatever is there. Stands for
+    /// Brings the program to the front, whichever program is active. Stands for
     /// activateIgnoringOtherApps:.
     virtual void activateIgnoringOtherApps() = 0;
 
-    /// Ends `run` after the work that runs now. Stands for terminate:.
+    /// Ends `run` after the current work. Stands for terminate:.
     virtual void terminate() = 0;
 };
 

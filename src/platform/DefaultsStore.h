@@ -9,11 +9,10 @@
 
 namespace nocta {
 
-/// The user's persistent values by key, with the getters' rules of `DefaultsTable`. A value
-/// that is set is read from then on, and is on its way to the disk at the end of the run-loop turn;
-/// `synchronize` waits until it is there. A failure to write never reaches the caller, and the
-/// values in memory stay good.
-/// Stands for NSUserDefaults, function by function.
+/// The user's persistent values by key, with the rules of `DefaultsTable` for the getters. A getter
+/// returns a new value at once; the disk gets it at the end of the run-loop turn. `synchronize`
+/// waits until everything is written. A failure to write is not reported to the caller, and the
+/// values in memory stay valid. Stands for NSUserDefaults, function by function.
 class DefaultsStore {
 public:
     virtual ~DefaultsStore() = default;

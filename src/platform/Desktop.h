@@ -27,8 +27,9 @@
 
 namespace nocta {
 
-/// Everything that Nocta asks of the desktop it runs on. What a desktop cannot do is a port that
-/// says so; no port is ever missing.
+/// The ports: everything that Nocta needs from the desktop that it runs on. If a desktop cannot do
+/// something, its port says so; no port is ever missing. Most ports have the names and shapes of
+/// macOS functions, and their comments say which ones they stand for.
 struct Desktop {
     const Bundle& bundle;
     RunLoop& runLoop;
@@ -54,15 +55,15 @@ struct Desktop {
     Application& application;
 };
 
-/// The desktop of this session, or the exit status of a process that has nothing to do here: the
-/// reason has been said.
+/// The desktop of this session, or the exit status of a process that cannot run here and has
+/// already printed the reason.
 struct DesktopSession {
     std::shared_ptr<Desktop> desktop;
     int exitStatus = 0;
 };
 
-/// Probes the session and chooses its desktop; defined once per operating system. The desktop
-/// refers to the bundle.
+/// Probes the session and chooses its desktop; defined once per operating system. The desktop keeps
+/// a reference to the bundle.
 DesktopSession makeDesktop(const Bundle& bundle);
 
 } // namespace nocta

@@ -11,7 +11,7 @@ namespace nocta {
 
 using DisplayId = std::uint32_t;
 
-/// Origin and size in points, in the coordinates that all displays share.
+/// Origin and size in points, in the coordinate system that all displays share.
 struct Rect {
     double x = 0;
     double y = 0;
@@ -27,19 +27,24 @@ struct DisplayMode {
     bool operator==(const DisplayMode&) const = default;
 };
 
-/// Posted on the notification centre after a display came, went, moved or changed its mode.
+/// Posted to the notification center after a display was added, removed or moved, or changed its
+/// mode.
 inline constexpr std::string_view didChangeScreenParametersNotification =
     "ApplicationDidChangeScreenParameters";
 
-/// The displays that show a picture now.
+/// The active displays.
+///
+///     std::uint32_t count = 0;
+///     displays.getActiveDisplayList({}, count);
+///     std::vector<DisplayId> ids(count);
+///     displays.getActiveDisplayList(ids, count);
 class Displays {
 public:
     virtual ~Displays() = default;
 
-    /// Writes as many ids as fit into `ids` and the number written to `count`; an empty `ids`
-    /// asks for the number of active displays. After a failure `count` is 0. The two calls and the
-    /// reference that is filled keep the shape of CGGetActiveDisplayList, for which it stands, as
-    /// the service asks in the same two steps everywhere.
+    /// Writes as many ids as fit into `ids`, and the number written to `count`. If `ids` is empty,
+    /// `count` is the number of active displays. On failure `count` is 0. Keeps the two steps and
+    /// the output parameter of CGGetActiveDisplayList, for which it stands.
     virtual Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) = 0;
 
     /// Stands for CGDisplayBounds.
@@ -51,7 +56,7 @@ public:
     /// Stands for CGDisplayIsBuiltin.
     virtual bool displayIsBuiltin(DisplayId display) = 0;
 
-    /// None where the display has no mode. Stands for CGDisplayCopyDisplayMode.
+    /// None if the display has no mode. Stands for CGDisplayCopyDisplayMode.
     virtual std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) = 0;
 };
 

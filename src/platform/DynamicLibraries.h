@@ -6,17 +6,17 @@
 
 namespace nocta {
 
-/// Libraries of the system that are looked up at run time.
+/// System libraries that are opened at run time.
 class DynamicLibraries {
 public:
-    /// Stands for what dlopen gives; 0 is none.
+    /// Stands for what dlopen returns; 0 is none.
     using Handle = std::uintptr_t;
-    /// An entry point that takes one number; none where the library has no such symbol.
+    /// A function that takes one number; empty if the library has no such symbol.
     using EntryPoint = std::function<void(std::int32_t)>;
 
     virtual ~DynamicLibraries() = default;
 
-    /// Binds everything at once, as dlopen does with RTLD_NOW.
+    /// Stands for dlopen with RTLD_NOW.
     virtual Handle open(std::string_view path) = 0;
 
     /// Stands for dlsym.

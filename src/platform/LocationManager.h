@@ -5,7 +5,7 @@
 
 namespace nocta {
 
-/// A coarse place: degrees north and east.
+/// A coarse location: degrees north and east.
 struct Location {
     double latitude = 0;
     double longitude = 0;
@@ -20,29 +20,29 @@ enum class AuthorizationStatus {
     authorizedWhenInUse = 4,
 };
 
-/// What the location manager tells. Everything arrives from the run loop.
+/// Receives the results of the location manager. Every function is called from the run loop.
 class LocationManagerDelegate {
 public:
     virtual ~LocationManagerDelegate() = default;
 
-    /// The newest last.
+    /// The newest location is the last one.
     virtual void didUpdateLocations(std::span<const Location> locations) = 0;
     virtual void didFailWithError(std::string_view description) = 0;
 
-    /// Once after the manager has its delegate, and at each change.
+    /// Called once after the delegate is set, and at each change.
     virtual void didChangeAuthorization() = 0;
 };
 
-/// The desktop's location service, to the kilometre. Stands for CLLocationManager.
+/// The desktop's location service, accurate to a kilometer. Stands for CLLocationManager.
 class LocationManager {
 public:
     virtual ~LocationManager() = default;
 
-    /// Not owned; null for none.
+    /// The manager does not own the delegate; null removes it.
     virtual void setDelegate(LocationManagerDelegate* delegate) = 0;
     virtual AuthorizationStatus authorizationStatus() const = 0;
 
-    /// Asks the user. A request whose answer is already known does nothing and reports nothing.
+    /// Asks the user. If the answer is already known, it does nothing and reports nothing.
     virtual void requestWhenInUseAuthorization() = 0;
     virtual void startUpdatingLocation() = 0;
     virtual void stopUpdatingLocation() = 0;

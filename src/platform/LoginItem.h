@@ -12,11 +12,11 @@ public:
 
     virtual ~LoginItem() = default;
 
-    /// As the desktop has it now; it may have been changed there.
+    /// The present status; the user may have changed it in the desktop's settings.
     virtual Status status() = 0;
 
-    /// Each returns the error's description, or nothing on success. Stand for
-    /// registerAndReturnError: and unregisterAndReturnError:.
+    // They return a description of the error, or nothing on success. They stand for
+    // registerAndReturnError: and unregisterAndReturnError:.
     virtual std::optional<std::string> registerItem() = 0;
     virtual std::optional<std::string> unregisterItem() = 0;
 };

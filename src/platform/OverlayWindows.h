@@ -14,14 +14,14 @@
 
 namespace nocta {
 
-/// A screen, with its frame in the coordinates that all screens share.
+/// A screen, with its frame in the coordinate system that all screens share.
 struct Screen {
     std::uint64_t id = 0;
     Rect frame;
 };
 
-/// A borderless window that can have the keyboard but is never the main window. It is made with an
-/// alpha of 0 and not on screen; its destruction takes it off the screen. Stands for
+/// A borderless window that can have the keyboard but is never the main window. It is created
+/// hidden and with an alpha of 0; destroying it removes it from the screen. Stands for
 /// HostingOverlayWindow.
 class OverlayWindow {
 public:
@@ -30,8 +30,9 @@ public:
     virtual void makeKeyAndOrderFront() = 0;
     virtual void orderOut() = 0;
 
-    /// Fades from the present alpha, replacing a fade that is running; `completion` is called from
-    /// the run loop at its end, unless it was replaced or the window has gone.
+    /// Fades from the current alpha to `target`, and replaces a running fade. At the end
+    /// `completion` is called from the run loop, unless the fade was replaced or the window
+    /// destroyed.
     virtual void animateAlpha(double target, Duration duration, TimingFunction curve,
                               std::function<void()> completion = {}) = 0;
 };
@@ -42,27 +43,27 @@ public:
     using WindowLevel = std::int64_t;
 
     struct Style {
-        /// 1000 is that of a screen saver: above everything, full-screen windows as well.
+        /// 1000 is the level of a screen saver: above everything, even full-screen windows.
         WindowLevel level = 0;
-        /// A mask of 1, on all workspaces, and 256, over another program's full-screen window.
+        /// A bit mask: 1 is on all workspaces, 256 is over another program's full-screen window.
         std::uint32_t collectionBehavior = 0;
     };
 
     virtual ~OverlayWindows() = default;
 
-    /// The screens that there are now.
+    /// The screens that are connected now.
     virtual std::vector<Screen> screens() = 0;
 
-    /// A window over exactly that frame, without shadow or background of its own, that takes the
-    /// mouse.
+    /// A window that covers exactly the frame of `screen` and takes mouse events. It has no shadow
+    /// and no background.
     virtual std::unique_ptr<OverlayWindow> makeWindow(const Screen& screen, const Style& style,
                                                       std::unique_ptr<View> content) = 0;
 
-    /// Every key that goes down in a window of this program, before the window gets it; `true`
-    /// swallows it. Somebody who is typing when overlay windows come has not seen them yet: until a
-    /// pause in the typing those keys reach neither the handler nor a window, and neither do the
-    /// repeats of a held key. Stands for addLocalMonitorForEventsMatchingMask with key-down events
-    /// (mask 1 << 10).
+    /// Calls `handler` for every key that goes down in a window of this program, before the window
+    /// gets it; `true` swallows the key. A user who is typing when overlay windows appear has not
+    /// seen them yet, so until a pause in the typing the keys reach neither the handler nor a
+    /// window. The repeats of a held key never do. Stands for addLocalMonitorForEventsMatchingMask
+    /// with key-down events (mask 1 << 10).
     virtual Subscription
     addLocalMonitorForKeyDown(std::function<bool(const KeyDownEvent&)> handler) = 0;
 };

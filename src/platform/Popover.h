@@ -7,7 +7,8 @@
 
 namespace nocta {
 
-/// When a popover closes by itself: `transient`, as soon as the user clicks elsewhere.
+/// When a popover closes: `transient` closes as soon as the user clicks elsewhere,
+/// `applicationDefined` only by `close`.
 enum class PopoverBehavior { applicationDefined, transient };
 
 /// The small window beside the status item. Stands for NSPopover.
@@ -20,10 +21,10 @@ public:
     virtual void setBehavior(PopoverBehavior behavior) = 0;
     virtual void setAnimates(bool animates) = 0;
 
-    /// Takes the view and keeps it until the popover has closed.
+    /// Owns the view until the popover has closed.
     virtual void setContentView(std::unique_ptr<View> view) = 0;
 
-    /// Shows the content next to the item, on the edge that faces into the screen, wholly on
+    /// Shows the content beside the item, on the side toward the middle of the screen, entirely on
     /// screen, and gives it the keyboard.
     virtual void show(StatusItem& relativeTo) = 0;
     virtual void close() = 0;

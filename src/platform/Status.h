@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// What a desktop's call answered: 0 is success, anything else a failure.
+/// The result of a call to the desktop: 0 is success, anything else is a failure.
 using Status = std::int32_t;
 inline constexpr Status statusSuccess = 0;
 inline constexpr Status statusFailure = -1;

@@ -8,20 +8,20 @@
 
 namespace nocta {
 
-/// One icon in the desktop's status bar; it goes when this is destroyed.
+/// An icon in the desktop's status bar. Destroying it removes the icon.
 class StatusItem {
 public:
     virtual ~StatusItem() = default;
 
-    /// Shows the symbol of that name as a template image, that is, tinted by the desktop.
+    /// Shows the symbol of that name as a template image, which the desktop tints.
     virtual void setImage(std::string_view symbolName,
                           std::string_view accessibilityDescription) = 0;
 
-    /// What a click on the item does.
+    /// A click on the item calls `action`.
     virtual void setAction(std::function<void()> action) = 0;
 
-    /// The menu of a desktop whose status items have one, at a right click or a long press. It
-    /// takes the view and keeps it.
+    /// The menu for a right click or a long press, on desktops whose status items have one. The
+    /// item owns the view.
     virtual void setMenu(std::unique_ptr<View> menu) = 0;
 };
 
@@ -30,7 +30,7 @@ class StatusBar {
 public:
     virtual ~StatusBar() = default;
 
-    /// An item of variable length, or none where the desktop gives none.
+    /// An item of variable length, or none if the desktop has no status bar.
     /// Stands for NSStatusBar's statusItemWithLength:.
     virtual std::unique_ptr<StatusItem> statusItem() = 0;
 };

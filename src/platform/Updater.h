@@ -9,9 +9,9 @@
 
 namespace nocta {
 
-// What an updater has to show to the user. Texts are UTF-8 and plain.
+// The stages that an updater shows to the user. Texts are plain UTF-8.
 
-struct UpdatePermissionRequest {}; ///< whether it may check by itself
+struct UpdatePermissionRequest {}; ///< whether it may check automatically
 struct UpdateCheckInProgress {};
 struct UpdateNotFound {};
 struct UpdateFound {
@@ -26,28 +26,28 @@ struct UpdateHandedOver { ///< to the installer
 };
 struct UpdaterError {
     std::string description;
-    std::string version{}; ///< for people; nothing where the check failed
+    std::string version{}; ///< for people; empty if the check failed
 };
 
-/// Nothing while there is nothing to show.
+/// monostate while there is nothing to show.
 using UpdateStage =
     std::variant<std::monostate, UpdatePermissionRequest, UpdateCheckInProgress, UpdateNotFound,
                  UpdateFound, UpdateDownload, UpdateHandedOver, UpdaterError>;
 
-/// Keeps the program up to date. Stands for SPUStandardUpdaterController and SPUUpdater, which have
-/// windows of their own: on that desktop `stage` is always nothing.
+/// Keeps the program up to date. Stands for SPUStandardUpdaterController and SPUUpdater, which show
+/// windows of their own: with them `stage` is always monostate.
 class Updater {
 public:
     enum class Availability {
         available,
-        noFeed,        ///< this build knows nowhere to look
+        noFeed,        ///< this build has no address for updates
         packageManager ///< updates come with those of the system
     };
-    /// The error's description where the cycle failed, unless the updater has logged it already.
+    /// `error` describes why the cycle failed, unless the updater has already logged it.
     using DidFinishUpdateCycle = std::function<void(const std::optional<std::string>& error)>;
 
     Published<bool> canCheckForUpdates{false};
-    /// Written anew when it is to be brought to the front.
+    /// Written again, with an equal value, to bring it to the front.
     Published<UpdateStage> stage;
     Published<double> downloadProgress{0.0}; ///< 0.0–1.0
 
@@ -55,25 +55,25 @@ public:
 
     virtual Availability availability() const = 0;
 
-    /// Called once. Returns the error's description where updates cannot be looked for. Stands for
+    /// Called once. Returns a description of the error if updates cannot be checked. Stands for
     /// startUpdater: and updater:didFinishUpdateCycleForUpdateCheck:error:.
     virtual std::optional<std::string> startUpdater(DidFinishUpdateCycle didFinishUpdateCycle) = 0;
 
-    // They are remembered wherever the updater can check or not.
+    // These are stored even if the updater cannot check.
     virtual bool automaticallyChecksForUpdates() const = 0;
     virtual void setAutomaticallyChecksForUpdates(bool checks) = 0;
     virtual bool automaticallyDownloadsUpdates() const = 0;
     virtual void setAutomaticallyDownloadsUpdates(bool downloads) = 0;
 
-    /// As the user wishes: whatever comes of it is shown.
+    /// A check that the user asked for: shows every result, even that there is no update.
     virtual void checkForUpdates() = 0;
 
-    // The user's answers to the stage; one that does not fit it does nothing.
+    // The user's answers to the current stage. An answer that does not fit the stage does nothing.
 
-    /// Of what was found.
+    // For UpdateFound.
     virtual void install() = 0;
     virtual void skip() = 0;
-    /// Not now, or seen; ends what is in progress. Of the permission: no.
+    /// Not now, or done reading. Cancels a check or a download; denies a permission request.
     virtual void dismiss() = 0;
 };
 

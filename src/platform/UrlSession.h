@@ -20,13 +20,17 @@ struct UrlRequest {
     std::chrono::milliseconds timeout{};
 };
 
-/// One of the two: the status of an HTTP response, or why there is none.
+/// Has exactly one of the two: the status of an HTTP response, or the reason why there is none.
 struct UrlResponse {
     std::optional<int> statusCode{};
-    std::optional<std::string> error{}; ///< in the words of the desktop
+    std::optional<std::string> error{}; ///< a text from the desktop
 };
 
-/// Loads addresses over the network. Stands for NSURLSession.
+/// Loads URLs over the network. Stands for NSURLSession.
+///
+///     task_ = urlSession.dataTask({.url = "https://…", .method = "GET", .timeout = 60s},
+///                                 [this](const UrlResponse& response) { finish(response); },
+///                                 [this](std::string_view data) { body_ += data; });
 class UrlSession {
 public:
     using Completion = std::function<void(const UrlResponse& response)>;
@@ -34,10 +38,10 @@ public:
 
     virtual ~UrlSession() = default;
 
-    /// `completion` is called once, from the run loop, unless what is returned has gone: that ends
-    /// the task, at any time. The body of the response is given to `didReceiveData` as it comes,
-    /// in pieces; without that it is dropped, and one of more than 1 MiB not waited for.
-    /// Redirections are followed, but never to an address that is not encrypted. Stands for
+    /// Calls `completion` once, from the run loop. Destroying the returned subscription cancels the
+    /// task at any time. `didReceiveData` gets the body of the response in pieces as it arrives.
+    /// Without it the body is dropped, and the task does not wait for more than 1 MiB of it.
+    /// Redirects are followed, but never to an unencrypted URL. Stands for
     /// dataTaskWithRequest:completionHandler:, URLSession:dataTask:didReceiveData: and resume.
     virtual Subscription dataTask(const UrlRequest& request, Completion completion,
                                   DidReceiveData didReceiveData) = 0;

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-// Bits of what a program may do and of how a notification is shown.
+// Bits for what a program may do and how a notification is shown.
 inline constexpr std::uint32_t notificationSound = 2;
 inline constexpr std::uint32_t notificationAlert = 4;
 inline constexpr std::uint32_t notificationBanner = 16;
@@ -21,7 +21,7 @@ struct UserNotificationAction {
     bool operator==(const UserNotificationAction&) const = default;
 };
 
-/// A kind of notification, with the buttons that those of it have.
+/// A kind of notification, with its buttons.
 struct UserNotificationCategory {
     std::string identifier;
     std::vector<UserNotificationAction> actions;
@@ -34,16 +34,15 @@ struct UserNotification {
     std::string categoryIdentifier;
 };
 
-/// What the notification centre tells. Everything arrives from the run loop.
+/// Receives the events of the notification center. Every function is called from the run loop.
 class UserNotificationCenterDelegate {
 public:
     virtual ~UserNotificationCenterDelegate() = default;
 
-    /// How a notification is shown that arrives while the program is in front: a mask of bits.
+    /// How to show a notification that arrives while the program is in front: a bit mask.
     virtual std::uint32_t willPresentNotification() = 0;
 
-    /// The user's answer to a notification; `completionHandler` is to be called when it has been
-    /// acted upon.
+    /// The user's answer to a notification. Call `completionHandler` after handling it.
     virtual void didReceiveResponse(std::string_view actionIdentifier,
                                     const std::function<void()>& completionHandler) = 0;
 };
@@ -51,7 +50,7 @@ public:
 /// The desktop's notifications. Stands for UNUserNotificationCenter.
 class UserNotificationCenter {
 public:
-    /// Whether the user allows it, and what went wrong, if anything did.
+    /// Whether the user allows notifications, and the error, if there was one.
     using AuthorizationHandler =
         std::function<void(bool granted, const std::optional<std::string>& error)>;
 
@@ -62,7 +61,7 @@ public:
                                       AuthorizationHandler completionHandler) = 0;
     virtual void setNotificationCategories(std::vector<UserNotificationCategory> categories) = 0;
 
-    /// Not owned; null for none.
+    /// The center does not own the delegate; null removes it.
     virtual void setDelegate(UserNotificationCenterDelegate* delegate) = 0;
 
     /// Shows a notification now.

@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// New random identifiers. It belongs to the desktop so that a virtual one can repeat itself.
+/// Makes random identifiers. It is a port so that those of the virtual desktop are repeatable.
 class UuidSource {
 public:
     virtual ~UuidSource() = default;

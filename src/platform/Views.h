@@ -5,28 +5,27 @@
 
 namespace nocta {
 
-/// The content of a window, made by the face and shown by a shell port.
+/// The content of a window. The user interface makes it, and a port of the desktop shows it.
 class View {
 public:
     virtual ~View() = default;
 
-    /// What the face's toolkit calls it: a QWidget*, or null where there is no toolkit. The view
-    /// owns it.
+    /// The toolkit's own object: a QWidget*, or null if there is no toolkit. The view owns it.
     virtual void* nativeView() = 0;
 };
 
-/// Makes the views, so that who shows them need not know a toolkit.
+/// Makes the views, so that the code that shows them does not depend on a toolkit.
 class Views {
 public:
     virtual ~Views() = default;
 
-    /// `showPreferences` is what the button of that name does.
+    /// The Preferences button calls `showPreferences`.
     virtual std::unique_ptr<View> makePopoverContentView(std::function<void()> showPreferences) = 0;
     virtual std::unique_ptr<View> makePreferencesView() = 0;
     virtual std::unique_ptr<View> makeOnboardingView(std::function<void()> onComplete) = 0;
-    /// Of the updater's present stage.
+    /// Shows the current stage of the updater.
     virtual std::unique_ptr<View> makeUpdateView() = 0;
-    /// What the popover offers, as a menu.
+    /// The controls of the popover as a menu.
     virtual std::unique_ptr<View> makeStatusMenu(std::function<void()> showPreferences) = 0;
     virtual std::unique_ptr<View> makeBreakOverlayView(std::function<void()> onSkip,
                                                        std::function<void()> onSnooze) = 0;

@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// A whole number that 64 bits hold, written without a fraction or an exponent. The library itself
-/// would turn any other number into one of these: nlohmann::json::exception refuses it.
+/// Reads an integer that fits into 64 bits and is written without a fraction or an exponent. Throws
+/// nlohmann::json::exception for any other number, which the library would convert silently.
 std::int64_t integerFrom(const nlohmann::json& json);
 
 } // namespace nocta

@@ -44,9 +44,9 @@ struct Profile {
 
 BuiltInProfiles makeBuiltInProfiles(UuidSource& uuidSource);
 
-/// A JSON object with the eight field names as keys, the id as its canonical text. Reading throws
-/// nlohmann::json::exception where a key is missing or mistyped, not an id, or a number of minutes
-/// that the field cannot hold. Fractions are read as they are.
+/// A JSON object with the eight field names as keys and the id in canonical form. Reading throws
+/// nlohmann::json::exception if a key is missing, a value has the wrong type, the id is not a UUID,
+/// or the number of minutes does not fit the field. Fractions are not checked.
 void to_json(nlohmann::json& json, const Profile& profile);
 void from_json(const nlohmann::json& json, Profile& profile);
 

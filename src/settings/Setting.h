@@ -15,7 +15,7 @@
 
 namespace nocta {
 
-/// How each type of setting reads from and writes to the defaults store.
+/// How each type of setting is read from and written to the defaults store.
 void load(const DefaultsStore& store, std::string_view key, double& value);
 void load(const DefaultsStore& store, std::string_view key, bool& value);
 void load(const DefaultsStore& store, std::string_view key, std::int64_t& value);
@@ -28,7 +28,7 @@ void save(DefaultsStore& store, std::string_view key, std::int64_t value);
 void save(DefaultsStore& store, std::string_view key, MenuBarIcon value);
 void save(DefaultsStore& store, std::string_view key, const std::optional<Uuid>& value);
 
-/// How a default is registered; an absent one is not.
+/// The value to register as the default; none for an absent one.
 template <class T>
 std::optional<DefaultsValue> registeredValue(const T& value) {
     return value;
@@ -40,9 +40,9 @@ inline std::optional<DefaultsValue> registeredValue(const std::optional<Uuid>& v
     return value ? std::optional<DefaultsValue>(value->toString()) : std::nullopt;
 }
 
-/// A published value with a key, written through to the defaults store. A write is published
-/// first and then persisted, so that what a subscriber wrote meanwhile is what is persisted last.
-/// A member of a `SettingGroup`, whose sample shows the declaration.
+/// A published value with a key, which is written through to the defaults store. A write is
+/// published first and then persisted, so that if a subscriber writes again, the last value is
+/// persisted. It is a member of a `SettingGroup`, whose comment shows a sample.
 template <class T>
 class Setting final : public AnySetting {
 public:
@@ -59,7 +59,7 @@ public:
         save(store_, key_, published_.get());
     }
 
-    /// For the message of a fault that its value leads to.
+    /// Names the setting in the message of a fault that its value causes.
     Origin origin() const { return {.key = key_, .value = get()}; }
 
     Subscription subscribe(std::function<void(const T&)> callback) {

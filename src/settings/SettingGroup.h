@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// What a group of settings does with each of them, whatever its type.
+/// What a `SettingGroup` needs from each setting, whatever its type.
 class AnySetting {
 public:
     virtual ~AnySetting() = default;
@@ -15,25 +15,25 @@ public:
     /// Adds the default, unless the setting is absent by default.
     virtual void addDefault(DefaultsMap& defaults) const = 0;
 
-    /// Reads the stored value, without writing back.
+    /// Reads the stored value without writing it back.
     virtual void load() = 0;
 
     virtual void reset() = 0;
 };
 
-/// Not part of a reset.
+/// The setting is not part of a reset.
 struct NeverReset {};
 
-/// Reset just before another setting of the group.
+/// The setting is reset just before another setting of the group.
 struct ResetBefore {
     const AnySetting& next;
 };
 
-/// Where a reset writes a setting; by default in the order of the declarations.
+/// When a reset writes a setting; monostate is the order of the declarations.
 using ResetPlace = std::variant<std::monostate, NeverReset, ResetBefore>;
 
 /// The settings of one defaults store, in the order of their declarations. A derived class declares
-/// them as members, each of which lists itself, and calls `load` when all are there:
+/// them as members, which register themselves, and calls `load` in its constructor:
 ///
 ///     class Sounds : SettingGroup {
 ///     public:
@@ -52,7 +52,7 @@ protected:
     explicit SettingGroup(DefaultsStore& userDefaults) : userDefaults_(userDefaults) {}
     ~SettingGroup() = default;
 
-    /// Registers every default, and then reads every value.
+    /// Registers all defaults, then reads all values.
     void load();
     void reset();
 

@@ -11,7 +11,7 @@ constexpr double neutralBelow = 0.66;
 
 SettingsManager::SettingsManager(DefaultsStore& userDefaults) : SettingGroup(userDefaults) {
     load();
-    // Rewrites a stored id in canonical form and removes one that is not an id.
+    // Rewrites a stored id in canonical form, and removes a value that is not an id.
     activeProfileId.set(activeProfileId.get());
 }
 

@@ -10,16 +10,16 @@
 
 namespace nocta {
 
-/// The one source of truth for what the user has chosen, over the user's defaults store. Each
-/// setting is published and persisted on every write, under a key that is its name. Nothing is
-/// clamped here: writers clamp. It lives as long as the process.
+/// The single source of truth for the user's settings, stored in the defaults store. Every write of
+/// a setting publishes and persists it, with its name as the key. Nothing is clamped here: writers
+/// clamp. It lives as long as the process.
 class SettingsManager : SettingGroup {
 public:
     explicit SettingsManager(DefaultsStore& userDefaults);
 
     static SettingsManager& shared();
 
-    // One line a setting. Declaring one registers its default, loads it and makes it part of a
+    // One line per setting. The declaration registers its default, loads it and makes it part of a
     // reset.
     Setting<double> unifiedBrightness{*this, "unifiedBrightness", 0.75}; ///< 0.0–1.0, all displays
     Setting<double> warmthLevel{*this, "warmthLevel", 0.5}; ///< 0.0 cool – 1.0 warmest

@@ -15,7 +15,7 @@ void AppMonitorService::startMonitoring() {
                 updateFullscreen();
             }
         });
-    // The program's own windows tell by themselves.
+    // Our own windows post notifications.
     fullscreenObserver_ = notificationCenter_.observe(windowDidEnterFullScreenNotification,
                                                       [this] { isFullscreen.set(true); });
     exitFullscreenObserver_ = notificationCenter_.observe(windowDidExitFullScreenNotification,

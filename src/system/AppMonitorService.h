@@ -21,18 +21,18 @@ public:
     Published<std::optional<RunningApplication>> frontmostApp;
     Published<bool> isFullscreen;
 
-    /// To be called once.
+    /// Call this once.
     void startMonitoring();
 
-    /// Whether any window on screen, of whatever application, has exactly the size of the main
-    /// screen. A list of windows that cannot be read changes nothing.
+    /// Sets `isFullscreen`: whether any window on screen, of any application, has exactly the size
+    /// of the main screen. Changes nothing if the desktop cannot list the windows.
     void updateFullscreen();
 
 private:
     Workspace& workspace_;
     NotificationCenter& notificationCenter_;
     Subscription observer_;
-    Subscription fullscreenObserver_; ///< of windows that enter full screen
+    Subscription fullscreenObserver_; ///< for windows that enter full screen
     Subscription exitFullscreenObserver_;
 };
 

@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 
 constexpr std::string_view path = "/api/feedback";
 constexpr auto timeout = 60s;
-constexpr int succeeded = 200; // any other means that it was not taken
+constexpr int succeeded = 200; // the only status that means success
 
 struct Presentation {
     std::string_view key;
@@ -26,7 +26,7 @@ constexpr std::array presentations = {Presentation{"suggestion", "Suggestion"},
                                       Presentation{"bug", "Bug report"},
                                       Presentation{"other", "Other"}};
 
-/// White space and line ends, in UTF-8.
+/// Unicode white space and line ends, in UTF-8.
 constexpr std::array<std::string_view, 25> blanks = {
     "\t",           "\n",           "\v",           "\f",           "\r",           " ",
     "\xC2\x85",     "\xC2\xA0",     "\xE1\x9A\x80", "\xE2\x80\x80", "\xE2\x80\x81", "\xE2\x80\x82",
@@ -78,7 +78,7 @@ void FeedbackService::send() {
     std::string body;
     try {
         body = nlohmann::json(fields).dump();
-    } catch (const nlohmann::json::exception&) { // a text that is none
+    } catch (const nlohmann::json::exception&) { // not valid UTF-8
         body.clear();
     }
     if (apiBase_.empty() || body.empty()) {

@@ -15,17 +15,17 @@ enum class FeedbackType { suggestion, bug, other };
 inline constexpr std::array allFeedbackTypes = {FeedbackType::suggestion, FeedbackType::bug,
                                                 FeedbackType::other};
 
-/// What the vendor's service calls it.
+/// The name that the vendor's service uses.
 std::string_view key(FeedbackType type);
 /// In English.
 std::string_view label(FeedbackType type);
 
-/// What the user writes to the makers, and its way there. It keeps what was written until it was
-/// sent, whatever becomes of the window, and lives as long as the process.
+/// The feedback form's content, and sending it. It keeps what the user wrote until it is sent, even
+/// if the window is closed. It lives as long as the process.
 class FeedbackService {
 public:
-    /// `apiBase` is the scheme and host of the vendor's service, without a slash at its end; empty
-    /// where this build has none.
+    /// `apiBase` is the scheme and host of the vendor's service, without a trailing slash; empty if
+    /// this build has none.
     FeedbackService(UrlSession& urlSession, std::string_view apiBase);
     FeedbackService(const FeedbackService&) = delete;
     FeedbackService& operator=(const FeedbackService&) = delete;
@@ -41,13 +41,13 @@ public:
     Published<bool> sent{false};
     Published<std::optional<std::string>> errorMessage;
 
-    /// Nothing to send, or something on its way: not now.
+    /// False if the message is empty or is being sent.
     bool canSend() const;
 
-    /// Whatever fails is in `errorMessage`, and what was written stays.
+    /// On failure sets `errorMessage` and keeps what the user wrote.
     void send();
 
-    /// Back to the form, for another message.
+    /// Returns to the form for another message.
     void sendAnother();
 
 private:

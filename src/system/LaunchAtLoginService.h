@@ -5,8 +5,8 @@
 
 namespace nocta {
 
-/// Starts the program with the user's session, or no longer does. The desktop's own record counts,
-/// as it was when this was made; the setting `launchAtLogin` plays no part. It lives as long as the
+/// Turns on or off that the program starts with the user's session. The state is the desktop's own,
+/// read when this object was made; the setting `launchAtLogin` is not used. It lives as long as the
 /// process.
 class LaunchAtLoginService {
 public:
@@ -18,7 +18,7 @@ public:
 
     Published<bool> isEnabled;
 
-    /// A failure is one line on standard output and leaves `isEnabled` as it was.
+    /// A failure prints one line on standard output and does not change `isEnabled`.
     void enable();
     void disable();
 

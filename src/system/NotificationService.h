@@ -5,8 +5,8 @@
 
 namespace nocta {
 
-/// Registers the category of break reminders with its two buttons, and turns what the user presses
-/// into a skip or a snooze of the break. It posts nothing itself. It lives as long as the process.
+/// Registers the category of break reminders with its two buttons, which skip or snooze the break.
+/// It does not post notifications itself. It lives as long as the process.
 class NotificationService final : private UserNotificationCenterDelegate {
 public:
     NotificationService(UserNotificationCenter& center, BreakTimer& breakTimer);
@@ -16,7 +16,7 @@ public:
 
     static NotificationService& shared();
 
-    /// For alerts and sounds. A failure is printed on standard output; a refusal is not.
+    /// For alerts and sounds. Prints an error on standard output; a denial prints nothing.
     void requestAuthorization();
 
 private:

@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// Lets the keyboard's brightness keys drive the unified brightness from any application, a
-/// sixteenth a press. Keys are only heard: the system and the focused application get them too.
+/// Changes the unified brightness with the keyboard's brightness keys from any application, by a
+/// sixteenth per press. It only listens: the system and the focused application get the keys too.
 /// It lives as long as the process.
 class ShortcutsManager {
 public:
@@ -19,8 +19,8 @@ public:
 
     static ShortcutsManager& shared();
 
-    /// Installs the event tap, once. Where the desktop refuses, one line says so on standard
-    /// output and shortcuts stay off.
+    /// Installs the event tap, once. If the desktop refuses, it prints one line on standard output,
+    /// and the shortcuts stay off.
     void startMonitoring();
 
     bool isMonitoring() const { return static_cast<bool>(eventTap_); }

@@ -7,11 +7,11 @@
 
 namespace nocta {
 
-/// What the external display shows, whatever is in front.
+/// The application on the external display, whichever is in front.
 extern const RunningApplication colorsApplication;
 
-/// The window of an application that is not Nocta: faces where it is for meetings, a chart where it
-/// is that of the colors, else a text to be read.
+/// Paints the window of an application other than Nocta: faces for a meeting program, a chart for
+/// `colorsApplication`, else a page of text.
 void paintApplicationWindow(QPainter& painter, const QRectF& window,
                             const RunningApplication& application);
 

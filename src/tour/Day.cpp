@@ -19,50 +19,50 @@ void start(Tour& tour) {
     tour.desktop.runLoop.advance(0s);
     tour.launch();
     tour.expect(tour.desktop.appWindows.isOnScreen("Welcome to Nocta"), "the first start welcomes");
-    tour.take(
-        "The first start",
-        "Nocta already works while its first window is open. The built-in display is at three "
-        "quarters, as the brightness is to begin with.");
+    tour.take("The first start",
+              "Nocta already works while its first window is open. The brightness starts at three "
+              "quarters.");
     tour.press("continueButton");
     tour.press("allowButton");
     tour.desktop.location.answer(AuthorizationStatus::authorized);
     tour.desktop.location.send(berlin);
     tour.expect(tour.settings().locationEnabled.get(), "the permission is a setting");
-    tour.take("The place", "With your place Nocta knows the true times of sunrise and sunset.");
+    tour.take("The location", "With your location Nocta uses the true sunrise and sunset.");
     tour.press("continueButton");
     tour.press("Everyday");
-    tour.take("A style to begin with", "Five settings at once. Every one can be changed later.");
+    tour.take("A style to start with", "Five settings at once. You can change each of them later.");
     tour.press("continueButton");
     tour.press("continueButton");
     tour.expect(!tour.desktop.appWindows.isOnScreen("Welcome to Nocta"), "it closes");
     tour.expect(!tour.settings().isFirstLaunch.get(), "it never comes back");
-    tour.desktop.runLoop.advance(1s); // until every glide has come to its end
+    tour.desktop.runLoop.advance(1s); // until every transition has ended
 }
 
 void dim(Tour& tour) {
     tour.settings().unifiedBrightness.set(1.0);
     tour.desktop.statusBar.click();
-    tour.take("100 %", "The backlight is at its most, and no picture is dimmed.");
+    tour.take("100 %", "The backlight is at 100 %, and no picture is dimmed.");
     tour.settings().unifiedBrightness.set(0.6);
     tour.expect(tour.topOf(Tour::external) == 1,
                 "the upper half leaves the external display alone");
     tour.expect(tour.desktop.displays.display(Tour::builtIn).backlight < 0.5F,
                 "the upper half moves the backlight");
-    tour.take("60 %", "The upper half is the backlight's. The external display has none that Nocta "
-                      "may move, and keeps its light.");
+    tour.take("60 %", "The upper half moves only the backlight. The external display has none that "
+                      "Nocta can move, so it stays at full brightness.");
     tour.settings().unifiedBrightness.set(0.25);
     tour.expect(std::abs(tour.topOf(Tour::external) - 0.5) < 0.01, "the lower half darkens all");
     tour.take("25 %", "The lower half darkens the picture of every display, below what the "
                       "hardware allows.");
     tour.settings().unifiedBrightness.set(0.0);
     tour.expect(std::abs(tour.topOf(Tour::external) - 0.1) < 0.01, "a faint glow is kept");
-    tour.take("0 %, with the faint glow",
-              "A tenth of every picture's light is kept, on the built-in display over the lowest "
-              "backlight: the external one can still be seen.");
+    tour.take(
+        "0 %, with the faint glow",
+        "Every picture keeps a tenth of its level, so that you can still see it. The backlight "
+        "of the built-in display is at its lowest.");
     tour.settings().allowFullBlack.set(true);
     tour.settings().unifiedBrightness.set(0.0);
-    tour.expect(tour.topOf(Tour::external) == 0, "black where the user wants it");
-    tour.take("0 %, with black allowed", "Only for those who switch it on.");
+    tour.expect(tour.topOf(Tour::external) == 0, "it is black if the user allows it");
+    tour.take("0 %, with black allowed", "Only if you switch it on.");
     tour.settings().allowFullBlack.set(false);
 
     TourCurve backlight{"backlight", {}};
@@ -95,10 +95,11 @@ void plug(Tour& tour) {
     tour.desktop.displays.plug({.id = projector, .bounds = {1984, 0, 640, 480}});
     tour.expect(tour.desktop.displays.display(projector).red.empty(),
                 "a display that is plugged in waits for the next change");
-    tour.take("A display is plugged in", "It keeps its own light until something changes.");
+    tour.take("A display is plugged in", "It keeps its look until something changes.");
     tour.settings().unifiedBrightness.set(0.29);
-    tour.expect(!tour.desktop.displays.display(projector).red.empty(), "and then takes part");
-    tour.take("The next change", "Now it takes part.");
+    tour.expect(!tour.desktop.displays.display(projector).red.empty(),
+                "it changes with the next change");
+    tour.take("The next change", "Now it changes like the others.");
     tour.desktop.displays.unplug(projector);
     tour.settings().unifiedBrightness.set(0.75);
 }
@@ -136,7 +137,7 @@ void takeBreaks(Tour& tour) {
     tour.press("snoozeBreakButton");
     tour.desktop.runLoop.advance(1s);
     tour.expect(std::holds_alternative<Snoozed>(tour.instances().breakTimer().state.get()),
-                "it is put off");
+                "the break is postponed");
     waitForBreak(tour);
     tour.desktop.overlayWindows.press(spaceKeyCode);
     tour.desktop.runLoop.advance(1s);
@@ -192,7 +193,7 @@ void seeTheSunSet(Tour& tour) {
     tour.expect(temperature.get() == night, "it is night a quarter of an hour after sunset");
     tour.waitUntil(tour.next(22, 0));
     tour.ramps.push_back(rampOf(tour, "night"));
-    tour.take("Night", "Most of the blue has gone.");
+    tour.take("Night", "Most of the blue is gone.");
     tour.settings().unifiedBrightness.set(0.3);
     tour.ramps.push_back(rampOf(tour, "night, at 30 %"));
     tour.take("Late", "Warm and dark.");
@@ -203,8 +204,8 @@ void reset(Tour& tour) {
     tour.press("resetButton");
     tour.expect(tour.settings().unifiedBrightness.get() == 0.75, "the defaults are back");
     tour.desktop.runLoop.advance(1s);
-    tour.take("The preferences", "Everything that can be set, in six tabs. One button has just "
-                                 "brought the defaults back, the brightness with them.");
+    tour.take("The preferences", "All settings, in six tabs. One button has just restored the "
+                                 "defaults, including the brightness.");
     tour.desktop.appWindows.close("Preferences");
 }
 
@@ -213,8 +214,8 @@ void end(Tour& tour) {
     for (const auto& display : tour.desktop.displays.all()) {
         tour.expect(display.red.empty(), "every display has its own tables again");
     }
-    tour.take("The end", "Every display has its own tables again. The backlight stays where the "
-                         "user has set it.");
+    tour.take("The end", "Every display has its own tables again. The backlight stays where it "
+                         "was.");
 }
 
 } // namespace

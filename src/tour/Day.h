@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// One day with Nocta, from its first start to its end. Every scene checks what it shows.
+/// Plays one day with Nocta, from its first start to its end. Every scene checks what it shows.
 void spendADay(Tour& tour);
 
 } // namespace nocta

@@ -47,7 +47,7 @@ QWidget& widgetOf(View& view) {
 
 } // namespace
 
-/// What lies under everything on a display: the wallpaper, and the application in front.
+/// The lowest layer of a display: the wallpaper, and the application in front.
 class DesktopScene::Ground final : public QGraphicsItem {
 public:
     Ground(VirtualDesktop& desktop, const Rect& bounds)
@@ -78,7 +78,7 @@ private:
     QImage wallpaper_;
 };
 
-/// At the top of a display; the status item is in it on every one.
+/// The bar at the top of every display, with the status item.
 class DesktopScene::MenuBar final : public QGraphicsItem {
 public:
     MenuBar(VirtualDesktop& desktop, const Rect& bounds)
@@ -125,8 +125,8 @@ private:
     QRectF area_;
 };
 
-/// What a desktop draws around and under a window: its ground, a shadow, and a title bar where it
-/// has a title.
+/// What a desktop draws around a window: its background, a shadow, and a title bar if it has a
+/// title.
 class DesktopScene::Frame final : public QGraphicsItem {
 public:
     Frame(VirtualDesktop& desktop, QGraphicsProxyWidget& window, QString title)
@@ -159,7 +159,7 @@ public:
 
 protected:
     void mousePressEvent(QGraphicsSceneMouseEvent* event) override {
-        if (closeButton().contains(event->pos())) { // later, as it is the end of this
+        if (closeButton().contains(event->pos())) { // later, because it destroys this item
             desktop_.runLoop.post([&desktop = desktop_, title = title_.toStdString()] {
                 desktop.appWindows.close(title);
             });
@@ -167,7 +167,7 @@ protected:
     }
 
 private:
-    /// Empty where there is no title bar.
+    /// Empty if there is no title bar.
     QRectF closeButton() const {
         const auto place = area().topLeft() + QPointF(closeSize, (titleBarHeight - closeSize) / 2);
         return title_.isEmpty() ? QRectF() : QRectF(place, QSizeF(closeSize, closeSize));

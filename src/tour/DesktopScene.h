@@ -19,10 +19,10 @@ public:
     explicit DesktopScene(VirtualDesktop& desktop);
     ~DesktopScene() override;
 
-    /// Takes in what has changed on the desktop. Called before the scene is looked at.
+    /// Updates the scene from the desktop. Call it before you show the scene.
     void refresh();
 
-    /// A display as the eye sees it, in its own size.
+    /// A display as the eye sees it, at its own size.
     QImage picture(DisplayId id);
 
 private:
@@ -35,10 +35,10 @@ private:
     void refreshWindows();
     void refreshOverlays();
 
-    /// The view's widget in the scene, put there when it is first seen. What it does not paint
-    /// shows what is under it.
+    /// The view's widget in the scene; adds it if it is new. Where the widget paints nothing, it is
+    /// transparent.
     QGraphicsProxyWidget* place(View& view, qreal level);
-    /// With a frame around it that goes with it.
+    /// The same with a frame around it, which lives as long as the proxy.
     QGraphicsProxyWidget* placeInFrame(View& view, qreal level, const QString& title);
 
     VirtualDesktop& desktop_;

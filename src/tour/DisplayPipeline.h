@@ -9,19 +9,19 @@
 
 namespace nocta {
 
-/// What a display makes of the picture that it is sent: the color filter, then its gamma tables,
-/// then the light behind it. The outcome is a picture as well, of what the eye sees.
+/// Turns the picture that a display receives into the picture that the eye sees: applies the color
+/// filter, then the gamma tables, then the backlight.
 class DisplayPipeline {
 public:
-    /// `isGray` is whether the filter takes the color away. An external display is as bright as it
-    /// was set by hand: full.
+    /// `isGray` is whether the filter removes the color. The backlight of an external display is
+    /// assumed to be full.
     DisplayPipeline(const VirtualDisplays::Display& display, bool isGray);
 
     /// In place; the picture has the format RGB32.
     void apply(QImage& picture) const;
 
 private:
-    /// Of one channel: the level that is seen for each that is sent, in its place in a QRgb.
+    /// The visible level for each input level of one channel, shifted to its place in a QRgb.
     using Table = std::array<QRgb, 256>;
 
     Table red_{};

@@ -35,7 +35,7 @@ void LiveDesktop::launch() {
 }
 
 QImage LiveDesktop::picture() {
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // no event loop turns here
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // no event loop is running
     const auto& displays = desktop.displays.all();
     QSize size(0, 0);
     for (const auto& display : displays) {
@@ -47,7 +47,7 @@ QImage LiveDesktop::picture() {
     picture.fill(room);
     QPainter painter(&picture);
     int offset = 0;
-    for (const auto& display : displays) { // from the left to the right
+    for (const auto& display : displays) { // from left to right
         painter.drawImage(QPointF(display.bounds.x + offset, display.bounds.y),
                           scene_->picture(display.id));
         offset += gap;

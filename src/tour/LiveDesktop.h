@@ -12,8 +12,8 @@
 
 namespace nocta {
 
-/// Nocta on a virtual desktop of two displays, one built in and one external, as a scene that can
-/// be looked at. The desktop outlives the program on it.
+/// Nocta on a virtual desktop with two displays, one built in and one external, and the scene that
+/// shows it. The desktop outlives the program on it.
 class LiveDesktop {
 public:
     static constexpr DisplayId builtIn = 1;
@@ -25,16 +25,16 @@ public:
 
     VirtualDesktop desktop;
 
-    // What there is of the program once it was launched.
+    // The program; valid between `launch` and `quit`.
     SharedInstances& instances() { return *instances_; }
     SettingsManager& settings() { return instances_->settingsManager(); }
     AppDelegate& program() { return *program_; }
     DesktopScene& scene() { return *scene_; }
 
     void launch();
-    /// Every display as the eye sees it, beside the others.
+    /// All displays side by side, as the eye sees them.
     QImage picture();
-    /// Its windows leave the scene.
+    /// Ends the program and removes its windows from the scene.
     void quit();
 
 private:

@@ -27,7 +27,7 @@ const RunningApplication browser{"com.google.Chrome", "Google Chrome"};
 
 } // namespace
 
-/// The scene as the eye sees it; the mouse acts on what is under it.
+/// Shows the scene as the eye sees it and passes mouse events to it.
 class Playground::Displays final : public QGraphicsView {
 public:
     explicit Displays(LiveDesktop& live) : QGraphicsView(&live.scene()), live_(live) {
@@ -46,7 +46,7 @@ protected:
         }
     }
 
-    /// During a break the keyboard is the cover's.
+    /// During a break the cover gets the keys.
     void keyPressEvent(QKeyEvent* event) override {
         if (event->key() == Qt::Key_Space && !live_.desktop.overlayWindows.windows().empty()) {
             live_.desktop.overlayWindows.press(spaceKeyCode);
@@ -79,7 +79,7 @@ Playground::Playground() {
 
 Playground::~Playground() {
     timer_.stop();
-    delete displays_; // it looks at the scene
+    delete displays_; // it refers to the scene
     live_.quit();
 }
 
@@ -110,7 +110,7 @@ void Playground::addTools(QHBoxLayout& tools) {
 
 void Playground::addTool(QHBoxLayout& tools, const QString& text, std::function<void()> action) {
     auto* const button = new QPushButton(text);
-    button->setFocusPolicy(Qt::NoFocus); // the keyboard is the desktop's
+    button->setFocusPolicy(Qt::NoFocus); // the virtual desktop keeps the keyboard
     connect(button, &QPushButton::clicked, this, std::move(action));
     tools.addWidget(button);
 }

@@ -11,8 +11,8 @@
 
 namespace nocta {
 
-/// A window with the live desktop in it: its windows can be used, its keys pressed, its displays
-/// unplugged, and its time runs as fast as one likes.
+/// A window that shows the live desktop. One can use the desktop's windows, press its keys, unplug
+/// its displays, and choose how fast its time runs.
 class Playground final : public QWidget {
 public:
     Playground();

@@ -8,7 +8,7 @@ namespace nocta {
 
 namespace {
 
-constexpr double width = 640; // of the plot's own area, in SVG units
+constexpr double width = 640; // of the plot area, in SVG units
 constexpr double height = 240;
 constexpr double left = 64;
 constexpr double top = 16;

@@ -12,10 +12,10 @@ struct PlotAxis {
     QString name;
     double least = 0;
     double most = 1;
-    double step = 1; ///< between two marks
+    double step = 1; ///< between two ticks
 };
 
-/// Curves over two axes, as an SVG element that is called `title`.
+/// Curves over two axes, as an SVG element with the label `title`.
 QString plot(const QString& title, const std::vector<TourCurve>& curves, const PlotAxis& x,
              const PlotAxis& y);
 

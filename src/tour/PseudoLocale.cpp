@@ -34,7 +34,7 @@ QString PseudoLocale::translate(const char* context, const char* source,
     }
     text += opening;
     for (qsizetype i = 0; i < english.size(); ++i) {
-        if (english[i] == QLatin1Char('%') && i + 1 < english.size()) { // a place for a value
+        if (english[i] == QLatin1Char('%') && i + 1 < english.size()) { // a placeholder
             text += english[i++];
             text += english[i];
         } else {

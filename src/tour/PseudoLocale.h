@@ -4,9 +4,9 @@
 
 namespace nocta {
 
-/// A language in which every text is accented, between brackets, and 40 % longer than in English.
-/// It shows what has no translation, and what a longer language would not fit into. It may run from
-/// the right to the left.
+/// A language in which every text is accented, in brackets, and 40 % longer than in English. It
+/// shows which texts have no translation, and where a longer language would not fit. It may be
+/// written from right to left.
 class PseudoLocale final : public QTranslator {
 public:
     explicit PseudoLocale(Qt::LayoutDirection direction = Qt::LeftToRight)
@@ -16,7 +16,7 @@ public:
                       int n) const override;
     bool isEmpty() const override { return false; }
 
-    /// Whether a text is of this language, or has nothing in it to translate.
+    /// Whether a text is in this language, or contains nothing to translate.
     static bool isTranslated(const QString& text);
 
 private:

@@ -87,7 +87,7 @@ void Tour::take(const QString& title, const QString& text) {
 
 void Tour::expect(bool holds, const QString& promise) {
     if (!holds) {
-        std::cerr << "nocta-tour: at " << timeOfDay().toStdString() << " it does not hold that "
+        std::cerr << "nocta-tour: at " << timeOfDay().toStdString() << " it is not true that "
                   << promise.toStdString() << std::endl;
         isAsPromised_ = false;
     }

@@ -9,41 +9,40 @@
 
 namespace nocta {
 
-/// A picture of both displays at one moment of the day, and what is to be seen on it.
+/// A picture of all displays at one moment of the day, and what it shows.
 struct TourScene {
-    QString file; ///< of the picture, in the tour's folder
+    QString file; ///< the picture, in the tour's folder
     QString time; ///< of the day
     QString title;
     QString text;
 };
 
-/// A value over another, for a plot.
+/// One value as a function of another, for a plot.
 struct TourCurve {
     QString name;
     std::vector<std::pair<double, double>> points;
 };
 
-/// A day on a live desktop, and the record of what was seen. A scene whose promise does not hold
-/// fails the tour.
+/// A day on a live desktop, and the record of it. The tour fails if an expectation is not met.
 class Tour : public LiveDesktop {
 public:
-    /// Pictures are written to the folder, which exists.
+    /// Pictures are written to the folder, which must exist.
     explicit Tour(QString folder);
 
     void launch();
     void quit();
 
     void waitUntil(WallTime time);
-    /// The next moment of that hour and minute.
+    /// The next time at which the clock shows that hour and minute.
     WallTime next(int hour, int minute) const;
 
-    /// Presses a button of the program's windows by its identifier.
+    /// Presses the button with that identifier in the program's windows.
     void press(const char* identifier);
 
     void take(const QString& title, const QString& text);
     void expect(bool holds, const QString& promise);
 
-    /// The highest red level of a display's tables, which warmth leaves alone.
+    /// The highest red level of a display's tables, which warmth does not change.
     double topOf(DisplayId id);
 
     const QString& folder() const { return folder_; }
@@ -53,7 +52,7 @@ public:
     std::vector<TourCurve> brightnessCurves;
     std::vector<TourCurve> ramps;
     TourCurve temperature{QStringLiteral("of the screen"), {}};
-    std::vector<std::pair<QString, QString>> breakStates; ///< time and state, when it changed
+    std::vector<std::pair<QString, QString>> breakStates; ///< time and state of each change
 
 private:
     QString timeOfDay() const;

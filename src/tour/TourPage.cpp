@@ -23,10 +23,10 @@ svg { background: #fff; font: 12px system-ui, sans-serif; }
 table { border-collapse: collapse; } td { padding: .1rem 1rem .1rem 0; }
 </style></head><body>
 <h1>A day with Nocta</h1>
-<p>Two displays, the built-in one of a laptop on the left and an external one on the right, as the
-eye would see them: every picture has gone through the filter, the gamma tables and the backlight
-that Nocta set at that moment. The windows are the program's own. Beside this page,
-<a href="trace.jsonl">trace.jsonl</a> has every call that the desktop received.</p>
+<p>Two displays, a laptop's built-in one on the left and an external one on the right, as the eye
+would see them: every picture shows the effect of the filter, the gamma tables and the backlight that
+Nocta set at that moment. The windows are the program's own. <a href="trace.jsonl">trace.jsonl</a>
+beside this page has every call that the desktop received.</p>
 )");
 
 bool write(const QString& path, const QByteArray& content) {
@@ -64,8 +64,8 @@ QString page(const Tour& tour) {
     html += plotSection("The blue ramp at five moments", tour.ramps,
                         {"level that is sent", 0, 255, 51}, {"level that is shown", 0, 1, 0.25});
     html += QStringLiteral("<h2>What the break timer did</h2>\n"
-                           "<p>Breaks were turned off for the evening; the defaults, at its end, "
-                           "turned them on again.</p>\n") +
+                           "<p>Breaks were turned off for the evening; the reset at its end turned "
+                           "them on again.</p>\n") +
             breakTable(tour);
     return html + QStringLiteral("</body></html>\n");
 }

@@ -4,8 +4,8 @@
 
 namespace nocta {
 
-/// Writes index.html, which tells the day, and trace.jsonl, every call that the desktop received
-/// with its simulated time, into the tour's folder. False where one cannot be written.
+/// Writes index.html, which shows the day, and trace.jsonl, which has every call that the desktop
+/// received with its simulated time, into the tour's folder. False if one cannot be written.
 bool writeTour(const Tour& tour);
 
 } // namespace nocta

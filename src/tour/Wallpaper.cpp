@@ -16,10 +16,10 @@ namespace nocta {
 namespace {
 
 constexpr std::minstd_rand::result_type seed = 20260320;
-constexpr int grain = 5; // levels to either side
+constexpr int grain = 5; // plus or minus this many levels
 
 struct Ridge {
-    double height; ///< of the picture, from the top
+    double height; ///< distance from the top, as a fraction of the picture
     double roughness;
     QRgb color;
 };
@@ -43,7 +43,7 @@ void paintSky(QPainter& painter, const QRectF& area) {
     painter.fillRect(area, glow);
 }
 
-/// A sum of waves, each half as long and half as high as the one before.
+/// Paints a sum of waves, each half as long and half as high as the one before.
 void paintRidge(QPainter& painter, const QRectF& area, const Ridge& ridge,
                 std::minstd_rand& random) {
     constexpr int waves = 7;

@@ -1,5 +1,5 @@
-// nocta-tour: Nocta on a virtual desktop. Where there is a screen it opens a window to play with;
-// elsewhere it spends a day there, and leaves pictures and a page that tells it.
+// nocta-tour: Nocta on a virtual desktop. With a screen it opens a window to play with. Without one
+// it simulates a day and writes pictures and a page about it.
 
 #include "tour/Day.h"
 #include "tour/Playground.h"
@@ -19,7 +19,7 @@ bool hasScreen() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-/// The platform without a screen warns at every window that it has none.
+/// The offscreen platform prints a warning for every window; drop it.
 void printErrorsOnly(QtMsgType type, const QMessageLogContext& /*place*/, const QString& message) {
     if (type == QtCriticalMsg || type == QtFatalMsg) {
         std::cerr << "nocta-tour: " << message.toStdString() << std::endl;

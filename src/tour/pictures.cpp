@@ -1,5 +1,5 @@
 // nocta-pictures: draws the program's own views on the virtual desktop, in every look: the pictures
-// of the documents, and sheets on which all can be compared.
+// in the documents, and sheets for comparing all views.
 
 #include "app/SharedInstances.h"
 #include "backends/virtual/VirtualDesktop.h"
@@ -37,7 +37,7 @@ constexpr QSize onboardingSize(500, 580);
 constexpr qreal popoverRadius = 12;
 constexpr int sheetMargin = 16;
 
-/// The program over a virtual desktop, and the view that is looked at.
+/// The program on a virtual desktop, and the view to draw.
 struct Stage {
     VirtualDesktop desktop;
     SharedInstances instances{desktop.ports};
@@ -233,7 +233,7 @@ void paintGround(QPainter& painter, const Stage& stage) {
     }
 }
 
-/// As the window around it would do it: a wrapped text needs more height the narrower it is.
+/// Gives the widget the size that its window would give it: a wrapped text is taller if narrower.
 void fit(QWidget& widget, const QSize& least) {
     auto size = widget.minimumSizeHint().expandedTo(widget.minimumSize()).expandedTo(least);
     if (widget.hasHeightForWidth()) {
@@ -263,7 +263,7 @@ QImage drawn(const Scene& scene, qreal scale) {
     return picture;
 }
 
-/// Side by side, in as many rows as make it no wider than four.
+/// All pictures in rows of at most four.
 QImage sheet(const Scenes& scenes, qreal scale) {
     std::vector<QImage> pictures;
     QSize cell;

@@ -10,11 +10,13 @@
 
 namespace nocta {
 
-// How a view shows a value that somebody else has, and writes it. `Value` is whatever can be read
-// with `get` and followed with `subscribe`: a setting, or what a service publishes. All of it lasts
-// as long as the view.
+// Binds a view to a value that it does not own. A `Value` is anything that has `get` and
+// `subscribe`: a setting, or a published value of a service. The binding lasts as long as the view.
+//
+//     follow(*label, service.isEnabled, [label](bool on) { label->setEnabled(on); });
+//     bind(*toggle, settings.allowFullBlack);
 
-/// Calls `show` with the present value and with each new one.
+/// Calls `show` with the current value and with each new one.
 template <class Value, class Show>
 void follow(QObject& view, Value& value, Show show) {
     class Following final : public QObject {
@@ -26,12 +28,12 @@ void follow(QObject& view, Value& value, Show show) {
         Subscription subscription_;
     };
     show(value.get());
-    new Following(view, value.subscribe(show)); // goes with the view
+    new Following(view, value.subscribe(show)); // the view owns it
 }
 
-/// A control that shows a value and writes what the user makes of it: `show` puts the value into
-/// the control, `changed` is the signal of a change by the user, and `write` takes its argument. A
-/// write that was refused shows in the control as well.
+/// Binds a control that shows a value and writes the user's changes: `show` puts the value into the
+/// control, `changed` is the signal of a change by the user, and `write` gets its argument. If a
+/// write was refused, the control shows the old value again.
 template <class Control, class Value, class Show, class Signal, class Write>
 void bind(Control& control, Value& value, Show show, Signal changed, Write write) {
     follow(control, value, show);
@@ -41,7 +43,7 @@ void bind(Control& control, Value& value, Show show, Signal changed, Write write
     });
 }
 
-/// A toggle over a value that something else than a plain write changes.
+/// Binds a toggle to a value that `write` changes, not `set`.
 template <class Value, class Write>
 void bind(QAbstractButton& toggle, Value& value, Write write) {
     bind(

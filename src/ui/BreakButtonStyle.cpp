@@ -9,7 +9,7 @@ namespace {
 constexpr int horizontalPadding = 24; // points
 constexpr int verticalPadding = 12;
 constexpr qreal cornerRadius = 8;
-constexpr qreal focusGap = 3; // between the button and the ring that shows its focus
+constexpr qreal focusGap = 3; // between the button and its focus ring
 constexpr qreal focusWidth = 2;
 constexpr qreal quietFill = 0.2; // opacity of a button that is not primary
 constexpr qreal pressedOpacity = 0.8;
@@ -23,7 +23,7 @@ QSize BreakButtonStyle::size(const QPushButton& button) const {
             metrics.height() + 2 * (verticalPadding + focusRoom)};
 }
 
-/// Painted whole before it becomes translucent, so that the label does so as well.
+/// Paints the whole button opaque first, so that the label becomes translucent too.
 void BreakButtonStyle::paint(QPushButton& button) const {
     QPixmap picture((QSizeF(button.size()) * button.devicePixelRatio()).toSize());
     picture.setDevicePixelRatio(button.devicePixelRatio());

@@ -6,9 +6,9 @@
 
 namespace nocta {
 
-/// How the two buttons of the break overlay look.
+/// The look of the two buttons on the break overlay.
 struct BreakButtonStyle {
-    /// Around the button, for the ring that shows its focus; in points.
+    /// Space around the button for its focus ring, in points.
     static constexpr int focusRoom = 5;
 
     bool isPrimary = false;
@@ -20,7 +20,7 @@ private:
     void paintOpaque(QPainter& painter, const QPushButton& button) const;
 };
 
-/// A button of the break overlay. Space belongs to the overlay.
+/// A button on the break overlay. The overlay, not the button, handles the space key.
 class BreakButton final : public Button {
 public:
     BreakButton(const QString& text, BreakButtonStyle style);

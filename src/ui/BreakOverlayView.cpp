@@ -29,15 +29,15 @@ constexpr qreal textOpacity = 0.8;
 constexpr qreal hintOpacity = 0.5;
 
 constexpr int symbolSize = 60; // points; the drawing of a symbol fills five sixths of its square
-constexpr int ringSize = 100;  // of the circle, along the middle of its line
+constexpr int ringSize = 100;  // diameter, measured at the middle of the line
 constexpr int ringWidth = 4;
 constexpr int ringRoom = ringWidth / 2; // for the outer half of the line
 constexpr qreal ringOpacity = 0.2;
-constexpr int buttonSpacing = 20; // between what is drawn of them
+constexpr int buttonSpacing = 20; // between their painted shapes
 constexpr int smallPadding = 20;
 constexpr int largePadding = 30;
 
-// The sizes of text styles as multiples of that of the body.
+// The sizes of the text styles as multiples of the body size.
 constexpr qreal titleScale = 22.0 / 13;
 constexpr qreal footnoteScale = 10.0 / 13;
 
@@ -68,7 +68,7 @@ QLabel* makeLabel(const QString& text, qreal scale, QFont::Weight weight, qreal 
     return label;
 }
 
-/// A duration that cannot be shown stops the program, and is named.
+/// If the duration is too large, the program stops with a message that names the setting.
 std::int64_t secondsLeft(const BreakState& state, const SettingsManager& settings) {
     const FaultContext context({settings.breakDurationSeconds.origin()});
     return secondsLeft(state);
@@ -178,7 +178,7 @@ void BreakOverlayView::paintEvent(QPaintEvent* event) {
 
 void BreakOverlayView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    setFocus(); // of no button: Tab goes to the first
+    setFocus(); // no button has the focus yet; Tab goes to the first one
 }
 
 void BreakOverlayView::follow(const BreakState& state) {

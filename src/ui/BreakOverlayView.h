@@ -14,15 +14,15 @@
 
 namespace nocta {
 
-/// The whole seconds of break that are left; 0 outside of a break.
+/// The remaining whole seconds of the break; 0 outside of a break.
 std::int64_t secondsLeft(const BreakState& state);
 
-/// How much of a break of `duration` seconds is over with `remaining` seconds left, in 0.0–1.0. A
-/// break without a duration is over from the start.
+/// The elapsed fraction of a break of `duration` seconds with `remaining` seconds left, in 0.0–1.0.
+/// It is 1 unless the duration is positive.
 double breakProgress(double remaining, double duration);
 
-/// The ring that closes as the break goes by, with the seconds that are left in it. A screen reader
-/// is told them every ten seconds.
+/// The ring that closes during the break, with the remaining seconds in its middle. It announces
+/// them to screen readers every ten seconds.
 class BreakProgressRing final : public QWidget {
 public:
     explicit BreakProgressRing(std::int64_t seconds);
@@ -42,7 +42,7 @@ private:
     double progress_ = 0;
 };
 
-/// What covers a screen during a break.
+/// The view that covers a screen during a break.
 class BreakOverlayView final : public QWidget {
 public:
     BreakOverlayView(BreakTimer& breakTimer, SettingsManager& settings, Workspace& workspace,

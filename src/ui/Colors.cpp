@@ -24,7 +24,7 @@ double relativeLuminance(const QColor& color) {
            0.0722 * linear(color.blueF());
 }
 
-/// The text is read on a panel as well as on the window.
+/// The lower contrast of the two backgrounds, because text is on panels as well as on the window.
 double minContrast(const QColor& color, const QPalette& palette) {
     return std::min(contrastRatio(color, palette.color(QPalette::Window)),
                     contrastRatio(color, panelColor(palette)));

@@ -5,35 +5,35 @@
 
 namespace nocta {
 
-// The few colours that the face adds to the desktop's palette, light or dark.
+// The few colors that the user interface adds to the desktop's palette, light or dark.
 
-/// How well one opaque colour can be told from another: 1 not at all – 21 black on white. From the
-/// Web Content Accessibility Guidelines 2.1, "contrast ratio".
+/// The contrast ratio of two opaque colors, 1 (equal) – 21 (black on white), from the Web Content
+/// Accessibility Guidelines 2.1.
 double contrastRatio(const QColor& a, const QColor& b);
 
-/// What text needs by the same guidelines, and what a shape needs to be made out.
+/// The minimum contrast for text and for shapes in the same guidelines.
 inline constexpr double readableContrast = 4.5;
 inline constexpr double visibleContrast = 3;
 
-/// Amber for shapes, as bright as it can be while they stand out from the window.
+/// Amber for shapes, as bright as possible with a visible contrast to the window.
 QColor accentColor(const QPalette& palette);
 
-/// For text on the accent.
+/// For text on the accent color.
 QColor textOnAccent(const QPalette& palette);
 
-/// For text of less weight, and what is as quiet: readable, and no stronger than that.
+/// For less important text and symbols: just strong enough to be readable.
 QColor secondaryColor(const QPalette& palette);
 
-/// So much of the text's color on the window's, 0.0–1.0: for fills and marks between the two.
+/// A mix of the text color (`part`, 0.0–1.0) and the window color, for fills and marks.
 QColor shadeColor(const QPalette& palette, double part);
 
-/// For lines between things.
+/// For lines between parts of a view.
 QColor hairlineColor(const QPalette& palette);
 
-/// For the background of what belongs together on a window.
+/// For the background of a group on a window.
 QColor panelColor(const QPalette& palette);
 
-/// So much of `over` on `under`, 0.0–1.0.
+/// A mix of `over` (`part`, 0.0–1.0) and `under`.
 QColor mixed(const QColor& under, const QColor& over, double part);
 
 } // namespace nocta

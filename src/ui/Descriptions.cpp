@@ -16,8 +16,8 @@ namespace {
 
 constexpr std::int64_t secondsOfMinute = 60;
 
-// The thresholds of the description and of the word differ on purpose: one is of a temperature,
-// the other of a slider's place.
+// The thresholds of the two differ on purpose: one describes a temperature, the other the position
+// of a slider.
 struct Below {
     double limit;
     const char* text;

@@ -10,30 +10,30 @@
 
 namespace nocta {
 
-// What the face says of a value, in the user's language.
+// Texts that describe a value, in the user's language.
 
 /// A fraction as a whole percentage, truncated: 0.755 is "75%".
 QString percentage(double fraction);
 
-/// The state of the break timer at a glance.
+/// The state of the break timer in a few words.
 QString breakStatusLine(const BreakState& state);
 
-/// A colour temperature in a word or two, by thresholds of its own.
+/// A color temperature in a word or two. Its thresholds are not those of `warmthWord`.
 QString temperatureDescription(std::int64_t kelvin);
 
 /// A warmth of 0.0–1.0 in one word.
 QString warmthWord(double warmth);
 
-/// How many of all breaks were completed, as a whole percentage; 0% of none.
+/// The completed breaks as a whole percentage of all breaks; 0% if there were none.
 QString completionRate(const BreakStatistics& statistics);
 
-/// Whose times of the sun are used, by the setting alone.
+/// Where the times of sunrise and sunset come from. Depends only on the setting.
 QString sunTimesLine(bool locationEnabled);
 
-/// For a text's number of things: the nearest that there is.
+/// The number clamped to the range of int, for plural forms.
 int countOf(std::int64_t number);
 
-/// When a profile calls for breaks.
+/// How often a profile has breaks.
 QString breakSummary(const Profile& profile);
 
 bool isGranted(AuthorizationStatus status);

@@ -5,8 +5,8 @@
 
 namespace nocta {
 
-/// The texts of a language, the program's own and the toolkit's, for as long as it lives. What has
-/// no translation is shown in English.
+/// Installs the texts of a language, the program's own and the toolkit's, while it lives. A text
+/// without a translation is shown in English.
 class Language {
 public:
     explicit Language(const QLocale& locale = QLocale());

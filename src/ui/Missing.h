@@ -6,9 +6,9 @@
 
 namespace nocta {
 
-// Where this desktop lacks what a control is for, the control writes its setting all the same, and
-// its tool tip, which a screen reader reads too, says what is missing. These give an empty text
-// where nothing is.
+// If this desktop lacks what a control needs, the control still writes its setting, and its tool
+// tip, which screen readers read too, says what is missing. These functions return that text; it is
+// empty if nothing is missing.
 
 QString missingForBrightness(SharedInstances& instances);
 QString missingForGrayscale(SharedInstances& instances);

@@ -28,7 +28,7 @@ constexpr int rowSpacing = 8;
 constexpr int symbolSize = 18;
 constexpr int pickerWidth = 120;
 
-/// Of a symbol and what belongs to it.
+/// A row for a symbol and its control.
 QHBoxLayout* makeRow() {
     auto* const row = new QHBoxLayout;
     row->setContentsMargins(focusRingRoom, 0, 0, 0);
@@ -72,8 +72,8 @@ void PopoverContentView::addWarmth(QVBoxLayout& column) {
 
     auto* const caption = new Label(Text::tr("Adjusts with sunset"), TextStyle::secondary);
     auto* const slider = makeWarmthSlider(instances_);
-    auto* const choice = new QStackedLayout; // both take the same room
-    column.addLayout(choice);                // first, as it shows what is added at once
+    auto* const choice = new QStackedLayout; // both widgets use the same space
+    column.addLayout(choice); // before it gets widgets, because it shows them at once
     choice->addWidget(caption);
     choice->addWidget(slider);
     follow(*caption, settings_.autoWarmthEnabled, [choice, caption, slider](bool isAutomatic) {

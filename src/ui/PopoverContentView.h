@@ -9,7 +9,8 @@
 
 namespace nocta {
 
-/// What the popover shows: the four everyday features, and the ways on. Made anew at each opening.
+/// The content of the popover: the four everyday features, and the buttons for everything else. A
+/// new one is made each time the popover opens.
 class PopoverContentView final : public QWidget {
 public:
     PopoverContentView(SharedInstances& instances, std::function<void()> showPreferences);

@@ -9,24 +9,24 @@
 
 namespace nocta {
 
-// The controls that stand in more than one view, each bound to its setting. The caller owns them.
+// Controls that several views use, each bound to its setting. The caller owns them.
 
-/// The name, the brightness as a whole percentage, and the slider below.
+/// The name, the brightness as a whole percentage, and the slider below them.
 QWidget* makeBrightnessField(SharedInstances& instances);
 
 WarmthSlider* makeWarmthSlider(SharedInstances& instances);
 
-/// `identifier` is how a test finds it.
+/// Tests find the toggle by `identifier`.
 Switch* makeToggle(const QString& text, const char* identifier, Setting<bool>& setting);
 
 Switch* makeGrayscaleToggle(const QString& text, SharedInstances& instances);
 
 Switch* makeLaunchAtLoginToggle(const QString& text, LaunchAtLoginService& service);
 
-/// What it does is to look for updates.
+/// Makes the button check for updates.
 void bindToUpdateCheck(QAbstractButton& button, SharedInstances& instances);
 
-/// A name and, at the other end of the row, a fraction as a whole percentage. For a layout.
+/// A row with a name and, at the other end, a fraction as a whole percentage.
 QWidget* makeLevelHeading(const QString& name, const char* identifier, Setting<double>& setting);
 
 } // namespace nocta

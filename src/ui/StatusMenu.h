@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// What the popover offers, as a menu of the status item, for panels beside which nothing can be
-/// placed.
+/// The controls of the popover as a menu of the status item, for panels that cannot have a popover
+/// beside them.
 class StatusMenu final : public QMenu {
 public:
     StatusMenu(SharedInstances& instances, std::function<void()> showPreferences);

@@ -6,8 +6,7 @@ namespace nocta {
 
 namespace {
 
-/// What the services and the desktop say in English, for the translators' tools, which look for
-/// texts here.
+/// The English texts from services and ports. The translators' tools find them here.
 [[maybe_unused]] constexpr std::array textsFromElsewhere = {
     QT_TRANSLATE_NOOP("Nocta", "Everyday"),
     QT_TRANSLATE_NOOP("Nocta", "Balanced for daily use"),

@@ -7,9 +7,11 @@
 
 namespace nocta {
 
-/// The texts that the face shows. `Text::tr` translates what stands in this program's face, `of`
-/// what a service or a port holds in English; both from one context, so that a language is one
-/// file.
+/// The texts on screen. `Text::tr` translates the texts of the views; `Text::of` translates English
+/// texts from services and ports. Both use one context, so that each language is one file.
+///
+///     new Label(Text::tr("Warmth"));
+///     new Label(Text::of(profile.name));
 struct Text {
     Q_DECLARE_TR_FUNCTIONS(Nocta)
 

@@ -12,7 +12,7 @@
 
 namespace nocta {
 
-/// What the updater has to show at its present stage, and the user's answers.
+/// Shows the current stage of the updater and takes the user's answers.
 class UpdateView final : public QWidget {
 public:
     explicit UpdateView(Desktop& desktop);

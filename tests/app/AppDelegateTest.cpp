@@ -16,9 +16,9 @@ using Calls = std::vector<std::string>;
 
 class AppDelegateTest : public TestDesktop {
 protected:
-    TimeZone zone{zone::utc}; // it is nine in the morning on the virtual desktop
+    TimeZone zone{zone::utc}; // the virtual desktop starts at 9:00
 
-    /// The screen's colour does not follow the sun.
+    /// Turns automatic warmth off, so that the color does not follow the sun.
     void SetUp() override {
         settings().autoWarmthEnabled.set(false);
         settings().warmthLevel.set(0);
@@ -41,7 +41,7 @@ TEST_F(AppDelegateTest, StartUpInOrder) {
     delegate();
     desktop.trace.clear();
     launch();
-    // Dark by the lower half's rule alone, then backlight and faint glow.
+    // First dark by the rule for the lower half, then the backlight and the faint glow.
     EXPECT_EQ(
         calls(),
         (Calls{"startUpdater", "statusItem", "setImage eye", "popover setContentSize 300 280",
@@ -55,19 +55,18 @@ TEST_F(AppDelegateTest, StartUpInOrder) {
                "getActiveDisplayList 2", "getActiveDisplayList 0", "getActiveDisplayList 2",
                "setBrightness 1 0.1", "setDisplayTransferByTable 1 top 0.1 0.09965 0.09806",
                "setDisplayTransferByTable 2 top 0.1 0.09965 0.09806",
-               // and then the stored warmth
+               // then the stored warmth
                "setDisplayTransferByTable 1 top 0.1 0.09965 0.09806",
                "setDisplayTransferByTable 2 top 0.1 0.09965 0.09806",
-               // and, over running services, the first launch
+               // and the first launch, after the services have started
                "window makeKeyAndOrderFront Welcome to Nocta", "activateIgnoringOtherApps"}));
 }
 
-/// As far as the desktop sees it: the services that are missing here ask it for nothing when they
-/// are made.
+/// Sees only the services that call the desktop when they are made.
 TEST_F(AppDelegateTest, ServicesAreFirstMadeInTheirOrder) {
     dropProgram(); // the fixture has used its settings
     plugBuiltIn();
-    displayService().refreshDisplays(); // so that the brightness controller has what to probe
+    displayService().refreshDisplays(); // so that the brightness controller can probe a display
     desktop.trace.clear();
     delegate();
     Calls made;
@@ -99,7 +98,7 @@ TEST_F(AppDelegateTest, ScreenChangeReachesTheInventoryBeforeTheTables) {
     EXPECT_EQ(gamma().displays().size(), 2U) << "and the tables right after it";
 }
 
-TEST_F(AppDelegateTest, MeetingThatNobodyAnnouncesIsFoundByTheNextPoll) {
+TEST_F(AppDelegateTest, MeetingWithoutANotificationIsFoundByTheNextPoll) {
     launch();
     desktop.workspace.frontmost = RunningApplication{"us.zoom.xos", "Zoom"};
     desktop.runLoop.advance(4999ms);
@@ -146,7 +145,7 @@ TEST_F(AppDelegateTest, StartingAgainShowsTheOnboardingThatIsOpen) {
     EXPECT_EQ(calls(), Calls{"window makeKeyAndOrderFront Welcome to Nocta"});
 }
 
-TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAnewAfterTheyWereClosed) {
+TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAgainAfterTheyWereClosed) {
     launch();
     desktop.statusBar.click();
     desktop.trace.clear();
@@ -159,7 +158,7 @@ TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAnewAfterTheyWereClos
     const auto alive = views.othersAlive;
     desktop.appWindows.close("Preferences");
     EXPECT_FALSE(desktop.appWindows.isOnScreen("Preferences"));
-    EXPECT_EQ(views.othersAlive, alive - 1) << "the view went with the window";
+    EXPECT_EQ(views.othersAlive, alive - 1) << "the view is destroyed with the window";
     views.showPreferences();
     EXPECT_TRUE(desktop.appWindows.isOnScreen("Preferences"));
 }
@@ -172,7 +171,7 @@ TEST_F(AppDelegateTest, DesktopsOwnKeyForThePreferencesOpensThem) {
               (Calls{"activateIgnoringOtherApps", "window makeKeyAndOrderFront Preferences"}));
 }
 
-TEST_F(AppDelegateTest, FirstWriteAtStartKnowsNoBacklightAndNoExternalRule) {
+TEST_F(AppDelegateTest, FirstWriteAtStartIgnoresTheBacklightAndTheExternalRule) {
     plugExternal();
     settings().unifiedBrightness.set(0.75);
     launch();
@@ -299,7 +298,7 @@ TEST_F(AppDelegateTest, StoredBrightnessIsAppliedAtTheNextStart) {
     EXPECT_FLOAT_EQ(shownDimming(external), 0.6F);
 }
 
-TEST_F(AppDelegateTest, PluggedDisplayFollowsAtTheNextChange) {
+TEST_F(AppDelegateTest, PluggedInDisplayChangesAtTheNextChange) {
     plugBuiltIn();
     launch();
     settings().unifiedBrightness.set(0.25);
@@ -310,7 +309,7 @@ TEST_F(AppDelegateTest, PluggedDisplayFollowsAtTheNextChange) {
     EXPECT_FLOAT_EQ(shownDimming(external), 0.5F);
 }
 
-TEST_F(AppDelegateTest, NoDisplayAtStartHarmsNothing) {
+TEST_F(AppDelegateTest, StartsWithoutADisplay) {
     launch();
     settings().unifiedBrightness.set(0.2);
     plugExternal();
@@ -340,12 +339,12 @@ TEST_F(AppDelegateTest, AutomaticWarmthStartsBeforeTheBrightnessIsApplied) {
     EXPECT_FLOAT_EQ(shownDimming(external), 0.6F);
 }
 
-TEST_F(AppDelegateTest, ScreenWarmsAtSunsetByItself) {
+TEST_F(AppDelegateTest, ScreenWarmsAtSunset) {
     plugExternal();
     settings().autoWarmthEnabled.set(true);
     launch();
     EXPECT_EQ(gamma().currentTemperature().at(external), 6500);
-    desktop.runLoop.advance(9h + 30min); // half past six, the middle of the span
+    desktop.runLoop.advance(9h + 30min); // 18:30, the middle of the transition
     EXPECT_EQ(gamma().currentTemperature().at(external), 4600);
     desktop.runLoop.advance(1h);
     EXPECT_EQ(gamma().currentTemperature().at(external), 2700);
@@ -375,7 +374,7 @@ TEST_F(AppDelegateTest, TurningLocationOnAsksTheUser) {
     EXPECT_EQ(calls("requestWhenInUseAuthorization").size(), 1U);
 }
 
-TEST_F(AppDelegateTest, GrantingLocationEnds) {
+TEST_F(AppDelegateTest, GrantedLocationIsUsedAndStopsTheUpdates) {
     launch();
     settings().locationEnabled.set(true);
     desktop.location.answer(AuthorizationStatus::authorized);

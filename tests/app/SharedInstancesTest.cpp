@@ -7,7 +7,7 @@
 namespace nocta {
 namespace {
 
-TEST(SharedInstancesTest, SharedIsTheOneOfTheProgram) {
+TEST(SharedInstancesTest, SharedReturnsTheInstanceOfTheProgram) {
     VirtualDesktop desktop;
     SharedInstances instances(desktop.ports);
     EXPECT_EQ(&SettingsManager::shared(), &instances.settingsManager());

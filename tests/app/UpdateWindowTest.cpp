@@ -17,7 +17,7 @@ using Calls = std::vector<std::string>;
 
 class UpdateWindowTest : public TestDesktop {};
 
-TEST_F(UpdateWindowTest, UpdaterThatCannotStartLeavesTheRestAsItIsAndIsNotMentioned) {
+TEST_F(UpdateWindowTest, UpdaterThatCannotStartChangesNothingAndPrintsNothing) {
     desktop.updater.present = Updater::Availability::noFeed;
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
@@ -55,7 +55,7 @@ TEST_F(UpdateWindowTest, EachStageOfAnUpdateHasAWindow) {
     EXPECT_EQ(views.othersAlive, 1) << "the menu";
 }
 
-TEST_F(UpdateWindowTest, UpdateThatWasNotAskedForLeavesTheKeyboardWhereItIs) {
+TEST_F(UpdateWindowTest, UpdateThatWasNotAskedForDoesNotTakeTheKeyboard) {
     settings().isFirstLaunch.set(false);
     launch();
     for (const auto& stage : std::vector<UpdateStage>{

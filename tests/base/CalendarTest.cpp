@@ -17,7 +17,7 @@ WallTime utc(int year, int month, int day, std::chrono::minutes time = 0min) {
     return WallTime(std::chrono::sys_days(std::chrono::year(year) / month / day)) + time;
 }
 
-TEST(Calendar, DayIsThatOfTheLocalClock) {
+TEST(Calendar, DayIsTheDayOfTheLocalClock) {
     const auto instant = utc(2026, 3, 19, 23h + 30min);
     {
         const TimeZone zone(zone::berlin);
@@ -66,17 +66,17 @@ TEST(Calendar, InstantOfALocalTime) {
     EXPECT_EQ(Calendar::instantAt({2026, 7, 15}, 6, 30), utc(2026, 7, 15, 4h + 30min));
     EXPECT_EQ(Calendar::instantAt({1969, 12, 31}, 23, 59), utc(1969, 12, 31, 22h + 59min));
     EXPECT_EQ(Calendar::instantAt({1970, 1, 1}, 0, 59), utc(1969, 12, 31, 23h + 59min))
-        << "a minute that the C library could take for its error";
+        << "a minute whose value equals the C library's error code";
 }
 
-TEST(Calendar, HourThatDaylightSavingLeavesOutIsMovedAndStaysOnItsDay) {
+TEST(Calendar, HourThatDaylightSavingSkipsMovesForwardOnTheSameDay) {
     const TimeZone zone(zone::berlin);
     const auto instant = Calendar::instantAt({2026, 3, 29}, 2, 30);
     EXPECT_EQ(instant, utc(2026, 3, 29, 1h + 30min)) << "03:30";
     EXPECT_EQ(Calendar::dayOf(*instant), (CalendarDay{2026, 3, 29}));
 }
 
-TEST(Calendar, HourThatComesTwiceIsTheFirstWhateverWasAskedBefore) {
+TEST(Calendar, RepeatedHourIsTheFirstWhateverWasAskedBefore) {
     const TimeZone zone(zone::berlin);
     for (const int monthBefore : {1, 7, 1}) {
         EXPECT_TRUE(Calendar::instantAt({2026, monthBefore, 15}, 2, 30).has_value());
@@ -97,7 +97,7 @@ void expectInstants(const char* name, const std::vector<LocalTime>& rows) {
     const TimeZone zone(name);
     ASSERT_NE(Calendar::offsetFromGMT(rows.front().instant), 0h) << name << ": tzdata is missing";
     for (const auto& row : rows) {
-        for (const auto& earlier : rows) { // what was asked before must not matter
+        for (const auto& earlier : rows) { // an earlier call must not change the result
             EXPECT_TRUE(Calendar::instantAt(earlier.day, earlier.hour, earlier.minute));
             EXPECT_EQ(Calendar::instantAt(row.day, row.hour, row.minute), row.instant)
                 << name << " " << row.day.year << "-" << row.day.month << "-" << row.day.day << " "
@@ -107,7 +107,7 @@ void expectInstants(const char* name, const std::vector<LocalTime>& rows) {
     }
 }
 
-TEST(Calendar, HourThatComesTwiceIsTheFirstWhereWinterIsTheException) {
+TEST(Calendar, RepeatedHourIsTheFirstWhereWinterIsTheException) {
     // Irish law has standard time in summer, and the database marks winter as daylight saving.
     expectInstants("Europe/Dublin", {{{2026, 7, 15}, 12, 0, utc(2026, 7, 15, 11h)},
                                      {{2026, 10, 25}, 0, 59, utc(2026, 10, 24, 23h + 59min)},
@@ -130,7 +130,7 @@ TEST(Calendar, ClockThatGoesBackForRamadanAndForwardAfterIt) {
 }
 
 TEST(Calendar, ZoneThatMovesToAnotherOffset) {
-    // Casey has gone back by three hours and forward again, with no daylight saving in it.
+    // Casey went back by three hours and forward again, without daylight saving.
     expectInstants("Antarctica/Casey", {{{2018, 3, 11}, 0, 59, utc(2018, 3, 10, 13h + 59min)},
                                         {{2018, 3, 11}, 1, 0, utc(2018, 3, 10, 14h)},
                                         {{2018, 3, 11}, 2, 30, utc(2018, 3, 10, 15h + 30min)},
@@ -151,7 +151,7 @@ TEST(Calendar, DayThatIsSkippedMovesToTheNextAtTheSameTime) {
                                          {{1993, 8, 22}, 0, 0, utc(1993, 8, 21, 12h)}});
 }
 
-TEST(Calendar, DayThatComesTwiceIsTheFirst) {
+TEST(Calendar, RepeatedDayIsTheFirst) {
     expectInstants("Pacific/Kwajalein", {{{1969, 9, 29}, 12, 0, utc(1969, 9, 29, 1h)},
                                          {{1969, 9, 30}, 0, 30, utc(1969, 9, 29, 13h + 30min)},
                                          {{1969, 9, 30}, 12, 0, utc(1969, 9, 30, 1h)},
@@ -159,13 +159,13 @@ TEST(Calendar, DayThatComesTwiceIsTheFirst) {
                                          {{1969, 10, 1}, 0, 0, utc(1969, 10, 1, 12h)}});
 }
 
-TEST(Calendar, TimeThatNoCalendarHasIsNone) {
+TEST(Calendar, TimeThatDoesNotExistIsNone) {
     const TimeZone zone(zone::utc);
     constexpr auto most = std::numeric_limits<int>::max();
     EXPECT_EQ(Calendar::instantAt({most, most, 1}, 12, 0), std::nullopt);
 }
 
-TEST(Calendar, ChangeOfTheZoneCountsAtOnce) {
+TEST(Calendar, ChangeOfTheZoneTakesEffectAtOnce) {
     const auto instant = utc(2026, 7, 15, 12h);
     const TimeZone first(zone::berlin);
     EXPECT_EQ(Calendar::offsetFromGMT(instant), 2h);

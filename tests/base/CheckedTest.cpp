@@ -43,7 +43,7 @@ TEST(FaultContext, NamesTheStoredValuesInEveryFault) {
     EXPECT_DEATH(checkedProduct(most, 2), line);
 }
 
-TEST(FaultContext, InnermostCountsForAsLongAsItLives) {
+TEST(FaultContext, InnermostCountsWhileItLives) {
     const FaultContext outer({{"minutes", most}});
     {
         const FaultContext inner({{"warmth", 1e300}});
@@ -52,12 +52,12 @@ TEST(FaultContext, InnermostCountsForAsLongAsItLives) {
     EXPECT_DEATH(truncated(1e300), "^nocta: stopped: minutes is 9223372036854775807: a number");
 }
 
-TEST(FaultContext, NamesNothingAfterItHasGone) {
+TEST(FaultContext, NamesNothingAfterItIsDestroyed) {
     { const FaultContext context({{"minutes", most}}); }
     EXPECT_DEATH(truncated(1e300), "^nocta: stopped: a number is too large for an integer\n$");
 }
 
-TEST(FaultContext, AdviceEndsTheLineWhereAStoredValueIsNamed) {
+TEST(FaultContext, AdviceIsAppendedIfAStoredValueIsNamed) {
     const auto stopWith = [](std::vector<Origin> origins) {
         const FaultContext context(std::move(origins));
         setOriginAdvice("correct it in /the/file");

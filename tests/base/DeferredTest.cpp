@@ -37,7 +37,7 @@ TEST(Deferred, RequestedInsideItsOwnActionRunsAgain) {
     EXPECT_EQ(runs, 2);
 }
 
-TEST(Deferred, DestructionDropsWhatIsDue) {
+TEST(Deferred, DestructionDropsAPendingRequest) {
     VirtualRunLoop runLoop;
     std::optional<Deferred> deferred;
     deferred.emplace(runLoop, [] { FAIL(); });

@@ -12,7 +12,7 @@ namespace {
 
 using Values = std::vector<int>;
 
-TEST(Published, SubscriptionDoesNotDeliverTheValueCurrentWhenItIsMade) {
+TEST(Published, NewSubscriptionDoesNotDeliverTheCurrentValue) {
     Published<int> value(3);
     Values seen;
     const auto subscription = value.subscribe([&](int v) { seen.push_back(v); });
@@ -21,7 +21,7 @@ TEST(Published, SubscriptionDoesNotDeliverTheValueCurrentWhenItIsMade) {
     EXPECT_EQ(seen, Values{4});
 }
 
-TEST(Published, EveryWriteNotifiesOneOfAnEqualValueToo) {
+TEST(Published, EveryWriteNotifiesEvenOneOfAnEqualValue) {
     Published<int> value(3);
     Values seen;
     const auto subscription = value.subscribe([&](int v) { seen.push_back(v); });
@@ -73,7 +73,7 @@ TEST(Published, SubscriptionMayEndInsideItsOwnCallback) {
     Subscription own;
     own = value.subscribe([&own, token](int /*v*/) {
         own = Subscription();
-        ++*token; // what the callback holds must still be there
+        ++*token; // the callback's captures must still exist
     });
     value.set(1);
     value.set(2);
@@ -96,7 +96,7 @@ TEST(Published, SubscriptionAddedDuringADeliveryWaitsForTheNext) {
     EXPECT_EQ(seen, Values{2});
 }
 
-TEST(Published, NestedWriteIsDeliveredInFullAndTheOuterDeliverySkipsWhoHasTheNewerValue) {
+TEST(Published, NestedWriteIsDeliveredInFullAndEndsTheOuterDelivery) {
     Published<int> value;
     Values first;
     Values second;

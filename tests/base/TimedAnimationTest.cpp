@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Rounds timers up to whole milliseconds, as toolkits do, and can be busy for a while.
+/// A run loop that rounds timers up to whole milliseconds, as toolkits do, and can be busy.
 class RoundingRunLoop final : public RunLoop {
 public:
     VirtualRunLoop exact;
@@ -47,7 +47,7 @@ struct Movement {
 TEST(TimedAnimation, ShowsEachStepWhenItIsDue) {
     VirtualRunLoop runLoop;
     Movement movement;
-    movement.start(runLoop, 3, 100ms); // of which a third is no whole number
+    movement.start(runLoop, 3, 100ms); // a third of it is not a whole number
     runLoop.advance(33ms);
     EXPECT_EQ(movement.steps, (std::vector<int>{}));
     runLoop.advance(1ms);
@@ -60,7 +60,7 @@ TEST(TimedAnimation, ShowsEachStepWhenItIsDue) {
     EXPECT_EQ(movement.taken, 100ms);
 }
 
-TEST(TimedAnimation, LastStepIsOnTimeWhereTimersAreRoundedUp) {
+TEST(TimedAnimation, LastStepIsOnTimeIfTimersAreRoundedUp) {
     for (const auto& [steps, duration] :
          {std::pair{24, Duration(400ms)}, {18, Duration(300ms)}, {30, Duration(1s)}}) {
         RoundingRunLoop runLoop;
@@ -82,7 +82,7 @@ TEST(TimedAnimation, LateLoopSkipsStepsAndTheLastOneIsOnTime) {
     EXPECT_EQ(movement.taken, 100ms);
 }
 
-TEST(TimedAnimation, LoopThatIsLaterThanTheEndShowsTheLastStepAlone) {
+TEST(TimedAnimation, LoopThatIsLaterThanTheEndShowsOnlyTheLastStep) {
     RoundingRunLoop runLoop;
     Movement movement;
     runLoop.lateness = 2s;
@@ -92,7 +92,7 @@ TEST(TimedAnimation, LoopThatIsLaterThanTheEndShowsTheLastStepAlone) {
     EXPECT_NE(movement.taken, std::nullopt);
 }
 
-TEST(TimedAnimation, NewMovementReplacesTheOneThatRunsAndItsCompletion) {
+TEST(TimedAnimation, NewAnimationReplacesARunningOneAndItsCompletion) {
     VirtualRunLoop runLoop;
     TimedAnimation animation;
     std::vector<int> steps;
@@ -106,7 +106,7 @@ TEST(TimedAnimation, NewMovementReplacesTheOneThatRunsAndItsCompletion) {
     EXPECT_EQ(completions, 0);
 }
 
-TEST(TimedAnimation, MayBeStartedAnewByItsOwnStepAndDestroyedByItsOwnCompletion) {
+TEST(TimedAnimation, MayBeRestartedByItsOwnStepAndDestroyedByItsOwnCompletion) {
     VirtualRunLoop runLoop;
     std::optional<TimedAnimation> animation(std::in_place);
     std::vector<int> steps;

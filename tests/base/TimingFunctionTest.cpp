@@ -25,8 +25,8 @@ TEST(TimingFunction, EaseInEaseOutIsSymmetricAndEaseInIsNot) {
     EXPECT_LT(eased(in, 0.5), 0.4);
 }
 
-TEST(TimingFunction, PointsOfTheCurveLieOnIt) {
-    // The curve's own points, computed from its parameter.
+TEST(TimingFunction, PassesThroughThePointsOfTheCurve) {
+    // Points of the curve, computed from its parameter.
     for (double s = 0; s <= 1; s += 0.05) {
         const auto y = 3 * (1 - s) * s * s + s * s * s;
         const auto x = [&](double second) {

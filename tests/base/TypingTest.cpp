@@ -15,7 +15,7 @@ TEST(Typing, NothingIsFromBeforeUntilAKeyIsPressed) {
     EXPECT_FALSE(Typing().isFromBefore(moment));
 }
 
-TEST(Typing, KeyAfterTheMomentGoesOnWithOneBeforeItWithoutAPause) {
+TEST(Typing, KeyAfterTheMomentContinuesTypingFromBeforeItWithoutAPause) {
     Typing typing;
     typing.press(moment - 1ms);
     for (int key = 1; key < 100; ++key) {
@@ -30,7 +30,7 @@ TEST(Typing, PauseOfHalfASecondEndsIt) {
     typing.press(moment - 1ms + 500ms);
     EXPECT_FALSE(typing.isFromBefore(moment));
     typing.press(moment + 500ms);
-    EXPECT_FALSE(typing.isFromBefore(moment)) << "what began after the moment";
+    EXPECT_FALSE(typing.isFromBefore(moment)) << "typing that began after the moment";
 }
 
 TEST(Typing, FirstKeyAtTheMomentIsNotFromBefore) {

@@ -40,7 +40,7 @@ protected:
     BreakStatistics totals() { return breakTimer().statistics.get(); }
 };
 
-TEST_F(BreakOverlayControllerTest, EveryScreenIsCoveredByAWindowOfItsOwn) {
+TEST_F(BreakOverlayControllerTest, EveryScreenIsCoveredByItsOwnWindow) {
     EXPECT_TRUE(isGone());
     waitForBreak();
     const auto shown = windows();
@@ -60,10 +60,10 @@ TEST_F(BreakOverlayControllerTest, EveryScreenIsCoveredByAWindowOfItsOwn) {
     EXPECT_EQ(desktop.overlayWindows.keyScreen, external);
 }
 
-TEST_F(BreakOverlayControllerTest, FadesInAndOutInTheirTimeAndIsGoneThen) {
+TEST_F(BreakOverlayControllerTest, FadesInAndOutOnTimeAndThenIsGone) {
     waitForBreak();
     desktop.runLoop.advance(200ms);
-    EXPECT_NEAR(windows()[0].alpha, 0.5, 1e-6) << "half of an eased way";
+    EXPECT_NEAR(windows()[0].alpha, 0.5, 1e-6) << "half of an eased fade";
     desktop.runLoop.advance(200ms);
     EXPECT_EQ(windows()[0].alpha, 1);
     EXPECT_EQ(windows()[1].alpha, 1);
@@ -79,8 +79,8 @@ TEST_F(BreakOverlayControllerTest, FadesInAndOutInTheirTimeAndIsGoneThen) {
     EXPECT_EQ(calls("overlay 1 orderOut").size(), 1U);
 }
 
-TEST_F(BreakOverlayControllerTest, SpaceAloneIsSwallowedAndSkips) {
-    EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "nobody listens yet";
+TEST_F(BreakOverlayControllerTest, OnlySpaceIsSwallowedAndSkips) {
+    EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "there is no monitor yet";
     waitForBreak();
     for (const auto key : {escape, enter, std::int64_t{0}, std::int64_t{48}}) {
         EXPECT_TRUE(desktop.overlayWindows.press(key)) << key;
@@ -95,9 +95,9 @@ TEST_F(BreakOverlayControllerTest, SpaceAloneIsSwallowedAndSkips) {
     EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode));
 }
 
-TEST_F(BreakOverlayControllerTest, SpaceThatIsTypedOnFromBeforeSkipsNothingUntilAPause) {
+TEST_F(BreakOverlayControllerTest, SpaceInTypingFromBeforeSkipsNothingUntilAPause) {
     constexpr std::int64_t letter = 0;
-    while (windows().empty()) { // somebody types
+    while (windows().empty()) { // the user is typing
         EXPECT_TRUE(desktop.overlayWindows.press(letter)) << "into another window";
         desktop.runLoop.advance(90ms);
     }
@@ -111,13 +111,13 @@ TEST_F(BreakOverlayControllerTest, SpaceThatIsTypedOnFromBeforeSkipsNothingUntil
     EXPECT_EQ(totals().skippedBreaks, 1);
 }
 
-TEST_F(BreakOverlayControllerTest, SpaceSkipsAtOnceWhereNobodyWasTyping) {
+TEST_F(BreakOverlayControllerTest, SpaceSkipsAtOnceIfNobodyWasTyping) {
     while (windows().empty()) {
         desktop.overlayWindows.press(escape);
         desktop.runLoop.advance(500ms);
     }
     desktop.runLoop.advance(10ms);
-    EXPECT_TRUE(desktop.overlayWindows.press(escape)) << "keys that come after the cover";
+    EXPECT_TRUE(desktop.overlayWindows.press(escape)) << "keys after the cover appeared";
     desktop.runLoop.advance(10ms);
     EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode));
     EXPECT_EQ(totals().skippedBreaks, 1);
@@ -144,12 +144,12 @@ TEST_F(BreakOverlayControllerTest, SecondStartAddsNothingAndAnEndWhileHiddenDoes
     EXPECT_EQ(views.alive, 2);
 }
 
-TEST_F(BreakOverlayControllerTest, StartWhileFadingIsIgnoredAndTheFadeGoesOn) {
+TEST_F(BreakOverlayControllerTest, StartWhileFadingIsIgnoredAndTheFadeContinues) {
     waitForBreak();
     breakTimer().skip();
     desktop.runLoop.advance(100ms);
     desktop.notificationCenter.post(breakDidStartNotification);
-    desktop.notificationCenter.post(breakDidEndNotification); // fades anew from where it was
+    desktop.notificationCenter.post(breakDidEndNotification); // fades again from the current alpha
     desktop.runLoop.advance(299ms);
     EXPECT_EQ(windows().size(), 2U);
     desktop.runLoop.advance(1ms);
@@ -177,10 +177,10 @@ TEST_F(BreakOverlayControllerTest, WithoutScreensItStillShowsAndHides) {
     desktop.displays.unplug(external);
     waitForBreak();
     EXPECT_TRUE(windows().empty());
-    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode)) << "the monitor is there";
+    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode)) << "the monitor is installed";
     EXPECT_EQ(totals().skippedBreaks, 1);
     desktop.runLoop.advance(0s);
-    EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "and it has gone";
+    EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "the monitor is removed";
     plugBuiltIn();
     waitForBreak();
     EXPECT_EQ(windows().size(), 1U);
@@ -201,7 +201,7 @@ TEST_F(BreakOverlayControllerTest, StopDuringABreakLeavesTheWindowsUntilALaterBr
     EXPECT_TRUE(isGone());
 }
 
-TEST_F(BreakOverlayControllerTest, CoverWhoseBreakWasStoppedGoesAtSpaceAndAtBothButtons) {
+TEST_F(BreakOverlayControllerTest, CoverOfAStoppedBreakClosesWithSpaceAndBothButtons) {
     const std::vector<std::function<void()>> ways = {
         [&] { EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode)); }, [&] { views.skip(); },
         [&] { views.snooze(); }};
@@ -220,7 +220,7 @@ TEST_F(BreakOverlayControllerTest, CoverWhoseBreakWasStoppedGoesAtSpaceAndAtBoth
                 desktop.notificationCenter.observe(breakDidEndNotification, [&] { ++posted; });
             ways[way]();
             desktop.runLoop.advance(200ms);
-            ways[way](); // one that fades already is left alone
+            ways[way](); // a window that is already fading does not change
             desktop.runLoop.advance(99ms);
             EXPECT_FALSE(isGone());
             desktop.runLoop.advance(1ms);
@@ -244,10 +244,10 @@ TEST_F(BreakOverlayControllerTest, StartingAgainBringsTheCoverForwardAndNoPopove
     desktop.runLoop.advance(300ms);
     desktop.trace.clear();
     desktop.application.startAgain();
-    EXPECT_EQ(calls(), (Calls{"window makeKeyAndOrderFront Welcome to Nocta"})) << "as ever";
+    EXPECT_EQ(calls(), (Calls{"window makeKeyAndOrderFront Welcome to Nocta"})) << "as usual";
 }
 
-TEST_F(BreakOverlayControllerTest, EndOfTheProgramDuringABreakTakesTheWindowsAway) {
+TEST_F(BreakOverlayControllerTest, EndOfTheProgramDuringABreakRemovesTheWindows) {
     waitForBreak();
     quit();
     dropProgram();
@@ -263,8 +263,8 @@ TEST_F(BreakOverlayShowingTest, LastsFromTheStartUntilTheFadeOutHasFinished) {
     std::vector<bool> told;
     const auto subscription = controller.isShowing.subscribe([&](bool isShowing) {
         told.push_back(isShowing);
-        EXPECT_TRUE(desktop.overlayWindows.windows().empty()) << "none yet, and none any more";
-        EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "nobody listens";
+        EXPECT_TRUE(desktop.overlayWindows.windows().empty()) << "neither before nor after";
+        EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "there is no monitor";
     });
     EXPECT_FALSE(controller.isShowing.get());
     desktop.notificationCenter.post(breakDidEndNotification);

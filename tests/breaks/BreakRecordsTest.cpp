@@ -26,7 +26,7 @@ TEST(BreakRecords, StatisticsReadBackExactly) {
     EXPECT_EQ(Json::parse(Json(statistics).dump()).get<BreakStatistics>(), statistics);
 }
 
-TEST(BreakRecords, StatisticsThatAreNotExactlySuchAnObjectAreRefused) {
+TEST(BreakRecords, MalformedStatisticsAreRefused) {
     const Json good = BreakStatistics{6, 1, 2, 3, 20.5};
     for (const auto* const key :
          {"totalBreaks", "completedBreaks", "skippedBreaks", "snoozedBreaks", "totalBreakTime"}) {
@@ -72,7 +72,7 @@ TEST(BreakRecords, SessionReadsBack) {
     EXPECT_TRUE(back.wasSkipped);
 }
 
-TEST(BreakRecords, SessionThatMakesNoSenseIsRefused) {
+TEST(BreakRecords, MalformedSessionIsRefused) {
     const Json good = BreakSession{};
     for (const auto& [key, value] :
          {std::pair("id", Json("nobody")), std::pair("startTime", Json("now")),
@@ -84,7 +84,7 @@ TEST(BreakRecords, SessionThatMakesNoSenseIsRefused) {
     }
 }
 
-TEST(BreakRecords, SessionReadsBackAtTheEndsOfTime) {
+TEST(BreakRecords, SessionReadsBackAtTheLimitsOfTime) {
     for (const auto seconds : {-999'999'999.0, 7'999'999'999.0}) {
         Json json = BreakSession{};
         json["startTime"] = seconds;

@@ -29,7 +29,7 @@ protected:
         settings().breakIntervalMinutes.set(minutes);
         settings().breakDurationSeconds.set(seconds);
         settings().suspendDuringMeetings.set(true);
-        runSeconds(0); // the change of the interval has been delivered
+        runSeconds(0); // delivers the change of the interval
         for (const auto name : {breakDidStartNotification, breakDidEndNotification}) {
             posts_.push_back(desktop.notificationCenter.observe(
                 name, [this, name] { posted.emplace_back(name); }));
@@ -53,7 +53,7 @@ protected:
         meetingDetector().checkFrontmostApplication();
     }
 
-    // How each state is reached, with nothing noted before.
+    // Each function enters a state and clears the records.
     void beIdle() { forget(); }
     void beCounting() {
         breakTimer().start();
@@ -109,7 +109,7 @@ private:
 const Calls started = {"NoctaBreakDidStart"};
 const Calls ended = {"NoctaBreakDidEnd"};
 
-// The table of states: what each event does in each of them.
+// The state table: what each event does in each state.
 
 TEST_F(BreakTimerTest, IdleStartCountsFromTheFullInterval) {
     beIdle();
@@ -120,7 +120,7 @@ TEST_F(BreakTimerTest, IdleStartCountsFromTheFullInterval) {
     EXPECT_EQ(state(), BreakState(Counting{full - 1}));
 }
 
-TEST_F(BreakTimerTest, IdleKnowsNothingElse) {
+TEST_F(BreakTimerTest, IdleIgnoresEverythingElse) {
     beIdle();
     expectNothingHappened([&] { breakTimer().skip(); });
     expectNothingHappened([&] { breakTimer().snooze(5); });
@@ -134,7 +134,7 @@ TEST_F(BreakTimerTest, IdleKnowsNothingElse) {
     });
 }
 
-TEST_F(BreakTimerTest, IdleStopIsPublishedAndNothingMore) {
+TEST_F(BreakTimerTest, IdleStopOnlyPublishesTheState) {
     beIdle();
     breakTimer().stop();
     EXPECT_EQ(states, (std::vector<BreakState>{Idle{}}));
@@ -163,17 +163,17 @@ TEST_F(BreakTimerTest, CountingReachesZeroAndABreakBegins) {
     EXPECT_EQ(totals(), BreakStatistics{});
 }
 
-TEST_F(BreakTimerTest, CountingInAMeetingPausesBeforeTheSecondIsTaken) {
+TEST_F(BreakTimerTest, CountingInAMeetingPausesBeforeTheSecondIsCounted) {
     beCounting();
     bringMeetingToFront();
-    EXPECT_TRUE(states.empty()) << "the next tick judges";
+    EXPECT_TRUE(states.empty()) << "only the next tick checks";
     runSeconds(1);
     EXPECT_EQ(states, (std::vector<BreakState>{Paused{PauseReason::meeting}}));
     EXPECT_EQ(breakTimer().timeUntilNextBreak.get(), full - 10);
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, CountingInAMeetingGoesOnWhereMeetingsDoNotSuspend) {
+TEST_F(BreakTimerTest, CountingInAMeetingContinuesIfMeetingsDoNotSuspend) {
     settings().suspendDuringMeetings.set(false);
     beCounting();
     bringMeetingToFront();
@@ -189,12 +189,12 @@ TEST_F(BreakTimerTest, CountingRestartsWithAChangeOfTheIntervalEvenAnEqualOne) {
         EXPECT_EQ(state(), BreakState(Counting{static_cast<double>(interval * 60)}));
         runSeconds(5);
         EXPECT_EQ(state(), BreakState(Counting{static_cast<double>(interval * 60 - 5)}))
-            << "one timer runs";
+            << "only one timer runs";
     }
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, ChangeOfTheIntervalIsDeliveredByTheRunLoopAndTheStateIsJudgedThen) {
+TEST_F(BreakTimerTest, ChangeOfTheIntervalIsDeliveredByTheRunLoopAndTheStateIsCheckedThen) {
     beCounting();
     settings().breakIntervalMinutes.set(7);
     EXPECT_TRUE(states.empty());
@@ -211,7 +211,7 @@ TEST_F(BreakTimerTest, CountingStopIsIdle) {
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, CountingKnowsNothingElse) {
+TEST_F(BreakTimerTest, CountingIgnoresEverythingElse) {
     beCounting();
     expectNothingHappened([&] { breakTimer().start(); });
     expectNothingHappened([&] { breakTimer().skip(); });
@@ -256,7 +256,7 @@ TEST_F(BreakTimerTest, ActiveSnoozed) {
     expectTotals({.totalBreaks = 1, .snoozedBreaks = 1});
 }
 
-TEST_F(BreakTimerTest, ActiveStopIsIdleAndNoEndOfTheBreak) {
+TEST_F(BreakTimerTest, ActiveStopIsIdleAndDoesNotEndTheBreak) {
     beActive();
     breakTimer().stop();
     runSeconds(4000);
@@ -265,7 +265,7 @@ TEST_F(BreakTimerTest, ActiveStopIsIdleAndNoEndOfTheBreak) {
     EXPECT_EQ(totals(), BreakStatistics{});
 }
 
-TEST_F(BreakTimerTest, ActiveKnowsNothingElse) {
+TEST_F(BreakTimerTest, ActiveIgnoresEverythingElse) {
     beActive();
     expectNothingHappened([&] { breakTimer().start(); });
     expectNothingHappened([&] {
@@ -296,7 +296,7 @@ TEST_F(BreakTimerTest, SnoozedStopIsIdle) {
     EXPECT_EQ(states, (std::vector<BreakState>{Idle{}}));
 }
 
-TEST_F(BreakTimerTest, SnoozedKnowsNothingElse) {
+TEST_F(BreakTimerTest, SnoozedIgnoresEverythingElse) {
     beSnoozed();
     expectNothingHappened([&] { breakTimer().start(); });
     expectNothingHappened([&] { breakTimer().skip(); });
@@ -307,10 +307,10 @@ TEST_F(BreakTimerTest, SnoozedKnowsNothingElse) {
         runSeconds(289);
     });
     runSeconds(1);
-    EXPECT_EQ(state(), BreakState(Counting{7 * 60})) << "the change acts now";
+    EXPECT_EQ(state(), BreakState(Counting{7 * 60})) << "the change takes effect now";
 }
 
-TEST_F(BreakTimerTest, PausedStopIsIdleAndStartCountsAnew) {
+TEST_F(BreakTimerTest, PausedStopIsIdleAndStartCountsAgain) {
     bePaused();
     bringMeetingToFront(false);
     breakTimer().stop();
@@ -319,7 +319,7 @@ TEST_F(BreakTimerTest, PausedStopIsIdleAndStartCountsAnew) {
     EXPECT_EQ(state(), BreakState(Counting{full}));
 }
 
-TEST_F(BreakTimerTest, PausedKnowsNothingElseNotEvenTheEndOfTheMeeting) {
+TEST_F(BreakTimerTest, PausedIgnoresEverythingElseEvenTheEndOfTheMeeting) {
     bePaused();
     expectNothingHappened([&] { breakTimer().start(); });
     expectNothingHappened([&] { breakTimer().skip(); });
@@ -332,9 +332,9 @@ TEST_F(BreakTimerTest, PausedKnowsNothingElseNotEvenTheEndOfTheMeeting) {
     EXPECT_EQ(breakTimer().timeUntilNextBreak.get(), full - 10);
 }
 
-// What the state alone does not show.
+// Behavior that the state alone does not show.
 
-TEST_F(BreakTimerTest, TotalsHoldEveryOutcomeAndTheTimeOfCompletedBreaksAlone) {
+TEST_F(BreakTimerTest, TotalsHaveEveryOutcomeAndTheTimeOfCompletedBreaksOnly) {
     beActive();
     runSeconds(15);
     runSeconds(full);
@@ -367,7 +367,7 @@ TEST_F(BreakTimerTest, TotalsThatCannotBeReadStartFromZero) {
     }
 }
 
-TEST_F(BreakTimerTest, LengthIsTheOneOfTheSettingWhenTheBreakBegins) {
+TEST_F(BreakTimerTest, LengthIsTheSettingWhenTheBreakBegins) {
     beCounting();
     settings().breakDurationSeconds.set(3);
     runSeconds(full - 10);
@@ -383,7 +383,7 @@ TEST_F(BreakTimerTest, LengthIsTheOneOfTheSettingWhenTheBreakBegins) {
     EXPECT_EQ(state(), BreakState(Counting{full}));
 }
 
-TEST_F(BreakTimerTest, WhoHearsOfABreakMayEndItAtOnce) {
+TEST_F(BreakTimerTest, ObserverOfABreakMayEndItAtOnce) {
     const auto impatient =
         desktop.notificationCenter.observe(breakDidStartNotification, [&] { breakTimer().skip(); });
     breakTimer().start();
@@ -407,9 +407,9 @@ TEST_F(BreakTimerTest, NumbersThatDoNotFitStopTheProgram) {
     EXPECT_DEATH(breakTimer().skip(), "skippedBreaks in breakStatistics is 9223372036854775807");
 }
 
-// A machine that sleeps for eight hours: the wall clock runs on, and timers do not.
+// The machine sleeps for eight hours: the wall clock continues, and timers stop.
 
-TEST_F(BreakTimerTest, SleepWhileCountingIsNoWork) {
+TEST_F(BreakTimerTest, SleepWhileCountingDoesNotCount) {
     beCounting();
     desktop.runLoop.suspend(8h);
     EXPECT_TRUE(states.empty());
@@ -436,7 +436,7 @@ TEST_F(BreakTimerTest, SleepWhileSnoozedDoesNotShortenTheRest) {
     EXPECT_EQ(state(), BreakState(Counting{full}));
 }
 
-TEST_F(BreakTimerTest, SleepWhileIdleOrPausedIsNothing) {
+TEST_F(BreakTimerTest, SleepWhileIdleOrPausedChangesNothing) {
     beIdle();
     expectNothingHappened([&] { desktop.runLoop.suspend(8h); });
     bePaused();
@@ -446,7 +446,7 @@ TEST_F(BreakTimerTest, SleepWhileIdleOrPausedIsNothing) {
     });
 }
 
-TEST_F(BreakTimerTest, WallClockThatIsSetBackShortensTheRecordAndNothingElse) {
+TEST_F(BreakTimerTest, WallClockThatIsSetBackOnlyShortensTheRecord) {
     beActive();
     desktop.runLoop.setWallClock(desktop.runLoop.wallNow() - 1h);
     runSeconds(15);
@@ -454,7 +454,7 @@ TEST_F(BreakTimerTest, WallClockThatIsSetBackShortensTheRecordAndNothingElse) {
     expectTotals({.totalBreaks = 1, .completedBreaks = 1, .totalBreakTime = 20 - 3600});
 }
 
-// The program's own rules for it.
+// What the program does with the timer.
 
 TEST_F(BreakTimerTest, ProgramStartsItFollowsTheSettingAndStopsItAtTheEnd) {
     settings().breakTimerEnabled.set(true);
@@ -462,7 +462,7 @@ TEST_F(BreakTimerTest, ProgramStartsItFollowsTheSettingAndStopsItAtTheEnd) {
     EXPECT_EQ(state(), BreakState(Counting{full}));
     runSeconds(10);
     settings().breakTimerEnabled.set(true);
-    EXPECT_EQ(state(), BreakState(Counting{full - 10})) << "it runs already";
+    EXPECT_EQ(state(), BreakState(Counting{full - 10})) << "it is already running";
     settings().breakTimerEnabled.set(false);
     EXPECT_EQ(state(), BreakState(Idle{}));
     settings().breakTimerEnabled.set(true);
@@ -471,7 +471,7 @@ TEST_F(BreakTimerTest, ProgramStartsItFollowsTheSettingAndStopsItAtTheEnd) {
     EXPECT_EQ(state(), BreakState(Idle{}));
 }
 
-TEST_F(BreakTimerTest, ProgramLeavesItIdleWhereRemindersAreOff) {
+TEST_F(BreakTimerTest, ProgramLeavesItIdleIfRemindersAreOff) {
     settings().breakTimerEnabled.set(false);
     launch();
     runSeconds(4000);

@@ -42,7 +42,7 @@ TEST_F(MeetingDetectorServiceTest, MeetingStartsAndEndsWithTheApplicationInFront
     EXPECT_EQ(app(), "FaceTime");
     EXPECT_EQ(posted, Posts{"NoctaMeetingDidStart"});
     desktop.runLoop.advance(60s);
-    EXPECT_EQ(posted.size(), 1U) << "the polls say nothing new";
+    EXPECT_EQ(posted.size(), 1U) << "the polls find nothing new";
     desktop.workspace.bringToFront(editor);
     EXPECT_FALSE(isInMeeting());
     EXPECT_EQ(app(), std::nullopt);
@@ -80,7 +80,7 @@ TEST_F(MeetingDetectorServiceTest, NoApplicationAndNoIdentifierChangeNothing) {
     EXPECT_EQ(posted.size(), 1U);
 }
 
-TEST_F(MeetingDetectorServiceTest, PollFindsWhatNobodyHasTold) {
+TEST_F(MeetingDetectorServiceTest, PollFindsAChangeWithoutANotification) {
     desktop.workspace.frontmost = faceTime;
     desktop.runLoop.advance(4999ms);
     EXPECT_FALSE(isInMeeting());
@@ -95,7 +95,7 @@ TEST_F(MeetingDetectorServiceTest, AnotherMeetingApplicationIsTheSameMeeting) {
     desktop.workspace.bringToFront(faceTime);
     desktop.workspace.bringToFront(RunningApplication{"us.zoom.xos", "Zoom"});
     EXPECT_EQ(posted.size(), 1U);
-    EXPECT_EQ(app(), "FaceTime") << "no verdict has changed";
+    EXPECT_EQ(app(), "FaceTime") << "the result has not changed";
 }
 
 TEST_F(MeetingDetectorServiceTest, MeetingInFrontAtTheStartOfTheProgramCountsAtOnce) {

@@ -7,14 +7,14 @@
 #include <random>
 #include <string>
 
-// Whole days of breaks on the virtual clock, second by second, against a model of their own.
+// Compares whole days of breaks on the virtual clock with a model, second by second.
 
 namespace nocta {
 namespace {
 
 using namespace std::chrono_literals;
 
-/// The reminders, written once more as one step a second.
+/// A second implementation of the reminders, as one step per second.
 struct Model {
     enum class Phase { idle, counting, active, paused, snoozed };
 
@@ -146,7 +146,7 @@ protected:
     }
 };
 
-TEST_F(WorkingDayTest, TwentyFourHoursOfAPersonWhoDoesAllSorts) {
+TEST_F(WorkingDayTest, TwentyFourHoursOfMixedUse) {
     std::mt19937 random(7);
     const auto happens = [&](int onceIn) {
         return std::uniform_int_distribution(1, onceIn)(random) == 1;
@@ -192,7 +192,7 @@ TEST_F(WorkingDayTest, AThousandBreaksLeaveNothingBehind) {
     while (model.totals.totalBreaks < 1000 && !HasFatalFailure()) {
         second();
         if (model.phase == Model::Phase::counting && model.left == 30) {
-            // Between two breaks there is no window, no view and no listener left.
+            // Between two breaks no window, view or key monitor is left.
             ASSERT_TRUE(desktop.overlayWindows.windows().empty());
             ASSERT_EQ(views.alive, 0);
             ASSERT_TRUE(desktop.overlayWindows.press(spaceKeyCode));

@@ -31,7 +31,7 @@ protected:
     std::int64_t engineTemperature() { return gamma().currentTemperature().at(external); }
 };
 
-TEST_F(ColorTemperatureServiceTest, AppliesNothingByItself) {
+TEST_F(ColorTemperatureServiceTest, AppliesNothingWhenConstructed) {
     EXPECT_EQ(colorTemperature().currentTemperature.get(), 6500);
     EXPECT_EQ(colorTemperature().currentWarmth.get(), 0.5);
     EXPECT_TRUE(calls("setDisplayTransferByTable").empty());
@@ -67,9 +67,9 @@ TEST_F(ColorTemperatureServiceTest, AutomaticTemperatureByThePositionOfTheSun) {
              Row{6500, 2700, Sunset{0.25}, 5550},
              Row{6500, 2700, Sunrise{0}, 2700},
              Row{6500, 2700, Sunset{1}, 2700},
-             Row{6501, 2700, Sunrise{0.5}, 4600}, // 1900.5 is cut to 1900
-             Row{6501, 2700, Sunset{0.5}, 4601},  // and so here
-             Row{2700, 6501, Sunrise{0.5}, 4601}, // -1900.5 is cut to -1900
+             Row{6501, 2700, Sunrise{0.5}, 4600}, // 1900.5 is truncated to 1900
+             Row{6501, 2700, Sunset{0.5}, 4601},  // here too
+             Row{2700, 6501, Sunrise{0.5}, 4601}, // -1900.5 is truncated to -1900
              Row{2700, 6501, Sunset{0.5}, 4600},
          }) {
         settings().colorTemperatureDay.set(day);
@@ -77,10 +77,10 @@ TEST_F(ColorTemperatureServiceTest, AutomaticTemperatureByThePositionOfTheSun) {
         setPosition(position);
         EXPECT_EQ(colorTemperature().automaticTemperature(), kelvin);
     }
-    EXPECT_TRUE(shown.empty()) << "asking changes nothing, and neither do the two in manual mode";
+    EXPECT_TRUE(shown.empty()) << "reading changes nothing, nor do the two settings in manual mode";
 }
 
-TEST_F(ColorTemperatureServiceTest, SwitchingOnGlidesAndThenEntersAutomaticMode) {
+TEST_F(ColorTemperatureServiceTest, SwitchingOnFadesAndThenEntersAutomaticMode) {
     setPosition(Night{});
     settings().autoWarmthEnabled.set(true);
     EXPECT_TRUE(shown.empty());
@@ -89,7 +89,7 @@ TEST_F(ColorTemperatureServiceTest, SwitchingOnGlidesAndThenEntersAutomaticMode)
     for (int step = 1; step <= 15; ++step) {
         expected.push_back(6500 + static_cast<std::int64_t>(step / 15.0 * -3800));
     }
-    expected.push_back(2700); // applied once more by automatic mode
+    expected.push_back(2700); // automatic mode applies it again
     EXPECT_EQ(shown, expected);
     shown.clear();
     desktop.runLoop.advance(59s);
@@ -98,10 +98,10 @@ TEST_F(ColorTemperatureServiceTest, SwitchingOnGlidesAndThenEntersAutomaticMode)
     desktop.runLoop.advance(1s);
     EXPECT_EQ(shown, std::vector<std::int64_t>{6500});
     desktop.runLoop.advance(60s);
-    EXPECT_EQ(shown, (std::vector<std::int64_t>{6500, 6500})) << "sent each minute, equal too";
+    EXPECT_EQ(shown, (std::vector<std::int64_t>{6500, 6500})) << "sent every minute, even if equal";
 }
 
-TEST_F(ColorTemperatureServiceTest, SwitchingOffGlidesToTheWarmthAndEndsTheMinutes) {
+TEST_F(ColorTemperatureServiceTest, SwitchingOffFadesToTheWarmthAndEndsTheUpdates) {
     setPosition(Night{});
     settings().autoWarmthEnabled.set(true);
     desktop.runLoop.advance(1s);
@@ -113,7 +113,7 @@ TEST_F(ColorTemperatureServiceTest, SwitchingOffGlidesToTheWarmthAndEndsTheMinut
     EXPECT_TRUE(shown.empty());
 }
 
-TEST_F(ColorTemperatureServiceTest, SwitchingOnAndOffAtOnceIsOneContinuousMovement) {
+TEST_F(ColorTemperatureServiceTest, SwitchingOnAndOffAtOnceIsOneContinuousTransition) {
     setPosition(Night{});
     settings().autoWarmthEnabled.set(true);
     desktop.runLoop.advance(140ms); // seven steps
@@ -122,13 +122,13 @@ TEST_F(ColorTemperatureServiceTest, SwitchingOnAndOffAtOnceIsOneContinuousMoveme
     settings().autoWarmthEnabled.set(false);
     desktop.runLoop.advance(1min);
     EXPECT_EQ(shown.back(), 4600);
-    EXPECT_EQ(shown.size(), 7U + 15U) << "no completion of the first, no minute's tick";
+    EXPECT_EQ(shown.size(), 7U + 15U) << "no completion of the first, no minute tick";
     for (std::size_t i = 1; i < shown.size(); ++i) {
-        EXPECT_LE(std::abs(shown[i] - shown[i - 1]), 254) << "a step of the longer glide";
+        EXPECT_LE(std::abs(shown[i] - shown[i - 1]), 254) << "a step of the longer transition";
     }
 }
 
-TEST_F(ColorTemperatureServiceTest, GlideLeavesTheWarmthAlone) {
+TEST_F(ColorTemperatureServiceTest, TransitionDoesNotChangeTheWarmth) {
     settings().warmthLevel.set(0.25);
     int published = 0;
     const auto subscription =
@@ -144,11 +144,11 @@ TEST_F(ColorTemperatureServiceTest, GlideLeavesTheWarmthAlone) {
     EXPECT_EQ(published, 0);
 }
 
-TEST_F(ColorTemperatureServiceTest, WarmthDoesNotStopAGlide) {
+TEST_F(ColorTemperatureServiceTest, WarmthDoesNotStopATransition) {
     setPosition(Night{});
     settings().autoWarmthEnabled.set(true);
     desktop.runLoop.advance(1s);
-    settings().autoWarmthEnabled.set(false); // glides from 2700 to 4600
+    settings().autoWarmthEnabled.set(false); // a transition from 2700 to 4600
     desktop.runLoop.advance(20ms);
     settings().warmthLevel.set(0);
     EXPECT_EQ(engineTemperature(), 6500);
@@ -176,7 +176,7 @@ TEST_F(ColorTemperatureServiceTest, FirstChangeOfEitherTemperatureActsAtOnceInAu
     EXPECT_EQ(shown, (std::vector<std::int64_t>{3000, 3000}));
 }
 
-TEST_F(ColorTemperatureServiceTest, TemperaturesThatNoArithmeticHoldsStopTheProgram) {
+TEST_F(ColorTemperatureServiceTest, TemperaturesThatOverflowStopTheProgram) {
     settings().colorTemperatureDay.set(std::numeric_limits<std::int64_t>::max());
     settings().colorTemperatureNight.set(std::numeric_limits<std::int64_t>::min());
     setPosition(Sunrise{0.5});

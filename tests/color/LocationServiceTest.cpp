@@ -38,7 +38,7 @@ TEST_F(LocationServiceTest, ConstructionReadsTheStatusAndAsksForNothing) {
     EXPECT_TRUE(calls("start").empty());
 }
 
-TEST_F(LocationServiceTest, IsWhatTheScheduleIsProvidedWith) {
+TEST_F(LocationServiceTest, ProvidesTheScheduleWithTheLocation) {
     LocationProviding& provider = location();
     desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(paris);
@@ -60,7 +60,7 @@ TEST_F(LocationServiceTest, LastOfABatchIsTheFixAndEndsTheUpdates) {
     EXPECT_FALSE(desktop.location.isUpdating);
 }
 
-TEST_F(LocationServiceTest, EmptyBatchIsNothing) {
+TEST_F(LocationServiceTest, EmptyBatchIsIgnored) {
     location();
     desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(std::span<const Location>());
@@ -108,7 +108,7 @@ TEST_F(LocationServiceTest, TurningTheSettingOffStopsAndForgetsNothing) {
     EXPECT_EQ(location().currentLocation.get(), paris);
 }
 
-TEST_F(LocationServiceTest, ManagerIsLeftWhenTheServiceGoes) {
+TEST_F(LocationServiceTest, DelegateIsRemovedWhenTheServiceIsDestroyed) {
     auto listener = std::make_shared<Listener>();
     location().delegate = listener;
     dropProgram();
@@ -118,7 +118,7 @@ TEST_F(LocationServiceTest, ManagerIsLeftWhenTheServiceGoes) {
     EXPECT_TRUE(calls("startUpdatingLocation").empty());
 }
 
-TEST_F(LocationServiceTest, DelegateHearsEverythingAndIsNotKeptAlive) {
+TEST_F(LocationServiceTest, DelegateReceivesEverythingAndIsNotKeptAlive) {
     auto listener = std::make_shared<Listener>();
     location().delegate = listener;
     desktop.location.answer(AuthorizationStatus::authorized);

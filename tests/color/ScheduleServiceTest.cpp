@@ -42,7 +42,7 @@ TEST_F(ScheduleServiceTest, EmptyAndDayBeforeTheStart) {
     EXPECT_EQ(schedule().sunriseTime.get(), std::nullopt);
     EXPECT_EQ(position(), SunPosition(Day{}));
     schedule().currentSunPosition.set(Night{});
-    schedule().updateSunPosition(); // the day is new, so the times come with it
+    schedule().updateSunPosition(); // on a new day it calculates the times too
     EXPECT_TRUE(schedule().sunriseTime.get().has_value());
 }
 
@@ -75,11 +75,11 @@ TEST_F(ScheduleServiceTest, PositionsByTheDefaultTimes) {
         schedule().updateSunPosition();
         EXPECT_EQ(position(), expected)
             << "at " << time / 1h << ":" << time % 1h / 1min << ":" << time % 1min / 1s
-            << "; a span begins 15 minutes before the sun's time and ends 15 minutes after it";
+            << "; a transition begins 15 minutes before the event and ends 15 minutes after it";
     }
 }
 
-TEST_F(ScheduleServiceTest, SunriseWinsWhereTheSpansOverlap) {
+TEST_F(ScheduleServiceTest, SunriseWinsIfTheTransitionsOverlap) {
     startAt(12h);
     schedule().sunriseTime.set(local({2026, 3, 20}, 12h));
     schedule().sunsetTime.set(local({2026, 3, 20}, 12h + 20min));
@@ -138,7 +138,7 @@ TEST_F(ScheduleServiceTest, MidnightWithAFixRecalculatesOnce) {
     const auto now = desktop.runLoop.wallNow();
     EXPECT_EQ(schedule().sunriseTime.get(),
               SunCalculator().calculate(now, berlin.latitude, berlin.longitude, now).sunrise)
-        << "for the place that is known";
+        << "for the known location";
     EXPECT_EQ(Calendar::dayOf(*schedule().sunriseTime.get()), (CalendarDay{2026, 3, 21}));
     desktop.runLoop.advance(10min);
     EXPECT_EQ(calculations, 1);
@@ -156,7 +156,7 @@ TEST_F(ScheduleServiceTest, LocationIsRefreshedAfterMoreThanADay) {
     desktop.location.send(berlin);
     desktop.trace.clear();
     desktop.runLoop.advance(24h);
-    EXPECT_TRUE(calls("startUpdatingLocation").empty()) << "one request a refresh";
+    EXPECT_TRUE(calls("startUpdatingLocation").empty()) << "one request per refresh";
 }
 
 TEST_F(ScheduleServiceTest, WithoutAuthorizationOnlyTheRefreshTimeMoves) {
@@ -170,18 +170,18 @@ TEST_F(ScheduleServiceTest, WithoutAuthorizationOnlyTheRefreshTimeMoves) {
     EXPECT_TRUE(calls("startUpdatingLocation").empty());
 }
 
-TEST_F(ScheduleServiceTest, OnlyAFullAuthorizationIsAskedForARefresh) {
+TEST_F(ScheduleServiceTest, RefreshNeedsFullAuthorization) {
     using enum AuthorizationStatus;
     startAt(12h);
     for (const auto status : {notDetermined, restricted, denied, authorizedWhenInUse, authorized}) {
         desktop.location.answer(status);
-        desktop.location.isUpdating = false; // whatever the answer has started
+        desktop.location.isUpdating = false; // the answer may have started updates
         schedule().refreshLocation();
         EXPECT_EQ(desktop.location.isUpdating, status == authorized) << static_cast<int>(status);
     }
 }
 
-TEST_F(ScheduleServiceTest, SleepShowsAtTheNextTickAfterIt) {
+TEST_F(ScheduleServiceTest, SleepTakesEffectAtTheNextTick) {
     startAt(12h);
     desktop.runLoop.suspend(8h);
     EXPECT_EQ(position(), SunPosition(Day{})) << "nothing runs while the machine sleeps";
@@ -192,7 +192,7 @@ TEST_F(ScheduleServiceTest, SleepShowsAtTheNextTickAfterIt) {
     EXPECT_EQ(schedule().sunriseTime.get(), local({2026, 3, 21}, 6h + 30min));
 }
 
-TEST_F(ScheduleServiceTest, ClockThatIsSetBackOrForwardShowsAtTheNextTick) {
+TEST_F(ScheduleServiceTest, ChangeOfTheClockTakesEffectAtTheNextTick) {
     startAt(12h);
     setClock({2026, 3, 20}, 22h);
     desktop.runLoop.advance(60s);

@@ -70,7 +70,7 @@ TEST(SunCalculator, AgreesWithAnIndependentComputationInEveryZone) {
                 continue;
             }
             ++ordinary;
-            // A minute that the last bits push over its edge may come out as its neighbour.
+            // Rounding in the last bits may move a time at the edge of a minute to the next one.
             const auto check = [&](WallTime time, long double minutes) {
                 const auto whole = static_cast<int>(std::floor(minutes));
                 const auto edge = std::abs(minutes - std::round(minutes)) < 1e-6L;
@@ -120,7 +120,7 @@ TEST(SunCalculator, BothPolarCasesAreSixAndEighteen) {
     }
 }
 
-TEST(SunCalculator, OffsetIsThatOfNowAndNotOfTheDate) {
+TEST(SunCalculator, UsesTheOffsetOfNowAndNotOfTheDate) {
     const TimeZone zone(zone::berlin);
     const auto summer = utc(2026, 7, 15, 12h);
     const auto winter = utc(2026, 1, 15, 12h);
@@ -144,7 +144,7 @@ TEST(SunCalculatorDeathTest, HourThatIsNotFiniteStopsTheProgram) {
 }
 
 TEST(SunCalculator, SunsetAfterMidnightIsWrappedOntoTheSameDay) {
-    const TimeZone zone(zone::utc); // far from the place: the sun sets there at 2 UTC
+    const TimeZone zone(zone::utc); // far from the location, where the sun sets at 2:00 UTC
     const auto date = utc(2026, 6, 21, 12h);
     const auto times = SunCalculator().calculate(date, 40, -100, date);
     EXPECT_LT(times.sunset, times.sunrise);

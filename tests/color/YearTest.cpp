@@ -13,8 +13,8 @@
 #include <ostream>
 #include <string>
 
-// A simulated year, minute by minute: every position and temperature that is published, against a
-// computation of its own.
+// Compares every published position and temperature of a simulated year with a separate
+// computation, minute by minute.
 
 namespace nocta {
 namespace {
@@ -40,7 +40,7 @@ INSTANTIATE_TEST_SUITE_P(Places, YearTest,
                                            Place{"AntarcticCircle", {-66.6, 15.0}}),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-/// The two spans of a day and what follows from them, in whole seconds since the epoch.
+/// The two transitions of a day, in whole seconds since the epoch, and what follows from them.
 struct SunDay {
     std::int64_t sunrise = 0;
     std::int64_t sunset = 0;
@@ -48,7 +48,7 @@ struct SunDay {
     static constexpr std::int64_t halfSpan = 900;
     static constexpr std::int64_t span = 2 * halfSpan;
 
-    /// Of the local day and the offset of an instant.
+    /// For the local day and the UTC offset at an instant.
     static SunDay of(std::int64_t now, Location place) {
         const auto time = static_cast<std::time_t>(now);
         std::tm local{};
@@ -115,7 +115,7 @@ TEST_P(YearTest, EveryMinuteAgreesWithAnIndependentComputation) {
     };
     const auto watch = schedule().currentSunPosition.subscribe([&](const SunPosition& position) {
         ++published;
-        // A new day is noticed by the first update in it, with the zone's offset of that moment.
+        // The first update of a day recalculates the times with the zone's offset at that moment.
         if (const auto today = Calendar::dayOf(desktop.runLoop.wallNow()); today != date) {
             date = today;
             day = SunDay::of(nowInSeconds(), GetParam().location);
@@ -128,7 +128,7 @@ TEST_P(YearTest, EveryMinuteAgreesWithAnIndependentComputation) {
     for (int minute = 0; minute < minutes && !HasFatalFailure(); ++minute) {
         desktop.runLoop.advance(60s);
         const auto shown = colorTemperature().currentTemperature.get();
-        // The product of two fractions may fall a bit short of a whole kelvin.
+        // The product of two fractions may be slightly less than a whole kelvin.
         ASSERT_LE(std::abs(shown - day.temperatureAt(nowInSeconds())), 1) << minute;
         ASSERT_EQ(gamma().currentTemperature().at(external), shown);
         glides += shown != 6500 && shown != 2700 ? 1 : 0;

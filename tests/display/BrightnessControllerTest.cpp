@@ -48,7 +48,7 @@ TEST_F(BrightnessControllerTest, ConstructionAfterTheListIsReadProbes) {
     EXPECT_TRUE(brightness().isAvailable());
 }
 
-TEST_F(BrightnessControllerTest, AsksAboutTheMainDisplayAlone) {
+TEST_F(BrightnessControllerTest, AsksOnlyAboutTheMainDisplay) {
     desktop.displays.plug({.id = external, .isMain = true});
     desktop.displays.plug({.id = builtIn, .isBuiltIn = true});
     start();
@@ -70,7 +70,7 @@ TEST_F(BrightnessControllerTest, ReadsTheLevelOrNone) {
     EXPECT_EQ(brightness().readBrightness(), std::nullopt) << "the call fails";
 }
 
-/// A library that says that all went well and gives no level.
+/// A backlight that reports success but returns no level.
 class SilentBacklight final : public Backlight {
 public:
     Status getBrightness(DisplayId /*display*/, float& /*level*/) override { return statusSuccess; }
@@ -85,7 +85,7 @@ TEST_F(BrightnessControllerTest, LevelThatIsNotFilledIsDark) {
     EXPECT_EQ(controller.readBrightness(), 0.0F);
 }
 
-TEST_F(BrightnessControllerTest, TellsTheDelegateOfTheBrightnessKeysWithTheLevelOfThatMoment) {
+TEST_F(BrightnessControllerTest, DelegateReceivesTheBrightnessKeysWithTheCurrentLevel) {
     plugBuiltIn();
     start();
     desktop.displays.display(builtIn).backlight = 0.5F;
@@ -127,7 +127,7 @@ TEST_F(BrightnessControllerTest, KeysAreIgnoredWhileTheBacklightCountsAsUnavaila
     plugBuiltIn();
     desktop.displays.backlightReadFails = true;
     start();
-    desktop.displays.backlightReadFails = false; // readable now, but nobody has probed
+    desktop.displays.backlightReadFails = false; // readable now, but not probed again
     desktop.keyboard.pressBrightnessUp();
     EXPECT_TRUE(listener->presses.empty());
 }
@@ -141,7 +141,7 @@ TEST_F(BrightnessControllerTest, DelegateIsNotKeptAlive) {
     desktop.keyboard.pressBrightnessUp();
 }
 
-TEST_F(BrightnessControllerTest, RefusedMonitorLeavesTheRestAtWork) {
+TEST_F(BrightnessControllerTest, RefusedMonitorDoesNotAffectTheRest) {
     plugBuiltIn();
     desktop.keyboard.monitorIsRefused = true;
     start();

@@ -89,7 +89,7 @@ TEST_F(DisplayServiceTest, FailingListIsEmpty) {
     EXPECT_EQ(mainId(), std::nullopt);
 }
 
-TEST_F(DisplayServiceTest, ActiveDisplaysLeaveThePublishedStateAlone) {
+TEST_F(DisplayServiceTest, ActiveDisplaysDoNotChangeThePublishedState) {
     displayService().refreshDisplays();
     plugBuiltIn();
     EXPECT_EQ(names().size(), 1U);
@@ -115,7 +115,7 @@ TEST_F(DisplayServiceTest, ListIsPublishedBeforeTheMainDisplay) {
     const auto list =
         displayService().displays.subscribe([&](const std::vector<DisplayInfo>& displays) {
             published.push_back(std::to_string(displays.size()) + " displays");
-            EXPECT_EQ(mainId(), std::nullopt) << "still the one from before";
+            EXPECT_EQ(mainId(), std::nullopt) << "still the old one";
         });
     const auto main =
         displayService().mainDisplay.subscribe([&](const std::optional<DisplayInfo>& display) {
@@ -127,7 +127,7 @@ TEST_F(DisplayServiceTest, ListIsPublishedBeforeTheMainDisplay) {
     EXPECT_EQ(published, (std::vector<std::string>{"1 displays", "main 1"}));
 }
 
-/// A desktop on which a display goes between the count and the list.
+/// A desktop on which a display is unplugged between the count and the list.
 class ShrinkingDisplays final : public Displays {
 public:
     Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) override {
@@ -143,7 +143,7 @@ public:
     std::optional<DisplayMode> displayCopyDisplayMode(DisplayId) override { return std::nullopt; }
 };
 
-TEST(DisplayServiceRaceTest, DisplayThatGoesWhileTheListIsReadIsNotInIt) {
+TEST(DisplayServiceRaceTest, DisplayThatIsUnpluggedWhileTheListIsReadIsNotInIt) {
     ShrinkingDisplays displays;
     const DisplayService service(displays);
     const auto list = service.activeDisplays();

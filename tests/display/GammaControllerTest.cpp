@@ -24,7 +24,7 @@ protected:
     }
 };
 
-TEST_F(GammaControllerTest, StartTakesTheListAndWritesNothing) {
+TEST_F(GammaControllerTest, StartReadsTheListAndWritesNothing) {
     plugBuiltIn();
     plugExternal();
     EXPECT_TRUE(gamma().displays().empty());
@@ -169,7 +169,7 @@ TEST_F(GammaControllerTest, FailingDisplayStopsNothing) {
     EXPECT_EQ(calls("setDisplayTransferByTable").size(), 3U);
     EXPECT_EQ(shownDimming(external), 0.5F);
     EXPECT_EQ(shownDimming(secondExternal), 0.5F);
-    EXPECT_EQ(gamma().currentDimming().at(builtIn), 0.5F) << "stored all the same";
+    EXPECT_EQ(gamma().currentDimming().at(builtIn), 0.5F) << "stored anyway";
 }
 
 TEST_F(GammaControllerTest, ListThatIsNot256LongIsInvalid) {

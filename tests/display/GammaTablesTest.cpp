@@ -59,7 +59,7 @@ TEST(GammaTables, WhitePointAtItsBoundaries) {
     EXPECT_NEAR(at6500.blue, 0.9806, 5e-5);
     const auto at6600 = rgbMultipliers(6600);
     EXPECT_EQ(at6600.red, 1.0F);
-    EXPECT_EQ(at6600.green, 1.0F) << "of the lower branch, which is above 1 there";
+    EXPECT_EQ(at6600.green, 1.0F) << "from the lower branch, which is above 1 there";
     EXPECT_EQ(at6600.blue, 1.0F);
     const auto at6601 = rgbMultipliers(6601);
     EXPECT_NEAR(at6601.green, 288.122162 * std::pow(6.01, -0.0755148456) / 255, singlePrecision);
@@ -129,7 +129,7 @@ TEST(GammaTables, EntryIsComputedInTheGivenOrderToTheBit) {
     }
 }
 
-TEST(GammaTables, DimmingOutsideItsRangeIsTheSettersBusiness) {
+TEST(GammaTables, DimmingOutsideItsRangeIsNotClamped) {
     const auto beyondBlack = makeGammaTables(6500, 1.5F, 1.0F);
     EXPECT_EQ(beyondBlack.red.front(), 0.0F);
     EXPECT_EQ(beyondBlack.red.back(), -0.5F);

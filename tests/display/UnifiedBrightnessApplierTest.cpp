@@ -56,8 +56,8 @@ TEST_F(UnifiedBrightnessApplierTest, CurveWithABacklight) {
     }
 }
 
-/// The bits of the levels that the formulas give when they are worked out by hand: in decimal
-/// fractions, rounded to double and then to single precision.
+/// The bits of the levels, calculated by hand from the formulas: in decimal fractions, rounded to
+/// double and then to single precision.
 TEST_F(UnifiedBrightnessApplierTest, LevelsAreRoundedToSinglePrecisionOnce) {
     plugBuiltIn();
     plugExternal();
@@ -93,7 +93,7 @@ TEST_F(UnifiedBrightnessApplierTest, BacklightRisesAndDimmingFallsEvenly) {
     settings().allowFullBlack.set(true);
     for (int thousandth = 0; thousandth <= 1000; ++thousandth) {
         applier().apply(thousandth / 1000.0);
-        // From 100 to 1000 thousandths of the backlight over the upper half.
+        // The upper half maps to 100–1000 thousandths of the backlight.
         const auto level = thousandth < 500 ? 100.0 : 100 + (thousandth - 500) * 1.8;
         ASSERT_NEAR(backlight(), level / 1000, 1e-7) << thousandth;
         const auto expected = thousandth < 500 ? 1000 - 2 * thousandth : 0;
@@ -139,7 +139,7 @@ TEST_F(UnifiedBrightnessApplierTest, ChangeOfFullBlackWaitsForTheNextCall) {
     EXPECT_EQ(dimming(), 1.0F);
 }
 
-TEST_F(UnifiedBrightnessApplierTest, UnreadableBacklightIsLeftAloneAndTheSplitStays) {
+TEST_F(UnifiedBrightnessApplierTest, UnreadableBacklightIsNotWrittenAndTheSplitStays) {
     plugBuiltIn();
     plugExternal();
     desktop.displays.backlightReadFails = true;
@@ -172,7 +172,7 @@ TEST_F(UnifiedBrightnessApplierTest, FailingBacklightWriteIsIgnored) {
     EXPECT_EQ(dimming(), 0.5F);
 }
 
-TEST_F(UnifiedBrightnessApplierTest, ValuesOutsideTheRangeAreLimitedByTheClampsAlone) {
+TEST_F(UnifiedBrightnessApplierTest, ValuesOutsideTheRangeAreLimitedOnlyByTheClamps) {
     plugBuiltIn();
     plugExternal();
     start();
@@ -187,7 +187,7 @@ TEST_F(UnifiedBrightnessApplierTest, ValuesOutsideTheRangeAreLimitedByTheClampsA
     EXPECT_EQ(dimming(), 0.0F);
 }
 
-TEST_F(UnifiedBrightnessApplierTest, TheListIsReadFreshAtEachCall) {
+TEST_F(UnifiedBrightnessApplierTest, ListIsReadAgainAtEachCall) {
     plugBuiltIn();
     start();
     plugExternal();

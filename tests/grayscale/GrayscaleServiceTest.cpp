@@ -20,7 +20,7 @@ protected:
     }
     float saturation() { return gamma().currentSaturation().at(external); }
 
-    /// The calls that switch, without the tables that are written between them.
+    /// The calls that switch the filter, without the tables written in between.
     Calls switches() {
         Calls found;
         for (const auto& call : calls()) {
@@ -44,7 +44,7 @@ TEST_F(GrayscaleServiceTest, ConstructionLooksForTheEntryPointAndTheFilter) {
     EXPECT_TRUE(calls("close").empty());
 }
 
-TEST_F(GrayscaleServiceTest, FilterThatIsOnAlreadyIsRecognised) {
+TEST_F(GrayscaleServiceTest, FilterThatIsAlreadyOnIsDetected) {
     desktop.filter.isOn = true;
     desktop.filter.type = 1;
     EXPECT_TRUE(grayscale().isEnabled());
@@ -99,7 +99,7 @@ TEST_F(GrayscaleServiceTest, FadeInHasSixteenValuesAndThenTheFilter) {
     const auto before = calls("setDisplayTransferByTable").size();
     EXPECT_EQ(before, 15U);
     desktop.runLoop.advance(1ms);
-    EXPECT_EQ(calls("setDisplayTransferByTable").size(), 17U) << "the last step, and full colour";
+    EXPECT_EQ(calls("setDisplayTransferByTable").size(), 17U) << "the last step, and full color";
     EXPECT_EQ(switches(), on);
     EXPECT_EQ(saturation(), 1.0F) << "the filter does the graying now";
     desktop.runLoop.advance(1s);
@@ -127,7 +127,7 @@ TEST_F(GrayscaleServiceTest, SaturationFadesBetweenAnyTwoValuesAndThenCompletes)
     }
     EXPECT_EQ(completions, 1);
     EXPECT_EQ(calls("setDisplayTransferByTable").size(), 16U);
-    EXPECT_TRUE(switches().empty()) << "a fade alone leaves the filter as it is";
+    EXPECT_TRUE(switches().empty()) << "a fade alone does not change the filter";
 }
 
 TEST_F(GrayscaleServiceTest, FadeThatIsReplacedNeverCompletes) {

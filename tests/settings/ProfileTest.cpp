@@ -33,7 +33,7 @@ TEST_F(ProfileTest, EverydayIsWhatTheSettingsStartWith) {
     EXPECT_EQ(everyday().breakInterval, settings().breakIntervalMinutes.get());
 }
 
-TEST_F(ProfileTest, IdsAreMadeOnceARunAndNewInTheNext) {
+TEST_F(ProfileTest, IdsAreMadeOncePerRunAndNewInTheNext) {
     const auto id = everyday().id;
     EXPECT_EQ(Profile::builtInProfiles()[0].id, id) << "one constant for the process";
     settings().applyProfile(everyday());
@@ -76,7 +76,7 @@ TEST_F(ProfileTest, JsonHasExactlyTheEightFieldsAndReadsBack) {
     EXPECT_EQ(json.get<Profile>(), everyday());
 }
 
-TEST_F(ProfileTest, ProfileOfTheUsersOwnKeepsEveryValueInJson) {
+TEST_F(ProfileTest, CustomProfileKeepsEveryValueInJson) {
     const Profile reading{.id = desktop.uuidSource.makeUuid(),
                           .name = "Lesen \"spät\"",
                           .brightness = 0.1,
@@ -91,7 +91,7 @@ TEST_F(ProfileTest, ProfileOfTheUsersOwnKeepsEveryValueInJson) {
     EXPECT_EQ(nlohmann::json::parse(json.dump()).get<Profile>(), reading);
 }
 
-TEST_F(ProfileTest, NumberThatItsFieldCannotHoldIsRefused) {
+TEST_F(ProfileTest, NumberThatDoesNotFitItsFieldIsRefused) {
     nlohmann::json const good = everyday();
     const auto read = [&](const char* key, const char* number) {
         auto json = good;
@@ -115,11 +115,11 @@ TEST_F(ProfileTest, NumberThatItsFieldCannotHoldIsRefused) {
     EXPECT_EQ(read("breakInterval", "9223372036854775807").breakInterval,
               std::numeric_limits<std::int64_t>::max());
     EXPECT_EQ(read("breakInterval", "-3").breakInterval, -3) << "read as it is";
-    EXPECT_EQ(read("brightness", "1").brightness, 1.0) << "a whole number is a fraction too";
+    EXPECT_EQ(read("brightness", "1").brightness, 1.0) << "a whole number is a valid fraction";
     EXPECT_EQ(read("warmth", "7.5").warmth, 7.5) << "read as it is";
 }
 
-TEST_F(ProfileTest, JsonThatIsNoProfileIsRefused) {
+TEST_F(ProfileTest, JsonThatIsNotAProfileIsRefused) {
     nlohmann::json const good = everyday();
     for (const auto& [key, value] : good.items()) {
         auto json = good;

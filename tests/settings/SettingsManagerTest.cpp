@@ -18,7 +18,7 @@ using Calls = std::vector<std::string>;
 constexpr auto lowerCaseId = "0f8fad5b-d9cb-469f-a165-70867728950e";
 constexpr auto canonicalId = "0F8FAD5B-D9CB-469F-A165-70867728950E";
 
-/// A setting with the key and the default that the declaration must have.
+/// A setting with its expected key and default.
 template <class T>
 struct Row {
     Setting<T> SettingsManager::*setting;
@@ -50,7 +50,7 @@ void forEachRow(const auto& action) {
     std::apply([&](const auto&... row) { (action(row), ...); }, rows);
 }
 
-/// What reads a setting of a type from the store.
+/// The trace of the store's getter for the type of a setting.
 std::string getter(const Row<double>& /*row*/) {
     return "doubleForKey";
 }
@@ -64,7 +64,7 @@ std::string getter(const auto& /*row*/) {
     return "stringForKey";
 }
 
-/// The keys that a reset writes, in its order.
+/// The keys that a reset writes, in order.
 Calls keysOfReset() {
     Calls keys;
     forEachRow([&](const auto& row) {
@@ -166,7 +166,7 @@ TEST_F(SettingsManagerTest, WriteIsPublishedBeforeItIsPersisted) {
     EXPECT_EQ(stored().doubleForKey("unifiedBrightness"), 0.3);
 }
 
-TEST_F(SettingsManagerTest, WriteMadeBySubscriberIsWhatIsPersistedLast) {
+TEST_F(SettingsManagerTest, WriteOfASubscriberIsPersistedLast) {
     const auto subscription = settings().unifiedBrightness.subscribe([&](double value) {
         if (value > 1) {
             settings().unifiedBrightness.set(1);
@@ -191,13 +191,13 @@ TEST_F(SettingsManagerTest, StoredProfileIdIsRewrittenInCanonicalForm) {
     EXPECT_EQ(stored().stringForKey("activeProfileId"), canonicalId);
 }
 
-TEST_F(SettingsManagerTest, StoredProfileIdThatIsNoneIsRemoved) {
+TEST_F(SettingsManagerTest, InvalidStoredProfileIdIsRemoved) {
     stored().set("activeProfileId", "everyday");
     EXPECT_EQ(settings().activeProfileId.get(), std::nullopt);
     EXPECT_FALSE(stored().stored().contains("activeProfileId"));
 }
 
-TEST_F(SettingsManagerTest, ResetChangesEachSettingSeparatelyAndLeavesFirstLaunchAlone) {
+TEST_F(SettingsManagerTest, ResetChangesEachSettingSeparatelyExceptFirstLaunch) {
     settings().isFirstLaunch.set(false);
     settings().unifiedBrightness.set(0.1);
     settings().menuBarIcon.set(MenuBarIcon::leaf);

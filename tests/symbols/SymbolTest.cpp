@@ -91,7 +91,7 @@ TEST(Symbol, NoneIsCutOff) {
     }
 }
 
-TEST(Symbol, HasTheColorAskedForAndNoOther) {
+TEST(Symbol, HasOnlyTheRequestedColor) {
     for (const auto& name : allNames()) {
         const auto image = drawn(name, 64);
         bool isSolidSomewhere = false;
@@ -110,11 +110,11 @@ TEST(Symbol, HasTheColorAskedForAndNoOther) {
 
 TEST(Symbol, TickOfTheFilledDiscIsAHole) {
     const auto image = drawn("checkmark.circle.fill", 96);
-    EXPECT_EQ(qAlpha(image.pixel(96 * 107 / 240, 96 * 155 / 240)), 0) << "where the tick turns";
+    EXPECT_EQ(qAlpha(image.pixel(96 * 107 / 240, 96 * 155 / 240)), 0) << "the corner of the tick";
     EXPECT_EQ(qAlpha(image.pixel(48, 16)), 255);
 }
 
-TEST(Symbol, UnknownOneIsNotDrawn) {
+TEST(Symbol, UnknownNameIsNotDrawn) {
     for (const QString name : {"no such symbol", "", "symbols/eye"}) {
         EXPECT_FALSE(hasSymbol(name)) << name.toStdString();
         EXPECT_TRUE(isEmpty(drawn(name, 32))) << name.toStdString();
@@ -122,7 +122,7 @@ TEST(Symbol, UnknownOneIsNotDrawn) {
     EXPECT_TRUE(hasSymbol("eye"));
 }
 
-TEST(Symbol, PlaceWithoutAreaIsLeftAlone) {
+TEST(Symbol, EmptyPlaceIsNotPainted) {
     auto image = blank({8, 8});
     QPainter painter(&image);
     drawSymbol(painter, QRectF(2, 2, 0, 4), "eye", ink);
@@ -149,7 +149,7 @@ TEST(Symbol, LiesOnWholePixelsAtEveryRatio) {
     }
 }
 
-TEST(Symbol, LeavesThePainterAsItWas) {
+TEST(Symbol, DoesNotChangeThePainter) {
     auto image = blank({32, 32});
     image.setDevicePixelRatio(2);
     QPainter painter(&image);

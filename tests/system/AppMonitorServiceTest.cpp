@@ -41,7 +41,7 @@ TEST_F(AppMonitorServiceTest, ActivationIsPublished) {
     EXPECT_EQ(appMonitor().frontmostApp.get(), player);
 }
 
-TEST_F(AppMonitorServiceTest, ActivationThatNamesNobodyChangesNothing) {
+TEST_F(AppMonitorServiceTest, ActivationWithoutAnApplicationChangesNothing) {
     activateWith(Windows{{1920, 1080}});
     ASSERT_TRUE(isFullscreen());
     desktop.workspace.windows = Windows{};
@@ -50,7 +50,7 @@ TEST_F(AppMonitorServiceTest, ActivationThatNamesNobodyChangesNothing) {
     EXPECT_TRUE(isFullscreen());
 }
 
-TEST_F(AppMonitorServiceTest, WindowOfExactlyTheMainScreensSizeIsFullScreenWhoeversItIs) {
+TEST_F(AppMonitorServiceTest, WindowOfExactlyTheMainScreensSizeIsFullScreenWhoeverOwnsIt) {
     for (const auto& windows : {Windows{{1920, 1080}}, Windows{{300, 200}, {1920, 1080}}}) {
         activateWith(Windows{});
         EXPECT_FALSE(isFullscreen());
@@ -69,7 +69,7 @@ TEST_F(AppMonitorServiceTest, WindowOfAnotherSizeOrNoneIsNot) {
     }
 }
 
-TEST_F(AppMonitorServiceTest, ListThatCannotBeReadLeavesTheFlag) {
+TEST_F(AppMonitorServiceTest, ListThatCannotBeReadDoesNotChangeTheFlag) {
     activateWith(Windows{{1920, 1080}});
     activateWith(std::nullopt);
     EXPECT_TRUE(isFullscreen());
@@ -82,7 +82,7 @@ TEST_F(AppMonitorServiceTest, WithoutAMainScreenNoWindowCounts) {
     EXPECT_FALSE(isFullscreen());
 }
 
-TEST_F(AppMonitorServiceTest, TheProgramsOwnFullScreenWindowsTellByThemselves) {
+TEST_F(AppMonitorServiceTest, OwnFullScreenWindowsPostNotifications) {
     desktop.notificationCenter.post(windowDidEnterFullScreenNotification);
     EXPECT_TRUE(isFullscreen());
     desktop.notificationCenter.post(windowDidExitFullScreenNotification);

@@ -54,7 +54,7 @@ TEST_F(FeedbackServiceTest, AnyTextIsSentAsItIs) {
     }
 }
 
-TEST_F(FeedbackServiceTest, TwoHundredAloneIsSuccess) {
+TEST_F(FeedbackServiceTest, OnlyStatus200IsSuccess) {
     write("hello");
     for (const auto status : {201, 204, 302, 400, 404, 500, 0}) {
         feedback().send();
@@ -65,13 +65,13 @@ TEST_F(FeedbackServiceTest, TwoHundredAloneIsSuccess) {
         EXPECT_EQ(feedback().message.get(), "hello") << "the form is kept";
     }
     feedback().send();
-    EXPECT_EQ(error(), "") << "cleared when it is sent anew";
+    EXPECT_EQ(error(), "") << "cleared when it is sent again";
     desktop.urlSession.answer({.statusCode = 200});
     EXPECT_TRUE(feedback().sent.get());
     EXPECT_EQ(error(), "");
 }
 
-TEST_F(FeedbackServiceTest, ErrorOfTheNetworkIsShownInItsWords) {
+TEST_F(FeedbackServiceTest, NetworkErrorIsShownAsItIs) {
     write("hello");
     feedback().send();
     desktop.urlSession.answer({.error = "Host not found"});
@@ -79,7 +79,7 @@ TEST_F(FeedbackServiceTest, ErrorOfTheNetworkIsShownInItsWords) {
     EXPECT_FALSE(feedback().isSending.get());
 }
 
-TEST_F(FeedbackServiceTest, NothingIsSentOfNothingOrTwice) {
+TEST_F(FeedbackServiceTest, EmptyMessageAndSecondMessageAreNotSent) {
     write(" \n ");
     feedback().send();
     EXPECT_TRUE(calls("dataTask").empty());
@@ -89,7 +89,7 @@ TEST_F(FeedbackServiceTest, NothingIsSentOfNothingOrTwice) {
     EXPECT_EQ(calls("dataTask").size(), 1U);
 }
 
-TEST_F(FeedbackServiceTest, WithoutAnAddressOrWithATextThatIsNoneNothingCanBePrepared) {
+TEST_F(FeedbackServiceTest, WithoutAnAddressOrWithInvalidTextNothingCanBePrepared) {
     FeedbackService nowhere(desktop.urlSession, "");
     nowhere.message.set("hello");
     nowhere.send();
@@ -111,7 +111,7 @@ TEST_F(FeedbackServiceTest, AnotherMessageBeginsEmptyAndKeepsTheAddress) {
     EXPECT_EQ(feedback().email.get(), "me@example.org");
 }
 
-TEST_F(FeedbackServiceTest, ProgramThatEndsIsToldNothing) {
+TEST_F(FeedbackServiceTest, AnswerAfterTheEndOfTheProgramIsIgnored) {
     write("hello");
     feedback().send();
     dropProgram();

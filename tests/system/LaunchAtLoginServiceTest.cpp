@@ -7,7 +7,7 @@ namespace {
 
 class LaunchAtLoginServiceTest : public TestDesktop {
 protected:
-    /// What the service says on standard output while `action` runs.
+    /// What the service prints on standard output while `action` runs.
     template <class Action>
     std::string said(Action action) {
         testing::internal::CaptureStdout();
@@ -26,12 +26,12 @@ TEST_F(LaunchAtLoginServiceTest, OnlyTheEnabledStatusReadsAsOn) {
     }
 }
 
-TEST_F(LaunchAtLoginServiceTest, StatusIsReadOnceAndTheSettingPlaysNoPart) {
+TEST_F(LaunchAtLoginServiceTest, StatusIsReadOnceAndTheSettingIsNotUsed) {
     settings().launchAtLogin.set(true);
     EXPECT_FALSE(launchAtLogin().isEnabled.get());
     launchAtLogin().enable();
     EXPECT_TRUE(launchAtLogin().isEnabled.get());
-    desktop.loginItem.present = LoginItem::Status::notRegistered; // in the desktop's own tool
+    desktop.loginItem.present = LoginItem::Status::notRegistered; // in the desktop's settings
     EXPECT_TRUE(launchAtLogin().isEnabled.get());
     settings().resetToDefaults();
     EXPECT_EQ(calls("loginItem"),

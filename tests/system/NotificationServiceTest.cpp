@@ -19,7 +19,7 @@ protected:
         settings().breakTimerEnabled.set(true);
         settings().breakIntervalMinutes.set(1);
     }
-    /// Launches and serves the answer to the question.
+    /// Launches and delivers the answer to the authorization request.
     std::string printedAtLaunch() {
         ::testing::internal::CaptureStdout();
         launch();
@@ -34,7 +34,7 @@ TEST_F(NotificationServiceTest, RegistersTheCategoryWithItsTwoButtons) {
               (std::vector<UserNotificationCategory>{
                   {"BREAK_REMINDER", {{"SKIP_BREAK", "Skip"}, {"SNOOZE_BREAK", "Snooze 5 min"}}}}));
     EXPECT_EQ(calls("requestAuthorization"), std::vector<std::string>{"requestAuthorization 6"});
-    EXPECT_TRUE(desktop.notifications.shown.empty()) << "the program posts none";
+    EXPECT_TRUE(desktop.notifications.shown.empty()) << "the program posts no notifications";
 }
 
 TEST_F(NotificationServiceTest, FailureIsPrintedAndARefusalIsNot) {
@@ -72,7 +72,7 @@ TEST_F(NotificationServiceTest, ButtonsActOnTheBreakAndOnNothingElse) {
     EXPECT_EQ(breakTimer().statistics.get().skippedBreaks, 1);
 }
 
-TEST_F(NotificationServiceTest, NothingIsHeardOnceTheProgramHasEnded) {
+TEST_F(NotificationServiceTest, ResponseAfterTheEndOfTheProgramIsIgnored) {
     launch();
     quit();
     dropProgram();

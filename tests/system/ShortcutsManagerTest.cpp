@@ -48,8 +48,8 @@ TEST_F(ShortcutsManagerTest, EachPressIsAppliedTwiceWithTheSameValue) {
     const auto written = calls("set");
     ASSERT_EQ(written.size(), 3U);
     EXPECT_TRUE(written[0].starts_with("setDisplayTransferByTable")) << "by the subscription";
-    EXPECT_EQ(written[1], "setDouble unifiedBrightness") << "written before it is handed over";
-    EXPECT_EQ(written[2], written[0]) << "handed over";
+    EXPECT_EQ(written[1], "setDouble unifiedBrightness") << "written before the direct call";
+    EXPECT_EQ(written[2], written[0]) << "the direct call";
     EXPECT_FLOAT_EQ(shownDimming(external), 1 - 0.6875F);
 }
 
@@ -77,7 +77,7 @@ TEST_F(ShortcutsManagerTest, MonitoringTwiceInstallsOneTap) {
     EXPECT_EQ(calls("createKeyDownTap").size(), 1U);
 }
 
-TEST_F(ShortcutsManagerTest, RefusedTapIsSaidOnStandardOutput) {
+TEST_F(ShortcutsManagerTest, RefusedTapIsReportedOnStandardOutput) {
     desktop.keyboard.tapIsRefused = true;
     ::testing::internal::CaptureStdout();
     shortcuts().startMonitoring();

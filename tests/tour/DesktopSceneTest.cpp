@@ -49,7 +49,7 @@ protected:
         view.show();
         QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, view.mapFromScene(place));
     }
-    /// How many pixels of a display two pictures differ in, in parts of all.
+    /// The fraction of the pixels in which two pictures differ.
     static double difference(const QImage& a, const QImage& b) {
         int count = 0;
         for (int y = 0; y < a.height(); ++y) {
@@ -71,7 +71,7 @@ protected:
     static constexpr QPointF statusItem{800 - 96 - 17, 14};
 };
 
-TEST_F(DesktopSceneTest, EveryDisplayIsPaintedInItsOwnSize) {
+TEST_F(DesktopSceneTest, EveryDisplayIsPaintedAtItsOwnSize) {
     EXPECT_EQ(scene->picture(builtIn).size(), QSize(800, 600));
     EXPECT_EQ(scene->picture(external).size(), QSize(640, 480));
     EXPECT_EQ(difference(scene->picture(external), scene->picture(external)), 0) << "the same";
@@ -83,13 +83,13 @@ TEST_F(DesktopSceneTest, PopoverIsOpenedByTheStatusItemAndClosedElsewhere) {
     clickAt(statusItem);
     ASSERT_TRUE(desktop.popover.isShown());
     EXPECT_GT(difference(before, scene->picture(builtIn)), 0.1);
-    EXPECT_EQ(difference(beside, scene->picture(external)), 0) << "it is wholly on its display";
+    EXPECT_EQ(difference(beside, scene->picture(external)), 0) << "it is entirely on its display";
     clickAt({20, 14});
     EXPECT_FALSE(desktop.popover.isShown());
     EXPECT_EQ(difference(before, scene->picture(builtIn)), 0);
 }
 
-TEST_F(DesktopSceneTest, ControlsOfThePopoverAreAlive) {
+TEST_F(DesktopSceneTest, ControlsOfThePopoverWork) {
     desktop.statusBar.click();
     scene->refresh();
     const auto before = scene->picture(external);
@@ -106,16 +106,16 @@ TEST_F(DesktopSceneTest, ControlsOfThePopoverAreAlive) {
         return std::abs(qRed(sky) - qBlue(sky));
     };
     EXPECT_GT(colorOfSky(before), 40);
-    EXPECT_LT(colorOfSky(gray), 6) << "but for the white point";
+    EXPECT_LT(colorOfSky(gray), 6) << "apart from the white point";
     EXPECT_GT(difference(before, gray), 0.5);
 }
 
-TEST_F(DesktopSceneTest, BrightnessIsSeenOnEveryDisplay) {
+TEST_F(DesktopSceneTest, BrightnessShowsOnEveryDisplay) {
     const auto brightBuiltIn = brightest(scene->picture(builtIn));
     const auto brightExternal = brightest(scene->picture(external));
     settings().unifiedBrightness.set(0.6);
     EXPECT_LT(brightest(scene->picture(builtIn)), brightBuiltIn) << "the backlight";
-    EXPECT_EQ(brightest(scene->picture(external)), brightExternal) << "which it has not";
+    EXPECT_EQ(brightest(scene->picture(external)), brightExternal) << "it has no backlight";
     settings().unifiedBrightness.set(0.25);
     EXPECT_NEAR(brightest(scene->picture(external)), brightExternal / 2.0, 2);
 }

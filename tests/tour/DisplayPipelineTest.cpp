@@ -11,7 +11,7 @@ class DisplayPipelineTest : public TestDesktop {
 protected:
     bool isGray = false;
 
-    /// What is seen of one color.
+    /// The visible color for a color that is sent.
     QColor seen(DisplayId id, const QColor& sent) {
         QImage picture(3, 2, QImage::Format_RGB32);
         picture.fill(sent);
@@ -36,7 +36,7 @@ TEST_F(DisplayPipelineTest, FactoryTablesAndFullLightChangeNothing) {
     }
 }
 
-TEST_F(DisplayPipelineTest, TablesOfTheProgramAreWhatIsSeen) {
+TEST_F(DisplayPipelineTest, TablesOfTheProgramAreVisible) {
     plugExternal();
     startAt(0.5);
     const auto& display = desktop.displays.display(external);
@@ -57,10 +57,10 @@ TEST_F(DisplayPipelineTest, BacklightDimsTheLightAndNotTheLevel) {
     EXPECT_EQ(seen(builtIn, Qt::black), QColor(Qt::black));
     plugExternal();
     desktop.displays.display(external).backlight = 0.5F;
-    EXPECT_EQ(seen(external, Qt::white), QColor(Qt::white)) << "it has none of its own";
+    EXPECT_EQ(seen(external, Qt::white), QColor(Qt::white)) << "it has no backlight";
 }
 
-TEST_F(DisplayPipelineTest, FilterTakesTheColorAwayBeforeTheTables) {
+TEST_F(DisplayPipelineTest, FilterRemovesTheColorBeforeTheTables) {
     plugExternal();
     isGray = true;
     EXPECT_EQ(seen(external, Qt::white), QColor(Qt::white));
@@ -71,7 +71,7 @@ TEST_F(DisplayPipelineTest, FilterTakesTheColorAwayBeforeTheTables) {
     settings().warmthLevel.set(1);
     launch();
     const auto warm = seen(external, Qt::white);
-    EXPECT_GT(warm.red(), warm.blue()) << "gray is warm where the tables are";
+    EXPECT_GT(warm.red(), warm.blue()) << "gray is warm if the tables are";
 }
 
 } // namespace

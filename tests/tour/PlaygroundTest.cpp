@@ -49,7 +49,7 @@ TEST_F(PlaygroundTest, ToolsActOnTheDesktop) {
     EXPECT_EQ(live.desktop.displays.all().size(), 2U);
 }
 
-TEST_F(PlaygroundTest, TimeRunsAsFastAsOneLikes) {
+TEST_F(PlaygroundTest, TimeRunsAtTheChosenSpeed) {
     auto& speed = *playground.findChild<QComboBox*>();
     QTest::keyClick(&speed, Qt::Key_End);
     EXPECT_EQ(speed.currentText(), "3600×");

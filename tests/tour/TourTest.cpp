@@ -14,7 +14,7 @@ namespace {
 
 constexpr auto centralEurope = "CET-1CEST,M3.5.0,M10.5.0/3";
 
-/// How many pictures a day leaves in the folder.
+/// Returns the number of pictures of a day.
 std::size_t spendADayIn(const std::string& folder) {
     Tour tour(QString::fromStdString(folder));
     spendADay(tour);
@@ -45,7 +45,7 @@ TEST(Tour, DayIsAsPromisedAndTheSameEveryTime) {
     EXPECT_EQ(files, pictures + 2) << "the page and the trace";
 }
 
-TEST(Tour, PromiseThatDoesNotHoldFailsIt) {
+TEST(Tour, UnmetExpectationFailsIt) {
     const TemporaryFolder folder;
     Tour tour(QString::fromStdString(folder.path()));
     tour.launch();

@@ -18,7 +18,7 @@ protected:
     }
 };
 
-TEST_F(AboutPreferencesViewTest, SaysWhichNoctaThisIs) {
+TEST_F(AboutPreferencesViewTest, ShowsTheVersion) {
     openAbout();
     EXPECT_EQ(tabs().tabText(tabs().currentIndex()), "About");
     EXPECT_TRUE(shows("Version 1.2.3 (45)"));
@@ -34,7 +34,7 @@ TEST_F(AboutPreferencesViewTest, TogglesWriteStraightToTheUpdater) {
     EXPECT_TRUE(desktop.updater.downloadsAutomatically);
     click("autoCheckToggle");
     EXPECT_FALSE(desktop.updater.checksAutomatically);
-    EXPECT_TRUE(desktop.userDefaults.table.stored().empty()) << "they are no settings";
+    EXPECT_TRUE(desktop.userDefaults.table.stored().empty()) << "they are not in the settings";
 }
 
 TEST_F(AboutPreferencesViewTest, TogglesAreReadWheneverTheTabAppears) {
@@ -49,7 +49,7 @@ TEST_F(AboutPreferencesViewTest, TogglesAreReadWheneverTheTabAppears) {
     EXPECT_TRUE(autoDownload().isChecked());
 }
 
-TEST_F(AboutPreferencesViewTest, CheckIsStartedWhereItCanBe) {
+TEST_F(AboutPreferencesViewTest, CheckIsStartedIfItIsPossible) {
     openAbout();
     EXPECT_FALSE(check().isEnabled());
     desktop.updater.canCheckForUpdates.set(true);
@@ -59,7 +59,7 @@ TEST_F(AboutPreferencesViewTest, CheckIsStartedWhereItCanBe) {
     EXPECT_FALSE(check().isEnabled());
 }
 
-TEST_F(AboutPreferencesViewTest, WhatKeepsItFromCheckingIsSaid) {
+TEST_F(AboutPreferencesViewTest, ReasonWhyItCannotCheckIsShown) {
     for (const auto& [availability, reason] :
          {std::pair{Updater::Availability::noFeed,
                     "This build of Nocta does not know where to look for updates."},
@@ -71,7 +71,7 @@ TEST_F(AboutPreferencesViewTest, WhatKeepsItFromCheckingIsSaid) {
         EXPECT_TRUE(shows(reason));
         click("autoCheckToggle");
     }
-    EXPECT_EQ(calls("setAutomaticallyChecksForUpdates").size(), 2U) << "they go on writing";
+    EXPECT_EQ(calls("setAutomaticallyChecksForUpdates").size(), 2U) << "they still write";
 }
 
 } // namespace

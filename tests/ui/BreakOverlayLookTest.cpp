@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-// What the cover of a break shows, from its picture.
+// Checks the look of a break's cover in its picture.
 
 namespace nocta {
 namespace {
@@ -25,8 +25,8 @@ struct DrawnText {
     QPointF place;
 };
 
-/// Takes down the texts that are painted on it, with their fonts: two weights may look the same in
-/// the font that a machine has.
+/// Records the texts that are painted on it and their fonts, because two weights may look the same
+/// in the fonts of a machine.
 class TextRecorder final : public QPaintDevice {
 public:
     explicit TextRecorder(QSize size) : size_(size) {}
@@ -87,8 +87,8 @@ protected:
         ShownBreak::SetUp();
     }
 
-    /// With a transparent ground, so that opacities can be told. Its colors are premultiplied: red
-    /// is how much white there is.
+    /// Has a transparent background, so that opacities can be measured. Its colors are
+    /// premultiplied: red is the amount of white.
     QImage picture() {
         QImage picture(view->size(), QImage::Format_ARGB32_Premultiplied);
         picture.fill(Qt::transparent);
@@ -114,7 +114,7 @@ protected:
         return {};
     }
 
-    /// The white on the middle of the ring's line, at so many degrees after twelve o'clock.
+    /// The white at the middle of the ring's line, at `degrees` clockwise from the top.
     int onRing(const QImage& picture, double degrees, double radius = 50) {
         const auto angle = degrees * std::numbers::pi / 180;
         const auto center = QRectF(QRect(ring().mapTo(&*view, QPoint()), ring().size())).center();
@@ -124,7 +124,7 @@ protected:
     }
     void expectRing(double progress) {
         const auto now = picture();
-        constexpr double cap = 4; // degrees that the round ends reach beyond, and a pixel
+        constexpr double cap = 4; // degrees: the round end and one pixel
         for (double degrees = cap; degrees <= 360 - cap; degrees += 1) {
             const auto end = 360 * progress;
             if (std::abs(degrees - end) > cap) {
@@ -133,7 +133,7 @@ protected:
         }
     }
 
-    /// What is filled of a button, found in the picture from the middle of its left padding.
+    /// The filled area of a button, found in the picture from the middle of its left padding.
     QRect bodyOf(QPushButton& button, const QImage& picture, int fill) {
         const auto place = QRect(button.mapTo(&*view, QPoint()), button.size());
         const auto start = QPoint(place.left() + 14, place.center().y());
@@ -147,14 +147,14 @@ protected:
         };
         const auto top = reach({0, -1}).y();
         const auto left = reach({-1, 0}).x();
-        // The label is in the way of a walk to the right, not of one below it.
+        // Search to the right below the label, not through it.
         auto right = QPoint(start.x(), top + 9);
         while (red(picture, right + QPoint(1, 0)) >= fill - 1) {
             right += QPoint(1, 0);
         }
         return {QPoint(left, top), QPoint(right.x(), reach({0, 1}).y())};
     }
-    /// The label in the body font in the middle of the fill, pixel by pixel, but for the corners.
+    /// The label in the body font, centered in the fill, pixel by pixel except at the corners.
     void expectLabel(QPushButton& button, const QString& text, QColor fill, QColor ink) {
         const auto now = picture();
         const auto body = bodyOf(button, now, qRound(white * fill.alphaF()));
@@ -177,7 +177,7 @@ protected:
     }
 };
 
-TEST_F(BreakOverlayLookTest, BackdropIsBlackAtSevenTenthsUpToEveryEdge) {
+TEST_F(BreakOverlayLookTest, BackdropIsSeventyPercentBlackUpToEveryEdge) {
     const auto now = picture();
     for (const auto point : {QPoint(0, 0), QPoint(1279, 0), QPoint(0, 799), QPoint(1279, 799)}) {
         const auto pixel = raw(now, point);
@@ -216,7 +216,7 @@ TEST_F(BreakOverlayLookTest, ColumnIsInTheMiddleInItsOrder) {
     const auto drawn = texts();
     ASSERT_EQ(drawn.size(), 4U);
     const auto now = picture();
-    std::vector<int> rows; // that show anything, from top to bottom
+    std::vector<int> rows; // the rows that are not empty, from top to bottom
     for (int y = 0; y < now.height(); ++y) {
         bool isEmpty = true;
         for (int x = 0; isEmpty && x < now.width(); ++x) {
@@ -265,7 +265,7 @@ TEST_F(BreakOverlayLookTest, EyeIsOnTopAsLargeAsInAFontOfFiftyPoints) {
 
 TEST_F(BreakOverlayLookTest, RingClosesClockwiseFromTheTop) {
     expectRing(0);
-    EXPECT_NEAR(onRing(picture(), 0), faint, 2) << "nothing of the arc yet";
+    EXPECT_NEAR(onRing(picture(), 0), faint, 2) << "no arc yet";
     for (int second = 1; second <= 19; ++second) {
         desktop.runLoop.advance(1s);
         expectRing(second / 20.0);
@@ -311,7 +311,7 @@ TEST_F(BreakOverlayLookTest, SecondsAreThoseOfTheBreakInTheMiddleOfTheRing) {
     EXPECT_EQ(seconds(), "13s");
 }
 
-TEST_F(BreakOverlayLookTest, OtherStatesLeaveTheRingAndShowNoSeconds) {
+TEST_F(BreakOverlayLookTest, OtherStatesDoNotChangeTheRingAndShowNoSeconds) {
     desktop.runLoop.advance(5s);
     breakTimer().stop();
     EXPECT_EQ(seconds(), "0s");
@@ -339,7 +339,7 @@ TEST_F(BreakOverlayLookTest, ButtonsShowTheirLabels) {
     expectLabel(snooze(), "Snooze 5 min", Qt::white, Qt::black);
 }
 
-TEST_F(BreakOverlayLookTest, PressedButtonIsAsAWholeAtEightTenths) {
+TEST_F(BreakOverlayLookTest, WholePressedButtonHasAnOpacityOfEightTenths) {
     const auto before = picture();
     for (auto* const button : {&skip(), &snooze()}) {
         button->setDown(true);

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(BreakProgress, IsThePartOfTheBreakThatIsOver) {
+TEST(BreakProgress, IsTheElapsedFractionOfTheBreak) {
     EXPECT_EQ(breakProgress(20, 20), 0.0);
     EXPECT_EQ(breakProgress(15, 20), 0.25);
     EXPECT_EQ(breakProgress(0, 20), 1.0);
@@ -25,7 +25,7 @@ TEST(BreakProgress, IsThePartOfTheBreakThatIsOver) {
     }
 }
 
-TEST(SecondsLeft, AreThoseOfABreakAndZeroOtherwise) {
+TEST(SecondsLeft, AreZeroOutsideOfABreak) {
     EXPECT_EQ(secondsLeft(Active{20}), 20);
     EXPECT_EQ(secondsLeft(Active{0}), 0);
     EXPECT_EQ(secondsLeft(Counting{1200}), 0);
@@ -77,7 +77,7 @@ TEST_F(BreakOverlayViewTest, NoButtonHasTheKeyboardAtFirstAndTabGoesFromOneToThe
 TEST_F(BreakOverlayViewTest, RingEasesOverASecondToEachNewValue) {
     EXPECT_EQ(ring().progress(), 0.0);
     desktop.runLoop.advance(1s);
-    EXPECT_EQ(ring().progress(), 0.0) << "the first second has just gone by";
+    EXPECT_EQ(ring().progress(), 0.0) << "the first second has just passed";
     desktop.runLoop.advance(500ms);
     EXPECT_NEAR(ring().progress(), 0.025, 1e-9);
     desktop.runLoop.advance(499ms);
@@ -86,7 +86,7 @@ TEST_F(BreakOverlayViewTest, RingEasesOverASecondToEachNewValue) {
     EXPECT_NEAR(ring().progress(), 0.55, 0.002);
 }
 
-TEST_F(BreakOverlayViewTest, RingJumpsWhereMovementIsNotWanted) {
+TEST_F(BreakOverlayViewTest, RingJumpsIfMotionIsReduced) {
     desktop.workspace.reducesMotion = true;
     desktop.runLoop.advance(1s);
     EXPECT_EQ(ring().progress(), 0.05);
@@ -96,7 +96,7 @@ TEST_F(BreakOverlayViewTest, RingJumpsWhereMovementIsNotWanted) {
     EXPECT_EQ(ring().progress(), 0.1);
 }
 
-TEST_F(BreakOverlayViewTest, ScreenReaderIsToldEveryTenSecondsAtMost) {
+TEST_F(BreakOverlayViewTest, ScreenReaderGetsTheSecondsAtMostEveryTenSeconds) {
     EXPECT_EQ(ring().accessibleName(), "Seconds left: 20");
     QStringList told;
     for (int second = 0; second < 20; ++second) {

@@ -8,7 +8,7 @@
 
 namespace nocta {
 
-// How a failed comparison shows the texts.
+// Prints the texts of a failed comparison.
 void PrintTo(const QString& text, std::ostream* stream) {
     *stream << text.toStdString();
 }
@@ -79,7 +79,7 @@ TEST(Descriptions, CompletionRateIsOfAllBreaksAndTruncated) {
     EXPECT_EQ(rate(most, most), "100%");
 }
 
-TEST(Descriptions, ProfileSaysWhenItCallsForBreaks) {
+TEST(Descriptions, ProfileSaysHowOftenItHasBreaks) {
     Profile profile;
     profile.breakInterval = 25;
     EXPECT_EQ(breakSummary(profile), "Off");
@@ -87,7 +87,7 @@ TEST(Descriptions, ProfileSaysWhenItCallsForBreaks) {
     EXPECT_EQ(breakSummary(profile), "Every 25 min");
 }
 
-TEST(Descriptions, OnlyAYesIsAGrant) {
+TEST(Descriptions, OnlyAuthorizedStatusesAreGranted) {
     EXPECT_TRUE(isGranted(AuthorizationStatus::authorized));
     EXPECT_TRUE(isGranted(AuthorizationStatus::authorizedWhenInUse));
     for (const auto status : {AuthorizationStatus::notDetermined, AuthorizationStatus::restricted,

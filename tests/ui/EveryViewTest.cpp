@@ -1,5 +1,5 @@
-// What holds for every view: nothing is cut off or left untranslated, every control can be reached
-// and has a name, in any language and direction.
+// Rules for every view: nothing is cut off or left untranslated, every control can be reached and
+// has a name, in any language and direction.
 
 #include "support/Face.h"
 #include "tour/PseudoLocale.h"
@@ -80,7 +80,7 @@ std::vector<Place> places() {
 class EveryViewTest : public Face {
 protected:
     void SetUp() override {
-        settings().grayscaleEnabled.set(true); // shows one note more
+        settings().grayscaleEnabled.set(true); // shows another note
     }
     void TearDown() override {
         Face::TearDown();
@@ -98,7 +98,7 @@ protected:
         }
     }
 
-    /// What the toolkit puts together by itself.
+    /// Whether the toolkit made the widget as a part of a control.
     static bool isPartOfAControl(const QWidget& child) {
         const auto* const parent = child.parentWidget();
         return qobject_cast<const QComboBox*>(parent) != nullptr ||
@@ -185,7 +185,7 @@ struct WindowCounter : QObject {
     }
 };
 
-TEST_F(EveryViewTest, NothingIsAWindowOfItsOwnWhileTheViewIsMade) {
+TEST_F(EveryViewTest, NothingIsATopLevelWindowWhileTheViewIsMade) {
     for (const auto& place : places()) {
         const WindowCounter windows;
         const auto made = place.make(realViews, desktop.updater);
@@ -243,7 +243,7 @@ TEST_F(EveryViewTest, EveryControlHasANameARoleAndAFocus) {
     });
 }
 
-TEST_F(EveryViewTest, TabGoesFromTheTopDownThroughEveryControl) {
+TEST_F(EveryViewTest, TabGoesFromTopToBottomThroughEveryControl) {
     settings().grayscaleEnabled.set(false);
     visitAll([this] {
         std::vector<QWidget*> way;
@@ -252,7 +252,7 @@ TEST_F(EveryViewTest, TabGoesFromTheTopDownThroughEveryControl) {
             ASSERT_NE(QApplication::focusWidget(), nullptr);
             way.push_back(QApplication::focusWidget());
         } while (way.size() < 60 && way.back() != way.front());
-        ASSERT_LT(way.size(), 60U) << "it never comes back";
+        ASSERT_LT(way.size(), 60U) << "Tab never returns to the first control";
         way.resize(way.size() > 1 ? way.size() - 1 : 1);
         std::ranges::rotate(way, std::ranges::min_element(way, {}, [this](const QWidget* control) {
                                 const auto place = control->mapTo(&widget(), QPoint());
@@ -281,11 +281,11 @@ TEST_F(EveryViewTest, LayoutsAreMirrored) {
     visitAll([this] { expectNothingIsCutOff(); });
 }
 
-TEST_F(EveryViewTest, ThemeThatChangesIsFollowed) {
+TEST_F(EveryViewTest, FollowsAChangeOfTheTheme) {
     open(realViews.makePopoverContentView([] {}), QSize(300, 280));
     const auto& status = control<QLabel>("breakStatus");
     const auto expectToFollow = [&] {
-        QCoreApplication::processEvents(); // the toolkit tells its widgets by them
+        QCoreApplication::processEvents(); // delivers the change of the palette
         EXPECT_EQ(status.palette().color(QPalette::WindowText),
                   secondaryColor(QApplication::palette()));
     };

@@ -57,14 +57,14 @@ TEST_F(FeedbackPreferencesViewTest, FailureIsShownAndTheFormIsKept) {
     EXPECT_TRUE(shows("Host not found"));
 }
 
-TEST_F(FeedbackPreferencesViewTest, HalfAMessageOutlivesItsWindow) {
+TEST_F(FeedbackPreferencesViewTest, UnfinishedMessageOutlivesItsWindow) {
     QTest::keyClicks(&message(), "Half a thou");
     view.reset();
     openTab();
     EXPECT_EQ(message().toPlainText(), "Half a thou");
 }
 
-TEST_F(FeedbackPreferencesViewTest, AnswerThatComesAfterTheWindowHasGoneHarmsNothing) {
+TEST_F(FeedbackPreferencesViewTest, AnswerAfterTheWindowHasClosedIsSafe) {
     QTest::keyClicks(&message(), "Dark is good.");
     click("sendButton");
     view.reset();

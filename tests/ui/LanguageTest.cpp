@@ -12,7 +12,7 @@
 namespace nocta {
 namespace {
 
-/// Remembers what is asked for, and translates nothing.
+/// Records the requested texts and translates nothing.
 class Recorder final : public QTranslator {
 public:
     mutable std::set<QString> asked;
@@ -99,11 +99,11 @@ TEST_F(LanguageTest, TranslatorsFindEveryTextThatIsShown) {
     for (const auto* const ofAPort : {"Preferences", "Welcome to Nocta", "Skip", "Snooze 5 min"}) {
         expected.insert(QString::fromUtf8(ofAPort));
     }
-    EXPECT_GT(expected.size(), 90U) << "the views were not seen";
+    EXPECT_GT(expected.size(), 90U) << "the views were not found";
     const auto found = textsInFile();
     for (const auto& text : expected) {
         EXPECT_TRUE(found.contains(text))
-            << text.toStdString() << ": bring the files up to date with the target translations";
+            << text.toStdString() << ": build the target translations to update the files";
     }
 }
 

@@ -44,14 +44,14 @@ TEST_F(OnboardingViewTest, FourStepsLeadToTheEndAndBack) {
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(OnboardingViewTest, KeyboardAloneLeadsThrough) {
+TEST_F(OnboardingViewTest, KeyboardIsEnoughForAllSteps) {
     for (int i = 0; i < 4; ++i) {
         QTest::keyClick(widget().focusWidget(), Qt::Key_Space);
     }
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(OnboardingViewTest, AllowAsksAndAGrantShowsTheMark) {
+TEST_F(OnboardingViewTest, AllowAsksAndAGrantShowsTheCheckMark) {
     goTo(1);
     EXPECT_TRUE(shows("(Optional)"));
     EXPECT_TRUE(shows("You can always change these in System Preferences."));
@@ -64,7 +64,7 @@ TEST_F(OnboardingViewTest, AllowAsksAndAGrantShowsTheMark) {
     EXPECT_TRUE(settings().locationEnabled.get());
 }
 
-TEST_F(OnboardingViewTest, RefusalLeavesTheButtonAndTurnsLocationOff) {
+TEST_F(OnboardingViewTest, RefusalKeepsTheButtonAndTurnsLocationOff) {
     settings().locationEnabled.set(true);
     goTo(1);
     click("allowButton");
@@ -82,13 +82,13 @@ TEST_F(OnboardingViewTest, CardSaysWhatItsProfileDoes) {
           "40%", "Warm", "Every 30 min", "Focus", "60%", "Cool", "Every 25 min", "Eye Relief"}) {
         EXPECT_TRUE(shows(text)) << text;
     }
-    EXPECT_EQ(shownTexts().count("Eye Relief"), 1) << "of the one that is gray";
+    EXPECT_EQ(shownTexts().count("Eye Relief"), 1) << "for the gray profile";
 }
 
 TEST_F(OnboardingViewTest, ChosenCardTakesEffectAtOnce) {
     plugExternal();
     settings().autoWarmthEnabled.set(false);
-    desktop.runLoop.advance(1s); // the glide into manual mode
+    desktop.runLoop.advance(1s); // the transition to manual mode
     goTo(2);
     for (const auto* const name : {"Everyday", "Night Owl", "Focus"}) {
         EXPECT_FALSE(button(name).isChecked()) << name;
@@ -104,7 +104,7 @@ TEST_F(OnboardingViewTest, ChosenCardTakesEffectAtOnce) {
     EXPECT_EQ(settings().unifiedBrightness.get(), 0.75);
 }
 
-TEST_F(OnboardingViewTest, ProfileLeavesAutomaticWarmthAlone) {
+TEST_F(OnboardingViewTest, ProfileDoesNotChangeAutomaticWarmth) {
     goTo(2);
     click("Night Owl");
     EXPECT_TRUE(settings().autoWarmthEnabled.get());

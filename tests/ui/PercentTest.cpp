@@ -17,7 +17,7 @@ TEST(Percent, FractionsAreTruncated) {
     EXPECT_EQ(wholePercent(0.58), 57);
 }
 
-TEST(PercentDeathTest, PercentageThatNoIntegerHoldsStopsTheProgram) {
+TEST(PercentDeathTest, PercentageThatDoesNotFitAnIntegerStopsTheProgram) {
     EXPECT_DEATH(wholePercent(1e300), "too large for an integer");
     EXPECT_DEATH(wholePercent(std::nan("")), "too large for an integer");
 }

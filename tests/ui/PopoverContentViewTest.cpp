@@ -25,7 +25,7 @@ protected:
     QString status() { return control<QLabel>("breakStatus").text(); }
     double brightness() { return settings().unifiedBrightness.get(); }
 
-    /// Where on a slider its knob is at that value.
+    /// The position of the knob on the slider at that value.
     static QPoint placeOf(const QSlider& slider, int percent) {
         constexpr int reach = 12; // half the knob, and the ring around it
         const auto way = slider.width() - 2 * reach;
@@ -68,7 +68,7 @@ TEST_F(PopoverContentViewTest, EveryStepShowsWhatItIs) {
 TEST_F(PopoverContentViewTest, DraggingTheKnobWritesOnceForEachStep) {
     const auto start = placeOf(slider(), 75);
     QTest::mousePress(&slider(), Qt::LeftButton, {}, start);
-    EXPECT_TRUE(calls("setDouble").empty()) << "nothing has moved yet";
+    EXPECT_TRUE(calls("setDouble").empty()) << "the knob has not moved yet";
     for (int percent = 74; percent >= 30; --percent) {
         QTest::mouseMove(&slider(), placeOf(slider(), percent));
     }
@@ -76,7 +76,7 @@ TEST_F(PopoverContentViewTest, DraggingTheKnobWritesOnceForEachStep) {
     EXPECT_EQ(brightness(), 0.3);
     EXPECT_EQ(calls("setDouble").size(), 45U);
     QTest::mouseMove(&slider(), placeOf(slider(), 80));
-    EXPECT_EQ(brightness(), 0.3) << "the button is up";
+    EXPECT_EQ(brightness(), 0.3) << "the mouse button is released";
 }
 
 TEST_F(PopoverContentViewTest, DragBeyondTheEndStopsThere) {
@@ -88,7 +88,7 @@ TEST_F(PopoverContentViewTest, DragBeyondTheEndStopsThere) {
     QTest::mouseRelease(&slider(), Qt::LeftButton);
 }
 
-TEST_F(PopoverContentViewTest, PressBesideTheKnobTakesItThere) {
+TEST_F(PopoverContentViewTest, PressBesideTheKnobMovesItThere) {
     QTest::mouseClick(&slider(), Qt::LeftButton, {}, placeOf(slider(), 20));
     EXPECT_EQ(brightness(), 0.2);
     QTest::mouseClick(&slider(), Qt::RightButton, {}, placeOf(slider(), 90));
@@ -156,7 +156,7 @@ TEST_F(PopoverContentViewTest, ArrowKeysChooseAmongTheSegments) {
     EXPECT_TRUE(button("Manual").hasFocus());
 }
 
-TEST_F(PopoverContentViewTest, EyeReliefFollowsAndWritesItsSettingAndLeavesTheWarmthAlone) {
+TEST_F(PopoverContentViewTest, EyeReliefFollowsAndWritesItsSettingAndDoesNotChangeTheWarmth) {
     click("Manual");
     click("grayscaleToggle");
     EXPECT_TRUE(settings().grayscaleEnabled.get());
@@ -184,7 +184,7 @@ TEST_F(PopoverContentViewTest, StatusLineFollowsTheTimer) {
     EXPECT_EQ(status(), "20m left");
 }
 
-TEST_F(PopoverContentViewTest, FooterLeadsOn) {
+TEST_F(PopoverContentViewTest, FooterButtonsWork) {
     click("preferencesButton");
     EXPECT_EQ(preferences, 1);
     launch();
@@ -192,7 +192,7 @@ TEST_F(PopoverContentViewTest, FooterLeadsOn) {
     EXPECT_EQ(calls("synchronize").size(), 1U) << "the program has ended";
 }
 
-TEST_F(PopoverContentViewTest, UpdatesAreCheckedForWhereTheyCanBe) {
+TEST_F(PopoverContentViewTest, UpdatesAreCheckedIfThatIsPossible) {
     EXPECT_FALSE(button("Check for Updates").isEnabled());
     desktop.updater.canCheckForUpdates.set(true);
     click("checkForUpdatesButton");
@@ -204,7 +204,7 @@ TEST_F(PopoverContentViewTest, UpdatesAreCheckedForWhereTheyCanBe) {
               "This build of Nocta does not know where to look for updates.");
 }
 
-/// Counts the texts that anybody asks for while it lives.
+/// Counts the texts that are requested while it lives.
 class TextCounter final : public QTranslator {
 public:
     mutable int texts = 0;
@@ -235,7 +235,7 @@ TEST_F(PopoverContentViewTest, ClosedViewFollowsNothing) {
     EXPECT_EQ(changeAll(), 0);
 }
 
-TEST_F(PopoverContentViewTest, WhatTheDesktopLacksIsSaidAndTheSettingIsWrittenAllTheSame) {
+TEST_F(PopoverContentViewTest, ToolTipSaysWhatTheDesktopLacksAndTheSettingIsStillWritten) {
     EXPECT_EQ(slider().toolTip(), "");
     desktop.displays.takesTables = false;
     open(realViews.makePopoverContentView([] {}), QSize(300, 280));

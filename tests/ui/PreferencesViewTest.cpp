@@ -46,7 +46,7 @@ TEST_F(PreferencesViewTest, TabsAreInOrder) {
     EXPECT_TRUE(shows("How It Works"));
 }
 
-TEST_F(PreferencesViewTest, LaunchToggleIsBoundToTheServiceAndSpringsBack) {
+TEST_F(PreferencesViewTest, LaunchToggleIsBoundToTheServiceAndRevertsOnFailure) {
     settings().launchAtLogin.set(true);
     EXPECT_FALSE(button("launchAtLoginToggle").isChecked());
     click("launchAtLoginToggle");
@@ -87,7 +87,7 @@ TEST_F(PreferencesViewTest, EyeReliefDisablesTheColorsAndSaysWhy) {
     EXPECT_TRUE(control("warmthSlider").isEnabled());
 }
 
-TEST_F(PreferencesViewTest, ResetMovesEveryOpenControlAndLeavesTheFirstLaunchAlone) {
+TEST_F(PreferencesViewTest, ResetMovesEveryOpenControlAndDoesNotChangeTheFirstLaunch) {
     settings().isFirstLaunch.set(false);
     settings().unifiedBrightness.set(0.1);
     settings().breakIntervalMinutes.set(45);
@@ -169,7 +169,7 @@ TEST_F(PreferencesViewTest, BreaksTabWritesItsSettings) {
     EXPECT_FALSE(settings().suspendDuringMeetings.get());
 }
 
-TEST_F(PreferencesViewTest, IntervalThatIsNotOfferedIsShownInItsPlace) {
+TEST_F(PreferencesViewTest, IntervalThatIsNotInTheListIsShownInItsPlace) {
     settings().breakIntervalMinutes.set(37);
     auto& list = picker("intervalPicker");
     EXPECT_EQ(list.currentText(), "Every 37 minutes");
@@ -178,7 +178,7 @@ TEST_F(PreferencesViewTest, IntervalThatIsNotOfferedIsShownInItsPlace) {
     EXPECT_EQ(settings().breakIntervalMinutes.get(), 37);
 }
 
-TEST_F(PreferencesViewTest, NumberOneIsReadAsEnglishReadsIt) {
+TEST_F(PreferencesViewTest, NumberOneIsSingularInEnglish) {
     settings().breakIntervalMinutes.set(1);
     settings().breakDurationSeconds.set(1);
     EXPECT_EQ(picker("intervalPicker").currentText(), "Every 1 minute");
@@ -195,7 +195,7 @@ TEST_F(PreferencesViewTest, StatisticsFollowTheTimer) {
     EXPECT_EQ(text("completionRate"), "71%");
 }
 
-TEST_F(PreferencesViewTest, WhatTheDesktopLacksIsSaid) {
+TEST_F(PreferencesViewTest, ToolTipSaysWhatTheDesktopLacks) {
     EXPECT_EQ(button("grayscaleToggle").toolTip(), "");
     EXPECT_EQ(button("locationToggle").toolTip(), "");
     const auto shown = [&] { return button("locationToggle").toolTip(); };
@@ -207,7 +207,7 @@ TEST_F(PreferencesViewTest, WhatTheDesktopLacksIsSaid) {
     EXPECT_EQ(shown(), "");
 }
 
-TEST_F(PreferencesViewTest, MissingGrayFilterIsSaid) {
+TEST_F(PreferencesViewTest, ToolTipSaysThatTheGrayFilterIsMissing) {
     view.reset();
     dropProgram();
     desktop.filter.hasEntryPoint = false;

@@ -13,7 +13,7 @@
 
 namespace nocta {
 
-/// The view of a break of twenty seconds that has just begun.
+/// Shows the view of a 20-second break that has just begun.
 class ShownBreak : public TestDesktop {
 protected:
     std::optional<BreakOverlayView> view;

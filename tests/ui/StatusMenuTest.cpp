@@ -39,7 +39,7 @@ TEST_F(StatusMenuTest, BrightnessIsChosenAndShown) {
     EXPECT_TRUE(item("Brightness", "25%").isChecked());
     EXPECT_FALSE(item("Brightness", "75%").isChecked());
     item("Brightness", "25%").trigger();
-    EXPECT_TRUE(item("Brightness", "25%").isChecked()) << "choosing it again leaves it";
+    EXPECT_TRUE(item("Brightness", "25%").isChecked()) << "choosing it again does not change it";
     settings().unifiedBrightness.set(0.3);
     EXPECT_FALSE(item("Brightness", "25%").isChecked());
 }
@@ -54,7 +54,7 @@ TEST_F(StatusMenuTest, WarmthModeIsChosenAndShown) {
     EXPECT_FALSE(item("Warmth", "Manual").isChecked());
 }
 
-TEST_F(StatusMenuTest, UpdatesAreCheckedForWhereTheyCanBe) {
+TEST_F(StatusMenuTest, UpdatesAreCheckedIfThatIsPossible) {
     EXPECT_FALSE(item("Check for Updates").isEnabled());
     desktop.updater.canCheckForUpdates.set(true);
     item("Check for Updates").trigger();
@@ -68,7 +68,7 @@ TEST_F(StatusMenuTest, TogglesFollowTheirSettings) {
     EXPECT_FALSE(item("Break Timer").isChecked());
 }
 
-TEST_F(StatusMenuTest, LeadsOn) {
+TEST_F(StatusMenuTest, OtherItemsWork) {
     item("Preferences").trigger();
     EXPECT_EQ(preferences, 1);
     launch();

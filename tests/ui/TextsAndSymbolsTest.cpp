@@ -1,4 +1,4 @@
-// Every text and every symbol of every view, in the order in which they are read.
+// Checks every text and every symbol of every view, in reading order.
 
 #include "support/Face.h"
 #include "symbols/Symbol.h"
@@ -25,8 +25,8 @@ namespace {
 std::map<const QPaintDevice*, std::vector<std::string>> drawnSymbols;
 }
 
-// The linker sends every call of nocta::drawSymbol through here, so that the tests know which
-// symbol was painted on which widget. (`--wrap` in tests/CMakeLists.txt.)
+// The linker redirects every call of nocta::drawSymbol here, so that the tests know which symbol
+// was painted on which widget (`--wrap` in tests/CMakeLists.txt).
 #define NOCTA_DRAW_SYMBOL _ZN5nocta10drawSymbolER8QPainterRK6QRectFRK7QStringRK6QColor
 #define NOCTA_JOINED(prefix, name) prefix##name
 #define NOCTA_NAME(prefix, name) NOCTA_JOINED(prefix, name)
@@ -60,8 +60,8 @@ protected:
         Face::TearDown();
     }
 
-    /// What the view shows, from the first thing to the last: texts as they are, symbols in angle
-    /// brackets, controls with their kind before them.
+    /// The content of the view, in order: texts as they are, symbols in angle brackets, controls
+    /// with their kind before them.
     Lines shown() {
         drawnSymbols.clear();
         widget().grab();
@@ -125,7 +125,7 @@ private:
         }
     }
 
-    /// The order of a layout is that of the eye: to the right, or further down.
+    /// Checks that the order of the layout is the reading order: to the right, or further down.
     void expectAfterTheLast(const QWidget& part, const std::string& line) {
         constexpr int tolerance = 8; // points
         const QRect place(part.mapTo(&widget(), QPoint()), part.size());

@@ -55,7 +55,7 @@ TEST_F(UpdateViewTest, ReleaseWithoutNotesHasNoFieldForThem) {
     EXPECT_EQ(widget().findChild<QPlainTextEdit*>(), nullptr);
 }
 
-TEST_F(UpdateViewTest, DownloadShowsItsProgressAndCanBeCancelled) {
+TEST_F(UpdateViewTest, DownloadShowsItsProgressAndCanBeCanceled) {
     desktop.updater.downloadProgress.set(0.25);
     openAt(UpdateDownload{.version = "1.3"});
     EXPECT_TRUE(shows("Downloading Nocta 1.3"));
@@ -67,7 +67,7 @@ TEST_F(UpdateViewTest, DownloadShowsItsProgressAndCanBeCancelled) {
     EXPECT_EQ(calls(), std::vector<std::string>{"dismiss"});
 }
 
-TEST_F(UpdateViewTest, OutcomesAreSaid) {
+TEST_F(UpdateViewTest, OutcomesAreShown) {
     openAt(UpdateCheckInProgress{});
     EXPECT_TRUE(shows("Checking for updates…"));
     EXPECT_EQ(buttons(), QStringList("Cancel"));

@@ -5,12 +5,12 @@
 
 namespace nocta {
 
-/// A defaults store that forgets everything with the desktop.
+/// A defaults store in memory.
 class MemoryDefaultsStore final : public DefaultsStore {
 public:
     explicit MemoryDefaultsStore(Trace& trace) : trace_(trace) {}
 
-    /// What is stored, to look at or to prepare: a write here goes by no trace.
+    /// What is stored. Tests read and prepare it here; writes to it are not traced.
     DefaultsTable table;
 
     void registerDefaults(const DefaultsMap& defaults) override;

@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// Every call that the virtual desktop received, in order, each as one line of text with the
-/// simulated time at which it came.
+/// Every call that the virtual desktop received, in order, each as one line of text with its
+/// simulated time.
 class Trace {
 public:
     struct Entry {
@@ -23,7 +23,7 @@ public:
 
     const std::vector<Entry>& entries() const { return entries_; }
 
-    /// The calls that begin with `prefix`, without their times.
+    /// The calls that begin with `prefix`, without the times.
     std::vector<std::string> calls(std::string_view prefix = "") const {
         std::vector<std::string> found;
         for (const auto& entry : entries_) {

@@ -8,12 +8,12 @@
 
 namespace nocta {
 
-/// Windows in memory.
+/// The program's own windows, in memory.
 class VirtualAppWindows final : public AppWindows {
 public:
     explicit VirtualAppWindows(Trace& trace) : trace_(trace) {}
 
-    /// A window that the program has, as a person sees it.
+    /// A window of the program, as a person sees it.
     struct Shown {
         std::string title;
         Style style;
@@ -24,7 +24,7 @@ public:
     // What a person does and sees.
     std::vector<Shown> windows() const;
     bool isOnScreen(std::string_view title) const;
-    /// By the title bar.
+    /// Presses the close button of the title bar.
     void close(std::string_view title);
 
     // What the program does.

@@ -21,8 +21,13 @@
 
 namespace nocta {
 
-/// A whole desktop in memory. A person acts on its parts (plugs a display, presses a key, lets
-/// time run) and looks at them; the program sees the ports only.
+/// A whole desktop in memory. A test acts on its parts as a person does (plugs in a display,
+/// presses a key, lets time pass) and checks them; the program sees only the ports.
+///
+///     VirtualDesktop desktop;
+///     desktop.displays.plug({.id = 1, .isBuiltIn = true, .isMain = true});
+///     SharedInstances instances(desktop.ports);
+///     desktop.runLoop.advance(60s);
 class VirtualDesktop {
 public:
     VirtualDesktop() = default;

@@ -13,8 +13,8 @@
 
 namespace nocta {
 
-/// Displays in memory, with their transfer tables and the backlight of the built-in ones. They are
-/// plugged and unplugged at run time, and every operation can be made to fail.
+/// Displays in memory, with their transfer tables and the backlight of the built-in ones. They can
+/// be plugged in and unplugged at run time, and every operation can be made to fail.
 class VirtualDisplays final : public Displays, public GammaOutput, public Backlight {
 public:
     struct Display {
@@ -25,7 +25,7 @@ public:
         Rect bounds{0, 0, 1920, 1080};
         float backlight = 1.0F;
         bool gammaFails = false;
-        /// Empty while the factory tables are in force.
+        /// Empty while the factory tables are in effect.
         std::vector<float> red{};
         std::vector<float> green{};
         std::vector<float> blue{};

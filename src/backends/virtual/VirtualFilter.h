@@ -9,12 +9,12 @@
 
 namespace nocta {
 
-/// The screen's filter in memory, and the library that makes a change of it take effect.
+/// The screen's filter, in memory, and the library that makes a change of it take effect.
 class VirtualFilter final : public DisplayFilter, public DynamicLibraries {
 public:
     explicit VirtualFilter(Trace& trace) : trace_(trace) {}
 
-    // What there is, and what a person sees.
+    // What the system has, and what a person sees.
     bool hasLibrary = true;
     bool hasEntryPoint = true;
     std::int32_t type = 0;

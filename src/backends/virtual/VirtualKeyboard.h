@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// A keyboard in memory. A brightness key sends what a real one does: a system-defined event to
-/// the global monitors, then a key-down to the taps.
+/// A keyboard in memory. A brightness key sends the events of a real one: a system-defined event to
+/// the global monitors, then a key-down event to the taps.
 class VirtualKeyboard final : public KeyEvents {
 public:
     explicit VirtualKeyboard(Trace& trace) : trace_(trace) {}

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// A location service in memory: a person answers, and places arrive when a test sends them.
+/// A location service in memory. A test answers for the person and sends locations.
 class VirtualLocation final : public LocationManager {
 public:
     explicit VirtualLocation(Trace& trace) : trace_(trace) {}

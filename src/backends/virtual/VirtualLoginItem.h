@@ -8,14 +8,14 @@
 
 namespace nocta {
 
-/// A session that starts the program, or does not.
+/// The login items of a session, in memory.
 class VirtualLoginItem final : public LoginItem {
 public:
     explicit VirtualLoginItem(Trace& trace) : trace_(trace) {}
 
-    /// As a person may change it in the desktop's own tool.
+    /// The present status. A person may change it in the desktop's settings.
     Status present = Status::notRegistered;
-    /// What every change fails with.
+    /// If set, every change fails with this error.
     std::optional<std::string> error;
 
     Status status() override {

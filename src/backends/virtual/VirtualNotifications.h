@@ -11,20 +11,19 @@
 
 namespace nocta {
 
-/// A notification centre in memory: what was shown stays to be looked at, and a person presses its
-/// buttons.
+/// A notification center in memory. It keeps what was shown, and a test presses the buttons.
 class VirtualNotifications final : public UserNotificationCenter {
 public:
     VirtualNotifications(Trace& trace, RunLoop& runLoop) : trace_(trace), runLoop_(runLoop) {}
 
-    // What there is, and what a person does and sees.
+    // What the system has, and what a person does and sees.
     bool isGranted = true;
     std::optional<std::string> error;
     std::vector<UserNotificationCategory> categories;
     std::vector<UserNotification> shown;
-    /// How the last one was shown.
+    /// How the last notification was shown.
     std::uint32_t presentation = 0;
-    /// Whether the program says that it is done with the answer.
+    /// Presses a button. Returns whether the program has called the completion handler.
     bool choose(const std::string& actionIdentifier) {
         bool isDone = false;
         if (delegate_ != nullptr) {

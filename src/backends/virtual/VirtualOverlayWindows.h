@@ -13,13 +13,13 @@
 
 namespace nocta {
 
-/// Overlay windows in memory, one screen for each display.
+/// Overlay windows in memory. Each display is one screen.
 class VirtualOverlayWindows final : public OverlayWindows {
 public:
     VirtualOverlayWindows(Trace& trace, RunLoop& runLoop, const VirtualDisplays& displays)
         : trace_(trace), runLoop_(runLoop), displays_(displays) {}
 
-    /// A window that the program has, as a person sees it.
+    /// A window of the program, as a person sees it.
     struct Shown {
         Screen screen;
         Style style;
@@ -30,10 +30,10 @@ public:
 
     // What a person does and sees.
     std::vector<Shown> windows() const;
-    /// The one that has the keyboard; none where nothing of the program's has it.
+    /// The screen whose window has the keyboard; none if no window of the program has it.
     std::optional<std::uint64_t> keyScreen;
-    /// Whether the window with the keyboard gets the key: no monitor has swallowed it, and it is
-    /// not typed on from before the first window came.
+    /// Presses a key. Returns whether the window with the keyboard gets it: no monitor swallows it,
+    /// and it is not part of typing that began before the first window appeared.
     bool press(std::int64_t keyCode);
 
     // What the program does.

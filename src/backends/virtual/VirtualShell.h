@@ -12,7 +12,7 @@
 
 namespace nocta {
 
-/// A status bar with room for one item, and the popover beside it.
+/// A status bar with space for one item.
 class VirtualStatusBar final : public StatusBar {
 public:
     explicit VirtualStatusBar(Trace& trace) : trace_(trace) {}
@@ -38,7 +38,7 @@ class VirtualPopover final : public Popover {
 public:
     explicit VirtualPopover(Trace& trace) : trace_(trace) {}
 
-    /// What a person does: a transient popover closes.
+    /// The person clicks elsewhere: a transient popover closes.
     void clickElsewhere();
 
     View* contentView() const { return view_.get(); }
@@ -58,13 +58,13 @@ private:
     std::unique_ptr<View> view_;
 };
 
-/// A process in which nothing happens by itself: `run` launches the program, does what the
-/// `session` says and ends it.
+/// A process under a test's control: `run` launches the program, calls `session` and ends the
+/// program.
 class VirtualApplication final : public Application {
 public:
     VirtualApplication(Trace& trace, VirtualRunLoop& runLoop) : trace_(trace), runLoop_(runLoop) {}
 
-    /// What the person does between launch and quit.
+    /// What a person does between launch and quit.
     std::function<void()> session;
 
     void launch(ApplicationDelegate& delegate);

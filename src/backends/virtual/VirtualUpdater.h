@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// An updater whose findings are put into its stage by hand.
+/// An updater whose stages are set by a test.
 class VirtualUpdater final : public Updater {
 public:
     explicit VirtualUpdater(Trace& trace) : trace_(trace) {}
@@ -17,14 +17,14 @@ public:
     Availability present = Availability::available;
     bool checksAutomatically = false;
     bool downloadsAutomatically = false;
-    DidFinishUpdateCycle didFinishUpdateCycle; ///< once it was started
+    DidFinishUpdateCycle didFinishUpdateCycle; ///< set once it was started
 
     Availability availability() const override { return present; }
     std::optional<std::string> startUpdater(DidFinishUpdateCycle didFinish) override {
         trace_.record("startUpdater");
         didFinishUpdateCycle = std::move(didFinish);
         if (present != Availability::available) {
-            return "There is nowhere to look";
+            return "There is no address for updates";
         }
         canCheckForUpdates.set(true);
         return std::nullopt;

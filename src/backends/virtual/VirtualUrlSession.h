@@ -9,12 +9,12 @@
 
 namespace nocta {
 
-/// A network in memory: a request waits until it is answered.
+/// A network in memory. A request waits until a test answers it.
 class VirtualUrlSession final : public UrlSession {
 public:
     explicit VirtualUrlSession(Trace& trace) : trace_(trace) {}
 
-    /// The last one that waits for an answer.
+    /// The last request that waits for an answer; null if none does.
     const UrlRequest* waiting() const { return task_ == nullptr ? nullptr : &task_->request; }
     /// A piece of the body, before the answer is complete.
     void send(std::string_view data) const {

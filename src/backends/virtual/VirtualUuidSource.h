@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// The same identifiers in every run.
+/// Makes the same identifiers in every run.
 class VirtualUuidSource final : public UuidSource {
 public:
     explicit VirtualUuidSource(std::uint32_t seed = 1) : random_(seed) {}

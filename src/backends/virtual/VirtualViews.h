@@ -8,14 +8,14 @@
 
 namespace nocta {
 
-/// Views without a toolkit: nothing is painted, and what their buttons do can be done.
+/// Views without a toolkit. They paint nothing, and a test can call the actions of their buttons.
 class VirtualViews final : public Views {
 public:
     int popoversMade = 0;
-    int alive = 0;       ///< of popovers and overlays
-    int othersAlive = 0; ///< of menus and windows
+    int alive = 0;       ///< popovers and overlays that exist
+    int othersAlive = 0; ///< menus and windows that exist
 
-    // What the buttons of the last view of each kind do.
+    // The actions of the buttons in the last view of each kind.
     std::function<void()> showPreferences;
     std::function<void()> completeOnboarding;
     std::function<void()> skip;

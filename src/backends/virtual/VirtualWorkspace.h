@@ -10,7 +10,7 @@
 
 namespace nocta {
 
-/// The applications of a session in memory.
+/// The applications of a session, in memory.
 class VirtualWorkspace final : public Workspace {
 public:
     VirtualWorkspace(Trace& trace, const VirtualDisplays& displays)
@@ -21,7 +21,7 @@ public:
         frontmost = std::move(application);
         activated_.call(frontmost);
     }
-    /// Changed without anybody being told, as a desktop does that drops a notification.
+    /// Assign it to change the application without a notification, as some desktops do.
     std::optional<RunningApplication> frontmost;
     std::optional<std::vector<WindowInfo>> windows = std::vector<WindowInfo>{};
     bool reducesMotion = false;

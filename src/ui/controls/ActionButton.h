@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// A button that does something. A prominent one is what most people want next.
+/// A button for an action. A prominent one is for the action that most people want next.
 class ActionButton final : public Button {
 public:
     enum class Rank { normal, prominent };

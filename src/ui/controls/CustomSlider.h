@@ -10,7 +10,7 @@ struct ClosedRange {
     double upper = 1;
 };
 
-/// A slider over a fraction, filled up to its knob.
+/// A slider for a fraction, filled up to its knob.
 class CustomSlider final : public TrackSlider {
 public:
     using Color = QColor (*)(const QPalette& palette);

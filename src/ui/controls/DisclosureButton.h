@@ -4,10 +4,10 @@
 
 namespace nocta {
 
-/// Opens and closes what it is about.
+/// A button that shows and hides its content.
 class DisclosureButton final : public QAbstractButton {
 public:
-    /// `content` is closed at first.
+    /// `content` is hidden at first.
     DisclosureButton(const QString& text, QWidget& content);
 
     QSize sizeHint() const override;

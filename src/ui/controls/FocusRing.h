@@ -7,11 +7,11 @@ class QPainter;
 
 namespace nocta {
 
-/// What a control leaves free around its shape for the ring.
+/// The space that a control leaves around its shape for the ring.
 inline constexpr int focusRingRoom = 3; // points
 
-/// A ring around the shape of a control that has the keyboard, once the keyboard has been used to
-/// get there.
+/// Paints a ring around the shape of a control if it has the focus and the user has moved the focus
+/// with the keyboard.
 void paintFocusRing(QPainter& painter, const QWidget& control, const QRectF& shape,
                     qreal cornerRadius);
 

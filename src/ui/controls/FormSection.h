@@ -10,18 +10,17 @@ class FormSection final : public QWidget {
 public:
     explicit FormSection(const QString& title);
 
-    /// A row of its own.
     void add(QWidget* row);
-    /// A small explanation under the row before.
+    /// A small explanation under the previous row.
     void addNote(const QString& text);
-    /// A name and what belongs to it, at the two ends of a row.
+    /// A name and its value, at the two ends of a row.
     void addRow(const QString& name, QWidget* value);
 
 private:
     QVBoxLayout* rows_;
 };
 
-/// A page of sections from the top down.
+/// A page of sections, from top to bottom.
 class FormPage : public QWidget {
 protected:
     FormPage();

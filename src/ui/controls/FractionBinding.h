@@ -6,9 +6,9 @@
 
 namespace nocta {
 
-/// Binds a slider over whole per cents to a fraction, with a write for each step. A fraction
-/// between two steps or outside of the slider's range is shown at the nearest place below, and
-/// stays what it is until the user moves the slider.
+/// Binds a slider in whole percent to a fraction and writes at each step. A fraction between two
+/// steps is shown at the lower one, and one outside of the slider's range at the nearest end. It
+/// does not change until the user moves the slider.
 void bindFraction(QSlider& slider, Setting<double>& fraction);
 
 } // namespace nocta

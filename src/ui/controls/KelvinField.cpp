@@ -22,7 +22,7 @@ KelvinField::KelvinField(const QString& name, Setting<std::int64_t>& setting) {
     setSuffix(Text::tr(" K"));
     setSingleStep(step);
     setCorrectionMode(QAbstractSpinBox::CorrectToNearestValue);
-    setKeyboardTracking(false); // half a number is none
+    setKeyboardTracking(false); // ignore a number that is not complete
     bind(
         *this, setting,
         [this](std::int64_t kelvin) {

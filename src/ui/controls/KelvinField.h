@@ -8,14 +8,14 @@
 
 namespace nocta {
 
-/// A colour temperature as a number that can be typed or stepped by 100 K, within what the displays
-/// can show. One outside of that is shown as it is.
+/// A color temperature as a number, to type or to change in steps of 100 K, within the range of the
+/// displays. A stored value outside of that range is shown as it is.
 class KelvinField final : public QSpinBox {
 public:
     KelvinField(const QString& name, Setting<std::int64_t>& setting);
 
 protected:
-    /// A page that is scrolled past must not change it.
+    /// Ignores the wheel, so that scrolling the page does not change the value.
     void wheelEvent(QWheelEvent* event) override;
 };
 

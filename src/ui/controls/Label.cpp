@@ -35,9 +35,9 @@ constexpr std::array looks = {
 
 Label::Label(const QString& text, TextStyle style) : QLabel(text), style_(style) {
     setTextFormat(Qt::PlainText);
-    setForegroundRole(QPalette::WindowText); // on a button it would be another
+    setForegroundRole(QPalette::WindowText); // on a button the role would be different
     setWordWrap(looks.at(static_cast<std::size_t>(style)).isWrapped);
-    setContentsMargins(focusRingRoom, 0, focusRingRoom, 0); // in line with what has a ring
+    setContentsMargins(focusRingRoom, 0, focusRingRoom, 0); // aligned with ringed controls
     updateStyle();
 }
 
@@ -50,7 +50,7 @@ void Label::changeEvent(QEvent* event) {
 
 void Label::updateStyle() {
     if (std::exchange(isUpdating_, true)) {
-        return; // the change is this one
+        return; // this function made the change
     }
     const auto& look = looks.at(static_cast<std::size_t>(style_));
     auto font = QApplication::font();
@@ -58,7 +58,7 @@ void Label::updateStyle() {
     font.setWeight(look.weight);
     setFont(font);
     if (look.isSecondary) {
-        setPalette({}); // what the window has
+        setPalette({}); // the palette of the window
         auto colors = palette();
         colors.setColor(QPalette::WindowText, secondaryColor(colors));
         setPalette(colors);

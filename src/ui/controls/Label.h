@@ -8,12 +8,12 @@ enum class TextStyle {
     title,   ///< of a window or a step
     heading, ///< of a section
     body,
-    secondary, ///< body of less weight
-    paragraph, ///< the same, over as many lines as it takes
-    note,      ///< small, of less weight, over as many lines as it takes
+    secondary, ///< body in the secondary color
+    paragraph, ///< secondary, wrapped
+    note,      ///< small, in the secondary color, wrapped
 };
 
-/// A text in the desktop's font and colours, also when they change.
+/// A text in the desktop's font and colors. It follows their changes.
 class Label final : public QLabel {
 public:
     explicit Label(const QString& text, TextStyle style = TextStyle::body);

@@ -11,15 +11,15 @@
 
 namespace nocta {
 
-/// A list of numbers to choose from, bound to a setting. A number that the setting has and the list
-/// has not is shown in its place among them while the setting has it.
+/// A list of numbers to choose from, bound to a setting. If the setting has a number that is not in
+/// the list, that number is shown at its place in the list while the setting has it.
 class NumberPicker final : public QComboBox {
 public:
     NumberPicker(const QString& name, Setting<std::int64_t>& setting,
                  std::span<const std::int64_t> numbers, std::function<QString(std::int64_t)> label);
 
 protected:
-    /// A page that is scrolled past must not change it.
+    /// Ignores the wheel, so that scrolling the page does not change the value.
     void wheelEvent(QWheelEvent* event) override { event->ignore(); }
 
 private:
@@ -27,7 +27,7 @@ private:
     void insert(int index, std::int64_t number);
 
     std::function<QString(std::int64_t)> label_;
-    int unlistedIndex_ = -1; ///< of the one that is not offered
+    int unlistedIndex_ = -1; ///< of the number that is not in the list; -1 if there is none
 };
 
 } // namespace nocta

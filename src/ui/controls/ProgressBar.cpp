@@ -24,9 +24,9 @@ void ProgressBar::changeEvent(QEvent* event) {
 
 void ProgressBar::updateColors() {
     if (std::exchange(isUpdating_, true)) {
-        return; // the change is this one
+        return; // this function made the change
     }
-    setPalette({}); // what the window has
+    setPalette({}); // the palette of the window
     auto colors = palette();
     colors.setColor(QPalette::Highlight, accentColor(colors));
     setPalette(colors);

@@ -4,8 +4,8 @@
 
 namespace nocta {
 
-/// How far something has come; made for what nobody knows the length of, until a value is set
-/// within a range. Its name is what a screen reader says.
+/// A progress bar. It is indeterminate until it has a range and a value. Screen readers read its
+/// name.
 class ProgressBar final : public QProgressBar {
 public:
     explicit ProgressBar(const QString& name);

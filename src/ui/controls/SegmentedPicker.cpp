@@ -25,7 +25,7 @@ public:
         : QRadioButton(look.symbol.isEmpty() ? look.text : QString()), symbol_(look.symbol) {
         setAccessibleName(look.text);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        // Tab goes to the chosen one, and arrows to the others.
+        // Tab goes to the selected segment, the arrows to the others.
         setFocusPolicy(Qt::ClickFocus);
         connect(this, &QAbstractButton::toggled, this,
                 [this](bool on) { setFocusPolicy(on ? Qt::StrongFocus : Qt::ClickFocus); });
@@ -79,7 +79,7 @@ SegmentedPicker::SegmentedPicker(const QString& name, const std::vector<SegmentL
     setAccessibleName(name);
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(-focusRingRoom); // two rings may share their room
+    row->setSpacing(-focusRingRoom); // adjacent rings may overlap
     for (int index = 0; const auto& look : segments) {
         auto* const segment = new Segment(look);
         segments_.addButton(segment, index++);

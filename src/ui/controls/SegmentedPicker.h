@@ -11,13 +11,13 @@
 
 namespace nocta {
 
-/// What a segment shows: a text, or the symbol of that name with the text for a screen reader.
+/// The content of a segment: a text, or the symbol of that name with the text for screen readers.
 struct SegmentLook {
     QString text;
     QString symbol{};
 };
 
-/// A few choices side by side, one of which is taken.
+/// A few choices side by side, one of which is selected.
 class SegmentedPicker final : public QWidget {
 public:
     SegmentedPicker(const QString& name, const std::vector<SegmentLook>& segments);
@@ -33,7 +33,7 @@ private:
     QButtonGroup segments_;
 };
 
-/// One segment for each of all the values that the setting can have, in their order.
+/// Binds the picker to a setting. `values` has the value of each segment, in their order.
 template <class Setting, class T>
 void bind(SegmentedPicker& picker, Setting& setting, std::vector<T> values) {
     follow(picker, setting, [&picker, values](const T& value) {

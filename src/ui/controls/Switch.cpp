@@ -11,11 +11,11 @@
 namespace nocta {
 
 namespace {
-constexpr int trackWidth = 34; // points, of the switch alone
+constexpr int trackWidth = 34; // points, without the text
 constexpr int trackHeight = 20;
 constexpr int gap = 8; // between text and switch
 constexpr qreal knobInset = 2;
-constexpr double offPart = 0.45; // of the text's colour, for the track
+constexpr double offPart = 0.45; // part of the text color in the track
 constexpr qreal disabledOpacity = 0.4;
 } // namespace
 

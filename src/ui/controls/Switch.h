@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// A toggle in the shape of a switch, with its text before it. All of it can be clicked.
+/// A toggle in the shape of a switch after its text. A click anywhere on it toggles it.
 class Switch final : public QCheckBox {
 public:
     explicit Switch(const QString& text);

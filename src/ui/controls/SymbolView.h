@@ -7,8 +7,8 @@ namespace nocta {
 
 enum class SymbolColor { text, accent, white };
 
-/// A symbol in the colour of the text, in the accent, or white on a dark cover. It has a name for a
-/// screen reader only where nothing beside it says what it stands for.
+/// A symbol in the text color, in the accent color, or in white on a dark cover. It has a name for
+/// screen readers only if no text beside it says what it means.
 class SymbolView final : public QWidget {
 public:
     /// `size` in points.

@@ -4,19 +4,19 @@
 
 namespace nocta {
 
-/// A horizontal slider over whole per cents with a knob on a track: the track's look is a
-/// subclass's. A press anywhere on it takes the knob there; arrows move it by 1 %, page keys by
-/// 10 %, and the wheel by 1 % a line.
+/// A horizontal slider in whole percent with a knob on a track, which a subclass paints. A press
+/// anywhere on it moves the knob there; the arrows move it by 1 %, the page keys by 10 %, and the
+/// wheel by 1 % per line.
 class TrackSlider : public QSlider {
 public:
-    /// The name is what a screen reader calls it.
+    /// `name` is for screen readers.
     explicit TrackSlider(const QString& name);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    /// `track` is all of it; the knob's centre is at `knob` on it.
+    /// `track` is the whole track; `knob` is the x coordinate of the knob's center.
     virtual void paintTrack(QPainter& painter, const QRectF& track, qreal knob) const = 0;
 
     void paintEvent(QPaintEvent* event) override;
@@ -28,7 +28,7 @@ private:
     qreal knobCenter() const;
     void moveTo(qreal x);
 
-    qreal grip_ = 0; ///< where on the knob it was taken
+    qreal grip_ = 0; ///< where the user grabbed the knob
 };
 
 } // namespace nocta

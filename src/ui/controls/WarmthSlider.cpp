@@ -12,7 +12,7 @@ namespace nocta {
 
 namespace {
 
-constexpr int wholeRange = 100; // per cent
+constexpr int wholeRange = 100; // percent
 constexpr int stops = 16;
 
 QColor whiteAt(double warmth) {

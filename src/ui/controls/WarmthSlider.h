@@ -5,7 +5,7 @@
 
 namespace nocta {
 
-/// A slider over a warmth of 0.0–1.0, on a track in the colours that the screen's white takes.
+/// A slider for a warmth of 0.0–1.0. Its track shows the color of the screen's white at each value.
 class WarmthSlider final : public TrackSlider {
 public:
     WarmthSlider(const QString& name, Setting<double>& value);

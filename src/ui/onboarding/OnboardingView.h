@@ -10,7 +10,7 @@
 
 namespace nocta {
 
-/// The first launch, in four steps. What it offers takes effect at once; leaving it early loses
+/// The first launch, in four steps. Every choice takes effect at once, so leaving early loses
 /// nothing.
 class OnboardingView final : public QWidget {
 public:

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// What the user may allow.
+/// The permissions that the user can give.
 class PermissionsStep final : public QWidget {
 public:
     explicit PermissionsStep(SharedInstances& instances);

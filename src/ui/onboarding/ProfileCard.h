@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// A profile at a glance, to be chosen among others.
+/// Shows a profile and lets the user choose it.
 class ProfileCard final : public QRadioButton {
 public:
     explicit ProfileCard(const Profile& profile);

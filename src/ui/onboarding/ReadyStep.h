@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// The end, and the last choice.
+/// The last step, with launch at login.
 class ReadyStep final : public QWidget {
 public:
     explicit ReadyStep(LaunchAtLoginService& launchService);

@@ -5,7 +5,7 @@
 
 namespace nocta {
 
-/// The column of a step, with its title and the text below that in it already.
+/// Makes the column of a step, with its title and the text below the title.
 QVBoxLayout* makeStepLayout(QWidget& step, const QString& title, const QString& text);
 
 } // namespace nocta

@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// A profile to begin with, and the settings that it makes.
+/// The choice of a profile, and the settings that it changes.
 class StyleSelectionStep final : public QWidget {
 public:
     explicit StyleSelectionStep(SharedInstances& instances);

@@ -10,7 +10,7 @@ public:
     WelcomeStep();
 };
 
-/// A symbol, what it stands for, and a line about it.
+/// A symbol, the name of a feature, and a line about it.
 class FeatureRow final : public QWidget {
 public:
     FeatureRow(const QString& icon, const QString& title, const QString& description);

@@ -18,7 +18,7 @@ AboutPreferencesView::AboutPreferencesView(SharedInstances& instances)
         Text::tr("Version %1 (%2)")
             .arg(QString::fromUtf8(bundle.shortVersionString), QString::fromUtf8(bundle.version)));
     version->setObjectName(QStringLiteral("version"));
-    version->setTextInteractionFlags(Qt::TextSelectableByMouse); // for a report
+    version->setTextInteractionFlags(Qt::TextSelectableByMouse); // for bug reports
     addSection(Text::tr("Nocta"))->add(version);
 
     autoCheck_->setObjectName(QStringLiteral("autoCheckToggle"));
@@ -38,11 +38,11 @@ AboutPreferencesView::AboutPreferencesView(SharedInstances& instances)
     if (const auto missing = missingForUpdates(instances); !missing.isEmpty()) {
         updates->addNote(missing);
     }
-    // The user may be asked meanwhile.
+    // The answer to a permission request changes the switches.
     follow(*this, updater_.stage, [this](const UpdateStage& /*stage*/) { readUpdater(); });
 }
 
-/// They may have been changed elsewhere since.
+/// The updater's settings may have changed while the view was hidden.
 void AboutPreferencesView::showEvent(QShowEvent* event) {
     FormPage::showEvent(event);
     readUpdater();

@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// Which Nocta this is, and how it is kept up to date.
+/// The version of Nocta and the settings for updates.
 class AboutPreferencesView final : public FormPage {
 public:
     explicit AboutPreferencesView(SharedInstances& instances);

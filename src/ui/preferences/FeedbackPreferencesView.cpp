@@ -61,7 +61,7 @@ QWidget* FeedbackPreferencesView::makeForm() {
     message->setFixedHeight(messageHeight);
     follow(*message, service_.message, [message](const std::string& text) {
         const auto shown = QString::fromStdString(text);
-        if (shown != message->toPlainText()) { // else the cursor would jump
+        if (shown != message->toPlainText()) { // otherwise the cursor would jump
             message->setPlainText(shown);
         }
     });

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// The form for a message to the makers, and the thanks for one.
+/// The feedback form, and the thanks after sending it.
 class FeedbackPreferencesView final : public QWidget {
 public:
     explicit FeedbackPreferencesView(FeedbackService& service);

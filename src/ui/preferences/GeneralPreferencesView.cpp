@@ -10,7 +10,7 @@ namespace nocta {
 
 namespace {
 
-/// Each is shown by its symbol; the name is for who cannot see it.
+/// For screen readers; the picker shows only the symbols.
 QString nameOf(MenuBarIcon icon) {
     switch (icon) {
     case MenuBarIcon::leaf:

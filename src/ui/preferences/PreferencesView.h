@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// The content of the preferences window: its tabs, each a form over the settings.
+/// The content of the preferences window: tabs, each with a form for settings.
 class PreferencesView final : public QWidget {
 public:
     explicit PreferencesView(SharedInstances& instances);
