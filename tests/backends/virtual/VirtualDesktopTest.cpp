@@ -2,6 +2,7 @@
 
 #include "contracts/BacklightContract.h"
 #include "contracts/DefaultsStoreContract.h"
+#include "contracts/DisplayFilterContract.h"
 #include "contracts/DisplaysContract.h"
 #include "contracts/KeyEventsContract.h"
 #include "contracts/LoginItemContract.h"
@@ -26,6 +27,9 @@ struct VirtualDesktopHarness {
     Displays& displays() { return desktop.displays; }
     GammaOutput& gammaOutput() { return desktop.displays; }
     Backlight& backlight() { return desktop.displays; }
+    DisplayFilter& displayFilter() { return desktop.filter; }
+    DynamicLibraries& dynamicLibraries() { return desktop.filter; }
+    bool isGray() const { return desktop.filter.isOn && desktop.filter.type == 1; }
     LoginItem& loginItem() { return desktop.loginItem; }
     KeyEvents& keyEvents() { return desktop.keyboard; }
     NotificationCenter& notificationCenter() { return desktop.notificationCenter; }
@@ -50,6 +54,7 @@ struct VirtualDesktopHarness {
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DefaultsStoreContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DisplaysContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, BacklightContract, VirtualDesktopHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DisplayFilterContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, KeyEventsContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, LoginItemContract, VirtualDesktopHarness);
 
