@@ -52,7 +52,8 @@ inline constexpr NativeCall nativeShellCalls[] = {
     // covers
     {"shell/MacOverlayWindows.mm", "@implementation HostingOverlayWindow"
                                    "- (BOOL)canBecomeKeyWindow { return YES; }"
-                                   "- (BOOL)canBecomeMainWindow { return NO; }"},
+                                   "- (BOOL)canBecomeMainWindow { return NO; }"
+                                   "- (BOOL)worksWhenModal { return YES; }"},
     {"shell/MacOverlayWindows.h",
      "[[HostingOverlayWindow alloc] initWithContentRect:NSMakeRect(frame.x, frame.y, frame.width,"
      "frame.height) styleMask:NSWindowStyleMaskBorderless backing:NSBackingStoreBuffered"
@@ -79,17 +80,22 @@ inline constexpr NativeCall nativeShellCalls[] = {
      "window.animator.alphaValue = target; } completionHandler:^{"},
     {"shell/PreviousApplication.h", "remember(NSWorkspace.sharedWorkspace.frontmostApplication);"},
     {"shell/PreviousApplication.h",
-     "if (![application isEqual:NSRunningApplication.currentApplication]) {"
+     "if (application.activationPolicy == NSApplicationActivationPolicyRegular) {"
      "application_ = application; }"},
+    {"shell/PreviousApplication.h", "if (NSApp.modalWindow != nil) { return true; }"},
+    {"shell/PreviousApplication.h",
+     "observe(NSNotificationCenter.defaultCenter, NSWindowDidResignKeyNotification, nil,"
+     "^(NSNotification*) { windowMayHaveClosed_.request(); });"},
     {"shell/PreviousApplication.h",
      "if (covers_++ == 0) { windowMayKeepKeyboard_ = NSApp.active || !hasWindow(); }"},
     {"shell/PreviousApplication.h",
      "if (--covers_ == 0 && !(windowMayKeepKeyboard_ && hasWindow())) { activate(); }"},
     {"shell/PreviousApplication.h", "if (covers_ == 0 && !hasWindow()) { activate(); }"},
-    {"shell/PreviousApplication.h", "if (!NSApp.active || application_ == nil) { return; }"
-                                    "if (@available(macOS 14.0, *)) {"
-                                    "[NSApp yieldActivationToApplication:application_]; }"
-                                    "[application_ activateWithOptions:0];"},
+    {"shell/PreviousApplication.h",
+     "if (!NSApp.active || application_ == nil || application_.terminated) { return; }"
+     "if (@available(macOS 14.0, *)) {"
+     "[NSApp yieldActivationToApplication:application_]; }"
+     "[application_ activateWithOptions:0];"},
     {"shell/PreviousApplication.h", "for (NSWindow* window in NSApp.windows) {"
                                     "if (window.visible && window.canBecomeMainWindow) {"},
     {"shell/PreviousApplication.h",
@@ -98,7 +104,7 @@ inline constexpr NativeCall nativeShellCalls[] = {
      "remember(notification.userInfo[NSWorkspaceApplicationKey]); });"},
     {"shell/PreviousApplication.h",
      "observe(NSNotificationCenter.defaultCenter, NSWindowWillCloseNotification, nil,"
-     "^(NSNotification*) { windowClosed_.request(); });"},
+     "^(NSNotification*) { windowMayHaveClosed_.request(); });"},
 
     {"shell/MacOverlayWindows.h", "curve == TimingFunction::easeIn ? kCAMediaTimingFunctionEaseIn"
                                   ": kCAMediaTimingFunctionEaseInEaseOut;"},

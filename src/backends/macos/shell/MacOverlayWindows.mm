@@ -10,4 +10,9 @@
     return NO;
 }
 
+/// An alert may be open below.
+- (BOOL)worksWhenModal {
+    return YES;
+}
+
 @end

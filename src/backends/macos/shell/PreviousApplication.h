@@ -9,12 +9,12 @@
 namespace nocta {
 
 /// The program that the user worked in before Nocta. AppKit leaves a program that is not in the
-/// Dock active when its last window goes, and then keys go nowhere; so the keyboard is given back
-/// here, after a break and after the last window has closed.
+/// Dock active when its last window closes, and then keys go nowhere. So this class activates the
+/// previous program after a break and after the last window has closed.
 class PreviousApplication {
 public:
     explicit PreviousApplication(RunLoop& runLoop)
-        : windowClosed_(runLoop, [this] {
+        : windowMayHaveClosed_(runLoop, [this] {
               if (covers_ == 0 && !hasWindow()) {
                   activate();
               }
@@ -39,8 +39,11 @@ public:
     }
 
 private:
-    /// One that the user works in: no cover, popover or status item.
+    /// A window that the user works in: an alert, but no cover, popover or status item.
     static bool hasWindow() {
+        if (NSApp.modalWindow != nil) {
+            return true;
+        }
         for (NSWindow* window in NSApp.windows) {
             if (window.visible && window.canBecomeMainWindow) {
                 return true;
@@ -49,14 +52,15 @@ private:
         return false;
     }
 
+    /// The system's own agents become active too, for a question or while the screen is locked.
     void remember(NSRunningApplication* application) {
-        if (![application isEqual:NSRunningApplication.currentApplication]) {
+        if (application.activationPolicy == NSApplicationActivationPolicyRegular) {
             application_ = application;
         }
     }
 
     void activate() {
-        if (!NSApp.active || application_ == nil) {
+        if (!NSApp.active || application_ == nil || application_.terminated) {
             return;
         }
         if (@available(macOS 14.0, *)) {
@@ -69,7 +73,7 @@ private:
     int covers_ = 0;
     /// After the break. A window that was open behind another program must not take it.
     bool windowMayKeepKeyboard_ = false;
-    Deferred windowClosed_; ///< later, as a window that will close is still visible
+    Deferred windowMayHaveClosed_; ///< later, because a window that will close is still visible
     Subscription didActivate_ = observe(
         NSWorkspace.sharedWorkspace.notificationCenter,
         NSWorkspaceDidActivateApplicationNotification, nil, ^(NSNotification* notification) {
@@ -78,7 +82,13 @@ private:
     Subscription willClose_ =
         observe(NSNotificationCenter.defaultCenter, NSWindowWillCloseNotification, nil,
                 ^(NSNotification* /*notification*/) {
-                  windowClosed_.request();
+                  windowMayHaveClosed_.request();
+                });
+    /// An alert is not closed when it ends.
+    Subscription didResignKey_ =
+        observe(NSNotificationCenter.defaultCenter, NSWindowDidResignKeyNotification, nil,
+                ^(NSNotification* /*notification*/) {
+                  windowMayHaveClosed_.request();
                 });
 };
 
