@@ -85,12 +85,13 @@ inline constexpr NativeCall nativeShellCalls[] = {
     {"shell/PreviousApplication.h", "if (NSApp.modalWindow != nil) { return true; }"},
     {"shell/PreviousApplication.h",
      "observe(NSNotificationCenter.defaultCenter, NSWindowDidResignKeyNotification, nil,"
-     "^(NSNotification*) { windowMayHaveClosed_.request(); });"},
+     "^(NSNotification*) { checkLater(); });"},
     {"shell/PreviousApplication.h",
      "if (covers_++ == 0) { windowMayKeepKeyboard_ = NSApp.active || !hasWindow(); }"},
     {"shell/PreviousApplication.h",
      "if (--covers_ == 0 && !(windowMayKeepKeyboard_ && hasWindow())) { activate(); }"},
-    {"shell/PreviousApplication.h", "if (covers_ == 0 && !hasWindow()) { activate(); }"},
+    {"shell/PreviousApplication.h", "check_.start(runLoop_, nextWindowTime, Repeat::no, [this] {"
+                                    "if (covers_ == 0 && !hasWindow()) { activate(); } });"},
     {"shell/PreviousApplication.h",
      "if (!NSApp.active || application_ == nil || application_.terminated) { return; }"
      "if (@available(macOS 14.0, *)) {"
@@ -104,7 +105,7 @@ inline constexpr NativeCall nativeShellCalls[] = {
      "remember(notification.userInfo[NSWorkspaceApplicationKey]); });"},
     {"shell/PreviousApplication.h",
      "observe(NSNotificationCenter.defaultCenter, NSWindowWillCloseNotification, nil,"
-     "^(NSNotification*) { windowMayHaveClosed_.request(); });"},
+     "^(NSNotification*) { checkLater(); });"},
 
     {"shell/MacOverlayWindows.h", "curve == TimingFunction::easeIn ? kCAMediaTimingFunctionEaseIn"
                                   ": kCAMediaTimingFunctionEaseInEaseOut;"},

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "backends/macos/Observation.h"
-#include "base/Deferred.h"
 #include "base/Subscription.h"
+#include "base/Timer.h"
 
 #import <AppKit/AppKit.h>
+#include <chrono>
 
 namespace nocta {
 
@@ -13,12 +14,7 @@ namespace nocta {
 /// previous program after a break and after the last window has closed.
 class PreviousApplication {
 public:
-    explicit PreviousApplication(RunLoop& runLoop)
-        : windowMayHaveClosed_(runLoop, [this] {
-              if (covers_ == 0 && !hasWindow()) {
-                  activate();
-              }
-          }) {
+    explicit PreviousApplication(RunLoop& runLoop) : runLoop_(runLoop) {
         remember(NSWorkspace.sharedWorkspace.frontmostApplication);
     }
     PreviousApplication(const PreviousApplication&) = delete;
@@ -39,6 +35,17 @@ public:
     }
 
 private:
+    static constexpr auto nextWindowTime = std::chrono::milliseconds(300);
+
+    /// A window that will close is still visible, and Sparkle shows the next one a moment later.
+    void checkLater() {
+        check_.start(runLoop_, nextWindowTime, Repeat::no, [this] {
+            if (covers_ == 0 && !hasWindow()) {
+                activate();
+            }
+        });
+    }
+
     /// A window that the user works in: an alert, but no cover, popover or status item.
     static bool hasWindow() {
         if (NSApp.modalWindow != nil) {
@@ -69,11 +76,12 @@ private:
         [application_ activateWithOptions:0];
     }
 
+    RunLoop& runLoop_;
     NSRunningApplication* application_ = nil;
     int covers_ = 0;
     /// After the break. A window that was open behind another program must not take it.
     bool windowMayKeepKeyboard_ = false;
-    Deferred windowMayHaveClosed_; ///< later, because a window that will close is still visible
+    Timer check_;
     Subscription didActivate_ = observe(
         NSWorkspace.sharedWorkspace.notificationCenter,
         NSWorkspaceDidActivateApplicationNotification, nil, ^(NSNotification* notification) {
@@ -82,13 +90,13 @@ private:
     Subscription willClose_ =
         observe(NSNotificationCenter.defaultCenter, NSWindowWillCloseNotification, nil,
                 ^(NSNotification* /*notification*/) {
-                  windowMayHaveClosed_.request();
+                  checkLater();
                 });
     /// An alert is not closed when it ends.
     Subscription didResignKey_ =
         observe(NSNotificationCenter.defaultCenter, NSWindowDidResignKeyNotification, nil,
                 ^(NSNotification* /*notification*/) {
-                  windowMayHaveClosed_.request();
+                  checkLater();
                 });
 };
 
