@@ -9,6 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr auto minWait = 20ms;          // for an answer that has come while the program was busy
 constexpr auto usualAnswerTime = 150ms; // on a busy machine; an idle one needs less than 1 ms
 
 } // namespace
@@ -43,7 +44,7 @@ QDBusConnection MessageBus::connection() {
         waitFor(0ms); // starts the probe, unless one is running already
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(
             askedAt_ + usualAnswerTime - std::chrono::steady_clock::now());
-        isExpected_ = waitFor(std::max(left, 0ms)) == BusProbe::State::pending;
+        isExpected_ = waitFor(std::max(left, minWait)) == BusProbe::State::pending;
         if (isExpected_) {
             probe_->whenDone([this] {
                 isExpected_ = false;

@@ -1,5 +1,6 @@
 #include "backends/linux/location/GeoClueLocationManager.h"
 
+#include "backends/linux/bus/MessageBus.h"
 #include "backends/linux/files/PrivateFolder.h"
 
 #include <algorithm>
@@ -67,6 +68,7 @@ void GeoClueLocationManager::stopUpdatingLocation() {
 
 void GeoClueLocationManager::open() {
     retry_.invalidate();
+    systemBus_.cancel();
     client_ = GeoClueClient::create(
         {.started = [this] { started(); },
          .located = [this](Location location) { located(location); },
@@ -77,6 +79,7 @@ void GeoClueLocationManager::open() {
 
 void GeoClueLocationManager::close() {
     retry_.invalidate();
+    systemBus_.cancel();
     client_.reset();
 }
 
@@ -100,6 +103,9 @@ void GeoClueLocationManager::failed(const std::string& description) {
     if (isUpdating_) {
         retry_.start(runLoop_, retryDelay_, Repeat::no, [this] { open(); });
         retryDelay_ = std::min(2 * retryDelay_, maxRetryDelay);
+        if (auto& bus = MessageBus::system(); bus.isMute()) {
+            systemBus_ = bus.whenConnected([this](const QDBusConnection& /*bus*/) { open(); });
+        }
     }
     if (delegate_ != nullptr) {
         delegate_->didFailWithError(description);

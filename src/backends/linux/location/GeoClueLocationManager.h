@@ -2,6 +2,7 @@
 
 #include "backends/linux/location/GeoClueClient.h"
 #include "base/Deferred.h"
+#include "base/Subscription.h"
 #include "base/Timer.h"
 #include "platform/LocationManager.h"
 
@@ -46,6 +47,7 @@ private:
     std::shared_ptr<GeoClueClient> client_;
     Duration retryDelay_;
     Timer retry_;
+    Subscription systemBus_; ///< while one that has not answered is expected
     Deferred report_;
 };
 

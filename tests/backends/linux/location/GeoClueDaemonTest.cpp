@@ -92,7 +92,20 @@ TEST_F(GeoClueDaemonTest, LocationThatTheUserHasSwitchedOffIsADenial) {
     quit();
 }
 
-class NoctaWithGeoClueTest : public NoctaProcess {};
+class NoctaWithGeoClueTest : public NoctaProcess {
+protected:
+    /// As in a later start, after the user has agreed.
+    void startWithGrant(const PrivateBus& systemBus) {
+        auto variables = environment();
+        variables["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus.address();
+        const auto state = home.path() + "/.local/state/nocta";
+        std::filesystem::create_directories(state);
+        writeFile(state + "/location-granted", "");
+        nocta =
+            std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);
+        ASSERT_TRUE(waitForBrightness(0.75)) << contentOf(output);
+    }
+};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaWithGeoClueTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
@@ -105,18 +118,26 @@ TEST_P(NoctaWithGeoClueTest, RememberedGrantRequestsTheLocationAtTheStartWithout
     daemon.start();
     LocationAgent agent(true);
     ASSERT_TRUE(serveUntil([&] { return agent.introduceItself(); }));
-    auto variables = environment();
-    variables["DBUS_SYSTEM_BUS_ADDRESS"] = bus.address();
-    const auto state = home.path() + "/.local/state/nocta";
-    std::filesystem::create_directories(state);
-    writeFile(state + "/location-granted", "");
-
-    nocta = std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);
-    ASSERT_TRUE(waitForBrightness(0.75)) << contentOf(output);
+    startWithGrant(bus);
     ASSERT_TRUE(serveUntil([&] { return daemon.isAsked(); }));
     EXPECT_NE(contentOf(settings).find("locationEnabled=true"), std::string::npos);
     nocta->signal(SIGTERM);
     EXPECT_EQ(nocta->wait(), 0);
+}
+
+TEST_P(NoctaWithGeoClueTest, BusThatAnswersLateIsAskedForTheLocationThen) {
+    const PrivateBus bus("DBUS_SYSTEM_BUS_ADDRESS");
+    GeoClueDaemon daemon;
+    if (!daemon.canStart()) {
+        GTEST_SKIP() << noRight;
+    }
+    daemon.start();
+    LocationAgent agent(true);
+    ASSERT_TRUE(serveUntil([&] { return agent.introduceItself(); }));
+    bus.signal(SIGSTOP);
+    startWithGrant(bus);
+    bus.signal(SIGCONT);
+    EXPECT_TRUE(serveUntil([&] { return daemon.isAsked(); })) << "not only after a minute";
 }
 
 } // namespace
