@@ -82,12 +82,28 @@ private:
     MacAppWindows appWindows_{runLoop_};
 
 public:
-    Desktop ports{
-        bundle_,     runLoop_,          notificationCenter_, userDefaults_, uuidSource_,
-        displays_,   gammaOutput_,      backlight_,          keyEvents_,    locationManager_,
-        loginItem_,  dynamicLibraries_, displayFilter_,      workspace_,    userNotificationCenter_,
-        urlSession_, updater_,          overlayWindows_,     statusBar_,    popover_,
-        appWindows_, application_};
+    Desktop ports{.bundle = bundle_,
+                  .runLoop = runLoop_,
+                  .notificationCenter = notificationCenter_,
+                  .userDefaults = userDefaults_,
+                  .uuidSource = uuidSource_,
+                  .displays = displays_,
+                  .gammaOutput = gammaOutput_,
+                  .backlight = backlight_,
+                  .keyEvents = keyEvents_,
+                  .locationManager = locationManager_,
+                  .loginItem = loginItem_,
+                  .dynamicLibraries = dynamicLibraries_,
+                  .displayFilter = displayFilter_,
+                  .workspace = workspace_,
+                  .userNotificationCenter = userNotificationCenter_,
+                  .urlSession = urlSession_,
+                  .updater = updater_,
+                  .overlayWindows = overlayWindows_,
+                  .statusBar = statusBar_,
+                  .popover = popover_,
+                  .appWindows = appWindows_,
+                  .application = application_};
 };
 
 /// For a second start of a bundle, the system reopens the first process. A second process, which a
