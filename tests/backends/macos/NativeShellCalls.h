@@ -90,8 +90,9 @@ inline constexpr NativeCall nativeShellCalls[] = {
      "if (covers_++ == 0) { windowMayKeepKeyboard_ = NSApp.active || !hasWindow(); }"},
     {"shell/PreviousApplication.h",
      "if (--covers_ == 0 && !(windowMayKeepKeyboard_ && hasWindow())) { activate(); }"},
-    {"shell/PreviousApplication.h", "check_.start(runLoop_, nextWindowTime, Repeat::no, [this] {"
-                                    "if (covers_ == 0 && !hasWindow()) { activate(); } });"},
+    {"shell/PreviousApplication.h",
+     "check_.start(runLoop_, nextWindowTime, Repeat::no, [this] {"
+     "if (covers_ == 0 && NSApp.keyWindow == nil && !hasWindow()) { activate(); } });"},
     {"shell/PreviousApplication.h",
      "if (!NSApp.active || application_ == nil || application_.terminated) { return; }"
      "if (@available(macOS 14.0, *)) {"

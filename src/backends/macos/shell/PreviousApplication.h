@@ -40,7 +40,7 @@ private:
     /// A window that will close is still visible, and Sparkle shows the next one a moment later.
     void checkLater() {
         check_.start(runLoop_, nextWindowTime, Repeat::no, [this] {
-            if (covers_ == 0 && !hasWindow()) {
+            if (covers_ == 0 && NSApp.keyWindow == nil && !hasWindow()) { // a popover may be key
                 activate();
             }
         });
