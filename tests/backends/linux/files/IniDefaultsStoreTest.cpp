@@ -90,7 +90,7 @@ TEST_F(IniDefaultsStoreTest, TurnIsWrittenOnceAfterTheScreen) {
     EXPECT_EQ(store.doubleForKey("unifiedBrightness"), 0.5);
     loop.advance(Duration::zero());
     EXPECT_TRUE(screenIsUpToDate);
-    EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.5\nisFirstLaunch=false\n");
+    EXPECT_EQ(contentOf(file), "[General]\nisFirstLaunch=false\nunifiedBrightness=0.5\n");
     fs::remove(file); // a second write would bring it back
     loop.advance(std::chrono::hours(1));
     EXPECT_FALSE(fs::exists(file)) << "nothing was pending";
