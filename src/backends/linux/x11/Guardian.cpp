@@ -63,6 +63,7 @@ void Guardian::wake() {
     pause_.invalidate();
     helper_.release();
     helperWindow_ = XCB_NONE;
+    wasReady_ = false;
     permission_ = Permission::pending;
     writers_.clear();
 }
@@ -91,7 +92,8 @@ void Guardian::receive() {
 void Guardian::answer(char byte) {
     timeout_.invalidate();
     if (byte == static_cast<char>(GuardianAnswer::ready)) {
-        helperWindow_ = owner();
+        wasReady_ = true;
+        helperWindow_ = owner(); // none if it has died since
         change(Permission::granted);
         return;
     }
@@ -100,7 +102,7 @@ void Guardian::answer(char byte) {
         std::cerr << "nocta: another Nocta controls the gamma of this display" << std::endl;
         writers_.clear();
         change(Permission::refused);
-    } else if (helperWindow_ != XCB_NONE) {
+    } else if (wasReady_) {
         replace();
     } else {
         complain("cannot start ", "");

@@ -69,6 +69,7 @@ private:
     Permission permission_ = Permission::pending;
     std::set<const void*> writers_;
     CallbackList<Permission> changed_;
+    bool wasReady_ = false;                ///< a helper can be started; one that ends is replaced
     xcb_window_t helperWindow_ = XCB_NONE; ///< the window of the last helper that was ready
     int replacements_ = 0;                 ///< without a pause
     MonotonicTime lastDeath_;

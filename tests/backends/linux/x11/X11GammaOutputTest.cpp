@@ -1,10 +1,12 @@
 #include "backends/linux/x11/FactoryRamps.h"
+#include "backends/linux/x11/GuardianProtocol.h"
 #include "backends/linux/x11/X11Session.h"
 #include "support/NoctaProcess.h"
 
 #include <chrono>
 #include <cmath>
 #include <csignal>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace nocta {
@@ -247,6 +249,26 @@ TEST_P(X11GammaOutputTest, ScreenOfADeadProgramIsRestoredEvenIfTheNextExitsAtOnc
     ASSERT_TRUE(session.guardian.isStarting());
     session.gammaOutput.displayRestoreColorSyncSettings();
     EXPECT_TRUE(waitUntil([&] { return session.client.ramp(crtc) == factory; }));
+}
+
+TEST_P(X11GammaOutputTest, GuardianThatDiesAsSoonAsItIsReadyIsReplaced) {
+    const auto socket = dup(STDIN_FILENO);
+    close(socket); // the next descriptor, which the socket to the guardian gets
+    const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
+    session.gammaOutput.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
+    ASSERT_TRUE(waitUntil([&] { // its answer is there, and nobody has read it
+        int length = 0;
+        return ioctl(socket, FIONREAD, &length) == 0 && length == 1;
+    }));
+    const auto first = Guardians::guardiansOf(getpid());
+    ASSERT_EQ(first.size(), 1U);
+    kill(first[0], SIGKILL);
+    const auto selection = session.connection.atom(guardianSelection);
+    ASSERT_TRUE(waitUntil([&] { return !session.connection.isOwned(selection); }));
+    EXPECT_TRUE(serveUntil([&] {
+        const auto now = Guardians::guardiansOf(getpid());
+        return now.size() == 1 && now[0] != first[0];
+    }));
 }
 
 TEST_P(X11GammaOutputTest, DyingServerFailsWithoutACrash) {
