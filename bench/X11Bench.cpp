@@ -3,6 +3,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/SharedInstances.h"
+#include "backends/linux/files/IniDefaultsStore.h"
 #include "backends/linux/shell/QtRunLoop.h"
 #include "backends/linux/x11/X11Connection.h"
 #include "backends/linux/x11/X11Displays.h"
@@ -46,9 +47,14 @@ struct ServerWithOutputs : XServer {
     }
 };
 
-/// The program's services on a real X server and the desktop's own event loop. No file is written.
+/// The program's services on a real X server and the desktop's own event loop. The settings are in
+/// memory, or in a file on the disk.
 struct SessionOnX11 {
-    explicit SessionOnX11(std::int64_t outputs) : server(outputs) {
+    enum class Store { inMemory, onDisk };
+
+    explicit SessionOnX11(std::int64_t outputs, Store store = Store::inMemory)
+        : server(outputs), userDefaults(store == Store::onDisk ? static_cast<DefaultsStore&>(onDisk)
+                                                               : desktop.userDefaults) {
         delegate.applicationDidFinishLaunching();
         do {
             QCoreApplication::processEvents();
@@ -64,11 +70,14 @@ struct SessionOnX11 {
     X11Connection connection{runLoop};
     X11Displays displays{connection, runLoop, desktop.notificationCenter};
     Guardian guardian{connection, runLoop};
+    TemporaryFolder folder;
+    IniDefaultsStore onDisk{folder.path() + "/nocta.conf", runLoop};
+    DefaultsStore& userDefaults;
     X11GammaOutput gammaOutput{connection, displays, guardian};
     Desktop ports{.bundle = desktop.bundle,
                   .runLoop = runLoop,
                   .notificationCenter = desktop.notificationCenter,
-                  .userDefaults = desktop.userDefaults,
+                  .userDefaults = userDefaults,
                   .uuidSource = desktop.uuidSource,
                   .displays = displays,
                   .gammaOutput = gammaOutput,
@@ -92,23 +101,29 @@ struct SessionOnX11 {
     AppDelegate delegate{instances, views};
 };
 
-/// From writing a brightness to the settings until the requests to the X server are flushed.
-/// Includes everything in between except the settings file.
+/// From writing a brightness to the settings until the requests to the X server are flushed. The
+/// second argument says where the settings are; a file is written after that time.
 void sliderToServer(benchmark::State& state) {
-    SessionOnX11 session(state.range(0));
+    using Clock = std::chrono::steady_clock;
+    SessionOnX11 session(state.range(0), static_cast<SessionOnX11::Store>(state.range(1)));
     double brightness = 0;
     for (auto _ : state) {
         brightness = brightness < 1 ? brightness + 0.01 : 0.1;
+        Clock::time_point flushed;
+        const auto start = Clock::now();
         session.instances.settingsManager().unifiedBrightness.set(brightness);
-        QCoreApplication::processEvents(); // the end of the turn, with the flush
+        session.runLoop.post([&] { flushed = Clock::now(); }); // runs right after the flush
+        QCoreApplication::processEvents();
+        state.SetIterationTime(std::chrono::duration<double>(flushed - start).count());
         session.desktop.trace.clear();
-        state.PauseTiming();
         session.connection
             .synchronize(); // the next step finds an idle server, as it does with a real mouse
-        state.ResumeTiming();
     }
 }
-BENCHMARK(sliderToServer)->Arg(1)->Arg(4)->Unit(benchmark::kMicrosecond);
+BENCHMARK(sliderToServer)
+    ->ArgsProduct({{1, 4}, {0, 1}})
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
 
 double processorSeconds() {
     timespec time{};
