@@ -115,6 +115,7 @@ void sliderToServer(benchmark::State& state) {
         session.runLoop.post([&] { flushed = Clock::now(); }); // runs right after the flush
         QCoreApplication::processEvents();
         state.SetIterationTime(std::chrono::duration<double>(flushed - start).count());
+        QCoreApplication::processEvents(); // the file
         session.desktop.trace.clear();
         session.connection
             .synchronize(); // the next step finds an idle server, as it does with a real mouse

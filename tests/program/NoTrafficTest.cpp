@@ -178,7 +178,9 @@ void NoTrafficTest::takeBreaks() {
         await("break", [&] { return isCovered(); });
         press({key});
         await("end of the break", [&] { return !isCovered(); });
-        EXPECT_NE(stored("breakStatistics").find(total), std::string::npos) << contentOf(settings);
+        EXPECT_TRUE(waitUntil([&] {
+            return stored("breakStatistics").find(total) != std::string::npos;
+        })) << contentOf(settings);
     }
 }
 
@@ -242,7 +244,7 @@ void NoTrafficTest::useTheMenu() {
         await("end of the menu", isClosed);
     };
     changeByMenu("unifiedBrightness", {down, rightArrow, down, down, enter}); // 50 %
-    EXPECT_EQ(stored("unifiedBrightness"), "0.5");
+    EXPECT_TRUE(waitUntil([&] { return stored("unifiedBrightness") == "0.5"; }));
     changeByMenu("autoWarmthEnabled", {down, down, rightArrow, down, enter}); // "Manual"
     changeByMenu("autoWarmthEnabled", {down, down, rightArrow, enter});       // "Auto"
     for (int i = 0; i < 2; ++i) {
@@ -281,7 +283,7 @@ void NoTrafficTest::useGeneral() {
     press({tab});
     pressTwice("grayscaleEnabled");
     change("menuBarIcon", {tab, space}); // "Reset to Defaults"
-    EXPECT_EQ(stored("unifiedBrightness"), "0.75");
+    EXPECT_TRUE(waitUntil([&] { return stored("unifiedBrightness") == "0.75"; }));
 }
 
 void NoTrafficTest::useBrightness() {

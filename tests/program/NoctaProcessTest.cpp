@@ -11,7 +11,13 @@
 namespace nocta {
 namespace {
 
-class NoctaProcessTest : public NoctaProcess {};
+class NoctaProcessTest : public NoctaProcess {
+protected:
+    /// The file is written after the screen.
+    bool waitForSettings(const std::string& content) {
+        return waitUntil([&] { return contentOf(settings) == content; });
+    }
+};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaProcessTest, everyServer, serverName);
 
 TEST_P(NoctaProcessTest, KeysDimTheScreenBySixteenthsAndTheSettingFollows) {
@@ -26,7 +32,7 @@ TEST_P(NoctaProcessTest, KeysDimTheScreenBySixteenthsAndTheSettingFollows) {
     ASSERT_TRUE(waitForBrightness(0.0625)); // looks like 0: the faint glow
     client.press(brightnessUpSymbol);
     ASSERT_TRUE(waitForBrightness(0.125));
-    EXPECT_EQ(contentOf(settings), neutralSettings("unifiedBrightness=0.125\n"));
+    EXPECT_TRUE(waitForSettings(neutralSettings("unifiedBrightness=0.125\n")));
 }
 
 TEST_P(NoctaProcessTest, SecondStartShowsThePopoverOfTheFirstAndEnds) {
@@ -198,8 +204,8 @@ TEST_P(NoctaProcessTest, DamagedSettingsAreMovedAsideAndReadablePartsAreUsed) {
     startAndWaitFor(0.75);
     client.press(brightnessDownSymbol);
     ASSERT_TRUE(waitForBrightness(0.6875));
+    EXPECT_TRUE(waitForSettings(neutralSettings("unifiedBrightness=0.6875\n")));
     EXPECT_EQ(contentOf(settings + ".damaged"), neutralSettings("no settings at all"));
-    EXPECT_EQ(contentOf(settings), neutralSettings("unifiedBrightness=0.6875\n"));
 }
 
 TEST_P(NoctaProcessTest, MeaninglessSettingsDoNoHarm) {

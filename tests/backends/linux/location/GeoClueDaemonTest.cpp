@@ -120,7 +120,8 @@ TEST_P(NoctaWithGeoClueTest, RememberedGrantRequestsTheLocationAtTheStartWithout
     ASSERT_TRUE(serveUntil([&] { return agent.introduceItself(); }));
     startWithGrant(bus);
     ASSERT_TRUE(serveUntil([&] { return daemon.isAsked(); }));
-    EXPECT_NE(contentOf(settings).find("locationEnabled=true"), std::string::npos);
+    EXPECT_TRUE(waitUntil(
+        [&] { return contentOf(settings).find("locationEnabled=true") != std::string::npos; }));
     nocta->signal(SIGTERM);
     EXPECT_EQ(nocta->wait(), 0);
 }
