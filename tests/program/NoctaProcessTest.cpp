@@ -94,7 +94,7 @@ TEST_P(NoctaProcessTest, SecondStartBeforeThePanelsTimeLeavesThePopoverOpen) {
 TEST_P(NoctaProcessTest, StartWhileTheLastOneEndsTakesItsPlace) {
     startAndWaitFor(0.75);
     client.press(brightnessDownSymbol); // creates the settings file
-    ASSERT_TRUE(waitForBrightness(0.6875));
+    ASSERT_TRUE(waitForSettings(neutralSettings("unifiedBrightness=0.6875\n")));
     for (const auto* const brightness : {"0.4", "0.5", "0.4", "0.5"}) {
         writeFile(settings, neutralSettings("unifiedBrightness=" + std::string(brightness) + "\n"));
         const auto last = std::move(nocta);
