@@ -124,6 +124,18 @@ TEST_P(NoctaMuteBusTest, MuteBusesBlockNothing) {
     }
 }
 
+TEST_P(NoctaMuteBusTest, BusesThatFallSilentAfterTheirFirstClientBlockNothing) {
+    for (const auto after : everyMuteness) {
+        SCOPED_TRACE(static_cast<int>(after));
+        const MuteBus session(after, 1);
+        const MuteBus system(after, 1);
+        variables["DBUS_SESSION_BUS_ADDRESS"] = session.address();
+        variables["DBUS_SYSTEM_BUS_ADDRESS"] = system.address();
+        writeFile(settings, neutralSettings());
+        expectADay();
+    }
+}
+
 TEST_P(NoctaMuteBusTest, MissingAddressBlocksNothing) {
     variables["DBUS_SESSION_BUS_ADDRESS"] = "";
     variables["DBUS_SYSTEM_BUS_ADDRESS"] = "";

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <map>
 #include <poll.h>
+#include <set>
 #include <string_view>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -26,9 +27,16 @@ constexpr std::string_view welcome("l\2\1\1"
                                    "\4\0\0\0:1.1\0",
                                    41);
 
+/// An empty reply to the second call.
+constexpr std::string_view reply("l\2\1\1"
+                                 "\0\0\0\0\2\0\0\0\10\0\0\0"
+                                 "\5\1u\0\2\0\0\0",
+                                 24);
+
 } // namespace
 
-MuteBus::MuteBus(After after) : after_(after) {
+MuteBus::MuteBus(After after, int answeredClients)
+    : after_(after), answeredClients_(answeredClients) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     (folder_.path() + "/bus").copy(address.sun_path, sizeof address.sun_path - 1);
@@ -48,6 +56,7 @@ MuteBus::~MuteBus() {
 
 void MuteBus::serve() {
     std::map<int, std::string> heard; // by client
+    std::set<int> answered;
     for (bool isOver = false; !isOver;) {
         std::vector<pollfd> readable = {{end_[0], POLLIN, 0}, {listener_, POLLIN, 0}};
         for (const auto& [client, text] : heard) {
@@ -56,7 +65,12 @@ void MuteBus::serve() {
         poll(readable.data(), readable.size(), -1);
         isOver = readable[0].revents != 0;
         if (readable[1].revents != 0) {
-            heard[accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC)];
+            const auto client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+            heard[client];
+            if (answeredClients_ > 0) {
+                --answeredClients_;
+                answered.insert(client);
+            }
         }
         for (std::size_t i = 2; i < readable.size(); ++i) {
             const auto client = readable[i].fd;
@@ -70,11 +84,13 @@ void MuteBus::serve() {
             if (length <= 0) {
                 close(client);
                 heard.erase(client);
+                answered.erase(client);
                 continue;
             }
             auto& text = heard[client];
             text.append(block.data(), static_cast<std::size_t>(length));
-            if (after_ == After::accepting) {
+            const auto isAnswered = answered.contains(client);
+            if (after_ == After::accepting && !isAnswered) {
                 continue;
             }
             if (text.find("AUTH EXTERNAL 3") != std::string::npos) {
@@ -83,8 +99,12 @@ void MuteBus::serve() {
             } else if (text.find("NEGOTIATE_UNIX_FD\r\n") != std::string::npos) {
                 say(client, "AGREE_UNIX_FD\r\n");
                 text.clear();
-            } else if (after_ == After::hello && text.find("Hello") != std::string::npos) {
+            } else if ((after_ == After::hello || isAnswered) &&
+                       text.find("Hello") != std::string::npos) {
                 say(client, welcome);
+                if (isAnswered) {
+                    say(client, reply);
+                }
                 text.clear();
             }
         }

@@ -12,7 +12,8 @@ class MuteBus {
 public:
     enum class After { accepting, authentication, hello };
 
-    explicit MuteBus(After after);
+    /// The first `answeredClients` clients are served until they have asked a question.
+    explicit MuteBus(After after, int answeredClients = 0);
     MuteBus(const MuteBus&) = delete;
     MuteBus& operator=(const MuteBus&) = delete;
     ~MuteBus();
@@ -24,6 +25,7 @@ private:
 
     TemporaryFolder folder_;
     After after_;
+    int answeredClients_;
     int listener_ = -1;
     int end_[2] = {-1, -1};
     std::thread thread_;

@@ -57,9 +57,11 @@ FreedesktopNotifications::FreedesktopNotifications() {
 
 void FreedesktopNotifications::follow(const QDBusConnection& bus) {
     bus_ = bus;
-    bus_.connect(service, path, service, QStringLiteral("ActionInvoked"), &signals_,
+    // Accepted from any sender: given a service name, Qt would block while it asks the bus who owns
+    // the name, and each signal is compared with what was shown by its sender.
+    bus_.connect(QString(), path, service, QStringLiteral("ActionInvoked"), &signals_,
                  SLOT(actionInvoked(unsigned int, QString, QDBusMessage)));
-    bus_.connect(service, path, service, QStringLiteral("NotificationClosed"), &signals_,
+    bus_.connect(QString(), path, service, QStringLiteral("NotificationClosed"), &signals_,
                  SLOT(notificationClosed(unsigned int, unsigned int, QDBusMessage)));
 }
 

@@ -1,5 +1,7 @@
 #include "backends/linux/bus/MessageBus.h"
 
+#include "backends/linux/bus/ConnectLimit.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -70,7 +72,10 @@ void MessageBus::settle() {
     if (probe->state() != BusProbe::State::answered) {
         return;
     }
-    const auto bus = QDBusConnection::connectToBus(QString::fromStdString(probe->address()), name_);
+    const auto bus = [&] {
+        const ConnectLimit limit;
+        return QDBusConnection::connectToBus(QString::fromStdString(probe->address()), name_);
+    }();
     if (bus.isConnected()) {
         observers_.call(bus);
     }

@@ -18,8 +18,7 @@ namespace nocta {
 /// silent counts as missing until it answers. Callers wait for it at most as long as a working bus
 /// needs, counted from the first call. The connection is made on first use, and made again after
 /// its bus has gone and come back; Qt's own connections never come back. Both connections live as
-/// long as the process. A bus that falls silent just after its answer is not handled: the D-Bus
-/// library blocks on it while connecting.
+/// long as the process.
 class MessageBus {
 public:
     static MessageBus& session();

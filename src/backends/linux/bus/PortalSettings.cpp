@@ -29,7 +29,10 @@ PortalSettings::PortalSettings(QStringList namespaces, std::function<void(Settin
 
 void PortalSettings::follow(QDBusConnection bus) {
     portal_.setConnection(bus);
-    bus.connect(service, path, interface, QStringLiteral("SettingChanged"), &read_, SLOT(start()));
+    // Accepted from any sender: given a service name, Qt would block while it asks the bus who owns
+    // the name, and the signal only makes us ask the portal.
+    bus.connect(QString(), path, interface, QStringLiteral("SettingChanged"), &read_,
+                SLOT(start()));
     read();
 }
 

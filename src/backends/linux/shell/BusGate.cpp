@@ -1,5 +1,6 @@
 #include "backends/linux/shell/BusGate.h"
 
+#include "backends/linux/bus/ConnectLimit.h"
 #include "backends/linux/bus/MessageBus.h"
 
 #include <algorithm>
@@ -46,15 +47,25 @@ bool isInputMethodPortalMute(const std::string& bus) {
     return portal.waitFor(maxInputMethodWait) == BusProbe::State::pending;
 }
 
+/// Makes the connection that Qt itself uses. Before the application object exists, nothing else
+/// opens a socket meanwhile.
+bool connectQt() {
+    const ConnectLimit limit;
+    return QDBusConnection::sessionBus().isConnected();
+}
+
 } // namespace
 
 BusGate::BusGate() {
     auto& bus = MessageBus::session();
     bus.keepAddress();
     MessageBus::system().waitFor(0ms); // starts its probe at the same time
-    const auto hasAnswered = bus.waitFor(maxWait) == BusProbe::State::answered;
-    setAddress(hasAnswered ? bus.address() : noBus);
-    if (hasAnswered && usesInputMethodPortal() && isInputMethodPortalMute(bus.address())) {
+    setAddress(bus.address());
+    if (bus.waitFor(maxWait) != BusProbe::State::answered || !connectQt()) {
+        setAddress(noBus);
+        return;
+    }
+    if (usesInputMethodPortal() && isInputMethodPortalMute(bus.address())) {
         setenv(inputMethodVariable, inputMethodOfNobody, 1);
         unsetenv(inputMethodsVariable);
     }

@@ -51,7 +51,9 @@ void SystemTray::whenAvailable(std::function<void()> action) {
 
 void SystemTray::follow(QDBusConnection bus) {
     watcher_.setConnection(bus);
-    bus.connect(watcherService, watcherPath, watcherService,
+    // Accepted from any sender: given a service name, Qt would block while it asks the bus who owns
+    // the name, and the signal only makes us ask the watcher.
+    bus.connect(QString(), watcherPath, watcherService,
                 QStringLiteral("StatusNotifierHostRegistered"), &question_, SLOT(start()));
     askForHost();
 }
