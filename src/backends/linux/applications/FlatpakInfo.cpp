@@ -1,6 +1,7 @@
 #include "backends/linux/applications/FlatpakInfo.h"
 
 #include "backends/linux/files/FileDescriptor.h"
+#include "backends/linux/files/KeyFile.h"
 
 #include <algorithm>
 #include <array>
@@ -18,9 +19,6 @@ namespace {
 constexpr std::size_t readLength = 4096;
 constexpr std::size_t maxIdLength = 255;
 
-constexpr std::string_view group = "[Application]";
-constexpr std::string_view key = "name=";
-
 bool isId(std::string_view text) {
     return !text.empty() && text.size() <= maxIdLength &&
            std::ranges::all_of(text, [](char letter) {
@@ -30,18 +28,13 @@ bool isId(std::string_view text) {
 }
 
 std::string nameIn(std::string_view text) {
-    bool isInGroup = false;
-    while (!text.empty()) {
-        const auto line = text.substr(0, text.find('\n'));
-        text.remove_prefix(std::min(text.size(), line.size() + 1));
-        if (line.starts_with('[')) {
-            isInGroup = line == group;
-        } else if (isInGroup && line.starts_with(key)) {
-            const auto name = line.substr(key.size());
-            return std::string(isId(name) ? name : std::string_view());
-        }
+    if (text.size() == readLength) { // without the line that was cut off
+        text = text.substr(0, text.rfind('\n') + 1);
     }
-    return {};
+    g_autoptr(GKeyFile) file = parseKeyFile(std::string(text));
+    g_autofree char* name =
+        file == nullptr ? nullptr : g_key_file_get_string(file, "Application", "name", nullptr);
+    return name != nullptr && isId(name) ? name : std::string();
 }
 
 } // namespace

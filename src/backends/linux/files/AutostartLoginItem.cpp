@@ -1,15 +1,16 @@
 #include "backends/linux/files/AutostartLoginItem.h"
 
 #include "backends/linux/files/FileContent.h"
+#include "backends/linux/files/KeyFile.h"
 #include "backends/linux/files/PrivateFolder.h"
 
-#include <QByteArray>
 #include <QSaveFile>
 #include <QString>
 
 #include <cerrno>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -20,40 +21,29 @@ namespace {
 
 constexpr std::size_t maxEntrySize = 1 << 16; // bytes
 
-/// Escapes an argument of an Exec line. It is quoted, with a backslash before characters that are
-/// special inside quotes. As in every string of a desktop entry, backslashes are doubled; so are
-/// percent signs, which would start a field code.
-QByteArray execArgument(const std::filesystem::path& path) {
-    QByteArray quoted;
+constexpr auto group = "Desktop Entry";
+
+/// Quotes an argument of an Exec line, with a backslash before characters that are special inside
+/// quotes. Percent signs are doubled; otherwise they would start a field code.
+std::string execArgument(const std::filesystem::path& path) {
+    std::string quoted = "\"";
     for (const auto character : path.native()) {
-        switch (character) {
-        case '\\':
-            quoted += R"(\\\\)";
-            break;
-        case '"':
-        case '`':
-        case '$':
-            quoted += R"(\\)";
-            quoted += character;
-            break;
-        case '%':
-            quoted += "%%";
-            break;
-        case '\n':
-            quoted += R"(\n)";
-            break;
-        default:
-            quoted += character;
+        if (std::string_view("\\\"`$").find(character) != std::string_view::npos) {
+            quoted += '\\';
+        }
+        quoted += character;
+        if (character == '%') {
+            quoted += '%';
         }
     }
-    return '"' + quoted + '"';
+    return quoted + '"';
 }
 
-/// The keys that desktop tools set to disable an entry.
-bool switchesOff(const QByteArray& key, const QByteArray& value) {
-    return (key == "Hidden" && value == "true") ||
-           (key == "X-GNOME-Autostart-enabled" && value == "false") ||
-           (key == "X-MATE-Autostart-enabled" && value == "false");
+/// Whether the entry has this value for a key.
+bool has(GKeyFile* entry, const char* key, bool value) {
+    g_autoptr(GError) error = nullptr;
+    const auto found = g_key_file_get_boolean(entry, group, key, &error) != FALSE;
+    return error == nullptr && found == value;
 }
 
 } // namespace
@@ -66,45 +56,36 @@ LoginItem::Status AutostartLoginItem::status() {
     if (readFile(entry_, maxEntrySize, content) != 0) {
         return Status::notRegistered;
     }
-    bool isInside = false;
-    auto status = Status::notRegistered;
-    for (const auto& line : QByteArray::fromStdString(content).split('\n')) {
-        const auto text = line.trimmed();
-        if (text.startsWith('[')) {
-            isInside = text == "[Desktop Entry]";
-            continue;
-        }
-        const auto equals = text.indexOf('=');
-        if (!isInside || equals < 0) {
-            continue;
-        }
-        const auto key = text.left(equals).trimmed();
-        const auto value = text.mid(equals + 1).trimmed();
-        if (switchesOff(key, value)) {
-            return Status::notRegistered;
-        }
-        if (key == "Exec" && !value.isEmpty()) {
-            status = Status::enabled;
-        }
+    g_autoptr(GKeyFile) entry = parseKeyFile(content);
+    if (entry == nullptr) {
+        return Status::notRegistered;
     }
-    return status;
+    g_autofree char* command = g_key_file_get_string(entry, group, "Exec", nullptr);
+    // Desktop tools set these keys to disable an entry.
+    const auto isDisabled = has(entry, "Hidden", true) ||
+                            has(entry, "X-GNOME-Autostart-enabled", false) ||
+                            has(entry, "X-MATE-Autostart-enabled", false);
+    return command == nullptr || *command == '\0' || isDisabled ? Status::notRegistered
+                                                                : Status::enabled;
 }
 
 std::optional<std::string> AutostartLoginItem::registerItem() {
     if (const auto error = createPrivateFolders(entry_.parent_path())) {
         return error.message();
     }
+    g_autoptr(GKeyFile) entry = g_key_file_new();
+    const auto set = [&](const char* key, const std::string& value) {
+        g_key_file_set_string(entry, group, key, value.c_str());
+    };
+    set("Type", "Application");
+    set("Name", "Nocta");
+    set("Icon", "nocta");
+    set("Exec", execArgument(program_));
+    set("Terminal", "false");
+    g_autofree char* text = g_key_file_to_data(entry, nullptr, nullptr);
     QSaveFile file(QString::fromStdString(entry_.string())); // replaces in one step
-    const auto text = "[Desktop Entry]\n"
-                      "Type=Application\n"
-                      "Name=Nocta\n"
-                      "Icon=nocta\n"
-                      "Exec=" +
-                      execArgument(program_) +
-                      "\n"
-                      "Terminal=false\n";
     // Some write errors only show when the buffer is flushed, and `commit` does not report them.
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.flush() ||
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) < 0 || !file.flush() ||
         !file.commit()) {
         return file.errorString().toStdString();
     }

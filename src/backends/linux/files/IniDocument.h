@@ -8,7 +8,8 @@
 
 namespace nocta {
 
-/// The text of an INI file. The keys under [General] (or before any section) are ours. Everything
+/// The text of an INI file, of which a damaged line costs only itself; GLib's key files and Qt's
+/// settings lose more. The keys under [General] (or before any section) are ours. Everything
 /// else, including other sections and comments, stays in place when the text is written back.
 ///
 /// Values are `true`, `false`, numbers in C notation, and text. Text that would be read as

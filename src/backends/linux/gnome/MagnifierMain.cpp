@@ -17,7 +17,6 @@
 #include <filesystem>
 #include <gio/gio.h>
 #include <iostream>
-#include <memory>
 #include <optional>
 #include <string>
 #include <sys/file.h>
@@ -54,86 +53,72 @@ constexpr auto asItIs = std::to_array<Setting>({
     {applicationsSchema, "screen-magnifier-enabled", "true"},
 });
 
-template <auto release>
-struct Release {
-    template <class Object>
-    void operator()(Object* object) const {
-        release(object);
-    }
-};
-template <class Object, auto release>
-using Owned = std::unique_ptr<Object, Release<release>>;
-using Schema = Owned<GSettingsSchema, g_settings_schema_unref>;
-using Settings = Owned<GSettings, g_object_unref>;
-using Variant = Owned<GVariant, g_variant_unref>;
-using KeyFile = Owned<GKeyFile, g_key_file_unref>;
-using Text = Owned<char, g_free>;
-using Texts = Owned<char*, g_strfreev>;
-
-/// Null if the schema or the key is not installed: GLib aborts a program that uses it anyway.
-Settings settingsWith(const char* schemaId, const char* key) {
+/// Null if the schema or the key is not installed: GLib aborts a program that uses it anyway. The
+/// caller owns the result.
+GSettings* settingsWith(const char* schemaId, const char* key) {
     auto* const source = g_settings_schema_source_get_default();
-    const Schema schema(
-        source == nullptr ? nullptr : g_settings_schema_source_lookup(source, schemaId, TRUE));
-    return Settings(schema && g_settings_schema_has_key(schema.get(), key) != FALSE
-                        ? g_settings_new(schemaId)
-                        : nullptr);
+    g_autoptr(GSettingsSchema) schema =
+        source == nullptr ? nullptr : g_settings_schema_source_lookup(source, schemaId, TRUE);
+    return schema != nullptr && g_settings_schema_has_key(schema, key) != FALSE
+               ? g_settings_new(schemaId)
+               : nullptr;
 }
 
 bool isAvailable() {
-    return settingsWith(magnifierSchema, withoutColor.key) &&
-           settingsWith(applicationsSchema, asItIs.back().key);
+    g_autoptr(GSettings) magnifier = settingsWith(magnifierSchema, withoutColor.key);
+    g_autoptr(GSettings) applications = settingsWith(applicationsSchema, asItIs.back().key);
+    return magnifier != nullptr && applications != nullptr;
 }
 
 bool isMagnifierOn() {
-    const auto settings = settingsWith(applicationsSchema, asItIs.back().key);
-    return g_settings_get_boolean(settings.get(), asItIs.back().key) != FALSE;
+    g_autoptr(GSettings) settings = settingsWith(applicationsSchema, asItIs.back().key);
+    return g_settings_get_boolean(settings, asItIs.back().key) != FALSE;
 }
 
 bool isGray() {
-    const auto settings = settingsWith(magnifierSchema, withoutColor.key);
-    return isMagnifierOn() && g_settings_get_double(settings.get(), withoutColor.key) == 0;
+    g_autoptr(GSettings) settings = settingsWith(magnifierSchema, withoutColor.key);
+    return isMagnifierOn() && g_settings_get_double(settings, withoutColor.key) == 0;
 }
 
 /// Sets a key; an empty text resets it, because the user had not set a value.
 void set(const char* schema, const char* key, const std::string& text) {
-    const auto settings = settingsWith(schema, key);
-    if (!settings) {
+    g_autoptr(GSettings) settings = settingsWith(schema, key);
+    if (settings == nullptr) {
         return;
     }
     if (text.empty()) {
-        g_settings_reset(settings.get(), key);
+        g_settings_reset(settings, key);
         return;
     }
-    const Variant now(g_settings_get_value(settings.get(), key));
-    const Variant value(
-        g_variant_parse(g_variant_get_type(now.get()), text.c_str(), nullptr, nullptr, nullptr));
-    if (value) { // otherwise someone has edited the file
-        g_settings_set_value(settings.get(), key, value.get());
+    g_autoptr(GVariant) now = g_settings_get_value(settings, key);
+    g_autoptr(GVariant) value =
+        g_variant_parse(g_variant_get_type(now), text.c_str(), nullptr, nullptr, nullptr);
+    if (value != nullptr) { // otherwise someone has edited the file
+        g_settings_set_value(settings, key, value);
     }
 }
 
 void note(GKeyFile* file, const Setting& setting) {
-    const auto settings = settingsWith(setting.schema, setting.key);
-    if (!settings) {
+    g_autoptr(GSettings) settings = settingsWith(setting.schema, setting.key);
+    if (settings == nullptr) {
         return;
     }
-    const Variant value(g_settings_get_user_value(settings.get(), setting.key));
-    const Text text(value ? g_variant_print(value.get(), FALSE) : nullptr);
-    g_key_file_set_value(file, setting.schema, setting.key, text ? text.get() : "");
+    g_autoptr(GVariant) value = g_settings_get_user_value(settings, setting.key);
+    g_autofree char* text = value == nullptr ? nullptr : g_variant_print(value, FALSE);
+    g_key_file_set_value(file, setting.schema, setting.key, text == nullptr ? "" : text);
 }
 
 /// Changes nothing unless the old values could be saved.
 void turnGray(const std::string& stateFile) {
     const auto changesMore = !isMagnifierOn();
-    const KeyFile file(g_key_file_new());
-    note(file.get(), withoutColor);
+    g_autoptr(GKeyFile) file = g_key_file_new();
+    note(file, withoutColor);
     if (changesMore) {
         for (const auto& setting : asItIs) {
-            note(file.get(), setting);
+            note(file, setting);
         }
     }
-    if (g_key_file_save_to_file(file.get(), stateFile.c_str(), nullptr) == FALSE) {
+    if (g_key_file_save_to_file(file, stateFile.c_str(), nullptr) == FALSE) {
         std::cerr << "nocta: cannot write " << stateFile << "; the screen keeps its colors"
                   << std::endl;
         return;
@@ -148,16 +133,15 @@ void turnGray(const std::string& stateFile) {
 }
 
 void putBack(const std::string& stateFile) {
-    const KeyFile file(g_key_file_new());
-    if (g_key_file_load_from_file(file.get(), stateFile.c_str(), G_KEY_FILE_NONE, nullptr) ==
-        FALSE) {
+    g_autoptr(GKeyFile) file = g_key_file_new();
+    if (g_key_file_load_from_file(file, stateFile.c_str(), G_KEY_FILE_NONE, nullptr) == FALSE) {
         return;
     }
     const auto putBackGroup = [&](const char* schema) {
-        const Texts keys(g_key_file_get_keys(file.get(), schema, nullptr, nullptr));
-        for (auto* const* key = keys.get(); key != nullptr && *key != nullptr; ++key) {
-            const Text value(g_key_file_get_value(file.get(), schema, *key, nullptr));
-            set(schema, *key, value ? value.get() : "");
+        g_auto(GStrv) keys = g_key_file_get_keys(file, schema, nullptr, nullptr);
+        for (auto** key = keys; key != nullptr && *key != nullptr; ++key) {
+            g_autofree char* value = g_key_file_get_value(file, schema, *key, nullptr);
+            set(schema, *key, value == nullptr ? "" : value);
         }
     };
     putBackGroup(applicationsSchema); // off first, so that the user does not see the other changes
