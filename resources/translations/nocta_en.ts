@@ -724,5 +724,29 @@
         <source>Nocta %1 could not be installed</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>nocta-fetch cannot be started</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The feed cannot be read</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server answered with an error</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The package could not be opened</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file cannot be kept</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

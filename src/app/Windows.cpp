@@ -1,5 +1,7 @@
 #include "app/Windows.h"
 
+#include "base/Translatable.h"
+
 #include <variant>
 
 namespace nocta {
@@ -9,7 +11,7 @@ namespace {
 constexpr AppWindows::Style preferencesStyle = {
     .title = "Preferences",
     .styleMask = AppWindows::titled | AppWindows::closable | AppWindows::miniaturizable};
-constexpr AppWindows::Style updateStyle = {.title = "Software Update",
+constexpr AppWindows::Style updateStyle = {.title = translatable("Nocta", "Software Update"),
                                            .styleMask = AppWindows::titled | AppWindows::closable};
 
 /// Whether the stage comes from what the user has just asked for.

@@ -1,5 +1,6 @@
 #include "settings/Profile.h"
 
+#include "base/Translatable.h"
 #include "settings/JsonInteger.h"
 
 #include <nlohmann/json.hpp>
@@ -17,9 +18,12 @@ struct Presentation {
 };
 
 constexpr std::array presentations = {
-    Presentation{"Everyday", "sun.max", "Balanced for daily use"},
-    Presentation{"Night Owl", "moon.stars", "Warmer & dimmer for night"},
-    Presentation{"Focus", "brain.head.profile", "Minimal distractions"},
+    Presentation{translatable("Nocta", "Everyday"), "sun.max",
+                 translatable("Nocta", "Balanced for daily use")},
+    Presentation{translatable("Nocta", "Night Owl"), "moon.stars",
+                 translatable("Nocta", "Warmer & dimmer for night")},
+    Presentation{translatable("Nocta", "Focus"), "brain.head.profile",
+                 translatable("Nocta", "Minimal distractions")},
 };
 
 constexpr Presentation otherPresentation = {"", "circle", ""};

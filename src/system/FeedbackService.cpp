@@ -1,5 +1,7 @@
 #include "system/FeedbackService.h"
 
+#include "base/Translatable.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -22,9 +24,10 @@ struct Presentation {
     std::string_view label;
 };
 
-constexpr std::array presentations = {Presentation{"suggestion", "Suggestion"},
-                                      Presentation{"bug", "Bug report"},
-                                      Presentation{"other", "Other"}};
+constexpr std::array presentations = {
+    Presentation{"suggestion", translatable("Nocta", "Suggestion")},
+    Presentation{"bug", translatable("Nocta", "Bug report")},
+    Presentation{"other", translatable("Nocta", "Other")}};
 
 /// Unicode white space and line ends, in UTF-8.
 constexpr std::array<std::string_view, 25> blanks = {
@@ -82,7 +85,7 @@ void FeedbackService::send() {
         body.clear();
     }
     if (apiBase_.empty() || body.empty()) {
-        errorMessage.set("Failed to prepare request");
+        errorMessage.set(translatable("Nocta", "Failed to prepare request"));
         isSending.set(false);
         return;
     }
@@ -107,7 +110,7 @@ void FeedbackService::complete(const UrlResponse& response) {
     } else if (response.statusCode == succeeded) {
         sent.set(true);
     } else {
-        errorMessage.set("Failed to send. Please try again.");
+        errorMessage.set(translatable("Nocta", "Failed to send. Please try again."));
     }
 }
 

@@ -1,5 +1,7 @@
 #include "system/NotificationService.h"
 
+#include "base/Translatable.h"
+
 #include <iostream>
 
 namespace nocta {
@@ -13,8 +15,9 @@ NotificationService::NotificationService(UserNotificationCenter& center, BreakTi
     : center_(center), breakTimer_(breakTimer) {
     center_.setNotificationCategories(
         {{.identifier = "BREAK_REMINDER",
-          .actions = {{.identifier = skipAction, .title = "Skip"},
-                      {.identifier = snoozeAction, .title = "Snooze 5 min"}}}});
+          .actions = {
+              {.identifier = skipAction, .title = translatable("Nocta", "Skip")},
+              {.identifier = snoozeAction, .title = translatable("Nocta", "Snooze 5 min")}}}});
     center_.setDelegate(this);
 }
 

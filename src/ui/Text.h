@@ -8,7 +8,8 @@
 namespace nocta {
 
 /// The texts on screen. `Text::tr` translates the texts of the views; `Text::of` translates English
-/// texts from services and ports. Both use one context, so that each language is one file.
+/// texts from services and ports up to ": ", after which the details are shown as they are. Both use
+/// one context, so that each language is one file.
 ///
 ///     new Label(Text::tr("Warmth"));
 ///     new Label(Text::of(profile.name));

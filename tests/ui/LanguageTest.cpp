@@ -2,6 +2,7 @@
 
 #include "support/Face.h"
 #include "ui/Descriptions.h"
+#include "ui/Text.h"
 
 #include <QComboBox>
 #include <QFile>
@@ -104,6 +105,16 @@ TEST_F(LanguageTest, TranslatorsFindEveryTextThatIsShown) {
     for (const auto& text : expected) {
         EXPECT_TRUE(found.contains(text))
             << text.toStdString() << ": build the target translations to update the files";
+    }
+}
+
+TEST_F(LanguageTest, DetailsOfATextAreShownAsTheyAre) {
+    const Recorder recorder;
+    EXPECT_EQ(Text::of("The file cannot be kept: /tmp: No space left on device"),
+              "The file cannot be kept: /tmp: No space left on device");
+    EXPECT_EQ(recorder.asked, (std::set<QString>{"The file cannot be kept", "%1: %2"}));
+    for (const auto& text : recorder.asked) {
+        EXPECT_TRUE(textsInFile().contains(text)) << text.toStdString();
     }
 }
 

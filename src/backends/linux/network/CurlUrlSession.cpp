@@ -4,6 +4,7 @@
 #include "backends/linux/process/HelperProcess.h"
 #include "base/Deferred.h"
 #include "base/Timer.h"
+#include "base/Translatable.h"
 
 #include <nlohmann/json.hpp>
 
@@ -22,8 +23,12 @@ namespace {
 
 // Indexed by FetchError. None of them contains text from the server.
 constexpr std::array errorTexts = {
-    "The connection was lost",      "The server was not found", "The server cannot be reached",
-    "The server cannot be trusted", "Too many redirects",       "The address is not encrypted",
+    translatable("Nocta", "The connection was lost"),
+    translatable("Nocta", "The server was not found"),
+    translatable("Nocta", "The server cannot be reached"),
+    translatable("Nocta", "The server cannot be trusted"),
+    translatable("Nocta", "Too many redirects"),
+    translatable("Nocta", "The address is not encrypted"),
 };
 static_assert(errorTexts.size() == static_cast<std::size_t>(FetchError::count));
 
@@ -61,13 +66,13 @@ public:
         }
         const auto question = serialized(request, certificates);
         if (!helper_.start("nocta-fetch") || !helper_.send(question.data(), question.size())) {
-            refuse("The network cannot be used: cannot start nocta-fetch");
+            refuse(translatable("Nocta", "nocta-fetch cannot be started"));
             return;
         }
         helper_.endInput();
         helper_.whenReadable([this] { receive(); });
         timeout_.start(runLoop, request.timeout, Repeat::no,
-                       [this] { finish({.error = "It took too long"}); });
+                       [this] { finish({.error = translatable("Nocta", "It took too long")}); });
     }
 
     /// No callback is called after this.

@@ -1,6 +1,7 @@
 #include "backends/linux/updates/Appcast.h"
 
 #include "backends/linux/updates/ReleaseNotes.h"
+#include "base/Translatable.h"
 
 #include <QXmlStreamReader>
 
@@ -64,7 +65,7 @@ public:
 
 private:
     static Appcast refused(const std::string& reason) {
-        return {.error = "The feed cannot be read: " + reason};
+        return {.error = translatable("Nocta", "The feed cannot be read") + (": " + reason)};
     }
 
     bool is(QLatin1String space, QLatin1String name) const {

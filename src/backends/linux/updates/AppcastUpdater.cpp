@@ -1,6 +1,7 @@
 #include "backends/linux/updates/AppcastUpdater.h"
 
 #include "backends/linux/updates/VersionOrder.h"
+#include "base/Translatable.h"
 
 #include <algorithm>
 #include <array>
@@ -44,16 +45,16 @@ bool isForThisSystem(const AppcastItem& item, const std::string& systemVersion) 
 /// Why a release cannot be offered, known before its file is loaded.
 std::optional<std::string> problemWith(const AppcastItem& item) {
     if (!item.url.starts_with("https://")) {
-        return "The file's address is not encrypted";
+        return translatable("Nocta", "The file's address is not encrypted");
     }
     if (!ed25519Signature(item.edSignature)) {
-        return "The file is not signed";
+        return translatable("Nocta", "The file is not signed");
     }
     if (item.length <= 0 || item.length > maxFileSize) {
-        return "The feed gives no valid length for the file";
+        return translatable("Nocta", "The feed gives no valid length for the file");
     }
     if (!packageName(item.url)) {
-        return "The file is not a package";
+        return translatable("Nocta", "The file is not a package");
     }
     return std::nullopt;
 }
@@ -182,7 +183,7 @@ void AppcastUpdater::check() {
 
 void AppcastUpdater::receiveFeed(std::string_view piece) {
     if (piece.size() > maxFeedSize - feed_.size()) {
-        fail("The feed is too long");
+        fail(translatable("Nocta", "The feed is too long"));
         return;
     }
     feed_ += piece;
@@ -337,7 +338,8 @@ void AppcastUpdater::load(const std::string& url, Duration timeout,
             if (response.error) {
                 fail(*response.error);
             } else if (response.statusCode != succeeded) {
-                fail("The server answered " + std::to_string(*response.statusCode));
+                fail(translatable("Nocta", "The server answered with an error") +
+                     (": " + std::to_string(*response.statusCode)));
             } else {
                 (this->*received)();
             }

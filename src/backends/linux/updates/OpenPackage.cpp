@@ -1,5 +1,7 @@
 #include "backends/linux/updates/OpenPackage.h"
 
+#include "base/Translatable.h"
+
 #include <QProcess>
 
 #include <memory>
@@ -28,7 +30,8 @@ Subscription openPackage(const std::filesystem::path& package,
     std::shared_ptr<QProcess> opener(new QProcess, Later());
     const auto finish = [package, opened = std::move(opened)](bool isOpened) {
         opened(isOpened ? std::nullopt
-                        : std::optional("The package could not be opened: " + package.string()));
+                        : std::optional(translatable("Nocta", "The package could not be opened") +
+                                        (": " + package.string())));
     };
     QObject::connect(opener.get(), &QProcess::finished, opener.get(),
                      [finish](int exitCode, QProcess::ExitStatus status) {

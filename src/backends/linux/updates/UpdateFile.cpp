@@ -1,10 +1,19 @@
 #include "backends/linux/updates/UpdateFile.h"
 
 #include "backends/linux/files/PrivateFolder.h"
+#include "base/Translatable.h"
 
 #include <system_error>
 
 namespace nocta {
+
+namespace {
+
+std::string cannotKeep(const std::string& reason) {
+    return translatable("Nocta", "The file cannot be kept") + (": " + reason);
+}
+
+} // namespace
 
 UpdateFile::UpdateFile(const std::filesystem::path& file, std::int64_t length,
                        const Ed25519PublicKey& key, const Ed25519Signature& signature)
@@ -19,7 +28,7 @@ UpdateFile::UpdateFile(const std::filesystem::path& file, std::int64_t length,
 std::optional<std::string> UpdateFile::add(std::string_view piece) {
     const auto size = static_cast<std::int64_t>(piece.size());
     if (size > length_ - received_) {
-        return "The file is longer than the feed says";
+        return translatable("Nocta", "The file is longer than the feed says");
     }
     received_ += size;
     verification_.update(piece);
@@ -29,10 +38,10 @@ std::optional<std::string> UpdateFile::add(std::string_view piece) {
 
 std::optional<std::string> UpdateFile::finish() {
     if (received_ != length_) {
-        return "The file is shorter than the feed says";
+        return translatable("Nocta", "The file is shorter than the feed says");
     }
     if (!verification_.isValid()) {
-        return "The file is not signed by the publisher";
+        return translatable("Nocta", "The file is not signed by the publisher");
     }
     if (!part_.flush()) {
         return cannotWrite();
@@ -40,7 +49,7 @@ std::optional<std::string> UpdateFile::finish() {
     std::error_code error;
     std::filesystem::rename(part_.fileName().toStdString(), file_, error);
     if (error) {
-        return "The file cannot be kept: " + error.message();
+        return cannotKeep(error.message());
     }
     part_.setAutoRemove(false);
     return std::nullopt;
@@ -51,7 +60,7 @@ double UpdateFile::progress() const {
 }
 
 std::optional<std::string> UpdateFile::cannotWrite() {
-    return "The file cannot be kept: " + part_.errorString().toStdString();
+    return cannotKeep(part_.errorString().toStdString());
 }
 
 } // namespace nocta

@@ -126,7 +126,7 @@ TEST_F(AppcastDownloadTest, DownloadThatBreaksLeavesNothing) {
         updater->install();
         desktop.urlSession.send("the");
         desktop.urlSession.answer(response);
-        EXPECT_EQ(shownError(), response.error.value_or("The server answered 404"));
+        EXPECT_EQ(shownError(), response.error.value_or("The server answered with an error: 404"));
         EXPECT_FALSE(isKept());
         updater->dismiss();
     }

@@ -127,12 +127,12 @@ TEST_F(AppcastUpdaterTest, UserIsToldOfEveryOutcome) {
 
     updater->checkForUpdates();
     answer("", 500);
-    EXPECT_EQ(shownError(), "The server answered 500");
+    EXPECT_EQ(shownError(), "The server answered with an error: 500");
     updater->dismiss();
     updater->checkForUpdates();
     answer("hello");
     EXPECT_EQ(shownError(), "The feed cannot be read: line 1 is malformed");
-    EXPECT_EQ(cycles, (Errors{std::nullopt, "The server answered 500",
+    EXPECT_EQ(cycles, (Errors{std::nullopt, "The server answered with an error: 500",
                               "The feed cannot be read: line 1 is malformed"}));
 }
 
