@@ -1,12 +1,12 @@
 #include "backends/linux/applications/FlatpakInfo.h"
 
 #include "backends/linux/files/FileDescriptor.h"
-#include "backends/linux/files/KeyFile.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <fcntl.h>
+#include <glib.h>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -31,9 +31,12 @@ std::string nameIn(std::string_view text) {
     if (text.size() == readLength) { // without the line that was cut off
         text = text.substr(0, text.rfind('\n') + 1);
     }
-    g_autoptr(GKeyFile) file = parseKeyFile(std::string(text));
-    g_autofree char* name =
-        file == nullptr ? nullptr : g_key_file_get_string(file, "Application", "name", nullptr);
+    g_autoptr(GKeyFile) file = g_key_file_new();
+    if (g_key_file_load_from_data(file, text.data(), text.size(), G_KEY_FILE_NONE, nullptr) ==
+        FALSE) {
+        return {};
+    }
+    g_autofree char* name = g_key_file_get_string(file, "Application", "name", nullptr);
     return name != nullptr && isId(name) ? name : std::string();
 }
 

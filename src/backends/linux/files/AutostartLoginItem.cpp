@@ -1,7 +1,6 @@
 #include "backends/linux/files/AutostartLoginItem.h"
 
 #include "backends/linux/files/FileContent.h"
-#include "backends/linux/files/KeyFile.h"
 #include "backends/linux/files/PrivateFolder.h"
 
 #include <QSaveFile>
@@ -9,6 +8,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <glib.h>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -56,8 +56,9 @@ LoginItem::Status AutostartLoginItem::status() {
     if (readFile(entry_, maxEntrySize, content) != 0) {
         return Status::notRegistered;
     }
-    g_autoptr(GKeyFile) entry = parseKeyFile(content);
-    if (entry == nullptr) {
+    g_autoptr(GKeyFile) entry = g_key_file_new();
+    if (g_key_file_load_from_data(entry, content.data(), content.size(), G_KEY_FILE_NONE,
+                                  nullptr) == FALSE) {
         return Status::notRegistered;
     }
     g_autofree char* command = g_key_file_get_string(entry, group, "Exec", nullptr);
