@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -177,11 +176,7 @@ int main(int argumentCount, char** arguments) {
     if (!isOfHelperProtocol(argumentCount, arguments)) {
         return otherProtocolStatus;
     }
-    // The signals that end a session end Nocta too, and this process must survive to handle that.
-    for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
-        std::signal(signal, SIG_IGN);
-    }
-    setsid();
+    outliveSession();
     if (argumentCount != 3) {
         return EXIT_FAILURE; // only Nocta starts this program
     }

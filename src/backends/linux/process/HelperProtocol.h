@@ -1,6 +1,8 @@
 #pragma once
 
+#include <csignal>
 #include <string_view>
+#include <unistd.h>
 
 namespace nocta {
 
@@ -15,6 +17,15 @@ inline constexpr int otherProtocolStatus = 3;
 /// Whether the Nocta that started this helper, with these arguments, uses the same version.
 inline bool isOfHelperProtocol(int argumentCount, char** arguments) {
     return argumentCount > 1 && std::string_view(arguments[argumentCount - 1]) == helperProtocol;
+}
+
+/// Lets a helper survive what ends a session, because it ends Nocta too, and then the helper has to
+/// restore what Nocta has changed.
+inline void outliveSession() {
+    for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
+        std::signal(signal, SIG_IGN);
+    }
+    setsid();
 }
 
 } // namespace nocta

@@ -13,7 +13,6 @@
 #include <xcb/xcb.h>
 
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <poll.h>
 #include <unistd.h>
@@ -204,11 +203,7 @@ int main(int argumentCount, char** arguments) {
     if (!isOfHelperProtocol(argumentCount, arguments)) {
         return otherProtocolStatus;
     }
-    // The signals that end a session end Nocta too, and this process must survive to handle that.
-    for (const auto signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
-        std::signal(signal, SIG_IGN);
-    }
-    setsid();
+    outliveSession();
 
     GuardianHello hello{};
     if (read(program, &hello, sizeof hello) != sizeof hello) {
