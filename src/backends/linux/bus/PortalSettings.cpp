@@ -18,28 +18,24 @@ const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
 
 PortalSettings::PortalSettings(QStringList namespaces, std::function<void(Settings)> told)
     : namespaces_(std::move(namespaces)), changed_(std::move(told)) {
-    read_.setSingleShot(true);
-    QObject::connect(&read_, &QTimer::timeout, [this] { read(); });
     portal_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
     portal_.addWatchedService(service);
-    QObject::connect(&portal_, &QDBusServiceWatcher::serviceRegistered, [this] { read_.start(); });
+    QObject::connect(&portal_, &QDBusServiceWatcher::serviceRegistered,
+                     [this] { changes_.start(); });
     sessionBus_ =
         MessageBus::session().whenConnected([this](const QDBusConnection& bus) { follow(bus); });
 }
 
-void PortalSettings::follow(QDBusConnection bus) {
+void PortalSettings::follow(const QDBusConnection& bus) {
     portal_.setConnection(bus);
-    // Accepted from any sender: given a service name, Qt would block while it asks the bus who owns
-    // the name, and the signal only makes us ask the portal.
-    bus.connect(QString(), path, interface, QStringLiteral("SettingChanged"), &read_,
-                SLOT(start()));
+    changes_.connect(bus, path, interface, QStringLiteral("SettingChanged"));
     read();
 }
 
 void PortalSettings::read() {
     auto call = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
     call << namespaces_;
-    callAsync(sessionBus(), call, &read_, [this](const QDBusMessage& reply) {
+    callAsync(sessionBus(), call, &changes_, [this](const QDBusMessage& reply) {
         if (reply.signature() != QStringLiteral("a{sa{sv}}")) {
             return; // an error, or a reply of the wrong type
         }

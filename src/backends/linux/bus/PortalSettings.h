@@ -1,5 +1,6 @@
 #pragma once
 
+#include "backends/linux/bus/BusSignal.h"
 #include "base/Subscription.h"
 
 #include <QDBusConnection>
@@ -7,7 +8,6 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
-#include <QTimer>
 #include <QVariantMap>
 
 #include <functional>
@@ -28,13 +28,13 @@ public:
     PortalSettings& operator=(const PortalSettings&) = delete;
 
 private:
-    void follow(QDBusConnection bus);
+    void follow(const QDBusConnection& bus);
     void read();
 
     QStringList namespaces_;
     std::function<void(Settings)> changed_;
     QDBusServiceWatcher portal_;
-    QTimer read_; ///< reads at the end of the turn; D-Bus signals connect to its `start`
+    BusSignal changes_{[this] { read(); }};
     Subscription sessionBus_;
 };
 

@@ -51,20 +51,8 @@ GeoClueClient::GeoClueClient(Callbacks callbacks)
         const auto alive = shared_from_this();
         callbacks_.failed("the location service has stopped");
     });
-    moved_.setSingleShot(true);
-    QObject::connect(&moved_, &QTimer::timeout, [this] { readPlace(); });
-    busLost_.setSingleShot(true);
-    QObject::connect(&busLost_, &QTimer::timeout, [this] {
-        const auto alive = shared_from_this();
-        if (MessageBus::system().isMute()) {
-            callbacks_.failed("The system bus does not answer"); // it may answer later
-        } else {
-            callbacks_.absent();
-        }
-    });
-    bus_.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
-                 QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
-                 &busLost_, SLOT(start()));
+    busLost_.connect(bus_, QStringLiteral("/org/freedesktop/DBus/Local"),
+                     QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"));
 }
 
 GeoClueClient::~GeoClueClient() {
@@ -108,8 +96,7 @@ void GeoClueClient::findOwner() {
 
 void GeoClueClient::start() {
     watcher_.addWatchedService(service_);
-    bus_.connect(service_, path_, clientInterface, QStringLiteral("LocationUpdated"), &moved_,
-                 SLOT(start()));
+    moved_.connect(bus_, path_, clientInterface, QStringLiteral("LocationUpdated"));
     const auto set = [this](const QString& property, const QVariant& value) {
         auto message = QDBusMessage::createMethodCall(service_, path_, propertiesInterface,
                                                       QStringLiteral("Set"));
@@ -180,6 +167,15 @@ void GeoClueClient::end(const QDBusMessage& error) {
         callbacks_.absent();
     } else {
         callbacks_.failed(error.errorMessage().toStdString());
+    }
+}
+
+void GeoClueClient::endWithoutBus() {
+    const auto alive = shared_from_this();
+    if (MessageBus::system().isMute()) {
+        callbacks_.failed("The system bus does not answer"); // it may answer later
+    } else {
+        callbacks_.absent();
     }
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "backends/linux/bus/BusSignal.h"
 #include "platform/LocationManager.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusServiceWatcher>
-#include <QTimer>
 
 #include <functional>
 #include <memory>
@@ -45,15 +45,15 @@ private:
     void readPlace();
     void call(const QDBusMessage& message, int timeout, Answer answer);
     void end(const QDBusMessage& error);
+    void endWithoutBus();
 
     Callbacks callbacks_;
     QDBusConnection bus_;
     QString service_; ///< well-known name; the unique name of its process once the client exists
     QString path_;
     QDBusServiceWatcher watcher_;
-    // Timers, because a D-Bus signal can be connected directly to `start`.
-    QTimer moved_;
-    QTimer busLost_;
+    BusSignal moved_{[this] { readPlace(); }};
+    BusSignal busLost_{[this] { endWithoutBus(); }};
 };
 
 } // namespace nocta

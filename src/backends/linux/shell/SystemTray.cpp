@@ -21,10 +21,8 @@ const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
 SystemTray::SystemTray(X11Connection* connection) : connection_(connection) {
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     watcher_.addWatchedService(watcherService);
-    question_.setSingleShot(true);
-    QObject::connect(&question_, &QTimer::timeout, [this] { askForHost(); });
     QObject::connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged,
-                     [this] { question_.start(); });
+                     [this] { hostRegistered_.start(); });
     sessionBus_ =
         MessageBus::session().whenConnected([this](const QDBusConnection& bus) { follow(bus); });
     if (connection_ != nullptr) {
@@ -49,12 +47,10 @@ void SystemTray::whenAvailable(std::function<void()> action) {
     }
 }
 
-void SystemTray::follow(QDBusConnection bus) {
+void SystemTray::follow(const QDBusConnection& bus) {
     watcher_.setConnection(bus);
-    // Accepted from any sender: given a service name, Qt would block while it asks the bus who owns
-    // the name, and the signal only makes us ask the watcher.
-    bus.connect(QString(), watcherPath, watcherService,
-                QStringLiteral("StatusNotifierHostRegistered"), &question_, SLOT(start()));
+    hostRegistered_.connect(bus, watcherPath, watcherService,
+                            QStringLiteral("StatusNotifierHostRegistered"));
     askForHost();
 }
 
@@ -77,7 +73,7 @@ void SystemTray::ask(const QString& interface, const QString& method, const QVar
     auto call = QDBusMessage::createMethodCall(watcherService, watcherPath, interface, method);
     call.setArguments(arguments);
     call.setAutoStartService(false);
-    callAsync(sessionBus(), call, &question_, std::move(answered), noTimeout);
+    callAsync(sessionBus(), call, &hostRegistered_, std::move(answered), noTimeout);
 }
 
 void SystemTray::answered(const QDBusMessage& answer) {

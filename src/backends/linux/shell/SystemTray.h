@@ -1,11 +1,11 @@
 #pragma once
 
+#include "backends/linux/bus/BusSignal.h"
 #include "backends/linux/x11/X11Connection.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusServiceWatcher>
-#include <QTimer>
 #include <QVariantList>
 
 #include <functional>
@@ -29,7 +29,7 @@ public:
     void whenAvailable(std::function<void()> action);
 
 private:
-    void follow(QDBusConnection bus);
+    void follow(const QDBusConnection& bus);
     void askForHost();
     void ask(const QString& interface, const QString& method, const QVariantList& arguments,
              std::function<void(const QDBusMessage&)> answered);
@@ -44,7 +44,7 @@ private:
     bool hasXEmbedTray_ = false;
     std::function<void()> action_;
     QDBusServiceWatcher watcher_;
-    QTimer question_; ///< asks at the end of the turn; D-Bus signals connect to its `start`
+    BusSignal hostRegistered_{[this] { askForHost(); }};
     Subscription sessionBus_;
     Subscription events_;
 };
