@@ -10,9 +10,10 @@
 
 namespace nocta {
 
-int readFile(const std::filesystem::path& file, std::size_t maxSize, std::string& content) {
+int readFile(const std::filesystem::path& file, std::size_t maxSize, std::string& content,
+             int flags) {
     content.clear();
-    const FileDescriptor input(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const FileDescriptor input(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | flags));
     struct stat status {};
     if (!input || fstat(input.get(), &status) != 0) {
         return errno;
