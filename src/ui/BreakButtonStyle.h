@@ -26,7 +26,6 @@ public:
     BreakButton(const QString& text, BreakButtonStyle style);
 
     QSize sizeHint() const override { return style_.size(*this); }
-    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -12,7 +12,6 @@ public:
     explicit ActionButton(const QString& text, Rank rank = Rank::normal);
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

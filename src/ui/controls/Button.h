@@ -9,6 +9,8 @@ class Button : public QPushButton {
 public:
     using QPushButton::QPushButton;
 
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
 protected:
     void keyPressEvent(QKeyEvent* event) override;
 };

@@ -10,7 +10,6 @@ public:
     FooterButton(QString symbol, const QString& text);
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
