@@ -33,7 +33,7 @@ std::optional<std::string> UpdateFile::add(std::string_view piece) {
     received_ += size;
     verification_.update(piece);
     const auto isWritten = part_.isOpen() && part_.write(piece.data(), size) == size;
-    return isWritten ? std::nullopt : cannotWrite();
+    return isWritten ? std::nullopt : std::optional(cannotKeep(part_.errorString().toStdString()));
 }
 
 std::optional<std::string> UpdateFile::finish() {
@@ -44,7 +44,7 @@ std::optional<std::string> UpdateFile::finish() {
         return translatable("Nocta", "The file is not signed by the publisher");
     }
     if (!part_.flush()) {
-        return cannotWrite();
+        return cannotKeep(part_.errorString().toStdString());
     }
     std::error_code error;
     std::filesystem::rename(part_.fileName().toStdString(), file_, error);
@@ -57,10 +57,6 @@ std::optional<std::string> UpdateFile::finish() {
 
 double UpdateFile::progress() const {
     return static_cast<double>(received_) / static_cast<double>(length_);
-}
-
-std::optional<std::string> UpdateFile::cannotWrite() {
-    return cannotKeep(part_.errorString().toStdString());
 }
 
 } // namespace nocta

@@ -31,8 +31,6 @@ public:
     double progress() const;
 
 private:
-    std::optional<std::string> cannotWrite();
-
     std::filesystem::path file_;
     QTemporaryFile part_; ///< no other process writes to it
     std::int64_t length_;
