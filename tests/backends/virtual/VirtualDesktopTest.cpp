@@ -6,10 +6,17 @@
 #include "contracts/DisplaysContract.h"
 #include "contracts/KeyEventsContract.h"
 #include "contracts/LoginItemContract.h"
+#include "contracts/UrlSessionContract.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
 
 namespace nocta {
 
@@ -58,9 +65,45 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DisplayFilterContract, VirtualDesktopHar
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, KeyEventsContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, LoginItemContract, VirtualDesktopHarness);
 
-namespace {
-
 using namespace std::chrono_literals;
+
+struct VirtualUrlSessionHarness {
+    VirtualDesktop desktop;
+    UrlResponse response;
+    std::string body;
+
+    UrlSession& urlSession() { return desktop.urlSession; }
+    static UrlRequest request() {
+        return {.url = "https://example.com/",
+                .method = "GET",
+                .headers = {},
+                .body = {},
+                .timeout = 20s};
+    }
+    void answer(int status, const std::string& content) {
+        response = {.statusCode = status};
+        body = content;
+    }
+    void breakConnections() {
+        response = {.error = "The connection was lost"};
+        body.clear();
+    }
+    bool runUntil(const std::function<bool()>& condition) {
+        constexpr std::size_t pieceSize = 1 << 16;
+        for (std::size_t sent = 0; desktop.urlSession.waiting() != nullptr && sent < body.size();
+             sent += pieceSize) {
+            desktop.urlSession.send(std::string_view(body).substr(sent, pieceSize));
+        }
+        if (desktop.urlSession.waiting() != nullptr) {
+            desktop.urlSession.answer(response);
+        }
+        return condition();
+    }
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, UrlSessionContract, VirtualUrlSessionHarness);
+
+namespace {
 
 TEST(VirtualDesktop, TraceKeepsEveryCallInOrderWithItsSimulatedTime) {
     VirtualDesktop desktop;

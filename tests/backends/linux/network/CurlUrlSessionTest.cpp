@@ -1,6 +1,7 @@
 #include "backends/linux/network/CurlUrlSession.h"
 
 #include "backends/linux/shell/QtRunLoop.h"
+#include "contracts/UrlSessionContract.h"
 #include "support/EventLoop.h"
 #include "support/HttpsServer.h"
 
@@ -14,9 +15,35 @@
 #include <string>
 
 namespace nocta {
-namespace {
 
 using namespace std::chrono_literals;
+
+struct CurlUrlSessionHarness {
+    HttpsServer server;
+    QtRunLoop runLoop;
+    CurlUrlSession session{runLoop, server.certificate.file()};
+
+    UrlSession& urlSession() { return session; }
+    UrlRequest request() const {
+        return {
+            .url = server.address(), .method = "GET", .headers = {}, .body = {}, .timeout = 20s};
+    }
+    void answer(int status, const std::string& body) {
+        server.respond = [status, body](QTcpSocket& socket) {
+            socket.write("HTTP/1.1 " + QByteArray::number(status) +
+                         " Status\r\nConnection: close\r\n\r\n" + QByteArray::fromStdString(body));
+            socket.disconnectFromHost();
+        };
+    }
+    void breakConnections() {
+        server.respond = [](QTcpSocket& socket) { socket.abort(); };
+    }
+    static bool runUntil(const std::function<bool()>& condition) { return serveUntil(condition); }
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Curl, UrlSessionContract, CurlUrlSessionHarness);
+
+namespace {
 
 /// Writes the block over and over, as fast as the client reads.
 void pour(QTcpSocket& socket, const QByteArray& block) {
@@ -67,14 +94,6 @@ TEST_F(CurlUrlSessionTest, PostsOverAnEncryptedConnection) {
     EXPECT_TRUE(server.request.starts_with("POST /api/feedback HTTP/1.1\r\n"));
     EXPECT_NE(server.request.find("Content-Type: application/json\r\n"), std::string::npos);
     EXPECT_TRUE(server.request.ends_with("\r\n\r\n{\"message\":\"hello\"}"));
-}
-
-TEST_F(CurlUrlSessionTest, EveryStatusIsAResponse) {
-    for (const auto status : {201, 204, 400, 403, 404, 500, 503}) {
-        server.request.clear();
-        server.answer(QByteArray::number(status) + " Status");
-        EXPECT_EQ(post(server.address()).statusCode, status);
-    }
 }
 
 TEST_F(CurlUrlSessionTest, EncryptedRedirectIsFollowed) {
@@ -147,28 +166,13 @@ TEST_F(CurlUrlSessionTest, EndlessBodyIsNotAwaited) {
     EXPECT_EQ(post(server.address()).statusCode, 200);
 }
 
-TEST_F(CurlUrlSessionTest, ConnectionThatBreaksIsAnError) {
-    server.respond = [](QTcpSocket& socket) { socket.abort(); };
-    EXPECT_TRUE(post(server.address()).error.has_value());
-}
-
-TEST_F(CurlUrlSessionTest, TaskThatIsDroppedIsNotCompleted) {
-    server.answer("200 OK");
-    task = session.dataTask(
-        {.url = server.address(), .method = "POST", .headers = {}, .body = {}, .timeout = 20s},
-        [&](const UrlResponse& /*answer*/) { ++completions; }, nullptr);
-    task.cancel();
-    EXPECT_EQ(post(server.address()).statusCode, 200);
-    EXPECT_EQ(completions, 1) << "only the second";
-}
-
 /// Keeps the received data.
 class CurlUrlSessionBodyTest : public CurlUrlSessionTest {
 protected:
     std::string body;
     std::size_t maxPieceSize = 0;
 
-    UrlResponse get(const std::function<void()>& afterPiece = [] {}) {
+    UrlResponse get() {
         std::optional<UrlResponse> response;
         task = session.dataTask(
             {.url = server.address("/feed"),
@@ -177,12 +181,11 @@ protected:
              .body = {},
              .timeout = 20s},
             [&](const UrlResponse& answer) { response = answer; },
-            [&, afterPiece](std::string_view piece) {
+            [&](std::string_view piece) {
                 body += piece;
                 maxPieceSize = std::max(maxPieceSize, piece.size());
-                afterPiece();
             });
-        EXPECT_TRUE(serveUntil([&] { return response.has_value() || !task; }));
+        EXPECT_TRUE(serveUntil([&] { return response.has_value(); }));
         return response.value_or(UrlResponse{});
     }
     void answerWith(const std::string& content, const std::string& headers = {}) {
@@ -194,22 +197,11 @@ protected:
     }
 };
 
-TEST_F(CurlUrlSessionBodyTest, ComesWholeAndInPieces) {
-    std::string content(3'000'001, '\0');
-    for (std::size_t i = 0; i < content.size(); ++i) {
-        content[i] = static_cast<char>(i * 2654435761U >> 24);
-    }
-    answerWith(content);
+TEST_F(CurlUrlSessionBodyTest, PiecesAreSmall) {
+    answerWith(std::string(1'000'000, 'x'));
     EXPECT_EQ(get().statusCode, 200);
-    EXPECT_TRUE(body == content);
     EXPECT_LE(maxPieceSize, 65536U);
     EXPECT_TRUE(server.request.starts_with("GET /feed HTTP/1.1\r\n"));
-}
-
-TEST_F(CurlUrlSessionBodyTest, TaskMayBeCanceledByItsReceiver) {
-    answerWith(std::string(1'000'000, 'x'));
-    EXPECT_FALSE(get([this] { task.cancel(); }).statusCode);
-    EXPECT_EQ(body.size(), maxPieceSize) << "one piece";
 }
 
 TEST_F(CurlUrlSessionBodyTest, NothingIsUnpacked) {

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "platform/UrlSession.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nocta {
+
+/// The contract of the network on every desktop. `Harness` has a `urlSession()` and a `request()`
+/// that it can load. `answer(status, body)` says what the server answers from now on, and after
+/// `breakConnections()` it answers nothing. `runUntil(condition)` lets the run loop run until the
+/// condition holds and returns whether it did.
+template <class Harness>
+class UrlSessionContract : public ::testing::Test {
+protected:
+    /// What a task has reported so far.
+    struct Report {
+        std::vector<UrlResponse> responses;
+        std::string body;
+        int pieces = 0;
+    };
+
+    [[nodiscard]] Subscription start(
+        Report& report, const std::function<void()>& afterPiece = [] {}) {
+        auto task = harness.urlSession().dataTask(
+            harness.request(),
+            [&report](const UrlResponse& response) { report.responses.push_back(response); },
+            [&report, afterPiece](std::string_view piece) {
+                EXPECT_TRUE(report.responses.empty()) << "the completion comes last";
+                report.body += piece;
+                ++report.pieces;
+                afterPiece();
+            });
+        EXPECT_TRUE(report.responses.empty()) << "it comes from the run loop";
+        EXPECT_EQ(report.pieces, 0);
+        return task;
+    }
+    bool waitFor(const Report& report) {
+        return harness.runUntil([&] { return !report.responses.empty(); });
+    }
+    /// Loads something else, while anything that earlier tasks still report would arrive.
+    void loadAnother() {
+        Report other;
+        const auto task = start(other);
+        ASSERT_TRUE(waitFor(other));
+    }
+
+    Harness harness;
+};
+
+TYPED_TEST_SUITE_P(UrlSessionContract);
+
+TYPED_TEST_P(UrlSessionContract, EveryStatusIsAResponseThatComesOnce) {
+    for (const auto status : {200, 201, 204, 400, 403, 404, 500, 503}) {
+        this->harness.answer(status, "");
+        typename TestFixture::Report report;
+        const auto task = this->start(report);
+        ASSERT_TRUE(this->waitFor(report));
+        this->loadAnother();
+        ASSERT_EQ(report.responses.size(), 1U);
+        EXPECT_EQ(report.responses[0].statusCode, status);
+        EXPECT_EQ(report.responses[0].error, std::nullopt);
+    }
+}
+
+TYPED_TEST_P(UrlSessionContract, BrokenConnectionIsAnErrorThatComesOnce) {
+    this->harness.breakConnections();
+    typename TestFixture::Report report;
+    const auto task = this->start(report);
+    ASSERT_TRUE(this->waitFor(report));
+    this->loadAnother();
+    ASSERT_EQ(report.responses.size(), 1U);
+    EXPECT_EQ(report.responses[0].statusCode, std::nullopt);
+    EXPECT_NE(report.responses[0].error.value_or(""), "");
+}
+
+TYPED_TEST_P(UrlSessionContract, BodyComesWholeAndInOrderBeforeTheCompletion) {
+    std::string content(3'000'001, '\0');
+    for (std::size_t i = 0; i < content.size(); ++i) {
+        content[i] = static_cast<char>(i * 2654435761U >> 24);
+    }
+    this->harness.answer(200, content);
+    typename TestFixture::Report report;
+    const auto task = this->start(report);
+    ASSERT_TRUE(this->waitFor(report));
+    EXPECT_EQ(report.responses[0].statusCode, 200);
+    EXPECT_TRUE(report.body == content);
+    EXPECT_GT(report.pieces, 1);
+}
+
+TYPED_TEST_P(UrlSessionContract, CanceledTaskReportsNothing) {
+    this->harness.answer(200, "body");
+    typename TestFixture::Report report;
+    auto task = this->start(report);
+    task.cancel();
+    this->loadAnother();
+    EXPECT_TRUE(report.responses.empty());
+    EXPECT_EQ(report.pieces, 0);
+}
+
+TYPED_TEST_P(UrlSessionContract, TaskMayBeCanceledByItsReceiver) {
+    this->harness.answer(200, std::string(1'000'000, 'x'));
+    typename TestFixture::Report report;
+    Subscription task;
+    task = this->start(report, [&task] { task.cancel(); });
+    ASSERT_TRUE(this->harness.runUntil([&] { return report.pieces > 0; }));
+    this->harness.answer(200, "");
+    this->loadAnother();
+    EXPECT_EQ(report.pieces, 1);
+    EXPECT_TRUE(report.responses.empty());
+}
+
+REGISTER_TYPED_TEST_SUITE_P(UrlSessionContract, EveryStatusIsAResponseThatComesOnce,
+                            BrokenConnectionIsAnErrorThatComesOnce,
+                            BodyComesWholeAndInOrderBeforeTheCompletion, CanceledTaskReportsNothing,
+                            TaskMayBeCanceledByItsReceiver);
+
+} // namespace nocta
