@@ -116,9 +116,21 @@ TYPED_TEST_P(UrlSessionContract, TaskMayBeCanceledByItsReceiver) {
     EXPECT_TRUE(report.responses.empty());
 }
 
+TYPED_TEST_P(UrlSessionContract, TasksAtTheSameTimeAreAllCompleted) {
+    this->harness.answer(200, "body");
+    typename TestFixture::Report first;
+    typename TestFixture::Report second;
+    const auto one = this->start(first);
+    const auto other = this->start(second);
+    EXPECT_TRUE(this->waitFor(first));
+    EXPECT_TRUE(this->waitFor(second));
+    EXPECT_EQ(first.body, "body");
+    EXPECT_EQ(second.body, "body");
+}
+
 REGISTER_TYPED_TEST_SUITE_P(UrlSessionContract, EveryStatusIsAResponseThatComesOnce,
                             BrokenConnectionIsAnErrorThatComesOnce,
                             BodyComesWholeAndInOrderBeforeTheCompletion, CanceledTaskReportsNothing,
-                            TaskMayBeCanceledByItsReceiver);
+                            TaskMayBeCanceledByItsReceiver, TasksAtTheSameTimeAreAllCompleted);
 
 } // namespace nocta

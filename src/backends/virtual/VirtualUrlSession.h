@@ -6,6 +6,7 @@
 #include <memory>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace nocta {
 
@@ -14,29 +15,28 @@ class VirtualUrlSession final : public UrlSession {
 public:
     explicit VirtualUrlSession(Trace& trace) : trace_(trace) {}
 
-    /// The last request that waits for an answer; null if none does.
-    const UrlRequest* waiting() const { return task_ == nullptr ? nullptr : &task_->request; }
+    /// The last request that waits for an answer; null if none does. The other functions are about
+    /// this one.
+    const UrlRequest* waiting() const { return tasks_.empty() ? nullptr : &tasks_.back()->request; }
     /// A piece of the body, before the answer is complete.
     void send(std::string_view data) const {
-        if (const auto task = task_; task->didReceiveData) {
+        if (const auto task = tasks_.back(); task->didReceiveData) {
             task->didReceiveData(data);
         }
     }
     void answer(const UrlResponse& response) {
-        const auto task = std::exchange(task_, nullptr);
+        const auto task = tasks_.back();
+        tasks_.pop_back();
         task->completion(response);
     }
 
     Subscription dataTask(const UrlRequest& request, Completion completion,
                           DidReceiveData didReceiveData) override {
         trace_.record("dataTask " + request.method + " " + request.url);
-        task_ =
-            std::make_shared<Task>(Task{request, std::move(completion), std::move(didReceiveData)});
-        return Subscription([this, task = std::weak_ptr(task_)] {
-            if (task_ != nullptr && task_ == task.lock()) {
-                task_ = nullptr;
-            }
-        });
+        tasks_.push_back(std::make_shared<Task>(
+            Task{request, std::move(completion), std::move(didReceiveData)}));
+        return Subscription(
+            [this, task = std::weak_ptr(tasks_.back())] { std::erase(tasks_, task.lock()); });
     }
 
 private:
@@ -47,7 +47,7 @@ private:
     };
 
     Trace& trace_;
-    std::shared_ptr<Task> task_;
+    std::vector<std::shared_ptr<Task>> tasks_; ///< that wait for an answer
 };
 
 } // namespace nocta

@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace nocta {
@@ -90,12 +91,14 @@ struct VirtualUrlSessionHarness {
     }
     bool runUntil(const std::function<bool()>& condition) {
         constexpr std::size_t pieceSize = 1 << 16;
-        for (std::size_t sent = 0; desktop.urlSession.waiting() != nullptr && sent < body.size();
-             sent += pieceSize) {
-            desktop.urlSession.send(std::string_view(body).substr(sent, pieceSize));
-        }
-        if (desktop.urlSession.waiting() != nullptr) {
-            desktop.urlSession.answer(response);
+        const auto isWaiting = [this] { return desktop.urlSession.waiting() != nullptr; };
+        while (isWaiting()) {
+            for (std::size_t sent = 0; isWaiting() && sent < body.size(); sent += pieceSize) {
+                desktop.urlSession.send(std::string_view(body).substr(sent, pieceSize));
+            }
+            if (isWaiting()) { // the receiver may have canceled it
+                desktop.urlSession.answer(response);
+            }
         }
         return condition();
     }
