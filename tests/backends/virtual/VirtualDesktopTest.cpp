@@ -1,11 +1,13 @@
 #include "backends/virtual/VirtualDesktop.h"
 
+#include "backends/virtual/VirtualViews.h"
 #include "contracts/BacklightContract.h"
 #include "contracts/DefaultsStoreContract.h"
 #include "contracts/DisplayFilterContract.h"
 #include "contracts/DisplaysContract.h"
 #include "contracts/KeyEventsContract.h"
 #include "contracts/LoginItemContract.h"
+#include "contracts/OverlayWindowsContract.h"
 #include "contracts/UrlSessionContract.h"
 
 #include <gtest/gtest.h>
@@ -15,6 +17,8 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <iterator>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -105,6 +109,40 @@ struct VirtualUrlSessionHarness {
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, UrlSessionContract, VirtualUrlSessionHarness);
+
+struct VirtualOverlayWindowsHarness {
+    VirtualDesktop desktop;
+    VirtualViews views;
+
+    VirtualOverlayWindowsHarness() { desktop.displays.plug({.id = 1}); }
+
+    OverlayWindows& overlayWindows() { return desktop.overlayWindows; }
+    std::unique_ptr<View> makeContent() { return views.makePreferencesView(); }
+    void plug() { desktop.displays.plug({.id = 2, .bounds = {1920, 0, 1280, 1024}}); }
+    void unplug() { desktop.displays.unplug(2); }
+    std::vector<Rect> frames() const {
+        std::vector<Rect> frames;
+        std::ranges::transform(desktop.displays.all(), std::back_inserter(frames),
+                               &VirtualDisplays::Display::bounds);
+        return frames;
+    }
+    SeenOverlays seen() const {
+        SeenOverlays seen;
+        for (const auto& window : desktop.overlayWindows.windows()) {
+            if (window.isOnScreen) {
+                seen.emplace_back(window.screen.frame, window.alpha);
+            }
+        }
+        return seen;
+    }
+    void letPass(Duration duration) { desktop.runLoop.advance(duration); }
+    bool press() {
+        const auto reachesAWindow = desktop.overlayWindows.press(spaceKeyCode);
+        return reachesAWindow && desktop.overlayWindows.keyScreen.has_value();
+    }
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, OverlayWindowsContract, VirtualOverlayWindowsHarness);
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "backends/linux/shell/QtRunLoop.h"
 #include "backends/linux/x11/X11KeyEvents.h"
 #include "backends/virtual/VirtualDesktop.h"
+#include "contracts/OverlayWindowsContract.h"
 #include "support/EventLoop.h"
 #include "support/Process.h"
 #include "support/XClient.h"
@@ -12,7 +13,9 @@
 #include <QKeyEvent>
 #include <QWidget>
 #include <QWindow>
+#include <QtGui/qguiapplication_platform.h>
 #include <gtest/gtest.h>
+#include <xcb/xcb.h>
 
 #include <chrono>
 #include <memory>
@@ -33,9 +36,12 @@ private:
     QWidget widget_;
 };
 
-/// Counts the presses that reach a window of this program.
+/// Counts the key presses that reach a window of this program, if no event filter that was added
+/// later swallows them.
 class PressCounter final : public QObject {
 public:
+    explicit PressCounter(QApplication& application) { application.installEventFilter(this); }
+
     int presses = 0;
 
 protected:
@@ -45,25 +51,101 @@ protected:
     }
 };
 
-class QtOverlayWindowsTest : public ::testing::Test {
-protected:
-    static constexpr xcb_keysym_t space = 0x20;
+constexpr xcb_keysym_t space = 0x20;
+
+/// Qt on a private X server, which another client observes.
+struct QtOnPrivateServer {
+    explicit QtOnPrivateServer(XServer::Kind kind) : server(kind) {}
 
     TemporaryFolder home;
+    bool isOnX11 = qputenv("QT_QPA_PLATFORM", "xcb");
     bool isWithoutBus =
         qputenv("DBUS_SESSION_BUS_ADDRESS", ("unix:path=" + home.path() + "/no-bus").c_str());
-    XServer server{XServer::Kind::xvfb};
+    XServer server;
     XClient client;
     int argumentCount = 1;
     char name[6] = "tests";
     char* arguments[2] = {name, nullptr};
     QApplication application{argumentCount, arguments};
     VirtualDesktop desktop;
+
+    double opacity(xcb_window_t id) {
+        return client.number(id, "_NET_WM_WINDOW_OPACITY") / double{0xFFFFFFFF};
+    }
+};
+
+} // namespace
+
+/// The time is virtual, and so is the record of what was typed.
+class QtOverlayWindowsHarness : QtOnPrivateServer {
+public:
+    QtOverlayWindowsHarness() : QtOnPrivateServer(XServer::Kind::xorgDummy) {}
+
+    OverlayWindows& overlayWindows() { return windows_; }
+    static std::unique_ptr<View> makeContent() { return std::make_unique<Content>(); }
+    void plug() {
+        server.plugSecondOutput();
+        EXPECT_TRUE(serveUntil([] { return QGuiApplication::screens().size() == 2; }));
+    }
+    void unplug() {
+        server.unplugSecondOutput();
+        EXPECT_TRUE(serveUntil([] { return QGuiApplication::screens().size() == 1; }));
+    }
+    std::vector<Rect> frames() {
+        std::vector<Rect> frames;
+        for (const auto& display : client.activeFrames()) {
+            frames.push_back(frameOf(display));
+        }
+        return frames;
+    }
+    SeenOverlays seen() {
+        auto* const x = application.nativeInterface<QNativeInterface::QX11Application>();
+        auto* const qt = x->connection(); // what Qt has sent is done once this is answered
+        const XcbReply<xcb_get_input_focus_reply_t> answered(
+            xcb_get_input_focus_reply(qt, xcb_get_input_focus(qt), nullptr));
+        SeenOverlays seen;
+        for (const auto& window : client.topWindows()) {
+            seen.emplace_back(frameOf(window), opacity(window.id));
+        }
+        return seen;
+    }
+    void letPass(Duration duration) { desktop.runLoop.advance(duration); }
+    bool press() {
+        const auto before = gotten_.presses;
+        const auto all = all_.presses;
+        typing_.press(desktop.runLoop.monotonicNow());
+        client.press(space);
+        if (!seen().empty()) { // otherwise another program has the keyboard
+            EXPECT_TRUE(serveUntil([&] { return all_.presses > all; }));
+        }
+        return gotten_.presses > before;
+    }
+
+private:
+    static Rect frameOf(const XClient::TopWindow& window) {
+        return {static_cast<double>(window.x), static_cast<double>(window.y),
+                static_cast<double>(window.width), static_cast<double>(window.height)};
+    }
+
+    // Qt calls the event filter that was added last first: `all_`, the windows' own, `gotten_`.
+    PressCounter gotten_{application};
+    X11Connection connection_{desktop.runLoop};
+    Typing typing_;
+    QtOverlayWindows windows_{desktop.runLoop, desktop.displays, &connection_, &typing_};
+    PressCounter all_{application};
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, OverlayWindowsContract, QtOverlayWindowsHarness);
+
+namespace {
+
+class QtOverlayWindowsTest : public ::testing::Test, protected QtOnPrivateServer {
+protected:
+    QtOverlayWindowsTest() : QtOnPrivateServer(XServer::Kind::xvfb) {}
+
     QtOverlayWindows windows{desktop.runLoop, desktop.displays, nullptr, nullptr};
     std::unique_ptr<OverlayWindow> window;
     std::vector<std::int64_t> keys;
-
-    static void SetUpTestSuite() { qputenv("QT_QPA_PLATFORM", "xcb"); }
 
     /// Shows a window and returns its ID.
     xcb_window_t show(QtOverlayWindows& covers) {
@@ -81,9 +163,6 @@ protected:
             keys.push_back(event.keyCode);
             return true;
         });
-    }
-    double opacity(xcb_window_t id) {
-        return client.number(id, "_NET_WM_WINDOW_OPACITY") / double{0xFFFFFFFF};
     }
     /// Qt's event loop does not run here: what Qt does not send at once is not sent at all.
     void expectEachStepOnTheServer(double target, Duration duration, int steps) {
@@ -128,8 +207,7 @@ TEST_F(QtOverlayWindowsTest, KeyHeldFromBeforeIsDiscardedUntilItIsPressedAgain) 
     client.hold(space);
     ASSERT_TRUE(serveUntil([&] { return keyEvents.typing().last().has_value(); }));
     show(covers);
-    PressCounter counter; // its event filter runs before that of the windows
-    application.installEventFilter(&counter);
+    const PressCounter counter(application); // it was added last, so it counts all
     EXPECT_TRUE(serveUntil([&] { return counter.presses >= 10; }));
     EXPECT_EQ(keys, (std::vector<std::int64_t>{}));
     client.release(space);
