@@ -70,6 +70,7 @@ TEST_F(LocationServiceTest, EmptyBatchIsIgnored) {
 
 TEST_F(LocationServiceTest, FailureKeepsTheFix) {
     location();
+    desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(paris);
     desktop.location.fail("no signal");
     EXPECT_EQ(location().currentLocation.get(), paris);
@@ -126,6 +127,7 @@ TEST_F(LocationServiceTest, DelegateReceivesEverythingAndIsNotKeptAlive) {
     desktop.location.fail("lost");
     EXPECT_EQ(listener->heard, "3 paris lost ");
     listener.reset();
+    desktop.location.startUpdatingLocation();
     desktop.location.send(berlin);
     EXPECT_EQ(location().currentLocation.get(), berlin);
 }

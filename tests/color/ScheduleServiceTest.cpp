@@ -29,6 +29,7 @@ protected:
     void startAt(std::chrono::seconds time, CalendarDay day = {2026, 3, 20}) {
         setClock(day, time);
         schedule().start();
+        desktop.runLoop.advance(0s); // the location manager reports its status
     }
     SunPosition position() { return schedule().currentSunPosition.get(); }
     WallTime local(CalendarDay day, std::chrono::minutes time) {
@@ -104,6 +105,7 @@ TEST_F(ScheduleServiceTest, TickEveryMinuteMovesThePosition) {
 
 TEST_F(ScheduleServiceTest, FixMovesTheTimesAtOnce) {
     startAt(12h, {2026, 6, 21});
+    desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(berlin);
     const auto expected = SunCalculator().calculate(desktop.runLoop.wallNow(), berlin.latitude,
                                                     berlin.longitude, desktop.runLoop.wallNow());
@@ -115,6 +117,7 @@ TEST_F(ScheduleServiceTest, FixMovesTheTimesAtOnce) {
 TEST_F(ScheduleServiceTest, PolarFixIsSixAndEighteenAndNoFixIsHalfPast) {
     startAt(12h, {2026, 6, 21});
     EXPECT_EQ(schedule().sunriseTime.get(), local({2026, 6, 21}, 6h + 30min));
+    desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(spitsbergen);
     EXPECT_EQ(schedule().sunriseTime.get(), local({2026, 6, 21}, 6h));
     EXPECT_EQ(schedule().sunsetTime.get(), local({2026, 6, 21}, 18h));
@@ -129,6 +132,7 @@ TEST_F(ScheduleServiceTest, MidnightBringsTheTimesOfTheNewDay) {
 
 TEST_F(ScheduleServiceTest, MidnightWithAFixRecalculatesOnce) {
     startAt(23h + 59min);
+    desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(berlin);
     int calculations = 0;
     const auto subscription = schedule().sunriseTime.subscribe(

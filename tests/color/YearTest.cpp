@@ -103,6 +103,7 @@ TEST_P(YearTest, EveryMinuteAgreesWithAnIndependentComputation) {
     gamma().start(desktop.notificationCenter);
     schedule().start();
     colorTemperature().startAutomaticMode();
+    desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(GetParam().location);
 
     SunDay day;

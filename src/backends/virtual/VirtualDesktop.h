@@ -46,7 +46,7 @@ public:
     VirtualUuidSource uuidSource;
     VirtualDisplays displays{trace, notificationCenter};
     VirtualKeyboard keyboard{trace};
-    VirtualLocation location{trace};
+    VirtualLocation location{trace, runLoop};
     VirtualLoginItem loginItem{trace};
     VirtualFilter filter{trace};
     VirtualWorkspace workspace{trace, displays};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "backends/virtual/Trace.h"
+#include "base/Deferred.h"
 #include "base/RunLoop.h"
 #include "platform/LocationManager.h"
 
@@ -12,18 +13,18 @@ namespace nocta {
 /// A location service in memory. A test answers for the person and sends locations.
 class VirtualLocation final : public LocationManager {
 public:
-    explicit VirtualLocation(Trace& trace) : trace_(trace) {}
+    VirtualLocation(Trace& trace, RunLoop& runLoop)
+        : trace_(trace), report_(runLoop, [this] { report(); }) {}
 
     // What a person and the world do.
     void answer(AuthorizationStatus status) {
         status_ = status;
         isAsking = false;
-        if (delegate_ != nullptr) {
-            delegate_->didChangeAuthorization();
-        }
+        report();
     }
+    /// These reach the program only while it may know them and has started updates.
     void send(std::span<const Location> locations) {
-        if (delegate_ != nullptr) {
+        if (delegate_ != nullptr && isUpdating && status_ == AuthorizationStatus::authorized) {
             delegate_->didUpdateLocations(locations);
         }
     }
@@ -40,6 +41,7 @@ public:
     void setDelegate(LocationManagerDelegate* delegate) override {
         trace_.record("setLocationDelegate");
         delegate_ = delegate;
+        report_.request();
     }
     AuthorizationStatus authorizationStatus() const override { return status_; }
     void requestWhenInUseAuthorization() override {
@@ -56,9 +58,16 @@ public:
     }
 
 private:
+    void report() {
+        if (delegate_ != nullptr) {
+            delegate_->didChangeAuthorization();
+        }
+    }
+
     Trace& trace_;
     LocationManagerDelegate* delegate_ = nullptr;
     AuthorizationStatus status_ = AuthorizationStatus::notDetermined;
+    Deferred report_;
 };
 
 } // namespace nocta
