@@ -50,8 +50,11 @@ public:
         bus_.send(signal);
     }
 
-    /// Answers a pending `Start`.
+    // Answer a pending `Start`.
     void answerStart() { bus_.send(waitingStart_.createReply()); }
+    void refuseStart() {
+        bus_.send(waitingStart_.createErrorReply(QDBusError::AccessDenied, "refused"));
+    }
 
     bool hasSeen(const std::string& call) const {
         return std::count(calls.begin(), calls.end(), call) > 0;
@@ -70,7 +73,7 @@ public:
         if (member == "Start") {
             waitingStart_ = message;
             if (start == Start::refuses) {
-                bus_.send(message.createErrorReply(QDBusError::AccessDenied, "refused"));
+                refuseStart();
             } else if (start == Start::agrees) {
                 answerStart();
             }

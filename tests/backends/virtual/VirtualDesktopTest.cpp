@@ -6,6 +6,7 @@
 #include "contracts/DisplayFilterContract.h"
 #include "contracts/DisplaysContract.h"
 #include "contracts/KeyEventsContract.h"
+#include "contracts/LocationManagerContract.h"
 #include "contracts/LoginItemContract.h"
 #include "contracts/OverlayWindowsContract.h"
 #include "contracts/UrlSessionContract.h"
@@ -143,6 +144,24 @@ struct VirtualOverlayWindowsHarness {
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, OverlayWindowsContract, VirtualOverlayWindowsHarness);
+
+struct VirtualLocationHarness {
+    VirtualDesktop desktop;
+
+    LocationManager& locationManager() { return desktop.location; }
+    void agree() { answer(AuthorizationStatus::authorized); }
+    void refuse() { answer(AuthorizationStatus::denied); }
+    void move(Location location) { desktop.location.send(location); }
+    void settle() { desktop.runLoop.advance(0s); }
+
+private:
+    void answer(AuthorizationStatus status) {
+        EXPECT_TRUE(desktop.location.isAsking);
+        desktop.location.answer(status);
+    }
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, LocationManagerContract, VirtualLocationHarness);
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include "backends/linux/bus/MessageBus.h"
 #include "backends/virtual/VirtualRunLoop.h"
+#include "contracts/LocationManagerContract.h"
 #include "support/GeoClue.h"
 
 #include <gtest/gtest.h>
@@ -15,10 +16,62 @@
 #include <vector>
 
 namespace nocta {
-namespace {
 
 using namespace std::chrono_literals;
+
+namespace {
+
 using Calls = std::vector<std::string>;
+
+/// Returns once everything sent to the service has been handled.
+void settle() {
+    const auto answer = systemBus().call(
+        QDBusMessage::createMethodCall("org.freedesktop.GeoClue2", "/org/freedesktop/GeoClue2",
+                                       "org.example.Test", "Settle"),
+        QDBus::BlockWithGui);
+    ASSERT_EQ(answer.type(), QDBusMessage::ReplyMessage);
+}
+
+} // namespace
+
+class GeoClueHarness {
+public:
+    GeoClueHarness() { service_.start = MockGeoClue::Start::waits; }
+
+    LocationManager& locationManager() { return manager_; }
+    void agree() {
+        settle();
+        service_.answerStart();
+        service_.start = MockGeoClue::Start::agrees;
+    }
+    void refuse() {
+        settle();
+        service_.refuseStart();
+    }
+    void move(Location location) {
+        service_.place = {{"Latitude", location.latitude}, {"Longitude", location.longitude}};
+        service_.sayThatThePlaceHasChanged();
+    }
+    void settle() {
+        constexpr int maxSteps = 6; // in which a client starts or reads its location
+        for (int step = 0; step < maxSteps; ++step) {
+            nocta::settle();
+            QCoreApplication::processEvents();
+            runLoop_.advance(0s);
+        }
+    }
+
+private:
+    TemporaryFolder state_;
+    VirtualRunLoop runLoop_;
+    PrivateBus bus_{"DBUS_SYSTEM_BUS_ADDRESS"};
+    MockGeoClue service_;
+    GeoClueLocationManager manager_{runLoop_, state_.path() + "/location-granted"};
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(GeoClue, LocationManagerContract, GeoClueHarness);
+
+namespace {
 
 class GeoClueLocationManagerTest : public ::testing::Test, public LocationManagerDelegate {
 protected:
@@ -40,14 +93,6 @@ protected:
     void rememberGrant() {
         std::filesystem::create_directories(grantFile.parent_path());
         writeFile(grantFile, "");
-    }
-    /// Returns once everything sent to the service has been handled.
-    static void settle() {
-        const auto answer = systemBus().call(
-            QDBusMessage::createMethodCall("org.freedesktop.GeoClue2", "/org/freedesktop/GeoClue2",
-                                           "org.example.Test", "Settle"),
-            QDBus::BlockWithGui);
-        ASSERT_EQ(answer.type(), QDBusMessage::ReplyMessage);
     }
 
     void didUpdateLocations(std::span<const Location> locations) override {
