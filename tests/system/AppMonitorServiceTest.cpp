@@ -24,6 +24,7 @@ protected:
     bool isFullscreen() { return appMonitor().isFullscreen.get(); }
     void activateWith(std::optional<Windows> windows) {
         desktop.workspace.windows = std::move(windows);
+        desktop.workspace.frontmost = editor;
         desktop.workspace.bringToFront(player);
     }
 };

@@ -18,8 +18,10 @@ public:
 
     // What a person does.
     void bringToFront(std::optional<RunningApplication> application) {
-        frontmost = std::move(application);
-        activated_.call(frontmost);
+        if (application != frontmost) {
+            frontmost = std::move(application);
+            activated_.call(frontmost);
+        }
     }
     /// Assign it to change the application without a notification, as some desktops do.
     std::optional<RunningApplication> frontmost;
