@@ -10,6 +10,7 @@
 #include "contracts/LoginItemContract.h"
 #include "contracts/OverlayWindowsContract.h"
 #include "contracts/UrlSessionContract.h"
+#include "contracts/WorkspaceContract.h"
 
 #include <gtest/gtest.h>
 
@@ -20,8 +21,10 @@
 #include <functional>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace nocta {
@@ -162,6 +165,29 @@ private:
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, LocationManagerContract, VirtualLocationHarness);
+
+struct VirtualWorkspaceHarness {
+    VirtualDesktop desktop;
+    const RunningApplication editor{"com.example.editor", "Editor"};
+    const RunningApplication player{"com.example.player", "Player"};
+
+    VirtualWorkspaceHarness() { desktop.displays.plug({.id = 1}); }
+
+    Workspace& workspace() { return desktop.workspace; }
+    Rect displayFrame() { return desktop.displays.display(1).bounds; }
+    void bringToFront(const std::optional<RunningApplication>& application) {
+        desktop.workspace.bringToFront(application);
+    }
+    void setWindows(const std::vector<std::pair<double, double>>& sizes) {
+        desktop.workspace.windows.emplace();
+        for (const auto& [width, height] : sizes) {
+            desktop.workspace.windows->push_back({width, height});
+        }
+    }
+    void setReducesMotion(bool isOn) { desktop.workspace.reducesMotion = isOn; }
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, WorkspaceContract, VirtualWorkspaceHarness);
 
 namespace {
 

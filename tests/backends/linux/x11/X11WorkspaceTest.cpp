@@ -2,6 +2,7 @@
 
 #include "backends/linux/shell/SystemTray.h"
 #include "backends/linux/x11/X11Session.h"
+#include "contracts/WorkspaceContract.h"
 #include "support/XApplication.h"
 
 #include <algorithm>
@@ -19,22 +20,16 @@ namespace {
 using Application = std::optional<RunningApplication>;
 using Size = std::pair<double, double>;
 
-class X11WorkspaceTest : public ::testing::Test {
-protected:
+/// The workspace of a private server.
+struct WorkspaceOnX11 {
+    explicit WorkspaceOnX11(XServer::Kind kind) : x(kind) {}
+
     X11Session x;
     TemporaryFolder processes;
     bool reducesMotion = false;
     X11Workspace workspace{x.connection, x.displays, x.runLoop, [this] { return reducesMotion; },
                            processes.path()};
-    std::vector<Application> activated;
-    Subscription observer = workspace.observeDidActivateApplication(
-        [this](const Application& application) { activated.push_back(application); });
 
-    explicit X11WorkspaceTest(XServer::Kind kind = XServer::Kind::xvfb) : x(kind) {}
-
-    bool waitForActivation(const Application& application) {
-        return serveUntil([&] { return !activated.empty() && activated.back() == application; });
-    }
     /// Returns once everything that has happened on the server has been reported.
     void hear() {
         x.connection.synchronize();
@@ -43,15 +38,6 @@ protected:
             x.runLoop.post([&] { passed = true; });
             ASSERT_TRUE(serveUntil([&] { return passed; }));
         }
-    }
-    std::vector<Size> sizesOnScreen() {
-        std::vector<Size> sizes;
-        const auto windows = workspace.copyWindowInfo().value();
-        for (const auto& window : windows) {
-            sizes.emplace_back(window.width.value(), window.height.value());
-        }
-        std::ranges::sort(sizes);
-        return sizes;
     }
 };
 
@@ -74,6 +60,71 @@ public:
 private:
     XApplication application_;
     xcb_window_t sign_;
+};
+
+} // namespace
+
+/// Another program imitates what a window manager reports.
+class X11WorkspaceHarness : WorkspaceOnX11 {
+public:
+    const RunningApplication editor{"Editor", "Editor"};
+    const RunningApplication player{"Player", "Player"};
+
+    X11WorkspaceHarness() : WorkspaceOnX11(XServer::Kind::xvfb) { words_.setWindows({}); }
+
+    Workspace& workspace() { return WorkspaceOnX11::workspace; }
+    Rect displayFrame() {
+        const auto frame = x.client.activeFrames().at(0);
+        return {static_cast<double>(frame.x), static_cast<double>(frame.y),
+                static_cast<double>(frame.width), static_cast<double>(frame.height)};
+    }
+    void bringToFront(const std::optional<RunningApplication>& application) {
+        words_.setActiveWindow(!application            ? xcb_window_t{XCB_NONE}
+                               : application == editor ? editorWindow_
+                                                       : playerWindow_);
+        hear();
+    }
+    void setWindows(const std::vector<std::pair<double, double>>& sizes) {
+        std::vector<xcb_window_t> windows;
+        for (const auto& [width, height] : sizes) {
+            windows.push_back(editorProcess_.open({0, 0, width, height}));
+        }
+        words_.setWindows(windows);
+    }
+    void setReducesMotion(bool isOn) { reducesMotion = isOn; }
+
+private:
+    Words words_;
+    XApplication editorProcess_{"editor", "Editor"};
+    XApplication playerProcess_{"player", "Player"};
+    xcb_window_t editorWindow_ = editorProcess_.open();
+    xcb_window_t playerWindow_ = playerProcess_.open();
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(X11, WorkspaceContract, X11WorkspaceHarness);
+
+namespace {
+
+class X11WorkspaceTest : public ::testing::Test, protected WorkspaceOnX11 {
+protected:
+    std::vector<Application> activated;
+    Subscription observer = workspace.observeDidActivateApplication(
+        [this](const Application& application) { activated.push_back(application); });
+
+    explicit X11WorkspaceTest(XServer::Kind kind = XServer::Kind::xvfb) : WorkspaceOnX11(kind) {}
+
+    bool waitForActivation(const Application& application) {
+        return serveUntil([&] { return !activated.empty() && activated.back() == application; });
+    }
+    std::vector<Size> sizesOnScreen() {
+        std::vector<Size> sizes;
+        const auto windows = workspace.copyWindowInfo().value();
+        for (const auto& window : windows) {
+            sizes.emplace_back(window.width.value(), window.height.value());
+        }
+        std::ranges::sort(sizes);
+        return sizes;
+    }
 };
 
 /// With a real window manager.
@@ -364,12 +415,6 @@ TEST_F(X11WorkspaceTest, NothingIsReportedOnceTheServerIsGone) {
     ASSERT_TRUE(serveUntil([&] { return isLost; }));
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     EXPECT_EQ(workspace.copyWindowInfo(), std::nullopt);
-}
-
-TEST_F(X11WorkspaceTest, ReducesMotionOnRequest) {
-    EXPECT_FALSE(workspace.accessibilityDisplayShouldReduceMotion());
-    reducesMotion = true;
-    EXPECT_TRUE(workspace.accessibilityDisplayShouldReduceMotion());
 }
 
 } // namespace
