@@ -26,6 +26,11 @@ protected:
         desktop.runLoop.advance(0s);
         return ::testing::internal::GetCapturedStdout();
     }
+    /// Presses a button of a new reminder.
+    bool choose(const std::string& action) {
+        desktop.notifications.add({"Break", "Look away", "BREAK_REMINDER"});
+        return desktop.notifications.choose(desktop.notifications.shown.size() - 1, action);
+    }
 };
 
 TEST_F(NotificationServiceTest, RegistersTheCategoryWithItsTwoButtons) {
@@ -49,34 +54,35 @@ TEST_F(NotificationServiceTest, FailureIsPrintedAndARefusalIsNot) {
 TEST_F(NotificationServiceTest, NotificationIsShownAsABannerWithSoundEvenInFront) {
     launch();
     desktop.notifications.add({"Break", "Look away", "BREAK_REMINDER"});
-    EXPECT_EQ(desktop.notifications.presentation, 18U);
+    EXPECT_EQ(desktop.notifications.shown.at(0).presentation, 18U);
 }
 
 TEST_F(NotificationServiceTest, ButtonsActOnTheBreakAndOnNothingElse) {
     launch();
     for (const auto* const action : {"SKIP_BREAK", "SNOOZE_BREAK"}) {
-        EXPECT_TRUE(desktop.notifications.choose(action)) << "before any break";
+        EXPECT_TRUE(choose(action)) << "before any break";
     }
     EXPECT_EQ(breakTimer().statistics.get(), BreakStatistics{});
 
     desktop.runLoop.advance(60s);
     for (const auto* const action : {"", "default", "skip_break", "DISMISS"}) {
-        EXPECT_TRUE(desktop.notifications.choose(action));
+        EXPECT_TRUE(choose(action));
     }
     EXPECT_EQ(breakTimer().statistics.get(), BreakStatistics{});
-    EXPECT_TRUE(desktop.notifications.choose("SNOOZE_BREAK"));
+    EXPECT_TRUE(choose("SNOOZE_BREAK"));
     EXPECT_EQ(breakTimer().state.get(), BreakState(Snoozed{desktop.runLoop.wallNow() + 5min}));
 
     desktop.runLoop.advance(5min + 60s);
-    EXPECT_TRUE(desktop.notifications.choose("SKIP_BREAK"));
+    EXPECT_TRUE(choose("SKIP_BREAK"));
     EXPECT_EQ(breakTimer().statistics.get().skippedBreaks, 1);
 }
 
 TEST_F(NotificationServiceTest, ResponseAfterTheEndOfTheProgramIsIgnored) {
     launch();
+    desktop.notifications.add({"Break", "Look away", "BREAK_REMINDER"});
     quit();
     dropProgram();
-    EXPECT_FALSE(desktop.notifications.choose("SKIP_BREAK"));
+    EXPECT_FALSE(desktop.notifications.choose(0, "SKIP_BREAK"));
 }
 
 } // namespace

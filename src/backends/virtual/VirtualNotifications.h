@@ -4,6 +4,8 @@
 #include "base/RunLoop.h"
 #include "platform/UserNotificationCenter.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
@@ -20,13 +22,17 @@ public:
     bool isGranted = true;
     std::optional<std::string> error;
     std::vector<UserNotificationCategory> categories;
-    std::vector<UserNotification> shown;
-    /// How the last notification was shown.
-    std::uint32_t presentation = 0;
-    /// Presses a button. Returns whether the program has called the completion handler.
-    bool choose(const std::string& actionIdentifier) {
+    struct Shown {
+        UserNotification notification;
+        std::uint32_t presentation = 0;
+        bool isAnswered = false; ///< and therefore gone
+    };
+    std::vector<Shown> shown;
+    /// Presses a button of a notification. Returns whether the program has called the completion
+    /// handler.
+    bool choose(std::size_t index, const std::string& actionIdentifier) {
         bool isDone = false;
-        if (delegate_ != nullptr) {
+        if (!std::exchange(shown.at(index).isAnswered, true) && delegate_ != nullptr) {
             delegate_->didReceiveResponse(actionIdentifier, [&] { isDone = true; });
         }
         return isDone;
@@ -45,8 +51,10 @@ public:
     }
     void setDelegate(UserNotificationCenterDelegate* delegate) override { delegate_ = delegate; }
     void add(const UserNotification& notification) override {
-        presentation = delegate_ == nullptr ? 0 : delegate_->willPresentNotification();
-        shown.push_back(notification);
+        const auto presentation = delegate_ == nullptr ? 0 : delegate_->willPresentNotification();
+        if ((presentation & (notificationAlert | notificationBanner)) != 0) {
+            shown.push_back({notification, presentation});
+        }
     }
 
 private:
