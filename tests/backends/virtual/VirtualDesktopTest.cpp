@@ -10,6 +10,7 @@
 #include "contracts/LoginItemContract.h"
 #include "contracts/OverlayWindowsContract.h"
 #include "contracts/UrlSessionContract.h"
+#include "contracts/UserNotificationCenterContract.h"
 #include "contracts/WorkspaceContract.h"
 
 #include <gtest/gtest.h>
@@ -188,6 +189,34 @@ struct VirtualWorkspaceHarness {
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, WorkspaceContract, VirtualWorkspaceHarness);
+
+struct VirtualNotificationsHarness {
+    VirtualDesktop desktop;
+
+    UserNotificationCenter& center() { return desktop.notifications; }
+    std::vector<std::vector<std::string>> shown() const {
+        std::vector<std::vector<std::string>> shown;
+        for (const auto& [notification, presentation, isAnswered] : desktop.notifications.shown) {
+            auto& texts =
+                shown.emplace_back(std::vector<std::string>{notification.title, notification.body});
+            for (const auto& category : desktop.notifications.categories) {
+                if (category.identifier == notification.categoryIdentifier) {
+                    std::ranges::transform(category.actions, std::back_inserter(texts),
+                                           &UserNotificationAction::title);
+                }
+            }
+        }
+        return shown;
+    }
+    void press(std::size_t index, const std::string& actionIdentifier) {
+        desktop.notifications.choose(index, actionIdentifier);
+    }
+    void deny() { desktop.notifications.isGranted = false; }
+    void settle() { desktop.runLoop.advance(0s); }
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, UserNotificationCenterContract,
+                               VirtualNotificationsHarness);
 
 namespace {
 

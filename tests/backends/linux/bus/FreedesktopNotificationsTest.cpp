@@ -1,6 +1,7 @@
 #include "backends/linux/bus/FreedesktopNotifications.h"
 
 #include "backends/linux/bus/MessageBus.h"
+#include "contracts/UserNotificationCenterContract.h"
 #include "support/Dunst.h"
 #include "support/EventLoop.h"
 #include "support/PrivateBus.h"
@@ -75,6 +76,56 @@ private:
     QDBusMessage waiting_;
 };
 
+/// Returns once everything sent to or by the service has been handled.
+void settle() {
+    const auto answer = sessionBus().call(
+        QDBusMessage::createMethodCall(serviceName, "/org/freedesktop/Notifications",
+                                       "org.example.Test", "Settle"),
+        QDBus::BlockWithGui);
+    ASSERT_EQ(answer.type(), QDBusMessage::ReplyMessage);
+    QCoreApplication::processEvents();
+}
+
+} // namespace
+
+class FreedesktopNotificationsHarness {
+public:
+    UserNotificationCenter& center() { return center_; }
+    std::vector<std::vector<std::string>> shown() const {
+        std::vector<std::vector<std::string>> shown;
+        for (const auto& call : service_.shown) {
+            auto& texts = shown.emplace_back(std::vector<std::string>{
+                call[3].toString().toStdString(), call[4].toString().toStdString()});
+            const auto actions = call[5].toStringList(); // pairs of an identifier and a title
+            for (qsizetype title = 1; title < actions.size(); title += 2) {
+                texts.push_back(actions[title].toStdString());
+            }
+        }
+        return shown;
+    }
+    void press(std::size_t index, const std::string& actionIdentifier) {
+        service_.invoke(static_cast<unsigned int>(index) + 1,
+                        QString::fromStdString(actionIdentifier));
+    }
+    void deny() { service_.capabilities = 7; } // not an answer of a notification service
+    static void settle() {
+        constexpr int maxSteps = 4; // in which a notification is shown
+        for (int step = 0; step < maxSteps; ++step) {
+            nocta::settle();
+        }
+    }
+
+private:
+    PrivateBus bus_{"DBUS_SESSION_BUS_ADDRESS"};
+    MockService service_{bus_};
+    FreedesktopNotifications center_;
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Freedesktop, UserNotificationCenterContract,
+                               FreedesktopNotificationsHarness);
+
+namespace {
+
 class FreedesktopNotificationsTest : public ::testing::Test, public UserNotificationCenterDelegate {
 protected:
     using Answer = std::pair<bool, std::optional<std::string>>;
@@ -111,15 +162,6 @@ protected:
         ASSERT_TRUE(serveUntil([&] { return service->shown.size() == before + 1; }));
         settle();
     }
-    /// Returns once everything sent to or by the service has been handled.
-    static void settle() {
-        const auto answer = sessionBus().call(
-            QDBusMessage::createMethodCall(serviceName, "/org/freedesktop/Notifications",
-                                           "org.example.Test", "Settle"),
-            QDBus::BlockWithGui);
-        ASSERT_EQ(answer.type(), QDBusMessage::ReplyMessage);
-        QCoreApplication::processEvents();
-    }
     bool waitForResponse() {
         return serveUntil([this] { return !responses.empty(); });
     }
@@ -131,14 +173,6 @@ protected:
         completionHandler();
     }
 };
-
-TEST_F(FreedesktopNotificationsTest, AServiceIsAGrant) {
-    makeCenter();
-    request();
-    EXPECT_TRUE(answers.empty()) << "the answer comes from the run loop";
-    ASSERT_TRUE(serveUntil([&] { return !answers.empty(); }));
-    EXPECT_EQ(answers, (std::vector{Answer{true, std::nullopt}}));
-}
 
 TEST_F(FreedesktopNotificationsTest, AServiceWithoutButtonsIsAGrantAndIsSentNone) {
     service->capabilities = QStringList{"body"};
@@ -231,13 +265,6 @@ TEST_F(FreedesktopNotificationsTest, TextIsNotReadAsMarkup) {
     EXPECT_EQ(service->shown.at(0)[4], "Tea &amp; &lt;b&gt;biscuits&lt;/b&gt;");
 }
 
-TEST_F(FreedesktopNotificationsTest, NotificationOfNoCategoryHasNoButtons) {
-    makeCenter();
-    center->add({.title = "Hello", .body = {}, .categoryIdentifier = "UNKNOWN"});
-    ASSERT_TRUE(serveUntil([&] { return !service->shown.empty(); }));
-    EXPECT_EQ(service->shown.at(0)[5].toStringList(), QStringList());
-}
-
 TEST_F(FreedesktopNotificationsTest, IsShownAsTheDelegateSays) {
     makeCenter();
     presentation = notificationAlert;
@@ -251,17 +278,6 @@ TEST_F(FreedesktopNotificationsTest, IsShownAsTheDelegateSays) {
     settle();
     EXPECT_EQ(service->questions, 1) << "no question for a notification that is not shown";
     EXPECT_EQ(service->shown.size(), 1U);
-}
-
-TEST_F(FreedesktopNotificationsTest, TheAnswerReachesTheDelegateOnce) {
-    makeCenter();
-    show();
-    service->invoke(1, "LATER");
-    ASSERT_TRUE(waitForResponse());
-    service->invoke(1, "LATER"); // pressed twice
-    service->close(1);
-    settle();
-    EXPECT_EQ(responses, std::vector<std::string>{"LATER"});
 }
 
 TEST_F(FreedesktopNotificationsTest, AnAnswerRightAfterTheIdIsDelivered) {
