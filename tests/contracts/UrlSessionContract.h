@@ -99,7 +99,9 @@ TYPED_TEST_P(UrlSessionContract, CanceledTaskReportsNothing) {
     typename TestFixture::Report report;
     auto task = this->start(report);
     task.cancel();
-    this->loadAnother();
+    for (int i = 0; i < 3; ++i) { // it would be done by then, although both start at once
+        this->loadAnother();
+    }
     EXPECT_TRUE(report.responses.empty());
     EXPECT_EQ(report.pieces, 0);
 }
