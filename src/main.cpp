@@ -4,7 +4,7 @@
 #include "ui/WidgetViews.h"
 
 namespace {
-/// Set when the build is configured.
+/// The values are set when the build is configured.
 constexpr nocta::Bundle bundle = {.shortVersionString = NOCTA_VERSION,
                                   .version = NOCTA_BUILD,
                                   .apiBase = NOCTA_API_BASE,

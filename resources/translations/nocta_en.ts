@@ -111,11 +111,11 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>This desktop has no way to turn its displays gray.</source>
+        <source>Nocta cannot turn the displays gray on this desktop.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>This desktop has no location service that answers.</source>
+        <source>No location service is available on this desktop.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -489,7 +489,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>The desktop&apos;s settings do not allow Nocta to know the location.</source>
+        <source>The desktop&apos;s settings do not let Nocta use your location.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -553,7 +553,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Updates of Nocta come with those of the system.</source>
+        <source>The system&apos;s package manager updates Nocta.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -665,7 +665,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>What is new</source>
+        <source>What&apos;s new</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -705,11 +705,11 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>There is nothing newer than version %1 for this system.</source>
+        <source>No version newer than %1 is available for this system.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Nocta %1 is with the installer</source>
+        <source>Nocta %1 is open in the installer</source>
         <translation type="unfinished"></translation>
     </message>
     <message>

@@ -16,7 +16,7 @@ constexpr AppWindows::Style onboardingStyle = {.title = "Welcome to Nocta",
                                                .level = AppWindows::floatingLevel};
 } // namespace
 
-// The members' order is the order in which the services are first made.
+// The order of the members determines the order in which the services are created.
 AppDelegate::AppDelegate(SharedInstances& instances, Views& views)
     : desktop_(instances.desktop()), views_(views), settingsManager_(instances.settingsManager()),
       gammaController_(instances.gammaController()),
@@ -47,7 +47,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 void AppDelegate::applicationDidReopen() {
     if (breakOverlayController_.isShowing.get()) {
-        breakOverlayController_.orderFront(); // the cover would hide anything else
+        breakOverlayController_.orderFront(); // the covers would hide any other window
     } else if (onboardingWindow_ != nullptr) {
         onboardingWindow_->makeKeyAndOrderFront();
     } else if (popover_ != nullptr && !popover_->isShown()) {
@@ -120,8 +120,8 @@ void AppDelegate::startServices() {
         breakTimer_.start();
     }
 
-    // This darkens at once with the rule for the lower half; the applier then adds the backlight
-    // and the faint glow.
+    // This dims immediately by the rule for the lower half of the range. The applier then sets the
+    // backlight and limits the dimming.
     const auto brightness = settingsManager_.unifiedBrightness.get();
     gammaController_.setDimming(brightness < 0.5 ? static_cast<float>(1 - 2 * brightness) : 0.0F);
     brightnessApplier_.apply(brightness);
@@ -170,7 +170,7 @@ void AppDelegate::showPopover() {
     popover_->show(*statusItem_);
 }
 
-/// If the user closes the window before the last step, it comes back at the next start.
+/// If the user closes the window before the last step, it is shown again on the next launch.
 void AppDelegate::showOnboardingWindow() {
     onboardingWindow_ = desktop_.appWindows.makeWindow(
         onboardingStyle, views_.makeOnboardingView([this] { completeOnboarding(); }),
@@ -180,11 +180,11 @@ void AppDelegate::showOnboardingWindow() {
 }
 
 void AppDelegate::completeOnboarding() {
-    closeOnboarding_.request(); // later, because this is called by a button of the window
+    closeOnboarding_.request(); // deferred, because a button in that window calls this function
     settingsManager_.isFirstLaunch.set(false);
 }
 
-/// An updater that cannot start leaves the program as it is.
+/// If the updater cannot start, the program runs without it.
 void AppDelegate::startUpdater() {
     windows_.followUpdater();
     desktop_.updater.startUpdater(updaterDidFinishUpdateCycle);

@@ -17,9 +17,9 @@
 
 namespace nocta {
 
-/// The frame of the program: starts every service in a fixed order, owns the status item and its
-/// popover, passes changes of settings to the services, and gives the screen back at the end.
-/// `NoctaApp` makes it, and it lives as long as the process.
+/// Starts every service in a fixed order, owns the status item and its popover, passes changes of
+/// settings to the services, and restores the screen when the program ends. `NoctaApp` creates it,
+/// and it exists for the lifetime of the process.
 class AppDelegate final : public ApplicationDelegate {
 public:
     AppDelegate(SharedInstances& instances, Views& views);
@@ -28,11 +28,11 @@ public:
 
     void applicationDidFinishLaunching() override;
     void applicationDidReopen() override;
-    /// Brings the preferences window to the front, and makes it if it is closed.
+    /// Brings the preferences window to the front, and opens it if it is closed.
     void showPreferencesWindow() override { windows_.showPreferences(); }
     void applicationWillTerminate() override;
 
-    /// Called for a click on the status item.
+    /// Called when the user clicks the status item.
     void togglePopover();
 
     /// Called at the end of an update cycle. A failure is only logged.
@@ -51,8 +51,8 @@ private:
 
     Desktop& desktop_;
     Views& views_;
-    std::unique_ptr<StatusItem> statusItem_; ///< none until launch
-    Popover* popover_ = nullptr;             ///< none until launch
+    std::unique_ptr<StatusItem> statusItem_; ///< null until launch
+    Popover* popover_ = nullptr;             ///< null until launch
     SettingsManager& settingsManager_;
     GammaController& gammaController_;
     BrightnessController& brightnessController_;
@@ -69,7 +69,7 @@ private:
     LaunchAtLoginService& launchAtLoginService_;
     UnifiedBrightnessApplier& brightnessApplier_;
     AppMonitorService& appMonitorService_;
-    std::unique_ptr<AppWindow> onboardingWindow_; ///< while it is open
+    std::unique_ptr<AppWindow> onboardingWindow_; ///< null unless it is open
     Windows windows_;
     bool servicesStarted_ = false;
     Deferred closeOnboarding_;

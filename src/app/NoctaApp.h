@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// The program: an application delegate on a desktop. It opens no window of its own.
+/// The program: runs the application delegate on a desktop. It does not open a window itself.
 class NoctaApp {
 public:
     NoctaApp(SharedInstances& instances, Views& views)

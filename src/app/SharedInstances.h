@@ -22,9 +22,10 @@
 
 namespace nocta {
 
-/// One instance of every service on one desktop, each made on first access. `main` makes it after
-/// the desktop and destroys it before the desktop. While it exists, the `shared()` functions of the
-/// services return its instances. Tests make as many as they like, one at a time.
+/// Has one instance of every service for one desktop. Each instance is created on first access.
+/// `main` creates this object after the desktop and destroys it before the desktop. While it
+/// exists, the `shared()` functions of the services return its instances. Tests may create any
+/// number of these objects, but only one at a time.
 class SharedInstances {
 public:
     explicit SharedInstances(Desktop& desktop);
@@ -38,7 +39,7 @@ private:
     Desktop& desktop_;
 
 public:
-    // In order of need: later members may refer to earlier ones and are destroyed first.
+    // In order of dependency: later members may refer to earlier members and are destroyed first.
     Lazy<BuiltInProfiles> builtInProfiles{
         [this](auto& made) { made.emplace(makeBuiltInProfiles(desktop_.uuidSource)); }};
     Lazy<SettingsManager> settingsManager{

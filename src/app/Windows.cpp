@@ -14,7 +14,7 @@ constexpr AppWindows::Style preferencesStyle = {
 constexpr AppWindows::Style updateStyle = {.title = translatable("Nocta", "Software Update"),
                                            .styleMask = AppWindows::titled | AppWindows::closable};
 
-/// Whether the stage comes from what the user has just asked for.
+/// Whether the stage is the result of a request that the user has just made.
 bool isRequested(const UpdateStage& stage) {
     return std::holds_alternative<UpdateCheckInProgress>(stage) ||
            std::holds_alternative<UpdateDownload>(stage);
@@ -36,7 +36,7 @@ void Windows::showPreferences() {
 }
 
 void Windows::followUpdater() {
-    // Later, because a button of the window may have changed the stage.
+    // Deferred, because a button in the window may have changed the stage.
     stage_ = desktop_.updater.stage.subscribe(
         [this](const UpdateStage& /*stage*/) { stageChanged_.request(); });
 }

@@ -10,8 +10,9 @@
 
 namespace nocta {
 
-/// The windows of preferences and updates: each is made when it is needed and destroyed when it is
-/// closed. A member of `AppDelegate`, which has the onboarding window and the popover.
+/// The windows for preferences and updates. Each window is created when it is needed and destroyed
+/// when it is closed. `Windows` is a member of `AppDelegate`, which itself owns the onboarding
+/// window and the popover.
 class Windows {
 public:
     Windows(Desktop& desktop, Views& views);
@@ -21,7 +22,7 @@ public:
     /// Brings the preferences window to the front.
     void showPreferences();
 
-    /// From now on there is a window for each stage of the updater that has something to show.
+    /// From now on, shows a window for each stage of the updater that has something to show.
     void followUpdater();
 
 private:

@@ -11,7 +11,7 @@
 
 namespace nocta {
 
-/// Fades a window at 60 frames per second. It is a member of its owner; destroying it stops the
+/// Fades a window at 60 frames per second. Make it a member of its owner; destroying it stops the
 /// fade. `start` replaces a running fade, whose completion is then never called.
 class AlphaFade {
 public:
@@ -20,8 +20,8 @@ public:
         double to = 0;
     };
 
-    /// Calls `show` with each alpha that is due, the last time with exactly `way.to`, and then
-    /// calls `completion`.
+    /// Calls `show` with each alpha when it is due, ending with exactly `way.to`, and then calls
+    /// `completion`.
     void start(RunLoop& runLoop, Way way, Duration duration, TimingFunction curve,
                std::function<void(double)> show, std::function<void()> completion) {
         using Picture = std::chrono::duration<double, std::ratio<1, 60>>;

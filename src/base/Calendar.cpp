@@ -11,7 +11,7 @@ constexpr int firstYear = 1900;
 constexpr std::time_t secondsPerDay = 86400;
 
 std::tm localTime(std::time_t time) {
-    tzset(); // the zone may have changed since the last call
+    tzset(); // the time zone may have changed since the last call
     std::tm local{};
     localtime_r(&time, &local);
     return local;
@@ -41,18 +41,18 @@ std::optional<WallTime> Calendar::instantAt(CalendarDay day, int hour, int minut
     local.tm_hour = hour;
     local.tm_min = minute;
     const auto asGMT = timegm(&local);
-    if (asGMT == -1) { // no whole minute, so no instant
+    if (asGMT == -1) { // an error: a valid instant here is a multiple of 60
         return std::nullopt;
     }
-    // Offsets are shorter than a day, so these two apply before and after any change of the offset
-    // near the local time. mktime would choose by its daylight-saving flag, which some zones set in
-    // winter and which other changes of the offset do not affect.
+    // An offset is shorter than a day, so these two are the offsets before and after any change
+    // near the local time. mktime would use its daylight-saving flag to choose between them, but
+    // some zones set that flag in winter, and some changes of the offset do not affect it.
     const auto offsetAt = [](std::time_t time) { return localTime(time).tm_gmtoff; };
     const auto before = offsetAt(asGMT - secondsPerDay);
     const auto after = offsetAt(asGMT + secondsPerDay);
     const auto exists = [&](long offset) { return offsetAt(asGMT - offset) == offset; };
-    // With the offset from before the change, a time that exists twice means the first one, and a
-    // time in a gap moves past its end by as much as it was past its beginning.
+    // The offset from before the change selects the first of two instants with the same local time.
+    // It also moves a local time that does not exist forward by the length of the gap.
     const auto offset = exists(before) || !exists(after) ? before : after;
     return WallTime(std::chrono::seconds(asGMT - offset));
 }

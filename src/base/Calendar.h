@@ -8,7 +8,7 @@
 
 namespace nocta {
 
-/// A day of the local calendar.
+/// A day in the local calendar.
 struct CalendarDay {
     int year = 0;
     int month = 1; ///< 1–12
@@ -17,21 +17,21 @@ struct CalendarDay {
     auto operator<=>(const CalendarDay&) const = default;
 };
 
-/// The user's calendar and time zone. Each call asks the C library again, so that a change of the
-/// zone takes effect while the program runs. It reads no clock.
+/// The user's calendar and time zone. Every call reads the time zone again, so that a change of the
+/// zone takes effect while the program runs. `Calendar` does not read a clock.
 struct Calendar {
     static CalendarDay dayOf(WallTime instant);
 
-    /// 1 for the first of January.
+    /// Returns 1 for January 1.
     static int dayOfYear(WallTime instant);
 
-    /// The instant of a local time, with 0 seconds. If the clock shows the time twice, it means the
-    /// first. If the clock skips the time, it moves forward by the length of the gap: when the
-    /// clock goes from 02:00 to 03:00, 02:30 means 03:30. None if the C library cannot represent
-    /// the instant.
+    /// Returns the instant of a local time, with 0 seconds. If the local time occurs twice, returns
+    /// the first instant. If the clock skips the local time, moves it forward by the length of the
+    /// gap: when the clock goes from 02:00 to 03:00, 02:30 means 03:30. Returns none if the C
+    /// library cannot represent the instant.
     static std::optional<WallTime> instantAt(CalendarDay day, int hour, int minute);
 
-    /// By how much local time is ahead of GMT at an instant.
+    /// Returns how far local time is ahead of GMT at an instant.
     static std::chrono::seconds offsetFromGMT(WallTime instant);
 };
 

@@ -10,9 +10,8 @@
 
 namespace nocta {
 
-/// An ordered list of callbacks, which may be added and removed while the list is being called. A
-/// callback that is removed during a delivery is no longer called in it; one that is added during
-/// a delivery is first called in the next.
+/// An ordered list of callbacks. Callbacks may be added and removed during a call of the list: a
+/// removed callback is not called anymore, and an added callback is first called in the next call.
 template <class... Args>
 class CallbackList {
 public:
@@ -34,7 +33,7 @@ public:
     }
 
     /// Calls `goOn` before each callback and stops when it returns false. A callback may destroy
-    /// the list itself, provided that `goOn` can still be called then.
+    /// the list itself if `goOn` can still be called afterward.
     template <class Predicate>
     void callWhile(Predicate goOn, const Args&... args) const {
         const auto entries = *entries_;

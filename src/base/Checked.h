@@ -14,8 +14,8 @@ struct Origin {
     std::variant<std::int64_t, double> value;
 };
 
-/// While it lives, the message of `stopProgram` names these values, so that a person can correct
-/// the one that causes the fault. If contexts are nested, the innermost one counts.
+/// While a context exists, the message of `stopProgram` names these values, so that the user can
+/// correct the value that causes the fault. If contexts are nested, the innermost context is used.
 ///
 ///     const FaultContext context({settings.breakIntervalMinutes.origin()});
 ///     const auto interval = checkedProduct(settings.breakIntervalMinutes.get(), 60);
@@ -33,14 +33,16 @@ private:
     const FaultContext* outer_;
 };
 
-/// Appended to each message that names an origin. It says where to correct the stored values.
+/// Sets a text to append to each message that names an origin. The text explains where to correct
+/// the stored values.
 void setOriginAdvice(std::string advice);
 
-/// Prints a message and aborts. For arithmetic that would overflow and conversions out of range:
-/// there is no correct value to continue with.
+/// Prints a message and aborts. Call it when arithmetic would overflow or a conversion is out of
+/// range, because there is no correct value to continue with.
 [[noreturn]] void stopProgram(std::string_view reason);
 
-/// The value rounded toward zero. Stops the program if it does not fit into a 64-bit integer.
+/// Rounds the value toward zero. Stops the program if the result does not fit into a 64-bit
+/// integer.
 inline std::int64_t truncated(double value) {
     constexpr double limit = 9223372036854775808.0; // 2^63
     if (!(value >= -limit && value < limit)) {

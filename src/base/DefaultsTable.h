@@ -20,9 +20,9 @@ using DefaultsValue = std::variant<bool, std::int64_t, double, std::string, Defa
 using DefaultsMap = std::map<std::string, DefaultsValue, std::less<>>;
 
 /// Typed values by key on top of a layer of registered defaults. Every defaults store shares these
-/// rules. A getter returns the stored value, else the registered one, else zero, false or none.
-/// Numbers and booleans convert to each other. Any other mismatch of types, and a number that does
-/// not fit, gives zero, false or none.
+/// rules. A getter returns the stored value, or else the registered value, or else zero, false or
+/// none. Numbers and booleans convert to each other. If the types do not match otherwise, or a
+/// number does not fit, the getter also returns zero, false or none.
 class DefaultsTable {
 public:
     void registerDefaults(const DefaultsMap& defaults);

@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// Runs an action once at the end of the run-loop turn, however often it was requested in that
-/// turn. It is a member of its owner; destroying it drops a pending action.
+/// Runs an action once at the end of the run-loop turn, no matter how often it was requested during
+/// the turn. Make it a member of its owner; destroying it drops a pending action.
 ///
 ///     Deferred flush{runLoop, [this] { send(); }};
 ///     flush.request();

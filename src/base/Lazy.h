@@ -6,12 +6,12 @@
 
 namespace nocta {
 
-/// An object that is made when it is first asked for.
+/// An object that is created on first use.
 ///
 ///     Lazy<Bell> bell{[this](auto& made) { made.emplace(tower()); }};
 ///     bell().ring();
 ///
-/// Not supported: objects that need each other, as neither can be made first.
+/// Not supported: objects that need each other, because neither can be created first.
 template <class T>
 class Lazy {
 public:

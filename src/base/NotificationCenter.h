@@ -9,8 +9,8 @@
 
 namespace nocta {
 
-/// Process-wide notifications by name. `post` calls every observer of the name before it returns,
-/// in order of registration. A notification carries no object or user info.
+/// Sends process-wide notifications by name. `post` calls every observer of the name, in order of
+/// registration, before it returns. A notification carries no object or user info.
 ///
 ///     auto subscription = center.observe("DidWake", [this] { refresh(); });
 ///     center.post("DidWake"); // calls refresh

@@ -15,11 +15,11 @@ namespace nocta {
 ///     auto subscription = level.subscribe([](int value) { show(value); });
 ///     level.set(4); // shows 4
 ///
-/// A new subscription does not deliver the current value. Every write notifies, even one of an
-/// equal value; the value is stored before it is delivered. If a subscriber writes, that write is
-/// delivered in full first, and then the outer delivery ends, because every subscriber already has
-/// the newer value. A delivery also ends when a subscriber destroys the publisher. There is no
-/// locking: use it on the run loop's thread only.
+/// Subscribing does not deliver the current value. Every write notifies the subscribers, even if
+/// the value is equal; the value is stored before it is delivered. If a subscriber writes, the new
+/// value is delivered to all subscribers, and then the outer delivery ends, because every
+/// subscriber already has the newer value. A delivery also ends when a subscriber destroys the
+/// publisher. There is no locking: use it only on the run loop's thread.
 template <class T>
 class Published {
 public:

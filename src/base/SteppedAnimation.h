@@ -8,12 +8,13 @@
 
 namespace nocta {
 
-/// An animation with a given number of steps, however long they take. It is a member of its owner;
-/// destroying it stops the animation. `start` replaces a running animation, whose completion is
-/// then never called.
+/// An animation with a given number of steps, no matter how long they take. Make it a member of its
+/// owner; destroying it stops the animation. `start` replaces a running animation, whose completion
+/// is then never called.
 class SteppedAnimation {
 public:
-    /// Calls `show` with 1 to `steps`, one in each interval, and then calls `completion`.
+    /// Calls `show` once per interval with the step numbers 1 to `steps`, and then calls
+    /// `completion`.
     void start(RunLoop& runLoop, int steps, Duration interval, std::function<void(int)> show,
                std::function<void()> completion) {
         timer_.start(runLoop, interval, Repeat::yes,

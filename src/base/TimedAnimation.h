@@ -10,15 +10,15 @@
 
 namespace nocta {
 
-/// An animation with a given duration. The clock decides which step is due: if the run loop is late
-/// or rounds its timers, steps are skipped, and the last one still comes on time. (Use
-/// `SteppedAnimation` for a given number of steps, however long they take.) It is a member of its
-/// owner; destroying it stops the animation. `start` replaces a running animation, whose completion
-/// is then never called.
+/// An animation with a given duration. The clock determines which step is due: if the run loop is
+/// late or rounds its timers, the animation skips steps and still ends on time. (Use
+/// `SteppedAnimation` for a given number of steps, no matter how long they take.) Make it a member
+/// of its owner; destroying it stops the animation. `start` replaces a running animation, whose
+/// completion is then never called.
 class TimedAnimation {
 public:
-    /// Calls `show` in order with those of the steps 1 to `steps` that are due, always including
-    /// the last, and then calls `completion`.
+    /// Calls `show` with the steps from 1 to `steps` as they become due. It may skip steps, but not
+    /// the last one. Then it calls `completion`.
     void start(RunLoop& runLoop, int steps, Duration duration, std::function<void(int)> show,
                std::function<void()> completion) {
         await(1, std::make_shared<const Movement>(Movement{runLoop, runLoop.monotonicNow(), steps,
@@ -35,7 +35,7 @@ private:
         std::function<void(int)> show;
         std::function<void()> completion;
 
-        /// Rounded up, so that the step is due at that time.
+        /// Rounded up, so that `stepNow` has reached the step at that time.
         MonotonicTime due(int step) const {
             return start + (duration * step + Duration(steps - 1)) / steps;
         }
@@ -51,8 +51,8 @@ private:
                      [this, movement] { advance(movement); });
     }
 
-    /// The callbacks at its end may destroy or restart this object. The run loop keeps the movement
-    /// alive until this returns.
+    /// The callbacks that this function calls last may destroy or restart this object. The run loop
+    /// keeps the movement alive until the function returns.
     void advance(const std::shared_ptr<const Movement>& movement) {
         const auto step = movement->stepNow();
         if (step < movement->steps) {

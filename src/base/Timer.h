@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// A timer as a member of its owner. Destroying it stops it, so that it cannot call an owner that
-/// is gone. It may be stopped, restarted or destroyed inside its own action.
+/// A timer that is a member of its owner. Destroying the timer stops it, so that it cannot call an
+/// owner that no longer exists. Its own action may stop, restart or destroy it.
 ///
 ///     Timer pollTimer;
 ///     pollTimer.start(runLoop, 5s, Repeat::yes, [this] { check(); });
@@ -23,7 +23,7 @@ public:
     void start(RunLoop& runLoop, Duration interval, Repeat repeat, std::function<void()> action);
     void invalidate();
 
-    /// True while a tick is still to come.
+    /// True while a tick is pending.
     bool isValid() const { return id_.has_value(); }
 
 private:

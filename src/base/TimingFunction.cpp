@@ -15,7 +15,7 @@ double bezier(double first, double second, double parameter) {
 
 double eased(TimingFunction function, double time) {
     const auto secondX = function == TimingFunction::easeIn ? 1.0 : 0.58;
-    // The time grows with the curve's parameter, so bisection finds the parameter for a time.
+    // Time increases with the curve's parameter, so bisection finds the parameter for a given time.
     double low = 0;
     double high = 1;
     for (int i = 0; i < 40; ++i) {

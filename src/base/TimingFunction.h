@@ -7,7 +7,7 @@ namespace nocta {
 /// (1, 1), and kCAMediaTimingFunctionEaseInEaseOut, with (0.42, 0) and (0.58, 1).
 enum class TimingFunction { easeIn, easeInEaseOut };
 
-/// The progress, 0.0–1.0, after the fraction `time` of the duration, 0.0–1.0.
+/// Returns the progress (0.0–1.0) at `time`, which is a fraction of the duration (0.0–1.0).
 double eased(TimingFunction function, double time);
 
 } // namespace nocta

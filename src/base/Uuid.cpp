@@ -7,7 +7,7 @@
 namespace nocta {
 
 namespace {
-/// Length of the hyphenated form. Not every libuuid defines a constant for it.
+/// The length of the hyphenated form. Not every libuuid defines a constant for it.
 constexpr std::size_t textLength = 36;
 } // namespace
 
@@ -36,6 +36,6 @@ std::string Uuid::toString() const {
 
 std::size_t std::hash<nocta::Uuid>::operator()(const nocta::Uuid& uuid) const noexcept {
     std::size_t value = 0;
-    std::memcpy(&value, uuid.bytes.data(), sizeof value); // the bytes are random already
+    std::memcpy(&value, uuid.bytes.data(), sizeof value); // the bytes are already random
     return value;
 }

@@ -14,13 +14,14 @@ namespace nocta {
 struct Uuid {
     std::array<std::uint8_t, 16> bytes{};
 
-    /// Parses the 36-character hyphenated form in either case; none for anything else.
+    /// Parses the 36-character hyphenated form, in upper or lower case. Returns none for any other
+    /// text.
     static std::optional<Uuid> parse(std::string_view text);
 
-    /// A version 4 (random) identifier from 16 random bytes.
+    /// Makes a version 4 (random) identifier from 16 random bytes.
     static Uuid fromRandomBytes(std::array<std::uint8_t, 16> bytes);
 
-    /// The canonical form: hyphenated, upper case.
+    /// Returns the canonical form, which is hyphenated and in upper case.
     std::string toString() const;
 
     bool operator==(const Uuid&) const = default;

@@ -72,7 +72,8 @@ void BreakOverlayController::snooze() {
     hideWithoutBreak();
 }
 
-/// The end of a break hides the covers. A break that was stopped never ends, so hide them here.
+/// The end of a break hides the covers. If the break was stopped, there is no such end, so hide the
+/// covers here.
 void BreakOverlayController::hideWithoutBreak() {
     if (!isFading_ && !std::holds_alternative<Active>(breakTimer_.state.get())) {
         hide();

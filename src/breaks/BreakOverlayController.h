@@ -14,10 +14,10 @@
 
 namespace nocta {
 
-/// Covers every screen during a break and removes the covers after it. A break that starts while
-/// covers are shown or still fading changes nothing; neither do screens that are added or removed
-/// meanwhile. If the break was stopped while its covers were shown, skip and snooze only remove
-/// them. It lives as long as the process.
+/// Covers every screen during a break and removes the covers afterward. While covers are shown or
+/// are still fading, it ignores the start of another break and screens that are added or removed.
+/// If the break was stopped while its covers were shown, skip and snooze only remove the covers. It
+/// exists for the lifetime of the process.
 class BreakOverlayController {
 public:
     BreakOverlayController(BreakTimer& breakTimer, OverlayWindows& windows,
@@ -29,7 +29,7 @@ public:
     /// True from the start of a break until the last window has faded out.
     Published<bool> isShowing;
 
-    /// Brings the covers in front of newer windows and gives them the keyboard.
+    /// Brings the covers in front of newer windows and gives them keyboard focus.
     void orderFront();
 
 private:

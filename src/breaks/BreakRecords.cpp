@@ -25,7 +25,7 @@ double sinceReference(WallTime time) {
 
 WallTime timeFrom(const nlohmann::json& json) {
     const auto seconds = json.get<double>();
-    // From 1969 to 2254. Nanoseconds in 64 bits overflow in 2262.
+    // These limits are in 1969 and 2254. Nanoseconds in 64 bits overflow in 2262.
     constexpr auto earliest = -1e9;
     constexpr auto latest = 8e9;
     if (!(seconds > earliest && seconds < latest)) {

@@ -56,7 +56,7 @@ struct BreakSession {
     bool operator==(const BreakSession&) const = default;
 };
 
-/// Running totals of every break since the program was installed.
+/// Running totals over all breaks since the program was installed.
 struct BreakStatistics {
     std::int64_t totalBreaks = 0;
     std::int64_t completedBreaks = 0;
@@ -66,11 +66,12 @@ struct BreakStatistics {
     bool operator==(const BreakStatistics&) const = default;
 };
 
-/// The counts, to name them in the message of a fault that they cause.
+/// The counts, for a `FaultContext`: the message names them if they cause a fault.
 std::vector<Origin> originsOf(const BreakStatistics& statistics);
 
-// JSON objects with the names of the fields as keys. Times are seconds since the start of 2001 UTC.
-// Reading ignores other keys, and throws nlohmann::json::exception if a field is missing or wrong.
+// JSON objects whose keys are the names of the fields. Times are seconds since 2001-01-01 00:00
+// UTC. Reading ignores unknown keys, and throws nlohmann::json::exception if a field is missing or
+// invalid.
 void to_json(nlohmann::json& json, const BreakSession& session);
 void from_json(const nlohmann::json& json, BreakSession& session);
 void to_json(nlohmann::json& json, const BreakStatistics& statistics);

@@ -90,7 +90,8 @@ void BreakTimer::startBreak() {
     const auto now = runLoop_.wallNow();
     currentSession_ = BreakSession{.id = uuidSource_.makeUuid(), .startTime = now, .endTime = now};
     breakTimeRemaining.set(static_cast<double>(settingsManager_.breakDurationSeconds.get()));
-    // Start the timer before anyone is notified of the break, because an observer may end it.
+    // Start the timer before notifying observers of the break, because an observer may end the
+    // break.
     breakTimer_.start(runLoop_, tick, Repeat::yes, [this] { breakTick(); });
     state.set(Active{breakTimeRemaining.get()});
     notificationCenter_.post(breakDidStartNotification);
@@ -145,13 +146,13 @@ void BreakTimer::loadStatistics() {
     try {
         statistics.set(nlohmann::json::parse(data->bytes).get<BreakStatistics>());
     } catch (const nlohmann::json::exception&) {
-        return; // totals that cannot be read start from zero
+        return; // if the totals cannot be read, start from zero
     }
 }
 
 void BreakTimer::saveStatistics() {
     if (!std::isfinite(statistics.get().totalBreakTime)) {
-        return; // JSON has no such number
+        return; // JSON cannot represent it
     }
     const auto text = nlohmann::json(statistics.get()).dump();
     userDefaults_.setObject(DefaultsData{{text.begin(), text.end()}}, statisticsKey);

@@ -20,21 +20,23 @@ namespace nocta {
 inline constexpr std::string_view breakDidStartNotification = "NoctaBreakDidStart";
 inline constexpr std::string_view breakDidEndNotification = "NoctaBreakDidEnd";
 
-/// Minutes, wherever the user can snooze a break.
+/// The length of a snooze in minutes, wherever the user can snooze a break.
 inline constexpr std::int64_t snoozeMinutes = 5;
 
-/// The state machine of the break reminders. It counts down the work interval second by second,
-/// then the break, and keeps the totals. Code that shows a break observes the two notifications. It
-/// lives as long as the process.
+/// The state machine of the break reminders. It counts down the work interval and then the break,
+/// second by second, and keeps the totals. Code that shows a break observes the two notifications
+/// above. It exists for the lifetime of the process.
 ///
-/// A second is a tick of a timer, and timers do not run while the machine sleeps: a countdown, a
-/// break and a snooze continue afterward where they were. Records use the wall clock, so if the
-/// machine sleeps during a break that is then completed, the sleep is added to the total time. If
-/// it sleeps during a snooze, the published end of the snooze is too early by that time.
+/// It counts timer ticks, and timers do not run while the machine sleeps, so a countdown, a break
+/// or a snooze resumes where it was when the machine wakes. Records use the wall clock: if the
+/// machine sleeps during a break that the user then completes, the total break time includes the
+/// time asleep. If it sleeps during a snooze, the snooze ends later than the published time, by the
+/// time asleep.
 ///
-/// `stop` during a break does not end the break: it posts nothing and records nothing, and the
-/// covers stay up until the user dismisses them or a later break ends. Only `stop` followed by
-/// `start` leaves a pause for a meeting; the end of the meeting does not.
+/// Calling `stop` during a break does not end the break: it posts no notification and records
+/// nothing, and the covers stay up until the user dismisses them or a later break ends. The end of
+/// a meeting does not resume a countdown that the meeting paused; call `stop` and then `start` to
+/// resume it.
 class BreakTimer {
 public:
     BreakTimer(SettingsManager& settingsManager, MeetingDetectorService& meetingDetector,
@@ -50,11 +52,11 @@ public:
     Published<double> breakTimeRemaining;  ///< seconds
     Published<BreakStatistics> statistics; ///< also in the defaults store, as "breakStatistics"
 
-    /// Does nothing unless the state is `Idle`.
+    /// Does nothing if the state is not `Idle`.
     void start();
     void stop();
 
-    /// These do nothing unless a break is active.
+    /// `skip` and `snooze` do nothing if no break is active.
     void skip();
     void snooze(std::int64_t minutes);
 

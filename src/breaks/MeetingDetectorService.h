@@ -17,7 +17,8 @@ inline constexpr std::string_view meetingDidEndNotification = "NoctaMeetingDidEn
 
 /// Detects whether a meeting application is in front. It checks only the bundle identifier, not
 /// window titles, the camera or the microphone. Google Chrome always counts as a meeting, because
-/// from here a meeting in a tab looks like any other page. It lives as long as the process.
+/// this service cannot distinguish a meeting in a tab from any other page. It exists for the
+/// lifetime of the process.
 class MeetingDetectorService {
 public:
     MeetingDetectorService(Workspace& workspace, NotificationCenter& notificationCenter,
@@ -28,9 +29,9 @@ public:
     static MeetingDetectorService& shared();
 
     Published<bool> isInMeeting;
-    Published<std::optional<std::string>> currentMeetingApp; ///< its localized name
+    Published<std::optional<std::string>> currentMeetingApp; ///< the localized name
 
-    // Call these once, in this order.
+    // Call these functions once, in this order.
     void startObserving();
     void startPolling();
     void checkFrontmostApplication();

@@ -102,7 +102,7 @@ void ColorTemperatureService::animateTo(std::int64_t kelvin, std::function<void(
         std::move(completion));
 }
 
-/// The settings from which every temperature is calculated.
+/// The settings that every temperature is calculated from.
 FaultContext ColorTemperatureService::faultContext() const {
     return FaultContext({settingsManager_.warmthLevel.origin(),
                          settingsManager_.colorTemperatureDay.origin(),

@@ -14,12 +14,12 @@
 
 namespace nocta {
 
-/// The temperature in kelvin for a manual warmth of 0.0–1.0: 6500 − 3800 × warmth.
+/// Returns the temperature in kelvin for a manual warmth in 0.0–1.0: 6500 − 3800 × warmth.
 std::int64_t temperatureOfWarmth(double warmth);
 
-/// Decides the color temperature of the displays: from the warmth slider in manual mode, from the
-/// daylight schedule in automatic mode. A switch between the modes takes 0.3 seconds; everything
-/// else takes effect at once. It lives as long as the process.
+/// Sets the color temperature of the displays. In manual mode it follows the warmth slider, in
+/// automatic mode the daylight schedule. Switching between the modes takes 0.3 seconds; everything
+/// else takes effect immediately. It exists for the lifetime of the process.
 class ColorTemperatureService {
 public:
     ColorTemperatureService(SettingsManager& settingsManager, GammaController& gammaController,
@@ -32,18 +32,18 @@ public:
     Published<std::int64_t> currentTemperature; ///< kelvin
     Published<double> currentWarmth;            ///< 0.0 coolest – 1.0 warmest
 
-    /// For manual mode: applies the temperature of the warmth, which is clamped to 0.0–1.0. It does
-    /// not stop a running transition.
+    /// For manual mode: applies the temperature for `warmth`, which is clamped to 0.0–1.0. Does not
+    /// stop a running transition.
     void setWarmth(double warmth);
 
-    /// Applies the temperature for the current time, and again every minute.
+    /// Applies the temperature for the current time, and updates it every minute.
     void startAutomaticMode();
 
-    /// Kelvin for the current position of the sun; changes nothing.
+    /// Returns the temperature in kelvin for the current position of the sun, without applying it.
     std::int64_t automaticTemperature() const;
 
-    /// Moves from the current temperature in 15 equal steps. It replaces a running transition,
-    /// whose completion is then never called.
+    /// Changes the temperature to `kelvin` in 15 equal steps. Replaces a running transition, whose
+    /// completion is then never called.
     void animateTo(std::int64_t kelvin, std::function<void()> completion = {});
 
 private:

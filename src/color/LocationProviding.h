@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// What other services need to know about the coarse location: the last fix, the permission, and
-/// the manager that provides both. `LocationService` implements it.
+/// Gives other services the coarse location, the permission, and the manager that provides both.
+/// `LocationService` implements it.
 class LocationProviding {
 public:
     LocationProviding() = default;
@@ -18,7 +18,7 @@ public:
 
     virtual LocationManager& locationManager() = 0;
 
-    /// None until the first fix; kept only in memory.
+    /// None until the first fix. The location is kept only in memory.
     Published<std::optional<Location>> currentLocation;
     Published<AuthorizationStatus> authorizationStatus{AuthorizationStatus::notDetermined};
 };

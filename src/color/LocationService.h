@@ -18,12 +18,13 @@ public:
     virtual void authorizationChanged(AuthorizationStatus status) = 0;
 };
 
-/// The machine's coarse location, for sunrise and sunset. Each fix stops the updates until they are
-/// started again. `locationEnabled` is set when the user grants or denies the permission; turning
-/// that setting off stops nothing and forgets nothing. It lives as long as the process.
+/// Gets the machine's coarse location, for sunrise and sunset. Each fix stops the updates until
+/// they are started again. Granting or denying the permission sets `locationEnabled`; turning that
+/// setting off neither stops the updates nor clears the location. It exists for the lifetime of the
+/// process.
 class LocationService final : public LocationProviding, private LocationManagerDelegate {
 public:
-    /// Neither asks for permission nor starts updates.
+    /// Does not ask for permission and does not start updates.
     LocationService(LocationManager& locationManager, SettingsManager& settingsManager);
     ~LocationService() override;
 

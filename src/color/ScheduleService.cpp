@@ -22,7 +22,8 @@ std::optional<WallTime> instantAt(CalendarDay day, std::chrono::minutes time) {
                                static_cast<int>(time % 1h / 1min));
 }
 
-/// The progress of the transition around `event`, or none outside of it. Both ends belong to it.
+/// The progress of the transition around `event`, or none outside the transition. Both ends are
+/// part of the transition.
 std::optional<double> progress(WallTime now, WallTime event) {
     const auto start = event - transitionHalfWidth;
     const auto end = event + transitionHalfWidth;

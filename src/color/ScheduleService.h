@@ -11,13 +11,13 @@
 
 namespace nocta {
 
-/// Keeps today's sunrise and sunset and publishes the position of the sun once a minute. It uses
-/// the sun calculator once there is a location, and 06:30 and 18:30 until then. The transitions at
-/// sunrise and sunset last 30 minutes each. Nothing is stored on disk. It lives as long as the
-/// process.
+/// Keeps today's sunrise and sunset and publishes the position of the sun once a minute. Once the
+/// location is known, it uses the sun calculator; until then, it uses 06:30 and 18:30. The
+/// transitions at sunrise and sunset last 30 minutes each. It stores nothing on disk. It exists for
+/// the lifetime of the process.
 ///
-/// It reads only the wall clock, so a new clock time, a new time zone or a sleep of the machine
-/// takes effect at the next tick, which comes after at most a minute of waking time.
+/// It reads only the wall clock. If the clock or the time zone changes, or the machine sleeps, the
+/// next tick corrects the position, at most a minute after the change or after waking.
 class ScheduleService {
 public:
     ScheduleService(LocationProviding& locationService, RunLoop& runLoop);
@@ -32,13 +32,14 @@ public:
 
     void start();
 
-    /// Uses the given location, else the last known one, else the default times; then updates the
-    /// position.
+    /// Uses the given location, or else the last known location, or else the default times. Then it
+    /// updates the position of the sun.
     void calculateTimes(std::optional<Location> location = std::nullopt);
 
     void updateSunPosition();
 
-    /// Requests a new fix if that is allowed; it arrives through the subscription to the location.
+    /// Requests a new fix if the user has allowed it. The fix arrives through the subscription to
+    /// the location.
     void refreshLocation();
 
 private:

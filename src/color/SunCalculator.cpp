@@ -13,7 +13,7 @@ namespace {
 constexpr double degreesPerHour = 15;
 constexpr double hoursPerDay = 24;
 constexpr double fullCircle = 360;
-constexpr double cosZenith = -0.01453808050249674; // of 90.833 degrees
+constexpr double cosZenith = -0.01453808050249674; // the cosine of 90.833 degrees
 
 constexpr int polarSunriseHour = 6;
 constexpr int polarSunsetHour = 18;
@@ -26,7 +26,7 @@ double degrees(double radians) {
     return radians * 180 / std::numbers::pi;
 }
 
-/// Uses repeated addition and subtraction, because a remainder would change the low bits.
+/// Adds or subtracts `limit` repeatedly, because fmod would change the low bits.
 double normalized(double value, double limit) {
     while (value < 0) {
         value += limit;
@@ -61,7 +61,8 @@ SunCalculator::SunTimes SunCalculator::calculate(WallTime date, double latitude,
 
     auto ascension =
         normalized(degrees(std::atan(0.91764 * std::tan(radians(trueLongitude)))), fullCircle);
-    // The arc tangent covers only two quadrants; move the ascension to that of the longitude.
+    // The arc tangent covers only two quadrants, so move the ascension to the quadrant of the
+    // longitude.
     ascension += std::floor(trueLongitude / 90) * 90 - std::floor(ascension / 90) * 90;
     const auto ascensionHours = ascension / degreesPerHour;
 

@@ -24,7 +24,7 @@ struct Night {
     bool operator==(const Night&) const = default;
 };
 
-/// The part of the day.
+/// The position of the sun, as the part of the day.
 using SunPosition = std::variant<Sunrise, Sunset, Day, Night>;
 
 } // namespace nocta

@@ -6,8 +6,8 @@ namespace nocta {
 
 namespace {
 
-// The fields in the data of an auxiliary control button. The two brightness keys, 0x90 (lower) and
-// 0x91 (raise), differ in the lowest bit of the key code, which the mask excludes.
+// The fields in the event data of an auxiliary control button. The key codes of the brightness
+// keys, 0x90 (lower) and 0x91 (raise), differ only in the lowest bit, which the mask excludes.
 constexpr std::int64_t brightnessKeysMask = ~std::int64_t{0x1FFFF};
 constexpr std::int64_t brightnessKeys = 0x900000;
 constexpr std::int64_t raisingKey = 0x10000;

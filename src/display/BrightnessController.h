@@ -10,8 +10,8 @@
 
 namespace nocta {
 
-/// Called for every press of a brightness key. `raises` is true for the key that raises; `level` is
-/// the backlight level (0.0–1.0) before the system has acted on the key.
+/// Is notified of every press of a brightness key. `raises` is true for the key that raises the
+/// brightness; `level` is the backlight level (0.0–1.0) before the system handles the key.
 class BrightnessKeyboardDelegate {
 public:
     virtual ~BrightnessKeyboardDelegate() = default;
@@ -19,23 +19,23 @@ public:
     virtual void brightnessKeyPressed(bool raises, float level) = 0;
 };
 
-/// What other services need to know about the main display's backlight.
+/// Gives other services access to the main display's backlight.
 class BrightnessControlling {
 public:
     virtual ~BrightnessControlling() = default;
 
     virtual bool isAvailable() const = 0;
 
-    /// 0.0–1.0, or none if the level cannot be read.
+    /// Returns the backlight level (0.0–1.0), or none if it cannot be read.
     virtual std::optional<float> readBrightness() = 0;
 };
 
 /// Checks whether the main display's backlight can be read, reads it, and watches the brightness
-/// keys. It lives as long as the process.
+/// keys. It exists for the lifetime of the process.
 class BrightnessController final : public BrightnessControlling {
 public:
-    /// Probes at once. Before the first refresh of the display list the probe finds nothing, so the
-    /// application probes again after the refresh.
+    /// Calls `probe`. Until the list of displays is first refreshed, the probe finds no backlight,
+    /// so the application probes again after the refresh.
     BrightnessController(DisplayService& displayService, Backlight& backlight,
                          KeyEvents& keyEvents);
     BrightnessController(const BrightnessController&) = delete;

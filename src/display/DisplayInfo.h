@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// One active display at the time when the list was read.
+/// An active display, as it was when the list was read.
 struct DisplayInfo {
     DisplayId id = 0;
     std::string name;
@@ -14,7 +14,7 @@ struct DisplayInfo {
     bool isMain = false;
     Rect bounds; ///< points, in the coordinate system that all displays share
     float currentBrightness = 1.0F;
-    bool supportsBrightnessControl = false; ///< has a backlight: assumed for built-in displays
+    bool supportsBrightnessControl = false; ///< has a backlight; assumed if built in
 
     bool operator==(const DisplayInfo&) const = default;
 };

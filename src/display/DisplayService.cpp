@@ -29,7 +29,7 @@ std::vector<DisplayInfo> DisplayService::activeDisplays() const {
     platform_.getActiveDisplayList({}, count);
     std::vector<DisplayId> ids(count);
     platform_.getActiveDisplayList(ids, count);
-    ids.resize(std::min<std::size_t>(ids.size(), count)); // one may have been removed in between
+    ids.resize(std::min<std::size_t>(ids.size(), count)); // a display may have been removed
 
     std::vector<DisplayInfo> list;
     list.reserve(ids.size());

@@ -10,8 +10,9 @@
 
 namespace nocta {
 
-/// The list of active displays. It is empty until the application refreshes it at start; from then
-/// on it follows the desktop's screen-parameter notification. It lives as long as the process.
+/// The list of active displays. It is empty until the application refreshes it at launch. From then
+/// on, the desktop's screen-parameter notification refreshes it. It exists for the lifetime of the
+/// process.
 class DisplayService {
 public:
     explicit DisplayService(Displays& platform) : platform_(platform) {}
@@ -22,7 +23,7 @@ public:
 
     Published<std::vector<DisplayInfo>> displays;
 
-    /// The first display flagged as main, else the first of all.
+    /// The first display that is flagged as main, or else the first display.
     Published<std::optional<DisplayInfo>> mainDisplay;
 
     void startObserving(NotificationCenter& notificationCenter);
@@ -33,7 +34,8 @@ public:
     /// Handles the screen-parameter notification.
     void displaysDidChange() { refreshDisplays(); }
 
-    /// Reads the list from the desktop, in its order, without publishing it. Empty on failure.
+    /// Reads the list from the desktop without changing its order or publishing it. Returns an
+    /// empty list on failure.
     std::vector<DisplayInfo> activeDisplays() const;
 
 private:

@@ -75,7 +75,7 @@ void GammaController::store(std::map<DisplayId, Value>& values, Value value) {
             makeGammaTables(valueOr(currentTemperature_, display.id, neutralTemperature),
                             valueOr(currentDimming_, display.id, neutralDimming),
                             valueOr(currentSaturation_, display.id, neutralSaturation));
-        // Ignore an error: the other displays must still be written.
+        // Ignore an error: the tables of the other displays must still be written.
         static_cast<void>(applyTables(tables.red, tables.green, tables.blue, display.id));
     }
 }

@@ -17,11 +17,12 @@ namespace nocta {
 enum class GammaError { displayNotFound, setTableFailed, invalidTable };
 
 /// Owns the transfer tables of every active display. It combines dimming, color temperature and
-/// saturation: setting any one of them rebuilds and writes the tables of every display.
+/// saturation: a change to any of them rebuilds and writes the tables of every display.
 ///
-/// A display that is plugged in is not written until the next setter, which adds it to the map of
-/// that one value only. Displays stay in the maps while the program runs, so a display that is
-/// plugged in again gets its last values. It lives as long as the process.
+/// The tables of a newly connected display are not written until the next call of a setter, which
+/// adds the display only to the map of the value that it sets. Displays stay in the maps while the
+/// program runs, so a display that is connected again gets its previous values. It exists for the
+/// lifetime of the process.
 class GammaController {
 public:
     GammaController(DisplayService& displayService, GammaOutput& output);
@@ -30,30 +31,30 @@ public:
 
     static GammaController& shared();
 
-    /// Reads the list of displays and follows the desktop's screen-parameter notification.
+    /// Reads the list of displays and observes the desktop's screen-parameter notification.
     void start(NotificationCenter& notificationCenter);
 
-    /// 0.0 none – 1.0 black; clamped.
+    /// From 0.0 (none) to 1.0 (black); clamped.
     void setDimming(float amount);
 
-    /// Kelvin; clamped to 1000–10000.
+    /// In kelvin; clamped to 1000–10000.
     void setTemperature(std::int64_t kelvin);
 
-    /// 1.0 full color – 0.0 gray; clamped.
+    /// From 0.0 (gray) to 1.0 (full color); clamped.
     void setSaturation(float amount);
 
-    /// Reads the list of displays again; writes no tables.
+    /// Reads the list of displays again, but does not write any tables.
     void displaysDidChange();
 
-    /// Writes one display's tables. `invalidTable` if a list does not have 256 entries,
-    /// `setTableFailed` if the desktop fails.
+    /// Writes one display's tables. Returns `invalidTable` if a list does not have 256 entries, or
+    /// `setTableFailed` if the desktop cannot set the tables.
     [[nodiscard]] std::optional<GammaError> applyTables(std::span<const float> red,
                                                         std::span<const float> green,
                                                         std::span<const float> blue,
                                                         DisplayId display);
 
-    /// Forgets the dimming, temperature and saturation of every display. Called after the screen
-    /// was given back, so that nothing writes them again.
+    /// Clears the dimming, temperature and saturation of every display. Call it after restoring the
+    /// factory tables, so that nothing applies the old values again.
     void clearRecords();
 
     const std::vector<DisplayInfo>& displays() const { return displays_; }
@@ -64,7 +65,8 @@ public:
     const std::map<DisplayId, float>& currentSaturation() const { return currentSaturation_; }
 
 private:
-    /// What all three setters do. If one display cannot be written, the others still are.
+    /// The shared part of the three setters. If the tables of one display cannot be written, those
+    /// of the other displays still are.
     template <class Value>
     void store(std::map<DisplayId, Value>& values, Value value);
 

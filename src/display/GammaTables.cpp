@@ -7,7 +7,7 @@ namespace nocta {
 
 namespace {
 
-// The weights of the luminance, from ITU-R BT.601.
+// The luminance weights of ITU-R BT.601.
 constexpr float redWeight = 0.299F;
 constexpr float greenWeight = 0.587F;
 constexpr float blueWeight = 0.114F;

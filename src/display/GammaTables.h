@@ -15,7 +15,7 @@ struct GammaTables {
     std::array<float, gammaTableSize> blue;
 };
 
-/// The white point of a color temperature, each channel in 0.0–1.0.
+/// The white point of a color temperature. Each channel is in 0.0–1.0.
 struct RGBMultipliers {
     float red = 1.0F;
     float green = 1.0F;
@@ -25,12 +25,13 @@ struct RGBMultipliers {
 /// Limits a value to 0.0–1.0.
 float clamp01(float value);
 
-/// The white point of a black body at `kelvin`, for 1000–10000 K. Source: Tanner Helland's fit to
-/// Mitchell Charity's black body table, with its constants in single precision.
+/// Returns the white point of a black body at `kelvin`, which must be in 1000–10000. Source: Tanner
+/// Helland's fit to Mitchell Charity's black body table, with the constants in single precision.
 RGBMultipliers rgbMultipliers(std::int64_t kelvin);
 
-/// Linear ramps from black to the white point of `kelvin`. `dimming` (0.0 none – 1.0 black) scales
-/// them down. As `saturation` falls from 1.0 to 0.0, they approach the white point's luminance.
+/// Makes linear ramps from black to the white point of `kelvin`. `dimming`, from 0.0 (none) to 1.0
+/// (black), scales the ramps down. As `saturation` decreases from 1.0 to 0.0, all three ramps
+/// approach the luminance of the white point.
 GammaTables makeGammaTables(std::int64_t kelvin, float dimming, float saturation);
 
 } // namespace nocta

@@ -6,7 +6,7 @@ namespace nocta {
 
 namespace {
 
-constexpr double split = 0.5; ///< from here up, only the backlight changes
+constexpr double split = 0.5; ///< from here to 1, only the backlight changes
 
 constexpr float lowestBacklight = 0.1F;
 constexpr float highestBacklight = 1.0F;

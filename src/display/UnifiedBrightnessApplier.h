@@ -8,11 +8,11 @@
 
 namespace nocta {
 
-/// Turns the one brightness value into a backlight level for each built-in display and a gamma
-/// dimming for every display. With a backlight, the upper half of the range moves only the
-/// backlight, so external displays stay at full brightness there, and the lower half dims every
+/// Converts the single brightness value into a backlight level for each built-in display and a
+/// gamma dimming for every display. If there is a backlight, the upper half of the range changes
+/// only the backlight, so external displays stay at full brightness. The lower half dims every
 /// display equally through the gamma tables. Without a backlight, the gamma tables cover the whole
-/// range. It has no state.
+/// range. The class is stateless.
 class UnifiedBrightnessApplier {
 public:
     UnifiedBrightnessApplier(SettingsManager& settingsManager, GammaController& gammaController,
@@ -23,8 +23,8 @@ public:
 
     static UnifiedBrightnessApplier& shared();
 
-    /// Applies a brightness, expected in 0.0–1.0, at once. Unless `allowFullBlack` is on, it dims
-    /// by at most nine tenths; a change of that setting takes effect at the next call.
+    /// Applies a brightness (0.0–1.0) immediately. Unless `allowFullBlack` is on, it dims by at
+    /// most 90 %. A change to that setting takes effect at the next call.
     void apply(double brightness);
 
 private:

@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 
 constexpr std::int32_t colorCategory = 1;
 constexpr std::int32_t grayscaleType = 1;
-constexpr std::int32_t filtersChanged = 8; // tells the entry point what has changed
+constexpr std::int32_t filtersChanged = 8; // the value for a change of the filters
 
 constexpr Duration animationDuration = 300ms;
 constexpr int animationSteps = 15;
@@ -53,7 +53,7 @@ void GrayscaleService::setGrayscale(bool on) {
     if (on) {
         animateSaturation(fullColor, gray, [this] {
             switchFilterOn();
-            gammaController_.setSaturation(fullColor); // the filter does the graying now
+            gammaController_.setSaturation(fullColor); // the filter removes the color now
         });
     } else {
         switchFilterOff();

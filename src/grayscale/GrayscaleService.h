@@ -11,12 +11,12 @@
 namespace nocta {
 
 /// Turns every display gray with the desktop's own filter. The filter switches abruptly, so the
-/// color tint of the gamma tables is faded out before it is switched on, and faded back in after it
-/// is switched off. Does nothing without the entry point that makes the filter take effect at once.
-/// It lives as long as the process.
+/// service fades out the tint of the gamma tables before it switches the filter on, and fades it
+/// back in after it switches the filter off. Does nothing if the system lacks the entry point that
+/// makes the filter take effect immediately. It exists for the lifetime of the process.
 class GrayscaleService {
 public:
-    /// Detects a filter that the user has switched on elsewhere.
+    /// Detects whether the user has switched the filter on elsewhere.
     GrayscaleService(GammaController& gammaController, DynamicLibraries& libraries,
                      DisplayFilter& filter, RunLoop& runLoop);
     GrayscaleService(const GrayscaleService&) = delete;
@@ -30,12 +30,13 @@ public:
     /// Switches the filter on without a fade.
     void enable();
 
-    /// Switches with a fade. It replaces a running fade, whose completion is then never called.
+    /// Switches the filter on or off with a fade. Replaces a running fade, whose completion is then
+    /// never called.
     void setGrayscale(bool on);
 
-    /// Fades the saturation of the gamma tables, 1.0 full color – 0.0 gray, over 0.3 seconds:
-    /// `from` at once, then fifteen steps, the last of which is `to`. It replaces a running fade,
-    /// whose completion is then never called.
+    /// Fades the saturation of the gamma tables, from 0.0 (gray) to 1.0 (full color), over 0.3
+    /// seconds: it sets `from` immediately, and then takes fifteen steps, the last of which is
+    /// `to`. Replaces a running fade, whose completion is then never called.
     void animateSaturation(float from, float to, std::function<void()> completion = {});
 
 private:

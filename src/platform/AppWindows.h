@@ -15,16 +15,16 @@ public:
     virtual ~AppWindow() = default;
 
     virtual void makeKeyAndOrderFront() = 0;
-    /// Shows the window without taking the keyboard focus.
+    /// Shows the window without giving it keyboard focus.
     virtual void orderFrontRegardless() = 0;
 };
 
-/// The program's own windows. Stands for NSWindow.
+/// The program's own windows. Corresponds to NSWindow on macOS.
 class AppWindows {
 public:
     using WindowLevel = std::int64_t;
 
-    // Bits of a style mask.
+    // The bits of a style mask.
     static constexpr std::uint32_t titled = 1;
     static constexpr std::uint32_t closable = 2;
     static constexpr std::uint32_t miniaturizable = 4;
@@ -34,8 +34,8 @@ public:
 
     struct Style {
         std::string_view title; ///< in English
-        /// Of the content, in points; 0 means the preferred size of the content. The window is
-        /// larger if the content needs more.
+        /// The size of the content in points; 0 means its preferred size. The window is larger if
+        /// the content needs more space.
         double width = 0;
         double height = 0;
         std::uint32_t styleMask = 0;
@@ -44,8 +44,8 @@ public:
 
     virtual ~AppWindows() = default;
 
-    /// After the user has closed the window, `onClose` is called from the run loop. It may destroy
-    /// the window.
+    /// After the user has closed the window, `onClose` is called from the run loop. `onClose` may
+    /// destroy the window.
     virtual std::unique_ptr<AppWindow> makeWindow(const Style& style, std::unique_ptr<View> content,
                                                   std::function<void()> onClose) = 0;
 };

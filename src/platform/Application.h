@@ -2,7 +2,7 @@
 
 namespace nocta {
 
-/// Events in the life of the program, which the desktop reports.
+/// Receives the program's life-cycle events from the desktop.
 class ApplicationDelegate {
 public:
     virtual ~ApplicationDelegate() = default;
@@ -12,28 +12,29 @@ public:
     /// The user started the program while it was already running.
     virtual void applicationDidReopen() = 0;
 
-    /// The user opened the preferences with the desktop's own key or menu, if it has one. Stands
-    /// for showPreferencesWindow:.
+    /// The user opened the preferences with a key or menu of the desktop, if it has one.
+    /// Corresponds to the action showPreferencesWindow: on macOS.
     virtual void showPreferencesWindow() = 0;
 
-    /// The last call: afterward no timer fires and no event arrives.
+    /// The last call to the delegate. After it, no timer fires and no event arrives.
     virtual void applicationWillTerminate() = 0;
 };
 
-/// The process as the desktop sees it.
+/// The process, from the desktop's point of view.
 class Application {
 public:
     virtual ~Application() = default;
 
-    /// Runs the program until it ends and returns the exit status of the process. `terminate`, a
-    /// signal or the end of the session ends it; in each case the delegate is called.
+    /// Runs the program until it ends, and returns the exit status of the process. `terminate`, a
+    /// signal, or the end of the session ends the program. In each case, the delegate's
+    /// `applicationWillTerminate` is called before the process exits.
     virtual int run(ApplicationDelegate& delegate) = 0;
 
-    /// Brings the program to the front, whichever program is active. Stands for
-    /// activateIgnoringOtherApps:.
+    /// Brings the program to the front, even if another program is active. Corresponds to
+    /// activateIgnoringOtherApps: on macOS.
     virtual void activateIgnoringOtherApps() = 0;
 
-    /// Ends `run` after the current work. Stands for terminate:.
+    /// Ends `run` after the current work has returned. Corresponds to terminate: on macOS.
     virtual void terminate() = 0;
 };
 

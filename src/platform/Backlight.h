@@ -9,11 +9,11 @@ class Backlight {
 public:
     virtual ~Backlight() = default;
 
-    /// Does not change `level` on failure. The status and the output parameter keep the shape of
-    /// DisplayServicesGetBrightness, for which it stands.
+    /// Does not change `level` on failure. Corresponds to DisplayServicesGetBrightness on macOS,
+    /// which has the same status and output parameter.
     virtual Status getBrightness(DisplayId display, float& level) = 0;
 
-    /// Stands for DisplayServicesSetBrightness.
+    /// Corresponds to DisplayServicesSetBrightness on macOS.
     virtual Status setBrightness(DisplayId display, float level) = 0;
 };
 

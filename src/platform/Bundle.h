@@ -4,15 +4,15 @@
 
 namespace nocta {
 
-/// Facts about this build and its publisher. Stands for the info dictionary of
-/// NSBundle.mainBundle.
+/// Facts about this build and its publisher. Corresponds to the info dictionary of
+/// NSBundle.mainBundle on macOS.
 struct Bundle {
-    std::string_view shortVersionString; ///< for people
-    std::string_view version;            ///< of the build; a newer one is greater
-    std::string_view apiBase;            ///< server that takes feedback: https://HOST, or empty
-    std::string_view feedUrl;            ///< of the appcast: https, or empty
+    std::string_view shortVersionString; ///< as shown to the user
+    std::string_view version;            ///< of this build; newer builds have greater ones
+    std::string_view apiBase;            ///< server that receives feedback: https://HOST, or empty
+    std::string_view feedUrl;            ///< URL of the appcast: https, or empty
     std::string_view publicEdKey;        ///< verifies updates: 32 bytes in Base64
-    bool isPackageManaged = false;       ///< its updates come with those of the system
+    bool isPackageManaged = false;       ///< the system's package manager updates it
 };
 
 } // namespace nocta

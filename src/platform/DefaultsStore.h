@@ -9,10 +9,11 @@
 
 namespace nocta {
 
-/// The user's persistent values by key, with the rules of `DefaultsTable` for the getters. A getter
-/// returns a new value at once; the disk gets it at the end of the run-loop turn. `synchronize`
-/// waits until everything is written. A failure to write is not reported to the caller, and the
-/// values in memory stay valid. Stands for NSUserDefaults, function by function.
+/// Stores the user's persistent values by key. The getters follow the rules of `DefaultsTable`. A
+/// getter returns a new value immediately; the store writes it to disk at the end of the run-loop
+/// turn. `synchronize` waits until everything is written. If writing fails, the caller is not
+/// notified, and the values in memory stay valid. Each function corresponds to one of
+/// NSUserDefaults on macOS.
 class DefaultsStore {
 public:
     virtual ~DefaultsStore() = default;

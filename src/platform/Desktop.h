@@ -27,9 +27,9 @@
 
 namespace nocta {
 
-/// The ports: everything that Nocta needs from the desktop that it runs on. If a desktop cannot do
-/// something, its port says so; no port is ever missing. Most ports have the names and shapes of
-/// macOS functions, and their comments say which ones they stand for.
+/// The ports: everything that Nocta needs from the desktop that it runs on. No port is ever
+/// missing: if a desktop cannot do something, the port for it reports that. Most ports have the
+/// names and signatures of macOS functions, and their comments name these functions.
 struct Desktop {
     const Bundle& bundle;
     RunLoop& runLoop;
@@ -55,15 +55,15 @@ struct Desktop {
     Application& application;
 };
 
-/// The desktop of this session, or the exit status of a process that cannot run here and has
-/// already printed the reason.
+/// The desktop of this session. If the program cannot run in this session, `desktop` is null, the
+/// reason has already been printed, and `exitStatus` is the exit status of the process.
 struct DesktopSession {
     std::shared_ptr<Desktop> desktop;
     int exitStatus = 0;
 };
 
-/// Probes the session and chooses its desktop; defined once per operating system. The desktop keeps
-/// a reference to the bundle.
+/// Detects the session and chooses the desktop for it. Each operating system has its own
+/// definition. The desktop keeps a reference to the bundle.
 DesktopSession makeDesktop(const Bundle& bundle);
 
 } // namespace nocta

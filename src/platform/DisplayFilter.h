@@ -4,8 +4,8 @@
 
 namespace nocta {
 
-/// The desktop's accessibility filters for the whole screen, by category and type. Category 1 is
-/// color, and its type 1 is grayscale. Stands for the MADisplayFilterPref functions.
+/// The desktop's accessibility filters for the whole screen, by category and type. In category 1
+/// (color), type 1 is grayscale. Corresponds to the MADisplayFilterPref functions on macOS.
 class DisplayFilter {
 public:
     virtual ~DisplayFilter() = default;

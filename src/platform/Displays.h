@@ -20,14 +20,14 @@ struct Rect {
     bool operator==(const Rect&) const = default;
 };
 
-/// The size of a display's current mode, in pixels; on macOS in points.
+/// The size of a display's current mode, in pixels (on macOS, in points).
 struct DisplayMode {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     bool operator==(const DisplayMode&) const = default;
 };
 
-/// Posted to the notification center after a display was added, removed or moved, or changed its
+/// Posted to the notification center after a display is added, removed or moved, or changes its
 /// mode.
 inline constexpr std::string_view didChangeScreenParametersNotification =
     "ApplicationDidChangeScreenParameters";
@@ -42,21 +42,22 @@ class Displays {
 public:
     virtual ~Displays() = default;
 
-    /// Writes as many ids as fit into `ids`, and the number written to `count`. If `ids` is empty,
-    /// `count` is the number of active displays. On failure `count` is 0. Keeps the two steps and
-    /// the output parameter of CGGetActiveDisplayList, for which it stands.
+    /// Writes as many ids as fit into `ids`, and sets `count` to the number written. If `ids` is
+    /// empty, sets `count` to the number of active displays. On failure, sets `count` to 0.
+    /// Corresponds to CGGetActiveDisplayList on macOS, which is also called twice and has the same
+    /// output parameter.
     virtual Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) = 0;
 
-    /// Stands for CGDisplayBounds.
+    /// Corresponds to CGDisplayBounds on macOS.
     virtual Rect displayBounds(DisplayId display) = 0;
 
-    /// Stands for CGDisplayIsMain.
+    /// Corresponds to CGDisplayIsMain on macOS.
     virtual bool displayIsMain(DisplayId display) = 0;
 
-    /// Stands for CGDisplayIsBuiltin.
+    /// Corresponds to CGDisplayIsBuiltin on macOS.
     virtual bool displayIsBuiltin(DisplayId display) = 0;
 
-    /// None if the display has no mode. Stands for CGDisplayCopyDisplayMode.
+    /// Returns none if the display has no mode. Corresponds to CGDisplayCopyDisplayMode on macOS.
     virtual std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) = 0;
 };
 

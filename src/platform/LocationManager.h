@@ -20,20 +20,21 @@ enum class AuthorizationStatus {
     authorizedWhenInUse = 4,
 };
 
-/// Receives the results of the location manager. Every function is called from the run loop.
+/// Receives the results of the location manager. All functions are called from the run loop.
 class LocationManagerDelegate {
 public:
     virtual ~LocationManagerDelegate() = default;
 
-    /// The newest location is the last one.
+    /// The last location is the newest.
     virtual void didUpdateLocations(std::span<const Location> locations) = 0;
     virtual void didFailWithError(std::string_view description) = 0;
 
-    /// Called once after the delegate is set, and at each change.
+    /// Called once after the delegate is set, and whenever the authorization changes.
     virtual void didChangeAuthorization() = 0;
 };
 
-/// The desktop's location service, accurate to a kilometer. Stands for CLLocationManager.
+/// The desktop's location service, accurate to a kilometer. Corresponds to CLLocationManager on
+/// macOS.
 class LocationManager {
 public:
     virtual ~LocationManager() = default;
@@ -42,7 +43,8 @@ public:
     virtual void setDelegate(LocationManagerDelegate* delegate) = 0;
     virtual AuthorizationStatus authorizationStatus() const = 0;
 
-    /// Asks the user. If the answer is already known, it does nothing and reports nothing.
+    /// Asks the user for permission. If the user has already answered, it does nothing and reports
+    /// nothing.
     virtual void requestWhenInUseAuthorization() = 0;
     virtual void startUpdatingLocation() = 0;
     virtual void stopUpdatingLocation() = 0;

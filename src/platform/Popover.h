@@ -7,25 +7,25 @@
 
 namespace nocta {
 
-/// When a popover closes: `transient` closes as soon as the user clicks elsewhere,
-/// `applicationDefined` only by `close`.
+/// When a popover closes: a `transient` one also closes when the user clicks elsewhere, an
+/// `applicationDefined` one only when `close` is called.
 enum class PopoverBehavior { applicationDefined, transient };
 
-/// The small window beside the status item. Stands for NSPopover.
+/// The small window next to the status item. Corresponds to NSPopover on macOS.
 class Popover {
 public:
     virtual ~Popover() = default;
 
-    /// In points.
+    /// The size in points.
     virtual void setContentSize(double width, double height) = 0;
     virtual void setBehavior(PopoverBehavior behavior) = 0;
     virtual void setAnimates(bool animates) = 0;
 
-    /// Owns the view until the popover has closed.
+    /// The popover owns the view until it has closed.
     virtual void setContentView(std::unique_ptr<View> view) = 0;
 
-    /// Shows the content beside the item, on the side toward the middle of the screen, entirely on
-    /// screen, and gives it the keyboard.
+    /// Shows the content next to the item, on the side that faces the middle of the screen, and
+    /// gives it keyboard focus. The whole popover is on screen.
     virtual void show(StatusItem& relativeTo) = 0;
     virtual void close() = 0;
     virtual bool isShown() const = 0;

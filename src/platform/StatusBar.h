@@ -13,25 +13,25 @@ class StatusItem {
 public:
     virtual ~StatusItem() = default;
 
-    /// Shows the symbol of that name as a template image, which the desktop tints.
+    /// Shows the symbol with this name as a template image, which the desktop tints.
     virtual void setImage(std::string_view symbolName,
                           std::string_view accessibilityDescription) = 0;
 
-    /// A click on the item calls `action`.
+    /// Calls `action` when the user clicks the item.
     virtual void setAction(std::function<void()> action) = 0;
 
-    /// The menu for a right click or a long press, on desktops whose status items have one. The
-    /// item owns the view.
+    /// Sets the menu for a right click or a long press, on desktops whose status items have a menu.
+    /// The item owns the view.
     virtual void setMenu(std::unique_ptr<View> menu) = 0;
 };
 
-/// The desktop's status bar: menu bar, system tray or panel.
+/// The desktop's status bar: a menu bar, system tray or panel.
 class StatusBar {
 public:
     virtual ~StatusBar() = default;
 
-    /// An item of variable length, or none if the desktop has no status bar.
-    /// Stands for NSStatusBar's statusItemWithLength:.
+    /// Makes an item of variable length. Returns null if the desktop has no status bar. Corresponds
+    /// to NSStatusBar's statusItemWithLength: on macOS.
     virtual std::unique_ptr<StatusItem> statusItem() = 0;
 };
 

@@ -20,13 +20,14 @@ struct UrlRequest {
     std::chrono::milliseconds timeout{};
 };
 
-/// Has exactly one of the two: the status of an HTTP response, or the reason why there is none.
+/// Has exactly one of its members: the status of an HTTP response, or the reason why there is no
+/// response.
 struct UrlResponse {
     std::optional<int> statusCode{};
-    std::optional<std::string> error{}; ///< a text from the desktop
+    std::optional<std::string> error{}; ///< a message from the desktop
 };
 
-/// Loads URLs over the network. Stands for NSURLSession.
+/// Loads URLs over the network. Corresponds to NSURLSession on macOS.
 ///
 ///     task_ = urlSession.dataTask({.url = "https://…", .method = "GET", .timeout = 60s},
 ///                                 [this](const UrlResponse& response) { finish(response); },
@@ -38,11 +39,12 @@ public:
 
     virtual ~UrlSession() = default;
 
-    /// Calls `completion` once, from the run loop. Destroying the returned subscription cancels the
-    /// task at any time. `didReceiveData` gets the body of the response in pieces as it arrives.
-    /// Without it the body is dropped, and the task does not wait for more than 1 MiB of it.
-    /// Redirects are followed, but never to an unencrypted URL. Stands for
-    /// dataTaskWithRequest:completionHandler:, URLSession:dataTask:didReceiveData: and resume.
+    /// Calls `completion` once, from the run loop. Destroy the returned subscription to cancel the
+    /// task. `didReceiveData` gets the body of the response in one or more pieces before
+    /// `completion` is called. If `didReceiveData` is null, the body is dropped, and the task may
+    /// complete before all of it has arrived. Redirects are followed, but never to an unencrypted
+    /// URL. Corresponds to dataTaskWithRequest:completionHandler:,
+    /// URLSession:dataTask:didReceiveData: and resume on macOS.
     virtual Subscription dataTask(const UrlRequest& request, Completion completion,
                                   DidReceiveData didReceiveData) = 0;
 };

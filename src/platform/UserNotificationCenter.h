@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-// Bits for what a program may do and how a notification is shown.
+// Bits for the permissions of a program and for how a notification is shown.
 inline constexpr std::uint32_t notificationSound = 2;
 inline constexpr std::uint32_t notificationAlert = 4;
 inline constexpr std::uint32_t notificationBanner = 16;
@@ -34,29 +34,31 @@ struct UserNotification {
     std::string categoryIdentifier;
 };
 
-/// Receives the events of the notification center. Every function is called from the run loop.
+/// Receives the events of the notification center. All functions are called from the run loop.
 class UserNotificationCenterDelegate {
 public:
     virtual ~UserNotificationCenterDelegate() = default;
 
-    /// How to show a notification that arrives while the program is in front: a bit mask.
+    /// Returns how to show a notification that arrives while the program is in front, as a bit
+    /// mask.
     virtual std::uint32_t willPresentNotification() = 0;
 
-    /// The user's answer to a notification. Call `completionHandler` after handling it.
+    /// The user clicked a button of a notification. Call `completionHandler` after handling the
+    /// response.
     virtual void didReceiveResponse(std::string_view actionIdentifier,
                                     const std::function<void()>& completionHandler) = 0;
 };
 
-/// The desktop's notifications. Stands for UNUserNotificationCenter.
+/// The desktop's notifications. Corresponds to UNUserNotificationCenter on macOS.
 class UserNotificationCenter {
 public:
-    /// Whether the user allows notifications, and the error, if there was one.
+    /// Receives whether the user allows notifications, and the error, if any.
     using AuthorizationHandler =
         std::function<void(bool granted, const std::optional<std::string>& error)>;
 
     virtual ~UserNotificationCenter() = default;
 
-    /// `completionHandler` is called once, from the run loop.
+    /// Requests permission, and calls `completionHandler` once, from the run loop.
     virtual void requestAuthorization(std::uint32_t options,
                                       AuthorizationHandler completionHandler) = 0;
     virtual void setNotificationCategories(std::vector<UserNotificationCategory> categories) = 0;
@@ -64,7 +66,7 @@ public:
     /// The center does not own the delegate; null removes it.
     virtual void setDelegate(UserNotificationCenterDelegate* delegate) = 0;
 
-    /// Shows a notification now.
+    /// Shows a notification immediately.
     virtual void add(const UserNotification& notification) = 0;
 };
 

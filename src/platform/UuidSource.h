@@ -4,7 +4,8 @@
 
 namespace nocta {
 
-/// Makes random identifiers. It is a port so that those of the virtual desktop are repeatable.
+/// Makes random identifiers. It is a port so that the virtual desktop can make the same identifiers
+/// in every run.
 class UuidSource {
 public:
     virtual ~UuidSource() = default;

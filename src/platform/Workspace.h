@@ -11,14 +11,14 @@
 
 namespace nocta {
 
-/// A running application. Stands for NSRunningApplication.
+/// A running application. Corresponds to NSRunningApplication on macOS.
 struct RunningApplication {
     std::optional<std::string> bundleIdentifier;
     std::string localizedName;
     bool operator==(const RunningApplication&) const = default;
 };
 
-/// The size of a window on screen, in points. A value that the desktop does not provide is missing.
+/// The size of a window on screen, in points. A value is none if the desktop does not provide it.
 struct WindowInfo {
     std::optional<double> width;
     std::optional<double> height;
@@ -28,27 +28,29 @@ struct WindowInfo {
 inline constexpr std::string_view windowDidEnterFullScreenNotification = "WindowDidEnterFullScreen";
 inline constexpr std::string_view windowDidExitFullScreenNotification = "WindowDidExitFullScreen";
 
-/// The applications of the session and their windows. Stands for NSWorkspace.
+/// The applications of the session and their windows. Corresponds to NSWorkspace on macOS.
 class Workspace {
 public:
     virtual ~Workspace() = default;
 
-    /// Calls `callback` from the run loop whenever another application comes to the front, with
-    /// none if the desktop does not identify it. Stands for
-    /// NSWorkspaceDidActivateApplicationNotification.
+    /// Calls `callback` from the run loop whenever another application comes to the front. The
+    /// argument is none if the desktop does not identify the application. Corresponds to
+    /// NSWorkspaceDidActivateApplicationNotification on macOS.
     virtual Subscription observeDidActivateApplication(
         std::function<void(const std::optional<RunningApplication>&)> callback) = 0;
 
     virtual std::optional<RunningApplication> frontmostApplication() = 0;
 
-    /// All windows on screen, of every application; none if the desktop cannot list them. Stands
-    /// for CGWindowListCopyWindowInfo with the option for on-screen windows only.
+    /// Returns the windows of all applications that are on screen, or none if the desktop cannot
+    /// list them. Corresponds to CGWindowListCopyWindowInfo on macOS, with the option for on-screen
+    /// windows only.
     virtual std::optional<std::vector<WindowInfo>> copyWindowInfo() = 0;
 
-    /// The frame of the screen that has the keyboard focus. Stands for NSScreen.mainScreen.frame.
+    /// Returns the frame of the screen that has keyboard focus. Corresponds to
+    /// NSScreen.mainScreen.frame on macOS.
     virtual std::optional<Rect> mainScreenFrame() = 0;
 
-    /// Whether the user prefers reduced motion.
+    /// Returns whether the user prefers reduced motion.
     virtual bool accessibilityDisplayShouldReduceMotion() = 0;
 };
 

@@ -6,7 +6,8 @@
 
 namespace nocta {
 
-/// The symbol shown in the menu bar. The raw value is both what is stored and the symbol's name.
+/// The symbol shown in the menu bar. The raw value is the name of the symbol, and it is also what
+/// is stored.
 enum class MenuBarIcon { eye, leaf, sparkles };
 
 inline constexpr std::array allMenuBarIcons = {MenuBarIcon::eye, MenuBarIcon::leaf,

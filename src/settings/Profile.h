@@ -17,8 +17,8 @@ namespace nocta {
 struct Profile;
 using BuiltInProfiles = std::array<Profile, 3>;
 
-/// A named preset of the five settings that shape a user's day. Applying one copies its values
-/// into the settings (`SettingsManager::applyProfile`); after that they are ordinary settings.
+/// A named preset for five settings. `SettingsManager::applyProfile` copies its values into the
+/// settings; after that, the user can change each of them as usual.
 struct Profile {
     Uuid id;
     std::string name;
@@ -29,14 +29,14 @@ struct Profile {
     std::int64_t breakInterval = 0; ///< minutes
     bool isBuiltIn = false;
 
-    /// The process's built-in profiles: Everyday, Night Owl and Focus, made on first use. Their
-    /// ids are new in every run, so a stored id never matches one of them after a restart.
+    /// The built-in profiles Everyday, Night Owl and Focus, created on first use. Their ids are
+    /// different in every run, so a stored id never matches a built-in profile after a restart.
     static const BuiltInProfiles& builtInProfiles();
 
-    /// The symbol that stands for a profile of this name.
+    /// Returns the name of the profile's symbol, which depends only on the name of the profile.
     std::string_view icon() const;
 
-    /// One line about a built-in profile; empty for every other name.
+    /// Returns a one-line description of a built-in profile, or an empty text for any other name.
     std::string_view description() const;
 
     bool operator==(const Profile&) const = default;
@@ -44,9 +44,10 @@ struct Profile {
 
 BuiltInProfiles makeBuiltInProfiles(UuidSource& uuidSource);
 
-/// A JSON object with the eight field names as keys and the id in canonical form. Reading throws
-/// nlohmann::json::exception if a key is missing, a value has the wrong type, the id is not a UUID,
-/// or the number of minutes does not fit the field. Fractions are not checked.
+/// The JSON form is an object with the eight field names as keys and the id in canonical form.
+/// Reading throws nlohmann::json::exception if a key is missing, a value has the wrong type, the id
+/// is not a UUID, or the number of minutes does not fit the field. The ranges of `brightness` and
+/// `warmth` are not checked.
 void to_json(nlohmann::json& json, const Profile& profile);
 void from_json(const nlohmann::json& json, Profile& profile);
 
@@ -55,6 +56,6 @@ void from_json(const nlohmann::json& json, Profile& profile);
 template <>
 struct std::hash<nocta::Profile> {
     std::size_t operator()(const nocta::Profile& profile) const noexcept {
-        return std::hash<nocta::Uuid>()(profile.id); // equal profiles have equal ids
+        return std::hash<nocta::Uuid>()(profile.id); // equal profiles have the same id
     }
 };

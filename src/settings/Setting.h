@@ -15,7 +15,7 @@
 
 namespace nocta {
 
-/// How each type of setting is read from and written to the defaults store.
+/// These overloads read and write each type of setting in the defaults store.
 void load(const DefaultsStore& store, std::string_view key, double& value);
 void load(const DefaultsStore& store, std::string_view key, bool& value);
 void load(const DefaultsStore& store, std::string_view key, std::int64_t& value);
@@ -28,7 +28,7 @@ void save(DefaultsStore& store, std::string_view key, std::int64_t value);
 void save(DefaultsStore& store, std::string_view key, MenuBarIcon value);
 void save(DefaultsStore& store, std::string_view key, const std::optional<Uuid>& value);
 
-/// The value to register as the default; none for an absent one.
+/// Returns the value to register as the default, or none if the setting has no value by default.
 template <class T>
 std::optional<DefaultsValue> registeredValue(const T& value) {
     return value;
@@ -40,9 +40,9 @@ inline std::optional<DefaultsValue> registeredValue(const std::optional<Uuid>& v
     return value ? std::optional<DefaultsValue>(value->toString()) : std::nullopt;
 }
 
-/// A published value with a key, which is written through to the defaults store. A write is
-/// published first and then persisted, so that if a subscriber writes again, the last value is
-/// persisted. It is a member of a `SettingGroup`, whose comment shows a sample.
+/// A published value that is stored under a key in the defaults store. `set` publishes the value
+/// first and then stores it, so that if a subscriber calls `set` again, the last value is stored. A
+/// setting is a member of a `SettingGroup`; see the sample there.
 template <class T>
 class Setting final : public AnySetting {
 public:
@@ -59,7 +59,7 @@ public:
         save(store_, key_, published_.get());
     }
 
-    /// Names the setting in the message of a fault that its value causes.
+    /// For a `FaultContext`: lets the message name this setting if its value causes a fault.
     Origin origin() const { return {.key = key_, .value = get()}; }
 
     Subscription subscribe(std::function<void(const T&)> callback) {
@@ -74,7 +74,7 @@ public:
     void load() override {
         T value{};
         nocta::load(store_, key_, value);
-        published_.set(std::move(value)); // nobody has subscribed yet
+        published_.set(std::move(value)); // there are no subscribers yet
     }
     void reset() override { set(default_); }
 

@@ -7,12 +7,12 @@
 
 namespace nocta {
 
-/// What a `SettingGroup` needs from each setting, whatever its type.
+/// The interface through which a `SettingGroup` uses its settings, whatever their type.
 class AnySetting {
 public:
     virtual ~AnySetting() = default;
 
-    /// Adds the default, unless the setting is absent by default.
+    /// Adds the default value to `defaults`, unless the setting has no value by default.
     virtual void addDefault(DefaultsMap& defaults) const = 0;
 
     /// Reads the stored value without writing it back.
@@ -21,7 +21,7 @@ public:
     virtual void reset() = 0;
 };
 
-/// The setting is not part of a reset.
+/// A reset does not change the setting.
 struct NeverReset {};
 
 /// The setting is reset just before another setting of the group.
@@ -29,11 +29,12 @@ struct ResetBefore {
     const AnySetting& next;
 };
 
-/// When a reset writes a setting; monostate is the order of the declarations.
+/// The setting's place in the order in which a reset writes the settings. `std::monostate` means
+/// its place in the order of declaration.
 using ResetPlace = std::variant<std::monostate, NeverReset, ResetBefore>;
 
-/// The settings of one defaults store, in the order of their declarations. A derived class declares
-/// them as members, which register themselves, and calls `load` in its constructor:
+/// The settings in one defaults store, in order of declaration. A derived class declares its
+/// settings as members, which register themselves, and calls `load` in its constructor:
 ///
 ///     class Sounds : SettingGroup {
 ///     public:

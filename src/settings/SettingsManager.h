@@ -10,17 +10,17 @@
 
 namespace nocta {
 
-/// The single source of truth for the user's settings, stored in the defaults store. Every write of
-/// a setting publishes and persists it, with its name as the key. Nothing is clamped here: writers
-/// clamp. It lives as long as the process.
+/// The single source of truth for the user's settings, stored in the defaults store. Writing a
+/// setting publishes and stores its value; the key is the setting's name. Nothing is clamped here:
+/// code that writes a setting must clamp the value. It exists for the lifetime of the process.
 class SettingsManager : SettingGroup {
 public:
     explicit SettingsManager(DefaultsStore& userDefaults);
 
     static SettingsManager& shared();
 
-    // One line per setting. The declaration registers its default, loads it and makes it part of a
-    // reset.
+    // Each setting is one line: its declaration registers the default, loads the value and adds the
+    // setting to the reset.
     Setting<double> unifiedBrightness{*this, "unifiedBrightness", 0.75}; ///< 0.0–1.0, all displays
     Setting<double> warmthLevel{*this, "warmthLevel", 0.5}; ///< 0.0 cool – 1.0 warmest
     Setting<bool> grayscaleEnabled{*this, "grayscaleEnabled", false};
@@ -39,13 +39,13 @@ public:
     Setting<std::optional<Uuid>> activeProfileId{*this, "activeProfileId", std::nullopt,
                                                  ResetBefore{allowFullBlack}};
 
-    /// Every setting but `isFirstLaunch`, so that a reset never brings onboarding back.
+    /// Resets every setting except `isFirstLaunch`, so that a reset never brings back onboarding.
     void resetToDefaults() { reset(); }
 
-    /// Copies a profile's five values and makes it the active one.
+    /// Copies the profile's five values and makes it the active profile.
     void applyProfile(const Profile& profile);
 
-    /// The current warmth in one word: "Cool", "Neutral" or "Warm".
+    /// Describes the current warmth in one word: "Cool", "Neutral" or "Warm".
     std::string_view warmthDescription() const;
 };
 

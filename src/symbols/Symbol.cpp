@@ -13,8 +13,8 @@ QString fileOf(const QString& name) {
     return QStringLiteral(":/symbols/%1.svg").arg(name);
 }
 
-/// `place` in device pixels. Position and size are rounded separately, so that a symbol has the
-/// same size wherever it is drawn.
+/// Converts `place` to device pixels. It rounds the position and the size separately, so that a
+/// symbol has the same size wherever it is drawn.
 QRect pixelsOf(const QPainter& painter, const QRectF& place) {
     const auto exact = painter.deviceTransform().mapRect(place);
     return {exact.topLeft().toPoint(), exact.size().toSize()};

@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// Publishes which application is in front, and whether anything is shown full screen. It lives as
-/// long as the process.
+/// Publishes which application is in front and whether a window fills the screen. It exists for the
+/// lifetime of the process.
 class AppMonitorService {
 public:
     AppMonitorService(Workspace& workspace, NotificationCenter& notificationCenter);
@@ -21,11 +21,11 @@ public:
     Published<std::optional<RunningApplication>> frontmostApp;
     Published<bool> isFullscreen;
 
-    /// Call this once.
+    /// Call it once.
     void startMonitoring();
 
-    /// Sets `isFullscreen`: whether any window on screen, of any application, has exactly the size
-    /// of the main screen. Changes nothing if the desktop cannot list the windows.
+    /// Sets `isFullscreen` to whether any window on screen, of any application, has exactly the
+    /// size of the main screen. Changes nothing if the desktop cannot list the windows.
     void updateFullscreen();
 
 private:

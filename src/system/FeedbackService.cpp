@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 constexpr std::string_view path = "/api/feedback";
 constexpr auto timeout = 60s;
-constexpr int succeeded = 200; // the only status that means success
+constexpr int succeeded = 200; // the only HTTP status that means success
 
 struct Presentation {
     std::string_view key;
@@ -29,7 +29,7 @@ constexpr std::array presentations = {
     Presentation{"bug", translatable("Nocta", "Bug report")},
     Presentation{"other", translatable("Nocta", "Other")}};
 
-/// Unicode white space and line ends, in UTF-8.
+/// Unicode white space and line separators, in UTF-8.
 constexpr std::array<std::string_view, 25> blanks = {
     "\t",           "\n",           "\v",           "\f",           "\r",           " ",
     "\xC2\x85",     "\xC2\xA0",     "\xE1\x9A\x80", "\xE2\x80\x80", "\xE2\x80\x81", "\xE2\x80\x82",

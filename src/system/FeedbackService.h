@@ -15,24 +15,24 @@ enum class FeedbackType { suggestion, bug, other };
 inline constexpr std::array allFeedbackTypes = {FeedbackType::suggestion, FeedbackType::bug,
                                                 FeedbackType::other};
 
-/// The name that the vendor's service uses.
+/// The name of the type in the vendor's web service.
 std::string_view key(FeedbackType type);
-/// In English.
+/// The label in English.
 std::string_view label(FeedbackType type);
 
-/// The feedback form's content, and sending it. It keeps what the user wrote until it is sent, even
-/// if the window is closed. It lives as long as the process.
+/// Holds the content of the feedback form and sends it. It keeps what the user wrote until that is
+/// sent, even if the user closes the window. It exists for the lifetime of the process.
 class FeedbackService {
 public:
-    /// `apiBase` is the scheme and host of the vendor's service, without a trailing slash; empty if
-    /// this build has none.
+    /// `apiBase` is the scheme and host of the vendor's web service, without a trailing slash, or
+    /// empty if this build has no such service.
     FeedbackService(UrlSession& urlSession, std::string_view apiBase);
     FeedbackService(const FeedbackService&) = delete;
     FeedbackService& operator=(const FeedbackService&) = delete;
 
     static FeedbackService& shared();
 
-    // UTF-8.
+    // Texts are UTF-8.
     Published<std::string> message;
     Published<std::string> email; ///< optional
     Published<FeedbackType> feedbackType{FeedbackType::suggestion};
@@ -41,13 +41,13 @@ public:
     Published<bool> sent{false};
     Published<std::optional<std::string>> errorMessage;
 
-    /// False if the message is empty or is being sent.
+    /// Returns false if the message is empty or is being sent.
     bool canSend() const;
 
-    /// On failure sets `errorMessage` and keeps what the user wrote.
+    /// Sends the message. On failure, sets `errorMessage` and keeps what the user wrote.
     void send();
 
-    /// Returns to the form for another message.
+    /// Shows an empty form again, for another message.
     void sendAnother();
 
 private:

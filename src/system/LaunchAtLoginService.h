@@ -5,9 +5,8 @@
 
 namespace nocta {
 
-/// Turns on or off that the program starts with the user's session. The state is the desktop's own,
-/// read when this object was made; the setting `launchAtLogin` is not used. It lives as long as the
-/// process.
+/// Turns launch at login on or off. It reads the state from the desktop when it is created; the
+/// setting `launchAtLogin` is not used. It exists for the lifetime of the process.
 class LaunchAtLoginService {
 public:
     explicit LaunchAtLoginService(LoginItem& loginItem);
@@ -18,7 +17,8 @@ public:
 
     Published<bool> isEnabled;
 
-    /// A failure prints one line on standard output and does not change `isEnabled`.
+    /// On failure, `enable` and `disable` print one line on standard output and do not change
+    /// `isEnabled`.
     void enable();
     void disable();
 

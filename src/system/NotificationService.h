@@ -6,7 +6,7 @@
 namespace nocta {
 
 /// Registers the category of break reminders with its two buttons, which skip or snooze the break.
-/// It does not post notifications itself. It lives as long as the process.
+/// It does not post notifications itself. It exists for the lifetime of the process.
 class NotificationService final : private UserNotificationCenterDelegate {
 public:
     NotificationService(UserNotificationCenter& center, BreakTimer& breakTimer);
@@ -16,7 +16,8 @@ public:
 
     static NotificationService& shared();
 
-    /// For alerts and sounds. Prints an error on standard output; a denial prints nothing.
+    /// Requests permission for alerts and sounds. If that fails, prints the error on standard
+    /// output. If the user denies permission, prints nothing.
     void requestAuthorization();
 
 private:

@@ -34,8 +34,8 @@ void ShortcutsManager::handle(const KeyDownEvent& event) {
     const auto brightness = event.keyCode == brightnessUpKeyCode
                                 ? std::min(current + brightnessStep, 1.0)
                                 : std::max(current - brightnessStep, 0.0);
-    // The write reaches the applier through AppDelegate's subscription. Apply it again so that a
-    // key press corrects the screen even without that subscription.
+    // AppDelegate's subscription to this setting calls the applier. Apply the brightness again, so
+    // that a key press takes effect even without that subscription.
     settingsManager_.unifiedBrightness.set(brightness);
     brightnessApplier_.apply(brightness);
 }

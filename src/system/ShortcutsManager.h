@@ -7,9 +7,9 @@
 
 namespace nocta {
 
-/// Changes the unified brightness with the keyboard's brightness keys from any application, by a
-/// sixteenth per press. It only listens: the system and the focused application get the keys too.
-/// It lives as long as the process.
+/// Changes the unified brightness with the keyboard's brightness keys in any application, by a
+/// sixteenth per press. It only observes the keys: the system and the focused application get them
+/// too. It exists for the lifetime of the process.
 class ShortcutsManager {
 public:
     ShortcutsManager(SettingsManager& settingsManager, UnifiedBrightnessApplier& brightnessApplier,
@@ -19,8 +19,8 @@ public:
 
     static ShortcutsManager& shared();
 
-    /// Installs the event tap, once. If the desktop refuses, it prints one line on standard output,
-    /// and the shortcuts stay off.
+    /// Installs the event tap if it is not installed. If the desktop refuses, prints one line on
+    /// standard output, and the shortcuts stay off.
     void startMonitoring();
 
     bool isMonitoring() const { return static_cast<bool>(eventTap_); }

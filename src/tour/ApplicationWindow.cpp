@@ -19,7 +19,7 @@ constexpr qreal gap = 10;
 
 constexpr std::array meetingApplications = {"us.zoom.xos", "com.apple.FaceTime"};
 
-/// Shows in a picture whether text is still readable.
+/// Sample text that shows whether text in a picture is still readable.
 constexpr auto page =
     "The evening\n\nAs the sun goes down, what is left of its light is red: the way through the "
     "air is longer, and the blue of it is scattered elsewhere. A screen knows nothing of this. It "
@@ -52,7 +52,7 @@ void paintFaces(QPainter& painter, const QRectF& area) {
     }
 }
 
-/// Every hue in four shades, above a ramp of grays.
+/// Paints twelve hues in four shades each, above a ramp of grays.
 void paintChart(QPainter& painter, const QRectF& area) {
     constexpr int hues = 12;
     constexpr int shades = 4;

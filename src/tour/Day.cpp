@@ -18,23 +18,28 @@ const RunningApplication meeting{"us.zoom.xos", "zoom.us"};
 void start(Tour& tour) {
     tour.desktop.runLoop.advance(0s);
     tour.launch();
-    tour.expect(tour.desktop.appWindows.isOnScreen("Welcome to Nocta"), "the first start welcomes");
-    tour.take("The first start",
-              "Nocta already works while its first window is open. The brightness starts at three "
-              "quarters.");
+    tour.expect(tour.desktop.appWindows.isOnScreen("Welcome to Nocta"),
+                "the welcome window is shown");
+    tour.take(
+        "The first launch",
+        "Nocta already works while its welcome window is open. The brightness starts at 75 %.");
     tour.press("continueButton");
     tour.press("allowButton");
     tour.desktop.location.answer(AuthorizationStatus::authorized);
     tour.desktop.location.send(berlin);
-    tour.expect(tour.settings().locationEnabled.get(), "the permission is a setting");
-    tour.take("The location", "With your location Nocta uses the true sunrise and sunset.");
+    tour.expect(tour.settings().locationEnabled.get(),
+                "granting the permission turns the setting on");
+    tour.take("The location",
+              "With your location, Nocta uses the actual times of sunrise and sunset.");
     tour.press("continueButton");
     tour.press("Everyday");
-    tour.take("A style to start with", "Five settings at once. You can change each of them later.");
+    tour.take("A style to start with", "It sets five settings. You can change each of them later.");
     tour.press("continueButton");
     tour.press("continueButton");
-    tour.expect(!tour.desktop.appWindows.isOnScreen("Welcome to Nocta"), "it closes");
-    tour.expect(!tour.settings().isFirstLaunch.get(), "it never comes back");
+    tour.expect(!tour.desktop.appWindows.isOnScreen("Welcome to Nocta"),
+                "the welcome window closes");
+    tour.expect(!tour.settings().isFirstLaunch.get(),
+                "the next launch does not show the welcome window");
     tour.desktop.runLoop.advance(1s); // until every transition has ended
 }
 
@@ -46,23 +51,26 @@ void dim(Tour& tour) {
     tour.expect(tour.topOf(Tour::external) == 1,
                 "the upper half leaves the external display alone");
     tour.expect(tour.desktop.displays.display(Tour::builtIn).backlight < 0.5F,
-                "the upper half moves the backlight");
-    tour.take("60 %", "The upper half moves only the backlight. The external display has none that "
-                      "Nocta can move, so it stays at full brightness.");
+                "the upper half changes the backlight");
+    tour.take(
+        "60 %",
+        "The upper half changes only the backlight. The external display has no backlight that "
+        "Nocta can change, so it stays at full brightness.");
     tour.settings().unifiedBrightness.set(0.25);
-    tour.expect(std::abs(tour.topOf(Tour::external) - 0.5) < 0.01, "the lower half darkens all");
-    tour.take("25 %", "The lower half darkens the picture of every display, below what the "
+    tour.expect(std::abs(tour.topOf(Tour::external) - 0.5) < 0.01,
+                "the lower half dims all displays");
+    tour.take("25 %", "The lower half also dims the picture on every display, below what the "
                       "hardware allows.");
     tour.settings().unifiedBrightness.set(0.0);
-    tour.expect(std::abs(tour.topOf(Tour::external) - 0.1) < 0.01, "a faint glow is kept");
-    tour.take(
-        "0 %, with the faint glow",
-        "Every picture keeps a tenth of its level, so that you can still see it. The backlight "
-        "of the built-in display is at its lowest.");
+    tour.expect(std::abs(tour.topOf(Tour::external) - 0.1) < 0.01, "a faint glow remains");
+    tour.take("0 %, with the faint glow",
+              "Every picture keeps a tenth of its brightness, so that you can still see it. The "
+              "backlight of the built-in display is at its lowest level.");
     tour.settings().allowFullBlack.set(true);
     tour.settings().unifiedBrightness.set(0.0);
-    tour.expect(tour.topOf(Tour::external) == 0, "it is black if the user allows it");
-    tour.take("0 %, with black allowed", "Only if you switch it on.");
+    tour.expect(tour.topOf(Tour::external) == 0, "the display is black if the user allows it");
+    tour.take("0 %, with black allowed",
+              "The displays turn black only if you allow it in the preferences.");
     tour.settings().allowFullBlack.set(false);
 
     TourCurve backlight{"backlight", {}};
@@ -84,8 +92,9 @@ void pressKeys(Tour& tour) {
         tour.desktop.keyboard.pressBrightnessDown();
     }
     tour.expect(std::abs(before - 0.25 - tour.settings().unifiedBrightness.get()) < 1e-9,
-                "four presses are four sixteenths");
-    tour.take("The brightness keys", "A sixteenth for each press, from any application.");
+                "four key presses lower the brightness by four sixteenths");
+    tour.take("The brightness keys",
+              "Each press changes the brightness by a sixteenth, in any application.");
     tour.settings().unifiedBrightness.set(before);
 }
 
@@ -94,12 +103,12 @@ void plug(Tour& tour) {
     tour.settings().unifiedBrightness.set(0.3);
     tour.desktop.displays.plug({.id = projector, .bounds = {1984, 0, 640, 480}});
     tour.expect(tour.desktop.displays.display(projector).red.empty(),
-                "a display that is plugged in waits for the next change");
-    tour.take("A display is plugged in", "It keeps its look until something changes.");
+                "a newly connected display does not change immediately");
+    tour.take("A display is connected", "It does not change until you change a setting.");
     tour.settings().unifiedBrightness.set(0.29);
     tour.expect(!tour.desktop.displays.display(projector).red.empty(),
-                "it changes with the next change");
-    tour.take("The next change", "Now it changes like the others.");
+                "the next change applies to the new display");
+    tour.take("The next change", "Now it changes like the other displays.");
     tour.desktop.displays.unplug(projector);
     tour.settings().unifiedBrightness.set(0.75);
 }
@@ -107,11 +116,11 @@ void plug(Tour& tour) {
 void takeTheColorAway(Tour& tour) {
     tour.settings().grayscaleEnabled.set(true);
     tour.desktop.runLoop.advance(1s);
-    tour.expect(tour.desktop.filter.isOn, "the filter is on");
-    tour.take("Eye Relief", "The screen without its colors.");
+    tour.expect(tour.desktop.filter.isOn, "the grayscale filter is on");
+    tour.take("Eye Relief", "The displays without color.");
     tour.settings().grayscaleEnabled.set(false);
     tour.desktop.runLoop.advance(1s);
-    tour.expect(!tour.desktop.filter.isOn, "the filter is off");
+    tour.expect(!tour.desktop.filter.isOn, "the grayscale filter is off");
 }
 
 bool isPaused(Tour& tour) {
@@ -125,7 +134,7 @@ void waitForBreak(Tour& tour) {
     for (int second = 0; second < 3600 && !isActive(tour); ++second) {
         tour.desktop.runLoop.advance(1s);
     }
-    tour.expect(isActive(tour), "a break comes");
+    tour.expect(isActive(tour), "a break starts");
     tour.desktop.runLoop.advance(2s);
 }
 
@@ -137,31 +146,31 @@ void takeBreaks(Tour& tour) {
     tour.press("snoozeBreakButton");
     tour.desktop.runLoop.advance(1s);
     tour.expect(std::holds_alternative<Snoozed>(tour.instances().breakTimer().state.get()),
-                "the break is postponed");
+                "the break is snoozed");
     waitForBreak(tour);
     tour.desktop.overlayWindows.press(spaceKeyCode);
     tour.desktop.runLoop.advance(1s);
-    tour.expect(tour.desktop.overlayWindows.windows().empty(), "Space skips");
+    tour.expect(tour.desktop.overlayWindows.windows().empty(), "the space key skips the break");
     waitForBreak(tour);
     tour.desktop.runLoop.advance(19s);
     tour.expect(tour.instances().breakTimer().statistics.get().completedBreaks == 1,
-                "one break was waited for");
+                "one break was completed");
 
     tour.desktop.workspace.bringToFront(meeting);
     tour.desktop.runLoop.advance(1s);
     tour.desktop.statusBar.click();
-    tour.expect(isPaused(tour), "a meeting holds the countdown");
-    tour.take("A meeting", "While a meeting is in front, no break comes.");
+    tour.expect(isPaused(tour), "a meeting pauses the countdown");
+    tour.take("A meeting", "While a meeting application is in front, no break starts.");
     tour.desktop.runLoop.advance(30min);
-    tour.expect(isPaused(tour), "for as long as it lasts");
+    tour.expect(isPaused(tour), "the countdown stays paused during the meeting");
     tour.desktop.workspace.bringToFront(editor);
     tour.desktop.runLoop.advance(5min);
-    tour.expect(isPaused(tour), "afterwards it stays where it is");
+    tour.expect(isPaused(tour), "the countdown stays paused after the meeting");
     settings.breakTimerEnabled.set(false);
     settings.breakTimerEnabled.set(true);
-    tour.expect(!isPaused(tour), "until breaks are turned off and on");
-    tour.take("Breaks again", "After a meeting the countdown stays paused until the user turns "
-                              "the breaks off and on.");
+    tour.expect(!isPaused(tour), "turning breaks off and on again resumes the countdown");
+    tour.take("Breaks again", "After a meeting, the countdown stays paused until the user turns "
+                              "breaks off and on again.");
     tour.desktop.popover.clickElsewhere();
     settings.breakTimerEnabled.set(false);
 }
@@ -181,30 +190,34 @@ void seeTheSunSet(Tour& tour) {
     const auto night = tour.settings().colorTemperatureNight.get();
     const auto sunset = *tour.instances().scheduleService().sunsetTime.get();
     tour.waitUntil(sunset - 16min);
-    tour.expect(temperature.get() == day, "it is day until a quarter of an hour before sunset");
+    tour.expect(temperature.get() == day,
+                "the day temperature lasts until 15 minutes before sunset");
     tour.ramps.push_back(rampOf(tour, "day"));
     tour.waitUntil(sunset - 7min);
     tour.ramps.push_back(rampOf(tour, "before sunset"));
     tour.waitUntil(sunset + 1min);
-    tour.expect(std::abs(temperature.get() - (day + night) / 2) < 200, "at sunset it is halfway");
+    tour.expect(std::abs(temperature.get() - (day + night) / 2) < 200,
+                "the temperature is halfway at sunset");
     tour.ramps.push_back(rampOf(tour, "sunset"));
-    tour.take("The sun sets", "Over half an hour the screen follows the light outside.");
+    tour.take("The sun sets",
+              "Over half an hour, the colors become warmer, like the light outside.");
     tour.waitUntil(sunset + 16min);
-    tour.expect(temperature.get() == night, "it is night a quarter of an hour after sunset");
+    tour.expect(temperature.get() == night,
+                "the night temperature is reached 15 minutes after sunset");
     tour.waitUntil(tour.next(22, 0));
     tour.ramps.push_back(rampOf(tour, "night"));
     tour.take("Night", "Most of the blue is gone.");
     tour.settings().unifiedBrightness.set(0.3);
     tour.ramps.push_back(rampOf(tour, "night, at 30 %"));
-    tour.take("Late", "Warm and dark.");
+    tour.take("Late", "The displays are warm and dim.");
 }
 
 void reset(Tour& tour) {
     tour.program().showPreferencesWindow();
     tour.press("resetButton");
-    tour.expect(tour.settings().unifiedBrightness.get() == 0.75, "the defaults are back");
+    tour.expect(tour.settings().unifiedBrightness.get() == 0.75, "the defaults are restored");
     tour.desktop.runLoop.advance(1s);
-    tour.take("The preferences", "All settings, in six tabs. One button has just restored the "
+    tour.take("The preferences", "All settings are in six tabs. A button has just restored the "
                                  "defaults, including the brightness.");
     tour.desktop.appWindows.close("Preferences");
 }
@@ -212,10 +225,10 @@ void reset(Tour& tour) {
 void end(Tour& tour) {
     tour.quit();
     for (const auto& display : tour.desktop.displays.all()) {
-        tour.expect(display.red.empty(), "every display has its own tables again");
+        tour.expect(display.red.empty(), "every display has its factory tables again");
     }
-    tour.take("The end", "Every display has its own tables again. The backlight stays where it "
-                         "was.");
+    tour.take("The end",
+              "Every display has its factory tables again. The backlight does not change.");
 }
 
 } // namespace

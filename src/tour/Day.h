@@ -4,7 +4,8 @@
 
 namespace nocta {
 
-/// Plays one day with Nocta, from its first start to its end. Every scene checks what it shows.
+/// Plays one day with Nocta, from its first launch until it quits. Every scene checks what it
+/// shows.
 void spendADay(Tour& tour);
 
 } // namespace nocta

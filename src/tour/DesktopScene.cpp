@@ -19,7 +19,7 @@ namespace nocta {
 
 namespace {
 
-// From the back to the front.
+// The layers, from back to front.
 constexpr qreal groundLevel = 0;
 constexpr qreal windowLevel = 10;
 constexpr qreal menuBarLevel = 20;
@@ -34,7 +34,7 @@ constexpr qreal statusItemWidth = 34;
 constexpr qreal clockWidth = 96;
 constexpr qreal cornerRadius = 10;
 constexpr qreal popoverGap = 10;
-constexpr int shadowSize = 8; // less than the gap, so that it stays on its display
+constexpr int shadowSize = 8; // less than the gap, so that a shadow stays on its display
 constexpr QSizeF popoverSize(300, 280);
 
 QRectF frame(const Rect& bounds) {
@@ -47,7 +47,7 @@ QWidget& widgetOf(View& view) {
 
 } // namespace
 
-/// The lowest layer of a display: the wallpaper, and the application in front.
+/// The lowest layer of a display: the wallpaper and the window of an application.
 class DesktopScene::Ground final : public QGraphicsItem {
 public:
     Ground(VirtualDesktop& desktop, const Rect& bounds)
@@ -125,8 +125,8 @@ private:
     QRectF area_;
 };
 
-/// What a desktop draws around a window: its background, a shadow, and a title bar if it has a
-/// title.
+/// What a desktop draws around a window: a background, a shadow, and, if the window has a title, a
+/// title bar.
 class DesktopScene::Frame final : public QGraphicsItem {
 public:
     Frame(VirtualDesktop& desktop, QGraphicsProxyWidget& window, QString title)
@@ -159,7 +159,7 @@ public:
 
 protected:
     void mousePressEvent(QGraphicsSceneMouseEvent* event) override {
-        if (closeButton().contains(event->pos())) { // later, because it destroys this item
+        if (closeButton().contains(event->pos())) { // deferred, because it destroys this item
             desktop_.runLoop.post([&desktop = desktop_, title = title_.toStdString()] {
                 desktop.appWindows.close(title);
             });
@@ -167,7 +167,7 @@ protected:
     }
 
 private:
-    /// Empty if there is no title bar.
+    /// The area of the close button; empty if there is no title bar.
     QRectF closeButton() const {
         const auto place = area().topLeft() + QPointF(closeSize, (titleBarHeight - closeSize) / 2);
         return title_.isEmpty() ? QRectF() : QRectF(place, QSizeF(closeSize, closeSize));
@@ -183,7 +183,7 @@ private:
 
 DesktopScene::DesktopScene(VirtualDesktop& desktop) : desktop_(desktop) {}
 
-/// The widgets belong to their views.
+/// Leaves the widgets alone, because their views own them.
 DesktopScene::~DesktopScene() {
     for (const auto& [widget, proxy] : windows_) {
         if (proxy != nullptr) {

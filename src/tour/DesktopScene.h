@@ -12,17 +12,18 @@
 
 namespace nocta {
 
-/// The virtual desktop as a person would find it: each display with a wallpaper, a menu bar and an
-/// application, and on them the program's own windows, live. Display bounds are scene coordinates.
+/// Shows the virtual desktop as a user would see it: each display has a wallpaper, a menu bar and
+/// an application, and above them are the program's own windows, which are live. Scene coordinates
+/// are those of the displays' bounds.
 class DesktopScene final : public QGraphicsScene {
 public:
     explicit DesktopScene(VirtualDesktop& desktop);
     ~DesktopScene() override;
 
-    /// Updates the scene from the desktop. Call it before you show the scene.
+    /// Updates the scene from the desktop. Call it before showing the scene.
     void refresh();
 
-    /// A display as the eye sees it, at its own size.
+    /// Returns a picture of a display as the eye sees it, in the display's own size.
     QImage picture(DisplayId id);
 
 private:
@@ -35,10 +36,10 @@ private:
     void refreshWindows();
     void refreshOverlays();
 
-    /// The view's widget in the scene; adds it if it is new. Where the widget paints nothing, it is
-    /// transparent.
+    /// Returns the proxy of the view's widget, and adds it to the scene if it is new. The widget is
+    /// transparent where it paints nothing.
     QGraphicsProxyWidget* place(View& view, qreal level);
-    /// The same with a frame around it, which lives as long as the proxy.
+    /// Like `place`, with a frame around the widget. The frame exists as long as the proxy.
     QGraphicsProxyWidget* placeInFrame(View& view, qreal level, const QString& title);
 
     VirtualDesktop& desktop_;

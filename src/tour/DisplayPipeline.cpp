@@ -11,13 +11,14 @@ namespace {
 
 constexpr QRgb opaque = 0xFF000000;
 
-// ITU-R Recommendation BT.709, in units of 1/65536.
+// The luminance weights of ITU-R Recommendation BT.709, in units of 1/65536.
 constexpr unsigned redWeight = 13933;
 constexpr unsigned greenWeight = 46871;
 constexpr unsigned blueWeight = 4732;
 static_assert(redWeight + greenWeight + blueWeight == 65536);
 
-// IEC 61966-2-1 (sRGB): converts between the level of a channel and its light, both in 0.0–1.0.
+// These functions convert between the level of a channel and its linear light, both in 0.0–1.0, as
+// defined by IEC 61966-2-1 (sRGB).
 double lightOf(double level) {
     return level <= 0.04045 ? level / 12.92 : std::pow((level + 0.055) / 1.055, 2.4);
 }
@@ -25,7 +26,7 @@ double levelOf(double light) {
     return light <= 0.0031308 ? 12.92 * light : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
 }
 
-/// The nearest entry of a table of any length; `place` is 0.0–1.0.
+/// Returns the nearest entry of a table of any length. `place` is in 0.0–1.0.
 double entry(const std::vector<float>& table, double place) {
     const auto last = static_cast<double>(table.size() - 1);
     return double{table[static_cast<std::size_t>(std::lround(place * last))]};

@@ -9,19 +9,20 @@
 
 namespace nocta {
 
-/// Turns the picture that a display receives into the picture that the eye sees: applies the color
-/// filter, then the gamma tables, then the backlight.
+/// Converts the picture that a display receives into the picture that the eye sees. It applies the
+/// color filter, then the gamma tables, and then the backlight.
 class DisplayPipeline {
 public:
-    /// `isGray` is whether the filter removes the color. The backlight of an external display is
-    /// assumed to be full.
+    /// `isGray` is true if the color filter removes all color. The backlight of an external display
+    /// is assumed to be at 100 %.
     DisplayPipeline(const VirtualDisplays::Display& display, bool isGray);
 
-    /// In place; the picture has the format RGB32.
+    /// Converts the picture in place. Its format must be RGB32.
     void apply(QImage& picture) const;
 
 private:
-    /// The visible level for each input level of one channel, shifted to its place in a QRgb.
+    /// Has the visible level for each input level of one channel, shifted to the channel's position
+    /// in a QRgb.
     using Table = std::array<QRgb, 256>;
 
     Table red_{};

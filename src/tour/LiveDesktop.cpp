@@ -11,7 +11,7 @@ namespace nocta {
 namespace {
 using namespace std::chrono_literals;
 
-// In points; side by side.
+// The displays are side by side; their bounds are in points.
 constexpr Rect builtInBounds{0, 0, 1024, 680};
 constexpr Rect externalBounds{1024, 0, 960, 600};
 constexpr int gap = 24; ///< between the displays of a picture

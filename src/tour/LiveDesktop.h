@@ -12,8 +12,8 @@
 
 namespace nocta {
 
-/// Nocta on a virtual desktop with two displays, one built in and one external, and the scene that
-/// shows it. The desktop outlives the program on it.
+/// Runs Nocta on a virtual desktop with a built-in and an external display, and has the scene that
+/// shows the desktop. The desktop outlives the program.
 class LiveDesktop {
 public:
     static constexpr DisplayId builtIn = 1;
@@ -25,14 +25,14 @@ public:
 
     VirtualDesktop desktop;
 
-    // The program; valid between `launch` and `quit`.
+    // The parts of the program. They are valid between `launch` and `quit`.
     SharedInstances& instances() { return *instances_; }
     SettingsManager& settings() { return instances_->settingsManager(); }
     AppDelegate& program() { return *program_; }
     DesktopScene& scene() { return *scene_; }
 
     void launch();
-    /// All displays side by side, as the eye sees them.
+    /// Returns a picture of all displays side by side, as the eye sees them.
     QImage picture();
     /// Ends the program and removes its windows from the scene.
     void quit();

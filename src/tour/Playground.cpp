@@ -46,7 +46,7 @@ protected:
         }
     }
 
-    /// During a break the cover gets the keys.
+    /// During a break, sends the space key to the covers.
     void keyPressEvent(QKeyEvent* event) override {
         if (event->key() == Qt::Key_Space && !live_.desktop.overlayWindows.windows().empty()) {
             live_.desktop.overlayWindows.press(spaceKeyCode);

@@ -11,8 +11,8 @@
 
 namespace nocta {
 
-/// A window that shows the live desktop. One can use the desktop's windows, press its keys, unplug
-/// its displays, and choose how fast its time runs.
+/// A window that shows the live desktop. The user can use its windows, press its keys, unplug the
+/// external display, and choose how fast time passes.
 class Playground final : public QWidget {
 public:
     Playground();

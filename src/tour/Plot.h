@@ -15,7 +15,7 @@ struct PlotAxis {
     double step = 1; ///< between two ticks
 };
 
-/// Curves over two axes, as an SVG element with the label `title`.
+/// Draws curves over two axes. Returns an SVG element with the label `title`.
 QString plot(const QString& title, const std::vector<TourCurve>& curves, const PlotAxis& x,
              const PlotAxis& y);
 

@@ -9,40 +9,41 @@
 
 namespace nocta {
 
-/// A picture of all displays at one moment of the day, and what it shows.
+/// A picture of all displays at one moment of the day, with a description.
 struct TourScene {
-    QString file; ///< the picture, in the tour's folder
+    QString file; ///< of the picture, in the tour's folder
     QString time; ///< of the day
     QString title;
     QString text;
 };
 
-/// One value as a function of another, for a plot.
+/// A curve in a plot: one value as a function of another.
 struct TourCurve {
     QString name;
     std::vector<std::pair<double, double>> points;
 };
 
-/// A day on a live desktop, and the record of it. The tour fails if an expectation is not met.
+/// A day on a live desktop, with a record of what happened. The tour fails if an expectation is not
+/// met.
 class Tour : public LiveDesktop {
 public:
-    /// Pictures are written to the folder, which must exist.
+    /// Writes its pictures to the folder, which must exist.
     explicit Tour(QString folder);
 
     void launch();
     void quit();
 
     void waitUntil(WallTime time);
-    /// The next time at which the clock shows that hour and minute.
+    /// Returns the next time at which the clock shows this hour and minute.
     WallTime next(int hour, int minute) const;
 
-    /// Presses the button with that identifier in the program's windows.
+    /// Presses the button with this identifier in the program's windows.
     void press(const char* identifier);
 
     void take(const QString& title, const QString& text);
     void expect(bool holds, const QString& promise);
 
-    /// The highest red level of a display's tables, which warmth does not change.
+    /// Returns the highest red level in a display's tables, which does not depend on the warmth.
     double topOf(DisplayId id);
 
     const QString& folder() const { return folder_; }

@@ -23,10 +23,10 @@ svg { background: #fff; font: 12px system-ui, sans-serif; }
 table { border-collapse: collapse; } td { padding: .1rem 1rem .1rem 0; }
 </style></head><body>
 <h1>A day with Nocta</h1>
-<p>Two displays, a laptop's built-in one on the left and an external one on the right, as the eye
-would see them: every picture shows the effect of the filter, the gamma tables and the backlight that
-Nocta set at that moment. The windows are the program's own. <a href="trace.jsonl">trace.jsonl</a>
-beside this page has every call that the desktop received.</p>
+<p>The pictures show two displays as the eye would see them: a laptop's built-in display on the left
+and an external display on the right. Every picture includes the effect of the filter, the gamma
+tables and the backlight at that moment. The windows are the program's own. The file
+<a href="trace.jsonl">trace.jsonl</a> lists every call that the desktop received.</p>
 )");
 
 bool write(const QString& path, const QByteArray& content) {
@@ -58,15 +58,16 @@ QString page(const Tour& tour) {
         html += sceneSection(scene);
     }
     html += plotSection("Backlight and dimming of the built-in display", tour.brightnessCurves,
-                        {"brightness, %", 0, 100, 10}, {"of 1", 0, 1, 0.25});
-    html += plotSection("The color temperature over the day", {tour.temperature},
-                        {"hour", 9, 23, 1}, {"kelvin", 2000, 7000, 1000});
-    html += plotSection("The blue ramp at five moments", tour.ramps,
-                        {"level that is sent", 0, 255, 51}, {"level that is shown", 0, 1, 0.25});
-    html += QStringLiteral("<h2>What the break timer did</h2>\n"
-                           "<p>Breaks were turned off for the evening; the reset at its end turned "
-                           "them on again.</p>\n") +
-            breakTable(tour);
+                        {"brightness, %", 0, 100, 10}, {"fraction", 0, 1, 0.25});
+    html += plotSection("Color temperature over the day", {tour.temperature}, {"hour", 9, 23, 1},
+                        {"kelvin", 2000, 7000, 1000});
+    html += plotSection("Blue gamma ramp at five moments", tour.ramps,
+                        {"level sent to the display", 0, 255, 51}, {"level shown", 0, 1, 0.25});
+    html +=
+        QStringLiteral("<h2>What the break timer did</h2>\n"
+                       "<p>Breaks were turned off for the evening. The reset at the end of the day "
+                       "turned them on again.</p>\n") +
+        breakTable(tour);
     return html + QStringLiteral("</body></html>\n");
 }
 

@@ -4,8 +4,9 @@
 
 namespace nocta {
 
-/// Writes index.html, which shows the day, and trace.jsonl, which has every call that the desktop
-/// received with its simulated time, into the tour's folder. False if one cannot be written.
+/// Writes two files into the tour's folder: index.html shows the day, and trace.jsonl lists every
+/// call that the desktop received, with its simulated time. Returns false if a file cannot be
+/// written.
 bool writeTour(const Tour& tour);
 
 } // namespace nocta

@@ -43,7 +43,7 @@ void paintSky(QPainter& painter, const QRectF& area) {
     painter.fillRect(area, glow);
 }
 
-/// Paints a sum of waves, each half as long and half as high as the one before.
+/// Paints a sum of waves. Each wave is half as long and half as high as the previous wave.
 void paintRidge(QPainter& painter, const QRectF& area, const Ridge& ridge,
                 std::minstd_rand& random) {
     constexpr int waves = 7;

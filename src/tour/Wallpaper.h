@@ -5,8 +5,8 @@
 
 namespace nocta {
 
-/// A landscape with the colors and the grain of a photograph, the same in every run. The format is
-/// RGB32.
+/// Paints a landscape with the colors and the grain of a photograph, which is the same in every
+/// run. Returns a picture in the format RGB32.
 QImage paintWallpaper(const QSize& size);
 
 } // namespace nocta

@@ -1,5 +1,5 @@
-// nocta-tour: Nocta on a virtual desktop. With a screen it opens a window to play with. Without one
-// it simulates a day and writes pictures and a page about it.
+// nocta-tour: runs Nocta on a virtual desktop. If there is a screen, it opens a window in which you
+// can try out Nocta. Otherwise it simulates a day and writes a page with pictures of that day.
 
 #include "tour/Day.h"
 #include "tour/Playground.h"
@@ -19,7 +19,7 @@ bool hasScreen() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-/// The offscreen platform prints a warning for every window; drop it.
+/// Drops warnings, because Qt's offscreen platform prints one for every window.
 void printErrorsOnly(QtMsgType type, const QMessageLogContext& /*place*/, const QString& message) {
     if (type == QtCriticalMsg || type == QtFatalMsg) {
         std::cerr << "nocta-tour: " << message.toStdString() << std::endl;
@@ -27,12 +27,12 @@ void printErrorsOnly(QtMsgType type, const QMessageLogContext& /*place*/, const 
 }
 
 int spendADay() {
-    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1); // the same day everywhere
+    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1); // the same day on every machine
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 10));
     QApplication::setCursorFlashTime(0);
     const auto folder = QDir::current().absoluteFilePath(QStringLiteral("nocta-tour"));
-    QDir(folder).removeRecursively(); // the day before
+    QDir(folder).removeRecursively(); // the pictures of an earlier run
     if (!QDir().mkpath(folder)) {
         std::cerr << "nocta-tour: cannot make " << folder.toStdString() << std::endl;
         return EXIT_FAILURE;

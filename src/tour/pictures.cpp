@@ -1,5 +1,5 @@
-// nocta-pictures: draws the program's own views on the virtual desktop, in every look: the pictures
-// in the documents, and sheets for comparing all views.
+// nocta-pictures: draws the program's own views on the virtual desktop. It makes the pictures in
+// the documents, and sheets with all views in every look, for comparison.
 
 #include "app/SharedInstances.h"
 #include "backends/virtual/VirtualDesktop.h"
@@ -37,7 +37,7 @@ constexpr QSize onboardingSize(500, 580);
 constexpr qreal popoverRadius = 12;
 constexpr int sheetMargin = 16;
 
-/// The program on a virtual desktop, and the view to draw.
+/// The services on a virtual desktop, and the view to draw.
 struct Stage {
     VirtualDesktop desktop;
     SharedInstances instances{desktop.ports};
@@ -233,7 +233,7 @@ void paintGround(QPainter& painter, const Stage& stage) {
     }
 }
 
-/// Gives the widget the size that its window would give it: a wrapped text is taller if narrower.
+/// Resizes the widget as its window would. The height depends on the width, because text may wrap.
 void fit(QWidget& widget, const QSize& least) {
     auto size = widget.minimumSizeHint().expandedTo(widget.minimumSize()).expandedTo(least);
     if (widget.hasHeightForWidth()) {
@@ -251,7 +251,7 @@ QImage drawn(const Scene& scene, qreal scale) {
     widget.show();
     fit(widget, stage.minSize);
     if (stage.ground == Stage::Ground::desktop) {
-        stage.desktop.runLoop.advance(7s); // into the break
+        stage.desktop.runLoop.advance(7s); // so that the picture shows the middle of a break
     }
     QImage picture(widget.size() * scale, QImage::Format_ARGB32_Premultiplied);
     picture.setDevicePixelRatio(scale);
@@ -263,7 +263,7 @@ QImage drawn(const Scene& scene, qreal scale) {
     return picture;
 }
 
-/// All pictures in rows of at most four.
+/// Arranges the pictures of all scenes in rows of at most four.
 QImage sheet(const Scenes& scenes, qreal scale) {
     std::vector<QImage> pictures;
     QSize cell;
@@ -308,7 +308,7 @@ QPalette darkPalette() {
     return dark;
 }
 
-/// Two displays in the evening, with the popover open.
+/// Draws two displays in the evening, with the popover open.
 bool drawEvening(const QString& file) {
     LiveDesktop live;
     live.desktop.runLoop.setWallClock(live.desktop.runLoop.wallNow() + 10h);
@@ -321,7 +321,7 @@ bool drawEvening(const QString& file) {
     return isSaved;
 }
 
-/// The pictures that the documents show.
+/// Draws the pictures that the documents show.
 bool drawForDocuments(const QString& folder) {
     bool isComplete = drawEvening(folder + QStringLiteral("/evening.png"));
     for (const auto& scenes : {popovers(), preferences(), onboarding()}) {
@@ -366,7 +366,7 @@ int main(int argumentCount, char** arguments) {
     }
     const auto documents = QString::fromLocal8Bit(arguments[1]);
     const auto sheets = QString::fromLocal8Bit(arguments[2]);
-    setenv("TZ", "UTC0", 1); // the same pictures everywhere
+    setenv("TZ", "UTC0", 1); // the same pictures on every machine
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     const QApplication application(argumentCount, arguments);
     QDir().mkpath(sheets);

@@ -10,13 +10,14 @@
 
 namespace nocta {
 
-// Binds a view to a value that it does not own. A `Value` is anything that has `get` and
-// `subscribe`: a setting, or a published value of a service. The binding lasts as long as the view.
+// Binds a view to a value that it does not own. A `Value` is any type that has `get` and
+// `subscribe`, such as a setting or a published value of a service. The binding exists as long as
+// the view.
 //
 //     follow(*label, service.isEnabled, [label](bool on) { label->setEnabled(on); });
 //     bind(*toggle, settings.allowFullBlack);
 
-/// Calls `show` with the current value and with each new one.
+/// Calls `show` with the current value, and with each new value.
 template <class Value, class Show>
 void follow(QObject& view, Value& value, Show show) {
     class Following final : public QObject {
@@ -31,9 +32,9 @@ void follow(QObject& view, Value& value, Show show) {
     new Following(view, value.subscribe(show)); // the view owns it
 }
 
-/// Binds a control that shows a value and writes the user's changes: `show` puts the value into the
-/// control, `changed` is the signal of a change by the user, and `write` gets its argument. If a
-/// write was refused, the control shows the old value again.
+/// Binds a control that shows a value and writes the user's changes. `show` displays the value in
+/// the control. When the user changes the control, it emits the signal `changed`, and `write`
+/// receives the signal's argument. If the write is refused, the control shows the old value again.
 template <class Control, class Value, class Show, class Signal, class Write>
 void bind(Control& control, Value& value, Show show, Signal changed, Write write) {
     follow(control, value, show);
@@ -43,7 +44,7 @@ void bind(Control& control, Value& value, Show show, Signal changed, Write write
     });
 }
 
-/// Binds a toggle to a value that `write` changes, not `set`.
+/// Binds a toggle to a value that is changed by `write` instead of `set`.
 template <class Value, class Write>
 void bind(QAbstractButton& toggle, Value& value, Write write) {
     bind(

@@ -23,7 +23,8 @@ QSize BreakButtonStyle::size(const QPushButton& button) const {
             metrics.height() + 2 * (verticalPadding + focusRoom)};
 }
 
-/// Paints the whole button opaque first, so that the label becomes translucent too.
+/// Paints the whole button opaque into a pixmap first, so that the label becomes translucent
+/// together with its background.
 void BreakButtonStyle::paint(QPushButton& button) const {
     QPixmap picture((QSizeF(button.size()) * button.devicePixelRatio()).toSize());
     picture.setDevicePixelRatio(button.devicePixelRatio());

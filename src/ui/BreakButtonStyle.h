@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// The look of the two buttons on the break overlay.
+/// The appearance of the two buttons on the break overlay.
 struct BreakButtonStyle {
     /// Space around the button for its focus ring, in points.
     static constexpr int focusRoom = 5;

@@ -28,7 +28,7 @@ constexpr qreal backdropOpacity = 0.7;
 constexpr qreal textOpacity = 0.8;
 constexpr qreal hintOpacity = 0.5;
 
-constexpr int symbolSize = 60; // points; the drawing of a symbol fills five sixths of its square
+constexpr int symbolSize = 60; // points; a symbol fills five sixths of its square
 constexpr int ringSize = 100;  // diameter, measured at the middle of the line
 constexpr int ringWidth = 4;
 constexpr int ringRoom = ringWidth / 2; // for the outer half of the line
@@ -68,7 +68,7 @@ QLabel* makeLabel(const QString& text, qreal scale, QFont::Weight weight, qreal 
     return label;
 }
 
-/// If the duration is too large, the program stops with a message that names the setting.
+/// Stops the program with a message that names the setting if the duration is too large.
 std::int64_t secondsLeft(const BreakState& state, const SettingsManager& settings) {
     const FaultContext context({settings.breakDurationSeconds.origin()});
     return secondsLeft(state);
@@ -178,7 +178,7 @@ void BreakOverlayView::paintEvent(QPaintEvent* event) {
 
 void BreakOverlayView::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    setFocus(); // no button has the focus yet; Tab goes to the first one
+    setFocus(); // no button has focus yet; Tab moves to the first button
 }
 
 void BreakOverlayView::follow(const BreakState& state) {

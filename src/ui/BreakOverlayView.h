@@ -14,20 +14,20 @@
 
 namespace nocta {
 
-/// The remaining whole seconds of the break; 0 outside of a break.
+/// Returns the remaining whole seconds of the break, or 0 if no break is active.
 std::int64_t secondsLeft(const BreakState& state);
 
-/// The elapsed fraction of a break of `duration` seconds with `remaining` seconds left, in 0.0–1.0.
-/// It is 1 unless the duration is positive.
+/// Returns the elapsed fraction (0.0–1.0) of a break of `duration` seconds that has `remaining`
+/// seconds left. Returns 1 if the duration is not positive.
 double breakProgress(double remaining, double duration);
 
-/// The ring that closes during the break, with the remaining seconds in its middle. It announces
-/// them to screen readers every ten seconds.
+/// The ring that fills up during the break, with the remaining seconds in its center. It announces
+/// these to screen readers every ten seconds.
 class BreakProgressRing final : public QWidget {
 public:
     explicit BreakProgressRing(std::int64_t seconds);
 
-    /// 0.0–1.0.
+    /// In 0.0–1.0.
     double progress() const { return progress_; }
     void setProgress(double progress);
     void setSeconds(std::int64_t seconds);

@@ -24,7 +24,8 @@ double relativeLuminance(const QColor& color) {
            0.0722 * linear(color.blueF());
 }
 
-/// The lower contrast of the two backgrounds, because text is on panels as well as on the window.
+/// Returns the lower of the color's contrasts with the window and with a panel, because text
+/// appears on both.
 double minContrast(const QColor& color, const QPalette& palette) {
     return std::min(contrastRatio(color, palette.color(QPalette::Window)),
                     contrastRatio(color, panelColor(palette)));

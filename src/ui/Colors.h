@@ -7,33 +7,34 @@ namespace nocta {
 
 // The few colors that the user interface adds to the desktop's palette, light or dark.
 
-/// The contrast ratio of two opaque colors, 1 (equal) – 21 (black on white), from the Web Content
-/// Accessibility Guidelines 2.1.
+/// Returns the contrast ratio of two opaque colors, from 1 (equal) to 21 (black on white), as
+/// defined by the Web Content Accessibility Guidelines 2.1.
 double contrastRatio(const QColor& a, const QColor& b);
 
-/// The minimum contrast for text and for shapes in the same guidelines.
+/// The minimum contrasts for text and for shapes according to these guidelines.
 inline constexpr double readableContrast = 4.5;
 inline constexpr double visibleContrast = 3;
 
-/// Amber for shapes, as bright as possible with a visible contrast to the window.
+/// An amber for shapes, as bright as possible while its contrast with the window is visible.
 QColor accentColor(const QPalette& palette);
 
-/// For text on the accent color.
+/// A color for text on the accent color.
 QColor textOnAccent(const QPalette& palette);
 
-/// For less important text and symbols: just strong enough to be readable.
+/// A color for less important text and symbols, with just enough contrast to be readable.
 QColor secondaryColor(const QPalette& palette);
 
-/// A mix of the text color (`part`, 0.0–1.0) and the window color, for fills and marks.
+/// A mix of the text color and the window color, for fills and marks. `part` is the fraction of the
+/// text color (0.0–1.0).
 QColor shadeColor(const QPalette& palette, double part);
 
-/// For lines between parts of a view.
+/// A color for lines between the parts of a view.
 QColor hairlineColor(const QPalette& palette);
 
-/// For the background of a group on a window.
+/// A color for the background of a group in a window.
 QColor panelColor(const QPalette& palette);
 
-/// A mix of `over` (`part`, 0.0–1.0) and `under`.
+/// Mixes two colors. `part` is the fraction of `over` (0.0–1.0).
 QColor mixed(const QColor& under, const QColor& over, double part);
 
 } // namespace nocta

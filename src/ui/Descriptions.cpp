@@ -16,8 +16,8 @@ namespace {
 
 constexpr std::int64_t secondsOfMinute = 60;
 
-// The thresholds of the two differ on purpose: one describes a temperature, the other the position
-// of a slider.
+// `temperatures` and `warmths` have different thresholds on purpose: the first describes a
+// temperature, the second the position of a slider.
 struct Below {
     double limit;
     const char* text;

@@ -22,7 +22,7 @@ Language::Language(const QLocale& locale) {
     const auto name = QStringLiteral("nocta");
     const auto folder = QStringLiteral(":/translations");
     install(english_, QLocale(QLocale::English), name, folder);
-    install(own_, locale, name, folder); // last, because Qt searches the newest translator first
+    install(own_, locale, name, folder); // last: Qt searches the newest translator first
 }
 
 Language::~Language() {

@@ -5,8 +5,8 @@
 
 namespace nocta {
 
-/// Installs the texts of a language, the program's own and the toolkit's, while it lives. A text
-/// without a translation is shown in English.
+/// Installs the translations of the program and of the toolkit for a language, and removes them
+/// when it is destroyed. A text without a translation is shown in English.
 class Language {
 public:
     explicit Language(const QLocale& locale = QLocale());

@@ -13,15 +13,15 @@ QString missingForBrightness(SharedInstances& instances) {
 QString missingForGrayscale(SharedInstances& instances) {
     return instances.grayscaleService().isAvailable()
                ? QString()
-               : Text::tr("This desktop has no way to turn its displays gray.");
+               : Text::tr("Nocta cannot turn the displays gray on this desktop.");
 }
 
 QString missingForLocation(SharedInstances& instances) {
     switch (instances.locationService().authorizationStatus.get()) {
     case AuthorizationStatus::restricted:
-        return Text::tr("This desktop has no location service that answers.");
+        return Text::tr("No location service is available on this desktop.");
     case AuthorizationStatus::denied:
-        return Text::tr("The desktop's settings do not allow Nocta to know the location.");
+        return Text::tr("The desktop's settings do not let Nocta use your location.");
     default:
         return {};
     }
@@ -32,7 +32,7 @@ QString missingForUpdates(SharedInstances& instances) {
     case Updater::Availability::noFeed:
         return Text::tr("This build of Nocta does not know where to look for updates.");
     case Updater::Availability::packageManager:
-        return Text::tr("Updates of Nocta come with those of the system.");
+        return Text::tr("The system's package manager updates Nocta.");
     default:
         return {};
     }

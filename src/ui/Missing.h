@@ -6,9 +6,9 @@
 
 namespace nocta {
 
-// If this desktop lacks what a control needs, the control still writes its setting, and its tool
-// tip, which screen readers read too, says what is missing. These functions return that text; it is
-// empty if nothing is missing.
+// If this desktop lacks something that a control needs, the control still writes its setting. Its
+// tool tip, which screen readers also read, explains what is missing. These functions return the
+// text of the tool tip, which is empty if nothing is missing.
 
 QString missingForBrightness(SharedInstances& instances);
 QString missingForGrayscale(SharedInstances& instances);

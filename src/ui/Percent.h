@@ -4,11 +4,11 @@
 
 namespace nocta {
 
-/// A fraction as a whole percentage, truncated: 0.755 is 75.
+/// Converts a fraction to a whole percentage, truncated: 0.755 gives 75.
 std::int64_t wholePercent(double fraction);
 
-/// The smallest fraction that `wholePercent` turns into `percent`. For 29 it is slightly more than
-/// 0.29, because the double nearest to 0.29 gives 28.
+/// Returns the smallest fraction for which `wholePercent` returns `percent`. For 29 that is
+/// slightly more than 0.29, because `wholePercent` returns 28 for the double nearest to 0.29.
 double fractionOfPercent(int percent);
 
 } // namespace nocta

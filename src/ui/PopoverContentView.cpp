@@ -28,7 +28,7 @@ constexpr int rowSpacing = 8;
 constexpr int symbolSize = 18;
 constexpr int pickerWidth = 120;
 
-/// A row for a symbol and its control.
+/// Makes a row for a symbol and its control.
 QHBoxLayout* makeRow() {
     auto* const row = new QHBoxLayout;
     row->setContentsMargins(focusRingRoom, 0, 0, 0);
@@ -73,7 +73,7 @@ void PopoverContentView::addWarmth(QVBoxLayout& column) {
     auto* const caption = new Label(Text::tr("Adjusts with sunset"), TextStyle::secondary);
     auto* const slider = makeWarmthSlider(instances_);
     auto* const choice = new QStackedLayout; // both widgets use the same space
-    column.addLayout(choice); // before it gets widgets, because it shows them at once
+    column.addLayout(choice); // before adding widgets, because it shows them immediately
     choice->addWidget(caption);
     choice->addWidget(slider);
     follow(*caption, settings_.autoWarmthEnabled, [choice, caption, slider](bool isAutomatic) {

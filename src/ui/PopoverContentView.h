@@ -9,8 +9,8 @@
 
 namespace nocta {
 
-/// The content of the popover: the four everyday features, and the buttons for everything else. A
-/// new one is made each time the popover opens.
+/// The content of the popover: the four everyday features, and buttons for everything else. A new
+/// view is created each time the popover opens.
 class PopoverContentView final : public QWidget {
 public:
     PopoverContentView(SharedInstances& instances, std::function<void()> showPreferences);

@@ -9,9 +9,10 @@
 
 namespace nocta {
 
-// Controls that several views use, each bound to its setting. The caller owns them.
+// Functions that make the controls that several views use, each bound to its setting. The caller
+// owns the controls.
 
-/// The name, the brightness as a whole percentage, and the slider below them.
+/// Makes a label, the brightness as a whole percentage, and the slider below them.
 QWidget* makeBrightnessField(SharedInstances& instances);
 
 WarmthSlider* makeWarmthSlider(SharedInstances& instances);
@@ -23,10 +24,10 @@ Switch* makeGrayscaleToggle(const QString& text, SharedInstances& instances);
 
 Switch* makeLaunchAtLoginToggle(const QString& text, LaunchAtLoginService& service);
 
-/// Makes the button check for updates.
+/// Makes the button start a check for updates.
 void bindToUpdateCheck(QAbstractButton& button, SharedInstances& instances);
 
-/// A row with a name and, at the other end, a fraction as a whole percentage.
+/// Makes a row with a name at one end and a fraction as a whole percentage at the other end.
 QWidget* makeLevelHeading(const QString& name, const char* identifier, Setting<double>& setting);
 
 } // namespace nocta

@@ -15,7 +15,7 @@ namespace nocta {
 namespace {
 constexpr std::array offeredPercents = {100, 75, 50, 25, 0};
 
-/// A group in which at most one item is checked.
+/// Makes a group in which at most one item is checked.
 QActionGroup* makeChoices(QMenu& menu) {
     auto* const choices = new QActionGroup(&menu);
     choices->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);

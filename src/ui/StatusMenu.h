@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// The controls of the popover as a menu of the status item, for panels that cannot have a popover
-/// beside them.
+/// Shows the controls of the popover as a menu of the status item, for desktop panels that cannot
+/// show a popover.
 class StatusMenu final : public QMenu {
 public:
     StatusMenu(SharedInstances& instances, std::function<void()> showPreferences);

@@ -7,9 +7,9 @@
 
 namespace nocta {
 
-/// The texts on screen. `Text::tr` translates the texts of the views; `Text::of` translates English
-/// texts from services and ports up to ": ", after which the details are shown as they are. Both use
-/// one context, so that each language is one file.
+/// Translates the texts on screen. `Text::tr` translates the texts of the views. `Text::of`
+/// translates English texts from services and ports up to ": "; the details after it are not
+/// translated. Both functions use one context, so that each language needs only one file.
 ///
 ///     new Label(Text::tr("Warmth"));
 ///     new Label(Text::of(profile.name));

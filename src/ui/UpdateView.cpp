@@ -76,7 +76,7 @@ void UpdateView::build(const UpdateCheckInProgress& /*check*/) {
 
 void UpdateView::build(const UpdateNotFound& /*result*/) {
     showTexts(Text::tr("Nocta is up to date"),
-              Text::tr("There is nothing newer than version %1 for this system.")
+              Text::tr("No version newer than %1 is available for this system.")
                   .arg(shown(bundle_.shortVersionString)));
     answers_->addStretch();
     addAnswer(Text::tr("OK"), "dismissButton", &Updater::dismiss);
@@ -88,7 +88,7 @@ void UpdateView::build(const UpdateFound& found) {
     if (!found.releaseNotes.empty()) {
         auto* const notes = new QPlainTextEdit(shown(found.releaseNotes));
         notes->setObjectName(QStringLiteral("releaseNotes"));
-        notes->setAccessibleName(Text::tr("What is new"));
+        notes->setAccessibleName(Text::tr("What's new"));
         notes->setReadOnly(true);
         notes->setTabChangesFocus(true);
         notes->setFixedHeight(notesHeight);
@@ -115,7 +115,7 @@ void UpdateView::build(const UpdateDownload& download) {
 }
 
 void UpdateView::build(const UpdateHandedOver& update) {
-    showTexts(Text::tr("Nocta %1 is with the installer").arg(shown(update.version)),
+    showTexts(Text::tr("Nocta %1 is open in the installer").arg(shown(update.version)),
               Text::tr("Quit Nocta and start it again once it is installed."));
     answers_->addStretch();
     addAnswer(Text::tr("OK"), "dismissButton", &Updater::dismiss);

@@ -12,7 +12,7 @@
 
 namespace nocta {
 
-/// Shows the current stage of the updater and takes the user's answers.
+/// Shows the current stage of the updater and passes the user's answers to it.
 class UpdateView final : public QWidget {
 public:
     explicit UpdateView(Desktop& desktop);

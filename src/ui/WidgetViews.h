@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// Makes the views as Qt widgets, in the user's language.
+/// Creates the views as Qt widgets, in the user's language.
 class WidgetViews final : public Views {
 public:
     explicit WidgetViews(SharedInstances& instances) : instances_(instances) {}

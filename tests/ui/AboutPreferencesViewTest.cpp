@@ -64,7 +64,7 @@ TEST_F(AboutPreferencesViewTest, ReasonWhyItCannotCheckIsShown) {
          {std::pair{Updater::Availability::noFeed,
                     "This build of Nocta does not know where to look for updates."},
           std::pair{Updater::Availability::packageManager,
-                    "Updates of Nocta come with those of the system."}}) {
+                    "The system's package manager updates Nocta."}}) {
         desktop.updater.present = availability;
         openAbout();
         EXPECT_EQ(check().toolTip(), reason);

@@ -200,9 +200,9 @@ TEST_F(PreferencesViewTest, ToolTipSaysWhatTheDesktopLacks) {
     EXPECT_EQ(button("locationToggle").toolTip(), "");
     const auto shown = [&] { return button("locationToggle").toolTip(); };
     desktop.location.answer(AuthorizationStatus::restricted);
-    EXPECT_EQ(shown(), "This desktop has no location service that answers.");
+    EXPECT_EQ(shown(), "No location service is available on this desktop.");
     desktop.location.answer(AuthorizationStatus::denied);
-    EXPECT_EQ(shown(), "The desktop's settings do not allow Nocta to know the location.");
+    EXPECT_EQ(shown(), "The desktop's settings do not let Nocta use your location.");
     desktop.location.answer(AuthorizationStatus::authorized);
     EXPECT_EQ(shown(), "");
 }

@@ -73,14 +73,14 @@ TEST_F(UpdateViewTest, OutcomesAreShown) {
     EXPECT_EQ(buttons(), QStringList("Cancel"));
     openAt(UpdateNotFound{});
     EXPECT_TRUE(shows("Nocta is up to date"));
-    EXPECT_TRUE(shows("There is nothing newer than version 1.2.3 for this system."));
+    EXPECT_TRUE(shows("No version newer than 1.2.3 is available for this system."));
     openAt(UpdaterError{"The file is <i>not</i> signed"});
     EXPECT_TRUE(shows("Nocta could not check for updates"));
     EXPECT_TRUE(shows("The file is <i>not</i> signed"));
     openAt(UpdaterError{.description = "The file is not signed", .version = "1.3"});
     EXPECT_TRUE(shows("Nocta 1.3 could not be installed"));
     openAt(UpdateHandedOver{"1.3"});
-    EXPECT_TRUE(shows("Nocta 1.3 is with the installer"));
+    EXPECT_TRUE(shows("Nocta 1.3 is open in the installer"));
     click("OK");
     EXPECT_EQ(calls(), std::vector<std::string>{"dismiss"});
 }

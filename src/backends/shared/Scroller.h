@@ -9,14 +9,14 @@
 
 namespace nocta {
 
-/// Gives its content all the space that it needs, if the screen has it; otherwise it scrolls. It
-/// fills a window with a title bar, which owns it. Someone else owns the content and destroys it
-/// first.
+/// Gives its content as much space as it needs. If the screen is too small for that, it scrolls. It
+/// fills a window with a title bar, which owns it. The window does not own the content, which is
+/// destroyed first.
 class Scroller final : public QScrollArea {
 public:
     explicit Scroller(QWidget& content) {
         setFrameShape(QFrame::NoFrame);
-        setFocusPolicy(Qt::NoFocus); // it scrolls to the focused control instead
+        setFocusPolicy(Qt::NoFocus); // the controls get focus; it scrolls to the focused one
         setWidgetResizable(true);
         setWidget(&content);
         viewport()->setAutoFillBackground(false);
@@ -46,7 +46,7 @@ protected:
     }
 
 private:
-    /// What a desktop may draw around a window, in points.
+    /// The space that a desktop may need for the frame of a window, in points.
     static constexpr QSize frameRoom{16, 48};
 };
 

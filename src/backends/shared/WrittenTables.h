@@ -9,9 +9,10 @@
 
 namespace nocta {
 
-/// The tables that were last written to each display, for a gamma output whose system loses them,
-/// for example while the machine sleeps. It is a member of the output, which reports every write,
-/// every change of the displays and the end to it. It decides which tables are sent again.
+/// Keeps the tables that were last written to each display, for a gamma output whose operating
+/// system loses them, for example while the machine sleeps. It is a member of the output. The
+/// output calls it after every write, whenever the displays change, and when the screen is
+/// restored. It determines which tables the output must send again.
 ///
 ///     written_.keep(display, red, green, blue);          // after a write that succeeded
 ///     written_.keepOnly(onlineDisplays());               // after the displays have changed
@@ -27,19 +28,20 @@ public:
                                                  {blue.begin(), blue.end()}});
     }
 
-    /// Forgets the tables of every other display: one that was unplugged or switched off gets new
-    /// tables with the next write after it comes back.
+    /// Removes the tables of all other displays. A display that was unplugged or switched off gets
+    /// new tables at the first write after it is connected again.
     void keepOnly(std::span<const DisplayId> displays) {
         std::erase_if(tables_, [displays](const auto& entry) {
             return std::ranges::find(displays, entry.first) == displays.end();
         });
     }
 
-    /// Forgets all tables, so that nothing is sent again after the screen was given back.
+    /// Removes all tables, so that the output does not send them again after it has restored the
+    /// screen.
     void clear() { tables_.clear(); }
 
     /// Calls `send(display, red, green, blue)` for every display that has tables. `send` must not
-    /// change these.
+    /// change the tables.
     template <class Send>
     void forEach(Send send) const {
         for (const auto& [display, tables] : tables_) {

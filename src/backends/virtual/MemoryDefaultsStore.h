@@ -10,7 +10,8 @@ class MemoryDefaultsStore final : public DefaultsStore {
 public:
     explicit MemoryDefaultsStore(Trace& trace) : trace_(trace) {}
 
-    /// What is stored. Tests read and prepare it here; writes to it are not traced.
+    /// The stored values. Tests read and prepare them here; direct writes to the table are not
+    /// traced.
     DefaultsTable table;
 
     void registerDefaults(const DefaultsMap& defaults) override;

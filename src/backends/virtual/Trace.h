@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// Every call that the virtual desktop received, in order, each as one line of text with its
+/// Records every call to the virtual desktop, in order. Each entry is one line of text with the
 /// simulated time.
 class Trace {
 public:
@@ -23,7 +23,7 @@ public:
 
     const std::vector<Entry>& entries() const { return entries_; }
 
-    /// The calls that begin with `prefix`, without the times.
+    /// Returns the calls that begin with `prefix`, without their times.
     std::vector<std::string> calls(std::string_view prefix = "") const {
         std::vector<std::string> found;
         for (const auto& entry : entries_) {

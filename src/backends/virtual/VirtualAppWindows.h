@@ -13,7 +13,7 @@ class VirtualAppWindows final : public AppWindows {
 public:
     explicit VirtualAppWindows(Trace& trace) : trace_(trace) {}
 
-    /// A window of the program, as a person sees it.
+    /// A window of the program, as the user sees it.
     struct Shown {
         std::string title;
         Style style;
@@ -21,13 +21,13 @@ public:
         bool isOnScreen = false;
     };
 
-    // What a person does and sees.
+    // For tests: what the user does and sees.
     std::vector<Shown> windows() const;
     bool isOnScreen(std::string_view title) const;
-    /// Presses the close button of the title bar.
+    /// Clicks the close button in the title bar.
     void close(std::string_view title);
 
-    // What the program does.
+    // For the program: the functions of the port.
     std::unique_ptr<AppWindow> makeWindow(const Style& style, std::unique_ptr<View> content,
                                           std::function<void()> onClose) override;
 

@@ -21,8 +21,8 @@
 
 namespace nocta {
 
-/// A whole desktop in memory. A test acts on its parts as a person does (plugs in a display,
-/// presses a key, lets time pass) and checks them; the program sees only the ports.
+/// A whole desktop in memory. A test controls its parts as a user would (it plugs in a display,
+/// presses a key, lets time pass) and checks them. The program sees only the ports.
 ///
 ///     VirtualDesktop desktop;
 ///     desktop.displays.plug({.id = 1, .isBuiltIn = true, .isMain = true});

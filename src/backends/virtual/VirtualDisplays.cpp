@@ -32,7 +32,7 @@ void append(std::string& text, Number number) {
     text.append(digits.data(), end);
 }
 
-/// The words of a traced call with spaces between them; fractions have four digits.
+/// Joins the words of a traced call with spaces. Fractions have four decimals.
 template <class... Words>
 std::string line(const Words&... words) {
     std::string text;

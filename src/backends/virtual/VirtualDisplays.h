@@ -13,8 +13,8 @@
 
 namespace nocta {
 
-/// Displays in memory, with their transfer tables and the backlight of the built-in ones. They can
-/// be plugged in and unplugged at run time, and every operation can be made to fail.
+/// Displays in memory, with their transfer tables and the backlight of the built-in ones. A test
+/// can plug and unplug displays at run time and make every operation fail.
 class VirtualDisplays final : public Displays, public GammaOutput, public Backlight {
 public:
     struct Display {
@@ -25,7 +25,7 @@ public:
         Rect bounds{0, 0, 1920, 1080};
         float backlight = 1.0F;
         bool gammaFails = false;
-        /// Empty while the factory tables are in effect.
+        /// These tables are empty while the factory tables are in effect.
         std::vector<float> red{};
         std::vector<float> green{};
         std::vector<float> blue{};
@@ -34,7 +34,7 @@ public:
     VirtualDisplays(Trace& trace, NotificationCenter& notificationCenter)
         : trace_(trace), notificationCenter_(notificationCenter) {}
 
-    // What a person does.
+    // For tests: what the user does.
     void plug(Display display);
     void unplug(DisplayId id);
     Display& display(DisplayId id);
@@ -44,7 +44,7 @@ public:
     bool backlightReadFails = false;
     bool backlightWriteFails = false;
 
-    // What the program does.
+    // For the program: the functions of the port.
     Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) override;
     Rect displayBounds(DisplayId display) override;
     bool displayIsMain(DisplayId display) override;

@@ -9,18 +9,18 @@
 
 namespace nocta {
 
-/// The screen's filter, in memory, and the library that makes a change of it take effect.
+/// The screen's filter, in memory, and the library that makes a change to the filter take effect.
 class VirtualFilter final : public DisplayFilter, public DynamicLibraries {
 public:
     explicit VirtualFilter(Trace& trace) : trace_(trace) {}
 
-    // What the system has, and what a person sees.
+    // For tests: what the system has, and what the user sees.
     bool hasLibrary = true;
     bool hasEntryPoint = true;
     std::int32_t type = 0;
     bool isOn = false;
 
-    // What the program does.
+    // For the program: the functions of the port.
     Handle open(std::string_view path) override {
         trace_.record("open " + std::string(path));
         return hasLibrary ? 1 : 0;

@@ -6,13 +6,13 @@
 
 namespace nocta {
 
-/// A keyboard in memory. A brightness key sends the events of a real one: a system-defined event to
-/// the global monitors, then a key-down event to the taps.
+/// A keyboard in memory. A brightness key sends the same events as on a real keyboard: a
+/// system-defined event to the global monitors, and then a key-down event to the taps.
 class VirtualKeyboard final : public KeyEvents {
 public:
     explicit VirtualKeyboard(Trace& trace) : trace_(trace) {}
 
-    // What a person does.
+    // For tests: what the user does.
     void pressBrightnessUp() { pressBrightnessKey(brightnessUpKeyCode); }
     void pressBrightnessDown() { pressBrightnessKey(brightnessDownKeyCode); }
     void pressKey(std::int64_t keyCode) { taps_.call(KeyDownEvent{keyCode}); }
@@ -20,7 +20,7 @@ public:
     bool monitorIsRefused = false;
     bool tapIsRefused = false;
 
-    // What the program does.
+    // For the program: the functions of the port.
     Subscription addGlobalMonitorForSystemDefinedEvents(
         std::function<void(const SystemDefinedEvent&)> handler) override {
         trace_.record("addGlobalMonitorForSystemDefinedEvents");

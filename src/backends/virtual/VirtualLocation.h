@@ -10,19 +10,19 @@
 
 namespace nocta {
 
-/// A location service in memory. A test answers for the person and sends locations.
+/// A location service in memory. A test answers for the user and sends locations.
 class VirtualLocation final : public LocationManager {
 public:
     VirtualLocation(Trace& trace, RunLoop& runLoop)
         : trace_(trace), report_(runLoop, [this] { report(); }) {}
 
-    // What a person and the world do.
+    // For tests: what the user and the location service do.
     void answer(AuthorizationStatus status) {
         status_ = status;
         isAsking = false;
         report();
     }
-    /// These reach the program only while it may know them and has started updates.
+    /// The locations reach the program only if it is authorized and has started updates.
     void send(std::span<const Location> locations) {
         if (delegate_ != nullptr && isUpdating && status_ == AuthorizationStatus::authorized) {
             delegate_->didUpdateLocations(locations);
@@ -37,7 +37,7 @@ public:
     bool isAsking = false;
     bool isUpdating = false;
 
-    // What the program does.
+    // For the program: the functions of the port.
     void setDelegate(LocationManagerDelegate* delegate) override {
         trace_.record("setLocationDelegate");
         delegate_ = delegate;

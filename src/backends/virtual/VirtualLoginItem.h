@@ -13,7 +13,7 @@ class VirtualLoginItem final : public LoginItem {
 public:
     explicit VirtualLoginItem(Trace& trace) : trace_(trace) {}
 
-    /// The present status. A person may change it in the desktop's settings.
+    /// The current status. The user may change it in the desktop's settings.
     Status present = Status::notRegistered;
     /// If set, every change fails with this error.
     std::optional<std::string> error;

@@ -13,22 +13,23 @@
 
 namespace nocta {
 
-/// A notification center in memory. It keeps what was shown, and a test presses the buttons.
+/// A notification center in memory. It keeps the notifications that were shown, and a test clicks
+/// their buttons.
 class VirtualNotifications final : public UserNotificationCenter {
 public:
     VirtualNotifications(Trace& trace, RunLoop& runLoop) : trace_(trace), runLoop_(runLoop) {}
 
-    // What the system has, and what a person does and sees.
+    // For tests: what the system has, and what the user does and sees.
     bool isGranted = true;
     std::optional<std::string> error;
     std::vector<UserNotificationCategory> categories;
     struct Shown {
         UserNotification notification;
         std::uint32_t presentation = 0;
-        bool isAnswered = false; ///< and therefore gone
+        bool isAnswered = false; ///< then it is no longer on screen
     };
     std::vector<Shown> shown;
-    /// Presses a button of a notification. Returns whether the program has called the completion
+    /// Clicks a button of a notification. Returns whether the program called the completion
     /// handler.
     bool choose(std::size_t index, const std::string& actionIdentifier) {
         bool isDone = false;
@@ -38,7 +39,7 @@ public:
         return isDone;
     }
 
-    // What the program does.
+    // For the program: the functions of the port.
     void requestAuthorization(std::uint32_t options,
                               AuthorizationHandler completionHandler) override {
         trace_.record("requestAuthorization " + std::to_string(options));

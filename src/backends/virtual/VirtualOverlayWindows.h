@@ -19,7 +19,7 @@ public:
     VirtualOverlayWindows(Trace& trace, RunLoop& runLoop, const VirtualDisplays& displays)
         : trace_(trace), runLoop_(runLoop), displays_(displays) {}
 
-    /// A window of the program, as a person sees it.
+    /// A window of the program, as the user sees it.
     struct Shown {
         Screen screen;
         Style style;
@@ -28,15 +28,15 @@ public:
         bool isOnScreen = false;
     };
 
-    // What a person does and sees.
+    // For tests: what the user does and sees.
     std::vector<Shown> windows() const;
-    /// The screen whose window has the keyboard; none if no window of the program has it.
+    /// The screen whose window has keyboard focus; none if no window of the program has focus.
     std::optional<std::uint64_t> keyScreen;
-    /// Presses a key. Returns whether the window with the keyboard gets it: no monitor swallows it,
-    /// and it is not part of typing that began before the first window appeared.
+    /// Presses a key. Returns whether the focused window gets the event. It does not get it if a
+    /// monitor swallows it, or if the user has been typing since before the first window appeared.
     bool press(std::int64_t keyCode);
 
-    // What the program does.
+    // For the program: the functions of the port.
     std::vector<Screen> screens() override;
     std::unique_ptr<OverlayWindow> makeWindow(const Screen& screen, const Style& style,
                                               std::unique_ptr<View> content) override;
@@ -56,7 +56,7 @@ private:
     const VirtualDisplays& displays_;
     std::list<Window*> windows_;
     Typing typing_;
-    std::optional<MonotonicTime> shownSince_; ///< while one is on screen
+    std::optional<MonotonicTime> shownSince_; ///< none if no window is on screen
     CallbackList<Press> monitors_;
 };
 

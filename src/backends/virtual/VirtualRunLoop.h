@@ -9,10 +9,10 @@
 
 namespace nocta {
 
-/// A run loop whose time stands still until a test advances it, so that a simulated day takes
+/// A run loop with virtual time, which passes only when a test advances it. A simulated day takes
 /// milliseconds and is the same every time. Timers fire in order of deadline; timers with equal
-/// deadlines fire in order of scheduling. Both clocks start at instants other than zero, to expose
-/// code that takes zero for "unset".
+/// deadlines fire in order of scheduling. Neither clock starts at zero, to expose code that treats
+/// zero as "unset".
 class VirtualRunLoop final : public RunLoop {
 public:
     WallTime wallNow() const override { return wall_; }
@@ -21,18 +21,18 @@ public:
     void cancel(TimerId timer) override;
     void post(std::function<void()> action) override;
 
-    /// Moves both clocks from deadline to deadline and runs what becomes due. With zero, it runs
-    /// what has been posted and what is due now.
+    /// Advances both clocks from deadline to deadline and runs the timers that become due. If
+    /// `duration` is zero, runs the posted actions and the timers that are due now.
     void advance(Duration duration);
 
-    /// The machine sleeps: the wall clock continues, and the timers stop.
+    /// Puts the machine to sleep: the wall clock continues, and the timers stop.
     void suspend(Duration duration) { wall_ += duration; }
 
-    /// The user or the network sets the wall clock.
+    /// Sets the wall clock, as the user or the network does.
     void setWallClock(WallTime now) { wall_ = now; }
 
-    /// Ends the loop like the end of a process: everything pending is dropped, and nothing fires
-    /// until it is started again.
+    /// Stops the loop as if the process had ended: drops everything that is pending, and runs
+    /// nothing until `start` is called.
     void stop();
     void start() { stopped_ = false; }
 

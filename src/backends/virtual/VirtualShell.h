@@ -12,19 +12,19 @@
 
 namespace nocta {
 
-/// A status bar with space for one item.
+/// A status bar with room for one item.
 class VirtualStatusBar final : public StatusBar {
 public:
     explicit VirtualStatusBar(Trace& trace) : trace_(trace) {}
 
-    // What a person does and sees.
+    // For tests: what the user does and sees.
     void click();
     bool hasItem() const { return item_ != nullptr; }
     std::string symbolName() const;
     std::string accessibilityDescription() const;
     bool isFull = false;
 
-    // What the program does.
+    // For the program: the functions of the port.
     std::unique_ptr<StatusItem> statusItem() override;
 
 private:
@@ -38,7 +38,7 @@ class VirtualPopover final : public Popover {
 public:
     explicit VirtualPopover(Trace& trace) : trace_(trace) {}
 
-    /// The person clicks elsewhere: a transient popover closes.
+    /// Clicks outside the popover, which closes it if it is transient.
     void clickElsewhere();
 
     View* contentView() const { return view_.get(); }
@@ -58,13 +58,13 @@ private:
     std::unique_ptr<View> view_;
 };
 
-/// A process under a test's control: `run` launches the program, calls `session` and ends the
+/// A process that a test controls: `run` launches the program, calls `session` and terminates the
 /// program.
 class VirtualApplication final : public Application {
 public:
     VirtualApplication(Trace& trace, VirtualRunLoop& runLoop) : trace_(trace), runLoop_(runLoop) {}
 
-    /// What a person does between launch and quit.
+    /// What the user does between launch and quit.
     std::function<void()> session;
 
     void launch(ApplicationDelegate& delegate);

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// An updater whose stages are set by a test.
+/// An updater whose stages a test sets.
 class VirtualUpdater final : public Updater {
 public:
     explicit VirtualUpdater(Trace& trace) : trace_(trace) {}
@@ -17,7 +17,7 @@ public:
     Availability present = Availability::available;
     bool checksAutomatically = false;
     bool downloadsAutomatically = false;
-    DidFinishUpdateCycle didFinishUpdateCycle; ///< set once it was started
+    DidFinishUpdateCycle didFinishUpdateCycle; ///< set by `startUpdater`
 
     Availability availability() const override { return present; }
     std::optional<std::string> startUpdater(DidFinishUpdateCycle didFinish) override {

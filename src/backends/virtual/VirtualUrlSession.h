@@ -10,15 +10,15 @@
 
 namespace nocta {
 
-/// A network in memory. A request waits until a test answers it.
+/// A network in memory. A request stays pending until a test answers it.
 class VirtualUrlSession final : public UrlSession {
 public:
     explicit VirtualUrlSession(Trace& trace) : trace_(trace) {}
 
-    /// The last request that waits for an answer; null if none does. The other functions are about
-    /// this one.
+    /// Returns the last pending request, or null if there is none. `send` and `answer` apply to
+    /// this request.
     const UrlRequest* waiting() const { return tasks_.empty() ? nullptr : &tasks_.back()->request; }
-    /// A piece of the body, before the answer is complete.
+    /// Delivers a piece of the body before the response is complete.
     void send(std::string_view data) const {
         if (const auto task = tasks_.back(); task->didReceiveData) {
             task->didReceiveData(data);
@@ -47,7 +47,7 @@ private:
     };
 
     Trace& trace_;
-    std::vector<std::shared_ptr<Task>> tasks_; ///< that wait for an answer
+    std::vector<std::shared_ptr<Task>> tasks_; ///< pending requests
 };
 
 } // namespace nocta

@@ -8,12 +8,13 @@
 
 namespace nocta {
 
-/// Views without a toolkit. They paint nothing, and a test can call the actions of their buttons.
+/// Makes views without a toolkit. The views paint nothing, and a test can call the actions of their
+/// buttons.
 class VirtualViews final : public Views {
 public:
     int popoversMade = 0;
-    int alive = 0;       ///< popovers and overlays that exist
-    int othersAlive = 0; ///< menus and windows that exist
+    int alive = 0;       ///< number of existing popovers and overlays
+    int othersAlive = 0; ///< number of existing menus and windows
 
     // The actions of the buttons in the last view of each kind.
     std::function<void()> showPreferences;

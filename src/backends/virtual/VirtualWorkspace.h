@@ -10,25 +10,25 @@
 
 namespace nocta {
 
-/// The applications of a session, in memory.
+/// The applications and windows of a session, in memory.
 class VirtualWorkspace final : public Workspace {
 public:
     VirtualWorkspace(Trace& trace, const VirtualDisplays& displays)
         : trace_(trace), displays_(displays) {}
 
-    // What a person does.
+    // For tests: what the user does.
     void bringToFront(std::optional<RunningApplication> application) {
         if (application != frontmost) {
             frontmost = std::move(application);
             activated_.call(frontmost);
         }
     }
-    /// Assign it to change the application without a notification, as some desktops do.
+    /// Assign a value to change the application without notifying anyone, as some desktops do.
     std::optional<RunningApplication> frontmost;
     std::optional<std::vector<WindowInfo>> windows = std::vector<WindowInfo>{};
     bool reducesMotion = false;
 
-    // What the program does.
+    // For the program: the functions of the port.
     Subscription observeDidActivateApplication(
         std::function<void(const std::optional<RunningApplication>&)> callback) override {
         trace_.record("observeDidActivateApplication");

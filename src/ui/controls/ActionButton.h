@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// A button for an action. A prominent one is for the action that most people want next.
+/// A button for an action. A prominent button is for the action that most users want next.
 class ActionButton final : public Button {
 public:
     enum class Rank { normal, prominent };

@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// A push button that Enter also presses, in any window.
+/// A push button that the Enter key also presses, in any window.
 class Button : public QPushButton {
 public:
     using QPushButton::QPushButton;

@@ -7,7 +7,7 @@ namespace nocta {
 /// A button that shows and hides its content.
 class DisclosureButton final : public QAbstractButton {
 public:
-    /// `content` is hidden at first.
+    /// `content` is initially hidden.
     DisclosureButton(const QString& text, QWidget& content);
 
     QSize sizeHint() const override;

@@ -11,16 +11,16 @@ public:
     explicit FormSection(const QString& title);
 
     void add(QWidget* row);
-    /// A small explanation under the previous row.
+    /// Adds a small explanation below the previous row.
     void addNote(const QString& text);
-    /// A name and its value, at the two ends of a row.
+    /// Adds a row with a name at one end and its value at the other end.
     void addRow(const QString& name, QWidget* value);
 
 private:
     QVBoxLayout* rows_;
 };
 
-/// A page of sections, from top to bottom.
+/// A page that shows sections from top to bottom.
 class FormPage : public QWidget {
 protected:
     FormPage();

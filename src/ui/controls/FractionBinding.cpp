@@ -14,7 +14,7 @@ void bindFraction(QSlider& slider, Setting<double>& fraction) {
     bind(
         slider, fraction,
         [&slider, &fraction](double value) {
-            QSignalBlocker const quiet(slider); // showing a value must not write it
+            QSignalBlocker const quiet(slider); // showing a value must not write the setting
             const FaultContext context({fraction.origin()});
             const auto percent = wholePercent(value);
             slider.setValue(static_cast<int>(

@@ -6,9 +6,9 @@
 
 namespace nocta {
 
-/// Binds a slider in whole percent to a fraction and writes at each step. A fraction between two
-/// steps is shown at the lower one, and one outside of the slider's range at the nearest end. It
-/// does not change until the user moves the slider.
+/// Binds a slider in whole percent to a fraction and writes the fraction at each step. The slider
+/// shows a fraction between two steps at the lower step, and a fraction outside its range at the
+/// nearest end. The fraction does not change until the user moves the slider.
 void bindFraction(QSlider& slider, Setting<double>& fraction);
 
 } // namespace nocta

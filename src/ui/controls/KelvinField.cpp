@@ -22,11 +22,11 @@ KelvinField::KelvinField(const QString& name, Setting<std::int64_t>& setting) {
     setSuffix(Text::tr(" K"));
     setSingleStep(step);
     setCorrectionMode(QAbstractSpinBox::CorrectToNearestValue);
-    setKeyboardTracking(false); // ignore a number that is not complete
+    setKeyboardTracking(false); // ignore the number while the user is typing it
     bind(
         *this, setting,
         [this](std::int64_t kelvin) {
-            QSignalBlocker const quiet(this); // showing a value must not write it
+            QSignalBlocker const quiet(this); // showing a value must not write the setting
             const auto shown = countOf(kelvin);
             setRange(std::min(lowest, shown), std::max(highest, shown));
             setValue(shown);

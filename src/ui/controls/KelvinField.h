@@ -8,14 +8,15 @@
 
 namespace nocta {
 
-/// A color temperature as a number, to type or to change in steps of 100 K, within the range of the
-/// displays. A stored value outside of that range is shown as it is.
+/// A field for a color temperature, which the user can type or change in steps of 100 K, within the
+/// range that the displays support. A stored value outside that range is shown unchanged.
 class KelvinField final : public QSpinBox {
 public:
     KelvinField(const QString& name, Setting<std::int64_t>& setting);
 
 protected:
-    /// Ignores the wheel, so that scrolling the page does not change the value.
+    /// Ignores the wheel unless the field has focus, so that scrolling the page does not change the
+    /// value.
     void wheelEvent(QWheelEvent* event) override;
 };
 

@@ -35,7 +35,7 @@ constexpr std::array looks = {
 
 Label::Label(const QString& text, TextStyle style) : QLabel(text), style_(style) {
     setTextFormat(Qt::PlainText);
-    setForegroundRole(QPalette::WindowText); // on a button the role would be different
+    setForegroundRole(QPalette::WindowText); // a label on a button would have another role
     setWordWrap(looks.at(static_cast<std::size_t>(style)).isWrapped);
     setContentsMargins(focusRingRoom, 0, focusRingRoom, 0); // aligned with ringed controls
     updateStyle();
@@ -50,7 +50,7 @@ void Label::changeEvent(QEvent* event) {
 
 void Label::updateStyle() {
     if (std::exchange(isUpdating_, true)) {
-        return; // this function made the change
+        return; // this function caused the change
     }
     const auto& look = looks.at(static_cast<std::size_t>(style_));
     auto font = QApplication::font();

@@ -11,8 +11,8 @@
 
 namespace nocta {
 
-/// A list of numbers to choose from, bound to a setting. If the setting has a number that is not in
-/// the list, that number is shown at its place in the list while the setting has it.
+/// A list of numbers to choose from, bound to a setting. If the setting's value is not in the list,
+/// the picker adds the value in order, and removes it when the setting has another value.
 class NumberPicker final : public QComboBox {
 public:
     NumberPicker(const QString& name, Setting<std::int64_t>& setting,
@@ -27,7 +27,7 @@ private:
     void insert(int index, std::int64_t number);
 
     std::function<QString(std::int64_t)> label_;
-    int unlistedIndex_ = -1; ///< of the number that is not in the list; -1 if there is none
+    int unlistedIndex_ = -1; ///< index of the added number; -1 if there is none
 };
 
 } // namespace nocta

@@ -24,7 +24,7 @@ void ProgressBar::changeEvent(QEvent* event) {
 
 void ProgressBar::updateColors() {
     if (std::exchange(isUpdating_, true)) {
-        return; // this function made the change
+        return; // this function caused the change
     }
     setPalette({}); // the palette of the window
     auto colors = palette();

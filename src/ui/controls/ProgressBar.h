@@ -4,8 +4,8 @@
 
 namespace nocta {
 
-/// A progress bar. It is indeterminate until it has a range and a value. Screen readers read its
-/// name.
+/// A progress bar, which is indeterminate until it has a range and a value. `name` is for screen
+/// readers.
 class ProgressBar final : public QProgressBar {
 public:
     explicit ProgressBar(const QString& name);

@@ -25,7 +25,7 @@ public:
         : QRadioButton(look.symbol.isEmpty() ? look.text : QString()), symbol_(look.symbol) {
         setAccessibleName(look.text);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        // Tab goes to the selected segment, the arrows to the others.
+        // Tab moves to the selected segment, and the arrow keys to the other segments.
         setFocusPolicy(Qt::ClickFocus);
         connect(this, &QAbstractButton::toggled, this,
                 [this](bool on) { setFocusPolicy(on ? Qt::StrongFocus : Qt::ClickFocus); });

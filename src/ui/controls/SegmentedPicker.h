@@ -11,7 +11,7 @@
 
 namespace nocta {
 
-/// The content of a segment: a text, or the symbol of that name with the text for screen readers.
+/// The content of a segment: either a text, or the name of a symbol and a text for screen readers.
 struct SegmentLook {
     QString text;
     QString symbol{};
@@ -33,7 +33,8 @@ private:
     QButtonGroup segments_;
 };
 
-/// Binds the picker to a setting. `values` has the value of each segment, in their order.
+/// Binds the picker to a setting. `values` has the value of each segment, in the same order as the
+/// segments.
 template <class Setting, class T>
 void bind(SegmentedPicker& picker, Setting& setting, std::vector<T> values) {
     follow(picker, setting, [&picker, values](const T& value) {

@@ -4,9 +4,9 @@
 
 namespace nocta {
 
-/// A horizontal slider in whole percent with a knob on a track, which a subclass paints. A press
-/// anywhere on it moves the knob there; the arrows move it by 1 %, the page keys by 10 %, and the
-/// wheel by 1 % per line.
+/// A horizontal slider in whole percent with a knob on a track, which a subclass paints. Pressing
+/// the mouse button anywhere on the slider moves the knob there. The arrow keys move the knob by 1
+/// %, the page keys by 10 %, and the wheel by 1 % per line.
 class TrackSlider : public QSlider {
 public:
     /// `name` is for screen readers.
@@ -16,7 +16,8 @@ public:
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    /// `track` is the whole track; `knob` is the x coordinate of the knob's center.
+    /// Paints the track. `track` is the area of the whole track; `knob` is the x coordinate of the
+    /// knob's center.
     virtual void paintTrack(QPainter& painter, const QRectF& track, qreal knob) const = 0;
 
     void paintEvent(QPaintEvent* event) override;
@@ -28,7 +29,7 @@ private:
     qreal knobCenter() const;
     void moveTo(qreal x);
 
-    qreal grip_ = 0; ///< where the user grabbed the knob
+    qreal grip_ = 0; ///< where the user grabbed the knob, relative to its center
 };
 
 } // namespace nocta

@@ -5,7 +5,8 @@
 
 namespace nocta {
 
-/// A slider for a warmth of 0.0–1.0. Its track shows the color of the screen's white at each value.
+/// A slider for a warmth of 0.0–1.0. Its track shows the color that white has on screen at each
+/// value.
 class WarmthSlider final : public TrackSlider {
 public:
     WarmthSlider(const QString& name, Setting<double>& value);

@@ -48,7 +48,7 @@ OnboardingView::OnboardingView(SharedInstances& instances, std::function<void()>
     goTo(0);
 }
 
-/// Going past the last step completes the onboarding.
+/// Moving past the last step completes the onboarding.
 void OnboardingView::goTo(int step) {
     if (step == totalSteps()) {
         onComplete_();

@@ -10,8 +10,8 @@
 
 namespace nocta {
 
-/// The first launch, in four steps. Every choice takes effect at once, so leaving early loses
-/// nothing.
+/// Guides the user through the first launch in four steps. Every choice takes effect immediately,
+/// so the user loses nothing by leaving early.
 class OnboardingView final : public QWidget {
 public:
     OnboardingView(SharedInstances& instances, std::function<void()> onComplete);

@@ -9,13 +9,13 @@
 
 namespace nocta {
 
-/// The permissions that the user can give.
+/// Shows the permissions that the user can grant.
 class PermissionsStep final : public QWidget {
 public:
     explicit PermissionsStep(SharedInstances& instances);
 };
 
-/// A permission with the button that asks for it, or a check mark once it is granted.
+/// A permission, with a button to request it, or with a check mark once it has been granted.
 class PermissionRow final : public QWidget {
 public:
     PermissionRow(const QString& icon, const QString& title, const QString& description,

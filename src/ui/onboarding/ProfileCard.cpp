@@ -26,7 +26,7 @@ constexpr qreal cornerRadius = 10;
 constexpr qreal borderWidth = 1;
 constexpr qreal chosenBorderWidth = 2;
 
-/// One value of a profile beside the symbol of its kind.
+/// A value of a profile, with the symbol for that kind of value.
 struct Facet {
     QString symbol;
     QString text;

@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// The last step, with launch at login.
+/// The last step, which offers launch at login.
 class ReadyStep final : public QWidget {
 public:
     explicit ReadyStep(LaunchAtLoginService& launchService);

@@ -5,7 +5,7 @@
 
 namespace nocta {
 
-/// Makes the column of a step, with its title and the text below the title.
+/// Makes the layout of a step: a column that begins with the title and the text.
 QVBoxLayout* makeStepLayout(QWidget& step, const QString& title, const QString& text);
 
 } // namespace nocta

@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// The choice of a profile, and the settings that it changes.
+/// Lets the user choose a profile, and shows the settings that the profile changes.
 class StyleSelectionStep final : public QWidget {
 public:
     explicit StyleSelectionStep(SharedInstances& instances);

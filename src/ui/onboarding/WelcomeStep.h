@@ -4,13 +4,13 @@
 
 namespace nocta {
 
-/// What Nocta does, in three lines.
+/// Introduces Nocta's features in three rows.
 class WelcomeStep final : public QWidget {
 public:
     WelcomeStep();
 };
 
-/// A symbol, the name of a feature, and a line about it.
+/// A row with a symbol, the name of a feature, and a line about the feature.
 class FeatureRow final : public QWidget {
 public:
     FeatureRow(const QString& icon, const QString& title, const QString& description);

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int symbolSize = 16; // points
 
-/// Says why the controls are disabled.
+/// Makes a note that explains why the controls are disabled.
 QWidget* makeGrayscaleNote() {
     auto* const note = new QWidget;
     note->setObjectName(QStringLiteral("grayscaleNote"));
@@ -34,7 +34,7 @@ QWidget* makeGrayscaleNote() {
     return note;
 }
 
-/// A row: the name of the temperature, its value in kelvin, and a description.
+/// Adds a row with the name of the temperature, its value in kelvin, and a description.
 KelvinField* addTemperature(QGridLayout& rows, const QString& name,
                             Setting<std::int64_t>& setting) {
     auto* const field = new KelvinField(name, setting);

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// The feedback form, and the thanks after sending it.
+/// Shows the feedback form, and a thank-you after the user has sent it.
 class FeedbackPreferencesView final : public QWidget {
 public:
     explicit FeedbackPreferencesView(FeedbackService& service);

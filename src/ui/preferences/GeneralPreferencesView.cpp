@@ -10,7 +10,7 @@ namespace nocta {
 
 namespace {
 
-/// For screen readers; the picker shows only the symbols.
+/// Returns the name for screen readers; the picker shows only the symbols.
 QString nameOf(MenuBarIcon icon) {
     switch (icon) {
     case MenuBarIcon::leaf:

@@ -12,7 +12,7 @@ inline constexpr std::array allPreferencesTabs = {
     PreferencesTab::breaks,  PreferencesTab::feedback,   PreferencesTab::about};
 
 std::string_view rawValue(PreferencesTab tab);
-/// In English.
+/// The title in English.
 std::string_view title(PreferencesTab tab);
 std::string_view symbol(PreferencesTab tab);
 

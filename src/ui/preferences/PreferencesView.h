@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// The content of the preferences window: tabs, each with a form for settings.
+/// The content of the preferences window: a tab for each group of settings.
 class PreferencesView final : public QWidget {
 public:
     explicit PreferencesView(SharedInstances& instances);
