@@ -1,4 +1,4 @@
-// Measures the arithmetic of the gamma tables and of the sun, without a display server.
+// Measures the computation of the gamma tables and of sunrise and sunset, without a display server.
 
 #include "app/AppDelegate.h"
 #include "app/SharedInstances.h"
@@ -26,7 +26,7 @@ void plugDisplays(VirtualDesktop& desktop) {
     }
 }
 
-/// The lower limit for building three tables: only storing as many bytes.
+/// Only stores as many bytes as three tables have: the lower limit for building them.
 void storeThreeTables(benchmark::State& state) {
     float value = 0;
     for (auto _ : state) {
@@ -50,7 +50,7 @@ void buildThreeTables(benchmark::State& state) {
 }
 BENCHMARK(buildThreeTables);
 
-/// An output that ignores the tables.
+/// A gamma output that ignores the tables.
 class Sink final : public GammaOutput {
 public:
     bool isAvailable() const override { return true; }
@@ -65,7 +65,7 @@ public:
     void displayRestoreColorSyncSettings() override {}
 };
 
-/// One call of a setter for four virtual displays, up to the port.
+/// Calls one setter for four virtual displays, down to the call of the port.
 void setDimmingOnFourDisplays(benchmark::State& state) {
     VirtualDesktop desktop;
     plugDisplays(desktop);
@@ -81,8 +81,8 @@ void setDimmingOnFourDisplays(benchmark::State& state) {
 }
 BENCHMARK(setDimmingOnFourDisplays);
 
-/// The same including the virtual desktop, which copies the tables and adds a line to its trace for
-/// each display.
+/// Makes the same call with the virtual desktop, which copies the tables and adds a line to its
+/// trace for each display.
 void setDimmingOnFourDisplaysWithTrace(benchmark::State& state) {
     VirtualDesktop desktop;
     plugDisplays(desktop);
@@ -100,9 +100,9 @@ BENCHMARK(setDimmingOnFourDisplaysWithTrace);
 constexpr auto noon =
     WallTime(std::chrono::sys_days(std::chrono::year(2026) / 6 / 21)) + std::chrono::hours(10);
 
-/// Sunrise and sunset of a day.
+/// Computes sunrise and sunset for one day.
 void calculateSun(benchmark::State& state) {
-    const TimeZone zone(zone::berlin); // otherwise the C library checks a file at each call
+    const TimeZone zone(zone::berlin); // otherwise the C library checks a file on every call
     double latitude = 52.52;
     for (auto _ : state) {
         benchmark::DoNotOptimize(latitude);
@@ -112,7 +112,7 @@ void calculateSun(benchmark::State& state) {
 }
 BENCHMARK(calculateSun);
 
-/// Only the calendar calls of that calculation.
+/// Makes only the calendar calls of that computation.
 void calendarCallsOfTheSun(benchmark::State& state) {
     const TimeZone zone(zone::berlin);
     auto now = noon;
@@ -130,8 +130,8 @@ void calendarCallsOfTheSun(benchmark::State& state) {
 }
 BENCHMARK(calendarCallsOfTheSun);
 
-/// The whole program at rest in automatic mode with one display, for an hour of the virtual clock,
-/// with or without break reminders.
+/// Runs the idle program for an hour of virtual time, in automatic mode with one display, with or
+/// without break reminders.
 void idleHour(benchmark::State& state) {
     VirtualDesktop desktop;
     desktop.displays.plug({.id = 1});

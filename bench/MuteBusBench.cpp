@@ -14,7 +14,7 @@
 #include <optional>
 #include <string>
 
-// Measures the program beside message buses that accept a connection but never answer.
+// Measures the program when the message buses accept a connection but never answer.
 
 namespace nocta {
 namespace {
@@ -25,11 +25,12 @@ using namespace std::chrono_literals;
 
 constexpr int noBus = -1;
 constexpr int goodBus = -2;
-constexpr auto watched = 4s; // the popover opens after two
+constexpr auto watched = 4s; // the popover opens after two seconds
 
-/// The time from the start of the process until the screen is dimmed, and the longest time from a
-/// brightness key to the ramp while the popover opens. The argument is the behavior of the session
-/// bus and the system bus: none, a good one, or the point after which they do not answer.
+/// Measures the time from the start of the process until the screen is dimmed, and the longest time
+/// from a brightness key to the gamma ramp while the popover opens. The argument selects how the
+/// session bus and the system bus behave: there is none, they work, or they stop answering after
+/// this point.
 void startBesideBuses(benchmark::State& state) {
     const XServer server(XServer::Kind::xorgDummy);
     XClient client;

@@ -42,7 +42,8 @@ void useOutputs(const XServer& server, std::int64_t count) {
     });
 }
 
-/// From the start of a break until another client sees every window mapped and painted once.
+/// Measures the time from the start of a break until another client sees every window mapped and
+/// painted once.
 void breakStartToLastWindow(benchmark::State& state, const XServer& server) {
     useOutputs(server, state.range(0));
     XClient client;
@@ -76,7 +77,7 @@ void breakStartToLastWindow(benchmark::State& state, const XServer& server) {
     }
 }
 
-/// A whole fade-in: how long it takes, and how many of its 24 steps a waiting client sees.
+/// Measures how long a whole fade-in takes, and how many of its 24 steps a waiting client sees.
 void fadeIn(benchmark::State& state, const XServer& server) {
     useOutputs(server, 1);
     XClient client;

@@ -8,7 +8,7 @@
 namespace nocta {
 namespace {
 
-/// One display of 1920 × 1080, with the filter off and on.
+/// Paints one display of 1920 × 1080 pixels, with the filter off and on.
 void paintDisplay(benchmark::State& state) {
     VirtualDesktop desktop;
     desktop.displays.plug({.id = 1, .isBuiltIn = true, .backlight = 0.5F});
@@ -25,7 +25,7 @@ void paintDisplay(benchmark::State& state) {
 }
 BENCHMARK(paintDisplay)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 
-/// For comparison: reads and writes every pixel.
+/// Reads and writes every pixel, for comparison.
 void copyPicture(benchmark::State& state) {
     const QImage picture(1920, 1080, QImage::Format_RGB32);
     for (auto _ : state) {

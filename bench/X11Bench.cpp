@@ -1,5 +1,5 @@
-// Measures Nocta on an X server: from a slider value to the server, and the whole program from its
-// start until it is at rest.
+// Measures Nocta on an X server: the time from a slider value to the server, and the whole program
+// from its start until it is idle.
 
 #include "app/AppDelegate.h"
 #include "app/SharedInstances.h"
@@ -58,7 +58,7 @@ struct SessionOnX11 {
         delegate.applicationDidFinishLaunching();
         do {
             QCoreApplication::processEvents();
-        } while (guardian.isStarting()); // until then writes wait for it
+        } while (guardian.isStarting()); // until then, writes wait for the guardian
     }
     SessionOnX11(const SessionOnX11&) = delete;
     SessionOnX11& operator=(const SessionOnX11&) = delete;
@@ -101,8 +101,8 @@ struct SessionOnX11 {
     AppDelegate delegate{instances, views};
 };
 
-/// From writing a brightness to the settings until the requests to the X server are flushed. The
-/// second argument says where the settings are; a file is written after that time.
+/// Measures the time from writing a brightness to the settings until the requests to the X server
+/// are flushed. The second argument says where the settings are; a file is written after that time.
 void sliderToServer(benchmark::State& state) {
     using Clock = std::chrono::steady_clock;
     SessionOnX11 session(state.range(0), static_cast<SessionOnX11::Store>(state.range(1)));
@@ -115,7 +115,7 @@ void sliderToServer(benchmark::State& state) {
         session.runLoop.post([&] { flushed = Clock::now(); }); // runs right after the flush
         QCoreApplication::processEvents();
         state.SetIterationTime(std::chrono::duration<double>(flushed - start).count());
-        QCoreApplication::processEvents(); // the file
+        QCoreApplication::processEvents(); // writes the file
         session.desktop.trace.clear();
         session.connection
             .synchronize(); // the next step finds an idle server, as it does with a real mouse
@@ -132,8 +132,8 @@ double processorSeconds() {
     return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-/// The processor time of this process from a switch of automatic warmth until the fifteenth step of
-/// the transition has been sent, at its normal speed.
+/// Measures the processor time that this process uses from the moment automatic warmth is switched
+/// until the fifteenth step of the transition has been sent, at its normal speed.
 void glideToServer(benchmark::State& state) {
     SessionOnX11 session(state.range(0));
     auto& settings = session.instances.settingsManager();
@@ -174,7 +174,7 @@ public:
     Tray& operator=(const Tray&) = delete;
     ~Tray() { xcb_disconnect(x_); }
 
-    /// Returns when a client has asked to be hosted.
+    /// Returns once a client has asked to be hosted.
     void waitForIcon() {
         for (bool asked = false; !asked;) {
             const std::unique_ptr<xcb_generic_event_t, FreeDeleter> event(xcb_wait_for_event(x_));
@@ -196,7 +196,7 @@ private:
     xcb_atom_t dock_ = XCB_ATOM_NONE;
 };
 
-/// In KiB.
+/// Returns the size in KiB.
 double proportionalSetSize(pid_t process) {
     double sum = 0;
     std::ifstream smaps("/proc/" + std::to_string(process) + "/smaps_rollup");
@@ -218,8 +218,8 @@ pid_t childOf(pid_t process) {
     return child;
 }
 
-/// From the start of the process until it asks the tray to host its icon; and the memory of the
-/// program and its guardian once they are at rest.
+/// Measures the time from the start of the process until it asks the tray to host its icon, and the
+/// memory of the program and its guardian once they are idle.
 void startToTrayIcon(benchmark::State& state) {
     const XServer server(XServer::Kind::xorgDummy);
     XClient client;
@@ -255,7 +255,7 @@ void startToTrayIcon(benchmark::State& state) {
 }
 BENCHMARK(startToTrayIcon)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
 
-/// The program with a window manager and a panel, and the mouse of a person.
+/// Runs the program with a window manager and a panel, and uses the mouse like a person.
 class Person {
 public:
     Person() {
@@ -273,7 +273,7 @@ public:
         });
     }
 
-    /// Clicks the icon and returns when the popover can be seen with its slider.
+    /// Clicks the icon and returns once the popover and its slider are visible.
     void openPopover() {
         const auto icon = icons().front();
         client_.click(icon.x + icon.width / 2, icon.y + icon.height / 2);
@@ -350,7 +350,7 @@ private:
     std::unique_ptr<Process> nocta_;
 };
 
-/// From a click on the icon until another client sees the popover's slider.
+/// Measures the time from a click on the icon until another client sees the popover's slider.
 void clickToPopover(benchmark::State& state) {
     Person person;
     person.openPopover(); // so that the fonts are loaded
@@ -365,7 +365,8 @@ void clickToPopover(benchmark::State& state) {
 }
 BENCHMARK(clickToPopover)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
 
-/// The memory of the program at rest, and after its windows were opened and closed.
+/// Measures the memory of the idle program, and its memory after its windows were opened and
+/// closed.
 void memoryAfterWindows(benchmark::State& state) {
     Person person;
     state.counters["atRest_KiB"] = person.memory();

@@ -5,7 +5,7 @@
 
 namespace nocta {
 
-/// Ends the run where a promise is broken, which the fuzzer takes for a find like any crash.
+/// Aborts if a promise is broken. The fuzzer records that like any other crash.
 inline void expect(bool holds, const char* promise) {
     if (!holds) {
         std::fprintf(stderr, "broken promise: %s\n", promise);

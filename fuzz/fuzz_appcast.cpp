@@ -1,4 +1,4 @@
-// Fuzzes the appcast parser and the order of its versions.
+// Fuzzes the appcast parser and the comparison of versions.
 
 #include "Expect.h"
 #include "backends/linux/updates/Appcast.h"
@@ -22,9 +22,9 @@ bool isPrintable(const std::string& text) {
 void checkItem(const AppcastItem& item) {
     expect(!item.version.empty() && item.version.size() <= 64, "a version is short");
     expect(!item.shortVersionString.empty() && item.shortVersionString.size() <= 64,
-           "a version for people is short");
+           "a version that users see is short");
     expect(isPrintable(item.version) && isPrintable(item.shortVersionString),
-           "a version can be shown");
+           "a version is printable");
     expect(!item.url.empty() && item.url.size() <= 2048, "an address is short");
 
     const auto notes = QString::fromStdString(item.releaseNotes);
@@ -32,15 +32,15 @@ void checkItem(const AppcastItem& item) {
     for (const auto character : notes) {
         expect(character == u'\n' || (character.category() != QChar::Other_Control &&
                                       character.category() != QChar::Other_Format),
-               "notes hide nothing");
+               "notes contain no hidden characters");
     }
 }
 
 void checkOrder(const AppcastItem& a, const AppcastItem& b) {
-    expect(compareVersions(a.version, a.version) == 0, "a version is itself");
+    expect(compareVersions(a.version, a.version) == 0, "a version equals itself");
     expect((compareVersions(a.version, b.version) < 0) ==
                (compareVersions(b.version, a.version) > 0),
-           "one of two versions is newer from either side");
+           "swapping two versions reverses their order");
 }
 
 } // namespace
@@ -49,7 +49,7 @@ void checkOrder(const AppcastItem& a, const AppcastItem& b) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto appcast = nocta::parseAppcast({reinterpret_cast<const char*>(data), size});
     if (appcast.error) {
-        nocta::expect(appcast.items.empty(), "what is refused gives nothing");
+        nocta::expect(appcast.items.empty(), "a refused feed has no items");
         nocta::expect(appcast.error->find('\n') == std::string::npos, "an error is one line");
     }
     for (std::size_t i = 0; i < appcast.items.size(); ++i) {

@@ -45,12 +45,12 @@ bool readsAs(const DefaultsValue& read, const DefaultsValue& written) {
 
 void checkReading(const IniDocument& document, std::string_view text) {
     const auto again = IniDocument::parse(document.text());
-    expect(again.isWellFormed(), "what was written is well formed");
-    expect(again.values() == document.values(), "what was written reads the same");
-    expect(again.text() == document.text(), "what was read is written the same");
+    expect(again.isWellFormed(), "written text is well formed");
+    expect(again.values() == document.values(), "written text reads back the same");
+    expect(again.text() == document.text(), "text that was read back is written the same");
     if (document.isWellFormed()) {
         const auto end = text.empty() || text.ends_with('\n') ? "" : "\n";
-        expect(document.text() == std::string(text) + end, "nothing of a good file is lost");
+        expect(document.text() == std::string(text) + end, "a well-formed file is kept whole");
     }
 }
 
@@ -61,7 +61,7 @@ void checkSetting(const IniDocument& document, const DefaultsValue& value) {
     expect(again.isWellFormed(), "a file with a new value is well formed");
     auto values = again.values();
     expect(values.contains(ownKey) && readsAs(values.at(std::string(ownKey)), value),
-           "a new value reads the same");
+           "a new value reads back the same");
 
     auto others = document.values();
     others.erase(std::string(ownKey));
@@ -72,13 +72,13 @@ void checkSetting(const IniDocument& document, const DefaultsValue& value) {
     without.remove(ownKey);
     changed.remove(ownKey);
     expect(changed.text() == without.text() || changed.text() == "[General]\n" + without.text(),
-           "a new value touches no other line");
+           "a new value changes no other line");
 }
 
 void checkRemoving(const IniDocument& document) {
     auto without = document;
     without.remove(ownKey);
-    expect(!without.values().contains(ownKey), "a key that was removed has gone");
+    expect(!without.values().contains(ownKey), "a removed key is gone");
     const auto kept = linesOf(without.text());
     auto next = kept.begin();
     for (const auto& line : linesOf(document.text())) {
@@ -90,7 +90,7 @@ void checkRemoving(const IniDocument& document) {
                    "only the key's lines are removed");
         }
     }
-    expect(next == kept.end(), "the lines stay in their order");
+    expect(next == kept.end(), "the lines keep their order");
 }
 
 /// A temporary folder for one store.
@@ -125,12 +125,12 @@ void checkStore(const IniDocument& document, const std::string& text) {
     expect(again.doubleForKey(ownKey) == 0.25, "another store reads what was written");
     auto expected = document;
     expected.set(ownKey, 0.25);
-    expect(contentOf(folder.file()) == expected.text(), "the file is the document");
+    expect(contentOf(folder.file()) == expected.text(), "the file contains the document");
     expect(folder.has("nocta.conf.damaged") != document.isWellFormed(),
            "a file is moved aside if it is damaged");
     if (!document.isWellFormed()) {
         expect(contentOf(folder.file().string() + ".damaged") == text,
-               "a damaged file is kept as it was");
+               "a damaged file is kept unchanged");
     }
 }
 

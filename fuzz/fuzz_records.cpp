@@ -1,4 +1,5 @@
-// Fuzzes the JSON records, and the timer that reads its totals from the settings when it is made.
+// Fuzzes the JSON records, and the break timer, which reads its totals from the settings when it is
+// constructed.
 
 #include "Expect.h"
 #include "app/SharedInstances.h"
@@ -46,29 +47,29 @@ void checkSession(const Bytes& bytes) {
     }
     const auto again = read<BreakSession>(written(*session));
     expect(again.has_value(), "a session that was written can be read");
-    expect(again->id == session->id, "an id reads the same");
+    expect(again->id == session->id, "an ID reads back the same");
     expect(again->wasCompleted == session->wasCompleted &&
                again->wasSkipped == session->wasSkipped && again->wasSnoozed == session->wasSnoozed,
-           "an outcome reads the same");
+           "an outcome reads back the same");
     // A double in seconds cannot represent every nanosecond.
     expect(std::chrono::abs(again->startTime - session->startTime) < 5us &&
                std::chrono::abs(again->endTime - session->endTime) < 5us,
-           "a time reads the same");
+           "a time reads back the same");
 }
 
 void checkTimer(const Bytes& bytes) {
     const auto totals = read<BreakStatistics>(bytes);
     if (totals) {
-        expect(read<BreakStatistics>(written(*totals)) == totals, "totals read the same");
+        expect(read<BreakStatistics>(written(*totals)) == totals, "totals read back the same");
     }
     VirtualDesktop desktop;
     desktop.userDefaults.table.set(statisticsKey, DefaultsData{bytes});
     SharedInstances instances(desktop.ports);
     auto& timer = instances.breakTimer();
     auto expected = totals.value_or(BreakStatistics{});
-    expect(timer.statistics.get() == expected, "totals that cannot be read start from zero");
+    expect(timer.statistics.get() == expected, "unreadable totals start from zero");
 
-    // Adding one to the largest number would stop the program, as every overflow should.
+    // Adding one to the largest number overflows, and every overflow should stop the program.
     if (std::max(expected.totalBreaks, expected.skippedBreaks) ==
         std::numeric_limits<std::int64_t>::max()) {
         return;

@@ -9,6 +9,6 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto record = nocta::parseUpdaterRecord({reinterpret_cast<const char*>(data), size});
     nocta::expect(nocta::parseUpdaterRecord(nocta::serialized(record)) == record,
-                  "what was written reads the same");
+                  "a written record reads back the same");
     return 0;
 }

@@ -1,7 +1,8 @@
 # Sourced by ./run, ./check and ./package from the top of the tree.
 
-# install_packages STAGE...: installs the missing packages among those that packages.txt marks with
-# one of the stages. It remembers a list that is installed, so that the next call can skip the check.
+# install_packages STAGE...: installs the packages that packages.txt marks with one of the stages
+# and that are missing. It remembers a list that is installed, so that the next call can skip the
+# check.
 install_packages() {
     local stages wanted missing stamp as_root=()
     stages=$(IFS='|'; echo "$*")

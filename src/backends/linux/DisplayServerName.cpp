@@ -7,7 +7,7 @@
 namespace nocta {
 
 std::string xServerName(const std::string& display) {
-    // Newer versions of libxcb take "unix:" as the start of a socket's path.
+    // Newer versions of libxcb interpret "unix:" as the start of a socket's path.
     const auto name = display.starts_with("unix:") ? display.substr(4) : display;
     char* text = nullptr;
     int number = 0;

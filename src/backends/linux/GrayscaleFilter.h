@@ -2,13 +2,13 @@
 
 namespace nocta {
 
-/// A way for this session to turn its whole screen gray. The screen goes back to what it was when
-/// the filter is switched off or destroyed, and when the process dies.
+/// A way to turn the whole screen of this session gray. The earlier colors return when the filter
+/// is switched off or destroyed, and when the process dies.
 class GrayscaleFilter {
 public:
     virtual ~GrayscaleFilter() = default;
 
-    /// Whether the screen is gray, no matter which program made it so.
+    /// Whether the screen is gray, no matter which program turned it gray.
     virtual bool isOn() = 0;
     virtual void setOn(bool on) = 0;
 };

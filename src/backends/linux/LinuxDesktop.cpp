@@ -82,21 +82,21 @@ std::filesystem::path settingsFile() {
     return configFolder() / "nocta" / "nocta.conf";
 }
 
-/// For what Nocta remembers and is not a setting.
+/// The folder for data that Nocta remembers but that is not a setting.
 std::filesystem::path stateFolder() {
     return baseDirectory("XDG_STATE_HOME", ".local/state") / "nocta";
 }
 
-/// The folder of the running process's lock and socket.
+/// The folder of the lock and the socket that belong to the running process.
 std::filesystem::path runtimeFolder() {
     const std::filesystem::path folder = environment("XDG_RUNTIME_DIR");
     if (folder.is_absolute()) {
-        createPrivateFolders(folder); // as Qt will; later starts must use the same folder
+        createPrivateFolders(folder); // as Qt will; every start must use the same folder
     }
     return folder.is_absolute() && isPrivateFolder(folder) ? folder : stateFolder();
 }
 
-/// For files that can be downloaded again.
+/// The folder for files that can be downloaded again.
 std::filesystem::path cacheFolder() {
     return baseDirectory("XDG_CACHE_HOME", ".cache") / "nocta";
 }
@@ -120,7 +120,7 @@ bool canConnectToWayland(const std::string& display) {
     return connect(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
-/// The libraries cannot handle running out of descriptors: some wait forever.
+/// The libraries cannot handle running out of file descriptors: some wait forever.
 bool hasEnoughDescriptors() {
     rlimit limit{};
     return getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= minDescriptors;
@@ -136,7 +136,7 @@ void keepStandardStreams() {
     close(descriptor);
 }
 
-/// The address of the accessibility bus that the X server publishes, or empty.
+/// The address of the accessibility bus that the X server publishes, or empty if it publishes none.
 std::string accessibilityBus(X11Connection& connection) {
     constexpr std::uint32_t maxLength = 256; // in units of four bytes
     auto* const x = connection.get();
@@ -151,8 +151,8 @@ std::string accessibilityBus(X11Connection& connection) {
                  : std::string();
 }
 
-/// What this session can do for displays, gamma, gray, keys and applications. This is the only
-/// place that decides it.
+/// The ports that this session supports for displays, gamma, grayscale, keys and applications. This
+/// is the only place that chooses them.
 struct DisplayServer {
     std::unique_ptr<X11Connection> connection;
     std::unique_ptr<Guardian> guardian;
@@ -211,7 +211,8 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
     return server;
 }
 
-/// The Qt application, created before anything that needs it. It gets no arguments to parse.
+/// The Qt application, which is created before anything that needs it. Qt gets no arguments to
+/// parse.
 struct Toolkit {
     int argumentCount = 1;
     char name[6] = "nocta";
@@ -226,7 +227,7 @@ struct Toolkit {
     }
     Toolkit(const Toolkit&) = delete;
     Toolkit& operator=(const Toolkit&) = delete;
-    /// Deletes what called `deleteLater` after the last event loop ended.
+    /// Deletes the objects whose `deleteLater` was called after the last event loop ended.
     ~Toolkit() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
 };
 
@@ -330,7 +331,7 @@ DesktopSession makeDesktop(const Bundle& bundle) {
                                  : waylandSocket(environment("XDG_RUNTIME_DIR"), wayland).native(),
                             runtimeFolder());
     if (instance.role() == SingleInstance::Role::unanswered) {
-        std::cerr << "nocta: Nocta is already running here and does not answer" << std::endl;
+        std::cerr << "nocta: another Nocta is running here but does not answer" << std::endl;
         return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};
     }
     if (instance.role() == SingleInstance::Role::answered) {

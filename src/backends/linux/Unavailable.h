@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-// Ports for what this session cannot do. Each one reports that and does nothing.
+// Ports for features that this session does not support. Each port reports that and does nothing.
 
 class UnavailableDisplays final : public Displays {
 public:

@@ -13,9 +13,10 @@ static_assert(keyDownEventType == kCGEventKeyDown);
 static_assert(tapDisabledByTimeoutEventType == kCGEventTapDisabledByTimeout);
 static_assert(tapDisabledByUserInputEventType == kCGEventTapDisabledByUserInput);
 
-/// The tap is refused until the user has allowed the program to watch the keyboard, in the system's
-/// privacy settings. When the permission is withdrawn, the system reports no error but disables the
-/// tap after a key has waited for it too long. Enabling it again would delay the next keys as well.
+/// The system refuses the tap until the user has allowed the program to watch the keyboard, in the
+/// privacy settings. When the user withdraws the permission, the system reports no error. It
+/// disables the tap after a key has waited for the tap too long, and enabling the tap again would
+/// delay the next keys as well.
 class CgKeyEvents final : public KeyEvents {
 public:
     Subscription addGlobalMonitorForSystemDefinedEvents(
@@ -51,7 +52,7 @@ public:
     }
 
 private:
-    /// The user info of the callback points to this.
+    /// The callback's user info points to this.
     struct Tap {
         std::function<void(const KeyDownEvent&)> handler;
         CFMachPortRef port = nullptr;
@@ -70,8 +71,8 @@ private:
         return true;
     }
 
-    /// Every event passes unchanged. Without the permission the tap ends, and keys go on without
-    /// it.
+    /// Passes every event on unchanged. If the permission is gone, this ends the tap, and keys no
+    /// longer go through it.
     static CGEventRef keyDown(CGEventTapProxy /*proxy*/, CGEventType type, CGEventRef event,
                               void* userInfo) {
         const auto* const tap = static_cast<const Tap*>(userInfo);

@@ -21,7 +21,7 @@ private:
     using GetBrightness = int (*)(std::uint32_t display, float* level);
     using SetBrightness = int (*)(std::uint32_t display, float level);
 
-    /// With a null handle, some systems would search the whole program.
+    /// With a null handle, dlsym would search the whole program on some systems.
     void* symbol(const char* name) const {
         return framework_ != nullptr ? dlsym(framework_, name) : nullptr;
     }

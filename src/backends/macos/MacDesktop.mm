@@ -106,8 +106,8 @@ public:
                   .application = application_};
 };
 
-/// For a second start of a bundle, the system reopens the first process. A second process, which a
-/// terminal can start, does the same here.
+/// When a bundle is started a second time, the system reopens the first process. A terminal can
+/// start a second process, which does the same here.
 bool reopenRunningProcess() {
     NSString* const identifier = NSBundle.mainBundle.bundleIdentifier;
     if (identifier == nil) {

@@ -74,7 +74,8 @@ private:
     NoctaUpdaterDelegate* delegate_ = [[NoctaUpdaterDelegate alloc] init]; // retained
     SPUStandardUpdaterController* controller_ = nil;
     /// This program is not in the Dock, so Sparkle would show the result of a scheduled check
-    /// behind the windows of other programs. A check by the user brings it to the front.
+    /// behind the windows of other programs. Opening the popover therefore starts a user's check,
+    /// which brings the result to the front.
     Subscription popoverDidShow_ =
         observe(NSNotificationCenter.defaultCenter, NSPopoverDidShowNotification, nil,
                 ^(NSNotification* /*notification*/) {
@@ -93,7 +94,7 @@ class MacUpdater final : public Updater {
 public:
     Availability availability() const override { return Availability::noFeed; }
     std::optional<std::string> startUpdater(DidFinishUpdateCycle /*didFinish*/) override {
-        return "This build has no updates.";
+        return "This build does not support updates.";
     }
     bool automaticallyChecksForUpdates() const override { return checks_; }
     void setAutomaticallyChecksForUpdates(bool checks) override { checks_ = checks; }

@@ -4,10 +4,10 @@
 
 @implementation NoctaUpdaterDelegate
 
-/// Nobody reads the standard error of a program that was started by its icon, so the error goes
-/// only to the log. Sparkle also ends a cycle with an error when there is no update or the user
-/// postpones one. These are logged too: someone who looks for a missing update wants to see every
-/// cycle.
+/// Nobody reads the standard error of a program that was started from its icon, so errors go only
+/// to the log. Sparkle also ends a cycle with an error when there is no update or the user
+/// postpones one. These errors are logged too, because someone who is looking for a missing update
+/// wants to see every cycle.
 - (void)updater:(SPUUpdater*)source
     didFinishUpdateCycleForUpdateCheck:(SPUUpdateCheck)updateCheck
                                  error:(NSError*)error {
@@ -31,8 +31,8 @@
     return YES;
 }
 
-/// If Sparkle would open its window in front, for example right after the start, Sparkle shows it
-/// itself.
+/// If Sparkle would open its window in front, for example right after launch, Sparkle shows the
+/// update itself.
 - (BOOL)standardUserDriverShouldHandleShowingScheduledUpdate:(SUAppcastItem*)update
                                          andInImmediateFocus:(BOOL)immediateFocus {
     return immediateFocus;

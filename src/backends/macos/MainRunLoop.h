@@ -18,7 +18,8 @@ public:
     MainRunLoop() = default;
     MainRunLoop(const MainRunLoop&) = delete;
     MainRunLoop& operator=(const MainRunLoop&) = delete;
-    /// The system's run loop outlives this object and would fire the remaining timers.
+    /// Ends the remaining timers, because the system's run loop outlives this object and would fire
+    /// them.
     ~MainRunLoop() override {
         for (const auto& [id, timer] : timers_) {
             [timer invalidate];
@@ -34,8 +35,8 @@ public:
 
     TimerId schedule(Duration interval, Repeat repeat, std::function<void()> action) override {
         const auto id = ++lastId_;
-        // Shared, not copied for each firing, because an action may have state. It may also end its
-        // own timer.
+        // The action is shared, not copied for each firing, because it may have state. It may also
+        // end its own timer.
         const auto kept = std::make_shared<std::function<void()>>(std::move(action));
         NSTimer* const timer =
             [NSTimer timerWithTimeInterval:std::chrono::duration<double>(interval).count()

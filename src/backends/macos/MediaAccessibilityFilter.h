@@ -4,8 +4,9 @@
 
 #include <cstdint>
 
-// MediaAccessibility exports these without a header. They are weak, that is, null if a system no
-// longer has them: with a strong reference the program would not start there.
+// MediaAccessibility exports these functions without a header. The references are weak, that is,
+// null on a system that no longer has the functions. With strong references the program would not
+// start there.
 extern "C" {
 [[gnu::weak]] void MADisplayFilterPrefSetType(std::int32_t category, std::int32_t type);
 [[gnu::weak]] void MADisplayFilterPrefSetCategoryEnabled(std::int32_t category,

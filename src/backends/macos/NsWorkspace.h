@@ -57,7 +57,7 @@ public:
     }
 
 private:
-    /// Nothing for anything but a running application.
+    /// Returns nothing if the object is not a running application.
     static std::optional<RunningApplication> runningApplication(id object) {
         if (![object isKindOfClass:NSRunningApplication.class]) {
             return std::nullopt;

@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// The body is delivered at once, at the end. For a program in a bundle, the system itself refuses
-/// addresses that are not encrypted.
+/// The body is delivered in one piece, at the end. For a program in a bundle, the system itself
+/// refuses addresses that are not encrypted.
 class SharedUrlSession final : public UrlSession {
 public:
     explicit SharedUrlSession(RunLoop& runLoop) : runLoop_(runLoop) {}
@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    /// Nil if the address is invalid.
+    /// Returns nil if the address is invalid.
     static NSURLRequest* nsUrlRequest(const UrlRequest& request) {
         NSURL* const url = [NSURL URLWithString:nsString(request.url)];
         if (url == nil) {

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// From the number of a CLAuthorizationStatus. An unknown number allows nothing.
+/// Converts the number of a CLAuthorizationStatus. An unknown number allows nothing.
 constexpr AuthorizationStatus authorizationStatus(std::int64_t native) {
     switch (native) {
     case 0:
@@ -23,7 +23,8 @@ constexpr AuthorizationStatus authorizationStatus(std::int64_t native) {
     }
 }
 
-/// From the number of an SMAppServiceStatus. An unknown number is not enabled.
+/// Converts the number of an SMAppServiceStatus. An unknown number means that the item is not
+/// enabled.
 constexpr LoginItem::Status loginItemStatus(std::int64_t native) {
     switch (native) {
     case 0:

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// From UTF-8; invalid UTF-8 gives the empty string.
+/// Converts from UTF-8. Invalid UTF-8 gives the empty string.
 inline NSString* nsString(std::string_view text) {
     NSString* const string = [[NSString alloc] initWithBytes:text.data()
                                                       length:text.size()
@@ -17,13 +17,13 @@ inline NSString* nsString(std::string_view text) {
     return string != nil ? string : @"";
 }
 
-/// To UTF-8; nil gives the empty string.
+/// Converts to UTF-8. Nil gives the empty string.
 inline std::string stdString(NSString* string) {
     const char* const text = string.UTF8String;
     return text != nullptr ? text : "";
 }
 
-/// A service's English text in the user's language.
+/// Translates a service's English text into the user's language.
 inline NSString* translated(std::string_view english) {
     return QCoreApplication::translate("Nocta", std::string(english).c_str()).toNSString();
 }

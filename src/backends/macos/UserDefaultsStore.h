@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// The system's user defaults. The getters convert more than `DefaultsTable` does: a number reads
-/// as text and text as a number. This matters only for values that were set by hand.
+/// The system's user defaults. The getters convert more than `DefaultsTable` does: they read a
+/// number as text and text as a number. This matters only for values that were set by hand.
 class UserDefaultsStore final : public DefaultsStore {
 public:
     void registerDefaults(const DefaultsMap& defaults) override {
@@ -66,7 +66,7 @@ private:
         return [NSData dataWithBytes:data.bytes.data() length:data.bytes.size()];
     }
 
-    /// A property-list object.
+    /// Converts a value to a property-list object.
     struct ToObject {
         id operator()(bool value) const { return [NSNumber numberWithBool:value]; }
         id operator()(std::int64_t value) const { return [NSNumber numberWithLongLong:value]; }

@@ -20,9 +20,10 @@ static_assert(notificationAlert == UNAuthorizationOptionAlert);
 static_assert(notificationSound == UNNotificationPresentationOptionSound);
 static_assert(notificationBanner == UNNotificationPresentationOptionBanner);
 
-/// UNUserNotificationCenter. It answers on threads of its own; everything is moved to the run loop.
-/// A program without a bundle, such as a development build, has no notification center: asking for
-/// it would throw and end the program. In that case nothing is shown and nothing is allowed.
+/// Uses UNUserNotificationCenter, which answers on its own threads; everything is moved to the run
+/// loop. A program without a bundle, such as a development build, has no notification center:
+/// asking for it would throw and end the program. In that case nothing is shown and nothing is
+/// allowed.
 class UserNotifications final : public UserNotificationCenter {
 public:
     explicit UserNotifications(RunLoop& runLoop) { delegate_.runLoop = &runLoop; }
@@ -79,7 +80,7 @@ public:
         [center_ addNotificationRequest:[UNNotificationRequest
                                             requestWithIdentifier:NSUUID.UUID.UUIDString
                                                           content:content
-                                                          trigger:nil] // at once
+                                                          trigger:nil] // immediately
                   withCompletionHandler:nil];
     }
 

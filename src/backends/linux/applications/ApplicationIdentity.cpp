@@ -10,11 +10,11 @@ namespace nocta {
 
 namespace {
 
-/// Names are in lower case: applications change the case of their names between releases.
+/// Names are in lowercase, because applications change the case of their names between releases.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 18> bundleIdentifiers = {{
     {"zoom", "us.zoom.xos"},
     {"us.zoom.zoom", "us.zoom.xos"},
-    // Release channels and other browsers of the same maker have names of their own.
+    // Release channels and the maker's other browsers have their own names.
     {"google-chrome", "com.google.Chrome"},
     {"com.google.chrome", "com.google.Chrome"},
     {"microsoft teams", "com.microsoft.teams"},

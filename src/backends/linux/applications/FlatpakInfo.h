@@ -5,9 +5,9 @@
 
 namespace nocta {
 
-/// The ID of the Flatpak application that has `root` as its root folder, such as `/proc/PID/root`
-/// of a process; empty for a process outside such a sandbox. The application may control the file's
-/// content, so its size is limited, and nothing waits for it.
+/// Returns the ID of the Flatpak application whose root folder is `root`, such as `/proc/PID/root`
+/// of a process. Returns an empty string for a process outside a Flatpak sandbox. The application
+/// may control the file that contains the ID, so this reads a limited size and never blocks.
 std::string flatpakId(const std::filesystem::path& root);
 
 } // namespace nocta

@@ -53,7 +53,7 @@ std::string connectorNameOf(const path& folder) {
 }
 
 /// The folder of the connector that drives the output. A display that is on has a connected
-/// connector, so names only matter if there are several.
+/// connector, so names matter only if several connectors are connected.
 path connectorOf(const path& sysfs, const std::string& outputName) {
     auto connectors = entriesOf(sysfs / "class/drm");
     std::erase_if(connectors, [](const path& folder) {

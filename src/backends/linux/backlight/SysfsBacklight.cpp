@@ -15,7 +15,8 @@ namespace nocta {
 
 namespace {
 
-/// A raw level, which is an int in the kernel; nothing if the file contains anything else.
+/// Reads a raw level, which is an int in the kernel. Returns nothing if the file contains anything
+/// else.
 std::optional<int> readLevel(const std::filesystem::path& file) {
     std::ifstream input(file);
     int level = 0;

@@ -11,13 +11,13 @@
 namespace nocta {
 
 /// The backlights of built-in displays as the kernel lists them in `<sysfs>/class/backlight`; see
-/// `backlightDevice`. The device's file is written if permissions allow it; otherwise the session's
-/// seat manager is asked to do it, without waiting for its answer.
+/// `backlightDevice`. This class writes the device's file if permissions allow it. Otherwise it
+/// asks the session's seat manager to write the level, and does not wait for an answer.
 class SysfsBacklight final : public Backlight {
 public:
-    /// The display server's name for a display's output, or empty.
+    /// Returns the display server's name for a display's output, or an empty string.
     using OutputName = std::function<std::string(DisplayId)>;
-    /// Requests a raw level for the backlight device of that name. Returns false if the request
+    /// Requests a raw level for the backlight device with that name. Returns false if the request
     /// cannot be sent.
     using SessionWriter = std::function<bool(const std::string& device, std::uint32_t level)>;
 
@@ -28,7 +28,7 @@ public:
     Status setBrightness(DisplayId display, float level) override;
 
 private:
-    /// Looked up each time, because drivers come and go.
+    /// Looks up the device each time, because drivers come and go.
     std::optional<std::filesystem::path> device(DisplayId display) const;
 
     Displays& displays_;

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// A method call by its names, with strings as arguments.
+/// A method call with strings as arguments.
 struct BusQuestion {
     std::string service = "org.freedesktop.DBus";
     std::string path = "/org/freedesktop/DBus";
@@ -18,15 +18,16 @@ struct BusQuestion {
     std::vector<std::string> arguments = {};
 };
 
-/// The question in the wire format of D-Bus. The flag NO_AUTO_START keeps the bus from starting the
-/// service.
+/// Encodes the question in the wire format of D-Bus. The flag NO_AUTO_START keeps the bus from
+/// starting the service.
 std::string busCall(std::uint32_t serial, const BusQuestion& question);
 
-/// The parts of a received message that an answer needs. Nothing in it is trusted.
+/// The parts of a received message that are needed to read an answer. Nothing in the message is
+/// trusted.
 class BusMessage {
 public:
-    /// Parses the message at the start of `bytes`. Returns nothing while a part of it is missing,
-    /// and a damaged message if the bytes cannot be the start of one.
+    /// Parses the message at the start of `bytes`. Returns nothing while part of the message is
+    /// missing, and a damaged message if the bytes cannot be the start of a message.
     static std::optional<BusMessage> read(std::string_view bytes);
 
     bool isDamaged() const { return isDamaged_; }
@@ -34,7 +35,7 @@ public:
     bool isError() const { return type_ == error; }
     std::uint32_t replySerial() const { return replySerial_; }
 
-    /// The value, if it is the only one and has that type.
+    /// The message's value, if it has only one and that value has this type.
     std::optional<std::string> string() const;
     std::optional<bool> booleanInVariant() const;
 

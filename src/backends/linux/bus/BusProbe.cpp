@@ -131,13 +131,13 @@ void BusProbe::whenDone(std::function<void()> callback) {
                      [this, callback = std::move(callback)] {
                          if (advance() != State::pending) {
                              readable_->setEnabled(false);
-                             readable_.release()->deleteLater(); // this runs inside its signal
+                             readable_.release()->deleteLater(); // it is emitting this signal
                              callback();
                          }
                      });
 }
 
-/// Returns false when there is nothing more for now.
+/// Returns false when there is nothing more to read for now.
 bool BusProbe::readMore() {
     std::array<char, 4096> block{};
     const auto length = recv(socket_.get(), block.data(), block.size(), MSG_DONTWAIT);
@@ -188,7 +188,7 @@ void BusProbe::readMessage() {
 }
 
 void BusProbe::send(const std::string& bytes) {
-    // The buffer of an idle socket takes this much at once.
+    // The buffer of an idle socket has room for all of this.
     if (::send(socket_.get(), bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL) !=
         static_cast<ssize_t>(bytes.size())) {
         state_ = State::failed;

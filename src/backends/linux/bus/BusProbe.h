@@ -14,11 +14,11 @@
 
 namespace nocta {
 
-/// Sends one method call to a message bus, and never waits for it longer than the caller allows. It
-/// uses a connection of its own that closes with this object. The D-Bus libraries block on a bus
-/// that accepts a connection and then stays silent, and Qt blocks on a service that does; so we let
-/// neither of them connect before the bus or service has answered here. Only Unix sockets are
-/// supported, which is what desktops use. The call does not start a service.
+/// Sends one method call to a message bus, and never waits longer than the caller allows. It uses
+/// its own connection, which closes with this object. The D-Bus libraries block on a bus that
+/// accepts a connection and then stays silent, and Qt blocks on a service that stays silent. So
+/// neither of them may connect until the bus or the service has answered a probe. Only Unix sockets
+/// are supported, which is what desktops use. The call does not start a service.
 class BusProbe {
 public:
     enum class State {
@@ -33,7 +33,7 @@ public:
 
     State state() const { return state_; }
 
-    /// The one of the addresses that is used.
+    /// The address that the probe uses.
     const std::string& address() const { return address_; }
 
     /// Returns when the probe is no longer pending or the time is up.

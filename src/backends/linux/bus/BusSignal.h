@@ -9,10 +9,11 @@
 
 namespace nocta {
 
-/// Receives a D-Bus signal whose arguments do not matter, once for all that arrive in one turn. It
-/// comes from any sender: given a service's name, Qt would block while it asks the bus who owns the
-/// name. So `received` should only ask the service.
-class BusSignal final : public QTimer { // has a slot that needs no code from moc
+/// Receives a D-Bus signal whose arguments do not matter. Signals that arrive in the same turn
+/// cause one call. They are accepted from any sender: if it were given a service name, Qt would
+/// block while it asks the bus which process owns the name. So `received` should only query the
+/// service.
+class BusSignal final : public QTimer { // a base with a slot, so that moc is not needed
 public:
     explicit BusSignal(std::function<void()> received) {
         setSingleShot(true);

@@ -19,7 +19,7 @@ void shutDownNewSockets(int /*signal*/) {
     const auto error = errno;
     for (std::size_t descriptor = 0; descriptor < wasOpen.size(); ++descriptor) {
         if (!wasOpen[descriptor]) {
-            shutdown(static_cast<int>(descriptor), SHUT_RDWR); // does nothing to other files
+            shutdown(static_cast<int>(descriptor), SHUT_RDWR); // has no effect on other files
         }
     }
     errno = error;

@@ -32,7 +32,7 @@ QDBusMessage methodCall(const QString& method) {
     return QDBusMessage::createMethodCall(service, path, service, method);
 }
 
-/// On one line, even if the service's message has several.
+/// Describes an error on one line, even if the service's message has several.
 std::string description(const QDBusError& error) {
     return error.type() == QDBusError::ServiceUnknown
                ? "this desktop has no notification service"
@@ -57,8 +57,8 @@ FreedesktopNotifications::FreedesktopNotifications() {
 
 void FreedesktopNotifications::follow(const QDBusConnection& bus) {
     bus_ = bus;
-    // Accepted from any sender: given a service name, Qt would block while it asks the bus who owns
-    // the name, and each signal is compared with what was shown by its sender.
+    // Signals are accepted from any sender: given a service name, Qt would block while it asks the
+    // bus which process owns the name. A signal counts only if its sender showed that notification.
     bus_.connect(QString(), path, service, QStringLiteral("ActionInvoked"), &signals_,
                  SLOT(actionInvoked(unsigned int, QString, QDBusMessage)));
     bus_.connect(QString(), path, service, QStringLiteral("NotificationClosed"), &signals_,
@@ -93,7 +93,7 @@ void FreedesktopNotifications::add(const UserNotification& notification) {
     if ((presentation & (notificationAlert | notificationBanner)) == 0 || !bus_.isConnected()) {
         return;
     }
-    // Asked each time, because another service may have replaced the last one.
+    // Ask each time, because another service may have replaced the previous one.
     callAsync(bus_, methodCall(QStringLiteral("GetCapabilities")), &signals_,
               [this, notification, presentation](const QDBusMessage& answer) {
                   const QDBusPendingReply<QStringList> capabilities(answer);
@@ -105,7 +105,7 @@ void FreedesktopNotifications::add(const UserNotification& notification) {
               });
 }
 
-/// Does not call back if the service has gone in the meantime.
+/// Does not call back if the service has exited in the meantime.
 void FreedesktopNotifications::findOwner(std::function<void(const QString&)> found) {
     callAsync(bus_, nameOwnerQuestion(service), &signals_,
               [found = std::move(found)](const QDBusMessage& answer) {
@@ -121,7 +121,7 @@ void FreedesktopNotifications::show(const UserNotification& notification,
     const auto category = std::ranges::find(categories_, notification.categoryIdentifier,
                                             &UserNotificationCategory::identifier);
     QStringList actions;
-    // Some services that have no buttons would show a dialog instead.
+    // Some services without buttons would show a dialog instead.
     if (category != categories_.end() && capabilities.contains(QStringLiteral("actions"))) {
         for (const auto& action : category->actions) {
             actions << QString::fromStdString(action.identifier) << translated(action.title);
@@ -132,12 +132,13 @@ void FreedesktopNotifications::show(const UserNotification& notification,
     if ((presentation & notificationSound) != 0) {
         hints.insert(QStringLiteral("sound-name"), soundName);
     }
-    // Sent to the process itself, not to the name, because only this process's answers will count.
+    // Send it to the process, not to the service name, because only this process's answers will
+    // count.
     auto message = QDBusMessage::createMethodCall(owner, path, service, QStringLiteral("Notify"));
     message << applicationName << 0U /* replaces none */ << QString() /* the desktop entry's icon */
             << translated(notification.title)
             << (capabilities.contains(QStringLiteral("body-markup")) ? body.toHtmlEscaped() : body)
-            << actions << hints << -1 /* for as long as the service likes */;
+            << actions << hints << -1 /* the service chooses the timeout */;
     callAsync(
         bus_, message, &signals_,
         [this, owner](const QDBusMessage& answer) {

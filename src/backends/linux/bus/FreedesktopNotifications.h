@@ -19,8 +19,8 @@
 namespace nocta {
 
 /// The notification service of a Linux desktop, org.freedesktop.Notifications on the session bus.
-/// Nothing waits for it; it may be absent, start late or die. Each notification is sent once and
-/// never again, whatever happens to it. It can be answered once, and only through the process that
+/// No call waits for the service, which may be absent, start late or die. Each notification is sent
+/// only once, even if it is lost. The user can answer it once, and only through the process that
 /// showed it. Authorization is never refused: if there is a service, Nocta may use it.
 class FreedesktopNotifications final : public UserNotificationCenter {
 public:
@@ -43,8 +43,8 @@ private:
     QDBusConnection bus_{QString()};
     UserNotificationCenterDelegate* delegate_ = nullptr;
     std::vector<UserNotificationCategory> categories_;
-    /// The notifications that wait for an answer: the process that shows each one, and its ID
-    /// there.
+    /// The notifications that wait for an answer: each entry is the process that shows the
+    /// notification, and the notification's ID there.
     std::set<std::pair<QString, unsigned int>> shown_;
     NotificationSignals signals_;
     Subscription sessionBus_;

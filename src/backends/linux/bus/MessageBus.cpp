@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto minWait = 20ms;          // for an answer that has come while the program was busy
+constexpr auto minWait = 20ms;          // for an answer that arrived while the program was busy
 constexpr auto usualAnswerTime = 150ms; // on a busy machine; an idle one needs less than 1 ms
 
 } // namespace

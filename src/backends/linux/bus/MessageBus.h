@@ -15,10 +15,10 @@
 namespace nocta {
 
 /// Nocta's own connection to one of the message buses. A bus that accepts a connection and stays
-/// silent counts as missing until it answers. Callers wait for it at most as long as a working bus
-/// needs, counted from the first call. The connection is made on first use, and made again after
-/// its bus has gone and come back; Qt's own connections never come back. Both connections live as
-/// long as the process.
+/// silent counts as missing until it answers. Callers wait at most as long as a working bus needs
+/// to answer, counted from the first call. The connection is made on first use, and again after the
+/// bus has been restarted; Qt's own connections never reconnect. Both connections live as long as
+/// the process.
 class MessageBus {
 public:
     static MessageBus& session();
@@ -27,21 +27,22 @@ public:
     MessageBus(const MessageBus&) = delete;
     MessageBus& operator=(const MessageBus&) = delete;
 
-    /// Gives the bus this long to answer. Needs no application object yet.
+    /// Waits for the bus to answer, but not longer than `time`. It works before the application
+    /// object exists.
     BusProbe::State waitFor(std::chrono::milliseconds time);
 
     /// The address of the bus, from the environment as it is now or as it was at `keepAddress`.
     std::string address() const { return keptAddress_ ? *keptAddress_ : environmentAddress_(); }
     void keepAddress() { keptAddress_ = address(); }
 
-    /// Whether an answer is still outstanding.
+    /// Whether the bus still owes an answer.
     bool isMute() const { return isExpected_; }
 
-    /// Not connected while the bus is missing. After the first call, the connection is made as soon
-    /// as the bus answers.
+    /// The connection is not open while the bus is missing. After the first call, it is opened as
+    /// soon as the bus answers.
     QDBusConnection connection();
 
-    /// Calls back each time a connection has been made, and at once if there is one.
+    /// Calls back each time a connection has been made, and immediately if one exists.
     Subscription whenConnected(std::function<void(const QDBusConnection&)> callback);
 
 private:

@@ -5,8 +5,9 @@
 
 namespace nocta {
 
-/// Asks the bus which process owns a name now; the answer is the unique name of that process. A
-/// reply from the process does not show this, because replies have no sender from Qt 6.8 on.
+/// Builds the call that asks the bus which process owns a name now. The answer is the unique name
+/// of that process. A reply from the process itself does not show this: since Qt 6.8, replies have
+/// no sender.
 inline QDBusMessage nameOwnerQuestion(const QString& name) {
     const auto bus = QStringLiteral("org.freedesktop.DBus");
     return QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus,

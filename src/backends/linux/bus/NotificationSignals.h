@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// Receives the signals of the notification service. This is a class of its own because Qt delivers
-/// a D-Bus signal with arguments only to a class with code from moc.
+/// Receives the signals of the notification service. This is a separate class because Qt delivers a
+/// D-Bus signal with arguments only to a class that moc has processed.
 class NotificationSignals final : public QObject {
     Q_OBJECT
 

@@ -14,15 +14,15 @@
 
 namespace nocta {
 
-/// The user's settings as the desktop's portal reports them. Nothing waits for the portal: it may
-/// answer late or never, and then the callback is not called. Make it the last member of the class
-/// that needs the settings.
+/// The user's settings as the desktop's portal reports them. No call waits for the portal: it may
+/// answer late or never, and if it never answers, the callback is not called. Make this object the
+/// last member of the class that needs the settings.
 class PortalSettings {
 public:
     using Settings = QMap<QString, QVariantMap>; ///< by namespace and key
 
-    /// `told` gets the settings of these namespaces when they are known, and after each change. It
-    /// is not called before this constructor returns.
+    /// Calls `told` with the settings of these namespaces when they are known, and after each
+    /// change, but never before this constructor returns.
     PortalSettings(QStringList namespaces, std::function<void(Settings)> told);
     PortalSettings(const PortalSettings&) = delete;
     PortalSettings& operator=(const PortalSettings&) = delete;

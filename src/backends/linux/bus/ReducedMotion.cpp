@@ -4,7 +4,8 @@ namespace nocta {
 
 namespace {
 
-// Where desktops keep the setting, and where desktops without it keep a switch for animations.
+// The portal's namespaces: desktops keep the setting in the first one. Desktops without the setting
+// keep a switch for animations in the second one.
 const auto appearance = QStringLiteral("org.freedesktop.appearance");
 const auto gnomeInterface = QStringLiteral("org.gnome.desktop.interface");
 

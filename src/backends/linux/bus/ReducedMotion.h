@@ -5,8 +5,8 @@
 namespace nocta {
 
 /// Whether the user wants less movement on the screen: the desktop's portal reports either that
-/// setting or that animations are off. False until the portal answers; nothing waits for it. Later
-/// changes are followed.
+/// setting or that animations are off. The value is false until the portal answers, and no call
+/// waits for the answer. Later changes update the value.
 class ReducedMotion {
 public:
     ReducedMotion();

@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// Receives logind's sleep signal. This is a class of its own because Qt delivers a D-Bus signal
-/// with arguments only to a class with code from moc.
+/// Receives logind's sleep signal. This is a separate class because Qt delivers a D-Bus signal with
+/// arguments only to a class that moc has processed.
 class SleepSignals final : public QObject {
     Q_OBJECT
 

@@ -7,8 +7,9 @@ namespace nocta {
 SystemWake::SystemWake() {
     signals_.woken = [this] { observers_.call(); };
     bus_ = MessageBus::system().whenConnected([this](QDBusConnection bus) {
-        // Accepted from any sender: given a service name, Qt would block while it asks the bus who
-        // owns the name, and the bus lets only system services send this signal.
+        // The signal is accepted from any sender: given a service name, Qt would block while it
+        // asks the bus which process owns the name. The bus lets only system services send this
+        // signal.
         bus.connect(QString(), QStringLiteral("/org/freedesktop/login1"),
                     QStringLiteral("org.freedesktop.login1.Manager"),
                     QStringLiteral("PrepareForSleep"), &signals_, SLOT(prepareForSleep(bool)));

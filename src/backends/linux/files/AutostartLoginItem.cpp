@@ -24,7 +24,7 @@ constexpr std::size_t maxEntrySize = 1 << 16; // bytes
 constexpr auto group = "Desktop Entry";
 
 /// Quotes an argument of an Exec line, with a backslash before characters that are special inside
-/// quotes. Percent signs are doubled; otherwise they would start a field code.
+/// quotes. Percent signs are doubled, because a single one would start a field code.
 std::string execArgument(const std::filesystem::path& path) {
     std::string quoted = "\"";
     for (const auto character : path.native()) {
@@ -85,7 +85,7 @@ std::optional<std::string> AutostartLoginItem::registerItem() {
     set("Terminal", "false");
     g_autofree char* text = g_key_file_to_data(entry, nullptr, nullptr);
     QSaveFile file(QString::fromStdString(entry_.string())); // replaces in one step
-    // Some write errors only show when the buffer is flushed, and `commit` does not report them.
+    // Some write errors occur only when the buffer is flushed, and `commit` does not report them.
     if (!file.open(QIODevice::WriteOnly) || file.write(text) < 0 || !file.flush() ||
         !file.commit()) {
         return file.errorString().toStdString();

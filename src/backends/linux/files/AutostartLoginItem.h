@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// A desktop entry in the XDG Autostart folder, whose programs the session starts. Desktop tools
-/// disable an entry by a key in it; such an entry exists but is not enabled.
+/// A desktop entry in the XDG Autostart folder. The session starts the program of each entry there.
+/// Desktop tools disable an entry by setting a key in it; such an entry exists but is not enabled.
 class AutostartLoginItem final : public LoginItem {
 public:
     /// The entry's file, and the full path of the program that it starts.

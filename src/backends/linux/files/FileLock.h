@@ -7,9 +7,9 @@
 
 namespace nocta {
 
-/// A lock that one process at a time can hold, on a file with no other use. The kernel releases it
-/// when the holder exits or dies. The file stays: if a process removed it, two others could each
-/// hold a lock.
+/// A lock that one process at a time can hold, on a file that has no other purpose. The kernel
+/// releases the lock when its holder exits or dies. The file stays: if a process removed it, two
+/// other processes could each hold a lock.
 class FileLock {
 public:
     FileLock() = default;
@@ -18,7 +18,7 @@ public:
     /// named pipe.
     explicit FileLock(const std::filesystem::path& file);
 
-    /// False if the file could not be opened; `errno` then has the reason.
+    /// Returns false if the file could not be opened; `errno` then has the reason.
     bool isOpen() const { return static_cast<bool>(file_); }
 
     /// Takes the lock. Returns false if another process holds it for all of `timeout`, or if the

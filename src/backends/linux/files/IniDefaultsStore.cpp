@@ -26,7 +26,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Far more than all settings and any foreign sections can need.
+/// Much more than all settings and any sections of other programs need.
 constexpr std::size_t maxFileSize = 1 << 20; // bytes
 
 /// In the name of a temporary file, before the ID of the process that writes it.
@@ -105,8 +105,8 @@ std::filesystem::path IniDefaultsStore::lockFile() const {
     return file_.string() + ".lock";
 }
 
-/// Removes the temporary files of killed writers, but only while nobody writes: from inside a
-/// sandbox, a writer outside of it can look like a process that does not exist.
+/// Removes the temporary files of killed writers, but only while no process is writing: inside a
+/// sandbox, a writer that runs outside it can look like a process that does not exist.
 void IniDefaultsStore::removeLeftTemporaries() const {
     std::vector<std::filesystem::path> left;
     std::error_code error;
@@ -146,8 +146,8 @@ void IniDefaultsStore::change(std::string_view key, std::optional<DefaultsValue>
 
 void IniDefaultsStore::synchronize() {
     writeChanges();
-    // Syncs the content, and the folder, which holds the name. A file system without fsync has done
-    // what it can.
+    // Syncs the content of the file, and the folder, which contains the file's name. Errors are
+    // ignored, because some file systems do not support fsync.
     for (const auto& path : {file_, file_.parent_path()}) {
         if (const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
             file) {
@@ -160,10 +160,10 @@ void IniDefaultsStore::writeChanges() {
     if (changes_.empty()) {
         return;
     }
-    createPrivateFolders(file_.parent_path()); // an error shows when the file is opened
-    // Without the lock the file is still complete, because it is replaced in one step. Only a
+    createPrivateFolders(file_.parent_path()); // after an error, opening the file fails
+    // Without the lock, the file is still complete, because it is replaced in one step. Only a
     // change that another process writes between our read and that step is lost, until that process
-    // sets the key again. If the lock's holder was stopped, only the first write waits for it.
+    // sets the key again. If the lock's holder is suspended, only the first write waits for it.
     const FileLock lock(lockFile());
     isLockFree_ = lock.acquire(isLockFree_ ? lockTimeout_ : 0ms);
     // If the file is missing or damaged, we write what this process knows.
@@ -182,7 +182,7 @@ void IniDefaultsStore::writeChanges() {
         mustMoveAside_ = false;
     } else if (!std::exchange(failureIsSaid_, true)) {
         std::cerr << "nocta: cannot write " << file_.string() << " (" << std::strerror(errno)
-                  << "); settings last until Nocta ends" << std::endl;
+                  << "); settings will be lost when Nocta exits" << std::endl;
     }
 }
 
@@ -202,7 +202,7 @@ bool IniDefaultsStore::replaceFile() const {
     return isReplaced;
 }
 
-/// Moves the finished file into place; a damaged one is kept under another name.
+/// Moves the finished file into place, and keeps a damaged file under another name.
 bool IniDefaultsStore::putInPlace(const std::string& temporary) const {
     if (!mustMoveAside_) {
         return ::rename(temporary.c_str(), file_.c_str()) == 0;

@@ -15,24 +15,24 @@
 
 namespace nocta {
 
-/// The defaults store as an INI file. A new value takes effect at once. The file is written once at
-/// the end of the run-loop turn, after everything that the turn has posted for the screen, no
-/// matter how many values were set. The file is replaced atomically: if the process is killed at
-/// any moment, the file has the content from the end of some turn. `synchronize` writes pending
+/// The defaults store as an INI file. A new value takes effect immediately. The file is written
+/// once at the end of the run-loop turn, after everything that the turn has posted for the screen,
+/// no matter how many values were set. The file is replaced atomically: no matter when the process
+/// is killed, the file has the content from the end of some turn. `synchronize` writes pending
 /// changes and waits until they are on the disk; the destructor writes pending changes.
 ///
-/// A file that cannot be read as INI is moved aside at the first write, under an unused name;
-/// whatever could be read of it is used. If the file cannot be written, the values stay in memory,
-/// and one line on standard error says so, once.
+/// A file that cannot be read as INI is moved aside at the first write, under an unused name; the
+/// values that could be read from it are used. If the file cannot be written, the values stay in
+/// memory, and standard error gets one line about it, once.
 ///
 /// The values in memory are those from the start plus this process's own changes. Changes that
-/// another process writes to the file take effect at the next start: a write changes only the keys
-/// that this process has set or removed since its last write, so that for each key the last writer
-/// wins. A lock next to the file lets one writer write at a time.
+/// another process writes to the file take effect at the next start. A write changes only the keys
+/// that this process has set or removed since its last write, so for each key the last writer wins.
+/// A lock next to the file allows one writer at a time.
 class IniDefaultsStore final : public DefaultsStore {
 public:
     /// How long a write waits for another process's write, which takes less than a millisecond. A
-    /// stopped writer must not block the run loop.
+    /// suspended writer must not block the run loop.
     static constexpr auto maxLockWait = std::chrono::milliseconds(50);
 
     IniDefaultsStore(std::filesystem::path file, RunLoop& runLoop,
@@ -84,7 +84,7 @@ private:
     IniDocument document_; ///< the file as this process last read or wrote it
     std::map<std::string, std::optional<DefaultsValue>, std::less<>> changes_; ///< not written yet
     std::chrono::milliseconds lockTimeout_;
-    bool isLockFree_ = true; ///< false after a write has waited for the lock in vain
+    bool isLockFree_ = true; ///< false after a write has timed out on the lock
     bool mustMoveAside_ = false;
     bool failureIsSaid_ = false;
     Deferred write_;

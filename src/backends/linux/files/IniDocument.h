@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// The text of an INI file, of which a damaged line costs only itself; GLib's key files and Qt's
-/// settings lose more. The keys under [General] (or before any section) are ours. Everything
+/// The text of an INI file. A damaged line makes only that line unreadable; GLib's key files and
+/// Qt's settings lose more. The keys under [General] (or before any section) are ours. Everything
 /// else, including other sections and comments, stays in place when the text is written back.
 ///
 /// Values are `true`, `false`, numbers in C notation, and text. Text that would be read as
@@ -17,11 +17,11 @@ namespace nocta {
 /// are written the same way, after an @.
 class IniDocument {
 public:
-    /// Reads whatever can be read of any text.
+    /// Parses any text, and reads as much of it as possible.
     static IniDocument parse(std::string_view text);
 
-    /// False if some line is not blank, a comment, a section or an assignment, or if the text is
-    /// not plain text at all.
+    /// Returns false if some line is not blank, a comment, a section or an assignment, or if the
+    /// text is not plain text at all.
     bool isWellFormed() const { return isWellFormed_; }
 
     /// Our keys. If one is assigned twice, the last one counts.

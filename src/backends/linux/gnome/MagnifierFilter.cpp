@@ -20,11 +20,11 @@ constexpr auto startTimeout = 2s;  // enough to start a process on a busy machin
 constexpr auto endTimeout = 500ms; // after that the helper finishes on its own
 constexpr int maxReplacements = 3;
 
-/// Whether the session's list of desktops, most specific first, means that GNOME Shell runs.
+/// Whether the session's list of desktops, most specific first, means that GNOME Shell is running.
 bool isGnomeShellSession() {
     const auto* const list = std::getenv("XDG_CURRENT_DESKTOP");
     const auto desktops = ":" + std::string(list == nullptr ? "" : list) + ":";
-    // Budgie lists itself as GNOME but has a shell of its own.
+    // Budgie lists itself as GNOME but has its own shell.
     return desktops.find(":GNOME:") != std::string::npos &&
            desktops.find(":Budgie:") == std::string::npos;
 }
@@ -67,7 +67,7 @@ void MagnifierFilter::setOn(bool on) {
 void MagnifierFilter::turnGray() {
     if (!start() || !helper_.send(&magnifierTurnGray, 1)) {
         std::cerr << "nocta: cannot start " << HelperProcess::path(programName)
-                  << "; the screen keeps its colors" << std::endl;
+                  << "; the screen stays in color" << std::endl;
         return;
     }
     helper_.whenReadable([this] { receive(); });
@@ -77,7 +77,7 @@ void MagnifierFilter::receive() {
     char answer = 0;
     const auto size = helper_.receive(&answer, 1);
     if (size > 0 || (size < 0 && errno == EAGAIN)) {
-        return; // the constructor already has this answer
+        return; // nothing new: the constructor has read the state
     }
     helper_.kill();
     if (isOurs_ && ++replacements_ <= maxReplacements) {

@@ -12,7 +12,7 @@ namespace nocta {
 /// them, changes them, and restores them on request or when this process dies.
 class MagnifierFilter final : public GrayscaleFilter {
 public:
-    /// `stateFile` is where the helper saves the user's settings while its own are set.
+    /// The helper saves the user's settings in `stateFile` while its own settings are in effect.
     explicit MagnifierFilter(std::filesystem::path stateFile);
     MagnifierFilter(const MagnifierFilter&) = delete;
     MagnifierFilter& operator=(const MagnifierFilter&) = delete;

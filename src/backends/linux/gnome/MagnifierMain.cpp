@@ -1,7 +1,8 @@
-// nocta-magnifier: turns the screen of a GNOME session gray with the shell's magnifier, for as long
-// as the Nocta that started it wants that and lives. See `MagnifierProtocol.h` for the messages.
-// The first argument is the file in which it saves the user's settings while its own are set. If
-// that file exists at the start, an earlier helper was killed, and its settings are restored first.
+// nocta-magnifier: turns the screen of a GNOME session gray with the shell's magnifier, until the
+// Nocta that started it wants the colors back or dies. See `MagnifierProtocol.h` for the messages.
+// The first argument is the file in which it saves the user's settings while its own are in effect.
+// If that file exists at the start, an earlier helper was killed, and the settings in the file are
+// restored first.
 
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/files/PrivateFolder.h"
@@ -35,7 +36,7 @@ struct Setting {
 };
 
 // If the user's magnifier is on, only the saturation changes. If it is off, these values make it
-// show the screen unchanged, whatever its settings are for later use, and it is switched on last.
+// show the screen unchanged, no matter how the user has configured it, and it is switched on last.
 constexpr Setting withoutColor = {magnifierSchema, "color-saturation", "0.0"};
 constexpr auto asItIs = std::to_array<Setting>({
     {magnifierSchema, "mag-factor", "1.0"},
@@ -52,8 +53,8 @@ constexpr auto asItIs = std::to_array<Setting>({
     {applicationsSchema, "screen-magnifier-enabled", "true"},
 });
 
-/// Null if the schema or the key is not installed: GLib aborts a program that uses it anyway. The
-/// caller owns the result.
+/// Returns null if the schema or the key is not installed, because GLib aborts a program that uses
+/// a missing one. The caller owns the result.
 GSettings* settingsWith(const char* schemaId, const char* key) {
     auto* const source = g_settings_schema_source_get_default();
     g_autoptr(GSettingsSchema) schema =
@@ -79,7 +80,7 @@ bool isGray() {
     return isMagnifierOn() && g_settings_get_double(settings, withoutColor.key) == 0;
 }
 
-/// Sets a key; an empty text resets it, because the user had not set a value.
+/// Sets a key. An empty text means that the user had not set a value, so it resets the key.
 void set(const char* schema, const char* key, const std::string& text) {
     g_autoptr(GSettings) settings = settingsWith(schema, key);
     if (settings == nullptr) {
@@ -118,7 +119,7 @@ void turnGray(const std::string& stateFile) {
         }
     }
     if (g_key_file_save_to_file(file, stateFile.c_str(), nullptr) == FALSE) {
-        std::cerr << "nocta: cannot write " << stateFile << "; the screen keeps its colors"
+        std::cerr << "nocta: cannot write " << stateFile << "; the screen stays in color"
                   << std::endl;
         return;
     }

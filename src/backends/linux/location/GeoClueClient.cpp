@@ -147,7 +147,8 @@ void GeoClueClient::readPlace() {
     });
 }
 
-/// Handling an answer may release this client, so it is kept alive until then.
+/// Keeps this client alive until the answer has been handled, because handling it may release the
+/// client.
 void GeoClueClient::call(const QDBusMessage& message, int timeout, Answer answer) {
     callAsync(
         bus_, message, &moved_,

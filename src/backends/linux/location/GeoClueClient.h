@@ -14,8 +14,8 @@
 namespace nocta {
 
 /// One client of GeoClue 2, the location service on the system bus, from its creation to its
-/// deletion. Nothing waits: all results go to the callbacks, from the run loop. After the client
-/// has been destroyed, which may happen inside a callback, no callback is called.
+/// deletion. No call blocks: the run loop passes all results to the callbacks. After the client has
+/// been destroyed, which may happen inside a callback, no callback is called.
 class GeoClueClient : public std::enable_shared_from_this<GeoClueClient> {
 public:
     struct Callbacks {

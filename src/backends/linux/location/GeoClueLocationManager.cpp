@@ -16,7 +16,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// At login the service, or the agent that asks the user for it, may start after this program.
+// At login the service, or the agent that asks the user on its behalf, may start after this
+// program.
 constexpr Duration firstRetryDelay = 1min;
 constexpr Duration maxRetryDelay = 1h;
 
@@ -135,7 +136,7 @@ void GeoClueLocationManager::remember(bool isGranted) const {
     createPrivateFolders(grantFile_.parent_path());
     if (!std::ofstream(grantFile_)) {
         std::cerr << "nocta: cannot write " << grantFile_.string()
-                  << "; the location will be asked for again" << std::endl;
+                  << "; Nocta will ask for the location again" << std::endl;
     }
 }
 

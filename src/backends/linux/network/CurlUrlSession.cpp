@@ -75,7 +75,7 @@ public:
                        [this] { finish({.error = translatable("Nocta", "It took too long")}); });
     }
 
-    /// No callback is called after this.
+    /// Ends the task. No callback is called after this.
     void end() {
         timeout_.invalidate();
         helper_.kill();

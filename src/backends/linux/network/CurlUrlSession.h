@@ -7,9 +7,9 @@
 
 namespace nocta {
 
-/// The network through nocta-fetch, one process for each task: HTTPS only, with checked
-/// certificates. The memory of this process does not grow with what a server sends, in the header
-/// or the body.
+/// Loads data from the network through nocta-fetch, with one process for each task. Only HTTPS with
+/// verified certificates is allowed. The memory of this process does not grow with what a server
+/// sends, in the header or the body.
 class CurlUrlSession final : public UrlSession {
 public:
     /// `certificates` is a file of trusted authorities that replaces the system's.

@@ -159,7 +159,7 @@ int main(int argumentCount, char** arguments) {
     if (!isOfHelperProtocol(argumentCount, arguments)) {
         return otherProtocolStatus;
     }
-    prctl(PR_SET_PDEATHSIG, SIGKILL); // nothing else needs the answer
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // only that Nocta needs the answer
     std::signal(SIGPIPE, SIG_IGN);
     curl_global_init(CURL_GLOBAL_DEFAULT);
     const auto request = nlohmann::json::parse(readAll(), nullptr, false);

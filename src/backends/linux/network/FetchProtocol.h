@@ -12,7 +12,7 @@ namespace nocta {
 enum class FetchKind : std::uint32_t { status, data, end, error };
 
 enum class FetchError : std::uint32_t {
-    broken,         ///< or any other error
+    broken,         ///< the connection was lost, or any other error
     serverNotFound, ///< the host name is unknown
     notReachable,
     notTrusted,

@@ -16,8 +16,8 @@ namespace nocta {
 
 namespace {
 
-/// This process ignores SIGPIPE, but its children must not. The ending signals start out blocked in
-/// a helper: the terminal sends Ctrl-C to the helper as well, perhaps before the helper can ignore
+/// This process ignores SIGPIPE, but its children must not. A helper starts with the ending signals
+/// blocked: the terminal sends Ctrl-C to the helper as well, perhaps before the helper can ignore
 /// it.
 class SpawnAttributes {
 public:
@@ -121,7 +121,7 @@ bool HelperProcess::waitForEnd(std::chrono::milliseconds timeout) {
 
 void HelperProcess::kill() {
     if (process_ > 0) {
-        ::kill(process_, SIGKILL); // first, because the helper would see the socket close
+        ::kill(process_, SIGKILL); // before the socket closes, which the helper would react to
         reap();
     }
 }
@@ -135,7 +135,7 @@ void HelperProcess::release() {
     process_ = -1;
     if (readable_ != nullptr) {
         readable_->setEnabled(false);
-        readable_.release()->deleteLater(); // this may run inside its signal
+        readable_.release()->deleteLater(); // the notifier may be emitting its signal
     }
     socket_.reset();
 }

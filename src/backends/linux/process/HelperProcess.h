@@ -55,7 +55,8 @@ public:
     /// Kills the helper before it can react to anything.
     void kill();
 
-    /// Lets the helper run on without us: it then does what it does when this process dies.
+    /// Leaves the helper running without this process. The helper then does the same as when this
+    /// process dies.
     void release();
 
 private:

@@ -42,10 +42,10 @@ public:
             send(descriptor_, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
             return;
         }
-        // For a stream that cannot be reopened, such as another user's terminal.
+        // This branch is for a stream that cannot be reopened, such as another user's terminal.
         pollfd writable{.fd = descriptor_, .events = POLLOUT, .revents = 0};
         if (poll(&writable, 1, 0) == 1) {
-            text = text.substr(0, PIPE_BUF); // a pipe that is ready takes this much at once
+            text = text.substr(0, PIPE_BUF); // a pipe that is ready has room for this
             [[maybe_unused]] const auto written = ::write(descriptor_, text.data(), text.size());
         }
     }
@@ -55,8 +55,8 @@ private:
     bool isSocket_ = false;
 };
 
-/// Collects text and writes whole lines. It never reports an error to the stream, because the
-/// stream would stay silent after one.
+/// Collects text and writes whole lines. It never reports an error to the stream, because after an
+/// error the stream would stop printing.
 class LineBuffer final : public std::streambuf {
 public:
     explicit LineBuffer(const Outlet& outlet) : outlet_(outlet) {}

@@ -18,7 +18,7 @@ constexpr auto maxWait = 100ms; // responsive services need a few milliseconds
 
 constexpr auto variable = "AT_SPI_BUS_ADDRESS";
 constexpr auto alwaysOnVariable = "QT_LINUX_ACCESSIBILITY_ALWAYS_ON";
-constexpr auto noBus = "unix:path=/dev/null"; // connections are refused at once
+constexpr auto noBus = "unix:path=/dev/null"; // connections are refused immediately
 
 constexpr auto service = "org.a11y.Bus";
 constexpr auto path = "/org/a11y/bus";
@@ -47,7 +47,7 @@ void AccessibilityGate::start(const std::string& serverBus) {
         }
     });
     if (!isOpen_ && probe_ == nullptr && !bus.isMute()) {
-        open(); // there is no bus, and Qt finds that out at once
+        open(); // there is no bus, and Qt notices that immediately
     }
 }
 
@@ -97,7 +97,8 @@ void AccessibilityGate::askRegistry(const std::string& bus, std::function<void()
         [next = std::move(next)](const BusProbe& /*probe*/) { next(); });
 }
 
-/// Qt connects to this bus too, even if another one was named elsewhere.
+/// Asks the bus that the display server names. Qt also connects to this bus, even if it already
+/// knows another one.
 void AccessibilityGate::askServerBus() {
     askRegistry(serverBus_, [this] { open(); });
 }

@@ -11,11 +11,12 @@
 
 namespace nocta {
 
-/// Keeps Qt away from the accessibility bus until every service that Qt blocks on at its first
-/// window has answered: the service that knows whether a screen reader runs, the bus itself, and
-/// the registry on it. Then it makes Qt connect at once. If a window is shown before they have
-/// answered, the program has no screen reader support until its next start. Create it before the
-/// application object; it lives as long as that.
+/// Keeps Qt away from the accessibility bus until every service has answered that Qt blocks on when
+/// it shows its first window: the service that knows whether a screen reader is running, the bus
+/// itself, and the registry on it. Then it makes Qt connect immediately. If a window is shown
+/// before these services have answered, the program has no screen reader support until its next
+/// start. Create this object before the application object; it lives as long as the application
+/// object.
 class AccessibilityGate {
 public:
     AccessibilityGate();
@@ -23,8 +24,8 @@ public:
     AccessibilityGate& operator=(const AccessibilityGate&) = delete;
     ~AccessibilityGate() = default;
 
-    /// Call this once the application object exists. `serverBus` is the bus that the display server
-    /// names, or empty.
+    /// Call this once the application object exists. `serverBus` is the address that the display
+    /// server publishes, or empty.
     void start(const std::string& serverBus);
 
 private:

@@ -18,7 +18,7 @@ using namespace std::chrono_literals;
 constexpr auto maxWait = 200ms; // a responsive bus needs less than 1 ms
 
 constexpr auto variable = "DBUS_SESSION_BUS_ADDRESS";
-constexpr auto noBus = "unix:path=/dev/null"; // connections are refused at once
+constexpr auto noBus = "unix:path=/dev/null"; // connections are refused immediately
 
 constexpr auto inputMethodVariable = "QT_IM_MODULE";
 constexpr auto inputMethodsVariable = "QT_IM_MODULES"; // takes precedence in newer versions of Qt
@@ -29,7 +29,8 @@ void setAddress(const std::string& address) {
     setenv(variable, address.c_str(), 1);
 }
 
-/// Qt reaches IBus through its portal inside a sandbox, and where the user configures it.
+/// Whether Qt may use the portal of IBus, as it does inside a sandbox and if the user configures
+/// it.
 bool usesInputMethodPortal() {
     return std::ranges::any_of(
         std::array{inputMethodVariable, inputMethodsVariable}, [](const char* name) {
@@ -47,8 +48,8 @@ bool isInputMethodPortalMute(const std::string& bus) {
     return portal.waitFor(maxInputMethodWait) == BusProbe::State::pending;
 }
 
-/// Makes the connection that Qt itself uses. Before the application object exists, nothing else
-/// opens a socket meanwhile.
+/// Makes the connection that Qt itself uses. `ConnectLimit` is safe here: before the application
+/// object exists, nothing else opens a socket.
 bool connectQt() {
     const ConnectLimit limit;
     return QDBusConnection::sessionBus().isConnected();

@@ -22,8 +22,9 @@ struct DarkColor {
     QRgb disabled;
 };
 
-/// Every role, so that none keeps its color from a light palette. The style derives edges and
-/// gradients from these, and expects the button color to be halfway between `Light` and `Dark`.
+/// Sets every role, so that none keeps its color from a light palette. The style derives edges and
+/// gradients from these colors, and expects the button color to be halfway between `Light` and
+/// `Dark`.
 constexpr auto darkColors = std::to_array<DarkColor>({
     {QPalette::Window, 0x2a2a2a, 0x2a2a2a},      {QPalette::WindowText, 0xeeeeee, 0x8c8c8c},
     {QPalette::Base, 0x1f1f1f, 0x272727},        {QPalette::AlternateBase, 0x262626, 0x2a2a2a},
@@ -87,7 +88,7 @@ void ColorScheme::apply() {
     if (std::exchange(isApplying_, true)) {
         return; // this event comes from our own change
     }
-    QApplication::setPalette(QPalette()); // the desktop's own, as it is now
+    QApplication::setPalette(QPalette()); // the desktop's current palette
     if (isDarkPreferred_ && isLight(QApplication::palette())) {
         QApplication::setPalette(darkPalette());
     }

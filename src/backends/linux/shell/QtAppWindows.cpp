@@ -19,7 +19,7 @@ namespace {
 
 Qt::WindowFlags flagsOf(const AppWindows::Style& style) {
     const auto isMiniaturizable = (style.styleMask & AppWindows::miniaturizable) != 0;
-    // Window managers give a dialog nothing but a title and a close button.
+    // Window managers give a dialog only a title and a close button.
     Qt::WindowFlags flags = (isMiniaturizable ? Qt::Window : Qt::Dialog) | Qt::CustomizeWindowHint;
     flags.setFlag(Qt::WindowTitleHint, (style.styleMask & AppWindows::titled) != 0);
     flags.setFlag(Qt::WindowCloseButtonHint, (style.styleMask & AppWindows::closable) != 0);
@@ -28,7 +28,7 @@ Qt::WindowFlags flagsOf(const AppWindows::Style& style) {
     return flags;
 }
 
-/// Reports that the user closed it, after it has closed.
+/// Reports when the user has closed it.
 class ClosingWidget final : public QWidget {
 public:
     explicit ClosingWidget(std::function<void()> onClose) : onClose_(std::move(onClose)) {}
@@ -89,7 +89,8 @@ public:
     }
 
 private:
-    /// False if the window is mostly off the screen, for example because its screen was unplugged.
+    /// Returns false if the window is mostly off the screen, for example because its screen was
+    /// unplugged.
     bool isWithinReach() const {
         const auto frame = widget_.frameGeometry();
         const auto seen = frame & widget_.screen()->availableGeometry();

@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// The program's windows in Qt, decorated by the window manager.
+/// The program's windows in Qt, with decorations by the window manager.
 class QtAppWindows final : public AppWindows {
 public:
     std::unique_ptr<AppWindow> makeWindow(const Style& style, std::unique_ptr<View> content,

@@ -24,7 +24,7 @@ QtApplication::QtApplication(RunLoop& runLoop, SingleInstance& instance,
 
 int QtApplication::run(ApplicationDelegate& delegate) {
     const EndingSignals signals([this] { terminate(); });
-    // Runs inside the event loop, so that a request to end in the meantime is not lost.
+    // Runs inside the event loop, so that a request to quit in the meantime is not lost.
     runLoop_.post([this, &delegate] {
         delegate.applicationDidFinishLaunching();
         instance_.listen([this, &delegate] {
@@ -38,7 +38,7 @@ int QtApplication::run(ApplicationDelegate& delegate) {
         });
     });
     QCoreApplication::exec();
-    instance_.close(); // a new start can now take over and need not wait for this process
+    instance_.close(); // a new process can now take over without waiting for this one
     delegate.applicationWillTerminate();
     return exitStatus_;
 }

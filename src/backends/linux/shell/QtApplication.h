@@ -9,10 +9,10 @@
 
 namespace nocta {
 
-/// The process on Qt's event loop. SIGINT, SIGTERM, SIGHUP and the end of the session shut it down
-/// in an orderly way. A later start of the program reopens it. So does, once, a desktop that shows
-/// no tray, because the user would not see that the program runs. A panel that is still starting
-/// gets a moment first.
+/// Runs the process on Qt's event loop. SIGINT, SIGTERM, SIGHUP and the end of the session shut it
+/// down in an orderly way. If the user starts the program again, the running process is reopened.
+/// It is also reopened, once, if the desktop shows no tray, because otherwise the user would not
+/// see that the program is running. A panel that is still starting gets a moment first.
 class QtApplication final : public Application {
 public:
     /// `hasTray` returns whether the desktop shows a tray now.
@@ -20,12 +20,12 @@ public:
 
     int run(ApplicationDelegate& delegate) override;
 
-    /// Nothing to do: a window that becomes key comes to the front anyway.
+    /// Does nothing: a window that becomes key comes to the front anyway.
     void activateIgnoringOtherApps() override {}
 
     void terminate() override;
 
-    /// Ends `run` with a failure.
+    /// Makes `run` return a failure.
     void fail();
 
 private:

@@ -18,7 +18,8 @@ namespace nocta {
 
 namespace {
 
-/// Per break, because another program may insist on the focus as well.
+/// The limit for each break. There is a limit because another program may insist on the focus as
+/// well.
 constexpr int maxTakenBack = 10;
 
 /// The key code of a key that a monitor handles; -1 for all others.
@@ -194,7 +195,8 @@ QtOverlayWindows::addLocalMonitorForKeyDown(std::function<bool(const KeyDownEven
     });
 }
 
-/// The first window that is shown takes the keyboard focus from another window; remember which.
+/// The first window that is shown takes the keyboard focus from another window. Remembers that
+/// window.
 void QtOverlayWindows::windowComes() {
     if (shown_++ > 0) {
         return;
@@ -211,8 +213,8 @@ void QtOverlayWindows::windowComes() {
     connection_->finishTurn();
 }
 
-/// Whether a key press continues the typing that was going on when the first window appeared, or is
-/// the auto-repeat of a held key.
+/// Whether a key press continues what the user was typing when the first window appeared, or is the
+/// auto-repeat of a held key.
 bool QtOverlayWindows::holdsBack(const QKeyEvent& press) {
     if (shown_ == 0) {
         return false;
@@ -224,7 +226,7 @@ bool QtOverlayWindows::holdsBack(const QKeyEvent& press) {
     return typing_->isFromBefore(shownSince_);
 }
 
-/// The pixels that one of Qt's screens covers, if they are known. Qt reports where a screen begins
+/// The pixels that one of Qt's screens covers, if they are known. Qt reports the origin of a screen
 /// in pixels, but its size in points, which are rounded.
 std::optional<Rect> QtOverlayWindows::pixelsOf(const QScreen& screen) {
     std::uint32_t count = 0;

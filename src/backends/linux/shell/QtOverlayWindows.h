@@ -18,10 +18,10 @@ namespace nocta {
 
 /// Overlay windows in Qt. On X11 they bypass the window manager, so that they cover their screens
 /// exactly, on every workspace and above full-screen windows, with any window manager or none. They
-/// take the keyboard focus themselves, and take it back from a window that opens below them, so
-/// that the user does not type into a window that is hidden. When the last one is hidden, it
-/// returns the focus to the window that had it. The rest of what the user was typing when they
-/// appeared is discarded. Without a compositor they are dark and opaque.
+/// take the keyboard focus themselves, and take it back if a window opens below them, so that the
+/// user does not type into a hidden window. When the last overlay window is hidden, it returns the
+/// focus to the window that had it before. Whatever the user was still typing when the overlay
+/// windows appeared is discarded. Without a compositor they are dark and opaque.
 class QtOverlayWindows final : public OverlayWindows {
 public:
     /// `connection` and `typing` are null without an X server. Without `typing`, only the

@@ -27,7 +27,8 @@ constexpr int shadowDrop = 4;
 constexpr float borderOpacity = 0.16F;
 constexpr int shadowLayerAlpha = 8; // of 255
 
-/// Next to the anchor on the side that faces into the screen, centered on it, fully on screen.
+/// Returns the position next to the anchor, on the side that faces the inside of the screen,
+/// centered on the anchor and fully on the screen.
 QPoint placed(const QSize& size, const QRect& anchor, const QRect& screen) {
     const auto available = screen.adjusted(gap, gap, -gap, -gap);
     const auto below = anchor.center().y() < available.center().y();
@@ -46,7 +47,7 @@ class QtPopover::Window final : public QWidget {
 public:
     Window() {
         setWindowTitle(QStringLiteral("Nocta"));
-        setAttribute(Qt::WA_NoMouseReplay); // a click on the item closes, and must not reopen
+        setAttribute(Qt::WA_NoMouseReplay); // a click on the item must close it, not reopen it
         setAttribute(Qt::WA_TranslucentBackground);
         new QVBoxLayout(this);
     }
@@ -60,7 +61,8 @@ public:
         }
     }
 
-    /// Takes the size that the content needs, but at least `contentSize`, next to the anchor.
+    /// Takes the size that the content needs, but at least `contentSize`, and moves next to the
+    /// anchor.
     void place(const QRect& anchor, const QRect& available, bool isComposited) {
         shadowWidth_ = isComposited ? shadowReach : 0;
         layout()->setContentsMargins(shadowWidth_, shadowWidth_, shadowWidth_, shadowWidth_);
@@ -82,7 +84,7 @@ public:
 protected:
     void hideEvent(QHideEvent* event) override {
         QWidget::hideEvent(event);
-        // Delayed, because the content's own click may have closed the popover.
+        // Delayed, because a click in the content may have closed the popover.
         QTimer::singleShot(0, this, [this] {
             if (!isVisible()) {
                 setView(nullptr);

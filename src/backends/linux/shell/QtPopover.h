@@ -11,8 +11,8 @@ namespace nocta {
 
 /// The popover as a separate window that closes when the user clicks elsewhere or presses Escape.
 /// It opens at the status item, or at the pointer if the panel does not report the item's position.
-/// It appears at once: only a compositor could fade it. With a compositor it has round corners and
-/// a shadow.
+/// It appears without a fade, because only a compositor could fade it. With a compositor it has
+/// rounded corners and a shadow.
 class QtPopover final : public Popover {
 public:
     /// `connection` is null without an X server.

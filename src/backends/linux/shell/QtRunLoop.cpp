@@ -37,7 +37,7 @@ void QtRunLoop::cancel(TimerId id) {
         auto* const timer = found->second;
         timers_.erase(found);
         timer->stop();
-        timer->deleteLater(); // not at once: its own action may be canceling it
+        timer->deleteLater(); // not now: the timer's own action may be canceling it
     }
 }
 

@@ -19,7 +19,8 @@ public:
     void post(std::function<void()> action) override;
 
 private:
-    // Declared before the timers, so that it is destroyed last: both deliver late events to it.
+    // Receives posted actions and the timers' signals. Declared before the timers, so that it is
+    // destroyed last.
     QObject context_;
     TimerId lastId_ = 0;
     std::unordered_map<TimerId, QTimer*> timers_; // owned by context_

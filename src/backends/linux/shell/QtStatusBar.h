@@ -11,8 +11,8 @@
 
 namespace nocta {
 
-/// The icon in the system tray: a StatusNotifierItem, or an XEmbed window if no panel hosts those.
-/// It is shown as soon as there is a tray.
+/// The icon in the system tray: a StatusNotifierItem, or an XEmbed window if no panel hosts such
+/// items. It is shown as soon as there is a tray.
 class QtStatusItem final : public QObject, public StatusItem {
 public:
     explicit QtStatusItem(SystemTray& tray);
@@ -21,7 +21,7 @@ public:
     void setAction(std::function<void()> action) override;
     void setMenu(std::unique_ptr<View> menu) override;
 
-    /// On screen; empty on panels that do not report it.
+    /// The icon's area on the screen; empty if the panel does not report it.
     QRect geometry() const { return icon_ ? icon_->geometry() : QRect(); }
 
 protected:

@@ -60,14 +60,14 @@ SingleInstance::SingleInstance(std::string_view server, const std::filesystem::p
     : name_("nocta-" + hashed(server)) {
     if (!open(folder)) {
         std::cerr << "nocta: cannot use " << folder.string() << " (" << std::strerror(errno)
-                  << "); a second start will not find this one" << std::endl;
+                  << "); a second Nocta will not find this one" << std::endl;
         return;
     }
     role_ = findRole(answerTimeout);
 }
 
 bool SingleInstance::open(const std::filesystem::path& folder) {
-    createPrivateFolders(folder); // an error shows when the folder is opened
+    createPrivateFolders(folder); // after an error, opening the folder fails
     folder_ = FileDescriptor(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (folder_ && !isPrivateFolder(folder)) {
         errno = EPERM;
@@ -100,7 +100,7 @@ SingleInstance::Role SingleInstance::findRole(std::chrono::milliseconds answerTi
         if (isConnected && read(socket.get(), &byte, 1) == 1) {
             return Role::answered;
         }
-        std::this_thread::sleep_for(attemptInterval); // it is gone, or does not listen yet
+        std::this_thread::sleep_for(attemptInterval); // the process is gone or not listening yet
     }
 }
 
@@ -115,7 +115,7 @@ bool SingleInstance::bindSocket() {
            ::listen(socket_.get(), maxWaitingStarts) == 0;
 }
 
-/// Returns false at once if nothing listens or the queue is full.
+/// Returns false immediately if nothing listens or the queue is full.
 bool SingleInstance::connectTo(int socket) const {
     const auto address = addressIn(folder_.get(), name_ + ".socket");
     return connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;

@@ -14,12 +14,13 @@
 
 namespace nocta {
 
-/// Limits Nocta to one process per user and display server. The first start holds a lock and
-/// listens on a socket next to it, in a folder that no other user can change. A later start
-/// connects to the socket, and is done once it has been answered. If the first process is just
+/// Limits Nocta to one process per user and display server. The first process holds a lock and
+/// listens on a socket next to it, in a folder that no other user can change. A later process
+/// connects to the socket, and exits once it has an answer. If the first process is already
 /// exiting, the later one takes its place.
 ///
-/// If the folder cannot be used, every start is the first; a line on standard error says so.
+/// If the folder cannot be used, every process counts as the first, and standard error gets one
+/// line about it.
 class SingleInstance {
 public:
     enum class Role { first, answered, unanswered };
@@ -35,10 +36,10 @@ public:
     /// `unanswered` means that another Nocta of this user holds the lock but does not answer.
     Role role() const { return role_; }
 
-    /// Answers later starts from now on, and calls `started` for each.
+    /// Answers later processes from now on, and calls `started` for each of them.
     void listen(std::function<void()> started);
 
-    /// Lets a later start be the first.
+    /// Lets a later process become the first.
     void close();
 
 private:

@@ -14,10 +14,10 @@ namespace nocta {
 
 /// Finds out whether the desktop has a place for icons: a host of StatusNotifierItems on the
 /// session bus, or an XEmbed tray on the X server. A panel often starts after the programs of a
-/// session, and Qt looks only once, so no icon may be made before there is a place for it. Qt asks
-/// the watcher of the items even for an icon in an XEmbed tray, and blocks on the answer, so a
-/// watcher that does not answer must delay the icon in both cases. This class never blocks, and
-/// asks again only if something has changed.
+/// session, and Qt looks only once, so no icon may be created before there is a place for it. Even
+/// for an icon in an XEmbed tray, Qt asks the watcher of StatusNotifierItems and blocks until it
+/// answers, so a watcher that does not answer must delay the icon in both cases. This class never
+/// blocks, and asks again only if something has changed.
 class SystemTray {
 public:
     /// `connection` is null without an X server.
@@ -25,7 +25,8 @@ public:
 
     bool isAvailable() const { return isAvailable_; }
 
-    /// Calls `action` once: when there is a place, or at once if there is one already.
+    /// Calls `action` once: as soon as there is a place for icons, or immediately if there already
+    /// is one.
     void whenAvailable(std::function<void()> action);
 
 private:

@@ -24,7 +24,7 @@ std::string value(QStringView text, qsizetype maxLength = maxValueLength) {
     return bytes.size() <= maxLength ? bytes.toStdString() : std::string();
 }
 
-/// Empty unless all characters are printable, because it is shown to the user.
+/// Empty unless all characters are printable, because the version is shown to the user.
 std::string version(QStringView text) {
     for (const auto character : text.trimmed()) {
         if (character < u'!' || character > u'~') {

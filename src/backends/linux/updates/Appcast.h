@@ -21,7 +21,7 @@ struct AppcastItem {
     std::string releaseNotes{}; ///< plain text
 };
 
-/// Either the releases in the order of the feed, or on one line why the feed cannot be read.
+/// Either the releases in the order of the feed, or a one-line reason why the feed cannot be read.
 struct Appcast {
     std::vector<AppcastItem> items{};
     std::optional<std::string> error{};

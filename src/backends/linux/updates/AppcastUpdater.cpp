@@ -27,8 +27,8 @@ constexpr int succeeded = 200;
 
 constexpr std::array packageSuffixes = {".deb", ".rpm"};
 
-/// The local name of a release's file, which the feed has no influence on. Nothing if no installer
-/// can open the file.
+/// Returns the local name of a release's file, of which the feed determines only the extension.
+/// Returns nothing if no installer can open the file.
 std::optional<std::filesystem::path> packageName(const std::string& url) {
     const auto* const suffix = std::ranges::find_if(
         packageSuffixes, [&](const char* candidate) { return url.ends_with(candidate); });
@@ -42,7 +42,7 @@ bool isForThisSystem(const AppcastItem& item, const std::string& systemVersion) 
            std::is_lteq(compareVersions(item.minimumSystemVersion, systemVersion));
 }
 
-/// Why a release cannot be offered, known before its file is loaded.
+/// Returns why a release cannot be offered, as far as that is known before its file is downloaded.
 std::optional<std::string> problemWith(const AppcastItem& item) {
     if (!item.url.starts_with("https://")) {
         return translatable("Nocta", "The file's address is not encrypted");
@@ -86,7 +86,8 @@ std::optional<std::string> AppcastUpdater::startUpdater(DidFinishUpdateCycle did
     return std::nullopt;
 }
 
-/// Asks the user at the second start: there is enough that is new at the first.
+/// Asks the user for permission on the second launch, because the first launch already shows enough
+/// that is new.
 void AppcastUpdater::begin() {
     removeOldFiles();
     if (memory_.record().checksAutomatically) {
@@ -148,7 +149,8 @@ void AppcastUpdater::removeOldFiles() const {
 void AppcastUpdater::checkIfDue() {
     const auto now = runLoop_.wallNow();
     const auto& last = memory_.record().lastCheck;
-    const auto isDue = !last || now < *last || now - *last >= checkInterval; // it may be set back
+    // A last check in the future means that the clock was set back.
+    const auto isDue = !last || now < *last || now - *last >= checkInterval;
     if (isDue && !isShown() && !isLoading()) {
         isUserInitiated_ = false;
         check();
@@ -238,7 +240,7 @@ std::filesystem::path AppcastUpdater::package() const {
     return downloads_ / *packageName(offered_.url);
 }
 
-/// False if the file has been deleted since the download.
+/// Returns false if the file has been deleted since the download.
 bool AppcastUpdater::isDownloaded() const {
     std::error_code error;
     return downloaded_.edSignature == offered_.edSignature && downloaded_.url == offered_.url &&
@@ -316,7 +318,7 @@ void AppcastUpdater::handOver() {
     installation_ = openPackage_(package(), [this, version = offered_.shortVersionString](
                                                 const std::optional<std::string>& error) {
         const auto isSeen = std::holds_alternative<UpdateHandedOver>(stage.get()) || !isShown();
-        if (error && isSeen) { // otherwise the user is doing something else by now
+        if (error && isSeen) { // otherwise the user has moved on
             stage.set(UpdaterError{*error, version});
         }
     });

@@ -17,12 +17,12 @@
 
 namespace nocta {
 
-/// A standard updater: reads the publisher's appcast, daily if the user has allowed it, and passes
-/// files that the publisher has signed to the desktop's installer. It loads one feed or file at a
-/// time; a cycle is a check and everything that follows from it.
+/// A standard updater. It reads the publisher's appcast, daily if the user has allowed that, and
+/// passes files that the publisher has signed to the desktop's installer. It downloads one feed or
+/// file at a time. A cycle is a check and everything that follows from it.
 class AppcastUpdater final : public Updater {
 public:
-    /// Same as `openPackage`.
+    /// Works like `openPackage`.
     using PackageInstaller = std::function<Subscription(
         const std::filesystem::path& package,
         std::function<void(const std::optional<std::string>& error)> opened)>;

@@ -11,17 +11,18 @@ namespace nocta {
 using Ed25519PublicKey = std::array<unsigned char, 32>;
 using Ed25519Signature = std::array<unsigned char, 64>;
 
-/// Decodes Base64. Nothing for a point that cannot be an honest key.
+/// Decodes Base64. Returns nothing for a point that cannot be an honest key.
 std::optional<Ed25519PublicKey> ed25519PublicKey(std::string_view base64);
 /// Decodes Base64.
 std::optional<Ed25519Signature> ed25519Signature(std::string_view base64);
 
-/// Checks the signature of a message that is too long for memory. RFC 8032, section 5.1.7, where
-/// the message is hashed once and in order; without the cofactor, like libsodium's own check.
+/// Checks the signature of a message that does not fit in memory. It follows RFC 8032, section
+/// 5.1.7, where the message is hashed once and in order. Like libsodium's own check, it does not
+/// use the cofactor.
 ///
 ///     Ed25519Verification verification(key, signature);
-///     verification.update(piece); // for each
-///     verification.isValid();     // once
+///     verification.update(piece); // for each piece
+///     verification.isValid();     // only once
 class Ed25519Verification {
 public:
     Ed25519Verification(const Ed25519PublicKey& key, const Ed25519Signature& signature);

@@ -11,12 +11,13 @@ namespace nocta {
 
 namespace {
 
-/// Lets a running opener go on: it may be the installer itself.
+/// Deletes an opener only after it has exited, because a running opener may be the installer
+/// itself.
 struct Later {
     void operator()(QProcess* opener) const {
         opener->disconnect();
         if (opener->state() == QProcess::NotRunning) {
-            opener->deleteLater(); // this may run inside its signal
+            opener->deleteLater(); // it may be emitting a signal
         } else {
             QObject::connect(opener, &QProcess::finished, opener, &QObject::deleteLater);
         }
@@ -39,7 +40,7 @@ Subscription openPackage(const std::filesystem::path& package,
                      });
     QObject::connect(opener.get(), &QProcess::errorOccurred, opener.get(),
                      [finish](QProcess::ProcessError error) {
-                         if (error == QProcess::FailedToStart) { // `finished` follows all others
+                         if (error == QProcess::FailedToStart) { // `finished` follows other errors
                              finish(false);
                          }
                      });

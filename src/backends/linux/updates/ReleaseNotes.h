@@ -8,8 +8,9 @@ namespace nocta {
 
 enum class NotesFormat { html, plainText };
 
-/// The release notes of a feed as plain text to be shown: no markup, nothing that loads or can be
-/// clicked, no characters that hide or reverse others, and no more than anybody reads. UTF-8.
+/// Returns the release notes of a feed as plain text, in UTF-8: without markup, without anything
+/// that loads or can be clicked, without characters that hide or reverse others, and with a limited
+/// length.
 std::string releaseNotes(const QString& text, NotesFormat format);
 
 } // namespace nocta

@@ -13,8 +13,8 @@
 namespace nocta {
 
 /// A file that arrives from the network in pieces. It gets its final name only after its signature
-/// has been verified; otherwise nothing of it stays. Several may use the same name, one after the
-/// other.
+/// has been verified; otherwise it is deleted. Several downloads may use the same name, one after
+/// the other.
 class UpdateFile {
 public:
     /// `length` is in bytes, according to the feed. The folder is created for this user only.
@@ -27,7 +27,7 @@ public:
     std::optional<std::string> add(std::string_view piece);
     std::optional<std::string> finish();
 
-    /// 0.0–1.0.
+    /// The part that has arrived, 0.0–1.0.
     double progress() const;
 
 private:

@@ -33,7 +33,7 @@ std::optional<Value> valueOf(const nlohmann::json& record, const char* key) {
     return value == nullptr ? std::nullopt : std::optional(*value);
 }
 
-/// Nothing if the time is outside the range of the clock.
+/// Returns nothing if the time is outside the range of the clock.
 std::optional<WallTime> timeOf(std::int64_t seconds) {
     constexpr auto latest = std::chrono::floor<std::chrono::seconds>(WallTime::max());
     if (seconds < 0 || seconds > latest.time_since_epoch().count()) {
@@ -83,8 +83,8 @@ UpdaterMemory::UpdaterMemory(std::filesystem::path file) : file_(std::move(file)
 void UpdaterMemory::keep() {
     std::error_code error;
     createPrivateFolders(file_.parent_path());
-    // The file is replaced in one step, without waiting for the disk: the screen would have to wait
-    // too.
+    // Replaces the file in one step. This does not wait for the disk, because the screen would have
+    // to wait too.
     const auto next = file_.string() + ".new";
     const auto isWritten =
         static_cast<bool>(std::ofstream(next) << serialized(record_) << std::flush);

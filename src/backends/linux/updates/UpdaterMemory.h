@@ -23,7 +23,7 @@ struct UpdaterRecord {
 UpdaterRecord parseUpdaterRecord(std::string_view json);
 std::string serialized(const UpdaterRecord& record);
 
-/// The record in a file of its own. If it cannot be written, it stays in memory.
+/// Keeps the record in its own file. If the file cannot be written, the record stays in memory.
 class UpdaterMemory {
 public:
     explicit UpdaterMemory(std::filesystem::path file);

@@ -31,11 +31,11 @@ void writeMatrix(xcb_connection_t* connection, xcb_randr_output_t output,
 /// The stored matrices.
 FactoryMatrices readFactoryMatrices(xcb_connection_t* connection, xcb_window_t root);
 
-/// Replaces the stored matrices. Later readers see the new ones at once.
+/// Replaces the stored matrices. Later readers see the new ones immediately.
 void storeFactoryMatrices(xcb_connection_t* connection, xcb_window_t root,
                           const FactoryMatrices& matrices);
 
-/// Writes all of them to their outputs and removes the stored ones.
+/// Writes all these matrices to their outputs and removes the stored ones.
 void restore(xcb_connection_t* connection, xcb_window_t root, const FactoryMatrices& matrices);
 
 } // namespace nocta

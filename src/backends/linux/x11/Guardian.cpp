@@ -57,7 +57,8 @@ void Guardian::dismiss(const void* writer) {
     wake(); // a helper that has not answered yet restores what a dead Nocta left
 }
 
-/// Lets the helper run on without us: it then does what it does when this process dies.
+/// Leaves the helper running without this process. The helper then does the same as when this
+/// process dies.
 void Guardian::wake() {
     timeout_.invalidate();
     pause_.invalidate();
@@ -146,7 +147,7 @@ xcb_window_t Guardian::owner() {
     return connection_.ownerOf(connection_.atom(guardianSelection));
 }
 
-/// False once another Nocta has taken over the display because the helper was frozen.
+/// Returns false once another Nocta has taken over the display because the helper was frozen.
 bool Guardian::isInControl() {
     const auto window = owner();
     return permission_ == Permission::granted && (window == XCB_NONE || window == helperWindow_);

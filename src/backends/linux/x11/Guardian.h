@@ -10,12 +10,13 @@
 
 namespace nocta {
 
-/// The process that gives the screen back if this one dies without doing so. An X server keeps
-/// gamma ramps and color matrices after the client that wrote them is gone, no matter how it ended.
-/// So Nocta starts a small helper process before the first write; if the helper's socket closes
-/// while it lives, it restores what was there before. If the helper dies, it is replaced: at once,
-/// and if it keeps dying, after a pause or at the next write. No call waits for the helper to get
-/// ready, because the helper may have to wait for the guardian of a Nocta that has died.
+/// Manages the helper process that gives the screen back if this process dies without doing so. An
+/// X server keeps gamma ramps and color matrices after the client that wrote them is gone, no
+/// matter how it ended. So Nocta starts the small helper before the first write. If the socket to
+/// Nocta closes while the helper is running, the helper restores what was there before the first
+/// write. If the helper dies, it is replaced: immediately, or, if it keeps dying, after a pause or
+/// at the next write. No call waits until the helper is ready, because the helper may have to wait
+/// for the guardian of a Nocta that has died.
 class Guardian {
 public:
     enum class Permission {
@@ -24,15 +25,15 @@ public:
         refused, ///< another running Nocta controls the display
     };
 
-    /// `connection` is the one that the writes use.
+    /// `connection` is the connection that the writers use.
     Guardian(X11Connection& connection, RunLoop& runLoop)
         : connection_(connection), runLoop_(runLoop) {}
     Guardian(const Guardian&) = delete;
     Guardian& operator=(const Guardian&) = delete;
     ~Guardian() { wake(); }
 
-    /// Every writer calls this before it writes: it starts the helper unless one is running. If the
-    /// helper cannot be started, that is reported on standard error, and the display stays
+    /// Every writer calls this before it writes. This starts the helper unless one is running. If
+    /// the helper cannot be started, standard error gets a line about it, and the display stays
     /// unguarded.
     Permission request(const void* writer);
 
@@ -41,13 +42,13 @@ public:
         return changed_.add(std::move(callback));
     }
 
-    /// Every writer that has called `request` ends with this: it calls `restore`, which restores
-    /// what the writer has changed, unless another Nocta has taken over the display. After the last
-    /// writer the helper exits without doing anything; if the server could not be reached,
-    /// restoring is left to the helper.
+    /// Every writer that has called `request` calls this at the end. It calls `restore`, which
+    /// undoes the writer's changes, unless another Nocta has taken over the display. After the last
+    /// writer, the helper exits without doing anything. If the server cannot be reached, the helper
+    /// does the restoring.
     void restore(const void* writer, const std::function<void()>& restore);
 
-    /// For a writer that has called `request` and written nothing.
+    /// Ends a writer that has called `request` but written nothing.
     void dismiss(const void* writer);
 
     /// Whether a helper is running that has not answered yet.

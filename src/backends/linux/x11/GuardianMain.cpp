@@ -27,7 +27,7 @@ constexpr int program = STDIN_FILENO;
 /// How long another guardian may take to answer; longer than restoring the screen takes.
 constexpr auto answerTimeout = std::chrono::milliseconds(5000);
 
-/// How long a guardian that answers may stay: its Nocta may be dying.
+/// How long another guardian may stay after it has answered: its Nocta may be dying.
 constexpr auto predecessorTimeout = std::chrono::milliseconds(2500);
 
 constexpr auto lastRequestsTimeout = std::chrono::milliseconds(1000);
@@ -146,10 +146,10 @@ xcb_window_t selectionOwner() {
     return reply->owner;
 }
 
-/// Takes the guardians' selection if nobody owns it or `frozen` still does. Returns the previous
-/// owner.
+/// Takes the guardians' selection if it has no owner or still belongs to `frozen`. Returns the
+/// previous owner.
 xcb_window_t takeSelection(xcb_window_t frozen) {
-    xcb_grab_server(x); // nobody else may take the selection between the check and the change
+    xcb_grab_server(x); // no other client may take the selection between check and change
     const auto owner = selectionOwner();
     if (owner == XCB_NONE || owner == frozen) {
         xcb_set_selection_owner(x, ownWindow, selection, XCB_CURRENT_TIME);

@@ -7,10 +7,10 @@ namespace nocta {
 // The messages between Nocta and its guardian, over a stream socket that the guardian gets as its
 // standard input. Both run on one machine, so numbers are in native byte order.
 //
-// Nocta sends a `GuardianHello`, and the guardian answers with one `GuardianAnswer`: at once if no
-// other guardian is running, otherwise as soon as it knows whether that one exits. When the socket
-// closes, Nocta has died or could not give the screen back, so the guardian does. Once Nocta has
-// given the screen back, it kills its guardian.
+// Nocta sends a `GuardianHello`, and the guardian answers with one `GuardianAnswer`: immediately if
+// no other guardian is running, otherwise as soon as it knows whether the other guardian exits.
+// When the socket closes, Nocta has died or could not give the screen back, so the guardian does.
+// Once Nocta has given the screen back, it kills its guardian.
 
 struct GuardianHello {
     std::uint32_t window; ///< exists as long as the server still handles Nocta's requests

@@ -16,7 +16,7 @@ namespace nocta {
 /// that is gone has no properties, and a property of an unexpected type counts as missing.
 class WindowProperty {
 public:
-    /// `length` is the most that is read, in units of 32 bits.
+    /// `length` is the maximum to read, in units of 32 bits.
     WindowProperty(const X11Connection& connection, xcb_window_t window, xcb_atom_t property,
                    xcb_atom_t type, std::uint32_t length)
         : connection_(connection), type_(type),

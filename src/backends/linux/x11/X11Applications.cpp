@@ -65,7 +65,7 @@ std::optional<RunningApplication> X11Applications::applicationOf(xcb_window_t wi
 }
 
 /// The process whose connection created a window, according to the server, or 0. The process ID
-/// that a window reports itself may be a number inside a sandbox.
+/// that a window itself reports may be valid only inside a sandbox.
 std::uint32_t X11Applications::processOf(xcb_window_t window) const {
     constexpr std::uint32_t wanted = XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID;
     if (!knowsProcesses_) {

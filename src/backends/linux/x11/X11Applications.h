@@ -10,14 +10,15 @@
 
 namespace nocta {
 
-/// Which application a window of an X11 session belongs to, by its properties and by the process
-/// that made it.
+/// Finds the application that a window of an X11 session belongs to, by the window's properties and
+/// by the process that created it.
 class X11Applications {
 public:
-    /// `processes` is where the kernel shows the processes of the system.
+    /// `processes` is the folder where the kernel lists the processes of the system.
     X11Applications(X11Connection& connection, std::filesystem::path processes);
 
-    /// Nothing for no window, and for one that says nothing about itself. Waits for the server.
+    /// Returns nothing for no window, or for a window that reports nothing about its application.
+    /// Waits for the server.
     std::optional<RunningApplication> applicationOf(xcb_window_t window) const;
 
 private:

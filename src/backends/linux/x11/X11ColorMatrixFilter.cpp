@@ -55,7 +55,7 @@ void X11ColorMatrixFilter::setOn(bool on) {
     }
 }
 
-/// Carries out what was waiting for the permission to write, once the permission is known.
+/// Once the permission to write is known, carries out what was waiting for it.
 void X11ColorMatrixFilter::take(Guardian::Permission permission) {
     if (permission == Guardian::Permission::pending) {
         return;

@@ -42,7 +42,7 @@ public:
     /// mask per window, so no other code may set the mask of the root window.
     void selectRootEvents(std::uint32_t mask);
 
-    /// XCB_ATOM_NONE if the server has no atom of that name.
+    /// Returns XCB_ATOM_NONE if the server has no atom of that name.
     xcb_atom_t existingAtom(std::string_view name) const {
         return internAtom(connection_, name, true);
     }

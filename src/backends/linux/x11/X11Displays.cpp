@@ -176,7 +176,8 @@ std::vector<X11Displays::Output> X11Displays::readOutputs() const {
     return outputs;
 }
 
-/// Some drivers name a laptop's panel like any other output, and mark it with a property.
+/// Some drivers name a laptop's panel like any other output, and mark it as a panel with a
+/// property.
 bool X11Displays::isPanel(xcb_randr_output_t output) const {
     auto* const x = connection_.get();
     const auto property = connection_.existingAtom("ConnectorType");

@@ -26,7 +26,7 @@ bool isSame(const GammaRamp& a, const GammaRamp& b) {
            std::ranges::equal(a.blue, b.blue, isClose);
 }
 
-/// Nothing if the CRTC is gone.
+/// Returns nothing if the CRTC is gone.
 std::optional<GammaRamp> readRamp(xcb_connection_t* connection, xcb_randr_crtc_t crtc) {
     const XcbReply<xcb_randr_get_crtc_gamma_reply_t> reply(xcb_randr_get_crtc_gamma_reply(
         connection, xcb_randr_get_crtc_gamma(connection, crtc), nullptr));
@@ -155,7 +155,7 @@ void X11GammaOutput::arm() {
     }
 }
 
-/// The CRTC with its current factory ramp; null if the ramp cannot be read.
+/// Returns the CRTC with its current factory ramp, or null if the ramp cannot be read.
 X11GammaOutput::Crtc* X11GammaOutput::find(xcb_randr_crtc_t id) {
     const auto known = crtcs_.find(id);
     if (known != crtcs_.end() && !mayBeCalibratedAnew(id, known->second)) {

@@ -14,12 +14,13 @@
 namespace nocta {
 
 /// The gamma ramps of the CRTCs that drive the displays. Each CRTC's factory ramp is read before
-/// the first write to it and kept on the server. Tables are laid over it as over a calibration, and
-/// it is what the screen is restored to, by this process or, if this process dies, by its guardian.
-/// A CRTC that was off or now drives another display may have been recalibrated: its ramp is read
-/// again before the next write. Until the guardian is ready, only the newest tables of each display
-/// are kept. Apart from these cases no write waits for the server. Equal tables are written too:
-/// this repairs a display that another program has reset, which no event reports.
+/// the first write to the CRTC and kept on the server. Tables are laid over the factory ramp as
+/// over a calibration. At the end this process restores the factory ramp, or its guardian does if
+/// this process dies. A CRTC that was off or now drives another display may have been recalibrated:
+/// its ramp is read again before the next write. Until the guardian is ready, only the newest
+/// tables of each display are kept. Apart from these cases no write waits for the server. Tables
+/// are written even if they have not changed, because this repairs a display that another program
+/// has reset, which no event reports.
 class X11GammaOutput final : public GammaOutput {
 public:
     X11GammaOutput(X11Connection& connection, X11Displays& displays, Guardian& guardian);

@@ -91,8 +91,8 @@ void X11KeyEvents::handle(const X11Connection::Event& event) {
     }
 }
 
-/// The time on our clock at which a key was pressed, even if its event is read late: the server's
-/// clock, which wraps around, gives the time since the previous key.
+/// The time on this process's clock at which a key was pressed, even if its event is read late. The
+/// server's clock, which wraps around, gives the time since the previous key.
 MonotonicTime X11KeyEvents::timeOf(std::uint32_t serverTime) {
     const auto now = runLoop_.monotonicNow();
     const auto sinceLast = std::chrono::milliseconds(serverTime - lastServerTime_);
@@ -101,7 +101,7 @@ MonotonicTime X11KeyEvents::timeOf(std::uint32_t serverTime) {
 }
 
 void X11KeyEvents::press(xcb_keycode_t code) {
-    repeat_.invalidate(); // any other key ends a repeat, as the keyboard's own repeat does
+    repeat_.invalidate(); // any other key ends the repeat, as on a real keyboard
     if (!std::exchange(mappingIsRead_, true)) {
         readMapping();
     }
@@ -144,8 +144,8 @@ void X11KeyEvents::repeatWhileHeld(std::int64_t keyCode) {
                   });
 }
 
-/// Asks XKB, which also knows the repeat rate, to report changes of the mapping: the server reports
-/// them in no other way to a client that uses XKB.
+/// Asks XKB to report changes of the mapping. The server reports them in no other way to a client
+/// that uses XKB, and this client needs XKB for the repeat rate.
 void X11KeyEvents::followKeyboard() {
     auto* const x = connection_.get();
     const auto* const extension = xcb_get_extension_data(x, &xcb_xkb_id);

@@ -13,11 +13,11 @@
 
 namespace nocta {
 
-/// The brightness keys, from raw XInput 2 events on the root window. It needs no grab, and works
-/// whichever client has the focus or a grab of its own. Each key press becomes a system-defined
-/// event and a key-down event, as on other platforms; for other keys only the time of the press is
-/// kept. Raw events do not repeat while a key is held, so this class repeats them, at the
-/// keyboard's own rate.
+/// The brightness keys, from raw XInput 2 events on the root window. Raw events need no grab, and
+/// arrive no matter which client has the focus or a grab of its own. Each press of a brightness key
+/// becomes a system-defined event and a key-down event, as on other platforms; for other keys only
+/// the time of the press is kept. Raw events do not repeat while a key is held, so this class
+/// repeats them at the keyboard's own rate.
 class X11KeyEvents final : public KeyEvents {
 public:
     X11KeyEvents(X11Connection& connection, RunLoop& runLoop);
@@ -26,7 +26,7 @@ public:
         std::function<void(const SystemDefinedEvent&)> handler) override;
     Subscription createKeyDownTap(std::function<void(const KeyDownEvent&)> handler) override;
 
-    /// When keys were typed, in any window. Never, without XInput 2.
+    /// The times at which keys were typed, in any window. Without XInput 2 there are none.
     const Typing& typing() const { return typing_; }
 
 private:

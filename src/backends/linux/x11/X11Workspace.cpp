@@ -10,13 +10,14 @@ namespace nocta {
 
 namespace {
 
-// The most that is read of a property, in units of 32 bits.
+// The maximum that is read of a property, in units of 32 bits.
 constexpr std::uint32_t maxWindows = 1024;
 constexpr std::uint32_t maxAtoms = 64;
 
 constexpr std::uint32_t onEveryDesktop = 0xFFFFFFFF;
 
-/// Two windows of one application may differ in everything but the identifier.
+/// Compares only the identifiers if there are any, because two windows of one application may
+/// differ in everything else.
 bool isSame(const std::optional<RunningApplication>& one,
             const std::optional<RunningApplication>& other) {
     return one && other && one->bundleIdentifier ? one->bundleIdentifier == other->bundleIdentifier
@@ -139,8 +140,8 @@ void X11Workspace::noticeActivation() {
     }
 }
 
-/// What the window manager reports on the root window. Nothing if none is running, because a window
-/// manager that was killed leaves its properties behind.
+/// Returns what the window manager reports on the root window. Returns nothing if no window manager
+/// is running, because one that was killed leaves its properties behind.
 std::optional<std::vector<xcb_window_t>> X11Workspace::managedWindows(xcb_atom_t property,
                                                                       std::uint32_t most) const {
     const WindowProperty wanted(connection_, connection_.root(), property, XCB_ATOM_WINDOW, most);
@@ -161,7 +162,7 @@ xcb_window_t X11Workspace::activeWindow() const {
     return !windows || windows->empty() ? xcb_window_t{XCB_NONE} : windows->front();
 }
 
-/// In root coordinates; empty if there is no window.
+/// Returns a window's frame in root coordinates, or an empty frame if there is no window.
 Rect X11Workspace::frameOf(xcb_window_t window) const {
     if (window == XCB_NONE) {
         return {};
@@ -180,7 +181,7 @@ Rect X11Workspace::frameOf(xcb_window_t window) const {
             static_cast<double>(geometry->width), static_cast<double>(geometry->height)};
 }
 
-/// The main display comes first.
+/// Returns the frames of all screens, starting with the main display.
 std::vector<Rect> X11Workspace::screenFrames() const {
     auto ids = displays_.ids();
     std::stable_partition(ids.begin(), ids.end(),

@@ -9,9 +9,11 @@
 
 namespace nocta {
 
-// What the program and the guardian both ask an X server. Each call waits for the server.
+// The requests to an X server that the program and the guardian share. Each call waits for the
+// server.
 
-/// None if the server is gone, or has no such atom and `onlyIfExists` is set.
+/// Returns XCB_ATOM_NONE if the server is gone, or if it has no such atom and `onlyIfExists` is
+/// set.
 inline xcb_atom_t internAtom(xcb_connection_t* connection, std::string_view name,
                              bool onlyIfExists = false) {
     const auto request = xcb_intern_atom(connection, onlyIfExists ? 1 : 0,
@@ -37,7 +39,7 @@ inline xcb_screen_t* screenOf(xcb_connection_t* connection, int number) {
     return screens.data;
 }
 
-/// Null if the server does not have the extension.
+/// Returns null if the server does not have the extension.
 inline const xcb_query_extension_reply_t* findExtension(xcb_connection_t* connection,
                                                         xcb_extension_t& extension) {
     const auto* const data = xcb_get_extension_data(connection, &extension);

@@ -12,14 +12,15 @@
 #include <memory>
 #include <utility>
 
-/// Its only subview fills it.
+/// A view whose only subview fills it.
 @interface NoctaContainerView : NSView
 @end
 
 namespace nocta {
 
-/// A Qt view for a native window or popover. Qt's own native view is inside a plain one: Qt would
-/// take over a window whose content view it is, and change its sizes and its buttons.
+/// A Qt view for a native window or popover. Qt's own native view is inside a plain view: if Qt's
+/// view were the content view of a window, Qt would take over that window and change its sizes and
+/// its buttons.
 class HostedView : QObject {
 public:
     enum class Kind {
@@ -36,7 +37,7 @@ public:
         contentWidget_.setMinimumSize(contentWidget_.minimumSize().expandedTo(
             QSize(qRound(least.width), qRound(least.height))));
         contentWidget_.installEventFilter(this);
-        widget_.setWindowFlags(Qt::SubWindow); // only a native view, without a window of Qt
+        widget_.setWindowFlags(Qt::SubWindow); // only a native view, without a Qt window
         widget_.setAttribute(Qt::WA_TranslucentBackground, kind == Kind::clear);
         const NSSize size = fittingSize();
         container_ =
@@ -51,7 +52,7 @@ public:
 
     NSView* view() const { return container_; }
 
-    /// Called whenever the content may need another size or its colors have changed.
+    /// Called whenever the content may need another size, or when its colors have changed.
     std::function<void()> contentChanged;
 
     /// The size that the content needs, in points.

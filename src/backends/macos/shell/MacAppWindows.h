@@ -46,7 +46,8 @@ public:
         [window_ close];
     }
 
-    /// Ordering a minimized window to the front would leave it in the Dock.
+    /// A minimized window is restored first, because ordering it to the front would leave it in the
+    /// Dock.
     void makeKeyAndOrderFront() override {
         if (window_.miniaturized) {
             [window_ deminiaturize:nil];
@@ -57,7 +58,8 @@ public:
     void orderFrontRegardless() override { [window_ orderFrontRegardless]; }
 
 private:
-    /// The title bar stays where it is if there is space below.
+    /// Resizes the window to its content. The title bar stays where it is if there is space below
+    /// it.
     void fitContent() {
         const NSSize size = content_.fittingSize();
         const NSRect old = window_.frame;

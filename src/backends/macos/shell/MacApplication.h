@@ -26,7 +26,7 @@ class MacApplication final : public Application {
 public:
     explicit MacApplication(RunLoop& runLoop) : runLoop_(runLoop) {
         NSApplication.sharedApplication.delegate = delegate_;
-        // Same as in Info.plist; otherwise a program without its bundle may not show windows.
+        // Same as in Info.plist; otherwise a program without a bundle may not show windows.
         [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
         // Qt would bring a program that starts in the menu bar to the front of the user's work.
         qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
@@ -42,8 +42,8 @@ public:
         }
     }
 
-    /// AppKit ends the process itself; if Qt's loop ends, the program is notified as well. The menu
-    /// replaces the one that Qt has made, whose item for the preferences does nothing.
+    /// AppKit ends the process itself. If Qt's loop ends instead, this notifies the delegate. The
+    /// menu replaces the one that Qt has made, whose item for the preferences does nothing.
     int run(ApplicationDelegate& delegate) override {
         delegate_->receiver = &delegate;
         NSApp.mainMenu = makeMainMenu(delegate_);
@@ -62,12 +62,12 @@ private:
     RunLoop& runLoop_;
     std::vector<dispatch_source_t> signals_;
     NoctaApplicationDelegate* delegate_ = [[NoctaApplicationDelegate alloc] init]; // retained
-    /// Held for the life of the process. Otherwise App Nap slows the timers of a program without
+    /// Held for the life of the process. Without it, App Nap slows the timers of a program without
     /// visible windows to one tick in many seconds, and breaks would come hours late. The machine
     /// may still sleep.
     id<NSObject> activity_ = [NSProcessInfo.processInfo
         beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
-                          reason:@"Breaks and the color of the screen keep to the time"];
+                          reason:@"Breaks and screen colors follow the clock"];
 };
 
 } // namespace nocta

@@ -23,8 +23,8 @@
     }
 }
 
-/// Ends at once. Qt would refuse first and then leave its event loop, and the refusal would cancel
-/// a logout in progress.
+/// Quits immediately. Qt would refuse first and then leave its event loop, and the refusal would
+/// cancel a logout in progress.
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender {
     return NSTerminateNow;
 }

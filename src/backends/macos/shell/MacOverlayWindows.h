@@ -14,8 +14,8 @@
 #include <memory>
 #include <utility>
 
-/// Becomes the key window without becoming the main window; a borderless window would become
-/// neither.
+/// Can become the key window without becoming the main window; a plain borderless window could
+/// become neither.
 @interface HostingOverlayWindow : NSWindow
 @end
 
@@ -96,7 +96,7 @@ class MacOverlayWindows final : public OverlayWindows {
 public:
     explicit MacOverlayWindows(RunLoop& runLoop) : previousApplication_(runLoop) {}
 
-    /// The frames are in AppKit's coordinates, which place windows.
+    /// The frames are in AppKit's coordinates, the ones that place windows.
     std::vector<Screen> screens() override {
         std::vector<Screen> screens;
         for (NSScreen* screen in NSScreen.screens) {
@@ -115,9 +115,9 @@ public:
                                                   previousApplication_);
     }
 
-    /// The monitor is added once the windows are shown. Event times use the clock of systemUptime,
-    /// and so does the time of the last key before that. The system does not document what it
-    /// returns if no key was pressed since the login.
+    /// Call this after the windows are shown. Event times use the clock of systemUptime, and so
+    /// does the time of the last key before that moment. The system does not document what it
+    /// returns if no key has been pressed since login.
     Subscription
     addLocalMonitorForKeyDown(std::function<bool(const KeyDownEvent&)> handler) override {
         const NSTimeInterval shownSince = NSProcessInfo.processInfo.systemUptime;

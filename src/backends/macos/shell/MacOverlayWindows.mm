@@ -10,7 +10,7 @@
     return NO;
 }
 
-/// An alert may be open below.
+/// Lets this window work while an alert is open below it.
 - (BOOL)worksWhenModal {
     return YES;
 }

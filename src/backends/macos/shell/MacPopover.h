@@ -12,9 +12,9 @@
 namespace nocta {
 
 /// The popover below the status item. It opens without making Nocta the active program, so that a
-/// meeting in front stays in front; activating Nocta first would change that. AppKit does not
-/// document which interactions close a transient popover, especially for an inactive program, so
-/// two that must close it are watched here while it is shown.
+/// meeting stays in front. AppKit does not document which interactions close a transient popover,
+/// especially for an inactive program. So this class watches for two that must close it while it is
+/// shown.
 class MacPopover final : public Popover {
 public:
     explicit MacPopover(RunLoop& runLoop)
@@ -37,7 +37,7 @@ public:
     }
     void setAnimates(bool animates) override { popover_.animates = animates; }
 
-    /// Content that needs more than the set size makes the popover grow, now and later.
+    /// If the content needs more than the set size, now or later, the popover grows.
     void setContentView(std::unique_ptr<View> view) override {
         const auto old = std::exchange(content_, nullptr); // destroyed after its controller
         if (view == nullptr) {
@@ -53,7 +53,7 @@ public:
         content_->contentChanged = [this] { fitContent(); };
     }
 
-    /// The popover of a button in the menu bar is below it.
+    /// Opens the popover below its button in the menu bar.
     void show(StatusItem& relativeTo) override {
         NSStatusBarButton* const button = static_cast<MacStatusItem&>(relativeTo).button();
         if (button == nil || content_ == nullptr) {
@@ -78,8 +78,9 @@ private:
     }
 
     /// Watches for another window of this program, and for a click in another program, for example
-    /// on its item in the menu bar, which AppKit does not report otherwise. On some systems a click
-    /// on the program's own item arrives here too; then the item's action closes the popover.
+    /// on its item in the menu bar. AppKit does not report such a click otherwise. On some systems
+    /// a click on this program's own item arrives here too; then the item's action closes the
+    /// popover.
     void watch(NSWindow* item) {
         didBecomeKey_ =
             observe(NSNotificationCenter.defaultCenter, NSWindowDidBecomeKeyNotification, nil,

@@ -16,7 +16,7 @@
 
 namespace nocta {
 
-/// It has no menu: a click opens the popover, which contains everything that a menu would.
+/// The item has no menu: a click opens the popover, which contains everything that a menu would.
 class MacStatusItem final : public StatusItem {
 public:
     MacStatusItem() {

@@ -9,9 +9,9 @@
 
 namespace nocta {
 
-/// The program that the user worked in before Nocta. AppKit leaves a program that is not in the
-/// Dock active when its last window closes, and then keys go nowhere. So this class activates the
-/// previous program after a break and after the last window has closed.
+/// The program that the user worked in before Nocta. When the last window of a program that is not
+/// in the Dock closes, AppKit leaves the program active, and then keys go nowhere. So this class
+/// activates the previous program after a break and after the last window has closed.
 class PreviousApplication {
 public:
     explicit PreviousApplication(RunLoop& runLoop) : runLoop_(runLoop) {
@@ -20,14 +20,14 @@ public:
     PreviousApplication(const PreviousApplication&) = delete;
     PreviousApplication& operator=(const PreviousApplication&) = delete;
 
-    /// To be called before the cover takes the keyboard.
+    /// Call this before the cover takes the keyboard focus.
     void coverComes() {
         if (covers_++ == 0) {
             windowMayKeepKeyboard_ = NSApp.active || !hasWindow();
         }
     }
 
-    /// To be called when the cover is no longer on screen.
+    /// Call this when the cover is no longer on the screen.
     void coverGoes() {
         if (--covers_ == 0 && !(windowMayKeepKeyboard_ && hasWindow())) {
             activate();
@@ -37,7 +37,8 @@ public:
 private:
     static constexpr auto nextWindowTime = std::chrono::milliseconds(300);
 
-    /// A window that will close is still visible, and Sparkle shows the next one a moment later.
+    /// Checks a moment later, because a window that is about to close is still visible, and Sparkle
+    /// may show another window right after it.
     void checkLater() {
         check_.start(runLoop_, nextWindowTime, Repeat::no, [this] {
             if (covers_ == 0 && NSApp.keyWindow == nil && !hasWindow()) { // a popover may be key
@@ -59,7 +60,8 @@ private:
         return false;
     }
 
-    /// The system's own agents become active too, for a question or while the screen is locked.
+    /// Remembers only regular programs. The system's own agents become active too, for a question
+    /// or while the screen is locked.
     void remember(NSRunningApplication* application) {
         if (application.activationPolicy == NSApplicationActivationPolicyRegular) {
             application_ = application;
@@ -79,7 +81,8 @@ private:
     RunLoop& runLoop_;
     NSRunningApplication* application_ = nil;
     int covers_ = 0;
-    /// After the break. A window that was open behind another program must not take it.
+    /// Whether a window may keep the keyboard focus after the break. A window that was open behind
+    /// another program must not take it.
     bool windowMayKeepKeyboard_ = false;
     Timer check_;
     Subscription didActivate_ = observe(
@@ -92,7 +95,7 @@ private:
                 ^(NSNotification* /*notification*/) {
                   checkLater();
                 });
-    /// An alert is not closed when it ends.
+    /// When an alert ends, it resigns key but does not close.
     Subscription didResignKey_ =
         observe(NSNotificationCenter.defaultCenter, NSWindowDidResignKeyNotification, nil,
                 ^(NSNotification* /*notification*/) {

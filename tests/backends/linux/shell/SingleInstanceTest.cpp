@@ -163,7 +163,7 @@ TEST_F(SingleInstanceTest, LinkWithTheLocksNameIsNotFollowed) {
     std::optional<SingleInstance> instance;
     const auto said = saidBy([&] { instance.emplace(":0", folder); });
     EXPECT_EQ(instance->role(), Role::first);
-    EXPECT_NE(said.find("a second start will not find this one"), std::string::npos) << said;
+    EXPECT_NE(said.find("a second Nocta will not find this one"), std::string::npos) << said;
     EXPECT_FALSE(fs::exists(home.path() + "/missing"));
 }
 
