@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// The contract of every backlight. `Harness` has a `backlight()`, the IDs `builtIn` and
-/// `external`, and `fail()`, after which nothing can be read or written.
+/// The contract of every backlight. `Harness` has a `backlight()` and the display IDs `builtIn` and
+/// `external`. After `fail()` nothing can be read or written.
 template <class Harness>
 class BacklightContract : public ::testing::Test {
 protected:
@@ -27,16 +27,16 @@ TYPED_TEST_P(BacklightContract, LevelReadsBackAsWritten) {
     }
 }
 
-TYPED_TEST_P(BacklightContract, EveryOtherDisplayFails) {
+TYPED_TEST_P(BacklightContract, OtherDisplaysReturnAnError) {
     float level = 0.25F;
     for (const auto display : {this->harness.external, DisplayId{0xDEAD}}) {
         EXPECT_NE(this->harness.backlight().getBrightness(display, level), statusSuccess);
         EXPECT_NE(this->harness.backlight().setBrightness(display, 0.5F), statusSuccess);
     }
-    EXPECT_EQ(level, 0.25F) << "unchanged";
+    EXPECT_EQ(level, 0.25F) << "a failed read should not change the level";
 }
 
-TYPED_TEST_P(BacklightContract, FailingDeviceFails) {
+TYPED_TEST_P(BacklightContract, FailingDeviceReturnsAnError) {
     this->harness.fail();
     float level = 0.25F;
     EXPECT_NE(this->harness.backlight().getBrightness(this->harness.builtIn, level), statusSuccess);
@@ -44,7 +44,7 @@ TYPED_TEST_P(BacklightContract, FailingDeviceFails) {
     EXPECT_NE(this->harness.backlight().setBrightness(this->harness.builtIn, 0.5F), statusSuccess);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(BacklightContract, LevelReadsBackAsWritten, EveryOtherDisplayFails,
-                            FailingDeviceFails);
+REGISTER_TYPED_TEST_SUITE_P(BacklightContract, LevelReadsBackAsWritten, OtherDisplaysReturnAnError,
+                            FailingDeviceReturnsAnError);
 
 } // namespace nocta

@@ -67,7 +67,7 @@ TYPED_TEST_P(DefaultsStoreContract, ValuesReadBackExactly) {
     }
 }
 
-TYPED_TEST_P(DefaultsStoreContract, DataReadBackExactlyAndOnlyAsData) {
+TYPED_TEST_P(DefaultsStoreContract, DataReadsBackExactlyAndOnlyAsData) {
     DefaultsData everyByte;
     for (int byte = 0; byte < 256; ++byte) {
         everyByte.bytes.push_back(static_cast<std::uint8_t>(byte));
@@ -101,7 +101,7 @@ TYPED_TEST_P(DefaultsStoreContract, NumbersConvertToEachOther) {
     EXPECT_EQ(this->store().integerForKey("d"), 2);
     EXPECT_EQ(this->store().boolForKey("d"), true);
     this->store().setDouble(1e300, "d");
-    EXPECT_EQ(this->store().integerForKey("d"), 0) << "does not fit";
+    EXPECT_EQ(this->store().integerForKey("d"), 0) << "a number that does not fit should read as 0";
     this->store().setBool(true, "b");
     EXPECT_EQ(this->store().doubleForKey("b"), 1.0);
     this->store().setInteger(20, "i");
@@ -111,7 +111,7 @@ TYPED_TEST_P(DefaultsStoreContract, NumbersConvertToEachOther) {
 REGISTER_TYPED_TEST_SUITE_P(DefaultsStoreContract, MissingKeyReadsAsZero,
                             MissingKeyReadsAsItsRegisteredDefault,
                             StoredValueHidesTheDefaultUntilItIsRemoved, ValuesReadBackExactly,
-                            DataReadBackExactlyAndOnlyAsData, ReadingAValueAsTheWrongTypeGivesZero,
+                            DataReadsBackExactlyAndOnlyAsData, ReadingAValueAsTheWrongTypeGivesZero,
                             NumbersConvertToEachOther);
 
 } // namespace nocta

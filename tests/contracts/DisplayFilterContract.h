@@ -10,7 +10,8 @@
 namespace nocta {
 
 /// The contract of the gray filter on every desktop that can turn gray. `Harness` has
-/// `displayFilter()`, `dynamicLibraries()` and `isGray()`, which says what the user sees.
+/// `displayFilter()`, `dynamicLibraries()` and `isGray()`, which returns whether the user sees a
+/// gray screen.
 template <class Harness>
 class DisplayFilterContract : public ::testing::Test {
 protected:
@@ -19,7 +20,7 @@ protected:
 
     DisplayFilter& filter() { return harness.displayFilter(); }
 
-    /// Makes the preferences take effect, as the service does.
+    /// Applies the preferences the way the service does.
     void apply() {
         auto& libraries = harness.dynamicLibraries();
         const auto library = libraries.open("/usr/lib/libUniversalAccess.dylib");
@@ -51,7 +52,7 @@ TYPED_TEST_P(DisplayFilterContract, PreferencesAreReadBack) {
     EXPECT_EQ(this->filter().getType(this->color), this->grayscale);
 }
 
-TYPED_TEST_P(DisplayFilterContract, ScreenFollowsThePreferencesThatWereApplied) {
+TYPED_TEST_P(DisplayFilterContract, ScreenFollowsTheAppliedPreferences) {
     this->filter().setType(this->color, this->grayscale);
     this->filter().setCategoryEnabled(this->color, true);
     this->apply();
@@ -62,6 +63,6 @@ TYPED_TEST_P(DisplayFilterContract, ScreenFollowsThePreferencesThatWereApplied) 
 }
 
 REGISTER_TYPED_TEST_SUITE_P(DisplayFilterContract, NothingIsSetAtFirst, PreferencesAreReadBack,
-                            ScreenFollowsThePreferencesThatWereApplied);
+                            ScreenFollowsTheAppliedPreferences);
 
 } // namespace nocta

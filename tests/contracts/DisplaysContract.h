@@ -16,8 +16,8 @@ namespace nocta {
 /// The contract of the displays and their tables on every desktop. `Harness` starts with one
 /// display and has `displays()`, `gammaOutput()` and `notificationCenter()`. `plug()` and
 /// `unplug()` add and remove a second display, and return once the program has been notified.
-/// `top(id)` is the level (0.0–1.0) that the brightest red input comes out at, read independently
-/// of the port under test; `factoryTop(id)` is the same before the test.
+/// `top(id)` is the output level (0.0–1.0) for the brightest red input, read independently of the
+/// port under test; `factoryTop(id)` is that level before the test.
 template <class Harness>
 class DisplaysContract : public ::testing::Test {
 protected:
@@ -50,7 +50,7 @@ TYPED_TEST_P(DisplaysContract, ListIsCountedAndThenFilled) {
     std::array<DisplayId, 4> room{};
     std::uint32_t count = 0;
     this->harness.displays().getActiveDisplayList(room, count);
-    EXPECT_EQ(count, 1U) << "more space than displays";
+    EXPECT_EQ(count, 1U) << "only the displays should be counted, not the free space";
 }
 
 TYPED_TEST_P(DisplaysContract, DisplayHasItsModeAndBounds) {
@@ -62,7 +62,7 @@ TYPED_TEST_P(DisplaysContract, DisplayHasItsModeAndBounds) {
     EXPECT_EQ(bounds.height, mode->height);
 }
 
-TYPED_TEST_P(DisplaysContract, UnknownDisplayIsEmptyAndFails) {
+TYPED_TEST_P(DisplaysContract, UnknownDisplayHasNoDataAndFails) {
     constexpr DisplayId unknown = 0xDEAD;
     EXPECT_EQ(this->harness.displays().displayBounds(unknown), Rect{});
     EXPECT_FALSE(this->harness.displays().displayIsMain(unknown));
@@ -84,7 +84,7 @@ TYPED_TEST_P(DisplaysContract, PluggingAndUnpluggingIsReportedWithTheNewList) {
     EXPECT_EQ(this->list(), before);
 }
 
-TYPED_TEST_P(DisplaysContract, TablesReachTheDisplayOverItsFactoryOnes) {
+TYPED_TEST_P(DisplaysContract, TablesApplyToTheFactoryTablesOfTheDisplay) {
     const auto id = this->list().at(0);
     const auto factory = this->harness.factoryTop(id);
     for (const auto level : {0.5F, 0.0F, 1.0F}) {
@@ -93,7 +93,7 @@ TYPED_TEST_P(DisplaysContract, TablesReachTheDisplayOverItsFactoryOnes) {
     }
 }
 
-TYPED_TEST_P(DisplaysContract, EveryDisplayHasTablesOfItsOwn) {
+TYPED_TEST_P(DisplaysContract, EveryDisplayHasItsOwnTables) {
     this->harness.plug();
     const auto ids = this->list();
     ASSERT_EQ(ids.size(), 2U);
@@ -126,9 +126,9 @@ TYPED_TEST_P(DisplaysContract, RestoringSetsTheFactoryTablesAndAllowsLaterWrites
 }
 
 REGISTER_TYPED_TEST_SUITE_P(DisplaysContract, ListIsCountedAndThenFilled,
-                            DisplayHasItsModeAndBounds, UnknownDisplayIsEmptyAndFails,
+                            DisplayHasItsModeAndBounds, UnknownDisplayHasNoDataAndFails,
                             PluggingAndUnpluggingIsReportedWithTheNewList,
-                            TablesReachTheDisplayOverItsFactoryOnes, EveryDisplayHasTablesOfItsOwn,
+                            TablesApplyToTheFactoryTablesOfTheDisplay, EveryDisplayHasItsOwnTables,
                             UnpluggedDisplayFailsWithoutAffectingOthers,
                             RestoringSetsTheFactoryTablesAndAllowsLaterWrites);
 

@@ -9,9 +9,9 @@
 
 namespace nocta {
 
-/// The contract of the brightness keys on every desktop. `Harness` has `keyEvents()`, and
-/// `pressBrightnessUp()` and `pressBrightnessDown()`, which return once the program has received
-/// the event.
+/// The contract of the brightness keys on every desktop. `Harness` has `keyEvents()`,
+/// `pressBrightnessUp()` and `pressBrightnessDown()`; the last two return once the program has
+/// received the event.
 template <class Harness>
 class KeyEventsContract : public ::testing::Test {
 protected:
@@ -31,7 +31,7 @@ TYPED_TEST_P(KeyEventsContract, TapReceivesTheBrightnessKeys) {
     EXPECT_EQ(keys, (std::vector<std::int64_t>{145, 144, 144}));
 }
 
-TYPED_TEST_P(KeyEventsContract, MonitorReceivesThemAsAuxiliaryControlButtons) {
+TYPED_TEST_P(KeyEventsContract, MonitorReceivesBrightnessKeysAsAuxiliaryControlButtons) {
     std::vector<std::int64_t> data;
     const auto monitor = this->harness.keyEvents().addGlobalMonitorForSystemDefinedEvents(
         [&](const SystemDefinedEvent& event) {
@@ -57,7 +57,7 @@ TYPED_TEST_P(KeyEventsContract, NothingIsReceivedAfterTheSubscriptionHasEnded) {
 }
 
 REGISTER_TYPED_TEST_SUITE_P(KeyEventsContract, TapReceivesTheBrightnessKeys,
-                            MonitorReceivesThemAsAuxiliaryControlButtons,
+                            MonitorReceivesBrightnessKeysAsAuxiliaryControlButtons,
                             NothingIsReceivedAfterTheSubscriptionHasEnded);
 
 } // namespace nocta

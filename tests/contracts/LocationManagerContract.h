@@ -10,10 +10,10 @@
 
 namespace nocta {
 
-/// The contract of the location manager on every desktop. `Harness` has a `locationManager()` whose
-/// user has not been asked yet. `agree()` and `refuse()` answer for the user who is being asked,
-/// and `move(location)` is what the location service learns next. `settle()` returns once the
-/// manager has reported everything that has happened.
+/// The contract of the location manager on every desktop. `Harness` has a `locationManager()` that
+/// has not asked the user for permission yet. `agree()` and `refuse()` answer the pending request
+/// for permission, and `move(location)` gives the location service a new location. `settle()`
+/// returns once the manager has reported everything that has happened.
 template <class Harness>
 class LocationManagerContract : public ::testing::Test, public LocationManagerDelegate {
 protected:
@@ -49,7 +49,7 @@ protected:
 
 TYPED_TEST_SUITE_P(LocationManagerContract);
 
-TYPED_TEST_P(LocationManagerContract, NewDelegateIsToldTheStatusOnceFromTheRunLoop) {
+TYPED_TEST_P(LocationManagerContract, NewDelegateReceivesTheStatusOnceFromTheRunLoop) {
     this->manager().setDelegate(this);
     EXPECT_TRUE(this->statuses.empty());
     this->harness.settle();
@@ -58,14 +58,14 @@ TYPED_TEST_P(LocationManagerContract, NewDelegateIsToldTheStatusOnceFromTheRunLo
     EXPECT_EQ(this->statuses.size(), 1U);
 }
 
-TYPED_TEST_P(LocationManagerContract, GrantIsReportedOnceAndIsNotAskedForAgain) {
+TYPED_TEST_P(LocationManagerContract, GrantIsReportedOnceAndIsNotRequestedAgain) {
     this->ask();
     this->harness.agree();
     this->harness.settle();
     this->manager().requestWhenInUseAuthorization();
     this->harness.settle();
     EXPECT_EQ(this->statuses, (std::vector{this->notDetermined, this->authorized}));
-    EXPECT_TRUE(this->locations.empty()) << "updates have not been started";
+    EXPECT_TRUE(this->locations.empty()) << "no location should come before updates start";
 }
 
 TYPED_TEST_P(LocationManagerContract, RefusalIsReportedOnceAndLeadsToNoLocation) {
@@ -99,7 +99,7 @@ TYPED_TEST_P(LocationManagerContract, LocationsComeOnlyBetweenStartAndStop) {
     EXPECT_EQ(this->locations.size(), 3U);
 }
 
-TYPED_TEST_P(LocationManagerContract, RemovedDelegateIsToldNothing) {
+TYPED_TEST_P(LocationManagerContract, RemovedDelegateReceivesNothing) {
     this->ask();
     this->manager().setDelegate(nullptr);
     this->harness.agree();
@@ -112,9 +112,9 @@ TYPED_TEST_P(LocationManagerContract, RemovedDelegateIsToldNothing) {
     EXPECT_TRUE(this->locations.empty());
 }
 
-REGISTER_TYPED_TEST_SUITE_P(LocationManagerContract, NewDelegateIsToldTheStatusOnceFromTheRunLoop,
-                            GrantIsReportedOnceAndIsNotAskedForAgain,
+REGISTER_TYPED_TEST_SUITE_P(LocationManagerContract, NewDelegateReceivesTheStatusOnceFromTheRunLoop,
+                            GrantIsReportedOnceAndIsNotRequestedAgain,
                             RefusalIsReportedOnceAndLeadsToNoLocation,
-                            LocationsComeOnlyBetweenStartAndStop, RemovedDelegateIsToldNothing);
+                            LocationsComeOnlyBetweenStartAndStop, RemovedDelegateReceivesNothing);
 
 } // namespace nocta

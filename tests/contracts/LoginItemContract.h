@@ -9,9 +9,9 @@
 
 namespace nocta {
 
-/// The contract of every login item. `Harness` has a `loginItem()` that is not registered at first,
-/// `switchOff()`, which does what the user does in the desktop's own tool, and `refuse()`, after
-/// which the desktop registers nothing.
+/// The contract of every login item. `Harness` has a `loginItem()` that is not registered at first.
+/// `switchOff()` disables the item as a user does in the desktop's own settings. After `refuse()`
+/// the desktop refuses to register anything.
 template <class Harness>
 class LoginItemContract : public ::testing::Test {
 protected:

@@ -13,20 +13,21 @@
 
 namespace nocta {
 
-/// The frames and the alphas of windows.
+/// The frame and the alpha of each window.
 using SeenOverlays = std::vector<std::pair<Rect, double>>;
 
 /// The contract of the overlay windows on every desktop. `Harness` starts with one display and has
 /// `overlayWindows()` and `makeContent()`. `plug()` and `unplug()` add and remove a second display.
-/// `frames()` has the displays and `seen()` the windows on screen, in the order in which they came,
-/// both read independently of the port. `letPass(duration)` lets time pass. `press()` presses the
-/// space key and returns whether a window of this program got it.
+/// `frames()` returns the frames of the displays, and `seen()` returns the windows on screen in the
+/// order in which they appeared; both read them independently of the port. `letPass(duration)`
+/// advances time. `press()` presses the space key and returns whether a window of this program
+/// received it.
 template <class Harness>
 class OverlayWindowsContract : public ::testing::Test {
 protected:
     static constexpr OverlayWindows::Style style{.level = 1000, .collectionBehavior = 257};
     static constexpr Duration fade = std::chrono::milliseconds(400);
-    static constexpr Duration pause = std::chrono::seconds(1); ///< in typing
+    static constexpr Duration pause = std::chrono::seconds(1); ///< ends a run of typing
 
     std::vector<Rect> screenFrames() {
         std::vector<Rect> frames;
@@ -39,11 +40,11 @@ protected:
         auto& windows = harness.overlayWindows();
         return windows.makeWindow(windows.screens().at(screen), style, harness.makeContent());
     }
-    /// Adds a letter to `completed` at the end.
+    /// Animates the alpha. The completion handler appends `letter` to `completed`.
     void animate(OverlayWindow& window, double target, char letter) {
         window.animateAlpha(target, fade, TimingFunction::easeInEaseOut,
                             [this, letter] { completed += letter; });
-        EXPECT_EQ(completed, "") << "it comes from the run loop";
+        EXPECT_EQ(completed, "") << "the run loop should call the completion handler";
     }
     Subscription monitorKeys() {
         return harness.overlayWindows().addLocalMonitorForKeyDown([&](const KeyDownEvent& event) {
@@ -67,7 +68,7 @@ TYPED_TEST_P(OverlayWindowsContract, ShownWindowsCoverTheDisplaysExactly) {
     ASSERT_EQ(this->screenFrames(), frames);
     const auto first = this->make(0);
     const auto second = this->make(1);
-    EXPECT_EQ(this->harness.seen(), SeenOverlays{}) << "hidden at first";
+    EXPECT_EQ(this->harness.seen(), SeenOverlays{}) << "new windows should be hidden";
     first->makeKeyAndOrderFront();
     second->makeKeyAndOrderFront();
     EXPECT_EQ(this->harness.seen(), (SeenOverlays{{frames.at(0), 0}, {frames.at(1), 0}}));
@@ -127,16 +128,16 @@ TYPED_TEST_P(OverlayWindowsContract, KeyReachesTheWindowUnlessAMonitorSwallowsIt
     EXPECT_EQ(this->handled, 2);
 }
 
-TYPED_TEST_P(OverlayWindowsContract, TypingFromBeforeReachesNobodyUntilAPause) {
+TYPED_TEST_P(OverlayWindowsContract, EarlierTypingIsDiscardedUntilAPause) {
     const auto window = this->make();
-    EXPECT_FALSE(this->harness.press()) << "into a window of another program";
+    EXPECT_FALSE(this->harness.press()) << "the key should go to a window of another program";
     this->harness.letPass(this->pause / 10);
     const auto monitor = this->monitorKeys();
     window->makeKeyAndOrderFront();
     EXPECT_FALSE(this->harness.press());
     this->harness.letPass(this->pause);
     EXPECT_TRUE(this->harness.press());
-    EXPECT_EQ(this->handled, 1) << "only the last";
+    EXPECT_EQ(this->handled, 1) << "only the key after the pause should be handled";
 }
 
 REGISTER_TYPED_TEST_SUITE_P(OverlayWindowsContract, ShownWindowsCoverTheDisplaysExactly,
@@ -144,6 +145,6 @@ REGISTER_TYPED_TEST_SUITE_P(OverlayWindowsContract, ShownWindowsCoverTheDisplays
                             FadeEndsAtItsTargetAndIsCompletedOnce,
                             FadeThatIsReplacedOrDestroyedIsNotCompleted,
                             KeyReachesTheWindowUnlessAMonitorSwallowsIt,
-                            TypingFromBeforeReachesNobodyUntilAPause);
+                            EarlierTypingIsDiscardedUntilAPause);
 
 } // namespace nocta

@@ -13,14 +13,14 @@
 namespace nocta {
 
 /// The contract of every run loop, and of `Timer` on top of it. `Harness` has a `runLoop` and
-/// `runUntil(condition)`, which lets time pass until the condition holds and returns whether it
-/// did.
+/// `runUntil(condition)`, which runs the loop until the condition holds and returns false if it
+/// times out.
 template <class Harness>
 class RunLoopContract : public ::testing::Test {
 protected:
     static constexpr Duration tick = std::chrono::milliseconds(2);
 
-    /// Runs enough turns for everything that is due.
+    /// Runs the loop for this many ticks, so that every timer that is due can fire.
     void letPass(int ticks) {
         bool passed = false;
         Timer timer;
@@ -43,7 +43,7 @@ TYPED_TEST_P(RunLoopContract, PostedActionsRunLaterAndInOrder) {
     EXPECT_TRUE(this->harness.runUntil([&] { return order == "ab"; })) << order;
 }
 
-TYPED_TEST_P(RunLoopContract, OneShotTimerFiresOnceAndIsInvalidWhenItDoes) {
+TYPED_TEST_P(RunLoopContract, OneShotTimerFiresOnceAndIsInvalidWhenItFires) {
     int fired = 0;
     Timer timer;
     timer.start(this->loop(), this->tick, Repeat::no, [&] {
@@ -128,7 +128,7 @@ TYPED_TEST_P(RunLoopContract, DestroyedTimerDoesNotFire) {
 }
 
 REGISTER_TYPED_TEST_SUITE_P(RunLoopContract, PostedActionsRunLaterAndInOrder,
-                            OneShotTimerFiresOnceAndIsInvalidWhenItDoes,
+                            OneShotTimerFiresOnceAndIsInvalidWhenItFires,
                             RepeatingTimerFiresUntilItIsInvalidatedInItsOwnAction,
                             RepeatingActionKeepsItsCaptures, TimerDoesNotFireBeforeItsTime,
                             TimerMayBeDestroyedInItsOwnAction, TimerMayBeRestartedInItsOwnAction,

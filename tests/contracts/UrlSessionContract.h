@@ -13,9 +13,10 @@
 namespace nocta {
 
 /// The contract of the network on every desktop. `Harness` has a `urlSession()` and a `request()`
-/// that it can load. `answer(status, body)` says what the server answers from now on, and after
-/// `breakConnections()` it answers nothing. `runUntil(condition)` lets the run loop run until the
-/// condition holds and returns whether it did.
+/// that the session can load. `answer(status, body)` sets what the server answers from now on;
+/// after `breakConnections()` the server closes every connection without an answer.
+/// `runUntil(condition)` runs the run loop until the condition holds, and returns false if it times
+/// out.
 template <class Harness>
 class UrlSessionContract : public ::testing::Test {
 protected:
@@ -32,19 +33,19 @@ protected:
             harness.request(),
             [&report](const UrlResponse& response) { report.responses.push_back(response); },
             [&report, afterPiece](std::string_view piece) {
-                EXPECT_TRUE(report.responses.empty()) << "the completion comes last";
+                EXPECT_TRUE(report.responses.empty()) << "the completion should come last";
                 report.body += piece;
                 ++report.pieces;
                 afterPiece();
             });
-        EXPECT_TRUE(report.responses.empty()) << "it comes from the run loop";
+        EXPECT_TRUE(report.responses.empty()) << "the completion should come from the run loop";
         EXPECT_EQ(report.pieces, 0);
         return task;
     }
     bool waitFor(const Report& report) {
         return harness.runUntil([&] { return !report.responses.empty(); });
     }
-    /// Loads something else, while anything that earlier tasks still report would arrive.
+    /// Runs another task to its end, so that late reports from earlier tasks can arrive.
     void loadAnother() {
         Report other;
         const auto task = start(other);
@@ -56,7 +57,7 @@ protected:
 
 TYPED_TEST_SUITE_P(UrlSessionContract);
 
-TYPED_TEST_P(UrlSessionContract, EveryStatusIsAResponseThatComesOnce) {
+TYPED_TEST_P(UrlSessionContract, EveryStatusIsReportedOnceAsAResponse) {
     for (const auto status : {200, 201, 204, 400, 403, 404, 500, 503}) {
         this->harness.answer(status, "");
         typename TestFixture::Report report;
@@ -69,7 +70,7 @@ TYPED_TEST_P(UrlSessionContract, EveryStatusIsAResponseThatComesOnce) {
     }
 }
 
-TYPED_TEST_P(UrlSessionContract, BrokenConnectionIsAnErrorThatComesOnce) {
+TYPED_TEST_P(UrlSessionContract, BrokenConnectionIsReportedOnceAsAnError) {
     this->harness.breakConnections();
     typename TestFixture::Report report;
     const auto task = this->start(report);
@@ -80,7 +81,7 @@ TYPED_TEST_P(UrlSessionContract, BrokenConnectionIsAnErrorThatComesOnce) {
     EXPECT_NE(report.responses[0].error.value_or(""), "");
 }
 
-TYPED_TEST_P(UrlSessionContract, BodyComesWholeAndInOrderBeforeTheCompletion) {
+TYPED_TEST_P(UrlSessionContract, CompleteBodyArrivesInOrderBeforeTheCompletion) {
     std::string content(3'000'001, '\0');
     for (std::size_t i = 0; i < content.size(); ++i) {
         content[i] = static_cast<char>(i * 2654435761U >> 24);
@@ -99,7 +100,8 @@ TYPED_TEST_P(UrlSessionContract, CanceledTaskReportsNothing) {
     typename TestFixture::Report report;
     auto task = this->start(report);
     task.cancel();
-    for (int i = 0; i < 3; ++i) { // it would be done by then, although both start at once
+    // Even if the tasks run in parallel, the canceled one would be done by the end of this loop.
+    for (int i = 0; i < 3; ++i) {
         this->loadAnother();
     }
     EXPECT_TRUE(report.responses.empty());
@@ -118,7 +120,7 @@ TYPED_TEST_P(UrlSessionContract, TaskMayBeCanceledByItsReceiver) {
     EXPECT_TRUE(report.responses.empty());
 }
 
-TYPED_TEST_P(UrlSessionContract, TasksAtTheSameTimeAreAllCompleted) {
+TYPED_TEST_P(UrlSessionContract, SimultaneousTasksAreAllCompleted) {
     this->harness.answer(200, "body");
     typename TestFixture::Report first;
     typename TestFixture::Report second;
@@ -130,9 +132,10 @@ TYPED_TEST_P(UrlSessionContract, TasksAtTheSameTimeAreAllCompleted) {
     EXPECT_EQ(second.body, "body");
 }
 
-REGISTER_TYPED_TEST_SUITE_P(UrlSessionContract, EveryStatusIsAResponseThatComesOnce,
-                            BrokenConnectionIsAnErrorThatComesOnce,
-                            BodyComesWholeAndInOrderBeforeTheCompletion, CanceledTaskReportsNothing,
-                            TaskMayBeCanceledByItsReceiver, TasksAtTheSameTimeAreAllCompleted);
+REGISTER_TYPED_TEST_SUITE_P(UrlSessionContract, EveryStatusIsReportedOnceAsAResponse,
+                            BrokenConnectionIsReportedOnceAsAnError,
+                            CompleteBodyArrivesInOrderBeforeTheCompletion,
+                            CanceledTaskReportsNothing, TaskMayBeCanceledByItsReceiver,
+                            SimultaneousTasksAreAllCompleted);
 
 } // namespace nocta

@@ -13,11 +13,11 @@
 
 namespace nocta {
 
-/// The contract of the notifications on every desktop. `Harness` has a `center()` and `shown()`:
-/// the notifications that were shown, each as its title, body and the titles of its buttons.
-/// `press(index, actionIdentifier)` presses a button of one of them. After `deny()` the desktop
-/// allows no notifications. `settle()` returns once everything that has happened has been reported
-/// to both sides.
+/// The contract of the notifications on every desktop. `Harness` has a `center()`. `shown()`
+/// returns the notifications that were shown, each as its title, its body and the titles of its
+/// buttons. `press(index, actionIdentifier)` presses a button of the notification at `index`. After
+/// `deny()` the desktop allows no notifications. `settle()` returns once the program and the
+/// desktop have processed all messages from each other.
 template <class Harness>
 class UserNotificationCenterContract : public ::testing::Test,
                                        public UserNotificationCenterDelegate {
@@ -35,13 +35,13 @@ protected:
         center().add({.title = "Rest", .body = "Look away", .categoryIdentifier = category});
         harness.settle();
     }
-    /// The answers to a request, each as one text.
+    /// Requests authorization and adds each answer to `answers` as text.
     void request(Texts& answers) {
         center().requestAuthorization(
             notificationAlert, [&](bool granted, const std::optional<std::string>& error) {
                 answers.push_back((granted ? "granted" : "denied") + error.value_or(""));
             });
-        EXPECT_TRUE(answers.empty()) << "they come from the run loop";
+        EXPECT_TRUE(answers.empty()) << "answers should come from the run loop";
         harness.settle();
     }
 
@@ -86,7 +86,7 @@ TYPED_TEST_P(UserNotificationCenterContract, NotificationHasItsTextAndTheButtons
                                      }));
 }
 
-TYPED_TEST_P(UserNotificationCenterContract, DelegateSaysOnceWhetherANotificationIsShown) {
+TYPED_TEST_P(UserNotificationCenterContract, DelegateIsAskedOnceWhetherToShowANotification) {
     this->start();
     this->presentation = notificationAlert;
     this->add("REST");
@@ -123,7 +123,7 @@ TYPED_TEST_P(UserNotificationCenterContract, RemovedDelegateReceivesNothing) {
 
 REGISTER_TYPED_TEST_SUITE_P(UserNotificationCenterContract, RequestIsAnsweredOnceFromTheRunLoop,
                             NotificationHasItsTextAndTheButtonsOfItsCategory,
-                            DelegateSaysOnceWhetherANotificationIsShown,
+                            DelegateIsAskedOnceWhetherToShowANotification,
                             AnswerToEachNotificationIsReportedOnce, RemovedDelegateReceivesNothing);
 
 } // namespace nocta

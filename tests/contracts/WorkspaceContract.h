@@ -14,17 +14,18 @@ namespace nocta {
 /// The widths and heights of windows.
 using WindowSizes = std::vector<std::pair<double, double>>;
 
-/// The contract of the workspace on every desktop. `Harness` has a `workspace()` with one display,
-/// of which `displayFrame()` is the frame, no windows on screen, and two applications,
-/// `editor` and `player`. `bringToFront(application)` does what it says, or leaves none in front;
-/// `setWindows(sizes)` opens and closes windows until these are on screen. Both return once the
-/// program has been notified. `setReducesMotion(isOn)` is the user's setting.
+/// The contract of the workspace on every desktop. `Harness` has a `workspace()` with one display
+/// and no windows on screen, and two applications, `editor` and `player`. `displayFrame()` returns
+/// the frame of the display. `bringToFront(application)` brings an application to the front, or
+/// leaves none in front for `std::nullopt`; `setWindows(sizes)` opens and closes windows until
+/// windows of exactly these sizes are on screen. Both return once the program has been notified.
+/// `setReducesMotion(isOn)` changes the user's setting.
 template <class Harness>
 class WorkspaceContract : public ::testing::Test {
 protected:
     using Application = std::optional<RunningApplication>;
 
-    /// Checks each report against what is in front at that time.
+    /// Records each report, and checks that it matches the application in front at that time.
     [[nodiscard]] Subscription observe(std::vector<Application>& reports) {
         return harness.workspace().observeDidActivateApplication(
             [this, &reports](const Application& application) {
@@ -32,7 +33,7 @@ protected:
                 EXPECT_EQ(harness.workspace().frontmostApplication(), application);
             });
     }
-    /// In ascending order.
+    /// Returns the sizes in ascending order.
     WindowSizes sizesOnScreen() {
         WindowSizes sizes;
         const auto windows = harness.workspace().copyWindowInfo().value();
@@ -61,7 +62,7 @@ TYPED_TEST_P(WorkspaceContract, EachApplicationThatComesToTheFrontIsReported) {
                   this->harness.editor, this->harness.player, std::nullopt, this->harness.player}));
 }
 
-TYPED_TEST_P(WorkspaceContract, ApplicationThatIsInFrontAlreadyIsNotReportedAgain) {
+TYPED_TEST_P(WorkspaceContract, ApplicationAlreadyInFrontIsNotReportedAgain) {
     std::vector<std::optional<RunningApplication>> reports;
     const auto observer = this->observe(reports);
     this->harness.bringToFront(this->harness.editor);
@@ -101,7 +102,7 @@ TYPED_TEST_P(WorkspaceContract, ReducedMotionIsTheUsersSetting) {
 }
 
 REGISTER_TYPED_TEST_SUITE_P(WorkspaceContract, EachApplicationThatComesToTheFrontIsReported,
-                            ApplicationThatIsInFrontAlreadyIsNotReportedAgain,
+                            ApplicationAlreadyInFrontIsNotReportedAgain,
                             NothingIsReportedAfterTheSubscriptionHasEnded,
                             WindowsOnScreenAreListedWithTheirSizes, OnlyDisplayIsTheMainScreen,
                             ReducedMotionIsTheUsersSetting);

@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-// The program as built for users, while someone opens every window and uses every control
-// repeatedly: it never connects to anything but the X server and the message buses.
+// Runs the program as it is built for users. A simulated user opens every window and uses every
+// control repeatedly. The program must connect to nothing but the X server and the message buses.
 
 namespace nocta {
 namespace {
@@ -70,13 +70,13 @@ protected:
     PrivateBus sessionBus{"DBUS_SESSION_BUS_ADDRESS"};
     PrivateBus systemBus{"DBUS_SYSTEM_BUS_ADDRESS"};
     std::string trace = home.path() + "/trace";
-    std::optional<std::ptrdiff_t> linesOfAnswer; ///< in the window, from the first answer
+    std::optional<std::ptrdiff_t> linesOfAnswer; ///< the line count while an answer is visible
 
     void SetUp() override {
         NoctaWithPanel::SetUp();
-        // With this property the screen can be turned gray.
+        // The program needs this property to turn the screen gray.
         client.setOutputProperty("CTM", {0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1});
-        // The first start, with a break after one second of counting.
+        // A first launch, with a break after one second.
         writeFile(settings, "[General]\nbreakIntervalMinutes=0\nbreakDurationSeconds=600\n");
         auto variables = environment();
         variables["XDG_STATE_HOME"] = "";
@@ -98,7 +98,7 @@ protected:
         return contentOf(home.path() + "/.config/autostart/nocta.desktop");
     }
 
-    /// Waits for a condition that the rest depends on.
+    /// Waits for a condition, and throws if it does not come true.
     template <class Condition>
     void await(const std::string& what, const Condition& condition) {
         if (!waitUntil(condition)) {
@@ -115,7 +115,7 @@ protected:
         await("end of " + title, [&] { return !find(title).has_value(); });
     }
 
-    /// Presses the keys one after the other, as fast as the server accepts them.
+    /// Presses the keys in order, as fast as the server accepts them.
     void press(std::initializer_list<xcb_keysym_t> keys) {
         for (const auto key : keys) {
             client.press(key);
@@ -126,7 +126,7 @@ protected:
             client.press(static_cast<xcb_keysym_t>(letter));
         }
     }
-    /// Presses the keys and expects the value of `seen` to change.
+    /// Presses the keys and waits until the value of `seen()` changes.
     template <class Seen>
     void change(const std::string& what, const Seen& seen,
                 std::initializer_list<xcb_keysym_t> keys) {
@@ -138,7 +138,7 @@ protected:
         change(
             key, [&] { return stored(key); }, keys);
     }
-    /// Presses the focused switch twice.
+    /// Toggles the focused switch twice.
     void pressTwice(const std::string& key) {
         change(key, {space});
         change(key, {space});
@@ -171,7 +171,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoTrafficTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-/// Skips one break, and puts off the next.
+/// Skips one break and snoozes the next.
 void NoTrafficTest::takeBreaks() {
     for (const auto& [key, total] :
          {std::pair(space, R"(\"skippedBreaks\":1)"), std::pair(enter, R"(\"snoozedBreaks\":1)")}) {
@@ -186,7 +186,7 @@ void NoTrafficTest::takeBreaks() {
 
 void NoTrafficTest::walkThroughFirstLaunch() {
     awaitWindow("Welcome to Nocta");
-    press({space});                       // "Continue", which has the focus
+    press({space});                       // "Continue", which has keyboard focus
     press({tab, space, tab, tab, space}); // "Allow", "Back", and "Continue"
     change("activeProfileId", {tab, down, space});
     press({tab, space}); // shows the adjustments
@@ -197,14 +197,14 @@ void NoTrafficTest::walkThroughFirstLaunch() {
     press({tab});
     pressTwice("breakTimerEnabled");
     press({tab, space, space}); // "Back", and "Continue" again
-    press({space, tab});        // to the switch of the last step
+    press({space, tab});        // the tab moves to the switch in the last step
     change("login item", [&] { return loginItem(); }, {space});
     change("login item", [&] { return loginItem(); }, {space});
-    change("isFirstLaunch", {tab, tab, space}); // "Finish", behind "Back"
+    change("isFirstLaunch", {tab, tab, space}); // "Finish" comes after "Back"
     awaitEnd("Welcome to Nocta");
 }
 
-/// Ends in the preferences.
+/// Leaves the preferences open.
 void NoTrafficTest::useThePopover() {
     openPopover();
     change("unifiedBrightness", {leftArrow});
@@ -213,7 +213,7 @@ void NoTrafficTest::useThePopover() {
         change("autoWarmthEnabled", {rightArrow});
     }
     change("autoWarmthEnabled", {leftArrow});
-    change("autoWarmthEnabled", {rightArrow}); // this shows the slider
+    change("autoWarmthEnabled", {rightArrow}); // shows the slider
     change("warmthLevel", {tab, leftArrow});
     press({tab});
     pressTwice("grayscaleEnabled");
@@ -230,7 +230,7 @@ void NoTrafficTest::useTheMenu() {
                window.width < 300;
     };
     const auto open = [&] {
-        openPopover(); // a second click with the same button would make a double click
+        openPopover(); // a click in between, so that two right clicks are not a double click
         press({escape});
         await("end of the popover", [&] { return client.windowsOfSize(300, 280).empty(); });
         clickIcon(right);
@@ -257,7 +257,8 @@ void NoTrafficTest::useTheMenu() {
     awaitEnd("Preferences — Nocta");
 }
 
-/// Starts at the tab bar, which has the focus at the beginning and after the last control of a tab.
+/// Begins at the tab bar. It has focus at first, and gets focus again after the last control of
+/// each tab.
 void NoTrafficTest::useThePreferences() {
     const auto window = awaitWindow("Preferences — Nocta");
     useGeneral();
@@ -313,7 +314,7 @@ void NoTrafficTest::useBreaks() {
     pressTwice("breakTimerEnabled");
     press({tab});
     change("breakIntervalMinutes", {down});
-    change("breakIntervalMinutes", {space, down, enter}); // in the list
+    change("breakIntervalMinutes", {space, down, enter}); // chooses from the list
     press({tab});
     change("breakDurationSeconds", {down});
     change("breakDurationSeconds", {space, down, enter});
@@ -321,8 +322,8 @@ void NoTrafficTest::useBreaks() {
     pressTwice("suspendDuringMeetings");
 }
 
-/// Counts the lines of text and controls in the window: a row of pixels that is all background ends
-/// a line.
+/// Counts the lines of text and controls in the window. A row of pixels that shows only background
+/// ends a line.
 std::ptrdiff_t NoTrafficTest::linesIn(const Window& window) {
     constexpr std::size_t pixelSize = 4;
     const auto picture = client.picture(window);
@@ -340,7 +341,7 @@ std::ptrdiff_t NoTrafficTest::linesIn(const Window& window) {
     return lines;
 }
 
-/// This build has no update feed, so the rest is disabled.
+/// Uses the two switches. The other controls are disabled, because this build has no update feed.
 void NoTrafficTest::useAbout() {
     const auto memory = [&] { return contentOf(home.path() + "/.local/state/nocta/updates.json"); };
     for (const auto* const name : {"automatic checks", "automatic downloads"}) {
@@ -350,7 +351,8 @@ void NoTrafficTest::useAbout() {
     }
 }
 
-/// This build has no address to send to, and says so in a line that stays.
+/// Sends feedback. This build has no address to send it to, and shows a line about that until the
+/// preferences close.
 void NoTrafficTest::useFeedback(const Window& window) {
     const auto lines = [&] { return linesIn(window); };
     change("page", lines, {rightArrow});
@@ -386,7 +388,7 @@ TEST_P(NoTrafficTest, EveryControlOfEveryWindowIsUsedWithoutAnyConnectionOutOfTh
 
     const auto seen = contentOf(trace);
     for (const auto& socket : {"/tmp/.X11-unix/X", "DBUS_SESSION", "DBUS_SYSTEM"}) {
-        EXPECT_NE(seen.find(socket), std::string::npos) << socket << " is not in the trace";
+        EXPECT_NE(seen.find(socket), std::string::npos) << socket << " should be in the trace";
     }
     EXPECT_EQ(strayTraffic(seen, allowedSockets()), std::vector<std::string>{});
     std::cout << rounds << " rounds, " << std::ranges::count(seen, '\n') << " calls seen\n";

@@ -15,7 +15,7 @@ protected:
 
     void SetUp() override {
         if (runToEnd(onThisMachine("true")) != 0) {
-            GTEST_SKIP() << "no right to mount a folder in a namespace of its own";
+            GTEST_SKIP() << "this machine does not allow mounts in a private namespace";
         }
         server.xrandr({"--output", "eDP-1", "--primary"});
         sysfs.addConnector("card0", "eDP-1");
@@ -28,7 +28,7 @@ protected:
         nocta = std::make_unique<Process>(onThisMachine("exec " + programFolder() + "/nocta"),
                                           environment(), output);
     }
-    /// Wraps a command so that it sees `sysfs` as the kernel's files.
+    /// Returns a command that runs `command` with `sysfs` in place of the kernel's files.
     std::vector<std::string> onThisMachine(const std::string& command) const {
         return {"unshare", getuid() == 0 ? "-m" : "-rm", "sh", "-c",
                 "mount --bind " + sysfs.path() + " /sys && " + command};
@@ -42,11 +42,12 @@ INSTANTIATE_TEST_SUITE_P(Servers, NoctaBacklightTest, ::testing::Values(XServer:
                          serverName);
 
 TEST_P(NoctaBacklightTest, EveryPanelIsLitByItsOwnDevice) {
-    EXPECT_TRUE(waitForLevels("550")) << contentOf(output); // at three quarters
-    EXPECT_TRUE(waitForBrightness(1)) << "the picture is not darkened";
+    EXPECT_TRUE(waitForLevels("550")) << contentOf(output); // 75 % brightness
+    EXPECT_TRUE(waitForBrightness(1)) << "the gamma tables should not dim the picture";
     client.press(brightnessDownSymbol);
     EXPECT_TRUE(waitForLevels("438"));
-    EXPECT_EQ(sysfs.level("other"), "1000\n") << "it lights no display that is on";
+    EXPECT_EQ(sysfs.level("other"), "1000\n")
+        << "the backlight of a display that is off should not change";
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 #include <sys/wait.h>
 #include <thread>
 
-// Breaks of the real program on a private X server, as another client sees them.
+// Tests breaks in the real program on a private X server, as another client sees them.
 
 namespace nocta {
 namespace {
@@ -32,7 +32,7 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return client.hasWindowManager(); })) << contentOf(output);
     }
 
-    /// Once the window has the focus, the window manager has finished its start as well.
+    /// Once the window has keyboard focus, the window manager has finished its launch as well.
     xcb_window_t openFocusedWindow() {
         const auto window = client.openWindow(false);
         EXPECT_TRUE(waitUntil([&] {
@@ -42,7 +42,7 @@ protected:
         return window;
     }
 
-    /// With an interval of 0 minutes, a break begins after a second of counting.
+    /// Starts with an interval of 0 minutes, so that a break begins after one second.
     void startWithBreaks(const std::string& seconds = "600") {
         writeFile(settings, neutralSettings("breakTimerEnabled=true\nbreakIntervalMinutes=0\n"
                                             "breakDurationSeconds=" +
@@ -50,7 +50,7 @@ protected:
         start();
     }
 
-    /// Whether each output has a window exactly over it, above everything else.
+    /// Whether each output is exactly covered by a window that is above all other windows.
     bool isCovered() {
         auto frames = client.activeFrames();
         const auto windows = client.topWindows();
@@ -71,7 +71,7 @@ protected:
         }
         return true;
     }
-    /// Whether an unmanaged window the size of an output is shown.
+    /// Whether no unmanaged window of the size of an output is shown.
     bool isUncovered() {
         const auto frames = client.activeFrames();
         return std::ranges::none_of(client.topWindows(), [&](const XClient::TopWindow& window) {
@@ -88,7 +88,7 @@ protected:
             return window.id == focus && window.isOverrideRedirect;
         });
     }
-    /// Waits until the last of the covers has the focus, because each one takes it when it appears.
+    /// Waits until the last cover has keyboard focus. Each cover takes focus when it appears.
     void waitForBreak() {
         ASSERT_TRUE(waitUntil([&] {
             return isCovered() && client.focus() == client.topWindows().back().id;
@@ -102,7 +102,7 @@ protected:
 };
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaBreakTest, everyServer, serverName);
 
-TEST_P(NoctaBreakTest, CountdownEndsInWindowsOverEveryOutputAndSpaceSkips) {
+TEST_P(NoctaBreakTest, CountdownEndsWithAWindowOverEveryOutputAndSpaceSkips) {
     startWindowManager();
     openFocusedWindow();
     startWithBreaks();
@@ -114,7 +114,7 @@ TEST_P(NoctaBreakTest, CountdownEndsInWindowsOverEveryOutputAndSpaceSkips) {
     client.press(space);
     ASSERT_TRUE(waitUntil([&] { return isUncovered(); }));
     EXPECT_TRUE(hasTotals(R"(\"skippedBreaks\":1,\"snoozedBreaks\":0)"))
-        << "the other keys did nothing: " << contentOf(settings);
+        << "the other keys should do nothing: " << contentOf(settings);
 }
 
 TEST_P(NoctaBreakTest, FocusReturnsToTheWindowThatHadIt) {
@@ -124,13 +124,13 @@ TEST_P(NoctaBreakTest, FocusReturnsToTheWindowThatHadIt) {
     waitForBreak();
     client.press(tab);
     client.press(tab);
-    client.press(enter); // on the second button, which puts the break off
+    client.press(enter); // presses the second button, which snoozes the break
     EXPECT_TRUE(waitUntil([&] { return client.focus() == other; }));
     EXPECT_TRUE(waitUntil([&] { return isUncovered(); }));
     EXPECT_TRUE(hasTotals(R"(\"snoozedBreaks\":1)")) << contentOf(settings);
 }
 
-TEST_P(NoctaBreakTest, MeetingInFrontHoldsTheCountdownEvenAfterItsEnd) {
+TEST_P(NoctaBreakTest, MeetingInFrontStopsTheCountdownEvenAfterTheMeetingEnds) {
     startWindowManager();
     openFocusedWindow();
     XApplication zoom("zoom", "zoom");
@@ -167,20 +167,20 @@ TEST_P(NoctaBreakTest, FullScreenWindowIsCoveredToo) {
     startWithBreaks();
     waitForBreak();
     const auto before = client.windowsOfSize(frame.width, frame.height).size();
-    client.openWindow(true);    // a window that opens during the break is below as well
-    ASSERT_TRUE(waitUntil([&] { // and has had the focus for a moment
-        return client.windowsOfSize(frame.width, frame.height).size() > before;
-    }));
+    // A window that opens during the break takes focus for a moment, and should end up below too.
+    client.openWindow(true);
+    ASSERT_TRUE(
+        waitUntil([&] { return client.windowsOfSize(frame.width, frame.height).size() > before; }));
     EXPECT_TRUE(waitUntil([&] { return isCovered() && hasKeyboard(); }));
     client.press(space);
     EXPECT_TRUE(waitUntil([&] { return isUncovered(); }));
 }
 
-TEST_P(NoctaBreakTest, WithoutAWindowManagerOrWhenItGoesNothingStaysOnScreen) {
+TEST_P(NoctaBreakTest, NothingStaysOnScreenWithoutAWindowManagerOrAfterItExits) {
     startWithBreaks();
     waitForBreak();
     startWindowManager();
-    client.openWindow(false); // managed, so the window manager has finished its start
+    client.openWindow(false); // once it is managed, the window manager has finished its launch
     waitForBreak();
     windowManager.reset();
     ASSERT_TRUE(waitUntil([&] { return hasKeyboard(); }));
@@ -188,7 +188,7 @@ TEST_P(NoctaBreakTest, WithoutAWindowManagerOrWhenItGoesNothingStaysOnScreen) {
     EXPECT_TRUE(waitUntil([&] { return isUncovered(); }));
 }
 
-TEST_P(NoctaBreakTest, DeathDuringABreakLeavesNothingOnScreenAndTheTotalsOfTheLastEndedBreak) {
+TEST_P(NoctaBreakTest, DeathDuringABreakLeavesNothingOnScreenAndKeepsEarlierTotals) {
     startWithBreaks();
     waitForBreak();
     client.press(space);
@@ -224,8 +224,8 @@ protected:
         openFocusedWindow();
         startWithBreaks();
     }
-    /// Types until a cover appears, and then some more. Returns false if the machine was so busy
-    /// that there may have been a pause.
+    /// Types until a cover appears, and then eight more keys. Returns false if the machine was so
+    /// busy that the program may have seen a pause in the typing.
     bool typeIntoCover() {
         bool isSteady = true;
         auto last = Clock::now();
@@ -256,7 +256,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaTypingTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaTypingTest, ContinuedTypingReachesNoCoverAndSpaceAfterAPauseSkips) {
+TEST_P(NoctaTypingTest, ContinuedTypingIsDiscardedAndSpaceAfterAPauseSkips) {
     int breaks = 0;
     for (int round = 0; round < 50 && breaks < 10; ++round) {
         const auto skipped = total("skipped");
@@ -272,20 +272,20 @@ TEST_P(NoctaTypingTest, ContinuedTypingReachesNoCoverAndSpaceAfterAPauseSkips) {
         }
     }
     EXPECT_EQ(breaks, 10);
-    EXPECT_EQ(total("snoozed"), 0) << "Enter did nothing";
+    EXPECT_EQ(total("snoozed"), 0) << "Enter should do nothing";
 }
 
-TEST_P(NoctaTypingTest, MouseWorksAtOnce) {
+TEST_P(NoctaTypingTest, MouseWorksImmediately) {
     typeIntoCover();
     const auto frame = client.activeFrames().at(0);
     for (int y = frame.y + frame.height; y > frame.y && total("snoozed") == 0; y -= 10) {
         client.press('a');
-        client.click(frame.x + frame.width / 2 + 60, y); // from below, up to "Snooze 5 min"
+        client.click(frame.x + frame.width / 2 + 60, y); // moves up until it hits "Snooze 5 min"
     }
     EXPECT_TRUE(waitUntil([&] { return total("snoozed") == 1; })) << contentOf(settings);
 }
 
-/// Scale factors that do not divide the outputs' sizes.
+/// Tests scale factors that do not divide the sizes of the outputs.
 class NoctaBreakScaledTest : public NoctaBreakTest {
 protected:
     void SetUp() override {
@@ -300,9 +300,9 @@ protected:
         server.xrandr({"--output", "DUMMY2", "--mode", "hd", "--pos", "101x769"});
     }
     void TearDown() override { unsetenv("QT_SCALE_FACTOR"); }
-    /// The server paints the last pixel if Qt does not, in the same color.
+    /// If Qt does not paint the last pixel, the server paints it in the same color.
     void expectBackdropAtEveryCorner() {
-        constexpr std::uint32_t backdrop = 0xB3000000; // black at 0.7
+        constexpr std::uint32_t backdrop = 0xB3000000; // black with alpha 0.7
         int covers = 0;
         for (const auto& window : client.topWindows()) {
             if (!window.isOverrideRedirect || window.width < 1000) {
@@ -325,7 +325,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaBreakScaledTest, ::testing::Values(XServer::Kind::xorgDummy),
                          serverName);
 
-TEST_P(NoctaBreakScaledTest, EveryPixelIsCoveredAndNoneBeyond) {
+TEST_P(NoctaBreakScaledTest, EveryPixelOfEachOutputIsCoveredAndNoOthers) {
     for (const auto* const factor : {"1.25", "1.5", "1.75", "2"}) {
         SCOPED_TRACE(factor);
         setenv("QT_SCALE_FACTOR", factor, 1);
@@ -349,7 +349,7 @@ class NoctaBreakOnTwoOutputsTest : public NoctaBreakTest {};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaBreakOnTwoOutputsTest,
                          ::testing::Values(XServer::Kind::xorgDummy), serverName);
 
-TEST_P(NoctaBreakOnTwoOutputsTest, DisplaysMayComeAndGoDuringABreak) {
+TEST_P(NoctaBreakOnTwoOutputsTest, DisplaysCanBePluggedAndUnpluggedDuringABreak) {
     startWithBreaks();
     waitForBreak();
     server.unplugSecondOutput();

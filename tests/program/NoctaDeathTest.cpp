@@ -10,7 +10,7 @@ namespace {
 class NoctaDeathTest : public NoctaProcess {};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaDeathTest, everyServer, serverName);
 
-TEST_P(NoctaDeathTest, EverySignalThatEndsItGivesTheScreenBack) {
+TEST_P(NoctaDeathTest, EverySignalThatEndsTheProgramGivesTheScreenBack) {
     for (const auto ending : {SIGTERM, SIGINT, SIGHUP}) {
         startAndWaitFor(0.75);
         nocta->signal(ending);
@@ -31,7 +31,7 @@ TEST_P(NoctaDeathTest, DeathGivesTheScreenBackAndARestartUsesTheFactoryRamp) {
     ASSERT_TRUE(waitForBrightness(0.6875));
     writeFile(settings, neutralSettings("unifiedBrightness=0.4\n"));
     nocta->signal(SIGKILL);
-    startAndWaitFor(0.4); // at once, while the guardian of the dead process may still be running
+    startAndWaitFor(0.4); // while the guardian of the dead process may still be running
     nocta->signal(SIGTERM);
     EXPECT_EQ(nocta->wait(), 0);
     EXPECT_TRUE(isGivenBack());
@@ -41,7 +41,7 @@ TEST_P(NoctaDeathTest, QuickRestartsInARowDoNotConfuseTheGuardian) {
     startAndWaitFor(0.75);
     for (int restart = 0; restart < 5; ++restart) {
         nocta->signal(SIGKILL);
-        start(); // killed again at any point of its start
+        start(); // the next iteration kills it at any point during its launch
     }
     nocta->signal(SIGKILL);
     nocta->wait();
@@ -65,10 +65,10 @@ TEST_P(NoctaDeathTest, GuardianDoesNotOutliveItsWork) {
     ASSERT_EQ(others.size(), 1U);
     nocta->signal(SIGTERM);
     nocta->wait();
-    EXPECT_NE(kill(others[0], 0), 0) << "exited before its program";
+    EXPECT_NE(kill(others[0], 0), 0) << "the guardian should exit before its program";
 }
 
-TEST_P(NoctaDeathTest, NextStartRepairsADeathTogetherWithTheGuardian) {
+TEST_P(NoctaDeathTest, NextLaunchRestoresTheScreenAfterProgramAndGuardianDie) {
     startAndWaitFor(0.75);
     const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
@@ -76,11 +76,12 @@ TEST_P(NoctaDeathTest, NextStartRepairsADeathTogetherWithTheGuardian) {
     nocta->signal(SIGKILL);
     nocta->wait();
     kill(guardians[0], SIGKILL);
-    EXPECT_TRUE(shows(0.75)) << "nothing was left to restore it";
+    EXPECT_TRUE(shows(0.75)) << "the screen should stay dim, because nothing is left to restore it";
     startAndWaitFor(0.75);
     ASSERT_TRUE(waitUntil([&] { return guardiansOf(nocta->id()).size() == 1; }));
     client.press(brightnessDownSymbol);
-    ASSERT_TRUE(waitForBrightness(0.6875)) << "over the factory ramp, not over the tinted one";
+    ASSERT_TRUE(waitForBrightness(0.6875))
+        << "the tables should apply to the factory ramp, not to the dimmed one";
     nocta->signal(SIGTERM);
     EXPECT_EQ(nocta->wait(), 0);
     EXPECT_TRUE(isGivenBack());
@@ -102,7 +103,7 @@ TEST_P(NoctaDeathTest, GuardianThatDiesIsReplaced) {
     EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }));
 }
 
-/// Kills the guardian until the program gives up for now.
+/// Kills guardians until the program stops starting new ones for a while.
 class NoctaWithoutGuardianTest : public NoctaDeathTest {
 protected:
     std::vector<pid_t> guardians() { return guardiansOf(nocta->id()); }
@@ -112,14 +113,14 @@ protected:
         startAndWaitFor(0.75);
         ASSERT_TRUE(waitUntil([&] {
             for (const auto guardian : guardians()) {
-                kill(guardian, SIGKILL); // at any point of its start
+                kill(guardian, SIGKILL); // at any point during its launch
             }
             return contentOf(output).find("a crash would leave the screen") != std::string::npos;
         }));
     }
     void expectGuarded() {
         ASSERT_TRUE(waitUntil([&] { return guardians().size() == 1; }));
-        client.press(brightnessDownSymbol); // is written once the guardian is ready
+        client.press(brightnessDownSymbol); // the ramp is written once the guardian is ready
         ASSERT_TRUE(waitForBrightness(0.6875));
         nocta->signal(SIGKILL);
         nocta->wait();
@@ -152,13 +153,13 @@ TEST_P(NoctaDeathTest, FrozenGuardianDoesNotBlockTheNextStart) {
     startAndWaitFor(0.5);
     kill(guardians[0], SIGCONT);
     EXPECT_TRUE(waitUntil([&] { return kill(guardians[0], 0) != 0 || isZombie(guardians[0]); }));
-    EXPECT_TRUE(shows(0.5)) << "the frozen guardian no longer controls the screen";
+    EXPECT_TRUE(shows(0.5)) << "the guardian that was frozen should no longer control the screen";
     nocta->signal(SIGTERM);
     EXPECT_EQ(nocta->wait(), 0);
     EXPECT_TRUE(isGivenBack());
 }
 
-TEST_P(NoctaDeathTest, ProgramEndsAtOnceWhileItWaitsForAFrozenGuardian) {
+TEST_P(NoctaDeathTest, ProgramCanQuitWhileItWaitsForAFrozenGuardian) {
     startAndWaitFor(0.75);
     const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
@@ -169,13 +170,14 @@ TEST_P(NoctaDeathTest, ProgramEndsAtOnceWhileItWaitsForAFrozenGuardian) {
     ASSERT_TRUE(waitUntil([&] { return guardiansOf(nocta->id()).size() == 1; }));
     nocta->signal(SIGTERM);
     EXPECT_EQ(nocta->wait(), 0);
-    EXPECT_TRUE(shows(0.75)) << "nothing was written";
+    EXPECT_TRUE(shows(0.75)) << "the screen should not change";
     kill(guardians[0], SIGCONT);
-    EXPECT_TRUE(waitUntil([&] { return isGivenBack(); })) << "it still controlled the screen";
+    EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }))
+        << "the frozen guardian still controls the screen and should restore it";
 }
 
-TEST_P(NoctaDeathTest, DyingServerEndsItWithOneLineAndNoCrash) {
-    // Qt does not free its connection to a server that has died.
+TEST_P(NoctaDeathTest, DyingServerEndsTheProgramWithOneLineAndNoCrash) {
+    // Qt leaks its connection to a server that has died.
     const auto suppressions = home.path() + "/suppressions";
     writeFile(suppressions, "leak:libX11.so\nleak:libxcb.so\n");
     const auto options = "print_suppressions=0:suppressions=" + suppressions;
@@ -187,10 +189,10 @@ TEST_P(NoctaDeathTest, DyingServerEndsItWithOneLineAndNoCrash) {
     ASSERT_TRUE(waitUntil([&] { return contentOf(output) == atStart; })) << contentOf(output);
     server.kill();
     const auto status = nocta->wait();
-    ASSERT_TRUE(WIFEXITED(status)) << "it crashed";
+    ASSERT_TRUE(WIFEXITED(status)) << "the program should not crash";
     EXPECT_EQ(WEXITSTATUS(status), 1);
-    // Nocta and Qt have a connection each; the first one to notice ends the program, and the other
-    // may still print its message.
+    // Nocta and Qt have a connection each. Whichever notices first ends the program; the other may
+    // still print its message.
     const auto said = contentOf(output).substr(atStart.size());
     const std::string ours = "nocta: the X server has closed the connection\n";
     const std::string theirs = "The X11 connection broke (error 1). Did the X11 server die?\n";

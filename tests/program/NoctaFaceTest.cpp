@@ -3,7 +3,7 @@
 #include <csignal>
 #include <sys/wait.h>
 
-// A simulated user with a window manager and a panel uses the program's windows with the mouse;
+// In these tests a simulated user with a window manager and a panel uses the program's windows, and
 // another client reads the ramps.
 
 namespace nocta {
@@ -12,16 +12,17 @@ namespace {
 class NoctaFaceTest : public NoctaWithPanel {};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaFaceTest, everyServer, serverName);
 
-TEST_P(NoctaFaceTest, BrightnessIsDraggedInThePopoverOfTheIcon) {
+TEST_P(NoctaFaceTest, DraggingInThePopoverOfTheIconSetsTheBrightness) {
     startAndWaitFor(0.75);
     const auto popover = openPopover();
     const auto screen = client.activeFrames().at(0);
     EXPECT_GE(popover.x, screen.x);
     EXPECT_LE(popover.x + popover.width, screen.x + screen.width);
     EXPECT_GE(popover.y, screen.y);
-    EXPECT_LE(popover.y + popover.height, screen.y + screen.height) << "fully on screen";
+    EXPECT_LE(popover.y + popover.height, screen.y + screen.height)
+        << "the popover should be fully on screen";
 
-    // The knob's track is 250 points long and begins 25 from the left.
+    // The track of the slider is 250 points long and begins 25 points from the left edge.
     const auto knob = [&](double brightness) { return popover.x + 25 + 250 * brightness; };
     const auto height = popover.y + 44;
     client.moveTo(static_cast<int>(knob(0.75)), height);
@@ -73,34 +74,34 @@ TEST_P(NoctaFaceTest, RightClickOpensAMenuThatQuits) {
                     })
                     .empty();
     }));
-    client.press(up); // to the last item
+    client.press(up); // moves to the last item
     client.press(enter);
     const auto status = nocta->wait();
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << contentOf(output);
     EXPECT_TRUE(isGivenBack());
 }
 
-TEST_P(NoctaFaceTest, FirstLaunchIsWalkedThrough) {
+TEST_P(NoctaFaceTest, OnboardingWorksFromTheKeyboard) {
     writeFile(settings, "[General]\nautoWarmthEnabled=false\nwarmthLevel=0\n");
-    startAndWaitFor(0.75); // the services are running already
+    startAndWaitFor(0.75); // the services run before onboarding ends
     const auto window = waitFor("Welcome to Nocta");
     EXPECT_EQ(window.width, 500);
     EXPECT_EQ(window.height, 580);
-    // Presses one key after the other, like a user who waits for the effect of each.
+    // Presses a key and waits for its effect, as a user would.
     const auto press = [&](xcb_keysym_t key) {
         const auto before = client.picture(window);
         client.press(key);
         ASSERT_TRUE(waitUntil([&] { return client.picture(window) != before; })) << key;
     };
-    press(space); // on "Continue", which has the focus
+    press(space); // presses "Continue", which has keyboard focus
     press(space);
-    press(tab); // to the cards
+    press(tab); // moves to the cards
     press(down);
     press(space);
     EXPECT_TRUE(waitUntil([&] {
         return isClose(client.ramp(client.activeCrtcs().at(0)), expected(0.4, 3460));
     })) << contentOf(settings);
-    press(tab); // to the adjustments, "Back" and "Continue"
+    press(tab); // moves to the adjustments; the next two go to "Back" and "Continue"
     press(tab);
     press(tab);
     press(space);
@@ -116,12 +117,12 @@ TEST_P(NoctaFaceTest, FirstLaunchIsWalkedThrough) {
     EXPECT_FALSE(find("Welcome to Nocta").has_value());
 }
 
-TEST_P(NoctaFaceTest, OnboardingClosedByItsTitleBarReturnsAtTheNextStart) {
+TEST_P(NoctaFaceTest, OnboardingClosedByItsTitleBarReturnsOnTheNextLaunch) {
     writeFile(settings, "[General]\nautoWarmthEnabled=false\nwarmthLevel=0\n");
     startAndWaitFor(0.75);
     client.askToClose(waitFor("Welcome to Nocta").id);
     EXPECT_TRUE(isGone("Welcome to Nocta"));
-    EXPECT_TRUE(shows(0.75)) << "the program keeps running";
+    EXPECT_TRUE(shows(0.75)) << "the program should keep running";
     nocta->signal(SIGTERM);
     nocta->wait();
     start();

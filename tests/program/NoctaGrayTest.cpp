@@ -7,7 +7,7 @@
 namespace nocta {
 namespace {
 
-/// The program with a screen that should be gray from the start, by whichever way the session has.
+/// The program with settings that turn the screen gray on launch, in a session that supports gray.
 class NoctaGrayTest : public NoctaProcess {
 protected:
     std::vector<std::uint32_t> colored = {0, 1, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1};
@@ -51,7 +51,7 @@ protected:
 };
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaGrayTest, everyServer, serverName);
 
-TEST_P(NoctaGrayTest, EveryEndGivesTheColorsBack) {
+TEST_P(NoctaGrayTest, EveryExitRestoresTheColors) {
     for (const auto ending : {SIGTERM, SIGHUP, SIGKILL, SIGSEGV}) {
         startGray();
         ASSERT_TRUE(waitUntil([&] { return isGray(); })) << ending;
@@ -61,7 +61,7 @@ TEST_P(NoctaGrayTest, EveryEndGivesTheColorsBack) {
     }
 }
 
-TEST_P(NoctaGrayTest, NextStartRepairsADeathTogetherWithTheGuardian) {
+TEST_P(NoctaGrayTest, NextLaunchRestoresTheColorsAfterProgramAndGuardianDie) {
     startGray();
     ASSERT_TRUE(waitUntil([&] { return isGray(); }));
     const auto guardians = guardiansOf(nocta->id());
@@ -70,9 +70,10 @@ TEST_P(NoctaGrayTest, NextStartRepairsADeathTogetherWithTheGuardian) {
     nocta->signal(SIGKILL);
     nocta->wait();
     kill(guardians[0], SIGKILL);
-    EXPECT_TRUE(isGray()) << "nothing was left to restore the colors";
+    EXPECT_TRUE(isGray())
+        << "the screen should stay gray, because nothing is left to restore the colors";
 
-    startGray(false, 0.5); // another brightness, because the screen already shows the first one
+    startGray(false, 0.5); // the screen still shows 0.75, so wait for another brightness
     EXPECT_TRUE(waitUntil([&] { return isColored(); }));
     EXPECT_EQ(guardiansOf(nocta->id()).size(), 1U);
     client.press(brightnessDownSymbol);
@@ -95,11 +96,11 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaOnGnomeTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaOnGnomeTest, EveryEndGivesTheMagnifierBack) {
+TEST_P(NoctaOnGnomeTest, EveryExitRestoresTheMagnifier) {
     for (const auto ending : {SIGTERM, SIGKILL, SIGSEGV}) {
         startGray();
         ASSERT_TRUE(waitUntil([&] { return gnome->isGray(); })) << ending;
-        EXPECT_TRUE(isColored()) << "one way is enough";
+        EXPECT_TRUE(isColored()) << "the matrices should not turn gray, because the magnifier does";
         nocta->signal(ending);
         nocta->wait();
         EXPECT_TRUE(waitUntil([&] { return gnome->everything() == before; })) << ending;
@@ -121,7 +122,7 @@ TEST_P(NoctaOnGnomeTest, HelperThatDiesIsReplacedWithoutLosingItsState) {
     EXPECT_EQ(gnome->everything(), before);
 }
 
-TEST_P(NoctaOnGnomeTest, NextStartRepairsADeathTogetherWithTheHelper) {
+TEST_P(NoctaOnGnomeTest, NextLaunchRestoresTheMagnifierAfterProgramAndHelperDie) {
     startGray();
     ASSERT_TRUE(waitUntil([&] { return gnome->isGray(); }));
     const auto helpers = childrenOf(nocta->id(), "nocta-magnifier");

@@ -20,15 +20,15 @@
 #include <sys/wait.h>
 #include <vector>
 
-// Message buses, and services on them, that accept everything and never answer. Qt would block for
-// 25 seconds on each call, and forever on some.
+// Tests with message buses and bus services that accept every message and never answer. Qt would
+// block for 25 seconds on most calls, and forever on some.
 
 namespace nocta {
 namespace {
 
 using namespace std::chrono_literals;
 
-/// A service that owns a name and answers only the given methods.
+/// A service that owns the given names, and answers only the methods in `answers`.
 class MuteService final : public QDBusVirtualObject {
 public:
     MuteService(const PrivateBus& bus, const std::vector<QString>& names)
@@ -42,7 +42,7 @@ public:
     MuteService& operator=(const MuteService&) = delete;
     ~MuteService() override { QDBusConnection::disconnectFromBus("mute"); }
 
-    std::map<QString, QVariant> answers; ///< by method
+    std::map<QString, QVariant> answers; ///< keyed by method
     int questions = 0;
     bool hasItem = false;
 
@@ -60,7 +60,7 @@ private:
 
 class NoctaMuteBusTest : public NoctaProcess {
 protected:
-    /// Much longer than a start takes, and much shorter than Qt would block.
+    /// Much longer than a launch takes, and much shorter than the time that Qt would block.
     static constexpr auto hang = 10s;
 
     Process::Environment variables = environment();
@@ -90,7 +90,8 @@ protected:
         EXPECT_TRUE(isGivenBack());
     }
 
-    /// Goes through a start, the popover, which opens without a tray, the keys, and the end.
+    /// Launches the program, presses keys, waits for the popover (which opens because there is no
+    /// tray), starts the program again, and quits.
     void expectADay() {
         startWithVariables();
         EXPECT_TRUE(isInTime([&] { return shows(0.75); })) << contentOf(output);
@@ -99,7 +100,7 @@ protected:
         expectThatAKeyIsObeyed(0.625);
         Process second({programFolder() + "/nocta"}, variables);
         EXPECT_TRUE(isInTime([&] { return isZombie(second.id()); }));
-        EXPECT_EQ(second.wait(), 0) << "a later start is answered";
+        EXPECT_EQ(second.wait(), 0) << "the first instance should answer a second start";
         expectThatAKeyIsObeyed(0.5625);
         expectToEndAtOnce();
     }
@@ -110,7 +111,7 @@ INSTANTIATE_TEST_SUITE_P(Servers, NoctaMuteBusTest, ::testing::Values(XServer::K
                          serverName);
 
 TEST_P(NoctaMuteBusTest, MuteBusesBlockNothing) {
-    // On that desktop, Qt's theme uses the session bus from the start.
+    // On KDE, Qt's theme uses the session bus from the start.
     variables.insert({{"XDG_CURRENT_DESKTOP", "KDE"},
                       {"KDE_FULL_SESSION", "true"},
                       {"KDE_SESSION_VERSION", "5"}});
@@ -165,7 +166,7 @@ TEST_P(NoctaMuteBusTest, MuteAccessibilityBusBlocksNothing) {
 TEST_P(NoctaMuteBusTest, MuteServicesBlockNothing) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
-    client.becomeSystemTray(); // even for an icon in this tray Qt would ask the watcher
+    client.becomeSystemTray(); // Qt would ask the watcher even for an icon in an XEmbed tray
     const MuteService services(bus,
                                {"org.kde.StatusNotifierWatcher", "org.a11y.Bus",
                                 "org.freedesktop.portal.Desktop", "org.freedesktop.Notifications"});
@@ -196,7 +197,7 @@ TEST_P(NoctaMuteBusTest, MuteInputMethodBlocksNothing) {
     EXPECT_GT(service.questions, 0);
 }
 
-TEST_P(NoctaMuteBusTest, BusThatAnswersLateIsUsedFromThenOn) {
+TEST_P(NoctaMuteBusTest, BusThatAnswersLateIsUsedOnceItAnswers) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
     SettingsPortal portal(bus);
@@ -214,21 +215,23 @@ TEST_P(NoctaMuteBusTest, BusThatAnswersLateIsUsedFromThenOn) {
     const auto blue = [&] { return client.pixel(client.topWindows().back().id, 4, 4) & 0xFF; };
     EXPECT_TRUE(isInTime([&] { return blue() >= 0xE0; }));
     bus.signal(SIGCONT);
-    EXPECT_TRUE(isInTime([&] { return blue() <= 0x30; })) << "the user prefers dark windows";
-    // Newer versions of Qt look for the bus only once, at the start, so there the icon appears at
-    // the next start.
+    EXPECT_TRUE(isInTime([&] { return blue() <= 0x30; }))
+        << "windows should turn dark, as the user prefers";
+    // Since 6.8, Qt looks for the bus only on launch, so the icon does not appear until the next
+    // launch.
     if (QLibraryInfo::version() < QVersionNumber(6, 8)) {
-        EXPECT_TRUE(isInTime([&] { return watcher.hasItem; })) << "there is a tray";
+        EXPECT_TRUE(isInTime([&] { return watcher.hasItem; }))
+            << "the icon should appear in the tray";
     }
     expectToEndAtOnce();
 }
 
-TEST_P(NoctaMuteBusTest, SignalEndsItWhileTheLoopIsBlocked) {
+TEST_P(NoctaMuteBusTest, SignalEndsTheProgramWhileTheLoopIsBlocked) {
     startAndWaitFor(0.75);
     const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
     server.freeze();
-    kill(guardians[0], SIGKILL); // the next one starts when the server has answered
+    kill(guardians[0], SIGKILL); // its replacement cannot start until the server answers
     EXPECT_TRUE(waitUntil([&] { return guardiansOf(nocta->id()).empty(); }));
     nocta->signal(SIGTERM);
     EXPECT_TRUE(isInTime([&] { return isZombie(nocta->id()); }));
@@ -236,7 +239,7 @@ TEST_P(NoctaMuteBusTest, SignalEndsItWhileTheLoopIsBlocked) {
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
 }
 
-TEST_P(NoctaMuteBusTest, SignalEndsALaterStartThatIsNotAnswered) {
+TEST_P(NoctaMuteBusTest, SignalEndsASecondStartThatIsNotAnswered) {
     startAndWaitFor(0.75);
     nocta->signal(SIGSTOP);
     Process second({programFolder() + "/nocta"}, variables, output);

@@ -45,7 +45,7 @@ protected:
         writer = ends[1];
     }
 
-    /// Expects it to run; at the least it reports that there is no bus.
+    /// Expects the program to run normally. It prints at least that there is no session bus.
     void expectToRun() {
         const auto descriptor = std::to_string(writer);
         nocta = std::make_unique<Process>(std::vector<std::string>{"bash", "-c",
@@ -56,7 +56,8 @@ protected:
         EXPECT_TRUE(waitForBrightness(0.75));
         client.press(brightnessDownSymbol);
         EXPECT_TRUE(waitForBrightness(0.6875));
-        EXPECT_EQ(fcntl(writer, F_GETFL) & O_NONBLOCK, 0) << "other programs print there too";
+        EXPECT_EQ(fcntl(writer, F_GETFL) & O_NONBLOCK, 0)
+            << "the descriptor should stay blocking, because other programs share it";
         nocta->signal(SIGTERM);
         const auto status = nocta->wait();
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
@@ -66,19 +67,19 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaOutputTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaOutputTest, ReaderThatIsGoneDoesNotEndIt) {
+TEST_P(NoctaOutputTest, ClosedReaderDoesNotEndTheProgram) {
     makePipe();
     close(std::exchange(reader, -1));
     expectToRun();
 }
 
-TEST_P(NoctaOutputTest, FullPipeDoesNotBlockIt) {
+TEST_P(NoctaOutputTest, FullPipeDoesNotBlockTheProgram) {
     makePipe();
     fill(writer);
     expectToRun();
 }
 
-TEST_P(NoctaOutputTest, FullSocketDoesNotBlockIt) {
+TEST_P(NoctaOutputTest, FullSocketDoesNotBlockTheProgram) {
     int ends[2] = {-1, -1};
     ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
     reader = ends[0];
@@ -87,7 +88,7 @@ TEST_P(NoctaOutputTest, FullSocketDoesNotBlockIt) {
     expectToRun();
 }
 
-TEST_P(NoctaOutputTest, StoppedTerminalDoesNotBlockIt) {
+TEST_P(NoctaOutputTest, StoppedTerminalDoesNotBlockTheProgram) {
     reader = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
     ASSERT_EQ(grantpt(reader), 0);
     ASSERT_EQ(unlockpt(reader), 0);

@@ -13,7 +13,7 @@ namespace {
 
 class NoctaProcessTest : public NoctaProcess {
 protected:
-    /// The file is written after the screen.
+    /// Waits, because the program writes the file after it updates the screen.
     bool waitForSettings(const std::string& content) {
         return waitUntil([&] { return contentOf(settings) == content; });
     }
@@ -29,15 +29,15 @@ TEST_P(NoctaProcessTest, KeysDimTheScreenBySixteenthsAndTheSettingFollows) {
         ASSERT_TRUE(waitForBrightness(brightness)) << brightness;
     }
     client.press(brightnessUpSymbol);
-    ASSERT_TRUE(waitForBrightness(0.0625)); // looks like 0: the faint glow
+    ASSERT_TRUE(waitForBrightness(0.0625)); // shows the same faint glow as 0
     client.press(brightnessUpSymbol);
     ASSERT_TRUE(waitForBrightness(0.125));
     EXPECT_TRUE(waitForSettings(neutralSettings("unifiedBrightness=0.125\n")));
 }
 
-TEST_P(NoctaProcessTest, SecondStartShowsThePopoverOfTheFirstAndEnds) {
+TEST_P(NoctaProcessTest, SecondStartShowsThePopoverOfTheFirstAndExits) {
     startAndWaitFor(0.75);
-    // There is no tray on this server, so the popover opens a moment after the start.
+    // There is no tray on this server, so the popover opens a moment after launch.
     ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
     EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, environment()), 0);
     EXPECT_EQ(client.windowsOfSize(300, 280).size(), 1U);
@@ -51,7 +51,7 @@ TEST_P(NoctaProcessTest, SecondStartShowsThePopoverOfTheFirstAndEnds) {
 TEST_P(NoctaProcessTest, SliderInThePopoverDimsTheScreen) {
     startAndWaitFor(0.75);
     ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
-    client.press(0xFF50); // Home; the first control has the focus
+    client.press(0xFF50); // Home; the first control has keyboard focus
     ASSERT_TRUE(waitForBrightness(0.0));
     client.press(0xFF57); // End
     ASSERT_TRUE(waitForBrightness(1.0));
@@ -66,7 +66,7 @@ TEST_P(NoctaProcessTest, WindowTurnsDarkAndLightAsTheUserPrefers) {
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
     nocta = std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);
     const auto levelIsIn = [&](std::uint32_t least, std::uint32_t most) {
-        const auto windows = client.topWindows(); // the popover, because there is no tray
+        const auto windows = client.topWindows(); // the popover is open, because there is no tray
         const auto blue = windows.empty() ? 256 : client.pixel(windows.back().id, 4, 4) & 0xFF;
         return least <= blue && blue <= most;
     };
@@ -79,19 +79,19 @@ TEST_P(NoctaProcessTest, WindowTurnsDarkAndLightAsTheUserPrefers) {
     EXPECT_TRUE(serveUntil([&] { return levelIsIn(0x20, 0x30); }));
 }
 
-TEST_P(NoctaProcessTest, SecondStartBeforeThePanelsTimeLeavesThePopoverOpen) {
+TEST_P(NoctaProcessTest, SecondStartDuringTheWaitForAPanelLeavesThePopoverOpen) {
     startAndWaitFor(0.75);
     EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, environment()), 0);
     ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_TRUE(waitUntil([&] { // longer than the wait for a panel
+    EXPECT_TRUE(waitUntil([&] { // 2.5 seconds is longer than the program waits for a panel
         return std::chrono::steady_clock::now() - start > std::chrono::milliseconds(2500) ||
                client.windowsOfSize(300, 280).empty();
     }));
     EXPECT_EQ(client.windowsOfSize(300, 280).size(), 1U);
 }
 
-TEST_P(NoctaProcessTest, StartWhileTheLastOneEndsTakesItsPlace) {
+TEST_P(NoctaProcessTest, StartWhileTheLastInstanceQuitsTakesOver) {
     startAndWaitFor(0.75);
     client.press(brightnessDownSymbol); // creates the settings file
     ASSERT_TRUE(waitForSettings(neutralSettings("unifiedBrightness=0.6875\n")));
@@ -108,7 +108,7 @@ TEST_P(NoctaProcessTest, StartWhileTheLastOneEndsTakesItsPlace) {
     EXPECT_TRUE(isGivenBack());
 }
 
-TEST_P(NoctaProcessTest, OfTwoStartsAtOnceOneRunsAndTheOtherEnds) {
+TEST_P(NoctaProcessTest, OfTwoSimultaneousStartsOneRunsAndTheOtherExits) {
     for (int round = 0; round < 5; ++round) {
         Process first({programFolder() + "/nocta"}, environment(), output);
         Process second({programFolder() + "/nocta"}, environment(), output);
@@ -139,11 +139,11 @@ bool canConnect(const std::string& display) {
     return isConnected;
 }
 
-TEST_P(NoctaProcessTest, OtherNamesOfTheDisplayStartNoSecondNocta) {
+TEST_P(NoctaProcessTest, OtherNamesOfTheDisplayDoNotStartASecondNocta) {
     startAndWaitFor(0.75);
     auto variables = environment();
     std::vector<std::string> names{server.display() + ".0"};
-    // A newer libxcb takes "unix:" as the start of a socket's path.
+    // Newer versions of libxcb read "unix:" as the start of a socket path.
     if (const auto name = "unix" + server.display(); canConnect(name)) {
         names.insert(names.end(), {name, name + ".0"});
     }
@@ -154,9 +154,8 @@ TEST_P(NoctaProcessTest, OtherNamesOfTheDisplayStartNoSecondNocta) {
     EXPECT_TRUE(shows(0.75));
 }
 
-TEST_P(NoctaProcessTest, WithoutARuntimeFolderItIsStillOneProcess) {
-    // Like a program that is not started by the session, and one whose folder other users can
-    // change.
+TEST_P(NoctaProcessTest, OnlyOneInstanceRunsWithoutARuntimeFolder) {
+    // Covers a program that the session did not start, and a folder that other users can write to.
     const auto shared = home.path() + "/shared";
     std::filesystem::create_directory(shared);
     std::filesystem::permissions(shared, std::filesystem::perms::all);
@@ -186,12 +185,12 @@ TEST_P(NoctaProcessTest, FilesOfAKilledProcessDoNotBlockTheNextStart) {
     EXPECT_EQ(runToEnd({programFolder() + "/nocta"}, environment()), 0);
 }
 
-TEST_P(NoctaProcessTest, StoredBrightnessIsShownAtTheStart) {
+TEST_P(NoctaProcessTest, StoredBrightnessIsShownOnLaunch) {
     writeFile(settings, neutralSettings("unifiedBrightness=0.4\n"));
     startAndWaitFor(0.4);
 }
 
-TEST_P(NoctaProcessTest, WarmthIsLaidOverTheCalibrationToo) {
+TEST_P(NoctaProcessTest, WarmthAppliesToTheCalibrationToo) {
     writeFile(settings, "[General]\nautoWarmthEnabled=false\nwarmthLevel=1\n");
     start();
     const auto warm = expected(0.75, 2700);
@@ -223,18 +222,18 @@ TEST_P(NoctaProcessTest, MeaninglessSettingsDoNoHarm) {
     }
 }
 
-TEST_P(NoctaProcessTest, ValueThatStopsItIsReportedWithItsFileAndTheScreenIsGivenBack) {
+TEST_P(NoctaProcessTest, FatalValueIsReportedWithItsFileAndTheScreenIsGivenBack) {
     struct Row {
         std::string content;
         std::string named;
     };
-    // Without a tray the popover opens, and shows every value.
+    // Without a tray the popover opens, so the program has to show every value.
     for (const auto& [content, named] :
          {Row{"breakIntervalMinutes=9223372036854775807\n",
               "breakIntervalMinutes is 9223372036854775807"},
           Row{"breakIntervalMinutes=-9223372036854775808\n",
               "breakIntervalMinutes is -9223372036854775808"},
-          Row{"breakIntervalMinutes=153722867280912930\n", // its seconds round up to 2^63
+          Row{"breakIntervalMinutes=153722867280912930\n", // in seconds, rounds up to 2^63
               "breakIntervalMinutes is 153722867280912930"},
           Row{"breakIntervalMinutes=0\nbreakDurationSeconds=9223372036854775807\n",
               "breakDurationSeconds is 9223372036854775807"},
@@ -255,14 +254,14 @@ TEST_P(NoctaProcessTest, ValueThatStopsItIsReportedWithItsFileAndTheScreenIsGive
     }
 }
 
-TEST_P(NoctaProcessTest, WithoutADisplayItSaysSoAndFails) {
+TEST_P(NoctaProcessTest, WithoutADisplayItPrintsAnErrorAndFails) {
     auto variables = environment();
     for (const auto* const display : {":4095", "nonsense", ""}) {
         variables["DISPLAY"] = display;
         variables["WAYLAND_DISPLAY"] = *display == '\0' ? "" : "wayland-that-is-gone";
         Process process({programFolder() + "/nocta"}, variables, output);
         const auto status = process.wait();
-        ASSERT_TRUE(WIFEXITED(status)) << "it crashed";
+        ASSERT_TRUE(WIFEXITED(status)) << "the program should not crash";
         EXPECT_EQ(WEXITSTATUS(status), 1);
         EXPECT_EQ(contentOf(output),
                   "nocta: cannot connect to the display \"" + std::string(display) + "\"\n");
@@ -274,12 +273,12 @@ TEST_P(NoctaProcessTest, EmulatedRandRIsRefusedInOneLine) {
     client.setOutputProperty("RANDR Emulation", {1});
     start();
     ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
-    EXPECT_TRUE(isGivenBack()) << "nothing was written";
+    EXPECT_TRUE(isGivenBack()) << "the program should not write the ramp";
     EXPECT_NE(contentOf(output).find("gamma is not supported in this Wayland session yet"),
               std::string::npos);
     EXPECT_TRUE(waitUntil([&] {
         return contentOf(output).find("Failed to create event tap\n") != std::string::npos;
-    })) << "keys arrive only while an X window has the focus";
+    })) << "the event tap should fail, because keys arrive only while an X window has focus";
 }
 
 class NoctaOnTwoOutputsTest : public NoctaProcess {};
@@ -295,8 +294,8 @@ TEST_P(NoctaOnTwoOutputsTest, UnpluggingAndPluggingDoesNoHarm) {
     EXPECT_EQ(client.activeCrtcs().size(), 1U);
     server.plugSecondOutput();
     client.press(brightnessDownSymbol);
-    // A display change is handled at the end of the turn that reports it, and a key may arrive in
-    // the same turn.
+    // The program handles a display change at the end of the run-loop turn that reports it, and the
+    // key may arrive in the same turn.
     ASSERT_TRUE(waitUntil(
         [&] { return isClose(client.ramp(client.activeCrtcs().at(0)), expected(0.625)); }));
     client.press(brightnessDownSymbol);

@@ -12,7 +12,8 @@
 
 namespace nocta {
 
-/// The whole program on a virtual clock, with a real X server for the display output.
+/// The whole program on a virtual desktop, except that its displays, gamma ramps and gray filter
+/// are those of a real X server.
 class DesktopOnX11 : public TestDesktop {
 protected:
     explicit DesktopOnX11(XServer::Kind kind = XServer::Kind::xvfb) : x(kind) {}
@@ -21,7 +22,7 @@ protected:
     LocationManager* locationManager = &desktop.location;
     UserNotificationCenter* userNotificationCenter = &desktop.notifications;
 
-    /// Created together with the program.
+    /// Creates the ports when the program is created.
     Desktop& ports() override {
         if (!mixed_) {
             auto gray = std::make_unique<X11ColorMatrixFilter>(x.connection, x.displays,
@@ -55,7 +56,7 @@ protected:
 
     void TearDown() override { dropProgram(); }
 
-    /// The last levels of the first display's ramp in 0.0–1.0, read by another client.
+    /// The last levels of the first display's ramp, 0.0–1.0, as another client reads them.
     std::array<double, 3> shownWhite() {
         x.settle();
         const auto ramp = x.client.ramp(x.client.activeCrtcs().at(0));

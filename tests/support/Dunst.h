@@ -14,8 +14,8 @@
 
 namespace nocta {
 
-/// A notification daemon on the private session bus, with a private screen and a simulated user:
-/// when it asks which of several buttons is meant, the user chooses the one with a given word.
+/// A real notification daemon on the private session bus, with a private screen. If the daemon asks
+/// which of several buttons to press, the simulated user chooses the one that contains `word`.
 class Dunst {
 public:
     Dunst(const std::string& sessionBusAddress, const std::string& word)
@@ -31,7 +31,7 @@ public:
         }
     }
 
-    /// How many notifications are on the screen.
+    /// The number of notifications on the screen.
     static int displayed() {
         return sessionBus()
             .call(QDBusMessage::createMethodCall(serviceName, "/org/freedesktop/Notifications",
@@ -46,7 +46,7 @@ public:
             .toInt();
     }
 
-    /// Presses a button of the only notification.
+    /// Presses a button of the notification. There must be only one notification.
     bool press() const { return runToEnd({"dunstctl", "action", "0"}, environment_) == 0; }
 
 private:

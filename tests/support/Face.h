@@ -15,13 +15,13 @@
 
 namespace nocta {
 
-/// The real views on the virtual desktop, one at a time, and a simulated user.
+/// Shows one of the real views at a time on the virtual desktop, and acts like a user.
 class Face : public TestDesktop {
 protected:
     WidgetViews realViews{instances()};
     std::unique_ptr<View> view;
 
-    /// Shows a view at the size that its window would give it.
+    /// Shows a view at the size that it has in its window.
     void open(std::unique_ptr<View> newView, const QSize& least = {}) {
         view = std::move(newView);
         fit(least);
@@ -53,7 +53,8 @@ protected:
         QTest::mouseClick(&target, Qt::LeftButton);
     }
 
-    /// Its own name or that of its label: on Linux the name of a list is its current choice.
+    /// The name of the widget, or else of its label. On Linux the accessible name of a list is its
+    /// current choice.
     static QString accessibleName(const QWidget& widget) {
         if (!widget.accessibleName().isEmpty()) {
             return widget.accessibleName();

@@ -23,7 +23,7 @@
 
 namespace nocta {
 
-/// A location service for the test: it records every call, and answers some or none.
+/// A location service for the test. It records every call; the test sets which calls it answers.
 class MockGeoClue final : public QDBusVirtualObject {
 public:
     enum class Start { agrees, refuses, waits };
@@ -40,7 +40,7 @@ public:
     bool answersCreateClient = true;
     Start start = Start::agrees;
     QVariantMap place = {{"Latitude", 52.5}, {"Longitude", 13.4}};
-    std::vector<std::string> calls; ///< the methods, with their last argument if any
+    std::vector<std::string> calls; ///< the methods, each with its last argument, if any
 
     void sayThatThePlaceHasChanged() {
         auto signal = QDBusMessage::createSignal(client(), "org.freedesktop.GeoClue2.Client",
@@ -50,7 +50,7 @@ public:
         bus_.send(signal);
     }
 
-    // Answer a pending `Start`.
+    // These answer a pending `Start`.
     void answerStart() { bus_.send(waitingStart_.createReply()); }
     void refuseStart() {
         bus_.send(waitingStart_.createErrorReply(QDBusError::AccessDenied, "refused"));
@@ -183,8 +183,8 @@ private:
     std::optional<Process> process_;
 };
 
-/// The user's agent, which tells GeoClue how precise a location the user allows, if any. GeoClue
-/// asks it about single programs only if they are sandboxed.
+/// The user's agent. It tells GeoClue the most precise location that the user allows, or that the
+/// user allows none. GeoClue asks it about individual programs only if they are sandboxed.
 class LocationAgent final : public QDBusVirtualObject {
 public:
     explicit LocationAgent(bool allows)
@@ -196,7 +196,7 @@ public:
     LocationAgent& operator=(const LocationAgent&) = delete;
     ~LocationAgent() override { QDBusConnection::disconnectFromBus("location-agent"); }
 
-    /// False if the daemon is not running or refuses this agent.
+    /// Registers with the daemon. Returns false if it is not running or refuses this agent.
     bool introduceItself() {
         auto call = QDBusMessage::createMethodCall("org.freedesktop.GeoClue2",
                                                    "/org/freedesktop/GeoClue2/Manager",

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// The settings of a user in a GNOME session, separate from those of the user who runs the tests.
+/// The settings of a user in a GNOME session, separate from those of whoever runs the tests.
 class GnomeSettings {
 public:
     static constexpr auto magnifier = "org.gnome.desktop.a11y.magnifier";
@@ -33,7 +33,7 @@ public:
                get(magnifier, "color-saturation") == "0.0\n";
     }
 
-    /// Every value of both schemas, set by the user or default.
+    /// All values of both schemas, including defaults.
     std::string everything() const {
         return output({"gsettings", "list-recursively", magnifier}) +
                output({"gsettings", "list-recursively", applications});

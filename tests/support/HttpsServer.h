@@ -15,7 +15,7 @@
 
 namespace nocta {
 
-/// The certificate of a server on loopback, not trusted by anyone yet.
+/// A self-signed certificate for a server on loopback. No client trusts it by default.
 class ServerCertificate {
 public:
     ServerCertificate() {
@@ -32,7 +32,7 @@ private:
     TemporaryFolder folder_;
 };
 
-/// An HTTPS server on loopback that answers whatever the test wants.
+/// An HTTPS server on loopback that sends the answers that the test sets.
 class HttpsServer {
 public:
     HttpsServer() {

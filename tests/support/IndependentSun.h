@@ -5,8 +5,8 @@
 
 namespace nocta {
 
-/// A second implementation of the sun calculation, in long double and normalizing with remainders:
-/// minutes after midnight, or nothing in a polar day or night.
+/// A second implementation of the sun calculation. It uses long double and normalizes angles with
+/// remainders. The times are in minutes after midnight; polar days and nights have none.
 struct IndependentSun {
     long double sunrise = 0;
     long double sunset = 0;
@@ -23,7 +23,7 @@ struct IndependentSun {
         const auto l =
             wrapped(m * 180 / pi + 1.916L * std::sin(m) + 0.020L * std::sin(2 * m) + 282.634L, 360);
         const auto lRadians = l * pi / 180;
-        // `atan2` gives an angle in the right quadrant without a correction.
+        // `atan2` returns an angle in the right quadrant without a correction.
         const auto ra =
             wrapped(std::atan2(0.91764L * std::sin(lRadians), std::cos(lRadians)) * 180 / pi, 360);
         const auto declination = std::asin(0.39782L * std::sin(lRadians));

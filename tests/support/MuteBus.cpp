@@ -19,7 +19,7 @@ void say(int client, std::string_view bytes) {
     send(client, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
 }
 
-/// The reply to the first call, with the unique name ":1.1".
+/// The reply to `Hello`, with the unique name ":1.1".
 constexpr std::string_view welcome("l\2\1\1"
                                    "\11\0\0\0\1\0\0\0\17\0\0\0"
                                    "\5\1u\0\1\0\0\0"
@@ -27,7 +27,7 @@ constexpr std::string_view welcome("l\2\1\1"
                                    "\4\0\0\0:1.1\0",
                                    41);
 
-/// An empty reply to the second call.
+/// An empty reply to the call after `Hello`.
 constexpr std::string_view reply("l\2\1\1"
                                  "\0\0\0\0\2\0\0\0\10\0\0\0"
                                  "\5\1u\0\2\0\0\0",

@@ -7,12 +7,12 @@
 
 namespace nocta {
 
-/// Listens in place of a message bus, accepts every connection, and falls silent.
+/// A fake message bus that accepts every connection and then stops answering.
 class MuteBus {
 public:
     enum class After { accepting, authentication, hello };
 
-    /// The first `answeredClients` clients are served until they have asked a question.
+    /// The first `answeredClients` clients get answers up to their first call after `Hello`.
     explicit MuteBus(After after, int answeredClients = 0);
     MuteBus(const MuteBus&) = delete;
     MuteBus& operator=(const MuteBus&) = delete;

@@ -19,8 +19,8 @@
 
 namespace nocta {
 
-/// The real program on a private X server, a simulated user who presses keys and ends it in every
-/// way, and another client that reads the gamma ramps.
+/// The real program on a private X server. The tests press keys and end the program in various
+/// ways, and another client reads the gamma ramps.
 class NoctaProcess : public ::testing::TestWithParam<XServer::Kind> {
 protected:
     XServer server;
@@ -34,7 +34,7 @@ protected:
     explicit NoctaProcess(const std::vector<std::string>& outputNames = {})
         : server(GetParam(), {}, outputNames) {}
 
-    /// The color does not follow the sun, and onboarding is over.
+    /// Settings with which the screen is not tinted and onboarding does not appear.
     static std::string neutralSettings(const std::string& more = {}) {
         return "[General]\nautoWarmthEnabled=false\nisFirstLaunch=false\nwarmthLevel=0\n" + more;
     }
@@ -72,8 +72,8 @@ protected:
         ASSERT_TRUE(waitForBrightness(brightness)) << contentOf(output);
     }
 
-    /// Whether every output shows the tables of a brightness at 6500 K laid over its factory ramp,
-    /// within one 16-bit step.
+    /// Whether the ramp of every output is its factory ramp with the tables of this brightness at
+    /// 6500 K applied, within one 16-bit step.
     bool shows(double brightness) {
         const auto crtcs = client.activeCrtcs();
         return std::ranges::all_of(crtcs, [&](xcb_randr_crtc_t crtc) {

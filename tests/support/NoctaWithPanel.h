@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// A simulated user with a window manager and a panel, who uses the program's windows.
+/// The real program with a window manager, a panel and a simulated user of its windows.
 class NoctaWithPanel : public NoctaProcess {
 protected:
     static constexpr xcb_keysym_t escape = 0xFF1B;
@@ -40,7 +40,7 @@ protected:
         panel.emplace(std::vector<std::string>{"tint2"}, variables, home.path() + "/tint2");
     }
 
-    /// The only window with that title.
+    /// Finds the window with that title.
     std::optional<Window> find(const std::string& title) {
         const auto found =
             client.windows([&](const Window& window) { return client.nameOf(window.id) == title; });
@@ -58,16 +58,16 @@ protected:
         return waitUntil([&] { return !find(title).has_value(); });
     }
 
-    /// Whether the white symbol is visible.
+    /// Whether the icon's white symbol is visible.
     bool isDrawn(const Window& icon) {
         return std::ranges::any_of(client.picture(icon),
                                    [](std::uint8_t level) { return level > 200; });
     }
 
-    /// The program's icon in the panel.
+    /// Waits for the program's icon in the panel and returns it.
     Window waitForIcon() {
         std::vector<Window> icons;
-        EXPECT_TRUE(waitUntil([&] { // until it stays in place: a panel that is starting moves it
+        EXPECT_TRUE(waitUntil([&] { // the icon stays in place: a panel moves it while starting
             const auto before = icons;
             icons = client.windows([&](const Window& window) {
                 return window.width < 64 && window.height < 64 &&

@@ -26,7 +26,7 @@ bool accepts(const std::string& path) {
 
 PrivateBus::PrivateBus(const std::string& variable) {
     static const TemporaryFolder folder;
-    // The library reads both addresses when it first connects to either bus.
+    // The D-Bus library reads both addresses when it first connects to either bus.
     for (const auto* const name : {"DBUS_SYSTEM_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS"}) {
         setenv(name, ("unix:path=" + folder.path() + "/" + name).c_str(), 1);
     }

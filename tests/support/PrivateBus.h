@@ -7,16 +7,16 @@
 
 namespace nocta {
 
-/// A private message bus for the test, named in an environment variable. All buses of one variable
-/// have the same address, because the D-Bus library reads it only once.
+/// A private message bus for the test. An environment variable contains its address. All buses for
+/// one variable share an address, because the D-Bus library reads the variable only once.
 class PrivateBus {
 public:
-    /// DBUS_SYSTEM_BUS_ADDRESS or DBUS_SESSION_BUS_ADDRESS.
+    /// `variable` is DBUS_SYSTEM_BUS_ADDRESS or DBUS_SESSION_BUS_ADDRESS.
     explicit PrivateBus(const std::string& variable);
 
     const std::string& address() const { return address_; }
 
-    /// SIGSTOP makes it mute, SIGCONT lets it continue.
+    /// SIGSTOP makes the bus stop answering, SIGCONT lets it continue.
     void signal(int number) const { process_->signal(number); }
 
 private:

@@ -43,7 +43,7 @@ Process::Process(const std::vector<std::string>& command, const Environment& var
     if (id_ != 0) {
         return;
     }
-    prctl(PR_SET_PDEATHSIG, SIGKILL); // no child outlives a test program that dies
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // if the test program dies, its children die too
     for (const auto& [name, value] : variables) {
         if (value.empty()) {
             unsetenv(name.c_str());
@@ -116,7 +116,7 @@ std::string contentOf(const std::string& file) {
     std::ifstream stream(file);
     std::string content;
     std::array<char, 4096> block{};
-    // `read` fails without an error if the process of a file in /proc exits.
+    // `read` fails without an error if the file is in /proc and its process exits.
     while (stream.read(block.data(), block.size()) || stream.gcount() > 0) {
         content.append(block.data(), static_cast<std::size_t>(stream.gcount()));
     }

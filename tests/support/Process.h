@@ -9,18 +9,18 @@
 
 namespace nocta {
 
-/// Waits in small steps until the condition holds; returns false after a timeout that is ample even
-/// on a busy machine.
+/// Polls until the condition holds; returns false after a timeout that is long enough for a busy
+/// machine.
 bool waitUntil(const std::function<bool()>& condition);
 
-/// A child process; it is killed with this object.
+/// A child process. The destructor kills it.
 class Process {
 public:
     using Environment = std::map<std::string, std::string>;
 
     /// Starts `command` with the variables added to this process's own; an empty value removes a
-    /// variable. Standard output and error go to the file `output` if one is named.
-    /// `keptDescriptor` is inherited under its own number.
+    /// variable. Standard output and error go to the file `output` unless it is empty. The child
+    /// inherits `keptDescriptor` under the same number.
     explicit Process(const std::vector<std::string>& command, const Environment& variables = {},
                      const std::string& output = {}, int keptDescriptor = -1);
     Process(const Process&) = delete;
@@ -30,7 +30,7 @@ public:
     pid_t id() const { return id_; }
     void signal(int number) const;
 
-    /// The wait status; -1 if the process does not exit within an ample timeout.
+    /// Returns the wait status, or -1 if the process does not exit within a generous timeout.
     int wait();
 
 private:
@@ -38,13 +38,13 @@ private:
     int status_ = -1;
 };
 
-/// Runs a command and returns its exit status, or -1.
+/// Runs a command and returns its exit status, or -1 if it did not exit normally.
 int runToEnd(const std::vector<std::string>& command, const Process::Environment& variables = {});
 
-/// The folder of this test program and of the project's programs.
+/// The folder that contains this test program and the project's programs.
 std::string programFolder();
 
-/// A new folder, removed with its content by the destructor.
+/// A new folder. The destructor removes it and its content.
 class TemporaryFolder {
 public:
     TemporaryFolder();

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// A publisher with a key pair.
+/// A publisher of updates, with a key pair for signatures.
 class Publisher {
 public:
     Publisher() { crypto_sign_keypair(key_.data(), secret_.data()); }

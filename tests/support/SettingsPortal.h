@@ -32,7 +32,7 @@ public:
 
     int questions = 0;
     std::map<std::string, QVariantMap> settings;
-    std::optional<QVariant> nonsense; ///< sent as the answer instead
+    std::optional<QVariant> nonsense; ///< if set, sent as the answer instead of the settings
 
     void sayThatASettingHasChanged() {
         auto signal = QDBusMessage::createSignal(
@@ -41,8 +41,8 @@ public:
                << "reduced-motion" << QVariant::fromValue(QDBusVariant(0U));
         bus_.send(signal);
     }
-    /// Returns once the program has the answer: that is so when it has the answer to a later
-    /// change.
+    /// Returns once the program has processed the answer. The test can tell because the program
+    /// asks again after a second change.
     void sayThatASettingHasChangedAndIsHeard() {
         for (int i = 0; i < 2; ++i) {
             const auto before = questions;
@@ -52,7 +52,7 @@ public:
     }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
         if (message.interface() != "org.freedesktop.portal.Settings") {
-            return false; // Qt's own calls to other portals
+            return false; // Qt itself calls other portals
         }
         ++questions;
         EXPECT_EQ(message.member(), "ReadAll");

@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-// For the messages of failed expectations.
+// GoogleTest prints these in the messages of failed expectations.
 
 inline void PrintTo(const Sunrise& sunrise, std::ostream* stream) {
     *stream << "sunrise, " << sunrise.progress << " of the span";

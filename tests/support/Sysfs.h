@@ -7,12 +7,12 @@
 
 namespace nocta {
 
-/// Imitates the kernel's description of graphics cards, connectors and backlights in a folder.
+/// A folder that imitates the kernel's sysfs for graphics cards, connectors and backlights.
 class Sysfs {
 public:
     const std::string& path() const { return folder_.path(); }
 
-    // The possible parents of a backlight, relative to this folder.
+    // Possible parents of a backlight, relative to this folder.
     static std::string card(const std::string& card) { return "devices/pci-of-" + card; }
     static std::string connector(const std::string& card, const std::string& name) {
         return Sysfs::card(card) + "/drm/" + card + "/" + card + "-" + name;

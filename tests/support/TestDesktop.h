@@ -53,7 +53,7 @@ protected:
     void launch() { desktop.application.launch(delegate()); }
     void quit() { desktop.application.terminate(); }
 
-    /// Restarts the process; the defaults store and the displays stay.
+    /// Simulates a restart of the process; the defaults store and the displays stay.
     void restart() {
         quit();
         dropProgram();
@@ -61,13 +61,13 @@ protected:
         launch();
     }
 
-    /// Destroys the program before its ports, if a fixture has made some of them real.
+    /// Destroys the program. Fixtures that replace ports call this before they destroy those ports.
     void dropProgram() {
         delegate_.reset();
         instances_.reset();
     }
 
-    /// The dimming in a display's red table: red is not tinted at 6500 K.
+    /// The dimming that a display shows. It is read from the red table, which 6500 K does not tint.
     float shownDimming(DisplayId id) {
         const auto& red = desktop.displays.display(id).red;
         return red.empty() ? 0.0F : 1.0F - red.back();

@@ -6,10 +6,10 @@
 
 namespace nocta {
 
-/// Moves the process to another time zone while it lives.
+/// Moves the process to another time zone, and back when it is destroyed.
 class TimeZone {
 public:
-    /// A zone in POSIX format, which needs no database: "CET-1CEST,M3.5.0,M10.5.0/3".
+    /// `zone` is in POSIX format, which needs no database: "CET-1CEST,M3.5.0,M10.5.0/3".
     explicit TimeZone(const char* zone) {
         if (const auto* const before = std::getenv("TZ")) {
             before_ = before;

@@ -18,7 +18,7 @@ bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }
 
-/// strace writes `sun_path="/a"`, and `sun_path=@"a"` for an abstract one.
+/// strace writes `sun_path="/a"`, or `sun_path=@"a"` for an abstract socket.
 std::string asWritten(const std::string& socket) {
     return socket.starts_with('@') ? "@\"" + socket.substr(1) + "\"" : "\"" + socket + "\"";
 }
@@ -54,7 +54,7 @@ std::vector<std::string> underWatch(const std::vector<std::string>& command,
                                     const std::string& traceFile) {
     std::vector<std::string> watched = {"strace",
                                         "--follow-forks",
-                                        "--seccomp-bpf", // otherwise every system call is slow
+                                        "--seccomp-bpf", // without this, every system call is slow
                                         "--trace=network,io_uring_setup",
                                         "--signal=none",
                                         "--quiet=all",

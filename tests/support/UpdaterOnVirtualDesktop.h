@@ -36,7 +36,7 @@ protected:
     std::optional<std::string> startError;
     using Errors = std::vector<std::optional<std::string>>;
 
-    Errors cycles; ///< the result of each
+    Errors cycles; ///< the result of each update cycle
     std::vector<std::string> opened;
     std::function<void(const std::optional<std::string>&)> answerOfOpener;
 
@@ -51,7 +51,7 @@ protected:
         startError = updater->startUpdater([this](const auto& error) { cycles.push_back(error); });
         desktop.runLoop.advance({});
     }
-    /// Starts as if Nocta had run before.
+    /// Starts as if Nocta had run before and saved this record.
     void startWith(const std::string& remembered) {
         std::filesystem::create_directories(folder.path() + "/state");
         writeFile(memory, remembered);

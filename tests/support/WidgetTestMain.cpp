@@ -1,4 +1,4 @@
-// A main function for tests of widgets, which need no display server.
+// A main function for tests of widgets. They need no display server.
 
 #include <QApplication>
 #include <gtest/gtest.h>

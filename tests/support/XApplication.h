@@ -10,12 +10,12 @@
 
 namespace nocta {
 
-/// An application on the X server in DISPLAY, with its own connection and windows. It asks the
-/// window manager to do what a user would do with them, and writes any properties, on the root
-/// window too.
+/// An application on the X server in DISPLAY, with its own connection and windows. It can
+/// ask the window manager for what a user would do with its windows, for example to minimize one.
+/// It can also write any property, including properties of the root window.
 class XApplication {
 public:
-    /// The instance and the class of its windows; without a class, they have no WM_CLASS.
+    /// Sets the instance and the class of its windows; without a class, they have no WM_CLASS.
     explicit XApplication(std::string instance = {}, std::string windowClass = {});
     XApplication(const XApplication&) = delete;
     XApplication& operator=(const XApplication&) = delete;
@@ -23,7 +23,7 @@ public:
 
     xcb_window_t root() const { return root_; }
 
-    /// A window that is not shown yet.
+    /// Creates a window without showing it.
     xcb_window_t make(const Rect& frame = {100, 100, 400, 300});
     void show(xcb_window_t window);
     xcb_window_t open(const Rect& frame = {100, 100, 400, 300});

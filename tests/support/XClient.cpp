@@ -28,7 +28,7 @@ Owned<Reply> needed(Reply* reply) {
     return Owned<Reply>(reply);
 }
 
-/// A key code that keyboards leave unused.
+/// A key code that no keyboard uses.
 constexpr xcb_keycode_t spareKey = 248;
 
 /// Milliseconds before a key event. A key that is released and pressed in the same millisecond
@@ -100,7 +100,7 @@ std::uint32_t XClient::pixel(xcb_window_t window, std::int16_t x, std::int16_t y
 std::uint32_t XClient::translucentPixel(xcb_window_t window, std::int16_t x, std::int16_t y) {
     const auto image = needed(xcb_get_image_reply(
         x_, xcb_get_image(x_, XCB_IMAGE_FORMAT_Z_PIXMAP, window, x, y, 1, 1, ~0U), nullptr));
-    const auto* const bytes = xcb_get_image_data(image.get()); // blue comes first
+    const auto* const bytes = xcb_get_image_data(image.get()); // in BGRA order
     return static_cast<std::uint32_t>(bytes[3]) << 24U |
            static_cast<std::uint32_t>(bytes[2] << 16 | bytes[1] << 8 | bytes[0]);
 }
@@ -241,7 +241,7 @@ void XClient::countWrites(xcb_window_t window) {
 }
 
 int XClient::writesTo(const std::string& property) {
-    const auto name = atom(property); // its reply arrives after all earlier events
+    const auto name = atom(property); // the reply arrives after all earlier events
     while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(x_)}) {
         if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY) {
             ++writes_[reinterpret_cast<const xcb_property_notify_event_t&>(*event).atom];

@@ -33,12 +33,12 @@ public:
     Ramp ramp(xcb_randr_crtc_t crtc);
     void setRamp(xcb_randr_crtc_t crtc, const Ramp& ramp);
 
-    /// The last red level in 0.0–1.0.
+    /// The last red level of the ramp, 0.0–1.0.
     double top(xcb_randr_crtc_t crtc);
 
-    /// The pixel of a window at a point, 0xRRGGBB.
+    /// The pixel of a window at a point, as 0xRRGGBB.
     std::uint32_t pixel(xcb_window_t window, std::int16_t x, std::int16_t y);
-    /// The same for a translucent window, 0xAARRGGBB.
+    /// The pixel of a translucent window at a point, as 0xAARRGGBB.
     std::uint32_t translucentPixel(xcb_window_t window, std::int16_t x, std::int16_t y);
 
     /// Presses and releases the key with this symbol; maps the symbol to a free key if it has none.
@@ -46,7 +46,7 @@ public:
     void hold(xcb_keysym_t symbol);
     void release(xcb_keysym_t symbol);
 
-    /// Moves the pointer, or clicks one of its buttons: 1 is the left one, 3 the right one.
+    // The pointer. Button 1 is the left one, 3 the right one.
     void moveTo(int x, int y);
     void holdButton(std::uint8_t button);
     void releaseButton(std::uint8_t button);
@@ -55,10 +55,10 @@ public:
     /// Makes the server close the connection of the client that owns a window.
     void disconnect(xcb_window_t window);
 
-    /// Owns the selection of XEmbed trays and announces itself, as a panel does.
+    /// Takes ownership of the selection of XEmbed trays and announces itself, as a panel does.
     void becomeSystemTray();
 
-    /// Owns the selection of compositors, but composes nothing.
+    /// Takes ownership of the selection of compositors, but composites nothing.
     void becomeCompositor();
 
     /// Sets a property of the root window to a list of numbers of 8, 16 or 32 bits, depending on
@@ -102,7 +102,7 @@ public:
     /// The IDs of the mapped top-level windows of this size.
     std::vector<xcb_window_t> windowsOfSize(int width, int height);
 
-    /// The visible windows that match, at any depth, in root coordinates.
+    /// The visible windows at any depth for which `matches` returns true, in root coordinates.
     std::vector<TopWindow> windows(const std::function<bool(const TopWindow&)>& matches);
     /// The visible pixels in the area of a window.
     std::vector<std::uint8_t> picture(const TopWindow& window);
@@ -131,7 +131,7 @@ private:
 inline constexpr xcb_keysym_t brightnessUpSymbol = 0x1008FF02;
 inline constexpr xcb_keysym_t brightnessDownSymbol = 0x1008FF03;
 
-/// A ramp of `size` entries from 0 to the given tops, bent by an exponent, like a calibration.
+/// A ramp that looks like a calibration: `size` entries on a power curve from 0 to the given tops.
 XClient::Ramp calibration(std::size_t size, double exponent, std::array<double, 3> tops);
 
 } // namespace nocta

@@ -39,7 +39,7 @@ XServer::XServer(Kind kind, const std::vector<std::string>& options,
     process_ = std::make_unique<Process>(command, environment, folder_.path() + "/output", ends[1]);
     close(ends[1]);
 
-    // The server writes its number when it is ready; if it dies, the pipe closes.
+    // The server writes its display number when it is ready; if it dies, the pipe closes.
     char letter = 0;
     while (read(ends[0], &letter, 1) == 1 && letter != '\n') {
         display_ += letter;

@@ -9,20 +9,20 @@
 
 namespace nocta {
 
-/// A private X server, named in DISPLAY while it lives.
+/// A private X server. DISPLAY contains its name.
 class XServer {
 public:
-    /// Xvfb has one output, whose ramp starts all zero; Xorg with the dummy driver has sixteen, of
-    /// which the first is in use.
+    /// Xvfb has one output, whose ramp is all zeros at first. Xorg with the dummy driver has
+    /// sixteen outputs; the first one is in use.
     enum class Kind { xvfb, xorgDummy };
 
-    /// The first outputs have these names; Xorg only.
+    /// `outputNames` are the names of the first outputs; Xorg only.
     explicit XServer(Kind kind, const std::vector<std::string>& options = {},
                      const std::vector<std::string>& outputNames = {});
 
     const std::string& display() const { return display_; }
 
-    /// Kills the server, and its clients with it.
+    /// Kills the server. All clients lose their connections.
     void kill();
 
     /// Stops the server: it no longer answers.

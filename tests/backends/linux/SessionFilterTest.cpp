@@ -9,7 +9,7 @@
 namespace nocta {
 namespace {
 
-/// A screen in memory.
+/// A fake filter that only stores whether the screen is gray.
 class FakeGrayscale final : public GrayscaleFilter {
 public:
     explicit FakeGrayscale(bool& isGray) : isGray_(isGray) {}
@@ -34,7 +34,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Session, DisplayFilterContract, SessionFilterHarn
 
 namespace {
 
-TEST(SessionFilter, GrayOfTheUserIsReadAtTheStart) {
+TEST(SessionFilter, GrayThatTheUserSetIsReadOnLaunch) {
     bool isGray = true;
     SessionFilter filter(std::make_unique<FakeGrayscale>(isGray));
     EXPECT_EQ(filter.getType(1), 1);

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-// A symbol search of the whole program would find these. They succeed, so that the test would
-// notice a call.
+// The backlight must use only the framework's functions. A symbol search of the whole program would
+// find these functions instead; they succeed, so that the test fails if they are called.
 extern "C" {
 __attribute__((visibility("default"), used)) int
 DisplayServicesGetBrightness(std::uint32_t /*display*/, float* level) {

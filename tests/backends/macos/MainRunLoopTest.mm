@@ -10,7 +10,7 @@ struct MainRunLoopHarness {
     static bool runUntil(const std::function<bool()>& condition) {
         NSDate* const deadline = [NSDate dateWithTimeIntervalSinceNow:30];
         while (!condition() && deadline.timeIntervalSinceNow > 0) {
-            // Runs in short turns, because a timer does not end a turn.
+            // Runs the loop in short intervals, because a timer does not make `runMode` return.
             [NSRunLoop.mainRunLoop runMode:NSDefaultRunLoopMode
                                 beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.001]];
         }

@@ -5,7 +5,7 @@
 namespace nocta {
 namespace {
 
-/// The test program is not linked with these functions.
+/// The functions are missing because the test program does not link to their framework.
 TEST(MediaAccessibilityFilter, MissingFunctionsDoNothingAndReturnZero) {
     MediaAccessibilityFilter filter;
     filter.setType(1, 1);

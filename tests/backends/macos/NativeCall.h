@@ -1,6 +1,6 @@
 #pragma once
 
-/// A call as written in a file of the backend. White space does not count.
+/// A call as it appears in a file of the backend, apart from white space.
 struct NativeCall {
     const char* file;
     const char* text;

@@ -36,7 +36,7 @@ bool isOfAWord(char character) {
     return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
 }
 
-/// Text without white space, and where the white space separated words.
+/// Source text without white space, with a record of where the white space separated words.
 struct Code {
     explicit Code(std::string_view source) {
         char last = ' ';
@@ -51,7 +51,7 @@ struct Code {
     }
 
     std::string text;
-    std::vector<bool> isInsideAWord; ///< one more element than characters
+    std::vector<bool> isInsideAWord; ///< has one more element than `text`
 };
 
 /// Counts occurrences that begin and end at word boundaries.
@@ -75,12 +75,12 @@ void expectEachOnce(std::span<const NativeCall> calls) {
     }
 }
 
-TEST(NativeCalls, EachIsInItsFileOnceExactlyAsInTheTables) {
+TEST(NativeCalls, EachAppearsInItsFileOnceExactlyAsInTheTables) {
     expectEachOnce(nativeServiceCalls);
     expectEachOnce(nativeShellCalls);
 }
 
-TEST(NativeCalls, AreInNoOtherFile) {
+TEST(NativeCalls, AppearInNoOtherFile) {
     const std::regex call(
         R"(\b(?:CG|NS|CL|UN|SM|SPU|MADisplayFilter|DisplayServices)[A-Z]\w+\s*[(*.\]:])");
     for (const auto& entry : fs::recursive_directory_iterator(root)) {

@@ -9,7 +9,7 @@ std::int32_t lastNumber = 0;
 } // namespace
 
 extern "C" {
-/// Exported, so that it is found by name like the entry point of a library.
+/// Exported, so that `dlsym` finds it by name like the entry point of a library.
 __attribute__((visibility("default"), used)) void noctaTestEntryPoint(std::int32_t number) {
     lastNumber = number;
 }

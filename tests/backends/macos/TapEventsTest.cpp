@@ -10,8 +10,8 @@ TEST(TapEvents, KeyDownIsType10) {
 }
 
 TEST(TapEvents, TapIsDisabledByATimeoutOrByTheUser) {
-    EXPECT_EQ(tapEvent(0xFFFFFFFE), TapEvent::disabled) << "a timeout";
-    EXPECT_EQ(tapEvent(0xFFFFFFFF), TapEvent::disabled) << "the user's input";
+    EXPECT_EQ(tapEvent(0xFFFFFFFE), TapEvent::disabled) << "a timeout should disable the tap";
+    EXPECT_EQ(tapEvent(0xFFFFFFFF), TapEvent::disabled) << "user input should disable the tap";
 }
 
 TEST(TapEvents, OtherEventsAreIgnored) {

@@ -17,7 +17,8 @@ protected:
         written.keep(display, std::array{level}, std::array{level + 1}, std::array{level + 2});
     }
 
-    /// Lists each display with the first entries of its tables.
+    /// Returns a line for each display that is sent again, with its ID and the entries of its
+    /// tables.
     std::string sentAgain() {
         std::string sent;
         written.forEach([&sent](DisplayId display, std::span<const float> red,
@@ -45,10 +46,11 @@ TEST_F(WrittenTablesTest, EachDisplayGetsItsLastTablesAgain) {
     write(monitor, 20);
     write(panel, 30);
     EXPECT_EQ(sentAgain(), "1: 30 31 32\n2: 20 21 22\n");
-    EXPECT_EQ(sentAgain(), "1: 30 31 32\n2: 20 21 22\n") << "at every wake";
+    EXPECT_EQ(sentAgain(), "1: 30 31 32\n2: 20 21 22\n")
+        << "the tables should be sent again at every wake";
 }
 
-TEST_F(WrittenTablesTest, DisplayThatNothingWasWrittenToGetsNothing) {
+TEST_F(WrittenTablesTest, DisplayWithoutAWriteGetsNothing) {
     write(panel, 10);
     written.keepOnly(std::array{panel, monitor});
     EXPECT_EQ(sentAgain(), "1: 10 11 12\n");

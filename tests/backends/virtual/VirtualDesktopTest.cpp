@@ -105,7 +105,7 @@ struct VirtualUrlSessionHarness {
             for (std::size_t sent = 0; isWaiting() && sent < body.size(); sent += pieceSize) {
                 desktop.urlSession.send(std::string_view(body).substr(sent, pieceSize));
             }
-            if (isWaiting()) { // the receiver may have canceled it
+            if (isWaiting()) { // the receiver may have canceled the task
                 desktop.urlSession.answer(response);
             }
         }
@@ -251,7 +251,7 @@ TEST(VirtualDesktop, FailingListHasNoDisplays) {
     EXPECT_EQ(count, 0U);
 }
 
-TEST(VirtualDesktop, RefusedTapAndMonitorAreFalse) {
+TEST(VirtualDesktop, RefusedTapAndMonitorAreEmptySubscriptions) {
     VirtualDesktop desktop;
     desktop.keyboard.tapIsRefused = true;
     desktop.keyboard.monitorIsRefused = true;
@@ -260,7 +260,7 @@ TEST(VirtualDesktop, RefusedTapAndMonitorAreFalse) {
         [](const SystemDefinedEvent&) {}));
 }
 
-TEST(VirtualDesktop, RandomIdentifiersRepeatThemselves) {
+TEST(VirtualDesktop, RandomIdentifiersAreReproducible) {
     VirtualDesktop first;
     VirtualDesktop second;
     const auto uuid = first.ports.uuidSource.makeUuid();

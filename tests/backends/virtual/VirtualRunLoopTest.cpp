@@ -28,7 +28,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(VirtualRunLoop, ClocksStartAtInstantsThatAreNotZero) {
+TEST(VirtualRunLoop, ClocksDoNotStartAtZero) {
     const VirtualRunLoop runLoop;
     EXPECT_GT(runLoop.wallNow(), WallTime());
     EXPECT_GT(runLoop.monotonicNow(), MonotonicTime());
@@ -91,7 +91,7 @@ TEST(VirtualRunLoop, PostedActionsRunBeforeTheNextDeadline) {
     EXPECT_EQ(order, "pt");
 }
 
-TEST(VirtualRunLoop, SuspendMovesTheWallClockAlone) {
+TEST(VirtualRunLoop, SuspendMovesOnlyTheWallClock) {
     VirtualRunLoop runLoop;
     const auto wall = runLoop.wallNow();
     int fired = 0;
@@ -103,7 +103,7 @@ TEST(VirtualRunLoop, SuspendMovesTheWallClockAlone) {
     EXPECT_EQ(runLoop.wallNow() - wall, 8h + 1s);
 }
 
-TEST(VirtualRunLoop, SettingTheWallClockBackMovesNoDeadline) {
+TEST(VirtualRunLoop, SettingTheWallClockBackDoesNotMoveDeadlines) {
     VirtualRunLoop runLoop;
     const auto wall = runLoop.wallNow();
     int fired = 0;

@@ -14,7 +14,7 @@
 namespace nocta {
 namespace {
 
-TEST(ApplicationIdentity, ApplicationsOfOtherSystemsHaveTheSameNameAsThere) {
+TEST(ApplicationIdentity, KnownApplicationsHaveTheBundleIdentifiersOfOtherSystems) {
     struct Case {
         ApplicationIdentity identity;
         std::string bundleIdentifier;
@@ -49,7 +49,7 @@ TEST(ApplicationIdentity, ApplicationsOfOtherSystemsHaveTheSameNameAsThere) {
     }
 }
 
-TEST(ApplicationIdentity, EveryOtherApplicationHasANameOfItsOwn) {
+TEST(ApplicationIdentity, EveryOtherApplicationHasItsOwnIdentifier) {
     struct Case {
         ApplicationIdentity identity;
         std::string bundleIdentifier;
@@ -98,15 +98,17 @@ TEST_F(FlatpakInfoTest, IsEmptyWithoutAName) {
         EXPECT_EQ(idIn(text), "") << text;
     }
     EXPECT_EQ(idIn("[Application]\nname=" + std::string(256, 'a') + "\n"), "");
-    EXPECT_EQ(idIn(std::string(1 << 20, '#') + "\n[Application]\nname=a\n"), "") << "not read";
+    EXPECT_EQ(idIn(std::string(1 << 20, '#') + "\n[Application]\nname=a\n"), "")
+        << "a file that is too large should not be read";
 }
 
-TEST_F(FlatpakInfoTest, ReadsOnlyAFileOfItsOwn) {
-    EXPECT_EQ(flatpakId(root.path()), "") << "there is none";
+TEST_F(FlatpakInfoTest, ReadsOnlyRegularFiles) {
+    EXPECT_EQ(flatpakId(root.path()), "") << "without a file the ID should be empty";
     EXPECT_EQ(flatpakId("/nonexistent"), "");
     const auto info = root.path() + "/.flatpak-info";
     ASSERT_EQ(mkfifo(info.c_str(), 0600), 0);
-    EXPECT_EQ(flatpakId(root.path()), "") << "and does not wait for a writer";
+    EXPECT_EQ(flatpakId(root.path()), "")
+        << "a named pipe should be ignored without waiting for a writer";
     std::filesystem::remove(info);
     writeFile(root.path() + "/other", "[Application]\nname=us.zoom.Zoom\n");
     std::filesystem::create_symlink("other", info);

@@ -21,13 +21,13 @@ protected:
     }
 };
 
-TEST_F(BacklightDeviceTest, NothingWithoutABacklight) {
+TEST_F(BacklightDeviceTest, NoDeviceWithoutABacklight) {
     EXPECT_EQ(of("eDP-1"), "none");
     sysfs.addConnector("card0", "eDP-1");
     EXPECT_EQ(of("eDP-1"), "none");
 }
 
-TEST_F(BacklightDeviceTest, FirmwareComesBeforePlatformBeforeRaw) {
+TEST_F(BacklightDeviceTest, FirmwareIsPreferredToPlatformAndPlatformToRaw) {
     sysfs.addBacklight("m-raw", "raw", Sysfs::platform());
     EXPECT_EQ(of("eDP-1"), "m-raw");
     sysfs.addBacklight("n-platform", "platform", Sysfs::platform());
@@ -37,7 +37,8 @@ TEST_F(BacklightDeviceTest, FirmwareComesBeforePlatformBeforeRaw) {
     sysfs.addBacklight("a-unknown", "telepathic", Sysfs::platform());
     EXPECT_EQ(of("eDP-1"), "z-firmware");
     sysfs.addBacklight("y-firmware", "firmware", Sysfs::platform());
-    EXPECT_EQ(of("eDP-1"), "y-firmware") << "the first of two equals";
+    EXPECT_EQ(of("eDP-1"), "y-firmware")
+        << "the first name should win between devices of the same type";
 }
 
 TEST_F(BacklightDeviceTest, EachOfTwoPanelsHasTheDeviceOfItsConnector) {
@@ -57,7 +58,8 @@ TEST_F(BacklightDeviceTest, EachOfTwoPanelsHasTheDeviceOfItsConnector) {
         EXPECT_EQ(of(output), device) << output;
     }
     for (const auto* const output : {"eDP", "eDP-3", "DP-1", ""}) {
-        EXPECT_EQ(of(output), "d") << "the best type if the connector is unknown: " << output;
+        EXPECT_EQ(of(output), "d")
+            << "the best type should win if the connector is unknown: " << output;
     }
 }
 
@@ -72,7 +74,7 @@ TEST_F(BacklightDeviceTest, NameDoesNotMatterIfOneBuiltInConnectorIsConnected) {
     }
 }
 
-TEST_F(BacklightDeviceTest, DeviceOfItsOwnCardComesBeforeOneWithoutACard) {
+TEST_F(BacklightDeviceTest, DeviceOfTheSameCardIsPreferredToOneWithoutACard) {
     sysfs.addConnector("card0", "eDP-1", "disconnected");
     sysfs.addConnector("card1", "eDP-2");
     sysfs.addBacklight("c-anywhere", "firmware", Sysfs::platform());
@@ -85,7 +87,7 @@ TEST_F(BacklightDeviceTest, DeviceOfItsOwnCardComesBeforeOneWithoutACard) {
     EXPECT_EQ(of("eDP-2"), "z-own-connector");
 }
 
-TEST_F(BacklightDeviceTest, NothingIfAllDevicesLightOtherDisplays) {
+TEST_F(BacklightDeviceTest, NoDeviceIfAllDevicesLightOtherDisplays) {
     sysfs.addConnector("card0", "eDP-1");
     sysfs.addConnector("card0", "DSI-1");
     sysfs.addConnector("card1", "HDMI-A-1");

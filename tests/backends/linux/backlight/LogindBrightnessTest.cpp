@@ -12,7 +12,7 @@ namespace {
 
 constexpr auto systemBus = "DBUS_SYSTEM_BUS_ADDRESS";
 
-/// Records what logind is asked.
+/// A fake logind session that records all calls.
 class Session final : public QDBusVirtualObject {
 public:
     QList<QDBusMessage> calls;
@@ -24,7 +24,7 @@ public:
     QString introspect(const QString& /*path*/) const override { return {}; }
 };
 
-TEST(LogindBrightness, AsksTheSeatManagerForThisSession) {
+TEST(LogindBrightness, AsksLogindForThisSession) {
     const PrivateBus bus(systemBus);
     auto logind = QDBusConnection::connectToBus(QDBusConnection::SystemBus, "logind");
     Session session;
@@ -47,7 +47,8 @@ TEST(LogindBrightness, FailsWhileTheSystemBusIsGone) {
     }
     EXPECT_TRUE(serveUntil([] { return !setBrightnessThroughLogind("intel_backlight", 1); }));
     const PrivateBus bus(systemBus);
-    EXPECT_TRUE(setBrightnessThroughLogind("intel_backlight", 1)) << "the bus has come up again";
+    EXPECT_TRUE(setBrightnessThroughLogind("intel_backlight", 1))
+        << "the call should succeed once the bus is back";
 }
 
 } // namespace

@@ -13,7 +13,7 @@
 
 namespace nocta {
 
-/// A sysfs in a folder, and a display list with one built-in and one external display.
+/// A fake sysfs in a folder, and a display list with one built-in and one external display.
 struct SysfsHarness : Displays {
     static constexpr DisplayId builtIn = 1;
     static constexpr DisplayId external = 2;
@@ -62,7 +62,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Sysfs, BacklightContract, SysfsHarness);
 
 namespace {
 
-TEST(SysfsBacklight, WritesTheFileIfItMay) {
+TEST(SysfsBacklight, WritesTheFileIfItIsWritable) {
     SysfsHarness harness;
     harness.add("panel", "raw", "19393", "19393");
     EXPECT_EQ(harness.port.setBrightness(harness.builtIn, 0.55F), statusSuccess);
@@ -72,7 +72,7 @@ TEST(SysfsBacklight, WritesTheFileIfItMay) {
 
 TEST(SysfsBacklight, AsksTheSessionIfTheFileIsNotWritable) {
     SysfsHarness harness;
-    // Not even root can open a folder for writing.
+    // A folder in place of the file, because not even root can open a folder for writing.
     std::filesystem::remove(harness.folder("panel") + "/brightness");
     std::filesystem::create_directory(harness.folder("panel") + "/brightness");
     EXPECT_NE(harness.port.setBrightness(harness.builtIn, 0.1F), statusSuccess);
@@ -91,7 +91,7 @@ TEST(SysfsBacklight, LowLevelOnACoarseDeviceIsNotOff) {
     EXPECT_EQ(std::stoi(harness.level("panel")), 0);
 }
 
-TEST(SysfsBacklight, InvalidFilesInTheTreeAreAFailure) {
+TEST(SysfsBacklight, InvalidFilesAreAFailure) {
     for (const auto& [largest, current] :
          {std::pair{"", "5"}, std::pair{"0", "0"}, std::pair{"-7", "5"}, std::pair{"100", "dim"},
           std::pair{"99999999999999999999", "5"}}) {
@@ -101,7 +101,7 @@ TEST(SysfsBacklight, InvalidFilesInTheTreeAreAFailure) {
     }
     SysfsHarness harness;
     harness.add("panel", "raw", "100", "250");
-    EXPECT_EQ(harness.read(), 1.0F) << "more than the largest level";
+    EXPECT_EQ(harness.read(), 1.0F) << "a level above the maximum should read as 1";
 }
 
 TEST(SysfsBacklight, LevelOutsideTheRangeIsRefused) {

@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// The program during a break, with a real notification for it.
+/// The program during a break that shows a real notification.
 class BreakNotificationTest : public DesktopOnX11 {
 protected:
     PrivateBus bus{"DBUS_SESSION_BUS_ADDRESS"};
@@ -39,7 +39,7 @@ TEST_F(BreakNotificationTest, SkipEndsTheBreak) {
     EXPECT_EQ(breakTimer().state.get(), BreakState(Counting{60}));
 }
 
-TEST_F(BreakNotificationTest, SnoozePutsTheBreakOff) {
+TEST_F(BreakNotificationTest, SnoozePostponesTheBreak) {
     pressButtonWith("Snooze");
     EXPECT_EQ(breakTimer().statistics.get().snoozedBreaks, 1);
     EXPECT_EQ(breakTimer().state.get(), BreakState(Snoozed{desktop.runLoop.wallNow() + 5min}));

@@ -46,7 +46,7 @@ TEST(BusProbe, ErrorIsAnAnswer) {
     EXPECT_TRUE(probe.answer()->isError());
 }
 
-TEST(BusProbe, MuteBusIsGivenUpWhenTheTimeIsUp) {
+TEST(BusProbe, MuteBusIsStillPendingAfterTheTimeout) {
     for (const auto after :
          {MuteBus::After::accepting, MuteBus::After::authentication, MuteBus::After::hello}) {
         const MuteBus bus(after);
@@ -55,7 +55,7 @@ TEST(BusProbe, MuteBusIsGivenUpWhenTheTimeIsUp) {
     }
 }
 
-TEST(BusProbe, BusThatAnswersLateIsFoundThen) {
+TEST(BusProbe, BusThatAnswersLateIsFound) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     bus.signal(SIGSTOP);
     BusProbe probe(bus.address());
@@ -64,7 +64,7 @@ TEST(BusProbe, BusThatAnswersLateIsFoundThen) {
     EXPECT_EQ(probe.waitFor(10s), State::answered);
 }
 
-TEST(BusProbe, AddressWithoutABusFailsAtOnce) {
+TEST(BusProbe, AddressWithoutABusFailsImmediately) {
     for (const auto* const address : {"", ";", "unix:", "unix:path=", "unix:path=/nonexistent/bus",
                                       "autolaunch:", "tcp:host=localhost,port=1",
                                       "unix:abstract=nobody-has-this-name", "nonsense"}) {
@@ -97,7 +97,7 @@ TEST(BusProbe, DefaultSocketIsUsedWithoutAnAddress) {
     setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
 }
 
-TEST(BusMessage, JunkIsSurvived) {
+TEST(BusMessage, JunkDoesNoHarm) {
     const auto good = busCall(7, {.arguments = {"a", "bc"}});
     ASSERT_TRUE(BusMessage::read(good));
     EXPECT_FALSE(BusMessage::read(good)->isDamaged());

@@ -29,7 +29,8 @@ QDBusMessage signalOf(const QString& name) {
     return QDBusMessage::createSignal("/org/freedesktop/Notifications", serviceName, name);
 }
 
-/// A notification service for the test: it records every call, and answers some or none.
+/// A notification service for the test. It records every call; the test sets which calls it
+/// answers.
 class MockService final : public QDBusVirtualObject {
 public:
     explicit MockService(const PrivateBus& bus)
@@ -46,7 +47,7 @@ public:
     bool answers = true;
     bool answersNotify = true;
     unsigned int nextId = 1;
-    int questions = 0; ///< calls that ask for the capabilities
+    int questions = 0; ///< the number of calls that ask for the capabilities
     std::vector<QVariantList> shown;
 
     void invoke(unsigned int id, const QString& action) {
@@ -76,7 +77,7 @@ private:
     QDBusMessage waiting_;
 };
 
-/// Returns once everything sent to or by the service has been handled.
+/// Returns once the service and the program have processed all messages from each other.
 void settle() {
     const auto answer = sessionBus().call(
         QDBusMessage::createMethodCall(serviceName, "/org/freedesktop/Notifications",
@@ -96,7 +97,7 @@ public:
         for (const auto& call : service_.shown) {
             auto& texts = shown.emplace_back(std::vector<std::string>{
                 call[3].toString().toStdString(), call[4].toString().toStdString()});
-            const auto actions = call[5].toStringList(); // pairs of an identifier and a title
+            const auto actions = call[5].toStringList(); // identifiers and titles, alternating
             for (qsizetype title = 1; title < actions.size(); title += 2) {
                 texts.push_back(actions[title].toStdString());
             }
@@ -107,9 +108,9 @@ public:
         service_.invoke(static_cast<unsigned int>(index) + 1,
                         QString::fromStdString(actionIdentifier));
     }
-    void deny() { service_.capabilities = 7; } // not an answer of a notification service
+    void deny() { service_.capabilities = 7; } // not a list, so not a valid answer
     static void settle() {
-        constexpr int maxSteps = 4; // in which a notification is shown
+        constexpr int maxSteps = 4; // showing a notification takes at most 4 round trips
         for (int step = 0; step < maxSteps; ++step) {
             nocta::settle();
         }
@@ -155,7 +156,7 @@ protected:
                                          answers.emplace_back(granted, error);
                                      });
     }
-    /// Shows the reminder, and returns once the service's ID for it has arrived.
+    /// Shows the reminder, and returns once the program has received its ID from the service.
     void show() {
         const auto before = service->shown.size();
         center->add(reminder);
@@ -174,7 +175,7 @@ protected:
     }
 };
 
-TEST_F(FreedesktopNotificationsTest, AServiceWithoutButtonsIsAGrantAndIsSentNone) {
+TEST_F(FreedesktopNotificationsTest, ServiceWithoutButtonsGrantsAndIsSentNoButtons) {
     service->capabilities = QStringList{"body"};
     makeCenter();
     request();
@@ -206,7 +207,7 @@ TEST_F(FreedesktopNotificationsTest, WithoutTheBusThereIsNoGrant) {
         (std::vector{Answer{false, "there is no session bus to reach a notification service"}}));
 }
 
-TEST_F(FreedesktopNotificationsTest, ABusThatGoesAwayBeforeTheAnswerIsAnError) {
+TEST_F(FreedesktopNotificationsTest, BusThatGoesAwayBeforeTheAnswerIsAnError) {
     service->answers = false;
     makeCenter();
     request();
@@ -219,7 +220,7 @@ TEST_F(FreedesktopNotificationsTest, ABusThatGoesAwayBeforeTheAnswerIsAnError) {
     EXPECT_EQ(answers.size(), 1U);
 }
 
-TEST_F(FreedesktopNotificationsTest, AServiceThatDiesBeforeTheAnswerIsAnErrorInOneLine) {
+TEST_F(FreedesktopNotificationsTest, ServiceThatDiesBeforeTheAnswerIsAnErrorInOneLine) {
     service->answers = false;
     makeCenter();
     request();
@@ -231,7 +232,7 @@ TEST_F(FreedesktopNotificationsTest, AServiceThatDiesBeforeTheAnswerIsAnErrorInO
     EXPECT_EQ(answers[0].second.value().find('\n'), std::string::npos);
 }
 
-TEST_F(FreedesktopNotificationsTest, AnAnswerOfAnotherKindIsAnError) {
+TEST_F(FreedesktopNotificationsTest, AnswerOfTheWrongTypeIsAnError) {
     service->capabilities = 7;
     makeCenter();
     request();
@@ -248,7 +249,7 @@ TEST_F(FreedesktopNotificationsTest, ShowsTheTextAndTheButtonsOfTheCategory) {
     show();
     const auto& call = service->shown.at(0);
     EXPECT_EQ(call[0], "Nocta");
-    EXPECT_EQ(call[1], 0U) << "it replaces no other";
+    EXPECT_EQ(call[1], 0U) << "the notification should not replace another one";
     EXPECT_EQ(call[3], "Time to rest");
     EXPECT_EQ(call[4], "Tea & <b>biscuits</b>");
     EXPECT_EQ(call[5].toStringList(),
@@ -265,7 +266,7 @@ TEST_F(FreedesktopNotificationsTest, TextIsNotReadAsMarkup) {
     EXPECT_EQ(service->shown.at(0)[4], "Tea &amp; &lt;b&gt;biscuits&lt;/b&gt;");
 }
 
-TEST_F(FreedesktopNotificationsTest, IsShownAsTheDelegateSays) {
+TEST_F(FreedesktopNotificationsTest, NotificationIsShownAsTheDelegateRequests) {
     makeCenter();
     presentation = notificationAlert;
     show();
@@ -276,11 +277,12 @@ TEST_F(FreedesktopNotificationsTest, IsShownAsTheDelegateSays) {
     center->setDelegate(nullptr);
     center->add(reminder);
     settle();
-    EXPECT_EQ(service->questions, 1) << "no question for a notification that is not shown";
+    EXPECT_EQ(service->questions, 1)
+        << "a notification that is not shown should not cause a question";
     EXPECT_EQ(service->shown.size(), 1U);
 }
 
-TEST_F(FreedesktopNotificationsTest, AnAnswerRightAfterTheIdIsDelivered) {
+TEST_F(FreedesktopNotificationsTest, AnswerRightAfterTheIdIsDelivered) {
     service->answersNotify = false;
     makeCenter();
     center->add(reminder);
@@ -301,7 +303,7 @@ TEST_F(FreedesktopNotificationsTest, NotificationsOfOtherProgramsAreIgnored) {
     EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
 }
 
-TEST_F(FreedesktopNotificationsTest, AClosedOneIsForgotten) {
+TEST_F(FreedesktopNotificationsTest, ClosedNotificationIsForgotten) {
     makeCenter();
     show();
     show();
@@ -318,7 +320,7 @@ TEST_F(FreedesktopNotificationsTest, OnlyTheServiceCanAnswer) {
     auto intruder =
         QDBusConnection::connectToBus(QString::fromStdString(bus->address()), "an intruder");
     const auto us = sessionBus().baseService();
-    for (const auto& receiver : {QString(), us}) { // broadcast, and to us only
+    for (const auto& receiver : {QString(), us}) { // a broadcast, and a message to us only
         auto signal =
             receiver.isEmpty()
                 ? signalOf("ActionInvoked")
@@ -326,19 +328,20 @@ TEST_F(FreedesktopNotificationsTest, OnlyTheServiceCanAnswer) {
                                                      serviceName, "ActionInvoked");
         intruder.send(signal << 1U << "LATER");
     }
-    intruder.interface()->isServiceRegistered(us); // the bus has delivered all earlier messages
+    // Once this returns, the bus has delivered all earlier messages.
+    intruder.interface()->isServiceRegistered(us);
     service->invoke(1, "LEAVE_OUT");
     ASSERT_TRUE(waitForResponse());
     EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
     QDBusConnection::disconnectFromBus("an intruder");
 }
 
-TEST_F(FreedesktopNotificationsTest, ANewServiceHasItsOwnIdsAndIsNotSentOldNotifications) {
+TEST_F(FreedesktopNotificationsTest, NewServiceHasItsOwnIdsAndIsNotSentOldNotifications) {
     makeCenter();
     show();
     service.reset();
     service.emplace(*bus);
-    service->invoke(1, "LATER"); // belongs to another program by now
+    service->invoke(1, "LATER"); // the ID now belongs to another program
     settle();
     EXPECT_TRUE(responses.empty());
     EXPECT_TRUE(service->shown.empty());
@@ -349,7 +352,7 @@ TEST_F(FreedesktopNotificationsTest, ANewServiceHasItsOwnIdsAndIsNotSentOldNotif
     EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
 }
 
-TEST_F(FreedesktopNotificationsTest, AServiceThatDiesWithANotificationIsNotSentItAgain) {
+TEST_F(FreedesktopNotificationsTest, NotificationIsNotSentAgainAfterTheServiceDies) {
     service->answersNotify = false;
     makeCenter();
     center->add(reminder);
@@ -363,7 +366,7 @@ TEST_F(FreedesktopNotificationsTest, AServiceThatDiesWithANotificationIsNotSentI
     EXPECT_TRUE(service->shown.empty());
 }
 
-TEST_F(FreedesktopNotificationsTest, SignalsWithOtherArgumentsAreIgnored) {
+TEST_F(FreedesktopNotificationsTest, SignalsWithInvalidArgumentsAreIgnored) {
     makeCenter();
     show();
     auto bare = signalOf("ActionInvoked") << 1U;
@@ -388,13 +391,13 @@ TEST_F(FreedesktopNotificationsTest, NothingIsCalledOnceItIsDestroyed) {
     center.reset();
     service->invoke(1, "LATER");
     settle();
-    service.reset(); // this makes the bus answer the call with an error
+    service.reset(); // makes the bus answer the call with an error
     QCoreApplication::processEvents();
     EXPECT_TRUE(responses.empty());
     EXPECT_TRUE(answers.empty());
 }
 
-/// With a real notification daemon.
+/// Tests with a real notification daemon.
 class NotificationDaemonTest : public FreedesktopNotificationsTest {
 protected:
     void SetUp() override {}

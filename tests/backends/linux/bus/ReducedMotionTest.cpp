@@ -20,7 +20,7 @@ TEST_F(ReducedMotionTest, FollowsTheSettingAndTheSwitchForAnimations) {
     SettingsPortal portal(bus);
     portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
     const ReducedMotion motion;
-    EXPECT_FALSE(motion.isRequested()) << "not known yet";
+    EXPECT_FALSE(motion.isRequested()) << "the setting should not be known yet";
     ASSERT_TRUE(serveUntil([&] { return motion.isRequested(); }));
 
     portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 0U;
@@ -43,7 +43,7 @@ TEST_F(ReducedMotionTest, PortalThatStartsAfterTheProgramIsRead) {
     EXPECT_TRUE(serveUntil([&] { return motion.isRequested(); }));
 }
 
-TEST_F(ReducedMotionTest, InvalidValuesChangeNothing) {
+TEST_F(ReducedMotionTest, InvalidAnswersAreIgnoredAndInvalidValuesAreNoPreference) {
     SettingsPortal portal(bus);
     portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
     const ReducedMotion motion;
@@ -58,7 +58,8 @@ TEST_F(ReducedMotionTest, InvalidValuesChangeNothing) {
     for (const auto& value : {QVariant("1"), QVariant(2U)}) {
         portal.settings["org.freedesktop.appearance"]["reduced-motion"] = value;
         portal.sayThatASettingHasChanged();
-        EXPECT_TRUE(serveUntil([&] { return !motion.isRequested(); })) << "no preference";
+        EXPECT_TRUE(serveUntil([&] { return !motion.isRequested(); }))
+            << "an invalid value should count as no preference";
         portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
         portal.sayThatASettingHasChanged();
         EXPECT_TRUE(serveUntil([&] { return motion.isRequested(); }));

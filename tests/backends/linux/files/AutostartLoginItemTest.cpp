@@ -22,8 +22,8 @@ namespace nocta {
 
 namespace fs = std::filesystem;
 
-/// Each access to the item makes a new one for the same entry, so that the test reads what the
-/// session will find.
+/// Each access creates a new item for the same entry, so that the test reads what the session will
+/// find.
 struct AutostartHarness {
     TemporaryFolder folder;
     std::string entry = folder.path() + "/autostart/nocta.desktop";
@@ -39,7 +39,7 @@ namespace {
 
 using Status = LoginItem::Status;
 
-/// The value of a key of the only group, with the escapes of a desktop entry decoded.
+/// Returns the value of a key in an entry with one group, and decodes the escapes in the value.
 std::string valueOf(const std::string& entry, const std::string& key) {
     const auto start = entry.find("\n" + key + "=") + key.size() + 2;
     const auto raw = entry.substr(start, entry.find('\n', start) - start);
@@ -56,7 +56,7 @@ std::string valueOf(const std::string& entry, const std::string& key) {
     return value;
 }
 
-/// Splits a command into words as a session does. Throws if it is ambiguous.
+/// Splits a command into words as a session does. Throws if the command is ambiguous.
 std::vector<std::string> wordsOf(const std::string& command) {
     std::vector<std::string> words;
     std::size_t i = 0;
@@ -102,7 +102,7 @@ protected:
     std::string entry = autostart + "/nocta.desktop";
     AutostartLoginItem item{entry, "/usr/bin/nocta"};
 
-    /// The status for an entry with that content.
+    /// Writes an entry with this content and returns its status.
     Status statusOf(const std::string& content) {
         fs::create_directories(autostart);
         writeFile(entry, content);
@@ -128,7 +128,7 @@ TEST_F(AutostartLoginItemTest, EntryStartsTheProgramByItsPath) {
     EXPECT_EQ(namesInFolder(), std::vector<std::string>{"nocta.desktop"});
 }
 
-TEST_F(AutostartLoginItemTest, AnyPathOfTheProgramIsOneWordOfTheCommand) {
+TEST_F(AutostartLoginItemTest, EveryProgramPathIsOneWordOfTheCommand) {
     auto names = oddNames;
     names.insert(names.end(), {"100% sure", "%f", "%%u%"});
     for (const auto& name : names) {
@@ -140,9 +140,9 @@ TEST_F(AutostartLoginItemTest, AnyPathOfTheProgramIsOneWordOfTheCommand) {
     }
 }
 
-/// GLib, which GNOME and others use to start a session's programs, looks for a program before it
-/// decodes doubled percent signs; so this leaves out names that contain them.
-TEST_F(AutostartLoginItemTest, AnyPathOfTheProgramIsStarted) {
+/// GNOME and other desktops start programs through GLib. GLib looks for the program before it
+/// decodes doubled percent signs, so this test leaves out names that contain percent signs.
+TEST_F(AutostartLoginItemTest, ProgramsWithUnusualPathsAreStarted) {
     for (const auto& name : oddNames) {
         const auto program = folder.path() + "/" + name;
         const auto told = folder.path() + "/told";
@@ -189,7 +189,8 @@ TEST_F(AutostartLoginItemTest, DisabledEntryIsNotEnabledUntilItIsRegistered) {
 }
 
 TEST_F(AutostartLoginItemTest, InvalidEntryIsNotRegistered) {
-    EXPECT_EQ(item.status(), Status::notRegistered) << "no folder";
+    EXPECT_EQ(item.status(), Status::notRegistered)
+        << "without a folder the item should not be registered";
     for (const auto* const content : {
              "",
              "Exec=nocta\n",
@@ -234,7 +235,8 @@ TEST_F(AutostartLoginItemTest, LinkIsFollowedAndStaysALink) {
     const auto target = folder.path() + "/elsewhere.desktop";
     fs::create_directories(autostart);
     fs::create_symlink("../../elsewhere.desktop", entry);
-    EXPECT_EQ(item.status(), Status::notRegistered) << "its target does not exist yet";
+    EXPECT_EQ(item.status(), Status::notRegistered)
+        << "a link without a target should not count as registered";
     EXPECT_EQ(item.registerItem(), std::nullopt);
     EXPECT_EQ(item.status(), Status::enabled);
     EXPECT_TRUE(fs::is_symlink(entry));
@@ -253,7 +255,7 @@ TEST_F(AutostartLoginItemTest, BrokenLinkCanBeUnregistered) {
     EXPECT_EQ(item.registerItem(), std::nullopt);
 }
 
-TEST_F(AutostartLoginItemTest, FolderInTheEntrysPlaceIsLeftAlone) {
+TEST_F(AutostartLoginItemTest, FolderInPlaceOfTheEntryIsLeftAlone) {
     fs::create_directories(entry + "/inside");
     EXPECT_EQ(item.status(), Status::notRegistered);
     EXPECT_NE(item.registerItem(), std::nullopt);
@@ -262,12 +264,13 @@ TEST_F(AutostartLoginItemTest, FolderInTheEntrysPlaceIsLeftAlone) {
     EXPECT_EQ(namesInFolder(), std::vector<std::string>{"nocta.desktop"});
 }
 
-TEST_F(AutostartLoginItemTest, FileInTheFoldersPlaceIsLeftAlone) {
+TEST_F(AutostartLoginItemTest, FileInPlaceOfTheFolderIsLeftAlone) {
     fs::create_directories(folder.path() + "/config");
     writeFile(autostart, "a file where the folder should be");
     EXPECT_EQ(item.status(), Status::notRegistered);
     EXPECT_EQ(item.registerItem(), std::strerror(ENOTDIR));
-    EXPECT_EQ(item.unregisterItem(), std::nullopt) << "there is no entry";
+    EXPECT_EQ(item.unregisterItem(), std::nullopt)
+        << "without an entry, unregistering should succeed";
     EXPECT_EQ(contentOf(autostart), "a file where the folder should be");
 }
 
@@ -296,7 +299,7 @@ TEST_F(AutostartLoginItemTest, ReadOnlyFolderIsAnError) {
     EXPECT_EQ(namesInFolder(), std::vector<std::string>{"nocta.desktop"});
 }
 
-TEST_F(AutostartLoginItemTest, FolderThatCannotBeMadeIsAnError) {
+TEST_F(AutostartLoginItemTest, FolderThatCannotBeCreatedIsAnError) {
     AutostartLoginItem nowhere("/proc/nocta/autostart/nocta.desktop", "/usr/bin/nocta");
     EXPECT_EQ(nowhere.registerItem(), std::strerror(ENOENT));
     EXPECT_EQ(nowhere.unregisterItem(), std::nullopt);
@@ -305,7 +308,7 @@ TEST_F(AutostartLoginItemTest, FolderThatCannotBeMadeIsAnError) {
 
 TEST_F(AutostartLoginItemTest, FullDiskKeepsTheOldEntryAndLeavesNothingElse) {
     ASSERT_EQ(statusOf("[Desktop Entry]\nExec=nocta\nHidden=true\n"), Status::notRegistered);
-    // No file of this process may grow, which looks like a full disk to a writer.
+    // While no file of this process can grow, every write fails as on a full disk.
     rlimit before{};
     getrlimit(RLIMIT_FSIZE, &before);
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
@@ -318,7 +321,8 @@ TEST_F(AutostartLoginItemTest, FullDiskKeepsTheOldEntryAndLeavesNothingElse) {
     EXPECT_EQ(error, std::strerror(EFBIG));
     EXPECT_EQ(contentOf(entry), "[Desktop Entry]\nExec=nocta\nHidden=true\n");
     EXPECT_EQ(namesInFolder(), std::vector<std::string>{"nocta.desktop"});
-    EXPECT_EQ(item.registerItem(), std::nullopt) << "room again";
+    EXPECT_EQ(item.registerItem(), std::nullopt)
+        << "registering should work once files can grow again";
     EXPECT_EQ(item.status(), Status::enabled);
 }
 
@@ -328,7 +332,8 @@ TEST_F(AutostartLoginItemTest, EntryIsReplacedInOneStep) {
     const auto sameFile = folder.path() + "/same-file";
     fs::create_hard_link(entry, sameFile);
     ASSERT_EQ(item.registerItem(), std::nullopt);
-    EXPECT_EQ(contentOf(sameFile), old) << "a reader that had it open gets one complete entry";
+    EXPECT_EQ(contentOf(sameFile), old)
+        << "a reader that has the old file open should see the complete old entry";
     EXPECT_NE(contentOf(entry), old);
     EXPECT_EQ(namesInFolder(), std::vector<std::string>{"nocta.desktop"});
 }

@@ -21,8 +21,6 @@
 
 namespace nocta {
 
-/// Each access to the store makes a new one for the same file, so that the test reads what was
-/// written.
 struct IniDefaultsStoreHarness {
     TemporaryFolder folder;
     ImmediateRunLoop runLoop;
@@ -41,7 +39,7 @@ namespace fs = std::filesystem;
 class IniDefaultsStoreTest : public ::testing::Test {
 protected:
     TemporaryFolder folder;
-    mutable ImmediateRunLoop runLoop; // each change is a turn
+    mutable ImmediateRunLoop runLoop; // each change gets its own run-loop turn
     std::string file = folder.path() + "/nocta/nocta.conf";
 
     void prepare(const std::string& content) const {
@@ -55,7 +53,7 @@ protected:
         IniDefaultsStore store(file, runLoop);
         store.setDouble(0.3, "unifiedBrightness");
         store.setDouble(0.4, "unifiedBrightness");
-        EXPECT_EQ(store.doubleForKey("unifiedBrightness"), 0.4) << "values stay in memory";
+        EXPECT_EQ(store.doubleForKey("unifiedBrightness"), 0.4) << "values should stay in memory";
         return ::testing::internal::GetCapturedStderr();
     }
     std::set<std::string> namesInFolder() const {
@@ -76,12 +74,12 @@ TEST_F(IniDefaultsStoreTest, NothingIsWrittenBeforeTheFirstChange) {
     EXPECT_FALSE(fs::exists(file));
 }
 
-TEST_F(IniDefaultsStoreTest, TurnIsWrittenOnceAfterTheScreen) {
+TEST_F(IniDefaultsStoreTest, ChangesOfATurnAreWrittenOnceAfterTheScreenIsUpdated) {
     VirtualRunLoop loop;
     IniDefaultsStore store(file, loop);
     bool screenIsUpToDate = false;
     store.setDouble(0.75, "unifiedBrightness");
-    loop.post([&] { // the screen's requests may come after the first value was set
+    loop.post([&] { // requests to the screen may follow the first change
         screenIsUpToDate = true;
         EXPECT_FALSE(fs::exists(file));
     });
@@ -91,12 +89,12 @@ TEST_F(IniDefaultsStoreTest, TurnIsWrittenOnceAfterTheScreen) {
     loop.advance(Duration::zero());
     EXPECT_TRUE(screenIsUpToDate);
     EXPECT_EQ(contentOf(file), "[General]\nisFirstLaunch=false\nunifiedBrightness=0.5\n");
-    fs::remove(file); // a second write would bring it back
+    fs::remove(file); // a second write would create the file again
     loop.advance(std::chrono::hours(1));
-    EXPECT_FALSE(fs::exists(file)) << "nothing was pending";
+    EXPECT_FALSE(fs::exists(file)) << "nothing should be written without a new change";
 }
 
-TEST_F(IniDefaultsStoreTest, PendingChangesAreWrittenAtTheEndAndBySynchronizing) {
+TEST_F(IniDefaultsStoreTest, PendingChangesAreWrittenOnDestructionAndBySynchronizing) {
     VirtualRunLoop loop;
     std::optional<IniDefaultsStore> store(std::in_place, file, loop);
     store->setInteger(1, "a");
@@ -106,10 +104,10 @@ TEST_F(IniDefaultsStoreTest, PendingChangesAreWrittenAtTheEndAndBySynchronizing)
     store->setInteger(2, "b");
     store.reset();
     EXPECT_EQ(contentOf(file), "[General]\nb=2\n");
-    loop.advance(Duration::zero()); // the store is gone
+    loop.advance(Duration::zero()); // the destroyed store must not run its action
 }
 
-TEST_F(IniDefaultsStoreTest, EveryTurnIsInTheFile) {
+TEST_F(IniDefaultsStoreTest, ChangesOfEveryTurnAreInTheFile) {
     IniDefaultsStore store(file, runLoop);
     store.setDouble(0.6875, "unifiedBrightness");
     EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.6875\n");
@@ -202,7 +200,7 @@ TEST_F(IniDefaultsStoreTest, EarlierDamagedFileIsNotOverwritten) {
     EXPECT_EQ(contentOf(file + ".damaged-3"), "garbage");
 }
 
-TEST_F(IniDefaultsStoreTest, FolderInTheFilesPlaceIsMovedAside) {
+TEST_F(IniDefaultsStoreTest, FolderInPlaceOfTheFileIsMovedAside) {
     fs::create_directories(file + "/inside");
     const auto said = saidWhenUsed();
     EXPECT_EQ(lines(said), 1) << said;
@@ -268,7 +266,8 @@ TEST_F(IniDefaultsStoreTest, FullDiskKeepsTheOldFileAndIsReportedOnce) {
     EXPECT_EQ(store.integerForKey("a"), 3);
     EXPECT_EQ(namesInFolder(), (std::set<std::string>{"nocta.conf", "nocta.conf.lock"}));
     store.setInteger(4, "a");
-    EXPECT_EQ(contentOf(file), "[General]\na=4\n") << "room again";
+    EXPECT_EQ(contentOf(file), "[General]\na=4\n")
+        << "writing should work once files can grow again";
 }
 
 TEST_F(IniDefaultsStoreTest, DamagedFileOnAFullDiskStaysWhereItIs) {
@@ -283,7 +282,7 @@ TEST_F(IniDefaultsStoreTest, DamagedFileOnAFullDiskStaysWhereItIs) {
     EXPECT_FALSE(fs::exists(file + ".damaged"));
 }
 
-TEST_F(IniDefaultsStoreTest, UnsearchableFolderIsReportedOnce) {
+TEST_F(IniDefaultsStoreTest, UnsearchableFolderIsReported) {
     prepare("[General]\na=1\n");
     fs::permissions(folder.path(), fs::perms::all);
     fs::permissions(folder.path() + "/nocta", fs::perms::owner_read);
@@ -300,7 +299,7 @@ TEST_F(IniDefaultsStoreTest, UnsearchableFolderIsReportedOnce) {
 TEST_F(IniDefaultsStoreTest, SynchronizingWritesOnlyPendingChanges) {
     IniDefaultsStore store(file, runLoop);
     store.setInteger(1, "a");
-    writeFile(file, "[General]\na=5\n"); // another program
+    writeFile(file, "[General]\na=5\n"); // as another program would
     store.synchronize();
     EXPECT_EQ(contentOf(file), "[General]\na=5\n");
     {
@@ -309,7 +308,7 @@ TEST_F(IniDefaultsStoreTest, SynchronizingWritesOnlyPendingChanges) {
     }
     EXPECT_EQ(contentOf(file), "[General]\na=5\n");
     store.synchronize();
-    EXPECT_EQ(contentOf(file), "[General]\na=2\n") << "retries the failed write";
+    EXPECT_EQ(contentOf(file), "[General]\na=2\n") << "the failed write should be retried";
 }
 
 TEST_F(IniDefaultsStoreTest, LinkToAMissingFileStaysALink) {
@@ -322,8 +321,8 @@ TEST_F(IniDefaultsStoreTest, LinkToAMissingFileStaysALink) {
 }
 
 TEST_F(IniDefaultsStoreTest, FileIsCompleteAfterAKillAtAnyMoment) {
-    // The child writes a counter to two keys, one after the other; whenever it is killed, the first
-    // is equal to the second or one ahead.
+    // The child writes a counter to two keys, one after the other. Whenever it is killed, the first
+    // key must be equal to the second or one higher.
     for (int round = 0; round < 40; ++round) {
         const auto child = fork();
         if (child == 0) {
@@ -333,7 +332,8 @@ TEST_F(IniDefaultsStoreTest, FileIsCompleteAfterAKillAtAnyMoment) {
                 store.setInteger(i, "second");
             }
         }
-        std::this_thread::sleep_for(std::chrono::microseconds(500 + 137 * round)); // any moment
+        // Each round kills the child at a different moment.
+        std::this_thread::sleep_for(std::chrono::microseconds(500 + 137 * round));
         kill(child, SIGKILL);
         waitpid(child, nullptr, 0);
         if (!fs::exists(file)) {

@@ -61,7 +61,8 @@ TEST(PrivateFolder, FolderThatOthersOwnOrCanChangeIsNotPrivate) {
     writeFile(root.path() + "/file", "");
     EXPECT_FALSE(isPrivateFolder(root.path() + "/file"));
     EXPECT_FALSE(isPrivateFolder(root.path() + "/missing"));
-    EXPECT_EQ(isPrivateFolder("/"), geteuid() == 0) << "another user's";
+    EXPECT_EQ(isPrivateFolder("/"), geteuid() == 0)
+        << "a folder of root should be private only for root";
 }
 
 } // namespace

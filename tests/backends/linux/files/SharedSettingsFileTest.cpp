@@ -1,5 +1,5 @@
-// One settings file with several users: two programs on two displays, killed writers, and
-// unexpected files next to it.
+// Tests a settings file that several processes use, for example one for each display. Covers killed
+// writers and unexpected files next to the settings file.
 
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/files/IniDefaultsStore.h"
@@ -30,10 +30,10 @@ namespace fs = std::filesystem;
 class SharedSettingsFileTest : public ::testing::Test {
 protected:
     TemporaryFolder folder;
-    ImmediateRunLoop runLoop; // each change is a turn
+    ImmediateRunLoop runLoop; // each change gets its own run-loop turn
     std::string file = folder.path() + "/nocta.conf";
 
-    /// The ID of a process that has exited.
+    /// Returns the ID of a process that has exited.
     static pid_t endedProcess() {
         const auto child = fork();
         if (child == 0) {
@@ -44,7 +44,7 @@ protected:
     }
 };
 
-TEST_F(SharedSettingsFileTest, WriterKeepsTheOthersChanges) {
+TEST_F(SharedSettingsFileTest, WriterKeepsTheChangesOfOtherWriters) {
     writeFile(file, "[General]\na=1\nb=1\n");
     IniDefaultsStore first(file, runLoop);
     IniDefaultsStore second(file, runLoop);
@@ -66,13 +66,14 @@ TEST_F(SharedSettingsFileTest, LastWriterOfAKeyWinsWhetherItSetsOrRemoves) {
     first.removeObjectForKey("a");
     EXPECT_EQ(contentOf(file), "[General]\n");
     second.setInteger(1, "b");
-    EXPECT_EQ(contentOf(file), "[General]\nb=1\n") << "what is removed stays removed";
+    EXPECT_EQ(contentOf(file), "[General]\nb=1\n") << "the removed key should stay removed";
     second.setInteger(4, "a");
     first.setInteger(2, "b");
-    EXPECT_EQ(contentOf(file), "[General]\nb=2\na=4\n") << "a removal is not repeated";
+    EXPECT_EQ(contentOf(file), "[General]\nb=2\na=4\n")
+        << "the first store should not remove the key again";
 }
 
-TEST_F(SharedSettingsFileTest, KeyThatOnlyTheOtherHasSetCanBeRemoved) {
+TEST_F(SharedSettingsFileTest, KeyThatOnlyAnotherProcessHasSetCanBeRemoved) {
     IniDefaultsStore first(file, runLoop);
     IniDefaultsStore second(file, runLoop);
     second.setInteger(1, "a");
@@ -103,7 +104,7 @@ TEST_F(SharedSettingsFileTest, FailedChangeIsMergedLater) {
     EXPECT_EQ(contentOf(file), "[General]\na=1\nb=7\nc=1\n");
 }
 
-TEST_F(SharedSettingsFileTest, MissingFileIsWrittenWhole) {
+TEST_F(SharedSettingsFileTest, MissingFileIsWrittenCompletely) {
     writeFile(file, "[General]\na=1\n");
     IniDefaultsStore store(file, runLoop);
     fs::remove(file);
@@ -130,7 +131,8 @@ TEST_F(SharedSettingsFileTest, ProcessesThatWriteAtTheSameTimeLoseNothing) {
     for (int writer = 0; writer < writers; ++writer) {
         children.push_back(fork());
         if (children.back() == 0) {
-            IniDefaultsStore store(file, runLoop, std::chrono::minutes(1)); // for busy machines
+            // The timeout is long enough for busy machines.
+            IniDefaultsStore store(file, runLoop, std::chrono::minutes(1));
             for (int key = 0; key < keys; ++key) {
                 store.setInteger(key, std::to_string(writer) + "-" + std::to_string(key));
             }
@@ -143,7 +145,7 @@ TEST_F(SharedSettingsFileTest, ProcessesThatWriteAtTheSameTimeLoseNothing) {
     EXPECT_EQ(IniDocument::parse(contentOf(file)).values().size(), std::size_t{writers * keys});
 }
 
-TEST_F(SharedSettingsFileTest, LockThatIsNeverReleasedBlocksNobody) {
+TEST_F(SharedSettingsFileTest, LockThatIsNeverReleasedDoesNotBlock) {
     const auto lock = open((file + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     ASSERT_EQ(flock(lock, LOCK_EX | LOCK_NB), 0);
     IniDefaultsStore store(file, runLoop);
@@ -152,7 +154,7 @@ TEST_F(SharedSettingsFileTest, LockThatIsNeverReleasedBlocksNobody) {
     close(lock);
 }
 
-TEST_F(SharedSettingsFileTest, AnyFileWithTheLocksNameBlocksNobody) {
+TEST_F(SharedSettingsFileTest, OtherFileWithTheNameOfTheLockDoesNotBlock) {
     const auto lock = file + ".lock";
     const auto other = folder.path() + "/other";
     writeFile(other, "other");
@@ -171,15 +173,16 @@ TEST_F(SharedSettingsFileTest, AnyFileWithTheLocksNameBlocksNobody) {
     fs::create_symlink(folder.path() + "/missing", lock);
     expectWritten(4);
     EXPECT_EQ(contentOf(other), "other");
-    EXPECT_FALSE(fs::exists(folder.path() + "/missing")) << "created through a link";
+    EXPECT_FALSE(fs::exists(folder.path() + "/missing"))
+        << "the target of the link should not be created";
 }
 
-TEST_F(SharedSettingsFileTest, NeighboringFilesAreNeitherWrittenNorAwaited) {
+TEST_F(SharedSettingsFileTest, NeighboringFilesAreNotWrittenAndDoNotBlock) {
     const auto other = folder.path() + "/other";
     writeFile(other, "other");
     fs::create_hard_link(other, file);
     IniDefaultsStore store(file, runLoop);
-    ::testing::internal::CaptureStderr(); // it is not an INI file
+    ::testing::internal::CaptureStderr(); // hides the message that this is not an INI file
     store.setInteger(1, "a");
     ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(contentOf(other), "other");

@@ -46,7 +46,7 @@ protected:
     }
 };
 
-TEST_F(MagnifierFilterTest, OtherDesktopsHaveNone) {
+TEST_F(MagnifierFilterTest, IsUnavailableOnOtherDesktops) {
     for (const auto* const desktops : {"", "KDE", "Budgie:GNOME", "X-Cinnamon", "GNOMEish"}) {
         setenv("XDG_CURRENT_DESKTOP", desktops, 1);
         EXPECT_FALSE(MagnifierFilter(stateFile).isAvailable()) << desktops;
@@ -55,7 +55,7 @@ TEST_F(MagnifierFilterTest, OtherDesktopsHaveNone) {
     EXPECT_FALSE(MagnifierFilter(stateFile).isAvailable());
 }
 
-TEST_F(MagnifierFilterTest, MagnifierThatIsOffShowsTheUnchangedScreenWithoutColor) {
+TEST_F(MagnifierFilterTest, MagnifierThatWasOffRemovesTheColorWithoutMagnifying) {
     gnome.set(GnomeSettings::magnifier, "mag-factor", "3.5");
     gnome.set(GnomeSettings::magnifier, "lens-mode", "true");
     gnome.set(GnomeSettings::magnifier, "screen-position", "'left-half'");
@@ -89,7 +89,7 @@ TEST_F(MagnifierFilterTest, ValuesThatTheUserHasNeverSetAreResetToDefaults) {
     EXPECT_EQ(keyFile.find('='), std::string::npos) << keyFile;
 }
 
-TEST_F(MagnifierFilterTest, MagnifierThatIsOnLosesOnlyItsColors) {
+TEST_F(MagnifierFilterTest, MagnifierThatWasOnKeepsItsOtherSettings) {
     gnome.set(GnomeSettings::applications, "screen-magnifier-enabled", "true");
     gnome.set(GnomeSettings::magnifier, "mag-factor", "4.0");
     const auto before = gnome.everything();
@@ -100,14 +100,14 @@ TEST_F(MagnifierFilterTest, MagnifierThatIsOnLosesOnlyItsColors) {
     EXPECT_EQ(gnome.everything(), before);
 }
 
-TEST_F(MagnifierFilterTest, GrayOfTheUsersOwnIsRecognized) {
+TEST_F(MagnifierFilterTest, GrayThatTheUserSetIsRecognized) {
     gnome.set(GnomeSettings::applications, "screen-magnifier-enabled", "true");
     gnome.set(GnomeSettings::magnifier, "color-saturation", "0.0");
     filter.emplace(stateFile);
     EXPECT_TRUE(filter->isOn());
 }
 
-TEST_F(MagnifierFilterTest, QuickSwitchingEndsAsItWasLeft) {
+TEST_F(MagnifierFilterTest, LastOfSeveralQuickChangesCounts) {
     const auto before = gnome.everything();
     filter.emplace(stateFile);
     for (int i = 0; i < 5; ++i) {
@@ -125,7 +125,7 @@ TEST_F(MagnifierFilterTest, DelayedHelperDoesNotBlockAndTurnsGrayWhenItCan) {
     const auto before = gnome.everything();
     filter.emplace(stateFile);
     const auto folder = open(stateFile.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    ASSERT_EQ(flock(folder, LOCK_EX), 0); // a helper waits for this lock before it does anything
+    ASSERT_EQ(flock(folder, LOCK_EX), 0); // helpers do nothing until they get this lock
     filter->setOn(true);
     filter->setOn(false);
     filter->setOn(true);
@@ -136,11 +136,12 @@ TEST_F(MagnifierFilterTest, DelayedHelperDoesNotBlockAndTurnsGrayWhenItCan) {
     EXPECT_TRUE(waitUntil([&] { return gnome.everything() == before; }));
 }
 
-TEST_F(MagnifierFilterTest, HelperThatHangsDoesNotBlockTheEnd) {
+TEST_F(MagnifierFilterTest, HangingHelperDoesNotBlockDestruction) {
     const auto before = gnome.everything();
     filter.emplace(stateFile);
     filter->setOn(true);
-    ASSERT_TRUE(waitUntil([&] { return gnome.isGray(); })); // its answer has not been read
+    // `waitUntil` does not run the event loop, so the filter does not read the helper's answer.
+    ASSERT_TRUE(waitUntil([&] { return gnome.isGray(); }));
     const auto helpers = Helpers::childrenOf(getpid(), "nocta-magnifier");
     ASSERT_EQ(helpers.size(), 1U);
     kill(helpers[0], SIGSTOP);

@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-// With the real GeoClue, which gets its location from a server in the test.
+// Tests with the real GeoClue. It gets its location from a server in the test.
 
 namespace nocta {
 namespace {
@@ -20,7 +20,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Location berlin{52.52, 13.405};
-constexpr auto noRight = "no right to mount a file in a namespace of its own";
+constexpr auto noRight = "this machine does not allow mounts in a private namespace";
 
 class GeoClueDaemonTest : public DesktopOnX11 {
 protected:
@@ -46,7 +46,7 @@ protected:
         ASSERT_TRUE(serveUntil([&] { return agent->introduceItself(); }));
     }
 
-    /// On the longest day of the year, in Berlin's time zone.
+    /// A time on the longest day of the year, in Berlin's time zone.
     static WallTime at(int hour, int minute) {
         return Calendar::instantAt({2026, 6, 21}, hour, minute).value();
     }
@@ -69,7 +69,7 @@ TEST_F(GeoClueDaemonTest, GrantMovesTheScheduleFromTheDefaultTimesToLocalOnes) {
     EXPECT_TRUE(std::filesystem::exists(grantFile));
     const auto minutesOfSunset = (schedule().sunsetTime.get().value() - at(0, 0)) / 1min;
     EXPECT_NEAR(static_cast<double>(minutesOfSunset), static_cast<double>(sun.sunset), 3)
-        << "the service blurs the location by a few kilometers";
+        << "the sunset should match within 3 minutes, because GeoClue blurs the location";
 
     letTheClockShow(at(19, 31));
     expectWhitePointOf(6500);
@@ -82,7 +82,7 @@ TEST_F(GeoClueDaemonTest, GrantMovesTheScheduleFromTheDefaultTimesToLocalOnes) {
     quit();
 }
 
-TEST_F(GeoClueDaemonTest, LocationThatTheUserHasSwitchedOffIsADenial) {
+TEST_F(GeoClueDaemonTest, TurnedOffLocationServiceCountsAsADenial) {
     startDaemonForAUserWho(false);
     launch();
     settings().locationEnabled.set(true);
@@ -94,7 +94,7 @@ TEST_F(GeoClueDaemonTest, LocationThatTheUserHasSwitchedOffIsADenial) {
 
 class NoctaWithGeoClueTest : public NoctaProcess {
 protected:
-    /// As in a later start, after the user has agreed.
+    /// Starts the program as if the user had allowed the location in an earlier run.
     void startWithGrant(const PrivateBus& systemBus) {
         auto variables = environment();
         variables["DBUS_SYSTEM_BUS_ADDRESS"] = systemBus.address();
@@ -109,7 +109,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaWithGeoClueTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaWithGeoClueTest, RememberedGrantRequestsTheLocationAtTheStartWithoutWaiting) {
+TEST_P(NoctaWithGeoClueTest, LocationIsRequestedOnLaunchAfterARememberedGrant) {
     const PrivateBus bus("DBUS_SYSTEM_BUS_ADDRESS");
     GeoClueDaemon daemon;
     if (!daemon.canStart()) {
@@ -126,7 +126,7 @@ TEST_P(NoctaWithGeoClueTest, RememberedGrantRequestsTheLocationAtTheStartWithout
     EXPECT_EQ(nocta->wait(), 0);
 }
 
-TEST_P(NoctaWithGeoClueTest, BusThatAnswersLateIsAskedForTheLocationThen) {
+TEST_P(NoctaWithGeoClueTest, LocationIsRequestedOnceALateBusAnswers) {
     const PrivateBus bus("DBUS_SYSTEM_BUS_ADDRESS");
     GeoClueDaemon daemon;
     if (!daemon.canStart()) {
@@ -138,7 +138,8 @@ TEST_P(NoctaWithGeoClueTest, BusThatAnswersLateIsAskedForTheLocationThen) {
     bus.signal(SIGSTOP);
     startWithGrant(bus);
     bus.signal(SIGCONT);
-    EXPECT_TRUE(serveUntil([&] { return daemon.isAsked(); })) << "not only after a minute";
+    EXPECT_TRUE(serveUntil([&] { return daemon.isAsked(); }))
+        << "the location should be requested without the delay of a minute";
 }
 
 } // namespace

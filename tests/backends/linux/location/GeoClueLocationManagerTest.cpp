@@ -23,7 +23,7 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-/// Returns once everything sent to the service has been handled.
+/// Returns once the service has processed all earlier messages.
 void settle() {
     const auto answer = systemBus().call(
         QDBusMessage::createMethodCall("org.freedesktop.GeoClue2", "/org/freedesktop/GeoClue2",
@@ -53,7 +53,7 @@ public:
         service_.sayThatThePlaceHasChanged();
     }
     void settle() {
-        constexpr int maxSteps = 6; // in which a client starts or reads its location
+        constexpr int maxSteps = 6; // a client starts or reads its location in at most 6 steps
         for (int step = 0; step < maxSteps; ++step) {
             nocta::settle();
             QCoreApplication::processEvents();
@@ -110,7 +110,7 @@ protected:
     }
 };
 
-TEST_F(GeoClueLocationManagerTest, ReportsOnceThatNothingIsKnownAndAsksNobody) {
+TEST_F(GeoClueLocationManagerTest, NotDeterminedIsReportedOnceWithoutAskingTheService) {
     MockGeoClue service;
     makeManager();
     EXPECT_EQ(reports, (std::vector{AuthorizationStatus::notDetermined}));
@@ -119,11 +119,11 @@ TEST_F(GeoClueLocationManagerTest, ReportsOnceThatNothingIsKnownAndAsksNobody) {
     EXPECT_EQ(service.calls, Calls{});
 }
 
-TEST_F(GeoClueLocationManagerTest, AGrantIsReportedAndRememberedAndGivesOneLocation) {
+TEST_F(GeoClueLocationManagerTest, GrantIsReportedAndRememberedAndGivesOneLocation) {
     MockGeoClue service;
     makeManager();
     manager->requestWhenInUseAuthorization();
-    manager->requestWhenInUseAuthorization(); // the service is being asked already
+    manager->requestWhenInUseAuthorization(); // the first request is still pending
     ASSERT_TRUE(serveUntil([&] { return reports.size() == 2; }));
     EXPECT_EQ(reports.back(), AuthorizationStatus::authorized);
     EXPECT_TRUE(std::filesystem::exists(grantFile));
@@ -138,7 +138,7 @@ TEST_F(GeoClueLocationManagerTest, AGrantIsReportedAndRememberedAndGivesOneLocat
     manager->requestWhenInUseAuthorization();
     settle();
     EXPECT_EQ(std::count(service.calls.begin(), service.calls.end(), "CreateClient"), 1);
-    EXPECT_EQ(reports.size(), 2U) << "the answer is known";
+    EXPECT_EQ(reports.size(), 2U) << "a known answer should not be reported again";
 
     manager->startUpdatingLocation();
     ASSERT_TRUE(serveUntil(
@@ -147,7 +147,7 @@ TEST_F(GeoClueLocationManagerTest, AGrantIsReportedAndRememberedAndGivesOneLocat
     EXPECT_TRUE(serveUntil([&] { return places.size() == 2; }));
 }
 
-TEST_F(GeoClueLocationManagerTest, ARememberedGrantIsReportedFromTheRunLoopAndGivesALocation) {
+TEST_F(GeoClueLocationManagerTest, RememberedGrantIsReportedFromTheRunLoopAndGivesALocation) {
     rememberGrant();
     MockGeoClue service;
     manager.emplace(runLoop, grantFile);
@@ -180,7 +180,7 @@ TEST_F(GeoClueLocationManagerTest, AfterARefusalTheServiceIsNotAskedAgain) {
     EXPECT_EQ(reports.size(), 2U);
 }
 
-TEST_F(GeoClueLocationManagerTest, ARefusalRevokesARememberedGrant) {
+TEST_F(GeoClueLocationManagerTest, RefusalRevokesARememberedGrant) {
     rememberGrant();
     MockGeoClue service;
     service.start = MockGeoClue::Start::refuses;
@@ -224,7 +224,7 @@ TEST_F(GeoClueLocationManagerTest, BusThatDoesNotAnswerIsRetriedLater) {
         [&] { return std::count(service.calls.begin(), service.calls.end(), "Start") == 1; }));
 }
 
-TEST_F(GeoClueLocationManagerTest, AServiceThatHangsAndDiesIsRetriedLater) {
+TEST_F(GeoClueLocationManagerTest, ServiceThatHangsAndDiesIsRetriedLater) {
     rememberGrant();
     std::optional<MockGeoClue> service{std::in_place};
     service->answersCreateClient = false;
@@ -245,7 +245,7 @@ TEST_F(GeoClueLocationManagerTest, AServiceThatHangsAndDiesIsRetriedLater) {
     EXPECT_TRUE(serveUntil([&] { return places.size() == 1; }));
 }
 
-TEST_F(GeoClueLocationManagerTest, AServiceThatDiesWhileLocatingIsRetriedWithGrowingDelays) {
+TEST_F(GeoClueLocationManagerTest, ServiceThatDiesWhileLocatingIsRetriedWithGrowingDelays) {
     rememberGrant();
     std::optional<MockGeoClue> service{std::in_place};
     makeManager();
@@ -263,7 +263,7 @@ TEST_F(GeoClueLocationManagerTest, AServiceThatDiesWhileLocatingIsRetriedWithGro
     }
 }
 
-TEST_F(GeoClueLocationManagerTest, ABusThatGoesAwayWhileLocatingTakesTheServiceWithIt) {
+TEST_F(GeoClueLocationManagerTest, LocationIsRestrictedIfTheBusGoesAwayWhileLocating) {
     rememberGrant();
     MockGeoClue service;
     makeManager();

@@ -45,7 +45,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Curl, UrlSessionContract, CurlUrlSessionHarness);
 
 namespace {
 
-/// Writes the block over and over, as fast as the client reads.
+/// Writes the block repeatedly, as fast as the client reads.
 void pour(QTcpSocket& socket, const QByteArray& block) {
     auto* const tap = new QTimer(&socket);
     QObject::connect(tap, &QTimer::timeout, &socket, [&socket, block] {
@@ -81,7 +81,7 @@ protected:
                 response = answer;
             },
             nullptr);
-        EXPECT_FALSE(response.has_value()) << "from the run loop";
+        EXPECT_FALSE(response.has_value()) << "the completion should come from the run loop";
         EXPECT_TRUE(serveUntil([&] { return response.has_value(); }));
         EXPECT_NE(response->statusCode.has_value(), response->error.has_value());
         return response.value_or(UrlResponse{});
@@ -119,12 +119,12 @@ TEST_F(CurlUrlSessionTest, UnencryptedRedirectIsRefused) {
     EXPECT_EQ(plain.connections, 0);
 }
 
-TEST_F(CurlUrlSessionTest, EndlessRedirectsAreGivenUp) {
+TEST_F(CurlUrlSessionTest, EndlessRedirectsAreAnError) {
     server.answer("302 Found", "Location: /api/feedback\r\n");
     EXPECT_EQ(post(server.address()).error, "Too many redirects");
 }
 
-TEST_F(CurlUrlSessionTest, AddressThatIsNotEncryptedIsRefused) {
+TEST_F(CurlUrlSessionTest, UnencryptedAddressIsRefused) {
     for (const auto* const address : {"http://localhost/", "ftp://localhost/", "nonsense", "",
                                       "file:///etc/passwd", "https//localhost"}) {
         EXPECT_EQ(post(address).error, "The address is not encrypted") << address;
@@ -135,10 +135,10 @@ TEST_F(CurlUrlSessionTest, UnknownCertificateIsRefused) {
     CurlUrlSession unknowing(runLoop);
     server.answer("200 OK");
     EXPECT_EQ(postBy(unknowing, server.address()).error, "The server cannot be trusted");
-    EXPECT_EQ(server.request, "") << "nothing was sent";
+    EXPECT_EQ(server.request, "") << "the client should not send anything";
 }
 
-TEST_F(CurlUrlSessionTest, ServerThatIsNotThereIsAnError) {
+TEST_F(CurlUrlSessionTest, MissingServerIsAnError) {
     EXPECT_EQ(post("https://nocta.invalid/").error, "The server was not found");
     EXPECT_EQ(post("https://localhost:1/").error, "The server cannot be reached");
 }
@@ -148,7 +148,7 @@ TEST_F(CurlUrlSessionTest, SilentServerTimesOut) {
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(CurlUrlSessionTest, ServerThatDripsTimesOut) {
+TEST_F(CurlUrlSessionTest, ServerThatSendsTooSlowlyTimesOut) {
     server.respond = [](QTcpSocket& socket) {
         socket.write("HTTP/1.1 200 OK\r\nX-Drip: ");
         QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [&socket] {
@@ -158,7 +158,7 @@ TEST_F(CurlUrlSessionTest, ServerThatDripsTimesOut) {
     EXPECT_EQ(post(server.address(), 500ms).error, "It took too long");
 }
 
-TEST_F(CurlUrlSessionTest, EndlessBodyIsNotAwaited) {
+TEST_F(CurlUrlSessionTest, EndlessBodyThatIsIgnoredDoesNotDelayTheCompletion) {
     server.respond = [](QTcpSocket& socket) {
         socket.write("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
         pour(socket, QByteArray(1 << 16, 'x'));
@@ -166,7 +166,7 @@ TEST_F(CurlUrlSessionTest, EndlessBodyIsNotAwaited) {
     EXPECT_EQ(post(server.address()).statusCode, 200);
 }
 
-/// Keeps the received data.
+/// Collects the body of each response.
 class CurlUrlSessionBodyTest : public CurlUrlSessionTest {
 protected:
     std::string body;
@@ -197,21 +197,21 @@ protected:
     }
 };
 
-TEST_F(CurlUrlSessionBodyTest, PiecesAreSmall) {
+TEST_F(CurlUrlSessionBodyTest, PiecesAreAtMost64KiB) {
     answerWith(std::string(1'000'000, 'x'));
     EXPECT_EQ(get().statusCode, 200);
     EXPECT_LE(maxPieceSize, 65536U);
     EXPECT_TRUE(server.request.starts_with("GET /feed HTTP/1.1\r\n"));
 }
 
-TEST_F(CurlUrlSessionBodyTest, NothingIsUnpacked) {
+TEST_F(CurlUrlSessionBodyTest, CompressedBodyIsNotDecompressed) {
     answerWith("\x1F\x8B packed", "Content-Encoding: gzip\r\n");
     EXPECT_EQ(get().statusCode, 200);
     EXPECT_EQ(body, "\x1F\x8B packed");
     EXPECT_EQ(server.request.find("Accept-Encoding"), std::string::npos);
 }
 
-TEST_F(CurlUrlSessionBodyTest, NobodyIsRecognized) {
+TEST_F(CurlUrlSessionBodyTest, RequestsDoNotIdentifyTheUser) {
     answerWith("a", "Set-Cookie: who=me\r\n");
     get();
     server.request.clear();
@@ -238,7 +238,7 @@ TEST_F(CurlUrlSessionBodyTest, InvalidResponseIsAnError) {
     }
 }
 
-TEST_F(CurlUrlSessionBodyTest, EndlessHeadIsAnError) {
+TEST_F(CurlUrlSessionBodyTest, EndlessHeaderIsAnError) {
     for (const auto* const piece : {"x", "Field: x\r\n"}) {
         server.request.clear();
         server.respond = [piece](QTcpSocket& socket) {
@@ -249,7 +249,7 @@ TEST_F(CurlUrlSessionBodyTest, EndlessHeadIsAnError) {
     }
 }
 
-TEST_F(CurlUrlSessionBodyTest, BodyThatBreaksOffIsAnError) {
+TEST_F(CurlUrlSessionBodyTest, TruncatedBodyIsAnError) {
     answerWith("half", "Content-Length: 8\r\n");
     const auto response = get();
     EXPECT_TRUE(response.error.has_value());

@@ -26,12 +26,12 @@ TEST(HelperProtocol, HelpersOfAnotherVersionExitWithoutAnAnswer) {
     }
 }
 
-/// The program in a folder of its own, with a guardian that a package has replaced.
+/// A copy of the program next to a guardian of another version, as after a package update.
 class HelperOfAnotherVersionTest : public NoctaProcess {};
 INSTANTIATE_TEST_SUITE_P(Servers, HelperOfAnotherVersionTest,
                          ::testing::Values(XServer::Kind::xvfb), serverName);
 
-TEST_P(HelperOfAnotherVersionTest, ScreenIsDimmedAndOneLineSaysThatACrashWouldLeaveItDim) {
+TEST_P(HelperOfAnotherVersionTest, ScreenIsDimmedAndOneLineWarnsThatACrashWouldLeaveItDim) {
     const auto program = home.path() + "/nocta";
     const auto guardian = home.path() + "/nocta-guardian";
     std::filesystem::copy_file(programFolder() + "/nocta", program);

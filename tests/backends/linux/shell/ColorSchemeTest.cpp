@@ -23,7 +23,7 @@ constexpr auto groups = std::to_array({QPalette::Active, QPalette::Inactive, QPa
 const QColor lightWindow(0xf4, 0xf0, 0xe8);
 const QColor darkWindow(0x10, 0x18, 0x20);
 
-/// Imitates the theme of a desktop: a style has the last word on Qt's own palette.
+/// Imitates the theme of a desktop. The style makes the last change to Qt's default palette.
 class Theme final : public QProxyStyle {
 public:
     explicit Theme(const QColor& window) : QProxyStyle("Fusion"), window_(window) {}
@@ -45,17 +45,17 @@ protected:
     static void setTheme(const QColor& window) { QApplication::setStyle(new Theme(window)); }
 
     static QColor windowColor() { return QApplication::palette().color(QPalette::Window); }
-    /// Dark, and not from a theme.
+    /// Whether the palette is dark and not from a theme.
     static bool isOurs() {
         return windowColor() != darkWindow &&
                windowColor().lightness() <
                    QApplication::palette().color(QPalette::WindowText).lightness();
     }
-    /// 0: no preference, 1: dark, 2: light.
+    /// `scheme` is 0 for no preference, 1 for dark, or 2 for light.
     static void prefer(SettingsPortal& portal, const QVariant& scheme) {
         portal.settings["org.freedesktop.appearance"]["color-scheme"] = scheme;
     }
-    /// Returns once our palette is set for a dark preference.
+    /// Sets a dark preference, and returns once our palette is set.
     static void waitForOurs(SettingsPortal& portal) {
         prefer(portal, 1U);
         portal.sayThatASettingHasChanged();
@@ -63,15 +63,15 @@ protected:
     }
 };
 
-TEST_F(ColorSchemeTest, DarkIsPreferredAtTheStart) {
+TEST_F(ColorSchemeTest, DarkPreferenceIsAppliedOnLaunch) {
     SettingsPortal portal(bus);
     prefer(portal, 1U);
     QWidget window;
     QWidget child(&window);
     const ColorScheme scheme;
-    EXPECT_EQ(windowColor(), lightWindow) << "not known yet";
+    EXPECT_EQ(windowColor(), lightWindow) << "the preference should not be known yet";
     ASSERT_TRUE(serveUntil(isOurs));
-    EXPECT_TRUE(serveUntil([&] { // Qt sends an event to open windows
+    EXPECT_TRUE(serveUntil([&] { // Qt updates open windows through an event
         return child.palette().color(QPalette::Window) == windowColor();
     }));
 }
@@ -89,9 +89,10 @@ TEST_F(ColorSchemeTest, FollowsThePreferenceBothWays) {
     waitForOurs(portal);
     portal.settings.clear();
     portal.sayThatASettingHasChanged();
-    EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; })) << "the setting is gone";
+    EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }))
+        << "without the setting the theme should apply";
     EXPECT_EQ(QApplication::palette(), QPalette(lightWindow, lightWindow));
-    EXPECT_EQ(QApplication::palette().resolveMask(), 0U) << "nothing of ours is left";
+    EXPECT_EQ(QApplication::palette().resolveMask(), 0U) << "none of our colors should be left";
 }
 
 TEST_F(ColorSchemeTest, LightPreferenceChangesNothing) {
@@ -107,7 +108,7 @@ TEST_F(ColorSchemeTest, LightPreferenceChangesNothing) {
         }
     }
     setTheme(lightWindow);
-    waitForOurs(portal); // it was subscribed
+    waitForOurs(portal); // the program still follows the setting
 }
 
 TEST_F(ColorSchemeTest, ThemeThatIsAlreadyDarkStays) {
@@ -121,10 +122,10 @@ TEST_F(ColorSchemeTest, ThemeThatIsAlreadyDarkStays) {
     EXPECT_EQ(QApplication::palette().resolveMask(), 0U);
 
     setTheme(lightWindow);
-    EXPECT_TRUE(isOurs()) << "a light theme is known to be unwanted";
+    EXPECT_TRUE(isOurs()) << "our palette should replace a light theme";
 }
 
-TEST_F(ColorSchemeTest, ThemeThatTurnsDarkReplacesOurs) {
+TEST_F(ColorSchemeTest, ThemeThatTurnsDarkReplacesOurPalette) {
     SettingsPortal portal(bus);
     const ColorScheme scheme;
     waitForOurs(portal);
@@ -141,7 +142,7 @@ TEST_F(ColorSchemeTest, ThemeThatTurnsDarkReplacesOurs) {
     EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }));
 }
 
-TEST_F(ColorSchemeTest, ThemeThatChangesUnderOursComesBack) {
+TEST_F(ColorSchemeTest, ThemeThatChangesUnderOurPaletteAppliesLater) {
     SettingsPortal portal(bus);
     const ColorScheme scheme;
     waitForOurs(portal);
@@ -153,7 +154,7 @@ TEST_F(ColorSchemeTest, ThemeThatChangesUnderOursComesBack) {
     EXPECT_TRUE(serveUntil([&] { return windowColor() == another; }));
 }
 
-TEST_F(ColorSchemeTest, OtherSettingsChangeNoPalette) {
+TEST_F(ColorSchemeTest, OtherSettingsDoNotChangeThePalette) {
     struct Counter : QObject {
         int changes = 0;
         bool eventFilter(QObject* watched, QEvent* event) override {
@@ -163,8 +164,8 @@ TEST_F(ColorSchemeTest, OtherSettingsChangeNoPalette) {
     };
     SettingsPortal portal(bus);
     const ColorScheme scheme;
-    // Otherwise the first answer might be the dark one, with the answer to the change still to
-    // come.
+    // Wait for the first answer. Otherwise it might already be the dark one, and the answer to the
+    // change might still arrive during the count.
     ASSERT_TRUE(serveUntil([&] { return portal.questions == 1; }));
     waitForOurs(portal);
     Counter counter;
@@ -199,7 +200,7 @@ TEST_F(ColorSchemeTest, InvalidValueIsNoPreference) {
          {QVariant("text"), QVariant(2U), QVariant(QVariantMap{{"color-scheme", 2U}})}) {
         portal.nonsense = nonsense;
         portal.sayThatASettingHasChangedAndIsHeard();
-        EXPECT_TRUE(isOurs()) << "no answer changes nothing";
+        EXPECT_TRUE(isOurs()) << "an invalid answer should change nothing";
     }
 }
 
@@ -242,7 +243,7 @@ TEST_F(ColorSchemeTest, EveryRoleIsDarkAndTextIsReadable) {
         }
         const auto disabled = contrastRatio(palette.color(QPalette::Disabled, text),
                                             palette.color(QPalette::Disabled, ground));
-        EXPECT_GT(disabled, 2) << text << " on " << ground << " is visible";
+        EXPECT_GT(disabled, 2) << text << " on " << ground << " should be visible";
         EXPECT_LT(disabled, contrastRatio(palette.color(text), palette.color(ground)));
     }
 }

@@ -50,13 +50,13 @@ TEST_F(QtApplicationTest, RunsFromLaunchToTermination) {
     EXPECT_EQ(delegate.calls, "launch terminate ");
 }
 
-TEST_F(QtApplicationTest, FailureIsItsExitStatus) {
+TEST_F(QtApplicationTest, FailureSetsTheExitStatus) {
     delegate.whenLaunched = [&] { application.fail(); };
     EXPECT_EQ(application.run(delegate), 1);
     EXPECT_EQ(delegate.calls, "launch terminate ");
 }
 
-TEST_F(QtApplicationTest, NoTimerFiresOnceItTerminates) {
+TEST_F(QtApplicationTest, NoTimerFiresAfterTermination) {
     int ticks = 0;
     int ticksAtTheEnd = -1;
     Timer timer;
@@ -76,7 +76,7 @@ TEST_F(QtApplicationTest, NoTimerFiresOnceItTerminates) {
     EXPECT_GE(ticks, 3);
 }
 
-TEST_F(QtApplicationTest, LaterStartIsAnsweredAndReopens) {
+TEST_F(QtApplicationTest, SecondStartIsAnsweredAndReopensTheFirst) {
     Timer later;
     delegate.whenLaunched = [&] {
         later.start(runLoop, 1ms, Repeat::no, [&] {
@@ -108,7 +108,7 @@ TEST_F(QtApplicationTest, WithoutATrayItReopensItselfOnce) {
     EXPECT_EQ(delegate.calls, "launch reopen terminate ");
 }
 
-TEST_F(QtApplicationTest, WithATrayItWaitsForItsUser) {
+TEST_F(QtApplicationTest, WithATrayItDoesNotReopenItself) {
     Timer end;
     delegate.whenLaunched = [&] {
         end.start(runLoop, 2500ms, Repeat::no, [&] { application.terminate(); });

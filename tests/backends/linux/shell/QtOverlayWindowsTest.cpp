@@ -21,7 +21,8 @@
 #include <memory>
 #include <vector>
 
-// Qt's windows on a private X server, as another client sees them. The time is virtual.
+// Tests Qt's windows on a private X server, as another client sees them. Most tests use virtual
+// time.
 
 namespace nocta {
 namespace {
@@ -36,8 +37,8 @@ private:
     QWidget widget_;
 };
 
-/// Counts the key presses that reach a window of this program, if no event filter that was added
-/// later swallows them.
+/// An event filter that counts the key presses for windows of this program. It does not see presses
+/// that a filter installed later has swallowed.
 class PressCounter final : public QObject {
 public:
     explicit PressCounter(QApplication& application) { application.installEventFilter(this); }
@@ -53,7 +54,7 @@ protected:
 
 constexpr xcb_keysym_t space = 0x20;
 
-/// Qt on a private X server, which another client observes.
+/// Qt on a private X server, and another client that observes the server.
 struct QtOnPrivateServer {
     explicit QtOnPrivateServer(XServer::Kind kind) : server(kind) {}
 
@@ -76,7 +77,7 @@ struct QtOnPrivateServer {
 
 } // namespace
 
-/// The time is virtual, and so is the record of what was typed.
+/// Uses virtual time and a simulated record of the typing.
 class QtOverlayWindowsHarness : QtOnPrivateServer {
 public:
     QtOverlayWindowsHarness() : QtOnPrivateServer(XServer::Kind::xorgDummy) {}
@@ -100,7 +101,8 @@ public:
     }
     SeenOverlays seen() {
         auto* const x = application.nativeInterface<QNativeInterface::QX11Application>();
-        auto* const qt = x->connection(); // what Qt has sent is done once this is answered
+        auto* const qt = x->connection();
+        // When this reply arrives, the server has processed all earlier requests from Qt.
         const XcbReply<xcb_get_input_focus_reply_t> answered(
             xcb_get_input_focus_reply(qt, xcb_get_input_focus(qt), nullptr));
         SeenOverlays seen;
@@ -115,7 +117,7 @@ public:
         const auto all = all_.presses;
         typing_.press(desktop.runLoop.monotonicNow());
         client.press(space);
-        if (!seen().empty()) { // otherwise another program has the keyboard
+        if (!seen().empty()) { // otherwise another program has keyboard focus
             EXPECT_TRUE(serveUntil([&] { return all_.presses > all; }));
         }
         return gotten_.presses > before;
@@ -127,7 +129,8 @@ private:
                 static_cast<double>(window.width), static_cast<double>(window.height)};
     }
 
-    // Qt calls the event filter that was added last first: `all_`, the windows' own, `gotten_`.
+    // Qt calls the event filters in reverse order of installation: first `all_`, then the filter of
+    // the windows, then `gotten_`.
     PressCounter gotten_{application};
     X11Connection connection_{desktop.runLoop};
     Typing typing_;
@@ -164,7 +167,8 @@ protected:
             return true;
         });
     }
-    /// Qt's event loop does not run here: what Qt does not send at once is not sent at all.
+    /// Expects each step of a fade to reach the server. Qt's event loop does not run here, so steps
+    /// that Qt does not send immediately never arrive.
     void expectEachStepOnTheServer(double target, Duration duration, int steps) {
         const auto id = client.topWindows().at(0).id;
         client.countWrites(id);
@@ -181,7 +185,7 @@ protected:
     }
 };
 
-TEST_F(QtOverlayWindowsTest, EachStepOfAFadeReachesTheServerAtOnce) {
+TEST_F(QtOverlayWindowsTest, EachStepOfAFadeReachesTheServerImmediately) {
     const auto id = show(windows);
     EXPECT_EQ(opacity(id), 0);
     expectEachStepOnTheServer(1, 400ms, 24);
@@ -196,27 +200,28 @@ TEST_F(QtOverlayWindowsTest, EachStepOfAFadeReachesTheServerUnderACompositor) {
     expectEachStepOnTheServer(0, 300ms, 18);
 }
 
-TEST_F(QtOverlayWindowsTest, KeyHeldFromBeforeIsDiscardedUntilItIsPressedAgain) {
+TEST_F(QtOverlayWindowsTest, KeyHeldBeforeTheWindowOpensIsDiscardedUntilItIsPressedAgain) {
     QtRunLoop runLoop;
     X11Connection connection(runLoop);
     X11KeyEvents keyEvents(connection, runLoop);
     QtOverlayWindows covers(runLoop, desktop.displays, &connection, &keyEvents.typing());
     const auto monitor = listen(covers);
     ASSERT_EQ(runToEnd({"xset", "-display", server.display(), "r", "rate", "50", "100"}), 0);
-    connection.synchronize(); // it has selected events before the key is pressed
+    connection.synchronize(); // the program has to select its events before the key press
     client.hold(space);
     ASSERT_TRUE(serveUntil([&] { return keyEvents.typing().last().has_value(); }));
     show(covers);
-    const PressCounter counter(application); // it was added last, so it counts all
+    const PressCounter counter(application); // installed last, so it counts all presses
     EXPECT_TRUE(serveUntil([&] { return counter.presses >= 10; }));
     EXPECT_EQ(keys, (std::vector<std::int64_t>{}));
     client.release(space);
-    ASSERT_TRUE(serveUntil([&] { // a pause
+    ASSERT_TRUE(serveUntil([&] { // there has been a pause in the typing
         return runLoop.monotonicNow() - *keyEvents.typing().last() > Typing::pause;
     }));
     client.press(space);
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier);
-    QCoreApplication::sendEvent(QGuiApplication::focusWindow(), &press); // Qt gets the event first
+    // Sends the press to Qt directly, so that Qt gets it before `keyEvents` does.
+    QCoreApplication::sendEvent(QGuiApplication::focusWindow(), &press);
     EXPECT_EQ(keys, (std::vector<std::int64_t>{spaceKeyCode}));
     window.reset();
 }
@@ -227,7 +232,7 @@ TEST_F(QtOverlayWindowsTest, WithoutTypingDataOnlyRepeatsAreDiscarded) {
     QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ", true);
     QWindow other;
     QCoreApplication::sendEvent(&other, &repeat);
-    EXPECT_EQ(keys.size(), 1U) << "without a cover, repeats get through as well";
+    EXPECT_EQ(keys.size(), 1U) << "without a cover, repeats should get through as well";
     show(windows);
     auto* const cover = QGuiApplication::focusWindow();
     QCoreApplication::sendEvent(cover, &repeat);

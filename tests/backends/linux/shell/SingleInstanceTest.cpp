@@ -52,7 +52,7 @@ protected:
     }
 };
 
-TEST_F(SingleInstanceTest, EveryServerAndEveryFolderHasItsOwnFirst) {
+TEST_F(SingleInstanceTest, EveryServerAndEveryFolderHasItsOwnFirstInstance) {
     const SingleInstance one(":0", folder);
     const SingleInstance another(":1", folder);
     const SingleInstance remote("remote:0", folder);
@@ -77,7 +77,7 @@ TEST_F(SingleInstanceTest, NoOtherUserCanOpenItsFiles) {
 }
 
 TEST_F(SingleInstanceTest, AbstractSocketOfAnotherUserNeitherBlocksAStartNorAllowsTwo) {
-    // A name that any user of the machine could take.
+    // Any user of the machine could take this name.
     const auto server = "a server of this test " + std::to_string(getpid());
     const auto name = "nocta-" + std::to_string(geteuid()) + "-" + server;
     sockaddr_un address{};
@@ -101,13 +101,14 @@ TEST_F(SingleInstanceTest, FilesOfAKilledProcessAreTakenOver) {
         raise(SIGKILL);
     }
     waitpid(child, nullptr, 0);
-    EXPECT_EQ(filesInFolder().size(), 2U) << "a lock and a socket are left";
+    EXPECT_EQ(filesInFolder().size(), 2U) << "the killed process should leave a lock and a socket";
     std::optional<SingleInstance> next;
-    EXPECT_EQ(saidBy([&] { next.emplace(":0", folder); }), "") << "it listens";
+    EXPECT_EQ(saidBy([&] { next.emplace(":0", folder); }), "")
+        << "the next instance should listen without errors";
     EXPECT_EQ(next->role(), Role::first);
 }
 
-TEST_F(SingleInstanceTest, FirstThatExitsLeavesNoSocket) {
+TEST_F(SingleInstanceTest, FirstInstanceThatExitsLeavesNoSocket) {
     SingleInstance first(":0", folder);
     EXPECT_EQ(filesInFolder().size(), 2U);
     first.close();
@@ -117,7 +118,7 @@ TEST_F(SingleInstanceTest, FirstThatExitsLeavesNoSocket) {
     EXPECT_EQ(next.role(), Role::first);
 }
 
-TEST_F(SingleInstanceTest, LaterOneThatExitsRemovesNothing) {
+TEST_F(SingleInstanceTest, LaterInstanceThatExitsRemovesNothing) {
     const SingleInstance first(":0", folder);
     const auto status = statusOf([&] {
         SingleInstance later(":0", folder, 50ms);
@@ -136,7 +137,7 @@ TEST_F(SingleInstanceTest, LongPathsDoNotMatter) {
     EXPECT_EQ(SingleInstance(server, deep, 50ms).role(), Role::unanswered);
 }
 
-TEST_F(SingleInstanceTest, AnyFileWithTheSocketsNameDoesNotKeepItFromStarting) {
+TEST_F(SingleInstanceTest, OtherFileWithTheNameOfTheSocketDoesNotPreventAStart) {
     { SingleInstance(":0", folder).close(); }
     const auto lock = filesInFolder().front();
     const auto socket = fs::path(lock).replace_extension(".socket");
@@ -145,7 +146,7 @@ TEST_F(SingleInstanceTest, AnyFileWithTheSocketsNameDoesNotKeepItFromStarting) {
     fs::create_symlink(other, socket);
     EXPECT_EQ(SingleInstance(":0", folder).role(), Role::first);
     EXPECT_EQ(contentOf(other), "other");
-    EXPECT_TRUE(fs::is_socket(fs::symlink_status(socket))) << "put in its place";
+    EXPECT_TRUE(fs::is_socket(fs::symlink_status(socket))) << "a socket should replace the link";
 
     fs::remove(socket);
     fs::create_directory(socket);
@@ -155,7 +156,7 @@ TEST_F(SingleInstanceTest, AnyFileWithTheSocketsNameDoesNotKeepItFromStarting) {
     EXPECT_NE(said.find("nocta: cannot listen for later starts"), std::string::npos) << said;
 }
 
-TEST_F(SingleInstanceTest, LinkWithTheLocksNameIsNotFollowed) {
+TEST_F(SingleInstanceTest, LinkWithTheNameOfTheLockIsNotFollowed) {
     { SingleInstance(":0", folder).close(); }
     const auto lock = filesInFolder().front();
     fs::remove(lock);
@@ -181,7 +182,7 @@ TEST_F(SingleInstanceTest, FolderThatOthersCanChangeIsNotUsed) {
 
 TEST_F(SingleInstanceTest, FolderOfAnotherUserIsNotUsed) {
     if (geteuid() != 0) {
-        GTEST_SKIP() << "only root can give a folder away";
+        GTEST_SKIP() << "only root can change the owner of a folder";
     }
     fs::create_directory(folder);
     fs::permissions(folder, fs::perms::owner_all);

@@ -17,7 +17,7 @@
 namespace nocta {
 namespace {
 
-/// The watcher of StatusNotifierItems, as a panel provides it.
+/// A fake StatusNotifierWatcher like the one that a panel provides.
 class Watcher final : public QDBusVirtualObject {
 public:
     explicit Watcher(const PrivateBus& bus)
@@ -57,7 +57,8 @@ protected:
     }
 };
 
-// In one test, because the D-Bus library connects to the session bus only once per process.
+// One test covers all cases, because the D-Bus library connects to the session bus only once per
+// process.
 TEST_F(SystemTrayTest, HostThatStartsAfterTheProgramIsReportedOnce) {
     SystemTray tray(nullptr);
     listenTo(tray);
@@ -65,7 +66,7 @@ TEST_F(SystemTrayTest, HostThatStartsAfterTheProgramIsReportedOnce) {
     {
         Watcher watcher(bus);
         ASSERT_TRUE(serveUntil([&] { return watcher.questions > 0; }));
-        EXPECT_FALSE(tray.isAvailable()) << "a watcher without a host shows nothing";
+        EXPECT_FALSE(tray.isAvailable()) << "a watcher without a host should not count as a tray";
         watcher.registerHost();
         ASSERT_TRUE(serveUntil([&] { return tray.isAvailable(); }));
         EXPECT_EQ(told, 1);
@@ -73,7 +74,8 @@ TEST_F(SystemTrayTest, HostThatStartsAfterTheProgramIsReportedOnce) {
 
         SystemTray second(nullptr);
         listenTo(second);
-        EXPECT_TRUE(serveUntil([&] { return second.isAvailable(); })) << "an existing host";
+        EXPECT_TRUE(serveUntil([&] { return second.isAvailable(); }))
+            << "an existing host should be found";
     }
     EXPECT_EQ(told, 2);
 }
@@ -93,7 +95,7 @@ TEST(SystemTray, XEmbedTrayThatStartsAfterTheProgramIsReported) {
     EXPECT_TRUE(serveUntil([&] { return tray.isAvailable(); }));
     EXPECT_EQ(told, 1);
     const SystemTray second(&connection);
-    EXPECT_TRUE(second.isAvailable()) << "an existing tray";
+    EXPECT_TRUE(second.isAvailable()) << "an existing tray should be found";
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// From the offer of a release to the installer.
+// Tests the steps from the offer of a release to the start of the installer.
 
 #include "support/UpdaterOnVirtualDesktop.h"
 
@@ -26,7 +26,8 @@ TEST_F(AppcastDownloadTest, VerifiedFileIsHandedToTheInstaller) {
     EXPECT_EQ(updater->downloadProgress.get(), 0);
     desktop.urlSession.send(file.substr(0, 4));
     EXPECT_DOUBLE_EQ(updater->downloadProgress.get(), 4.0 / static_cast<double>(file.size()));
-    EXPECT_FALSE(std::filesystem::exists(package)) << "not under its name before it is verified";
+    EXPECT_FALSE(std::filesystem::exists(package))
+        << "the file should not have its final name before it is verified";
     answer(file.substr(4));
     EXPECT_EQ(opened, std::vector{package + ": " + file});
     ASSERT_NE(shown<UpdateHandedOver>(), nullptr);
@@ -73,7 +74,7 @@ TEST_F(AppcastDownloadTest, FileThatThePublisherDidNotSignIsNeverOpened) {
     EXPECT_EQ(cycles.back(), "The file is not signed");
 }
 
-TEST_F(AppcastDownloadTest, FileThatCannotBeValidIsNotLoaded) {
+TEST_F(AppcastDownloadTest, FileThatCannotBeValidIsNotDownloaded) {
     start();
     const auto refused = [this](const Release& offered) {
         updater->checkForUpdates();
@@ -117,7 +118,7 @@ TEST_F(AppcastDownloadTest, DownloadCanBeCanceled) {
     EXPECT_TRUE(opened.empty());
 }
 
-TEST_F(AppcastDownloadTest, DownloadThatBreaksLeavesNothing) {
+TEST_F(AppcastDownloadTest, FailedDownloadLeavesNoFiles) {
     start();
     for (const auto& response :
          {UrlResponse{.error = "The connection was closed"}, UrlResponse{.statusCode = 404}}) {
@@ -143,7 +144,7 @@ TEST_F(AppcastDownloadTest, FolderThatCannotBeWrittenIsAnError) {
     EXPECT_TRUE(opened.empty());
 }
 
-TEST_F(AppcastDownloadTest, InstallerThatIsMissingIsAnError) {
+TEST_F(AppcastDownloadTest, FailureToStartTheInstallerIsAnError) {
     start();
     updater->checkForUpdates();
     answerFeed(release().item());
@@ -157,10 +158,11 @@ TEST_F(AppcastDownloadTest, InstallerThatIsMissingIsAnError) {
     EXPECT_TRUE(showsNothing());
     updater->checkForUpdates();
     answerOfOpener("The package could not be opened");
-    EXPECT_NE(shown<UpdateCheckInProgress>(), nullptr) << "the user is doing something else";
+    EXPECT_NE(shown<UpdateCheckInProgress>(), nullptr)
+        << "a late answer from the installer should not interrupt a check";
 }
 
-TEST_F(AppcastDownloadTest, HandedOverReleaseIsNotOfferedAgainUnasked) {
+TEST_F(AppcastDownloadTest, ReleaseHandedToTheInstallerIsNotOfferedAgainAutomatically) {
     startChecking();
     answerFeed(release().item());
     updater->install();
@@ -168,7 +170,8 @@ TEST_F(AppcastDownloadTest, HandedOverReleaseIsNotOfferedAgainUnasked) {
     updater->dismiss();
     desktop.runLoop.advance(24h);
     answerFeed(release().item());
-    EXPECT_TRUE(showsNothing()) << "it waits for the next start";
+    EXPECT_TRUE(showsNothing())
+        << "the release should not be offered automatically before the next launch";
     updater->checkForUpdates();
     answerFeed(release().item());
     EXPECT_NE(shown<UpdateFound>(), nullptr);
@@ -189,7 +192,7 @@ TEST_F(AppcastDownloadTest, TwoInstancesOfOneUserDoNotMixTheirFiles) {
     EXPECT_EQ(contentOf(package), file);
 }
 
-TEST_F(AppcastDownloadTest, FilesOfOldUpdatesAreRemovedAtTheStart) {
+TEST_F(AppcastDownloadTest, FilesOfOldUpdatesAreRemovedOnLaunch) {
     const auto make = [&](const std::string& name, std::chrono::hours age) {
         const auto path = folder.path() + "/cache/" + name;
         writeFile(path, "x");
@@ -199,15 +202,16 @@ TEST_F(AppcastDownloadTest, FilesOfOldUpdatesAreRemovedAtTheStart) {
     std::filesystem::create_directories(folder.path() + "/cache");
     const auto killed = make("nocta-update.deb.abcdef", 25h);
     const auto young = make("nocta-update.deb", 23h);
-    const auto link = folder.path() + "/cache/link"; // points nowhere, so it has no time
+    const auto link = folder.path() + "/cache/link"; // broken, so it has no modification time
     std::filesystem::create_symlink("missing", link);
     start();
     EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_FALSE(std::filesystem::exists(killed));
-    EXPECT_TRUE(std::filesystem::exists(young)) << "an installer may still read it";
+    EXPECT_TRUE(std::filesystem::exists(young))
+        << "a file that an installer may still read should stay";
 }
 
-TEST_F(AppcastDownloadTest, TurningItOffStopsWhatItHasStarted) {
+TEST_F(AppcastDownloadTest, TurningAutomaticChecksOffStopsOnlyAutomaticDownloads) {
     startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
     answerFeed(release().item());
     desktop.urlSession.send("the");
@@ -216,7 +220,7 @@ TEST_F(AppcastDownloadTest, TurningItOffStopsWhatItHasStarted) {
     EXPECT_FALSE(isKept());
     updater->checkForUpdates();
     updater->setAutomaticallyChecksForUpdates(false);
-    EXPECT_EQ(asked(), bundle.feedUrl) << "the user has asked for this one";
+    EXPECT_EQ(asked(), bundle.feedUrl) << "a check that the user requested should continue";
 }
 
 TEST_F(AppcastDownloadTest, AutomaticDownloadIsOfferedOnceItIsVerified) {
@@ -230,14 +234,15 @@ TEST_F(AppcastDownloadTest, AutomaticDownloadIsOfferedOnceItIsVerified) {
     updater->dismiss();
     desktop.runLoop.advance(24h);
     answerFeed(release().item());
-    EXPECT_EQ(asked(), "") << "it is already there";
+    EXPECT_EQ(asked(), "") << "the file should not be downloaded twice";
     updater->dismiss();
     std::filesystem::remove(package);
     updater->checkForUpdates();
     answerFeed(release().item());
     updater->install();
     answer(file);
-    EXPECT_EQ(opened, std::vector{package + ": " + file}) << "it had been deleted";
+    EXPECT_EQ(opened, std::vector{package + ": " + file})
+        << "a deleted file should be downloaded again";
 }
 
 TEST_F(AppcastDownloadTest, AutomaticDownloadThatFailsIsOnlyReported) {
@@ -256,7 +261,7 @@ TEST_F(AppcastDownloadTest, UserCanSeeARunningDownload) {
     EXPECT_NE(shown<UpdateDownload>(), nullptr);
     answer(file);
     EXPECT_NE(shown<UpdateFound>(), nullptr);
-    EXPECT_TRUE(opened.empty()) << "the user has not asked to install it";
+    EXPECT_TRUE(opened.empty()) << "the package should not open before the user installs it";
 }
 
 } // namespace

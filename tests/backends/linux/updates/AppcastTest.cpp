@@ -50,7 +50,8 @@ TEST(Appcast, VersionsMayBeInTheEnclosure) {
     ASSERT_EQ(appcast.items.size(), 2U);
     EXPECT_EQ(appcast.items[0].version, "7");
     EXPECT_EQ(appcast.items[0].shortVersionString, "0.7");
-    EXPECT_EQ(appcast.items[1].shortVersionString, "6") << "there is no other";
+    EXPECT_EQ(appcast.items[1].shortVersionString, "6")
+        << "the version should be used if there is no short version";
     EXPECT_EQ(appcast.items[1].length, 0);
 }
 
@@ -64,7 +65,7 @@ TEST(Appcast, PrefixOfTheNamespaceDoesNotMatter) {
     EXPECT_EQ(appcast.items[0].version, "8");
 }
 
-TEST(Appcast, NotesAreText) {
+TEST(Appcast, NotesAreConvertedToText) {
     const auto notes = [](const std::string& description) {
         const auto appcast =
             parseAppcast(feed("<item><sparkle:version>1</sparkle:version><enclosure url='u'/>" +
@@ -73,7 +74,8 @@ TEST(Appcast, NotesAreText) {
     };
     EXPECT_EQ(notes("<description>&lt;b&gt;bold&lt;/b&gt;</description>"), "bold");
     EXPECT_EQ(notes("<description sparkle:format='plain-text'>1 &lt; 2</description>"), "1 < 2");
-    EXPECT_EQ(notes("<description>a<b>c</b>d</description>"), "ad") << "markup belongs in text";
+    EXPECT_EQ(notes("<description>a<b>c</b>d</description>"), "ad")
+        << "text in nested elements should be left out";
 }
 
 TEST(Appcast, ItemWithoutAReleaseIsSkipped) {

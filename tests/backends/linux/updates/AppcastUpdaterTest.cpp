@@ -13,19 +13,19 @@ using namespace std::chrono_literals;
 
 using AppcastUpdaterTest = UpdaterOnVirtualDesktop;
 
-TEST_F(AppcastUpdaterTest, NothingIsAskedBeforeTheUserAllowsIt) {
+TEST_F(AppcastUpdaterTest, NoServerIsContactedBeforeTheUserAllowsIt) {
     start();
     EXPECT_FALSE(startError);
     EXPECT_TRUE(updater->canCheckForUpdates.get());
     desktop.runLoop.advance(72h);
-    EXPECT_TRUE(showsNothing()) << "the first start has enough that is new";
+    EXPECT_TRUE(showsNothing()) << "the first launch should not ask for permission";
     start();
     EXPECT_NE(shown<UpdatePermissionRequest>(), nullptr);
     desktop.runLoop.advance(72h);
     EXPECT_EQ(asked(), "");
 }
 
-TEST_F(AppcastUpdaterTest, PermissionIsAskedForOnce) {
+TEST_F(AppcastUpdaterTest, PermissionIsRequestedOnce) {
     startWith("{}");
     ASSERT_NE(shown<UpdatePermissionRequest>(), nullptr);
     updater->dismiss();
@@ -37,7 +37,7 @@ TEST_F(AppcastUpdaterTest, PermissionIsAskedForOnce) {
     EXPECT_EQ(asked(), "");
 }
 
-TEST_F(AppcastUpdaterTest, OnceAllowedItChecksAtOnceAndThenDaily) {
+TEST_F(AppcastUpdaterTest, OnceAllowedItChecksImmediatelyAndThenDaily) {
     startWith("{}");
     updater->setAutomaticallyChecksForUpdates(true);
     EXPECT_TRUE(showsNothing());
@@ -52,14 +52,14 @@ TEST_F(AppcastUpdaterTest, OnceAllowedItChecksAtOnceAndThenDaily) {
     answerFeed("");
 
     start();
-    EXPECT_EQ(asked(), "") << "it remembers when it last did";
+    EXPECT_EQ(asked(), "") << "the time of the last check should survive a restart";
     updater->setAutomaticallyChecksForUpdates(false);
     desktop.runLoop.advance(72h);
     EXPECT_EQ(asked(), "");
     EXPECT_TRUE(showsNothing());
 }
 
-TEST_F(AppcastUpdaterTest, ClockThatIsSetBackDelaysNothing) {
+TEST_F(AppcastUpdaterTest, SettingTheClockBackDoesNotDelayChecks) {
     startChecking();
     answerFeed("");
     desktop.runLoop.setWallClock(desktop.runLoop.wallNow() - 1000h);
@@ -73,7 +73,8 @@ TEST_F(AppcastUpdaterTest, AutomaticCheckThatFailsIsReportedAndRetried) {
     EXPECT_TRUE(showsNothing());
     EXPECT_EQ(cycles, Errors{"Host not found"});
     desktop.runLoop.advance(1h);
-    EXPECT_EQ(asked(), bundle.feedUrl) << "at login the network may come up later";
+    EXPECT_EQ(asked(), bundle.feedUrl)
+        << "a failed check should be retried, because the network may start after login";
     answerFeed("");
     desktop.runLoop.advance(23h);
     EXPECT_EQ(asked(), "");
@@ -102,7 +103,7 @@ TEST_F(AppcastUpdaterTest, TogglesAreRememberedEvenIfNothingCanBeChecked) {
     }
 }
 
-TEST_F(AppcastUpdaterTest, InvalidKeyStartsNothing) {
+TEST_F(AppcastUpdaterTest, InvalidKeyPreventsTheStart) {
     for (const auto* const text :
          {"", "nonsense", "AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA="}) {
         bundle.publicEdKey = text;
@@ -113,7 +114,7 @@ TEST_F(AppcastUpdaterTest, InvalidKeyStartsNothing) {
     }
 }
 
-TEST_F(AppcastUpdaterTest, UserIsToldOfEveryOutcome) {
+TEST_F(AppcastUpdaterTest, EveryOutcomeIsShownToTheUser) {
     start();
     updater->checkForUpdates();
     EXPECT_NE(shown<UpdateCheckInProgress>(), nullptr);
@@ -151,7 +152,7 @@ TEST_F(AppcastUpdaterTest, CheckCanBeCanceledAndBroughtToTheFront) {
     updater->dismiss();
     updater->install();
     updater->skip();
-    EXPECT_TRUE(showsNothing()) << "nothing to answer";
+    EXPECT_TRUE(showsNothing()) << "without a question, answers should do nothing";
     EXPECT_EQ(cycles.size(), 1U);
 }
 
@@ -162,7 +163,7 @@ TEST_F(AppcastUpdaterTest, UserCanJoinARunningCheck) {
     EXPECT_NE(shown<UpdateCheckInProgress>(), nullptr);
     answerFeed("");
     EXPECT_NE(shown<UpdateNotFound>(), nullptr);
-    EXPECT_EQ(asked(), "") << "one check";
+    EXPECT_EQ(asked(), "") << "both requests should share one check";
 }
 
 TEST_F(AppcastUpdaterTest, NewestForThisSystemIsOffered) {
@@ -206,7 +207,7 @@ TEST_F(AppcastUpdaterTest, ReleaseForAnotherSystemIsSkipped) {
     EXPECT_NE(shown<UpdateNotFound>(), nullptr);
 }
 
-TEST_F(AppcastUpdaterTest, CheckCanBeRepeatedFromAnOldAnswer) {
+TEST_F(AppcastUpdaterTest, CheckCanStartWhileAnOldResultIsShown) {
     start();
     for (const auto& last : std::vector<UpdateStage>{UpdateNotFound{}, UpdaterError{"broken"},
                                                      UpdatePermissionRequest{}}) {
@@ -218,14 +219,14 @@ TEST_F(AppcastUpdaterTest, CheckCanBeRepeatedFromAnOldAnswer) {
     }
 }
 
-TEST_F(AppcastUpdaterTest, DestroyedWhileLoadingItIsNotCalledAgain) {
+TEST_F(AppcastUpdaterTest, DestructionCancelsTheRequest) {
     start();
     updater->checkForUpdates();
     updater.reset();
     EXPECT_EQ(asked(), "");
 }
 
-TEST_F(AppcastUpdaterTest, SkippedVersionIsNotOfferedAgainUnasked) {
+TEST_F(AppcastUpdaterTest, SkippedVersionIsNotOfferedAgainAutomatically) {
     startChecking();
     answerFeed(release().item());
     ASSERT_NE(shown<UpdateFound>(), nullptr);
@@ -237,7 +238,7 @@ TEST_F(AppcastUpdaterTest, SkippedVersionIsNotOfferedAgainUnasked) {
     EXPECT_TRUE(showsNothing());
     updater->checkForUpdates();
     answerFeed(release().item());
-    EXPECT_NE(shown<UpdateFound>(), nullptr) << "the user asks";
+    EXPECT_NE(shown<UpdateFound>(), nullptr) << "a manual check should offer the skipped version";
     updater->dismiss();
     desktop.runLoop.advance(25h);
     auto next = release();
@@ -246,7 +247,7 @@ TEST_F(AppcastUpdaterTest, SkippedVersionIsNotOfferedAgainUnasked) {
     EXPECT_NE(shown<UpdateFound>(), nullptr);
 }
 
-TEST_F(AppcastUpdaterTest, ReminderComesWithTheNextCheck) {
+TEST_F(AppcastUpdaterTest, DismissedReleaseIsOfferedAgainByTheNextCheck) {
     startChecking();
     answerFeed(release().item());
     updater->dismiss();
@@ -256,10 +257,10 @@ TEST_F(AppcastUpdaterTest, ReminderComesWithTheNextCheck) {
     answerFeed(release().item());
     ASSERT_NE(shown<UpdateFound>(), nullptr);
     desktop.runLoop.advance(72h);
-    EXPECT_EQ(asked(), "") << "one is already shown";
+    EXPECT_EQ(asked(), "") << "no check should start while a release is shown";
 }
 
-TEST_F(AppcastUpdaterTest, EndlessFeedIsGivenUp) {
+TEST_F(AppcastUpdaterTest, FeedThatIsTooLongIsAnError) {
     start();
     updater->checkForUpdates();
     desktop.urlSession.send(std::string(1 << 17, ' '));

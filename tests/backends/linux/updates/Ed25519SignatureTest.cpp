@@ -29,7 +29,7 @@ bool isValid(const Ed25519PublicKey& key, const Ed25519Signature& signature,
     return verification.isValid();
 }
 
-/// libsodium's own check of a message in memory.
+/// Verifies a complete message in memory with libsodium's own function.
 bool isValidToSodium(const Ed25519PublicKey& key, const Ed25519Signature& signature,
                      const std::string& message) {
     return crypto_sign_verify_detached(signature.data(),
@@ -37,7 +37,7 @@ bool isValidToSodium(const Ed25519PublicKey& key, const Ed25519Signature& signat
                                        message.size(), key.data()) == 0;
 }
 
-// RFC 8032, section 7.1: tests 1 to 3.
+// Tests 1 to 3 of RFC 8032, section 7.1.
 TEST(Ed25519Signature, KnownSignaturesAreValid) {
     struct Known {
         const char* key;
@@ -58,7 +58,7 @@ TEST(Ed25519Signature, KnownSignaturesAreValid) {
     }
 }
 
-TEST(Ed25519Signature, AgreesWithTheCheckOfAMessageInMemory) {
+TEST(Ed25519Signature, AgreesWithLibsodiumOnMessagesInMemory) {
     std::mt19937 random(8032);
     const Publisher signer;
     const Publisher other;
@@ -85,7 +85,7 @@ TEST(Ed25519Signature, AgreesWithTheCheckOfAMessageInMemory) {
 }
 
 TEST(Ed25519Signature, SecondFormOfASignatureIsRefused) {
-    // The order of the group, added to S, gives the same point.
+    // S plus the order of the group gives the same point as S.
     const auto order =
         fromHex<32>("edd3f55c1a631258d69cf7a2def9de1400000000000000000000000000000010");
     const Publisher signer;
@@ -105,7 +105,7 @@ TEST(Ed25519Signature, EmptySignatureIsRefused) {
     EXPECT_FALSE(isValid({}, {}, "message"));
 }
 
-TEST(Ed25519Signature, OnlyWholeBase64OfTheRightLengthIsRead) {
+TEST(Ed25519Signature, OnlyCompleteBase64OfTheRightLengthIsAccepted) {
     const Publisher signer;
     const auto key = signer.publicKey();
     const auto signature = signer.sign("");

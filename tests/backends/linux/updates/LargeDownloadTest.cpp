@@ -1,4 +1,4 @@
-// The program does not grow, however much a server sends.
+// Tests that memory use stays small no matter how much a server sends.
 
 #include "backends/linux/network/CurlUrlSession.h"
 #include "backends/linux/shell/QtRunLoop.h"
@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::int64_t gibibyte = 1LL << 30;
 constexpr std::int64_t maxGrowth = 16LL << 20;     // bytes
-constexpr std::int64_t maxHelperSize = 32LL << 20; // bytes in total
+constexpr std::int64_t maxHelperSize = 32LL << 20; // bytes, for the whole process
 
 /// The peak memory of this process, in bytes.
 std::int64_t peakMemory() {
@@ -42,7 +42,7 @@ std::int64_t forgetPeak() {
     return peakMemory();
 }
 
-/// A server in another process. The files that it serves contain whole responses.
+/// A server in another process. The files that it serves contain complete responses.
 class FileServer {
 public:
     FileServer() {
@@ -51,14 +51,14 @@ public:
 
     const ServerCertificate certificate;
 
-    /// A response whose body is `head` and then zeros, `size` bytes of it.
+    /// Serves a response with a body of `size` bytes: `head`, followed by zeros.
     void serve(const std::string& name, const std::string& head, std::int64_t size) {
         const auto start =
             "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " + std::to_string(size) +
             "\r\n\r\n";
         serveRaw(name, start + head, static_cast<std::int64_t>(start.size()) + size);
     }
-    /// `size` bytes that begin with `start`, without any response header.
+    /// Serves `size` bytes: `start`, followed by zeros. Adds no response header.
     void serveRaw(const std::string& name, const std::string& start, std::int64_t size) {
         const auto file = folder_.path() + "/" + name;
         writeFile(file, start);
@@ -89,14 +89,14 @@ private:
                     output_};
 };
 
-/// The peak memory of any helper that has exited, in bytes.
+/// The largest peak memory of all child processes that have exited, in bytes.
 std::int64_t peakMemoryOfHelpers() {
     rusage usage{};
     getrusage(RUSAGE_CHILDREN, &usage);
     return std::int64_t{1024} * usage.ru_maxrss;
 }
 
-/// A stream of zeros that takes no memory.
+/// A gibibyte of zeros that takes no memory.
 class Zeros {
 public:
     Zeros()
@@ -142,7 +142,7 @@ protected:
         updater.startUpdater([](const std::optional<std::string>& /*error*/) {});
     }
 
-    /// Runs the event loop for as long as there is progress.
+    /// Runs the event loop until the stage ends or stops making progress.
     template <class Stage>
     void waitForEndOf() {
         for (double before = -1; std::holds_alternative<Stage>(updater.stage.get()) &&
@@ -166,7 +166,7 @@ protected:
     }
 };
 
-TEST_F(LargeDownloadTest, FeedOfAGibibyteIsGivenUpEarly) {
+TEST_F(LargeDownloadTest, GibibyteFeedIsRejectedEarly) {
     server.serve("appcast.xml", "<rss><!--", gibibyte);
     const auto before = forgetPeak();
     updater.checkForUpdates();
@@ -175,7 +175,7 @@ TEST_F(LargeDownloadTest, FeedOfAGibibyteIsGivenUpEarly) {
     expectLittleGrowth(before);
 }
 
-TEST_F(LargeDownloadTest, EndlessHeaderIsGivenUpEarly) {
+TEST_F(LargeDownloadTest, GibibyteHeaderIsRejectedEarly) {
     for (const auto* const head : {"HTTP/1.1 200 ", "HTTP/1.1 200 OK\r\nLong: ",
                                    "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"}) {
         server.serveRaw("appcast.xml", head, gibibyte);
@@ -188,7 +188,7 @@ TEST_F(LargeDownloadTest, EndlessHeaderIsGivenUpEarly) {
     }
 }
 
-TEST_F(LargeDownloadTest, FileOfAGibibyteIsVerifiedAsItArrives) {
+TEST_F(LargeDownloadTest, GibibyteFileIsVerifiedAsItArrives) {
     const Release release = {.url = server.address("nocta.deb"),
                              .signature = publisher.sign(Zeros().view()),
                              .length = std::to_string(gibibyte)};

@@ -13,7 +13,7 @@
 namespace nocta {
 namespace {
 
-/// A desktop that opens files with a script.
+/// Opens packages on a desktop whose `xdg-open` is a script.
 class OpenPackageTest : public ::testing::Test {
 protected:
     TemporaryFolder folder;
@@ -63,7 +63,7 @@ TEST_F(OpenPackageTest, OpenerThatIsMissingOrKilledIsAnError) {
     EXPECT_TRUE(error);
 }
 
-TEST_F(OpenPackageTest, CallbackIsNotCalledOnceItIsDropped) {
+TEST_F(OpenPackageTest, CanceledCallbackIsNotCalled) {
     open("exit 0");
     opening.cancel();
     openAndWait("exit 3");

@@ -23,11 +23,11 @@ TEST(ReleaseNotes, HtmlIsReadAsText) {
     EXPECT_EQ(ofHtml(""), "");
 }
 
-TEST(ReleaseNotes, NothingActiveOrHiddenStays) {
+TEST(ReleaseNotes, ActiveAndHiddenContentIsRemoved) {
     EXPECT_EQ(ofHtml("a<script>alert('<p>')</script>b<style>p{}</style>c<!-- <p>d -->e"), "abce");
     EXPECT_EQ(ofHtml("<img src='file:///etc/passwd' onerror=x>seen"), "seen");
     EXPECT_EQ(ofHtml("<a href=\"javascript:x\">link</a>"), "link");
-    // Direction overrides, zero-width spaces, bells and escapes.
+    // Direction overrides, zero-width spaces, bells and escape characters should be removed.
     EXPECT_EQ(ofHtml("a&#x202E;b&#8203;c&#7;d&#27;[31me"), "abcd[31me");
     EXPECT_EQ(ofPlain("a\u202E\u200B\x07\x1B[31mb"), "a[31mb");
 }
@@ -48,7 +48,7 @@ TEST(ReleaseNotes, PlainTextKeepsItsLines) {
               "one two\n\n<b>three</b> &amp;");
 }
 
-TEST(ReleaseNotes, EndlessNotesAreCut) {
+TEST(ReleaseNotes, LongNotesAreTruncated) {
     for (const auto* const unit : {"long ", "line\n", "<p>", "<", "&amp;", "<script>", "🌙"}) {
         const auto text = QString::fromUtf8(unit).repeated(1 << 19);
         EXPECT_LT(releaseNotes(text, NotesFormat::html).size(), 70000U) << unit;

@@ -18,7 +18,7 @@ const UpdaterRecord decided = {.checksAutomatically = false,
                                .lastCheck = WallTime(1795262400s),
                                .skippedVersion = "46\n\"🌙"};
 
-TEST(UpdaterMemory, IsKeptInAFileOfItsOwn) {
+TEST(UpdaterMemory, IsStoredInItsOwnFile) {
     const TemporaryFolder folder;
     const auto file = folder.path() + "/new/updates.json";
     {
@@ -56,7 +56,7 @@ TEST(UpdaterMemory, InvalidRecordCountsAsMissing) {
               (UpdaterRecord{.checksAutomatically = true}));
 }
 
-TEST(UpdaterMemory, NeitherAFolderNorAnEndlessFileIsRead) {
+TEST(UpdaterMemory, FolderAndEndlessFileAreNotRead) {
     const TemporaryFolder folder;
     EXPECT_FALSE(UpdaterMemory(folder.path()).isKept());
     EXPECT_FALSE(UpdaterMemory("/dev/zero").isKept());

@@ -1,4 +1,4 @@
-// The updater against a real server, with an appcast that is signed in the test.
+// Tests the updater with a real HTTPS server, and releases that the test signs.
 
 #include "backends/linux/network/CurlUrlSession.h"
 #include "backends/linux/shell/QtRunLoop.h"
@@ -34,10 +34,10 @@ protected:
                   .feedUrl = feedUrl,
                   .publicEdKey = key};
     TemporaryFolder folder;
-    std::map<std::string, std::string> answers; ///< by path, with status and headers
-    std::vector<std::string> asked;             ///< paths
+    std::map<std::string, std::string> answers; ///< complete responses, keyed by path
+    std::vector<std::string> asked;             ///< the requested paths
     std::vector<std::string> opened;
-    std::vector<std::string> errors; ///< of the cycles
+    std::vector<std::string> errors; ///< the errors of the update cycles
     std::optional<AppcastUpdater> updater;
 
     void SetUp() override {
@@ -86,12 +86,12 @@ protected:
     bool shows() const {
         return std::holds_alternative<Stage>(updater->stage.get());
     }
-    /// Checks at the user's request and returns the final stage.
+    /// Checks for updates as the user does, and waits for the end of the check.
     void check() {
         updater->checkForUpdates();
         EXPECT_TRUE(serveUntil([this] { return !shows<UpdateCheckInProgress>(); }));
     }
-    /// Goes from the check to the installer, or returns the error.
+    /// Checks, downloads and starts the installer. Returns the error, or "" if there is none.
     std::string install() {
         check();
         if (shows<UpdateFound>()) {
@@ -163,14 +163,14 @@ TEST_F(UpdatesOverHttpsTest, InvalidFeedIsRefused) {
     }
 }
 
-TEST_F(UpdatesOverHttpsTest, UnknownServerIsRefused) {
+TEST_F(UpdatesOverHttpsTest, ServerWithAnUntrustedCertificateIsRefused) {
     serve("/appcast.xml", appcast(release().item()));
     startWith(unknowing);
     expectRefused();
     EXPECT_TRUE(asked.empty());
 }
 
-TEST_F(UpdatesOverHttpsTest, FileThatIsNotTheSignedOneIsRefused) {
+TEST_F(UpdatesOverHttpsTest, FileOtherThanTheSignedOneIsRefused) {
     serve("/appcast.xml", appcast(release().item()));
     for (const auto& other : {std::string(), file + "x", file.substr(1), "x" + file.substr(1)}) {
         serve("/nocta.deb", other);
@@ -205,7 +205,8 @@ TEST_F(UpdatesOverHttpsTest, HostileNamesAndNotesDoNoHarm) {
         EXPECT_EQ(std::get<UpdateFound>(updater->stage.get()).releaseNotes, "Seen");
         updater->dismiss();
     }
-    EXPECT_FALSE(std::filesystem::exists(folder.path() + "/cache")) << "nothing was loaded";
+    EXPECT_FALSE(std::filesystem::exists(folder.path() + "/cache"))
+        << "nothing should be downloaded";
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 namespace nocta {
 namespace {
 
-TEST(VersionOrder, EachIsNewerThanTheOneBefore) {
+TEST(VersionOrder, EachVersionIsNewerThanTheOneBefore) {
     constexpr std::array inOrder = {"0",
                                     "0.0.1",
                                     "0.9",

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <random>
 
-// Tests the data in properties of the root window, which any client may write to.
+// Tests the notes in properties of the root window. Any client can write to these properties.
 
 namespace nocta {
 namespace {
@@ -47,7 +47,7 @@ protected:
         std::ranges::generate(bytes, [&] { return static_cast<std::uint8_t>(below(256)); });
         return bytes;
     }
-    /// A valid note with an error: a changed bit or a missing end.
+    /// Returns the note with a random flipped bit or without its end.
     Bytes damaged(Bytes note) {
         if (below(2) == 0) {
             note[below(static_cast<std::uint32_t>(note.size()))] ^=
@@ -72,13 +72,13 @@ protected:
         return session.client.rootProperty(matricesProperty);
     }
 
-    /// Dims the display over its factory ramp, gives it back and expects nothing to be left.
+    /// Dims the display, restores it and expects the property with the notes to be gone.
     void expectJunkToBeHarmless() {
         session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
         const auto shown = session.client.ramp(crtc);
         EXPECT_NEAR(shown[1].back(), (factory[1][127] + factory[1][128]) / 2.0, 1);
         const auto kept = readFactoryRamps(x, root);
-        EXPECT_EQ(kept.size(), 1U) << "the junk is gone";
+        EXPECT_EQ(kept.size(), 1U) << "only the note for this CRTC should be left";
         EXPECT_TRUE(kept.contains(crtc) && kept.at(crtc).red == factory[0]);
         session.gammaOutput.displayRestoreColorSyncSettings();
         EXPECT_EQ(session.client.ramp(crtc), factory);
@@ -120,13 +120,14 @@ TEST_P(FactoryNotesTest, RampsAreReadAsStoredAndReplaceEarlierOnes) {
     storeFactoryRamps(x, root, {{crtc, zeros}});
     const auto kept = readFactoryRamps(x, root);
     ASSERT_EQ(kept.size(), 1U);
-    EXPECT_EQ(kept.at(crtc).red, zeros.red) << "a fresh server may have such a ramp";
+    EXPECT_EQ(kept.at(crtc).red, zeros.red)
+        << "a ramp of zeros should be read as stored, because a new server may have one";
     storeFactoryRamps(x, root, {});
     EXPECT_TRUE(readFactoryRamps(x, root).empty());
     EXPECT_TRUE(session.client.rootProperty(rampsProperty).empty());
 }
 
-TEST_P(FactoryNotesTest, OnlyTheRampThatDoesNotFitItsCrtcIsLeftOut) {
+TEST_P(FactoryNotesTest, OnlyTheRampThatDoesNotFitItsCrtcIsIgnored) {
     const GammaRamp small = {.red = {0, 65535}, .green = {0, 65535}, .blue = {0, 65535}};
     const xcb_randr_crtc_t unknown = crtc + 1000;
     storeFactoryRamps(x, root, {{crtc, rampOf(factory)}, {unknown, rampOf(factory)}});

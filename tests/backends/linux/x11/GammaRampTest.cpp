@@ -41,8 +41,8 @@ TEST_P(GammaRampSizes, TableIsEvaluatedFirstAndThenTheCalibration) {
     const auto ramp = laidOver(line(0.5F), curve(GetParam(), 2), GetParam());
     for (std::size_t i = 0; i < ramp.size(); ++i) {
         const auto level = static_cast<double>(i) / static_cast<double>(ramp.size() - 1);
-        // A parabola as straight lines between 256 points is off by less than 1/8 of a squared
-        // step.
+        // Linear interpolation between 256 points of a parabola is off by less than 1/8 of the
+        // squared distance between two points.
         ASSERT_NEAR(ramp[i], 65535 * std::pow(0.5 * level, 2), 1.5) << i;
     }
 }
@@ -55,13 +55,13 @@ TEST_P(GammaRampSizes, WithoutACalibrationTheTableIsResampled) {
     }
 }
 
-TEST(GammaRamp, LevelsOutsideTheRangeAreLimited) {
+TEST(GammaRamp, LevelsOutsideTheRangeAreClamped) {
     const std::vector<float> table = {-1.0F, 2.0F, std::numeric_limits<float>::quiet_NaN(),
                                       std::numeric_limits<float>::infinity()};
     EXPECT_EQ(laidOver(table, {}, 4), (std::vector<std::uint16_t>{0, 65535, 0, 65535}));
 }
 
-TEST(GammaRamp, SmallestSizes) {
+TEST(GammaRamp, SmallestSizesAreSupported) {
     EXPECT_TRUE(laidOver(line(1), {}, 0).empty());
     EXPECT_EQ(laidOver(line(0.5F), {}, 1), std::vector<std::uint16_t>{32768});
     EXPECT_EQ(laidOver(line(1), std::vector<std::uint16_t>{7}, 2),

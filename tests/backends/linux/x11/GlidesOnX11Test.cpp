@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-// What another client of the X server sees while the screen glides.
+// Tests what another client of the X server sees during gradual changes of the screen.
 
 namespace nocta {
 namespace {
@@ -17,7 +17,7 @@ constexpr Duration step = 20ms;
 
 class GlidesOnX11Test : public DesktopOnX11 {
 protected:
-    /// The identity matrix as an output's property.
+    /// The identity matrix in the format of the output property.
     const std::vector<std::uint32_t> colored = {0, 1, 0, 0, 0, 0, 0, 0, 0,
                                                 1, 0, 0, 0, 0, 0, 0, 0, 1};
 
@@ -32,7 +32,7 @@ protected:
     double shownKelvin() { return kelvinOf(shownWhite()[2]); }
 };
 
-TEST_F(GlidesOnX11Test, SwitchingAutomaticWarmthOnAndOffIsOneContinuousMovement) {
+TEST_F(GlidesOnX11Test, SwitchingAutomaticWarmthOnAndOffChangesTheScreenWithoutJumps) {
     desktop.runLoop.setWallClock(desktop.runLoop.wallNow() + 12h); // at night
     settings().warmthLevel.set(0);
     launch();
@@ -64,14 +64,14 @@ TEST_F(GlidesOnX11Test, SwitchingAutomaticWarmthOnAndOffIsOneContinuousMovement)
 }
 
 TEST_F(GlidesOnX11Test, EyeReliefFadesTheTintOutBeforeTheMatricesTurnGrayAndInAfterThem) {
-    // The weights of red, green and blue in the brightness of a picture, times 2^32.
+    // The weights of red, green and blue in the brightness of a pixel, times 2^32.
     std::vector<std::uint32_t> gray;
     for (int row = 0; row < 3; ++row) {
         gray.insert(gray.end(), {913110047, 0, 3071760610, 0, 310096639, 0});
     }
     const auto output = x.client.activeOutputs().at(0);
     const auto matrix = [&] { return x.client.outputProperty("CTM", output); };
-    // The distance of white from neutral gray.
+    // How far white is from neutral: the difference between its largest and smallest channel.
     const auto tint = [&] {
         const auto white = shownWhite();
         return std::ranges::max(white) - std::ranges::min(white);
@@ -90,7 +90,8 @@ TEST_F(GlidesOnX11Test, EyeReliefFadesTheTintOutBeforeTheMatricesTurnGrayAndInAf
         EXPECT_EQ(matrix(), colored) << i;
     }
     desktop.runLoop.advance(step);
-    EXPECT_NEAR(tint(), whole, 1e-4) << "the matrix removes the color now";
+    EXPECT_NEAR(tint(), whole, 1e-4)
+        << "the tint should return, because the matrix removes the color now";
     EXPECT_EQ(matrix(), gray);
 
     settings().grayscaleEnabled.set(false);

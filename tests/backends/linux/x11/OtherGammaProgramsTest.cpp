@@ -32,7 +32,7 @@ TEST_F(OtherGammaProgramsTest, OnlyProgramsOnTheSameServerAreFound) {
     add("22", "redshift", "DISPLAY=:8");
     add("23", "redshift", "DISPLAY=elsewhere:7");
     add("24", "redshift", "MYDISPLAY=:7");
-    add("25", "redshift", ""); // another user's process
+    add("25", "redshift", ""); // a process of another user, whose environment cannot be read
     add("26", "redshift-gtk", "DISPLAY=:7");
     add("self", "redshift", "DISPLAY=:7");
     auto names = found(":7");
@@ -44,12 +44,12 @@ TEST_F(OtherGammaProgramsTest, OnlyProgramsOnTheSameServerAreFound) {
     EXPECT_TRUE(otherGammaPrograms(":7", processes.path() + "/none").empty());
 }
 
-/// Nocta next to a program that has a gamma program's name.
+/// Runs Nocta next to a program that has the name of a gamma program.
 class NoctaBesideAnotherTest : public NoctaProcess {};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaBesideAnotherTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaBesideAnotherTest, TheOtherIsNamedOnceAtTheStart) {
+TEST_P(NoctaBesideAnotherTest, OtherProgramIsReportedOnceOnLaunch) {
     const auto program = home.path() + "/redshift";
     std::filesystem::copy_file("/bin/sleep", program);
     const Process other({program, "1000"});

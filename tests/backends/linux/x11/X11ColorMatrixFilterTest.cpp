@@ -18,7 +18,7 @@ Numbers numbersOf(const ColorMatrix& matrix) {
 class X11ColorMatrixFilterTest : public ::testing::TestWithParam<XServer::Kind> {
 protected:
     X11Session x{GetParam()};
-    /// A matrix that no color space would use.
+    /// A matrix that no real color space uses.
     Numbers previous = {7, 1, 0, 0, 3, 0x80000000, 0, 0, 9, 1, 0, 0, 0, 0, 0, 0, 11, 0};
     Numbers gray = numbersOf(grayMatrix());
     std::optional<X11ColorMatrixFilter> filter;
@@ -66,7 +66,7 @@ TEST(ColorMatrices, GrayKeepsWhiteWhite) {
     }
 }
 
-TEST_P(X11ColorMatrixFilterTest, OnIsGrayOnEveryDisplayAndOffIsWhatWasThere) {
+TEST_P(X11ColorMatrixFilterTest, OnTurnsEveryDisplayGrayAndOffRestoresTheOldMatrices) {
     EXPECT_TRUE(filter->isAvailable());
     EXPECT_FALSE(filter->isOn());
     filter->setOn(true);
@@ -87,10 +87,10 @@ TEST_P(X11ColorMatrixFilterTest, ScreenThatIsAlreadyGrayIsRecognized) {
     x.client.setOutputProperty("CTM", gray);
     EXPECT_TRUE(filter->isOn());
     filter->setOn(false);
-    EXPECT_EQ(shown(), everywhere(gray)) << "that is not ours";
+    EXPECT_EQ(shown(), everywhere(gray)) << "gray that Nocta did not set should stay";
 }
 
-TEST_P(X11ColorMatrixFilterTest, PropertyThatIsNoMatrixIsLeftAlone) {
+TEST_P(X11ColorMatrixFilterTest, PropertyThatIsNotAMatrixIsLeftAlone) {
     for (const auto& numbers : {Numbers{}, Numbers(17, 1), Numbers(19, 1)}) {
         x.client.setOutputProperty("CTM", numbers);
         EXPECT_FALSE(filter->isAvailable());
@@ -100,7 +100,7 @@ TEST_P(X11ColorMatrixFilterTest, PropertyThatIsNoMatrixIsLeftAlone) {
     }
 }
 
-TEST_P(X11ColorMatrixFilterTest, WarmthMayComeAndGoWhileTheScreenIsGray) {
+TEST_P(X11ColorMatrixFilterTest, WarmthCanChangeWhileTheScreenIsGray) {
     const auto crtc = x.client.activeCrtcs().at(0);
     const auto factory = x.client.ramp(crtc);
     const auto tables = X11Session::tables({1.0F, 0.8F, 0.6F});
@@ -110,7 +110,7 @@ TEST_P(X11ColorMatrixFilterTest, WarmthMayComeAndGoWhileTheScreenIsGray) {
     EXPECT_EQ(x.client.ramp(crtc), factory);
     EXPECT_EQ(shown(), everywhere(gray));
 
-    x.client.disconnect(x.connection.window()); // the guardian has to restore what is left
+    x.client.disconnect(x.connection.window()); // so the guardian has to restore the matrices
     EXPECT_TRUE(serveUntil([&] { return !x.connection.isOpen(); }));
     filter.reset();
     EXPECT_TRUE(serveUntil([&] { return shown() == everywhere(previous); }));
@@ -127,7 +127,8 @@ TEST_P(X11ColorMatrixFilterTest, ScreenThatADeadProgramLeftGrayIsRestoredByTheNe
     x.connection.synchronize();
     x.client.setOutputProperty("CTM", gray);
     makeFilter();
-    EXPECT_FALSE(filter->isOn()) << "even before that is done";
+    EXPECT_FALSE(filter->isOn())
+        << "the filter should be off even before the matrices are restored";
     EXPECT_EQ(shown(), everywhere(previous));
     EXPECT_FALSE(filter->isOn());
 }

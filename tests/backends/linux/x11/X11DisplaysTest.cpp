@@ -9,7 +9,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(X11, DisplaysContract, X11Harness);
 
 namespace {
 
-TEST(X11Displays, DisplayIsItsOutputWithItsCrtcsBoundsAndMode) {
+TEST(X11Displays, DisplayIsAnOutputWithTheBoundsAndModeOfItsCrtc) {
     X11Session session(XServer::Kind::xorgDummy);
     session.server.plugSecondOutput();
     ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
@@ -38,7 +38,7 @@ TEST(X11Displays, EachChangeIsReportedExactlyOnce) {
     std::vector<std::size_t> sizes;
     const auto subscription = session.notificationCenter.observe(
         didChangeScreenParametersNotification, [&] { sizes.push_back(session.list().size()); });
-    session.server.xrandr({"--addmode", "DUMMY1", "1280x720"}); // changes no display
+    session.server.xrandr({"--addmode", "DUMMY1", "1280x720"}); // does not change any display
     session.server.xrandr({"--output", "DUMMY1", "--mode", "1280x720", "--same-as", "DUMMY0"});
     ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
     session.server.unplugSecondOutput();
@@ -46,7 +46,7 @@ TEST(X11Displays, EachChangeIsReportedExactlyOnce) {
     EXPECT_EQ(sizes, (std::vector<std::size_t>{2, 1}));
 }
 
-TEST(X11Displays, ServerWithoutRandRHasNoDisplaysAndSaysSo) {
+TEST(X11Displays, ServerWithoutRandRHasNoDisplaysAndIsReported) {
     ::testing::internal::CaptureStderr();
     X11Session session(XServer::Kind::xvfb, {"-extension", "RANDR"});
     EXPECT_NE(::testing::internal::GetCapturedStderr().find("has no RandR"), std::string::npos);

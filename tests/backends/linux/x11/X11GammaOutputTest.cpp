@@ -13,7 +13,7 @@ namespace nocta {
 
 namespace {
 
-// A CRTC with a ramp of size 0 is not tested: no headless X server has one.
+// CRTCs with a ramp of size 0 are not tested, because no headless X server has one.
 
 struct Guardians : NoctaProcess {
     using NoctaProcess::guardiansOf;
@@ -26,7 +26,7 @@ struct OtherProgram {
     Guardian guardian{connection, first.runLoop};
     X11GammaOutput output{connection, first.displays, guardian};
 
-    /// Returns once the server has handled everything.
+    /// Sets the tables, and returns once the server has processed all requests.
     Status set(DisplayId display, float top) {
         const auto tables = X11Session::tables({top, top, top});
         const auto status =
@@ -57,8 +57,8 @@ protected:
         return guardians.at(0);
     }
 
-    /// The expected value at entry i of 256 for a table with the given top over a calibration,
-    /// which is joined by straight lines.
+    /// The expected value of entry `i` of 256, if a linear table up to `top` is applied to a
+    /// calibration. Interpolates linearly between the entries of the calibration.
     static double expected(const std::vector<std::uint16_t>& calibration, double top, int i) {
         const auto place = top * i / 255 * 255;
         const auto below = std::min(static_cast<std::size_t>(place), std::size_t{254});
@@ -73,7 +73,7 @@ INSTANTIATE_TEST_SUITE_P(Servers, X11GammaOutputTest,
                              return instance.param == XServer::Kind::xvfb ? "Xvfb" : "XorgDummy";
                          });
 
-TEST_P(X11GammaOutputTest, TablesAreLaidOverTheCalibration) {
+TEST_P(X11GammaOutputTest, TablesApplyToTheCalibration) {
     const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
     session.client.setRamp(crtc, factory);
     std::array const tops = {1.0F, 0.75F, 0.4F};
@@ -87,7 +87,7 @@ TEST_P(X11GammaOutputTest, TablesAreLaidOverTheCalibration) {
         }
     }
     session.gammaOutput.displayRestoreColorSyncSettings();
-    EXPECT_EQ(ramp(), factory) << "restored bit for bit";
+    EXPECT_EQ(ramp(), factory) << "the factory ramp should be restored bit for bit";
 }
 
 TEST_P(X11GammaOutputTest, RampThatIsNotACalibrationCountsAsTheIdentityAndIsStillRestored) {
@@ -123,7 +123,7 @@ TEST_P(X11GammaOutputTest, EqualTablesRepairARampThatAnotherProgramHasReset) {
 TEST_P(X11GammaOutputTest, LastRampsAreSentAgainWhileTheyApply) {
     const auto factory = ramp();
     session.gammaOutput.sendAgain();
-    EXPECT_EQ(ramp(), factory) << "nothing was written";
+    EXPECT_EQ(ramp(), factory) << "without a write nothing should be sent again";
     session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
     session.set(display, X11Session::tables({0.25F, 0.25F, 0.25F}));
     const auto ours = ramp();
@@ -132,7 +132,7 @@ TEST_P(X11GammaOutputTest, LastRampsAreSentAgainWhileTheyApply) {
     EXPECT_EQ(ramp(), ours);
     session.gammaOutput.displayRestoreColorSyncSettings();
     session.gammaOutput.sendAgain();
-    EXPECT_EQ(ramp(), factory) << "the screen was given back";
+    EXPECT_EQ(ramp(), factory) << "nothing should be sent again once the screen is given back";
 }
 
 TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBackToo) {
@@ -148,7 +148,7 @@ TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBackToo) {
     EXPECT_EQ(ramp(), factory);
 }
 
-TEST_P(X11GammaOutputTest, TablesWaitUntilTheGuardianIsReadyAndTheNewestCounts) {
+TEST_P(X11GammaOutputTest, TablesWaitForTheGuardianAndOnlyTheNewestApply) {
     const auto factory = ramp();
     const auto set = [&](float top) {
         const auto tables = X11Session::tables({top, top, top});
@@ -157,13 +157,14 @@ TEST_P(X11GammaOutputTest, TablesWaitUntilTheGuardianIsReadyAndTheNewestCounts) 
     };
     EXPECT_EQ(set(0.75F), statusSuccess);
     EXPECT_EQ(set(0.5F), statusSuccess);
-    EXPECT_EQ(ramp(), factory) << "nothing would restore it";
+    EXPECT_EQ(ramp(), factory) << "the ramp should not change before the guardian is ready";
     session.settle();
     const auto half = ramp();
     EXPECT_NE(half, factory);
     set(0.25F);
     set(0.5F);
-    EXPECT_EQ(ramp(), half) << "after that nothing waits";
+    EXPECT_EQ(ramp(), half)
+        << "once the guardian is ready, the newest tables should apply immediately";
     EXPECT_NE(set(0.25F), statusFailure);
     EXPECT_NE(ramp(), half);
 }
@@ -189,7 +190,7 @@ TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay
     Timer turn;
     turn.start(session.runLoop, std::chrono::milliseconds(10), Repeat::yes, [&] { ++turns; });
     other.set(display, 0.5F);
-    EXPECT_GT(turns, 10) << "the first may be exiting; waiting for it does not block the loop";
+    EXPECT_GT(turns, 10) << "the wait for the first program should not block the loop";
     EXPECT_NE(other.set(display, 0.5F), statusSuccess);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "nocta: another Nocta controls the gamma of this display\n");
@@ -197,13 +198,14 @@ TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay
 
     session.gammaOutput.displayRestoreColorSyncSettings();
     const auto factory = ramp();
-    EXPECT_EQ(other.set(display, 0.5F), statusSuccess) << "the first is gone";
+    EXPECT_EQ(other.set(display, 0.5F), statusSuccess)
+        << "the second program should succeed once the first gives the display back";
     EXPECT_EQ(session.client.ramp(crtc), ours);
     other.output.displayRestoreColorSyncSettings();
     EXPECT_EQ(session.client.ramp(crtc), factory);
 }
 
-TEST_P(X11GammaOutputTest, DisplayOfAFrozenGuardianGoesToTheNextForGood) {
+TEST_P(X11GammaOutputTest, DisplayOfAFrozenGuardianGoesToTheNextProgramPermanently) {
     const auto factory = ramp();
     const auto frozen = dimAndFreezeGuardian();
     OtherProgram other{session};
@@ -213,7 +215,7 @@ TEST_P(X11GammaOutputTest, DisplayOfAFrozenGuardianGoesToTheNextForGood) {
     ::testing::internal::CaptureStderr();
     kill(frozen, SIGCONT);
     EXPECT_TRUE(serveUntil([&] { return kill(frozen, 0) != 0; }));
-    session.settle(); // another was started and refused
+    session.settle(); // a new guardian has started and has been refused the display
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "nocta: another Nocta controls the gamma of this display\n");
     EXPECT_NE(session.set(display, X11Session::tables({1.0F, 1.0F, 1.0F})), statusSuccess);
@@ -239,7 +241,7 @@ TEST_P(X11GammaOutputTest, ProgramThatDoesNotKnowThatItLostTheDisplayDoesNotGive
     EXPECT_EQ(session.client.ramp(crtc), factory);
 }
 
-TEST_P(X11GammaOutputTest, ScreenOfADeadProgramIsRestoredEvenIfTheNextExitsAtOnce) {
+TEST_P(X11GammaOutputTest, ScreenOfADeadProgramIsRestoredEvenIfTheNextExitsImmediately) {
     const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
     storeFactoryRamps(session.connection.get(), session.connection.root(),
                       {{crtc, {.red = factory[0], .green = factory[1], .blue = factory[2]}}});
@@ -253,10 +255,10 @@ TEST_P(X11GammaOutputTest, ScreenOfADeadProgramIsRestoredEvenIfTheNextExitsAtOnc
 
 TEST_P(X11GammaOutputTest, GuardianThatDiesAsSoonAsItIsReadyIsReplaced) {
     const auto socket = dup(STDIN_FILENO);
-    close(socket); // the next descriptor, which the socket to the guardian gets
+    close(socket); // the socket to the guardian gets this descriptor next
     const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
     session.gammaOutput.setDisplayTransferByTable(display, tables[0], tables[1], tables[2]);
-    ASSERT_TRUE(waitUntil([&] { // its answer is there, and nobody has read it
+    ASSERT_TRUE(waitUntil([&] { // the guardian's answer has arrived, but nothing has read it
         int length = 0;
         return ioctl(socket, FIONREAD, &length) == 0 && length == 1;
     }));
@@ -315,15 +317,15 @@ TEST(X11GammaOutput, RampThatVanishesBetweenListingAndWritingDoesNotAffectOthers
     session.server.plugSecondOutput();
     ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
     const auto list = session.list();
-    session.server.unplugSecondOutput(); // and the program does not know it yet
+    session.server.unplugSecondOutput(); // the program does not know this yet
     session.set(list[1], X11Session::tables({0.5F, 0.5F, 0.5F}));
     EXPECT_EQ(session.set(list[0], X11Session::tables({0.5F, 0.5F, 0.5F})), statusSuccess);
     EXPECT_NEAR(session.client.top(session.client.crtcOf(list[0])), 0.5 * 65280 / 65535, 2e-5);
     EXPECT_TRUE(serveUntil([&] { return session.list().size() == 1; }));
 }
 
-/// Plugs and unplugs a second display. Moving a CRTC to another display without switching it off is
-/// not tested: on a headless X server no CRTC works for several outputs.
+/// Plugs and unplugs a second display. The tests do not move a CRTC to another display without
+/// switching it off, because on headless X servers each CRTC works for only one output.
 class CalibrationTest : public ::testing::Test {
 protected:
     X11Session session{XServer::Kind::xorgDummy};
@@ -359,7 +361,8 @@ protected:
         }
         const auto kept = readFactoryRamps(session.connection.get(), session.connection.root());
         ASSERT_TRUE(kept.contains(crtc));
-        EXPECT_EQ(kept.at(crtc).red, factory[0]) << "for the process that has to restore it";
+        EXPECT_EQ(kept.at(crtc).red, factory[0])
+            << "the server should keep the factory ramp for the process that restores it";
     }
     void expectGivenBackAs(const XClient::Ramp& factory) {
         session.gammaOutput.displayRestoreColorSyncSettings();
@@ -371,11 +374,12 @@ TEST_F(CalibrationTest, RampThatTheServerKeptWhileADisplayWasOffIsNotACalibratio
     const auto dimmed = session.client.ramp(crtc);
     unplug();
     plug();
-    EXPECT_EQ(session.client.ramp(crtc), dimmed) << "nothing is written when a display appears";
+    EXPECT_EQ(session.client.ramp(crtc), dimmed)
+        << "the ramp should not change when a display appears";
     dim();
     expectDimmed(first);
     unplug();
-    auto rounded = dimmed; // as a driver with 8 bits stores it
+    auto rounded = dimmed; // as a driver with 8-bit ramps stores it
     for (auto& channel : rounded) {
         for (auto& level : channel) {
             level &= 0xff00;
@@ -401,7 +405,7 @@ TEST_F(CalibrationTest, CalibrationThatIsLoadedWhileADisplayIsOffCounts) {
 
 TEST_F(CalibrationTest, CalibrationThatIsLoadedWhenADisplayComesBackCounts) {
     session.server.unplugSecondOutput();
-    session.server.plugSecondOutput(); // before the program has checked
+    session.server.plugSecondOutput(); // before the program has noticed that the output was gone
     session.client.setRamp(crtc, second);
     session.connection.synchronize();
     QCoreApplication::processEvents();
@@ -433,7 +437,7 @@ TEST_F(CalibrationTest, DisplayThatWasOffWaitsForTheNextTablesAfterAWake) {
 }
 
 TEST_F(CalibrationTest, RampThatIsSetWhileTheDisplayStaysOnIsNotACalibration) {
-    session.client.setRamp(crtc, second); // from another program; the next write repairs it
+    session.client.setRamp(crtc, second); // as another program would; the next write repairs it
     dim();
     expectDimmed(first);
     expectGivenBackAs(first);

@@ -11,7 +11,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(X11, KeyEventsContract, X11Harness);
 namespace {
 
 TEST(X11KeyEvents, RemappedKeyboardIsNoticed) {
-    X11Harness harness; // maps the two symbols to free keys at the first press
+    X11Harness harness; // maps the two symbols to free keys on the first press
     std::vector<std::int64_t> keys;
     const auto tap = harness.keyEvents().createKeyDownTap(
         [&](const KeyDownEvent& event) { keys.push_back(event.keyCode); });
@@ -34,7 +34,7 @@ TEST(X11KeyEvents, HeldKeyRepeatsAtTheKeyboardsRateUntilItIsReleased) {
     harness.client.hold(brightnessDownSymbol);
     EXPECT_TRUE(serveUntil([&] { return heard == 5; }));
     harness.client.release(brightnessDownSymbol);
-    harness.pressBrightnessDown(); // arrives after the release
+    harness.pressBrightnessDown(); // this press arrives after the release
     const auto whenReleased = heard;
     bool passed = false;
     Timer timer;

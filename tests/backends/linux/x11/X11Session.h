@@ -20,7 +20,7 @@
 
 namespace nocta {
 
-/// The X11 ports on a private server, and another client that observes it.
+/// The X11 ports on a private server, and another client that observes the server.
 struct X11Session {
     explicit X11Session(XServer::Kind kind, const std::vector<std::string>& options = {},
                         const std::vector<std::string>& outputNames = {})
@@ -41,19 +41,19 @@ struct X11Session {
         displays.getActiveDisplayList(ids, count);
         return {ids.begin(), ids.begin() + count};
     }
-    /// Returns once the server has handled everything.
+    /// Sets the tables, and returns once the server has processed all requests.
     Status set(DisplayId id, const std::array<std::vector<float>, 3>& tables) {
         const auto status =
             gammaOutput.setDisplayTransferByTable(id, tables[0], tables[1], tables[2]);
         settle();
         return status;
     }
-    /// Waits until what depends on the guardian has been written.
+    /// Waits until the guardian is ready and the writes that waited for it are done.
     void settle() {
         EXPECT_TRUE(serveUntil([this] { return !guardian.isStarting(); }));
         connection.synchronize();
     }
-    /// Straight tables up to the three tops.
+    /// Linear tables from 0 to the three tops.
     static std::array<std::vector<float>, 3> tables(std::array<float, 3> tops) {
         std::array<std::vector<float>, 3> tables;
         for (std::size_t channel = 0; channel < 3; ++channel) {
@@ -65,7 +65,7 @@ struct X11Session {
     }
 };
 
-/// The same, as the harness of the contract suites.
+/// Adapts `X11Session` as a harness for the contract suites.
 struct X11Harness : X11Session {
     std::map<DisplayId, double> factoryTops;
     std::optional<X11KeyEvents> keys;
@@ -105,7 +105,7 @@ private:
         bool heard = false;
         const auto listener =
             keyEvents().createKeyDownTap([&](const KeyDownEvent&) { heard = true; });
-        connection.synchronize(); // the program has selected events before the key is pressed
+        connection.synchronize(); // the program has to select its events before the key press
         client.press(symbol);
         EXPECT_TRUE(serveUntil([&] { return heard; }));
     }

@@ -20,7 +20,7 @@ namespace {
 using Application = std::optional<RunningApplication>;
 using Size = std::pair<double, double>;
 
-/// The workspace of a private server.
+/// The workspace on a private X server.
 struct WorkspaceOnX11 {
     explicit WorkspaceOnX11(XServer::Kind kind) : x(kind) {}
 
@@ -30,10 +30,12 @@ struct WorkspaceOnX11 {
     X11Workspace workspace{x.connection, x.displays, x.runLoop, [this] { return reducesMotion; },
                            processes.path()};
 
-    /// Returns once everything that has happened on the server has been reported.
+    /// Returns once the workspace has reported everything that has happened on the server.
     void hear() {
         x.connection.synchronize();
-        for (int turn = 0; turn < 3; ++turn) { // the events, the deferred look, its own events
+        // One turn each for the events, the deferred check, and events that arrive during the
+        // check.
+        for (int turn = 0; turn < 3; ++turn) {
             bool passed = false;
             x.runLoop.post([&] { passed = true; });
             ASSERT_TRUE(serveUntil([&] { return passed; }));
@@ -41,7 +43,7 @@ struct WorkspaceOnX11 {
     }
 };
 
-/// Imitates the properties that a window manager sets.
+/// Sets the properties that a window manager sets.
 class Words {
 public:
     Words() : sign_(application_.make()) {
@@ -64,7 +66,7 @@ private:
 
 } // namespace
 
-/// Another program imitates what a window manager reports.
+/// A harness in which other programs set the properties that a window manager would set.
 class X11WorkspaceHarness : WorkspaceOnX11 {
 public:
     const RunningApplication editor{"Editor", "Editor"};
@@ -127,7 +129,7 @@ protected:
     }
 };
 
-/// With a real window manager.
+/// Tests with a real window manager.
 class X11WorkspaceInOpenboxTest : public X11WorkspaceTest {
 protected:
     std::optional<Process> openbox;
@@ -136,7 +138,7 @@ protected:
         : X11WorkspaceTest(kind) {}
 
     void SetUp() override {
-        // It creates this file when it starts to manage windows.
+        // The window manager runs `touch` when it starts to manage windows.
         const auto sign = processes.path() + "/started";
         openbox.emplace(
             std::vector<std::string>{"openbox", "--sm-disable", "--config-file",
@@ -147,7 +149,7 @@ protected:
     }
 };
 
-TEST_F(X11WorkspaceInOpenboxTest, ReportsWhichApplicationHasComeToTheFront) {
+TEST_F(X11WorkspaceInOpenboxTest, ApplicationThatComesToTheFrontIsReported) {
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     XApplication zoom("zoom", "zoom");
     XApplication editor("editor", "Editor");
@@ -167,14 +169,14 @@ TEST_F(X11WorkspaceInOpenboxTest, ReportsWhichApplicationHasComeToTheFront) {
     ASSERT_TRUE(waitForActivation(inZoom));
     zoom.close(meeting);
     ASSERT_TRUE(waitForActivation(inEditor));
-    std::erase(activated, std::nullopt); // between two windows none is active
+    std::erase(activated, std::nullopt); // no window is active between two windows
     EXPECT_EQ(activated, (std::vector{inZoom, inEditor, inZoom, inEditor}));
 
     editor.close(text);
     EXPECT_TRUE(serveUntil([&] { return workspace.frontmostApplication() == std::nullopt; }));
 }
 
-TEST_F(X11WorkspaceInOpenboxTest, ListsTheWindowsThatAreOnScreen) {
+TEST_F(X11WorkspaceInOpenboxTest, WindowsOnScreenAreListed) {
     EXPECT_EQ(sizesOnScreen(), std::vector<Size>{});
     XApplication application("editor", "Editor");
     application.open({0, 0, 400, 300});
@@ -184,7 +186,7 @@ TEST_F(X11WorkspaceInOpenboxTest, ListsTheWindowsThatAreOnScreen) {
     application.setNumbers(wallpaper, "_NET_WM_WINDOW_TYPE",
                            {application.atom("_NET_WM_WINDOW_TYPE_DESKTOP")}, "ATOM");
     application.show(wallpaper);
-    application.make({0, 0, 202, 100}); // not shown at all
+    application.make({0, 0, 202, 100}); // a window that is never shown
     const std::vector<Size> three = {{200, 100}, {201, 100}, {400, 300}};
     ASSERT_TRUE(serveUntil([&] { return sizesOnScreen() == three; }));
 
@@ -192,7 +194,7 @@ TEST_F(X11WorkspaceInOpenboxTest, ListsTheWindowsThatAreOnScreen) {
     application.moveToDesktop(elsewhere, 1);
     const std::vector<Size> one = {{400, 300}};
     ASSERT_TRUE(serveUntil([&] { return sizesOnScreen() == one; }));
-    application.moveToDesktop(elsewhere, 0xFFFFFFFF); // on all desktops
+    application.moveToDesktop(elsewhere, 0xFFFFFFFF); // to all desktops
     const std::vector<Size> two = {{201, 100}, {400, 300}};
     ASSERT_TRUE(serveUntil([&] { return sizesOnScreen() == two; }));
 }
@@ -215,7 +217,8 @@ TEST_F(X11WorkspaceInOpenboxTest, WindowManagerThatDiesLeavesNothingInFrontUntil
     ASSERT_TRUE(waitForActivation(inZoom));
     openbox->signal(SIGKILL);
     openbox->wait();
-    EXPECT_NE(zoom.rootNumber("_NET_ACTIVE_WINDOW"), 0U) << "left by the dead window manager";
+    EXPECT_NE(zoom.rootNumber("_NET_ACTIVE_WINDOW"), 0U)
+        << "the dead window manager should have left the property set";
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     EXPECT_EQ(workspace.copyWindowInfo(), std::nullopt);
     EXPECT_EQ(workspace.mainScreenFrame(), (Rect{0, 0, 1280, 800}));
@@ -230,7 +233,7 @@ protected:
     X11WorkspaceOnTwoScreensTest() : X11WorkspaceTest(XServer::Kind::xorgDummy) {}
 };
 
-TEST_F(X11WorkspaceOnTwoScreensTest, MainScreenIsTheOneWithTheFocus) {
+TEST_F(X11WorkspaceOnTwoScreensTest, MainScreenIsTheScreenOfTheActiveWindow) {
     x.server.plugSecondOutput();
     ASSERT_TRUE(serveUntil([this] { return x.list().size() == 2; }));
     const auto left = x.displays.displayBounds(x.list()[0]);
@@ -239,19 +242,22 @@ TEST_F(X11WorkspaceOnTwoScreensTest, MainScreenIsTheOneWithTheFocus) {
     x.server.xrandr({"--output", "DUMMY0", "--primary"});
     Words words;
     XApplication application("editor", "Editor");
-    EXPECT_EQ(workspace.mainScreenFrame(), left) << "without an active window";
+    EXPECT_EQ(workspace.mainScreenFrame(), left)
+        << "the main display should count if no window is active";
 
     words.setActiveWindow(application.open({right.x + 50, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), right);
     words.setActiveWindow(application.open({right.x - 100, 50, 300, 200}));
-    EXPECT_EQ(workspace.mainScreenFrame(), right) << "most of the window is there";
+    EXPECT_EQ(workspace.mainScreenFrame(), right)
+        << "the display that contains most of the window should count";
     words.setActiveWindow(application.open({right.x - 200, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), left);
 
     x.server.xrandr({"--output", "DUMMY1", "--primary"});
     ASSERT_TRUE(serveUntil([&] { return x.displays.displayIsMain(x.list()[1]); }));
     words.setActiveWindow(application.open({-500, -500, 300, 200}));
-    EXPECT_EQ(workspace.mainScreenFrame(), right) << "the main one, as it is on neither";
+    EXPECT_EQ(workspace.mainScreenFrame(), right)
+        << "the main display should count if the window is on neither display";
     words.setActiveWindow(XCB_NONE);
     EXPECT_EQ(workspace.mainScreenFrame(), right);
 }
@@ -268,7 +274,7 @@ TEST_F(X11WorkspaceTest, WithoutAWindowManagerNothingIsInFrontAndNoWindowsAreLis
     EXPECT_EQ(workspace.mainScreenFrame(), (Rect{0, 0, 1280, 800}));
 }
 
-TEST_F(X11WorkspaceTest, AnotherWindowOfTheSameApplicationIsNoChange) {
+TEST_F(X11WorkspaceTest, AnotherWindowOfTheSameApplicationIsNotReported) {
     Words words;
     XApplication zoom("zoom", "zoom");
     const auto first = zoom.open();
@@ -318,7 +324,7 @@ TEST_F(X11WorkspaceTest, SandboxOfAnApplicationIsFoundThroughItsConnection) {
     Words words;
     XApplication application("electron", "Electron");
     const auto window = application.open();
-    application.setNumbers(window, "_NET_WM_PID", {2}, "CARDINAL"); // the ID inside the sandbox
+    application.setNumbers(window, "_NET_WM_PID", {2}, "CARDINAL"); // the PID inside the sandbox
     words.setActiveWindow(window);
     EXPECT_EQ(workspace.frontmostApplication(),
               (Application{RunningApplication{"com.discord.Discord", "Electron"}}));
@@ -343,7 +349,7 @@ TEST_F(X11WorkspaceTest, MappedWindowsThatAreNotVisibleAreNotListed) {
     EXPECT_EQ(sizesOnScreen(), (std::vector<Size>{{203, 100}, {204, 100}}));
 }
 
-TEST_F(X11WorkspaceTest, WindowsThatAreGoneReportNothing) {
+TEST_F(X11WorkspaceTest, ClosedWindowsAreNotReported) {
     Words words;
     XApplication application("zoom", "zoom");
     const auto window = application.open();
@@ -385,7 +391,8 @@ TEST_F(X11WorkspaceTest, InvalidPropertiesAreIgnored) {
 
     words.setActiveWindow(window);
     application.setText(window, "WM_CLASS", "zoom", "STRING");
-    EXPECT_EQ(workspace.frontmostApplication(), std::nullopt) << "an instance without a class";
+    EXPECT_EQ(workspace.frontmostApplication(), std::nullopt)
+        << "an instance without a class should not count";
     application.setNumbers(window, "WM_CLASS", {1, 2, 3}, "CARDINAL");
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     application.setText(window, "WM_CLASS", std::string("a\0", 2) + std::string(200000, 'b'),
@@ -393,7 +400,7 @@ TEST_F(X11WorkspaceTest, InvalidPropertiesAreIgnored) {
     EXPECT_EQ(workspace.frontmostApplication().value().localizedName, std::string(1022, 'b'));
 }
 
-TEST_F(X11WorkspaceTest, TrayThatObservesTheRootWindowTakesNoEventsAway) {
+TEST_F(X11WorkspaceTest, EventsStillArriveWhileATrayObservesTheRootWindow) {
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
     SystemTray tray(&x.connection);
     Words words;
