@@ -12,7 +12,6 @@ namespace {
 
 using Rooms = std::set<std::string>;
 
-// The other folders ("rooms") that the files of a folder may include.
 const Rooms services = {"settings", "display", "color", "grayscale", "breaks", "system"};
 
 Rooms with(Rooms rooms, const Rooms& more) {
@@ -20,6 +19,7 @@ Rooms with(Rooms rooms, const Rooms& more) {
     return rooms;
 }
 
+/// Maps each folder ("room") to the other folders that its files may include.
 const std::map<std::string, Rooms> allowed = {
     {"base", {}},
     {"platform", {"base"}},
@@ -39,12 +39,12 @@ const std::map<std::string, Rooms> allowed = {
     {"tour", with(services, {"base", "platform", "app", "symbols", "ui", "backends/virtual"})},
 };
 
-/// The main function may include everything: it connects the desktop with the user interface.
+/// The main file may include everything, because it connects the desktop to the user interface.
 bool isMain(const std::filesystem::path& file) {
     return file == "main.cpp";
 }
 
-/// These do not use Qt, so that they can be built and tested without it.
+/// Folders that must not use Qt, so that they can be built and tested without it.
 const Rooms withoutQt = with(services, {"base", "platform", "app", "backends/virtual"});
 
 std::string roomOf(const std::string& path) {
@@ -73,7 +73,7 @@ void forEachInclude(Visit visit) {
     }
 }
 
-TEST(IncludeDirection, EveryArrowRunsTheRightWay) {
+TEST(IncludeDirection, EveryIncludeRunsTheRightWay) {
     int arrows = 0;
     forEachInclude([&](const std::filesystem::path& file, const std::string& from,
                        const std::string& header, bool isOurs) {
@@ -82,12 +82,13 @@ TEST(IncludeDirection, EveryArrowRunsTheRightWay) {
         }
         ++arrows;
         auto const to = roomOf(header);
-        ASSERT_TRUE(allowed.contains(from)) << file << " is in a folder that is not in the table";
-        EXPECT_TRUE(allowed.contains(to)) << file << " includes " << header;
+        ASSERT_TRUE(allowed.contains(from))
+            << file << " should be in a folder that the table lists";
+        EXPECT_TRUE(allowed.contains(to)) << file << " should not include " << header;
         EXPECT_TRUE(from == to || allowed.at(from).contains(to))
-            << file << " may not include " << header;
+            << file << " should not include " << header;
     });
-    EXPECT_GT(arrows, 100) << "the source tree was not found";
+    EXPECT_GT(arrows, 100) << "the source tree should be found";
 }
 
 TEST(IncludeDirection, ServicesPortsAndTheVirtualDesktopAreFreeOfQt) {
@@ -95,7 +96,7 @@ TEST(IncludeDirection, ServicesPortsAndTheVirtualDesktopAreFreeOfQt) {
                        const std::string& header, bool isOurs) {
         if (!isOurs && withoutQt.contains(from)) {
             EXPECT_FALSE(header.starts_with("Q") || header.starts_with("xcb/"))
-                << file << " includes " << header;
+                << file << " should not include " << header;
         }
     });
 }

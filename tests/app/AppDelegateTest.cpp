@@ -34,14 +34,15 @@ TEST_F(AppDelegateTest, NothingIsShownOrWrittenBeforeLaunch) {
     EXPECT_TRUE(calls("createKeyDownTap").empty());
 }
 
-TEST_F(AppDelegateTest, StartUpInOrder) {
+TEST_F(AppDelegateTest, LaunchCallsTheDesktopInOrder) {
     plugBuiltIn();
     plugExternal();
     settings().unifiedBrightness.set(0.03);
     delegate();
     desktop.trace.clear();
     launch();
-    // First dark by the rule for the lower half, then the backlight and the faint glow.
+    // The first tables follow the rule for the lower half alone. Then come the backlight and the
+    // faint glow.
     EXPECT_EQ(
         calls(),
         (Calls{"startUpdater", "statusItem", "setImage eye", "popover setContentSize 300 280",
@@ -62,9 +63,9 @@ TEST_F(AppDelegateTest, StartUpInOrder) {
                "window makeKeyAndOrderFront Welcome to Nocta", "activateIgnoringOtherApps"}));
 }
 
-/// Sees only the services that call the desktop when they are made.
-TEST_F(AppDelegateTest, ServicesAreFirstMadeInTheirOrder) {
-    dropProgram(); // the fixture has used its settings
+/// Only services that call the desktop when they are made leave a trace here.
+TEST_F(AppDelegateTest, ServicesAreMadeInTheirOrder) {
+    dropProgram(); // the fixture has already used its settings
     plugBuiltIn();
     displayService().refreshDisplays(); // so that the brightness controller can probe a display
     desktop.trace.clear();
@@ -74,7 +75,7 @@ TEST_F(AppDelegateTest, ServicesAreFirstMadeInTheirOrder) {
         for (const auto* const first :
              {"registerDefaults", "getBrightness", "open", "dataForKey", "setLocationDelegate",
               "setNotificationCategories", "loginItem"}) {
-            if (call.starts_with(first)) { // however many settings there are
+            if (call.starts_with(first)) { // without the count of registerDefaults
                 made.push_back(call.starts_with("registerDefaults") ? first : call);
             }
         }
@@ -85,7 +86,7 @@ TEST_F(AppDelegateTest, ServicesAreFirstMadeInTheirOrder) {
                      "setLocationDelegate", "setNotificationCategories", "loginItem status"}));
 }
 
-TEST_F(AppDelegateTest, ScreenChangeReachesTheInventoryBeforeTheTables) {
+TEST_F(AppDelegateTest, ScreenChangeReachesTheDisplayListBeforeTheGammaController) {
     plugBuiltIn();
     launch();
     std::vector<std::size_t> known;
@@ -95,7 +96,7 @@ TEST_F(AppDelegateTest, ScreenChangeReachesTheInventoryBeforeTheTables) {
         });
     plugExternal();
     EXPECT_EQ(known, (std::vector<std::size_t>{2, 1}));
-    EXPECT_EQ(gamma().displays().size(), 2U) << "and the tables right after it";
+    EXPECT_EQ(gamma().displays().size(), 2U) << "the gamma controller should follow right away";
 }
 
 TEST_F(AppDelegateTest, MeetingWithoutANotificationIsFoundByTheNextPoll) {
@@ -130,7 +131,7 @@ TEST_F(AppDelegateTest, CompletedOnboardingClosesAndNeverReturns) {
     EXPECT_TRUE(desktop.appWindows.windows().empty());
 }
 
-TEST_F(AppDelegateTest, OnboardingThatIsClosedReturnsAtTheNextStart) {
+TEST_F(AppDelegateTest, ClosedOnboardingReturnsAtTheNextLaunch) {
     launch();
     desktop.appWindows.close("Welcome to Nocta");
     EXPECT_TRUE(desktop.appWindows.windows().empty());
@@ -138,14 +139,14 @@ TEST_F(AppDelegateTest, OnboardingThatIsClosedReturnsAtTheNextStart) {
     EXPECT_TRUE(desktop.appWindows.isOnScreen("Welcome to Nocta"));
 }
 
-TEST_F(AppDelegateTest, StartingAgainShowsTheOnboardingThatIsOpen) {
+TEST_F(AppDelegateTest, StartingAgainShowsTheOpenOnboarding) {
     launch();
     desktop.trace.clear();
     desktop.application.startAgain();
     EXPECT_EQ(calls(), Calls{"window makeKeyAndOrderFront Welcome to Nocta"});
 }
 
-TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAgainAfterTheyWereClosed) {
+TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAgainOnceClosed) {
     launch();
     desktop.statusBar.click();
     desktop.trace.clear();
@@ -158,12 +159,12 @@ TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAgainAfterTheyWereClo
     const auto alive = views.othersAlive;
     desktop.appWindows.close("Preferences");
     EXPECT_FALSE(desktop.appWindows.isOnScreen("Preferences"));
-    EXPECT_EQ(views.othersAlive, alive - 1) << "the view is destroyed with the window";
+    EXPECT_EQ(views.othersAlive, alive - 1) << "the view should be destroyed with the window";
     views.showPreferences();
     EXPECT_TRUE(desktop.appWindows.isOnScreen("Preferences"));
 }
 
-TEST_F(AppDelegateTest, DesktopsOwnKeyForThePreferencesOpensThem) {
+TEST_F(AppDelegateTest, DesktopsOwnShortcutOpensThePreferences) {
     launch();
     desktop.trace.clear();
     desktop.application.pressPreferencesKey();
@@ -171,7 +172,7 @@ TEST_F(AppDelegateTest, DesktopsOwnKeyForThePreferencesOpensThem) {
               (Calls{"activateIgnoringOtherApps", "window makeKeyAndOrderFront Preferences"}));
 }
 
-TEST_F(AppDelegateTest, FirstWriteAtStartIgnoresTheBacklightAndTheExternalRule) {
+TEST_F(AppDelegateTest, FirstWriteAtLaunchIgnoresTheBacklightAndTheExternalRule) {
     plugExternal();
     settings().unifiedBrightness.set(0.75);
     launch();
@@ -195,7 +196,7 @@ TEST_F(AppDelegateTest, ServicesStartOnce) {
     EXPECT_EQ(calls("createKeyDownTap").size(), 1U);
     desktop.trace.clear();
     settings().unifiedBrightness.set(0.9);
-    EXPECT_EQ(calls("setBrightness").size(), 1U) << "subscribed once";
+    EXPECT_EQ(calls("setBrightness").size(), 1U) << "there should be only one subscription";
 }
 
 TEST_F(AppDelegateTest, SettingsReachTheScreenThroughTheirSubscriptions) {
@@ -208,7 +209,7 @@ TEST_F(AppDelegateTest, SettingsReachTheScreenThroughTheirSubscriptions) {
 
 TEST_F(AppDelegateTest, SubscriptionsSkipTheCurrentValue) {
     launch();
-    EXPECT_EQ(calls("setImage").size(), 1U) << "drawn once, at launch";
+    EXPECT_EQ(calls("setImage").size(), 1U) << "the icon should be drawn once, at launch";
 }
 
 TEST_F(AppDelegateTest, IconFollowsItsSettingAndIsRedrawnByEveryWrite) {
@@ -230,7 +231,7 @@ TEST_F(AppDelegateTest, ClickTogglesThePopoverWithANewViewEachTime) {
     EXPECT_EQ(views.popoversMade, 1);
     desktop.statusBar.click();
     EXPECT_FALSE(desktop.popover.isShown());
-    EXPECT_EQ(views.alive, 0) << "dropped at closing";
+    EXPECT_EQ(views.alive, 0) << "the view should be destroyed when the popover closes";
     desktop.statusBar.click();
     EXPECT_EQ(views.popoversMade, 2);
     EXPECT_EQ(views.alive, 1);
@@ -264,7 +265,7 @@ TEST_F(AppDelegateTest, WithoutAStatusItemEverythingElseWorks) {
     EXPECT_EQ(shownDimming(external), 0.5F);
 }
 
-TEST_F(AppDelegateTest, QuitGivesTheScreenBackForgetsItAndSynchronizes) {
+TEST_F(AppDelegateTest, QuitGivesTheScreenBackForgetsTheValuesAndSynchronizes) {
     plugBuiltIn();
     plugExternal();
     launch();
@@ -290,7 +291,7 @@ TEST_F(AppDelegateTest, NothingFiresAfterQuit) {
     EXPECT_EQ(calls(), Calls{});
 }
 
-TEST_F(AppDelegateTest, StoredBrightnessIsAppliedAtTheNextStart) {
+TEST_F(AppDelegateTest, StoredBrightnessIsAppliedAtTheNextLaunch) {
     plugExternal();
     launch();
     settings().unifiedBrightness.set(0.4);
@@ -298,7 +299,7 @@ TEST_F(AppDelegateTest, StoredBrightnessIsAppliedAtTheNextStart) {
     EXPECT_FLOAT_EQ(shownDimming(external), 0.6F);
 }
 
-TEST_F(AppDelegateTest, PluggedInDisplayChangesAtTheNextChange) {
+TEST_F(AppDelegateTest, NewDisplayFollowsFromTheNextChangeOn) {
     plugBuiltIn();
     launch();
     settings().unifiedBrightness.set(0.25);
@@ -317,7 +318,7 @@ TEST_F(AppDelegateTest, StartsWithoutADisplay) {
     EXPECT_FLOAT_EQ(shownDimming(external), 0.7F);
 }
 
-TEST_F(AppDelegateTest, StoredWarmthIsAppliedAtTheStartInManualMode) {
+TEST_F(AppDelegateTest, StoredWarmthIsAppliedAtLaunchInManualMode) {
     plugExternal();
     settings().warmthLevel.set(0.5);
     launch();
@@ -334,7 +335,8 @@ TEST_F(AppDelegateTest, AutomaticWarmthStartsBeforeTheBrightnessIsApplied) {
     launch();
     const auto written = calls("setDisplayTransferByTable");
     ASSERT_EQ(written.size(), 3U);
-    EXPECT_TRUE(written[0].starts_with("setDisplayTransferByTable 2 top 1 ")) << "not dimmed yet";
+    EXPECT_TRUE(written[0].starts_with("setDisplayTransferByTable 2 top 1 "))
+        << "the first tables should not be dimmed yet";
     EXPECT_EQ(gamma().currentTemperature().at(external), 3000);
     EXPECT_FLOAT_EQ(shownDimming(external), 0.6F);
 }
@@ -350,7 +352,7 @@ TEST_F(AppDelegateTest, ScreenWarmsAtSunset) {
     EXPECT_EQ(gamma().currentTemperature().at(external), 2700);
 }
 
-TEST_F(AppDelegateTest, StoredGrayscaleIsSwitchedOnAtTheStartWithoutAFade) {
+TEST_F(AppDelegateTest, StoredGrayscaleIsTurnedOnAtLaunchWithoutAFade) {
     plugExternal();
     settings().grayscaleEnabled.set(true);
     launch();
@@ -360,7 +362,7 @@ TEST_F(AppDelegateTest, StoredGrayscaleIsSwitchedOnAtTheStartWithoutAFade) {
     EXPECT_FALSE(desktop.filter.isOn);
     EXPECT_EQ(gamma().currentSaturation().at(external), 0.0F);
     settings().grayscaleEnabled.set(true);
-    EXPECT_FALSE(desktop.filter.isOn) << "after the fade";
+    EXPECT_FALSE(desktop.filter.isOn) << "the filter should be off after the fade";
     desktop.runLoop.advance(300ms);
     EXPECT_TRUE(desktop.filter.isOn);
 }

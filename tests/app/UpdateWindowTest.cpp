@@ -48,14 +48,14 @@ TEST_F(UpdateWindowTest, EachStageOfAnUpdateHasAWindow) {
     };
     EXPECT_EQ(show(UpdateCheckInProgress{}), 1U);
     EXPECT_EQ(show(UpdateFound{.version = "1.3"}), 1U);
-    EXPECT_EQ(show(UpdateFound{.version = "1.3"}), 1U) << "to the front";
+    EXPECT_EQ(show(UpdateFound{.version = "1.3"}), 1U) << "the window should come to the front";
     EXPECT_EQ(calls("window make").size(), 3U);
     EXPECT_EQ(calls("activate").size(), 3U);
     EXPECT_EQ(show({}), 0U);
-    EXPECT_EQ(views.othersAlive, 1) << "the menu";
+    EXPECT_EQ(views.othersAlive, 1) << "only the view of the menu should be left";
 }
 
-TEST_F(UpdateWindowTest, UpdateThatWasNotAskedForDoesNotTakeTheKeyboard) {
+TEST_F(UpdateWindowTest, UpdateThatTheUserDidNotRequestDoesNotTakeFocus) {
     settings().isFirstLaunch.set(false);
     launch();
     for (const auto& stage : std::vector<UpdateStage>{
@@ -69,7 +69,7 @@ TEST_F(UpdateWindowTest, UpdateThatWasNotAskedForDoesNotTakeTheKeyboard) {
     }
 }
 
-TEST_F(UpdateWindowTest, ClosedUpdateWindowMeansNotNow) {
+TEST_F(UpdateWindowTest, ClosingTheUpdateWindowMeansNotNow) {
     settings().isFirstLaunch.set(false);
     launch();
     desktop.updater.stage.set(UpdateFound{.version = "1.3"});

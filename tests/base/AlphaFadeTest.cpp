@@ -27,7 +27,7 @@ protected:
     }
 };
 
-TEST_F(AlphaFadeTest, SixtyPicturesASecondLeadAlongTheCurveToTheExactEnd) {
+TEST_F(AlphaFadeTest, SixtyFramesPerSecondFollowTheCurveToItsExactEnd) {
     start({.from = 0.2, .to = 0.7}, 500ms, TimingFunction::easeIn);
     runLoop.advance(499ms);
     EXPECT_EQ(shown.size(), 29U);
@@ -40,14 +40,14 @@ TEST_F(AlphaFadeTest, SixtyPicturesASecondLeadAlongTheCurveToTheExactEnd) {
     EXPECT_EQ(shown.back(), 0.7);
 }
 
-TEST_F(AlphaFadeTest, FadeThatIsTooShortForAPictureShowsItsEnd) {
+TEST_F(AlphaFadeTest, FadeTooShortForAFrameShowsItsEndValue) {
     start({.from = 1, .to = 0}, 1ms, TimingFunction::easeInEaseOut);
     runLoop.advance(1ms);
     EXPECT_EQ(shown, (std::vector{0.0}));
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(AlphaFadeTest, StartReplacesTheRunningFadeWithoutItsCompletion) {
+TEST_F(AlphaFadeTest, StartReplacesTheRunningFadeWithoutCompletingIt) {
     start({.from = 0, .to = 1}, 500ms, TimingFunction::easeIn);
     runLoop.advance(100ms);
     shown.clear();

@@ -17,7 +17,7 @@ WallTime utc(int year, int month, int day, std::chrono::minutes time = 0min) {
     return WallTime(std::chrono::sys_days(std::chrono::year(year) / month / day)) + time;
 }
 
-TEST(Calendar, DayIsTheDayOfTheLocalClock) {
+TEST(Calendar, DayFollowsTheLocalClock) {
     const auto instant = utc(2026, 3, 19, 23h + 30min);
     {
         const TimeZone zone(zone::berlin);
@@ -27,7 +27,7 @@ TEST(Calendar, DayIsTheDayOfTheLocalClock) {
     EXPECT_EQ(Calendar::dayOf(instant), (CalendarDay{2026, 3, 19}));
 }
 
-TEST(Calendar, DayOfTheYearCountsFromOneAndKnowsLeapYears) {
+TEST(Calendar, DayOfTheYearStartsAtOneAndHandlesLeapYears) {
     const TimeZone zone(zone::utc);
     EXPECT_EQ(Calendar::dayOfYear(utc(2026, 1, 1)), 1);
     EXPECT_EQ(Calendar::dayOfYear(utc(2026, 12, 31, 23h + 59min)), 365);
@@ -43,7 +43,7 @@ TEST(Calendar, OffsetFollowsDaylightSaving) {
     EXPECT_EQ(Calendar::offsetFromGMT(utc(2026, 3, 29, 60min)), 2h);
 }
 
-TEST(Calendar, OffsetsOfHalvesAndQuartersOfAnHour) {
+TEST(Calendar, OffsetsOfHalfAndQuarterHoursAreExact) {
     struct Row {
         const char* zone;
         std::chrono::minutes january;
@@ -60,13 +60,13 @@ TEST(Calendar, OffsetsOfHalvesAndQuartersOfAnHour) {
     }
 }
 
-TEST(Calendar, InstantOfALocalTime) {
+TEST(Calendar, LocalTimeIsConvertedToAnInstant) {
     const TimeZone zone(zone::berlin);
     EXPECT_EQ(Calendar::instantAt({2026, 1, 15}, 6, 30), utc(2026, 1, 15, 5h + 30min));
     EXPECT_EQ(Calendar::instantAt({2026, 7, 15}, 6, 30), utc(2026, 7, 15, 4h + 30min));
     EXPECT_EQ(Calendar::instantAt({1969, 12, 31}, 23, 59), utc(1969, 12, 31, 22h + 59min));
     EXPECT_EQ(Calendar::instantAt({1970, 1, 1}, 0, 59), utc(1969, 12, 31, 23h + 59min))
-        << "a minute whose value equals the C library's error code";
+        << "this minute should not be taken for the C library's error code";
 }
 
 TEST(Calendar, HourThatDaylightSavingSkipsMovesForwardOnTheSameDay) {
@@ -76,7 +76,7 @@ TEST(Calendar, HourThatDaylightSavingSkipsMovesForwardOnTheSameDay) {
     EXPECT_EQ(Calendar::dayOf(*instant), (CalendarDay{2026, 3, 29}));
 }
 
-TEST(Calendar, RepeatedHourIsTheFirstWhateverWasAskedBefore) {
+TEST(Calendar, RepeatedHourMeansTheFirstOneRegardlessOfEarlierCalls) {
     const TimeZone zone(zone::berlin);
     for (const int monthBefore : {1, 7, 1}) {
         EXPECT_TRUE(Calendar::instantAt({2026, monthBefore, 15}, 2, 30).has_value());
@@ -85,7 +85,7 @@ TEST(Calendar, RepeatedHourIsTheFirstWhateverWasAskedBefore) {
     }
 }
 
-/// A local time near a change of the clock, and the instant that it means.
+/// A local time near a clock change, with the instant that it should map to.
 struct LocalTime {
     CalendarDay day;
     int hour;
@@ -95,7 +95,8 @@ struct LocalTime {
 
 void expectInstants(const char* name, const std::vector<LocalTime>& rows) {
     const TimeZone zone(name);
-    ASSERT_NE(Calendar::offsetFromGMT(rows.front().instant), 0h) << name << ": tzdata is missing";
+    ASSERT_NE(Calendar::offsetFromGMT(rows.front().instant), 0h)
+        << name << ": tzdata should be installed";
     for (const auto& row : rows) {
         for (const auto& earlier : rows) { // an earlier call must not change the result
             EXPECT_TRUE(Calendar::instantAt(earlier.day, earlier.hour, earlier.minute));
@@ -107,8 +108,8 @@ void expectInstants(const char* name, const std::vector<LocalTime>& rows) {
     }
 }
 
-TEST(Calendar, RepeatedHourIsTheFirstWhereWinterIsTheException) {
-    // Irish law has standard time in summer, and the database marks winter as daylight saving.
+TEST(Calendar, RepeatedHourMeansTheFirstOneWhereWinterIsDaylightSaving) {
+    // In Irish law summer is standard time, so the database marks winter as daylight saving.
     expectInstants("Europe/Dublin", {{{2026, 7, 15}, 12, 0, utc(2026, 7, 15, 11h)},
                                      {{2026, 10, 25}, 0, 59, utc(2026, 10, 24, 23h + 59min)},
                                      {{2026, 10, 25}, 1, 0, utc(2026, 10, 25)},
@@ -119,7 +120,7 @@ TEST(Calendar, RepeatedHourIsTheFirstWhereWinterIsTheException) {
                                      {{2026, 3, 29}, 2, 0, utc(2026, 3, 29, 1h)}});
 }
 
-TEST(Calendar, ClockThatGoesBackForRamadanAndForwardAfterIt) {
+TEST(Calendar, ClocksThatGoBackForRamadanAndForwardAfterward) {
     expectInstants("Africa/Casablanca", {{{2025, 6, 15}, 12, 0, utc(2025, 6, 15, 11h)},
                                          {{2025, 2, 23}, 1, 59, utc(2025, 2, 23, 59min)},
                                          {{2025, 2, 23}, 2, 30, utc(2025, 2, 23, 1h + 30min)},
@@ -129,8 +130,8 @@ TEST(Calendar, ClockThatGoesBackForRamadanAndForwardAfterIt) {
                                          {{2025, 4, 6}, 3, 0, utc(2025, 4, 6, 2h)}});
 }
 
-TEST(Calendar, ZoneThatMovesToAnotherOffset) {
-    // Casey went back by three hours and forward again, without daylight saving.
+TEST(Calendar, ZoneThatChangesItsStandardOffset) {
+    // Casey set its clocks back by three hours and later forward again, without daylight saving.
     expectInstants("Antarctica/Casey", {{{2018, 3, 11}, 0, 59, utc(2018, 3, 10, 13h + 59min)},
                                         {{2018, 3, 11}, 1, 0, utc(2018, 3, 10, 14h)},
                                         {{2018, 3, 11}, 2, 30, utc(2018, 3, 10, 15h + 30min)},
@@ -140,7 +141,7 @@ TEST(Calendar, ZoneThatMovesToAnotherOffset) {
                                         {{2018, 10, 7}, 7, 0, utc(2018, 10, 6, 20h)}});
 }
 
-TEST(Calendar, DayThatIsSkippedMovesToTheNextAtTheSameTime) {
+TEST(Calendar, SkippedDayMovesToTheNextDayAtTheSameTime) {
     expectInstants("Pacific/Apia", {{{2011, 12, 29}, 23, 59, utc(2011, 12, 30, 9h + 59min)},
                                     {{2011, 12, 30}, 0, 0, utc(2011, 12, 30, 10h)},
                                     {{2011, 12, 30}, 6, 30, utc(2011, 12, 30, 16h + 30min)},
@@ -151,7 +152,7 @@ TEST(Calendar, DayThatIsSkippedMovesToTheNextAtTheSameTime) {
                                          {{1993, 8, 22}, 0, 0, utc(1993, 8, 21, 12h)}});
 }
 
-TEST(Calendar, RepeatedDayIsTheFirst) {
+TEST(Calendar, RepeatedDayMeansTheFirstOne) {
     expectInstants("Pacific/Kwajalein", {{{1969, 9, 29}, 12, 0, utc(1969, 9, 29, 1h)},
                                          {{1969, 9, 30}, 0, 30, utc(1969, 9, 29, 13h + 30min)},
                                          {{1969, 9, 30}, 12, 0, utc(1969, 9, 30, 1h)},
@@ -159,13 +160,13 @@ TEST(Calendar, RepeatedDayIsTheFirst) {
                                          {{1969, 10, 1}, 0, 0, utc(1969, 10, 1, 12h)}});
 }
 
-TEST(Calendar, TimeThatDoesNotExistIsNone) {
+TEST(Calendar, TimeThatCannotBeRepresentedHasNoInstant) {
     const TimeZone zone(zone::utc);
     constexpr auto most = std::numeric_limits<int>::max();
     EXPECT_EQ(Calendar::instantAt({most, most, 1}, 12, 0), std::nullopt);
 }
 
-TEST(Calendar, ChangeOfTheZoneTakesEffectAtOnce) {
+TEST(Calendar, TimeZoneChangeTakesEffectImmediately) {
     const auto instant = utc(2026, 7, 15, 12h);
     const TimeZone first(zone::berlin);
     EXPECT_EQ(Calendar::offsetFromGMT(instant), 2h);

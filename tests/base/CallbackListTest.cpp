@@ -18,7 +18,7 @@ protected:
     }
 };
 
-TEST_F(CallbackListTest, CallbacksAreCalledInOrderOfSubscriptionWithTheArgument) {
+TEST_F(CallbackListTest, CallbacksGetTheArgumentInOrderOfSubscription) {
     const auto first = add('a');
     const auto second = add('b');
     list->call('1');
@@ -26,7 +26,7 @@ TEST_F(CallbackListTest, CallbacksAreCalledInOrderOfSubscriptionWithTheArgument)
     EXPECT_EQ(called, "a1b1a2b2");
 }
 
-TEST_F(CallbackListTest, EndedSubscriptionIsNotCalled) {
+TEST_F(CallbackListTest, CanceledSubscriptionIsNotCalled) {
     auto first = add('a');
     const auto second = add('b');
     first.cancel();
@@ -34,7 +34,7 @@ TEST_F(CallbackListTest, EndedSubscriptionIsNotCalled) {
     EXPECT_EQ(called, "b1");
 }
 
-TEST_F(CallbackListTest, SubscriptionThatEndsDuringADeliveryIsNotCalledInIt) {
+TEST_F(CallbackListTest, SubscriptionCanceledDuringADeliveryIsNotCalled) {
     Subscription later;
     const auto first = list->add([&](char /*argument*/) { later.cancel(); });
     later = add('b');
@@ -43,7 +43,7 @@ TEST_F(CallbackListTest, SubscriptionThatEndsDuringADeliveryIsNotCalledInIt) {
     EXPECT_EQ(called, "c1");
 }
 
-TEST_F(CallbackListTest, CallbackMayEndItsOwnSubscription) {
+TEST_F(CallbackListTest, CallbackMayCancelItsOwnSubscription) {
     Subscription own;
     own = list->add([&](char argument) {
         called += argument;
@@ -55,7 +55,7 @@ TEST_F(CallbackListTest, CallbackMayEndItsOwnSubscription) {
     EXPECT_EQ(called, "1b1b2");
 }
 
-TEST_F(CallbackListTest, CallbackThatIsAddedDuringADeliveryWaitsForTheNext) {
+TEST_F(CallbackListTest, CallbackAddedDuringADeliveryWaitsForTheNextOne) {
     Subscription added;
     bool isAdded = false;
     const auto first = list->add([&](char /*argument*/) {
@@ -70,7 +70,7 @@ TEST_F(CallbackListTest, CallbackThatIsAddedDuringADeliveryWaitsForTheNext) {
     EXPECT_EQ(called, "b2");
 }
 
-TEST_F(CallbackListTest, DeliveryStopsWhereItMayNotGoOn) {
+TEST_F(CallbackListTest, DeliveryStopsWhenTheConditionFails) {
     const auto first = add('a');
     const auto second = add('b');
     int asked = 0;

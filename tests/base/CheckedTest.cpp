@@ -13,7 +13,7 @@ namespace {
 constexpr auto most = std::numeric_limits<std::int64_t>::max();
 constexpr auto least = std::numeric_limits<std::int64_t>::min();
 
-TEST(Checked, NumbersThatFitAreComputed) {
+TEST(Checked, ResultsThatFitAreReturned) {
     EXPECT_EQ(truncated(-2.9), -2);
     EXPECT_EQ(truncated(-9223372036854775808.0), least);
     EXPECT_EQ(truncated(9223372036854774784.0), 9223372036854774784);
@@ -22,7 +22,7 @@ TEST(Checked, NumbersThatFitAreComputed) {
     EXPECT_EQ(checkedProduct(most, -1), -most);
 }
 
-TEST(Checked, NumbersThatDoNotFitStopTheProgramInOneLine) {
+TEST(Checked, OverflowStopsTheProgramWithOneLine) {
     EXPECT_DEATH(truncated(9223372036854775808.0),
                  "^nocta: stopped: a number is too large for an integer\n$");
     EXPECT_DEATH(truncated(-9223372036854777856.0), "a number is too large");
@@ -32,7 +32,7 @@ TEST(Checked, NumbersThatDoNotFitStopTheProgramInOneLine) {
     EXPECT_DEATH(checkedProduct(most, 2), "a product is too large for an integer\n$");
 }
 
-TEST(FaultContext, NamesTheStoredValuesInEveryFault) {
+TEST(FaultContext, EveryFaultNamesTheStoredValues) {
     const FaultContext context({{"minutes", most}, {"warmth", 1.25e300}});
     const auto* const line =
         "^nocta: stopped: minutes is 9223372036854775807, warmth is 1.25e\\+300: "
@@ -43,7 +43,7 @@ TEST(FaultContext, NamesTheStoredValuesInEveryFault) {
     EXPECT_DEATH(checkedProduct(most, 2), line);
 }
 
-TEST(FaultContext, InnermostCountsWhileItLives) {
+TEST(FaultContext, InnermostContextAppliesWhileItExists) {
     const FaultContext outer({{"minutes", most}});
     {
         const FaultContext inner({{"warmth", 1e300}});

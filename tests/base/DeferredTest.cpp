@@ -23,7 +23,7 @@ TEST(Deferred, RunsOnceAtTheEndOfTheTurnHoweverOftenItIsRequested) {
     EXPECT_EQ(runs, 2);
 }
 
-TEST(Deferred, RequestedInsideItsOwnActionRunsAgain) {
+TEST(Deferred, RequestFromItsOwnActionRunsItAgain) {
     VirtualRunLoop runLoop;
     int runs = 0;
     std::optional<Deferred> deferred;

@@ -7,7 +7,7 @@
 namespace nocta {
 namespace {
 
-TEST(Lazy, ObjectIsMadeOnceWhenItIsFirstAskedFor) {
+TEST(Lazy, ObjectIsMadeOnceOnFirstUse) {
     int made = 0;
     Lazy<std::string> text([&](std::optional<std::string>& place) {
         place.emplace("made");

@@ -7,7 +7,7 @@
 namespace nocta {
 namespace {
 
-TEST(NotificationCenter, CallsTheObserversOfTheNameInOrder) {
+TEST(NotificationCenter, CallsTheObserversOfANameInOrder) {
     NotificationCenter center;
     std::string order;
     const auto first = center.observe("a", [&] { order += '1'; });

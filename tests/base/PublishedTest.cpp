@@ -21,7 +21,7 @@ TEST(Published, NewSubscriptionDoesNotDeliverTheCurrentValue) {
     EXPECT_EQ(seen, Values{4});
 }
 
-TEST(Published, EveryWriteNotifiesEvenOneOfAnEqualValue) {
+TEST(Published, EveryWriteNotifiesEvenIfTheValueIsEqual) {
     Published<int> value(3);
     Values seen;
     const auto subscription = value.subscribe([&](int v) { seen.push_back(v); });
@@ -57,7 +57,7 @@ TEST(Published, DestroyedSubscriptionIsNotCalled) {
     EXPECT_TRUE(seen.empty());
 }
 
-TEST(Published, SubscriptionDestroyedDuringADeliveryIsNotCalledAgainInIt) {
+TEST(Published, SubscriptionDestroyedDuringADeliveryIsNotCalled) {
     Published<int> value;
     Values seen;
     Subscription later;
@@ -81,7 +81,7 @@ TEST(Published, SubscriptionMayEndInsideItsOwnCallback) {
     EXPECT_EQ(token.use_count(), 1);
 }
 
-TEST(Published, SubscriptionAddedDuringADeliveryWaitsForTheNext) {
+TEST(Published, SubscriptionAddedDuringADeliveryWaitsForTheNextOne) {
     Published<int> value;
     Values seen;
     Subscription added;
@@ -126,7 +126,7 @@ TEST(Published, CallbackKeepsItsValueWhileANestedWriteReplacesIt) {
     EXPECT_EQ(afterNested, "outer, long enough to be allocated");
 }
 
-TEST(Published, PublisherMayDieWhileDelivering) {
+TEST(Published, PublisherMayBeDestroyedDuringADelivery) {
     auto value = std::make_unique<Published<int>>();
     Values seen;
     const auto killer = value->subscribe([&](int v) {

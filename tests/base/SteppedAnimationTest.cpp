@@ -29,7 +29,7 @@ protected:
 
 TEST_F(SteppedAnimationTest, EachIntervalShowsOneStepAndTheLastIsFollowedByTheCompletion) {
     start(3);
-    EXPECT_TRUE(shown.empty()) << "the first step comes after the first interval";
+    EXPECT_TRUE(shown.empty()) << "the first step should come after the first interval";
     runLoop.advance(20ms);
     EXPECT_EQ(shown, (std::vector{1}));
     runLoop.advance(20ms);
@@ -42,7 +42,7 @@ TEST_F(SteppedAnimationTest, EachIntervalShowsOneStepAndTheLastIsFollowedByTheCo
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(SteppedAnimationTest, StartReplacesTheRunningMovementWithoutItsCompletion) {
+TEST_F(SteppedAnimationTest, StartReplacesTheRunningAnimationWithoutCompletingIt) {
     start(2);
     runLoop.advance(20ms);
     start(2);
@@ -51,7 +51,7 @@ TEST_F(SteppedAnimationTest, StartReplacesTheRunningMovementWithoutItsCompletion
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(SteppedAnimationTest, InvalidatedMovementStopsWhereItIs) {
+TEST_F(SteppedAnimationTest, InvalidatedAnimationStopsWhereItIs) {
     start(3);
     runLoop.advance(20ms);
     animation->invalidate();
@@ -60,7 +60,7 @@ TEST_F(SteppedAnimationTest, InvalidatedMovementStopsWhereItIs) {
     EXPECT_EQ(completions, 0);
 }
 
-TEST_F(SteppedAnimationTest, DestroyedMovementShowsNothingMore) {
+TEST_F(SteppedAnimationTest, DestroyedAnimationShowsNothingMore) {
     start(3);
     runLoop.advance(20ms);
     animation.reset();
@@ -68,7 +68,7 @@ TEST_F(SteppedAnimationTest, DestroyedMovementShowsNothingMore) {
     EXPECT_EQ(shown, (std::vector{1}));
 }
 
-TEST_F(SteppedAnimationTest, CompletionMayStartTheNextMovementOrDestroyThisOne) {
+TEST_F(SteppedAnimationTest, CompletionMayStartTheNextAnimationOrDestroyThisOne) {
     animation->start(
         runLoop, 1, 20ms, [](int /*step*/) {}, [this] { start(1); });
     runLoop.advance(40ms);
@@ -79,7 +79,7 @@ TEST_F(SteppedAnimationTest, CompletionMayStartTheNextMovementOrDestroyThisOne) 
     EXPECT_FALSE(animation);
 }
 
-TEST_F(SteppedAnimationTest, CompletionMayBeMissing) {
+TEST_F(SteppedAnimationTest, CompletionIsOptional) {
     animation->start(runLoop, 1, 20ms, [this](int step) { shown.push_back(step); }, {});
     runLoop.advance(20ms);
     EXPECT_EQ(shown, (std::vector{1}));

@@ -47,7 +47,7 @@ struct Movement {
 TEST(TimedAnimation, ShowsEachStepWhenItIsDue) {
     VirtualRunLoop runLoop;
     Movement movement;
-    movement.start(runLoop, 3, 100ms); // a third of it is not a whole number
+    movement.start(runLoop, 3, 100ms); // not divisible by the number of steps
     runLoop.advance(33ms);
     EXPECT_EQ(movement.steps, (std::vector<int>{}));
     runLoop.advance(1ms);
@@ -68,7 +68,8 @@ TEST(TimedAnimation, LastStepIsOnTimeIfTimersAreRoundedUp) {
         movement.start(runLoop, steps, duration);
         runLoop.exact.advance(1h);
         EXPECT_EQ(movement.taken, duration);
-        EXPECT_EQ(movement.steps.size(), static_cast<std::size_t>(steps)) << "none was skipped";
+        EXPECT_EQ(movement.steps.size(), static_cast<std::size_t>(steps))
+            << "no step should be skipped";
     }
 }
 
@@ -82,7 +83,7 @@ TEST(TimedAnimation, LateLoopSkipsStepsAndTheLastOneIsOnTime) {
     EXPECT_EQ(movement.taken, 100ms);
 }
 
-TEST(TimedAnimation, LoopThatIsLaterThanTheEndShowsOnlyTheLastStep) {
+TEST(TimedAnimation, LoopThatIsLaterThanTheEndRunsOnlyTheLastStep) {
     RoundingRunLoop runLoop;
     Movement movement;
     runLoop.lateness = 2s;
@@ -92,7 +93,7 @@ TEST(TimedAnimation, LoopThatIsLaterThanTheEndShowsOnlyTheLastStep) {
     EXPECT_NE(movement.taken, std::nullopt);
 }
 
-TEST(TimedAnimation, NewAnimationReplacesARunningOneAndItsCompletion) {
+TEST(TimedAnimation, NewAnimationReplacesTheRunningOneWithoutCompletingIt) {
     VirtualRunLoop runLoop;
     TimedAnimation animation;
     std::vector<int> steps;
@@ -118,7 +119,7 @@ TEST(TimedAnimation, MayBeRestartedByItsOwnStepAndDestroyedByItsOwnCompletion) {
                 runLoop, 2, 100ms, [&](int later) { steps.push_back(10 * later); },
                 [&] { animation.reset(); });
         },
-        [] { ADD_FAILURE() << "it was replaced"; });
+        [] { ADD_FAILURE() << "a replaced animation should not complete"; });
     runLoop.advance(1h);
     EXPECT_EQ(steps, (std::vector<int>{1, 10, 20}));
     EXPECT_FALSE(animation.has_value());

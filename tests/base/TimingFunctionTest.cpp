@@ -26,7 +26,7 @@ TEST(TimingFunction, EaseInEaseOutIsSymmetricAndEaseInIsNot) {
 }
 
 TEST(TimingFunction, PassesThroughThePointsOfTheCurve) {
-    // Points of the curve, computed from its parameter.
+    // Points of the curve, computed from the curve's parameter.
     for (double s = 0; s <= 1; s += 0.05) {
         const auto y = 3 * (1 - s) * s * s + s * s * s;
         const auto x = [&](double second) {
@@ -37,7 +37,7 @@ TEST(TimingFunction, PassesThroughThePointsOfTheCurve) {
     }
 }
 
-TEST(TimingFunction, NeverGoesBack) {
+TEST(TimingFunction, NeverDecreases) {
     for (const auto function : {in, inOut}) {
         double last = 0;
         for (int i = 1; i <= 1000; ++i) {

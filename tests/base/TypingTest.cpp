@@ -11,11 +11,11 @@ using namespace std::chrono_literals;
 
 constexpr MonotonicTime moment{1h};
 
-TEST(Typing, NothingIsFromBeforeUntilAKeyIsPressed) {
+TEST(Typing, WithoutAKeyNoTypingIsFromBefore) {
     EXPECT_FALSE(Typing().isFromBefore(moment));
 }
 
-TEST(Typing, KeyAfterTheMomentContinuesTypingFromBeforeItWithoutAPause) {
+TEST(Typing, KeysWithoutAPauseContinueTypingFromBeforeTheMoment) {
     Typing typing;
     typing.press(moment - 1ms);
     for (int key = 1; key < 100; ++key) {
@@ -24,13 +24,14 @@ TEST(Typing, KeyAfterTheMomentContinuesTypingFromBeforeItWithoutAPause) {
     }
 }
 
-TEST(Typing, PauseOfHalfASecondEndsIt) {
+TEST(Typing, PauseOfHalfASecondEndsTyping) {
     Typing typing;
     typing.press(moment - 1ms);
     typing.press(moment - 1ms + 500ms);
     EXPECT_FALSE(typing.isFromBefore(moment));
     typing.press(moment + 500ms);
-    EXPECT_FALSE(typing.isFromBefore(moment)) << "typing that began after the moment";
+    EXPECT_FALSE(typing.isFromBefore(moment))
+        << "typing that began after the moment should not be from before it";
 }
 
 TEST(Typing, FirstKeyAtTheMomentIsNotFromBefore) {

@@ -5,14 +5,14 @@
 namespace nocta {
 namespace {
 
-TEST(Uuid, IsWrittenInUpperCaseAndReadInEither) {
+TEST(Uuid, IsWrittenInUpperCaseAndReadInEitherCase) {
     const auto uuid = Uuid::parse("0f8fad5b-d9cb-469f-a165-70867728950e");
     ASSERT_TRUE(uuid.has_value());
     EXPECT_EQ(uuid->toString(), "0F8FAD5B-D9CB-469F-A165-70867728950E");
     EXPECT_EQ(Uuid::parse(uuid->toString()), uuid);
 }
 
-TEST(Uuid, AnythingElseIsNone) {
+TEST(Uuid, AnythingElseIsRejected) {
     for (const auto* const text :
          {"", "moon", "0f8fad5bd9cb469fa16570867728950e", "{0f8fad5b-d9cb-469f-a165-70867728950e}",
           "0f8fad5b-d9cb-469f-a165-70867728950", "0f8fad5b-d9cb-469f-a165-70867728950e ",

@@ -40,7 +40,7 @@ protected:
     BreakStatistics totals() { return breakTimer().statistics.get(); }
 };
 
-TEST_F(BreakOverlayControllerTest, EveryScreenIsCoveredByItsOwnWindow) {
+TEST_F(BreakOverlayControllerTest, EveryScreenGetsItsOwnWindow) {
     EXPECT_TRUE(isGone());
     waitForBreak();
     const auto shown = windows();
@@ -60,10 +60,10 @@ TEST_F(BreakOverlayControllerTest, EveryScreenIsCoveredByItsOwnWindow) {
     EXPECT_EQ(desktop.overlayWindows.keyScreen, external);
 }
 
-TEST_F(BreakOverlayControllerTest, FadesInAndOutOnTimeAndThenIsGone) {
+TEST_F(BreakOverlayControllerTest, FadesInAndOutOnTime) {
     waitForBreak();
     desktop.runLoop.advance(200ms);
-    EXPECT_NEAR(windows()[0].alpha, 0.5, 1e-6) << "half of an eased fade";
+    EXPECT_NEAR(windows()[0].alpha, 0.5, 1e-6) << "the fade should be half done";
     desktop.runLoop.advance(200ms);
     EXPECT_EQ(windows()[0].alpha, 1);
     EXPECT_EQ(windows()[1].alpha, 1);
@@ -71,7 +71,7 @@ TEST_F(BreakOverlayControllerTest, FadesInAndOutOnTimeAndThenIsGone) {
     EXPECT_EQ(totals().completedBreaks, 1);
     desktop.runLoop.advance(150ms);
     EXPECT_LT(windows()[0].alpha, 0.75);
-    EXPECT_GT(windows()[0].alpha, 0.5) << "it starts slowly";
+    EXPECT_GT(windows()[0].alpha, 0.5) << "the fade should start slowly";
     desktop.runLoop.advance(140ms);
     EXPECT_EQ(windows().size(), 2U);
     desktop.runLoop.advance(10ms);
@@ -79,8 +79,8 @@ TEST_F(BreakOverlayControllerTest, FadesInAndOutOnTimeAndThenIsGone) {
     EXPECT_EQ(calls("overlay 1 orderOut").size(), 1U);
 }
 
-TEST_F(BreakOverlayControllerTest, OnlySpaceIsSwallowedAndSkips) {
-    EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "there is no monitor yet";
+TEST_F(BreakOverlayControllerTest, OnlySpaceIsConsumedAndSkips) {
+    EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "there should be no key monitor yet";
     waitForBreak();
     for (const auto key : {escape, enter, std::int64_t{0}, std::int64_t{48}}) {
         EXPECT_TRUE(desktop.overlayWindows.press(key)) << key;
@@ -88,21 +88,22 @@ TEST_F(BreakOverlayControllerTest, OnlySpaceIsSwallowedAndSkips) {
     EXPECT_EQ(totals(), BreakStatistics{});
     EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode));
     EXPECT_EQ(totals().skippedBreaks, 1);
-    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode)) << "the monitor stays while fading";
+    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode))
+        << "the key monitor should stay during the fade-out";
     EXPECT_EQ(totals().totalBreaks, 1);
     desktop.runLoop.advance(300ms);
     EXPECT_TRUE(isGone());
     EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode));
 }
 
-TEST_F(BreakOverlayControllerTest, SpaceInTypingFromBeforeSkipsNothingUntilAPause) {
+TEST_F(BreakOverlayControllerTest, SpaceDoesNotSkipUntilThereIsAPauseInTyping) {
     constexpr std::int64_t letter = 0;
     while (windows().empty()) { // the user is typing
-        EXPECT_TRUE(desktop.overlayWindows.press(letter)) << "into another window";
+        EXPECT_TRUE(desktop.overlayWindows.press(letter)) << "keys should reach the other window";
         desktop.runLoop.advance(90ms);
     }
     for (const auto key : {letter, spaceKeyCode, enter, letter, spaceKeyCode}) {
-        EXPECT_FALSE(desktop.overlayWindows.press(key)) << "no window gets it";
+        EXPECT_FALSE(desktop.overlayWindows.press(key)) << "no window should get the key";
         desktop.runLoop.advance(90ms);
     }
     EXPECT_EQ(totals(), BreakStatistics{});
@@ -111,13 +112,14 @@ TEST_F(BreakOverlayControllerTest, SpaceInTypingFromBeforeSkipsNothingUntilAPaus
     EXPECT_EQ(totals().skippedBreaks, 1);
 }
 
-TEST_F(BreakOverlayControllerTest, SpaceSkipsAtOnceIfNobodyWasTyping) {
+TEST_F(BreakOverlayControllerTest, SpaceSkipsRightAwayIfTheUserWasNotTyping) {
     while (windows().empty()) {
         desktop.overlayWindows.press(escape);
         desktop.runLoop.advance(500ms);
     }
     desktop.runLoop.advance(10ms);
-    EXPECT_TRUE(desktop.overlayWindows.press(escape)) << "keys after the cover appeared";
+    EXPECT_TRUE(desktop.overlayWindows.press(escape))
+        << "keys pressed after the cover appeared should pass";
     desktop.runLoop.advance(10ms);
     EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode));
     EXPECT_EQ(totals().skippedBreaks, 1);
@@ -135,7 +137,7 @@ TEST_F(BreakOverlayControllerTest, ButtonsSkipAndSnooze) {
     EXPECT_TRUE(isGone());
 }
 
-TEST_F(BreakOverlayControllerTest, SecondStartAddsNothingAndAnEndWhileHiddenDoesNothing) {
+TEST_F(BreakOverlayControllerTest, SecondStartAndAnEndWhileHiddenDoNothing) {
     desktop.notificationCenter.post(breakDidEndNotification);
     EXPECT_TRUE(calls("overlay").empty());
     waitForBreak();
@@ -149,7 +151,7 @@ TEST_F(BreakOverlayControllerTest, StartWhileFadingIsIgnoredAndTheFadeContinues)
     breakTimer().skip();
     desktop.runLoop.advance(100ms);
     desktop.notificationCenter.post(breakDidStartNotification);
-    desktop.notificationCenter.post(breakDidEndNotification); // fades again from the current alpha
+    desktop.notificationCenter.post(breakDidEndNotification); // restarts from the current alpha
     desktop.runLoop.advance(299ms);
     EXPECT_EQ(windows().size(), 2U);
     desktop.runLoop.advance(1ms);
@@ -158,7 +160,7 @@ TEST_F(BreakOverlayControllerTest, StartWhileFadingIsIgnoredAndTheFadeContinues)
     EXPECT_EQ(windows().size(), 2U);
 }
 
-TEST_F(BreakOverlayControllerTest, ScreensThatComeAndGoChangeNothingUntilTheNextShow) {
+TEST_F(BreakOverlayControllerTest, ChangesOfTheScreensTakeEffectAtTheNextBreak) {
     waitForBreak();
     desktop.displays.plug({.id = secondExternal, .bounds = {1920, 0, 1280, 720}});
     desktop.displays.unplug(external);
@@ -172,21 +174,22 @@ TEST_F(BreakOverlayControllerTest, ScreensThatComeAndGoChangeNothingUntilTheNext
     EXPECT_EQ(shown[1].screen.id, secondExternal);
 }
 
-TEST_F(BreakOverlayControllerTest, WithoutScreensItStillShowsAndHides) {
+TEST_F(BreakOverlayControllerTest, WorksWithoutScreens) {
     desktop.displays.unplug(builtIn);
     desktop.displays.unplug(external);
     waitForBreak();
     EXPECT_TRUE(windows().empty());
-    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode)) << "the monitor is installed";
+    EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode))
+        << "the key monitor should be installed";
     EXPECT_EQ(totals().skippedBreaks, 1);
     desktop.runLoop.advance(0s);
-    EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "the monitor is removed";
+    EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "the key monitor should be gone";
     plugBuiltIn();
     waitForBreak();
     EXPECT_EQ(windows().size(), 1U);
 }
 
-TEST_F(BreakOverlayControllerTest, StopDuringABreakLeavesTheWindowsUntilALaterBreakHasEnded) {
+TEST_F(BreakOverlayControllerTest, StopDuringABreakLeavesTheWindowsUntilALaterBreakEnds) {
     waitForBreak();
     settings().breakTimerEnabled.set(false);
     desktop.runLoop.advance(1h);
@@ -194,7 +197,7 @@ TEST_F(BreakOverlayControllerTest, StopDuringABreakLeavesTheWindowsUntilALaterBr
 
     settings().breakTimerEnabled.set(true);
     waitForBreak();
-    EXPECT_EQ(windows().size(), 2U) << "the later break adds none";
+    EXPECT_EQ(windows().size(), 2U) << "the later break should add no window";
     desktop.runLoop.advance(20s);
     EXPECT_EQ(totals().completedBreaks, 1);
     desktop.runLoop.advance(300ms);
@@ -220,7 +223,7 @@ TEST_F(BreakOverlayControllerTest, CoverOfAStoppedBreakClosesWithSpaceAndBothBut
                 desktop.notificationCenter.observe(breakDidEndNotification, [&] { ++posted; });
             ways[way]();
             desktop.runLoop.advance(200ms);
-            ways[way](); // a window that is already fading does not change
+            ways[way](); // a window that is already fading out must not change
             desktop.runLoop.advance(99ms);
             EXPECT_FALSE(isGone());
             desktop.runLoop.advance(1ms);
@@ -232,7 +235,7 @@ TEST_F(BreakOverlayControllerTest, CoverOfAStoppedBreakClosesWithSpaceAndBothBut
     }
 }
 
-TEST_F(BreakOverlayControllerTest, StartingAgainBringsTheCoverForwardAndNoPopover) {
+TEST_F(BreakOverlayControllerTest, StartingAgainRaisesTheCoverAndShowsNoPopover) {
     waitForBreak();
     desktop.runLoop.advance(1s);
     desktop.trace.clear();
@@ -244,7 +247,8 @@ TEST_F(BreakOverlayControllerTest, StartingAgainBringsTheCoverForwardAndNoPopove
     desktop.runLoop.advance(300ms);
     desktop.trace.clear();
     desktop.application.startAgain();
-    EXPECT_EQ(calls(), (Calls{"window makeKeyAndOrderFront Welcome to Nocta"})) << "as usual";
+    EXPECT_EQ(calls(), (Calls{"window makeKeyAndOrderFront Welcome to Nocta"}))
+        << "after the break the onboarding should come to the front again";
 }
 
 TEST_F(BreakOverlayControllerTest, EndOfTheProgramDuringABreakRemovesTheWindows) {
@@ -256,15 +260,16 @@ TEST_F(BreakOverlayControllerTest, EndOfTheProgramDuringABreakRemovesTheWindows)
 
 using BreakOverlayShowingTest = TestDesktop;
 
-TEST_F(BreakOverlayShowingTest, LastsFromTheStartUntilTheFadeOutHasFinished) {
+TEST_F(BreakOverlayShowingTest, IsShowingFromTheStartUntilTheEndOfTheFadeOut) {
     plugBuiltIn();
     BreakOverlayController controller(breakTimer(), desktop.overlayWindows, desktop.application,
                                       views, desktop.notificationCenter, desktop.runLoop);
     std::vector<bool> told;
     const auto subscription = controller.isShowing.subscribe([&](bool isShowing) {
         told.push_back(isShowing);
-        EXPECT_TRUE(desktop.overlayWindows.windows().empty()) << "neither before nor after";
-        EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "there is no monitor";
+        EXPECT_TRUE(desktop.overlayWindows.windows().empty())
+            << "there should be no window before the break or after it";
+        EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "there should be no key monitor";
     });
     EXPECT_FALSE(controller.isShowing.get());
     desktop.notificationCenter.post(breakDidEndNotification);

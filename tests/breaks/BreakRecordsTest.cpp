@@ -26,7 +26,7 @@ TEST(BreakRecords, StatisticsReadBackExactly) {
     EXPECT_EQ(Json::parse(Json(statistics).dump()).get<BreakStatistics>(), statistics);
 }
 
-TEST(BreakRecords, MalformedStatisticsAreRefused) {
+TEST(BreakRecords, MalformedStatisticsAreRejected) {
     const Json good = BreakStatistics{6, 1, 2, 3, 20.5};
     for (const auto* const key :
          {"totalBreaks", "completedBreaks", "skippedBreaks", "snoozedBreaks", "totalBreakTime"}) {
@@ -72,7 +72,7 @@ TEST(BreakRecords, SessionReadsBack) {
     EXPECT_TRUE(back.wasSkipped);
 }
 
-TEST(BreakRecords, MalformedSessionIsRefused) {
+TEST(BreakRecords, MalformedSessionIsRejected) {
     const Json good = BreakSession{};
     for (const auto& [key, value] :
          {std::pair("id", Json("nobody")), std::pair("startTime", Json("now")),

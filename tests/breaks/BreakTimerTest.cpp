@@ -109,7 +109,7 @@ private:
 const Calls started = {"NoctaBreakDidStart"};
 const Calls ended = {"NoctaBreakDidEnd"};
 
-// The state table: what each event does in each state.
+// The state table: each event in each state.
 
 TEST_F(BreakTimerTest, IdleStartCountsFromTheFullInterval) {
     beIdle();
@@ -163,10 +163,10 @@ TEST_F(BreakTimerTest, CountingReachesZeroAndABreakBegins) {
     EXPECT_EQ(totals(), BreakStatistics{});
 }
 
-TEST_F(BreakTimerTest, CountingInAMeetingPausesBeforeTheSecondIsCounted) {
+TEST_F(BreakTimerTest, CountingInAMeetingPausesWithoutCountingTheSecond) {
     beCounting();
     bringMeetingToFront();
-    EXPECT_TRUE(states.empty()) << "only the next tick checks";
+    EXPECT_TRUE(states.empty()) << "only the next tick should check for a meeting";
     runSeconds(1);
     EXPECT_EQ(states, (std::vector<BreakState>{Paused{PauseReason::meeting}}));
     EXPECT_EQ(breakTimer().timeUntilNextBreak.get(), full - 10);
@@ -181,7 +181,7 @@ TEST_F(BreakTimerTest, CountingInAMeetingContinuesIfMeetingsDoNotSuspend) {
     EXPECT_EQ(state(), BreakState(Counting{full - 11}));
 }
 
-TEST_F(BreakTimerTest, CountingRestartsWithAChangeOfTheIntervalEvenAnEqualOne) {
+TEST_F(BreakTimerTest, CountingRestartsWhenTheIntervalIsSetEvenToAnEqualValue) {
     beCounting();
     for (const std::int64_t interval : {7, 7, 30}) {
         settings().breakIntervalMinutes.set(interval);
@@ -189,12 +189,12 @@ TEST_F(BreakTimerTest, CountingRestartsWithAChangeOfTheIntervalEvenAnEqualOne) {
         EXPECT_EQ(state(), BreakState(Counting{static_cast<double>(interval * 60)}));
         runSeconds(5);
         EXPECT_EQ(state(), BreakState(Counting{static_cast<double>(interval * 60 - 5)}))
-            << "only one timer runs";
+            << "only one timer should run";
     }
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, ChangeOfTheIntervalIsDeliveredByTheRunLoopAndTheStateIsCheckedThen) {
+TEST_F(BreakTimerTest, ChangeOfTheIntervalActsOnTheStateAtItsDelivery) {
     beCounting();
     settings().breakIntervalMinutes.set(7);
     EXPECT_TRUE(states.empty());
@@ -226,7 +226,7 @@ TEST_F(BreakTimerTest, ActiveTickTakesASecond) {
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, ActiveReachesZeroAndIsCompleted) {
+TEST_F(BreakTimerTest, ActiveReachesZeroAndTheBreakIsCompleted) {
     beActive();
     runSeconds(15);
     EXPECT_EQ(states[states.size() - 2], BreakState(Active{0}));
@@ -244,7 +244,8 @@ TEST_F(BreakTimerTest, ActiveSkipped) {
     EXPECT_EQ(posted, ended);
     expectTotals({.totalBreaks = 1, .skippedBreaks = 1});
     runSeconds(60);
-    EXPECT_EQ(state(), BreakState(Counting{full - 60})) << "the break's timer has ended";
+    EXPECT_EQ(state(), BreakState(Counting{full - 60}))
+        << "the timer of the break should have stopped";
 }
 
 TEST_F(BreakTimerTest, ActiveSnoozed) {
@@ -275,10 +276,10 @@ TEST_F(BreakTimerTest, ActiveIgnoresEverythingElse) {
         runSeconds(0);
     });
     runSeconds(14);
-    EXPECT_EQ(state(), BreakState(Active{1})) << "no meeting pauses a break";
+    EXPECT_EQ(state(), BreakState(Active{1})) << "a meeting should not pause a break";
 }
 
-TEST_F(BreakTimerTest, SnoozedEndsInTheFullInterval) {
+TEST_F(BreakTimerTest, SnoozedEndsWithTheFullInterval) {
     beSnoozed();
     runSeconds(289);
     EXPECT_TRUE(states.empty());
@@ -307,7 +308,7 @@ TEST_F(BreakTimerTest, SnoozedIgnoresEverythingElse) {
         runSeconds(289);
     });
     runSeconds(1);
-    EXPECT_EQ(state(), BreakState(Counting{7 * 60})) << "the change takes effect now";
+    EXPECT_EQ(state(), BreakState(Counting{7 * 60})) << "the new interval should take effect now";
 }
 
 TEST_F(BreakTimerTest, PausedStopIsIdleAndStartCountsAgain) {
@@ -332,9 +333,9 @@ TEST_F(BreakTimerTest, PausedIgnoresEverythingElseEvenTheEndOfTheMeeting) {
     EXPECT_EQ(breakTimer().timeUntilNextBreak.get(), full - 10);
 }
 
-// Behavior that the state alone does not show.
+// Behavior that is not visible in the state alone.
 
-TEST_F(BreakTimerTest, TotalsHaveEveryOutcomeAndTheTimeOfCompletedBreaksOnly) {
+TEST_F(BreakTimerTest, TotalsCountEveryOutcomeButOnlyTheTimeOfCompletedBreaks) {
     beActive();
     runSeconds(15);
     runSeconds(full);
@@ -367,7 +368,7 @@ TEST_F(BreakTimerTest, TotalsThatCannotBeReadStartFromZero) {
     }
 }
 
-TEST_F(BreakTimerTest, LengthIsTheSettingWhenTheBreakBegins) {
+TEST_F(BreakTimerTest, LengthIsTakenFromTheSettingWhenTheBreakBegins) {
     beCounting();
     settings().breakDurationSeconds.set(3);
     runSeconds(full - 10);
@@ -378,12 +379,12 @@ TEST_F(BreakTimerTest, LengthIsTheSettingWhenTheBreakBegins) {
         EXPECT_EQ(state(), BreakState(Counting{full}));
         runSeconds(full);
         EXPECT_EQ(state(), BreakState(Active{static_cast<double>(none)}));
-        runSeconds(1); // over at its first tick
+        runSeconds(1); // the break ends at its first tick
     }
     EXPECT_EQ(state(), BreakState(Counting{full}));
 }
 
-TEST_F(BreakTimerTest, ObserverOfABreakMayEndItAtOnce) {
+TEST_F(BreakTimerTest, ObserverMayEndABreakThatJustBegan) {
     const auto impatient =
         desktop.notificationCenter.observe(breakDidStartNotification, [&] { breakTimer().skip(); });
     breakTimer().start();
@@ -394,7 +395,7 @@ TEST_F(BreakTimerTest, ObserverOfABreakMayEndItAtOnce) {
     EXPECT_EQ(state(), BreakState(Counting{full - 100}));
 }
 
-TEST_F(BreakTimerTest, NumbersThatDoNotFitStopTheProgram) {
+TEST_F(BreakTimerTest, OverflowStopsTheProgram) {
     settings().breakIntervalMinutes.set(std::numeric_limits<std::int64_t>::max());
     EXPECT_DEATH(breakTimer().start(), "^nocta: stopped: breakIntervalMinutes is "
                                        "9223372036854775807: a product is too large");
@@ -407,7 +408,7 @@ TEST_F(BreakTimerTest, NumbersThatDoNotFitStopTheProgram) {
     EXPECT_DEATH(breakTimer().skip(), "skippedBreaks in breakStatistics is 9223372036854775807");
 }
 
-// The machine sleeps for eight hours: the wall clock continues, and timers stop.
+// The machine sleeps: the wall clock advances by eight hours, and the timers stand still.
 
 TEST_F(BreakTimerTest, SleepWhileCountingDoesNotCount) {
     beCounting();
@@ -417,7 +418,7 @@ TEST_F(BreakTimerTest, SleepWhileCountingDoesNotCount) {
     EXPECT_EQ(state(), BreakState(Counting{full - 11}));
 }
 
-TEST_F(BreakTimerTest, SleepInABreakGoesIntoItsRecord) {
+TEST_F(BreakTimerTest, SleepDuringABreakCountsInItsRecord) {
     beActive();
     desktop.runLoop.suspend(8h);
     runSeconds(1);
@@ -426,7 +427,7 @@ TEST_F(BreakTimerTest, SleepInABreakGoesIntoItsRecord) {
     expectTotals({.totalBreaks = 1, .completedBreaks = 1, .totalBreakTime = 8 * 3600 + 20});
 }
 
-TEST_F(BreakTimerTest, SleepWhileSnoozedDoesNotShortenTheRest) {
+TEST_F(BreakTimerTest, SleepWhileSnoozedDoesNotShortenTheSnooze) {
     beSnoozed();
     const auto until = std::get<Snoozed>(state()).until;
     desktop.runLoop.suspend(8h);
@@ -446,7 +447,7 @@ TEST_F(BreakTimerTest, SleepWhileIdleOrPausedChangesNothing) {
     });
 }
 
-TEST_F(BreakTimerTest, WallClockThatIsSetBackOnlyShortensTheRecord) {
+TEST_F(BreakTimerTest, SettingTheWallClockBackOnlyShortensTheRecord) {
     beActive();
     desktop.runLoop.setWallClock(desktop.runLoop.wallNow() - 1h);
     runSeconds(15);
@@ -454,15 +455,16 @@ TEST_F(BreakTimerTest, WallClockThatIsSetBackOnlyShortensTheRecord) {
     expectTotals({.totalBreaks = 1, .completedBreaks = 1, .totalBreakTime = 20 - 3600});
 }
 
-// What the program does with the timer.
+// How the program uses the timer.
 
-TEST_F(BreakTimerTest, ProgramStartsItFollowsTheSettingAndStopsItAtTheEnd) {
+TEST_F(BreakTimerTest, ProgramStartsTheTimerFollowsTheSettingAndStopsTheTimer) {
     settings().breakTimerEnabled.set(true);
     launch();
     EXPECT_EQ(state(), BreakState(Counting{full}));
     runSeconds(10);
     settings().breakTimerEnabled.set(true);
-    EXPECT_EQ(state(), BreakState(Counting{full - 10})) << "it is already running";
+    EXPECT_EQ(state(), BreakState(Counting{full - 10}))
+        << "a timer that is already running should not restart";
     settings().breakTimerEnabled.set(false);
     EXPECT_EQ(state(), BreakState(Idle{}));
     settings().breakTimerEnabled.set(true);
@@ -471,7 +473,7 @@ TEST_F(BreakTimerTest, ProgramStartsItFollowsTheSettingAndStopsItAtTheEnd) {
     EXPECT_EQ(state(), BreakState(Idle{}));
 }
 
-TEST_F(BreakTimerTest, ProgramLeavesItIdleIfRemindersAreOff) {
+TEST_F(BreakTimerTest, ProgramLeavesTheTimerIdleIfRemindersAreOff) {
     settings().breakTimerEnabled.set(false);
     launch();
     runSeconds(4000);

@@ -42,14 +42,14 @@ TEST_F(MeetingDetectorServiceTest, MeetingStartsAndEndsWithTheApplicationInFront
     EXPECT_EQ(app(), "FaceTime");
     EXPECT_EQ(posted, Posts{"NoctaMeetingDidStart"});
     desktop.runLoop.advance(60s);
-    EXPECT_EQ(posted.size(), 1U) << "the polls find nothing new";
+    EXPECT_EQ(posted.size(), 1U) << "the polls should find nothing new";
     desktop.workspace.bringToFront(editor);
     EXPECT_FALSE(isInMeeting());
     EXPECT_EQ(app(), std::nullopt);
     EXPECT_EQ(posted, (Posts{"NoctaMeetingDidStart", "NoctaMeetingDidEnd"}));
 }
 
-TEST_F(MeetingDetectorServiceTest, EveryMeetingApplicationCountsAndNoOther) {
+TEST_F(MeetingDetectorServiceTest, OnlyTheKnownMeetingApplicationsCount) {
     for (const auto* const identifier :
          {"us.zoom.xos", "com.google.Chrome", "com.microsoft.teams", "com.microsoft.teams2",
           "com.cisco.webexmeetingsapp", "com.webex.meetingmanager", "com.apple.FaceTime",
@@ -67,7 +67,7 @@ TEST_F(MeetingDetectorServiceTest, EveryMeetingApplicationCountsAndNoOther) {
     }
 }
 
-TEST_F(MeetingDetectorServiceTest, NoApplicationAndNoIdentifierChangeNothing) {
+TEST_F(MeetingDetectorServiceTest, MissingApplicationOrIdentifierChangesNothing) {
     desktop.workspace.bringToFront(std::nullopt);
     desktop.workspace.bringToFront(RunningApplication{std::nullopt, "Nameless"});
     EXPECT_TRUE(posted.empty());
@@ -95,10 +95,10 @@ TEST_F(MeetingDetectorServiceTest, AnotherMeetingApplicationIsTheSameMeeting) {
     desktop.workspace.bringToFront(faceTime);
     desktop.workspace.bringToFront(RunningApplication{"us.zoom.xos", "Zoom"});
     EXPECT_EQ(posted.size(), 1U);
-    EXPECT_EQ(app(), "FaceTime") << "the result has not changed";
+    EXPECT_EQ(app(), "FaceTime") << "the name should not change during a meeting";
 }
 
-TEST_F(MeetingDetectorServiceTest, MeetingInFrontAtTheStartOfTheProgramCountsAtOnce) {
+TEST_F(MeetingDetectorServiceTest, MeetingInFrontAtLaunchCountsImmediately) {
     desktop.workspace.frontmost = faceTime;
     restart();
     EXPECT_TRUE(isInMeeting());

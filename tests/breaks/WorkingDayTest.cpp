@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A second implementation of the reminders, as one step per second.
+/// An independent implementation of the reminders that advances by one second per step.
 struct Model {
     enum class Phase { idle, counting, active, paused, snoozed };
 
@@ -192,7 +192,7 @@ TEST_F(WorkingDayTest, AThousandBreaksLeaveNothingBehind) {
     while (model.totals.totalBreaks < 1000 && !HasFatalFailure()) {
         second();
         if (model.phase == Model::Phase::counting && model.left == 30) {
-            // Between two breaks no window, view or key monitor is left.
+            // No window, view or key monitor may remain between two breaks.
             ASSERT_TRUE(desktop.overlayWindows.windows().empty());
             ASSERT_EQ(views.alive, 0);
             ASSERT_TRUE(desktop.overlayWindows.press(spaceKeyCode));

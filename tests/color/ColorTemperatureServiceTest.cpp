@@ -53,7 +53,7 @@ TEST_F(ColorTemperatureServiceTest, ManualWarmthIsImmediateAndClamped) {
     }
 }
 
-TEST_F(ColorTemperatureServiceTest, AutomaticTemperatureByThePositionOfTheSun) {
+TEST_F(ColorTemperatureServiceTest, AutomaticTemperatureFollowsThePositionOfTheSun) {
     struct Row {
         std::int64_t day;
         std::int64_t night;
@@ -68,7 +68,7 @@ TEST_F(ColorTemperatureServiceTest, AutomaticTemperatureByThePositionOfTheSun) {
              Row{6500, 2700, Sunrise{0}, 2700},
              Row{6500, 2700, Sunset{1}, 2700},
              Row{6501, 2700, Sunrise{0.5}, 4600}, // 1900.5 is truncated to 1900
-             Row{6501, 2700, Sunset{0.5}, 4601},  // here too
+             Row{6501, 2700, Sunset{0.5}, 4601},  // likewise
              Row{2700, 6501, Sunrise{0.5}, 4601}, // -1900.5 is truncated to -1900
              Row{2700, 6501, Sunset{0.5}, 4600},
          }) {
@@ -77,7 +77,8 @@ TEST_F(ColorTemperatureServiceTest, AutomaticTemperatureByThePositionOfTheSun) {
         setPosition(position);
         EXPECT_EQ(colorTemperature().automaticTemperature(), kelvin);
     }
-    EXPECT_TRUE(shown.empty()) << "reading changes nothing, nor do the two settings in manual mode";
+    EXPECT_TRUE(shown.empty())
+        << "neither reading nor the two settings should change the screen in manual mode";
 }
 
 TEST_F(ColorTemperatureServiceTest, SwitchingOnFadesAndThenEntersAutomaticMode) {
@@ -98,7 +99,8 @@ TEST_F(ColorTemperatureServiceTest, SwitchingOnFadesAndThenEntersAutomaticMode) 
     desktop.runLoop.advance(1s);
     EXPECT_EQ(shown, std::vector<std::int64_t>{6500});
     desktop.runLoop.advance(60s);
-    EXPECT_EQ(shown, (std::vector<std::int64_t>{6500, 6500})) << "sent every minute, even if equal";
+    EXPECT_EQ(shown, (std::vector<std::int64_t>{6500, 6500}))
+        << "an equal value should be sent every minute too";
 }
 
 TEST_F(ColorTemperatureServiceTest, SwitchingOffFadesToTheWarmthAndEndsTheUpdates) {
@@ -113,7 +115,7 @@ TEST_F(ColorTemperatureServiceTest, SwitchingOffFadesToTheWarmthAndEndsTheUpdate
     EXPECT_TRUE(shown.empty());
 }
 
-TEST_F(ColorTemperatureServiceTest, SwitchingOnAndOffAtOnceIsOneContinuousTransition) {
+TEST_F(ColorTemperatureServiceTest, SwitchingOnAndRightOffAgainIsOneContinuousTransition) {
     setPosition(Night{});
     settings().autoWarmthEnabled.set(true);
     desktop.runLoop.advance(140ms); // seven steps
@@ -122,9 +124,11 @@ TEST_F(ColorTemperatureServiceTest, SwitchingOnAndOffAtOnceIsOneContinuousTransi
     settings().autoWarmthEnabled.set(false);
     desktop.runLoop.advance(1min);
     EXPECT_EQ(shown.back(), 4600);
-    EXPECT_EQ(shown.size(), 7U + 15U) << "no completion of the first, no minute tick";
+    EXPECT_EQ(shown.size(), 7U + 15U)
+        << "neither the first completion nor a minute tick should show";
     for (std::size_t i = 1; i < shown.size(); ++i) {
-        EXPECT_LE(std::abs(shown[i] - shown[i - 1]), 254) << "a step of the longer transition";
+        EXPECT_LE(std::abs(shown[i] - shown[i - 1]), 254)
+            << "no step should exceed those of the longer transition";
     }
 }
 
@@ -165,7 +169,7 @@ TEST_F(ColorTemperatureServiceTest, WarmthHasNoEffectInAutomaticMode) {
     EXPECT_TRUE(shown.empty());
 }
 
-TEST_F(ColorTemperatureServiceTest, FirstChangeOfEitherTemperatureActsAtOnceInAutomaticMode) {
+TEST_F(ColorTemperatureServiceTest, FirstChangeOfEitherTemperatureIsImmediateInAutomaticMode) {
     setPosition(Night{});
     settings().autoWarmthEnabled.set(true);
     desktop.runLoop.advance(1s);

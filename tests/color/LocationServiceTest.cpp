@@ -30,7 +30,7 @@ public:
 
 class LocationServiceTest : public TestDesktop {};
 
-TEST_F(LocationServiceTest, ConstructionReadsTheStatusAndAsksForNothing) {
+TEST_F(LocationServiceTest, ConstructionReadsTheStatusAndRequestsNothing) {
     desktop.location.answer(AuthorizationStatus::denied);
     EXPECT_EQ(location().authorizationStatus.get(), AuthorizationStatus::denied);
     EXPECT_EQ(location().currentLocation.get(), std::nullopt);
@@ -47,7 +47,7 @@ TEST_F(LocationServiceTest, ProvidesTheScheduleWithTheLocation) {
     EXPECT_EQ(&provider.locationManager(), &desktop.location);
 }
 
-TEST_F(LocationServiceTest, LastOfABatchIsTheFixAndEndsTheUpdates) {
+TEST_F(LocationServiceTest, LastLocationOfABatchIsTheFixAndEndsTheUpdates) {
     location();
     desktop.location.answer(AuthorizationStatus::authorized);
     ASSERT_TRUE(desktop.location.isUpdating);
@@ -76,7 +76,7 @@ TEST_F(LocationServiceTest, FailureKeepsTheFix) {
     EXPECT_EQ(location().currentLocation.get(), paris);
 }
 
-TEST_F(LocationServiceTest, WhatEachAnswerDoes) {
+TEST_F(LocationServiceTest, EachAuthorizationStatusHasItsEffect) {
     struct Row {
         AuthorizationStatus status;
         bool enabledBefore;

@@ -29,7 +29,7 @@ protected:
     void startAt(std::chrono::seconds time, CalendarDay day = {2026, 3, 20}) {
         setClock(day, time);
         schedule().start();
-        desktop.runLoop.advance(0s); // the location manager reports its status
+        desktop.runLoop.advance(0s); // lets the location manager report its status
     }
     SunPosition position() { return schedule().currentSunPosition.get(); }
     WallTime local(CalendarDay day, std::chrono::minutes time) {
@@ -39,15 +39,15 @@ protected:
     }
 };
 
-TEST_F(ScheduleServiceTest, EmptyAndDayBeforeTheStart) {
+TEST_F(ScheduleServiceTest, BeforeTheStartItIsDayWithoutTimes) {
     EXPECT_EQ(schedule().sunriseTime.get(), std::nullopt);
     EXPECT_EQ(position(), SunPosition(Day{}));
     schedule().currentSunPosition.set(Night{});
-    schedule().updateSunPosition(); // on a new day it calculates the times too
+    schedule().updateSunPosition(); // on a new day this also calculates the times
     EXPECT_TRUE(schedule().sunriseTime.get().has_value());
 }
 
-TEST_F(ScheduleServiceTest, PositionsByTheDefaultTimes) {
+TEST_F(ScheduleServiceTest, PositionFollowsTheDefaultTimes) {
     struct Row {
         std::chrono::seconds time;
         SunPosition position;
@@ -76,7 +76,7 @@ TEST_F(ScheduleServiceTest, PositionsByTheDefaultTimes) {
         schedule().updateSunPosition();
         EXPECT_EQ(position(), expected)
             << "at " << time / 1h << ":" << time % 1h / 1min << ":" << time % 1min / 1s
-            << "; a transition begins 15 minutes before the event and ends 15 minutes after it";
+            << "; a transition should last from 15 minutes before the event to 15 minutes after it";
     }
 }
 
@@ -92,7 +92,7 @@ TEST_F(ScheduleServiceTest, SunriseWinsIfTheTransitionsOverlap) {
     EXPECT_EQ(position(), SunPosition(Sunset{0.5}));
 }
 
-TEST_F(ScheduleServiceTest, TickEveryMinuteMovesThePosition) {
+TEST_F(ScheduleServiceTest, EveryMinuteATickUpdatesThePosition) {
     startAt(6h + 14min);
     EXPECT_EQ(position(), SunPosition(Night{}));
     desktop.runLoop.advance(59s);
@@ -103,7 +103,7 @@ TEST_F(ScheduleServiceTest, TickEveryMinuteMovesThePosition) {
     EXPECT_EQ(position(), SunPosition(Sunrise{10.0 / 30}));
 }
 
-TEST_F(ScheduleServiceTest, FixMovesTheTimesAtOnce) {
+TEST_F(ScheduleServiceTest, FixChangesTheTimesImmediately) {
     startAt(12h, {2026, 6, 21});
     desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(berlin);
@@ -114,7 +114,7 @@ TEST_F(ScheduleServiceTest, FixMovesTheTimesAtOnce) {
     EXPECT_NE(schedule().sunriseTime.get(), local({2026, 6, 21}, 6h + 30min));
 }
 
-TEST_F(ScheduleServiceTest, PolarFixIsSixAndEighteenAndNoFixIsHalfPast) {
+TEST_F(ScheduleServiceTest, PolarFixMeansSixAndEighteenAndNoFixMeansHalfPast) {
     startAt(12h, {2026, 6, 21});
     EXPECT_EQ(schedule().sunriseTime.get(), local({2026, 6, 21}, 6h + 30min));
     desktop.location.answer(AuthorizationStatus::authorized);
@@ -123,7 +123,7 @@ TEST_F(ScheduleServiceTest, PolarFixIsSixAndEighteenAndNoFixIsHalfPast) {
     EXPECT_EQ(schedule().sunsetTime.get(), local({2026, 6, 21}, 18h));
 }
 
-TEST_F(ScheduleServiceTest, MidnightBringsTheTimesOfTheNewDay) {
+TEST_F(ScheduleServiceTest, MidnightSetsTheTimesOfTheNewDay) {
     startAt(23h + 59min);
     desktop.runLoop.advance(60s);
     EXPECT_EQ(schedule().sunriseTime.get(), local({2026, 3, 21}, 6h + 30min));
@@ -142,7 +142,7 @@ TEST_F(ScheduleServiceTest, MidnightWithAFixRecalculatesOnce) {
     const auto now = desktop.runLoop.wallNow();
     EXPECT_EQ(schedule().sunriseTime.get(),
               SunCalculator().calculate(now, berlin.latitude, berlin.longitude, now).sunrise)
-        << "for the known location";
+        << "the times should be those of the known location";
     EXPECT_EQ(Calendar::dayOf(*schedule().sunriseTime.get()), (CalendarDay{2026, 3, 21}));
     desktop.runLoop.advance(10min);
     EXPECT_EQ(calculations, 1);
@@ -154,16 +154,17 @@ TEST_F(ScheduleServiceTest, LocationIsRefreshedAfterMoreThanADay) {
     desktop.location.send(berlin);
     ASSERT_FALSE(desktop.location.isUpdating);
     desktop.runLoop.advance(24h);
-    EXPECT_FALSE(desktop.location.isUpdating) << "a day is not more than a day";
+    EXPECT_FALSE(desktop.location.isUpdating) << "exactly a day should not be enough";
     desktop.runLoop.advance(1min);
     EXPECT_TRUE(desktop.location.isUpdating);
     desktop.location.send(berlin);
     desktop.trace.clear();
     desktop.runLoop.advance(24h);
-    EXPECT_TRUE(calls("startUpdatingLocation").empty()) << "one request per refresh";
+    EXPECT_TRUE(calls("startUpdatingLocation").empty())
+        << "each refresh should make only one request";
 }
 
-TEST_F(ScheduleServiceTest, WithoutAuthorizationOnlyTheRefreshTimeMoves) {
+TEST_F(ScheduleServiceTest, WithoutAuthorizationOnlyTheTimeOfTheRefreshChanges) {
     startAt(12h);
     desktop.runLoop.advance(24h + 1min);
     EXPECT_TRUE(calls("startUpdatingLocation").empty());
@@ -179,7 +180,7 @@ TEST_F(ScheduleServiceTest, RefreshNeedsFullAuthorization) {
     startAt(12h);
     for (const auto status : {notDetermined, restricted, denied, authorizedWhenInUse, authorized}) {
         desktop.location.answer(status);
-        desktop.location.isUpdating = false; // the answer may have started updates
+        desktop.location.isUpdating = false; // the new status may have started updates
         schedule().refreshLocation();
         EXPECT_EQ(desktop.location.isUpdating, status == authorized) << static_cast<int>(status);
     }
@@ -188,7 +189,7 @@ TEST_F(ScheduleServiceTest, RefreshNeedsFullAuthorization) {
 TEST_F(ScheduleServiceTest, SleepTakesEffectAtTheNextTick) {
     startAt(12h);
     desktop.runLoop.suspend(8h);
-    EXPECT_EQ(position(), SunPosition(Day{})) << "nothing runs while the machine sleeps";
+    EXPECT_EQ(position(), SunPosition(Day{})) << "nothing should run while the machine sleeps";
     desktop.runLoop.advance(60s);
     EXPECT_EQ(position(), SunPosition(Night{}));
     desktop.runLoop.suspend(8h); // past midnight
@@ -196,7 +197,7 @@ TEST_F(ScheduleServiceTest, SleepTakesEffectAtTheNextTick) {
     EXPECT_EQ(schedule().sunriseTime.get(), local({2026, 3, 21}, 6h + 30min));
 }
 
-TEST_F(ScheduleServiceTest, ChangeOfTheClockTakesEffectAtTheNextTick) {
+TEST_F(ScheduleServiceTest, ClockChangeTakesEffectAtTheNextTick) {
     startAt(12h);
     setClock({2026, 3, 20}, 22h);
     desktop.runLoop.advance(60s);
@@ -207,12 +208,12 @@ TEST_F(ScheduleServiceTest, ChangeOfTheClockTakesEffectAtTheNextTick) {
     EXPECT_EQ(schedule().sunriseTime.get(), local({2026, 3, 18}, 6h + 30min));
 }
 
-TEST_F(ScheduleServiceTest, ChangedZoneCountsFromTheNextCalculation) {
+TEST_F(ScheduleServiceTest, NewTimeZoneTakesEffectAtTheNextCalculation) {
     startAt(20h);
     const auto sunset = schedule().sunsetTime.get();
     const TimeZone elsewhere(zone::newYork); // the same instant is in the afternoon there
     desktop.runLoop.advance(60s);
-    EXPECT_EQ(schedule().sunsetTime.get(), sunset) << "the same day: the times stay";
+    EXPECT_EQ(schedule().sunsetTime.get(), sunset) << "the times should not change during the day";
     desktop.runLoop.advance(24h);
     EXPECT_EQ(schedule().sunsetTime.get(),
               Calendar::instantAt(Calendar::dayOf(desktop.runLoop.wallNow()), 18, 30));

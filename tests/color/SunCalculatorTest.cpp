@@ -25,7 +25,7 @@ WallTime utc(int year, int month, int day, std::chrono::minutes time = 0min) {
     return WallTime(std::chrono::sys_days(std::chrono::year(year) / month / day)) + time;
 }
 
-/// Hour and minute on the local clock.
+/// Returns the hour and minute on the local clock.
 std::chrono::minutes clockTime(WallTime instant) {
     const auto time = std::chrono::system_clock::to_time_t(
         std::chrono::time_point_cast<std::chrono::system_clock::duration>(instant));
@@ -70,7 +70,7 @@ TEST(SunCalculator, AgreesWithAnIndependentComputationInEveryZone) {
                 continue;
             }
             ++ordinary;
-            // Rounding in the last bits may move a time at the edge of a minute to the next one.
+            // Rounding of the last bits may move a time at a full minute to a neighboring minute.
             const auto check = [&](WallTime time, long double minutes) {
                 const auto whole = static_cast<int>(std::floor(minutes));
                 const auto edge = std::abs(minutes - std::round(minutes)) < 1e-6L;
@@ -84,7 +84,7 @@ TEST(SunCalculator, AgreesWithAnIndependentComputationInEveryZone) {
     EXPECT_GT(ordinary, 8000);
 }
 
-TEST(SunCalculator, AgreesWithAlmanacsWithinMinutes) {
+TEST(SunCalculator, AgreesWithAlmanacsWithinFiveMinutes) {
     struct Row {
         const char* zone;
         WallTime date;
@@ -93,7 +93,7 @@ TEST(SunCalculator, AgreesWithAlmanacsWithinMinutes) {
         std::chrono::minutes sunrise;
         std::chrono::minutes sunset;
     };
-    // Published times of Berlin, New York and Kolkata.
+    // Published times for Berlin, New York and Kolkata.
     for (const auto& row : {
              Row{zone::berlin, utc(2026, 6, 21, 12h), 52.52, 13.405, 4h + 43min, 21h + 33min},
              Row{zone::berlin, utc(2026, 12, 21, 12h), 52.52, 13.405, 8h + 15min, 15h + 54min},
@@ -108,7 +108,7 @@ TEST(SunCalculator, AgreesWithAlmanacsWithinMinutes) {
     }
 }
 
-TEST(SunCalculator, BothPolarCasesAreSixAndEighteen) {
+TEST(SunCalculator, BothPolarCasesMeanSixAndEighteen) {
     const TimeZone zone(zone::berlin);
     for (const auto& date : {utc(2026, 12, 21, 12h), utc(2026, 6, 21, 12h)}) {
         for (const auto latitude : {80.0, -80.0, 89.999, -89.999}) {
@@ -120,7 +120,7 @@ TEST(SunCalculator, BothPolarCasesAreSixAndEighteen) {
     }
 }
 
-TEST(SunCalculator, UsesTheOffsetOfNowAndNotOfTheDate) {
+TEST(SunCalculator, UsesTheCurrentOffsetAndNotThatOfTheDate) {
     const TimeZone zone(zone::berlin);
     const auto summer = utc(2026, 7, 15, 12h);
     const auto winter = utc(2026, 1, 15, 12h);
@@ -130,7 +130,7 @@ TEST(SunCalculator, UsesTheOffsetOfNowAndNotOfTheDate) {
     EXPECT_EQ(inSummer.sunset - asked.sunset, 1h);
 }
 
-TEST(SunCalculatorDeathTest, HourThatIsNotFiniteStopsTheProgram) {
+TEST(SunCalculatorDeathTest, NonFiniteHourStopsTheProgram) {
     constexpr auto notANumber = std::numeric_limits<double>::quiet_NaN();
     constexpr auto infinite = std::numeric_limits<double>::infinity();
     const auto date = utc(2026, 6, 21, 12h);

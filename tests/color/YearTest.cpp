@@ -13,7 +13,7 @@
 #include <ostream>
 #include <string>
 
-// Compares every published position and temperature of a simulated year with a separate
+// Compares every published position and temperature of a simulated year with an independent
 // computation, minute by minute.
 
 namespace nocta {
@@ -40,7 +40,8 @@ INSTANTIATE_TEST_SUITE_P(Places, YearTest,
                                            Place{"AntarcticCircle", {-66.6, 15.0}}),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-/// The two transitions of a day, in whole seconds since the epoch, and what follows from them.
+/// The sunrise and sunset of a day in whole seconds since the epoch, and the positions and
+/// temperatures that follow from them.
 struct SunDay {
     std::int64_t sunrise = 0;
     std::int64_t sunset = 0;
@@ -48,7 +49,7 @@ struct SunDay {
     static constexpr std::int64_t halfSpan = 900;
     static constexpr std::int64_t span = 2 * halfSpan;
 
-    /// For the local day and the UTC offset at an instant.
+    /// Uses the local day and the UTC offset at `now`.
     static SunDay of(std::int64_t now, Location place) {
         const auto time = static_cast<std::time_t>(now);
         std::tm local{};

@@ -42,7 +42,7 @@ TEST_F(BrightnessControllerTest, ConstructionFindsNothingBeforeTheDisplayListIsR
     EXPECT_TRUE(brightness().isAvailable());
 }
 
-TEST_F(BrightnessControllerTest, ConstructionAfterTheListIsReadProbes) {
+TEST_F(BrightnessControllerTest, ConstructionAfterTheListIsReadFindsTheBacklight) {
     plugBuiltIn();
     displayService().refreshDisplays();
     EXPECT_TRUE(brightness().isAvailable());
@@ -52,22 +52,26 @@ TEST_F(BrightnessControllerTest, AsksOnlyAboutTheMainDisplay) {
     desktop.displays.plug({.id = external, .isMain = true});
     desktop.displays.plug({.id = builtIn, .isBuiltIn = true});
     start();
-    EXPECT_FALSE(brightness().isAvailable()) << "the built-in display is not the main one";
+    EXPECT_FALSE(brightness().isAvailable())
+        << "a built-in display that is not the main one should not count";
     for (const auto& call : calls("getBrightness")) {
         EXPECT_EQ(call, "getBrightness 2");
     }
 }
 
-TEST_F(BrightnessControllerTest, ReadsTheLevelOrNone) {
-    EXPECT_EQ(brightness().readBrightness(), std::nullopt) << "no main display";
+TEST_F(BrightnessControllerTest, ReadsTheLevelIfThereIsOne) {
+    EXPECT_EQ(brightness().readBrightness(), std::nullopt)
+        << "there should be no level without a main display";
     plugBuiltIn();
     desktop.displays.display(builtIn).backlight = 0.625F;
     displayService().refreshDisplays();
-    EXPECT_EQ(brightness().readBrightness(), std::nullopt) << "not available";
+    EXPECT_EQ(brightness().readBrightness(), std::nullopt)
+        << "there should be no level before the probe";
     brightness().probe();
     EXPECT_EQ(brightness().readBrightness(), 0.625F);
     desktop.displays.backlightReadFails = true;
-    EXPECT_EQ(brightness().readBrightness(), std::nullopt) << "the call fails";
+    EXPECT_EQ(brightness().readBrightness(), std::nullopt)
+        << "there should be no level if the call fails";
 }
 
 /// A backlight that reports success but returns no level.
@@ -77,7 +81,7 @@ public:
     Status setBrightness(DisplayId /*display*/, float /*level*/) override { return statusSuccess; }
 };
 
-TEST_F(BrightnessControllerTest, LevelThatIsNotFilledIsDark) {
+TEST_F(BrightnessControllerTest, LevelThatIsNotFilledInReadsAsZero) {
     plugBuiltIn();
     displayService().refreshDisplays();
     SilentBacklight backlight;
@@ -111,7 +115,7 @@ TEST_F(BrightnessControllerTest, OtherSystemDefinedEventsAreIgnored) {
         desktop.keyboard.sendSystemDefined(event);
     }
     EXPECT_TRUE(listener->presses.empty());
-    desktop.keyboard.sendSystemDefined({.subtype = 8, .data1 = 0x910A01}); // a repeat flag
+    desktop.keyboard.sendSystemDefined({.subtype = 8, .data1 = 0x910A01}); // the repeat flag is set
     EXPECT_EQ(listener->presses.size(), 1U);
 }
 
@@ -141,7 +145,7 @@ TEST_F(BrightnessControllerTest, DelegateIsNotKeptAlive) {
     desktop.keyboard.pressBrightnessUp();
 }
 
-TEST_F(BrightnessControllerTest, RefusedMonitorDoesNotAffectTheRest) {
+TEST_F(BrightnessControllerTest, RefusedKeyMonitorDoesNotAffectTheRest) {
     plugBuiltIn();
     desktop.keyboard.monitorIsRefused = true;
     start();

@@ -34,7 +34,7 @@ TEST_F(DisplayServiceTest, EmptyUntilTheFirstRefresh) {
     EXPECT_EQ(mainId(), builtIn);
 }
 
-TEST_F(DisplayServiceTest, RecordOfADisplay) {
+TEST_F(DisplayServiceTest, ActiveDisplaysDescribeEachDisplay) {
     desktop.displays.plug({.id = 9,
                            .isMain = true,
                            .mode = DisplayMode{2560, 1440},
@@ -49,7 +49,7 @@ TEST_F(DisplayServiceTest, RecordOfADisplay) {
     EXPECT_EQ(displayService().activeDisplays(), std::vector{expected});
 }
 
-TEST_F(DisplayServiceTest, BuiltInDisplayHasItsNameAndABacklightWhateverItsMode) {
+TEST_F(DisplayServiceTest, BuiltInDisplayHasItsNameAndABacklightInAnyMode) {
     desktop.displays.plug({.id = 1, .isBuiltIn = true});
     desktop.displays.plug({.id = 2, .isBuiltIn = true, .mode = std::nullopt});
     EXPECT_EQ(names(), (std::vector<std::string>{"Built-in Display", "Built-in Display"}));
@@ -61,7 +61,7 @@ TEST_F(DisplayServiceTest, ExternalDisplayWithoutAModeIsNamedByItsId) {
     EXPECT_EQ(names(), std::vector<std::string>{"Display 4294967295"});
 }
 
-TEST_F(DisplayServiceTest, MainDisplayIsTheFlaggedOneElseTheFirst) {
+TEST_F(DisplayServiceTest, MainDisplayIsTheFlaggedOneOrElseTheFirst) {
     plugExternal(5);
     plugExternal(4);
     displayService().refreshDisplays();
@@ -80,7 +80,7 @@ TEST_F(DisplayServiceTest, ListIsCountedAndThenReadWithRoomForAll) {
               (std::vector<std::string>{"getActiveDisplayList 0", "getActiveDisplayList 40"}));
 }
 
-TEST_F(DisplayServiceTest, FailingListIsEmpty) {
+TEST_F(DisplayServiceTest, ListThatCannotBeReadIsEmpty) {
     plugBuiltIn();
     displayService().refreshDisplays();
     desktop.displays.listFails = true;
@@ -115,7 +115,7 @@ TEST_F(DisplayServiceTest, ListIsPublishedBeforeTheMainDisplay) {
     const auto list =
         displayService().displays.subscribe([&](const std::vector<DisplayInfo>& displays) {
             published.push_back(std::to_string(displays.size()) + " displays");
-            EXPECT_EQ(mainId(), std::nullopt) << "still the old one";
+            EXPECT_EQ(mainId(), std::nullopt) << "the old main display should still be published";
         });
     const auto main =
         displayService().mainDisplay.subscribe([&](const std::optional<DisplayInfo>& display) {
@@ -127,7 +127,7 @@ TEST_F(DisplayServiceTest, ListIsPublishedBeforeTheMainDisplay) {
     EXPECT_EQ(published, (std::vector<std::string>{"1 displays", "main 1"}));
 }
 
-/// A desktop on which a display is unplugged between the count and the list.
+/// Behaves as if a display were unplugged between the count and the list.
 class ShrinkingDisplays final : public Displays {
 public:
     Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) override {
@@ -143,7 +143,7 @@ public:
     std::optional<DisplayMode> displayCopyDisplayMode(DisplayId) override { return std::nullopt; }
 };
 
-TEST(DisplayServiceRaceTest, DisplayThatIsUnpluggedWhileTheListIsReadIsNotInIt) {
+TEST(DisplayServiceRaceTest, DisplayUnpluggedDuringTheReadIsNotInTheList) {
     ShrinkingDisplays displays;
     const DisplayService service(displays);
     const auto list = service.activeDisplays();

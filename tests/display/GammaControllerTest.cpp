@@ -113,20 +113,21 @@ TEST_F(GammaControllerTest, SettersStoreAndWriteNothingWithoutDisplays) {
     EXPECT_TRUE(calls("setDisplayTransferByTable").empty());
 }
 
-TEST_F(GammaControllerTest, NewDisplayWaitsForTheNextSetterAndIsNeutralInTheOthersMaps) {
+TEST_F(GammaControllerTest, NewDisplayWaitsForTheNextSetterAndHasNeutralValuesOtherwise) {
     plugBuiltIn();
     start();
     gamma().setDimming(0.5F);
     gamma().setTemperature(3000);
     gamma().setSaturation(0.25F);
     plugExternal();
-    EXPECT_TRUE(redTable(external).empty()) << "plugging in writes nothing";
+    EXPECT_TRUE(redTable(external).empty()) << "plugging in should write nothing";
 
     gamma().setDimming(0.5F);
     EXPECT_EQ(blueTable(external), blueOf(6500, 0.5F, 1.0F));
     EXPECT_FALSE(gamma().currentTemperature().contains(external));
     EXPECT_FALSE(gamma().currentSaturation().contains(external));
-    EXPECT_EQ(blueTable(builtIn), blueOf(3000, 0.5F, 0.25F)) << "not affected";
+    EXPECT_EQ(blueTable(builtIn), blueOf(3000, 0.5F, 0.25F))
+        << "the built-in display should not change";
 
     gamma().setTemperature(3000);
     EXPECT_EQ(blueTable(external), blueOf(3000, 0.5F, 1.0F));
@@ -159,7 +160,7 @@ TEST_F(GammaControllerTest, MapsOnlyGrowAndAReturningDisplayKeepsItsValues) {
     EXPECT_EQ(blueTable(external), blueOf(5000, 0.0F, 0.25F));
 }
 
-TEST_F(GammaControllerTest, FailingDisplayStopsNothing) {
+TEST_F(GammaControllerTest, FailingDisplayDoesNotAffectTheOthers) {
     plugBuiltIn();
     plugExternal();
     plugExternal(secondExternal);
@@ -169,10 +170,10 @@ TEST_F(GammaControllerTest, FailingDisplayStopsNothing) {
     EXPECT_EQ(calls("setDisplayTransferByTable").size(), 3U);
     EXPECT_EQ(shownDimming(external), 0.5F);
     EXPECT_EQ(shownDimming(secondExternal), 0.5F);
-    EXPECT_EQ(gamma().currentDimming().at(builtIn), 0.5F) << "stored anyway";
+    EXPECT_EQ(gamma().currentDimming().at(builtIn), 0.5F) << "the value should be stored anyway";
 }
 
-TEST_F(GammaControllerTest, ListThatIsNot256LongIsInvalid) {
+TEST_F(GammaControllerTest, TableWithoutExactly256EntriesIsInvalid) {
     plugBuiltIn();
     const std::array<float, 257> levels{};
     const auto right = std::span(levels).first(256);

@@ -14,7 +14,7 @@ double clamped(double value) {
     return std::max(std::min(value, 1.0), 0.0);
 }
 
-/// The white point computed in double precision.
+/// Computes the white point in double precision.
 struct White {
     double red = 1;
     double green = 1;
@@ -59,14 +59,14 @@ TEST(GammaTables, WhitePointAtItsBoundaries) {
     EXPECT_NEAR(at6500.blue, 0.9806, 5e-5);
     const auto at6600 = rgbMultipliers(6600);
     EXPECT_EQ(at6600.red, 1.0F);
-    EXPECT_EQ(at6600.green, 1.0F) << "from the lower branch, which is above 1 there";
+    EXPECT_EQ(at6600.green, 1.0F) << "the lower branch, which exceeds 1 there, should be clamped";
     EXPECT_EQ(at6600.blue, 1.0F);
     const auto at6601 = rgbMultipliers(6601);
     EXPECT_NEAR(at6601.green, 288.122162 * std::pow(6.01, -0.0755148456) / 255, singlePrecision);
     EXPECT_EQ(at6601.blue, 1.0F);
 }
 
-TEST(GammaTables, ArithmeticIsInSinglePrecisionWithTheConstantsToTheBit) {
+TEST(GammaTables, SinglePrecisionArithmeticIsExactToTheBit) {
     const auto constant = [](std::uint32_t bits) { return std::bit_cast<float>(bits); };
     for (std::int64_t kelvin = 1000; kelvin <= 10000; kelvin += 7) {
         const auto t = static_cast<float>(kelvin) / 100.0F;
@@ -108,7 +108,7 @@ TEST(GammaTables, TablesAgreeWithAnIndependentComputation) {
     }
 }
 
-TEST(GammaTables, EntryIsComputedInTheGivenOrderToTheBit) {
+TEST(GammaTables, OrderOfTheArithmeticIsExactToTheBit) {
     constexpr float dimming = 0.37F;
     constexpr float saturation = 0.6F;
     for (const auto kelvin : {3100, 8000}) { // no channel is 1 at both

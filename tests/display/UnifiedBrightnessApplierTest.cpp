@@ -25,7 +25,7 @@ protected:
     float dimming() { return gamma().currentDimming().at(external); }
 };
 
-TEST_F(UnifiedBrightnessApplierTest, CurveWithABacklight) {
+TEST_F(UnifiedBrightnessApplierTest, BacklightAndDimmingFollowTheCurve) {
     plugBuiltIn();
     plugExternal();
     start();
@@ -56,8 +56,8 @@ TEST_F(UnifiedBrightnessApplierTest, CurveWithABacklight) {
     }
 }
 
-/// The bits of the levels, calculated by hand from the formulas: in decimal fractions, rounded to
-/// double and then to single precision.
+/// The expected bits were calculated by hand: the formulas in decimal fractions, rounded to double
+/// and then to single precision.
 TEST_F(UnifiedBrightnessApplierTest, LevelsAreRoundedToSinglePrecisionOnce) {
     plugBuiltIn();
     plugExternal();
@@ -129,7 +129,7 @@ TEST_F(UnifiedBrightnessApplierTest, OnlyExternalDisplaysAreDimmedOverTheWholeRa
     EXPECT_TRUE(backlightCalls().empty());
 }
 
-TEST_F(UnifiedBrightnessApplierTest, ChangeOfFullBlackWaitsForTheNextCall) {
+TEST_F(UnifiedBrightnessApplierTest, FullBlackTakesEffectAtTheNextCall) {
     plugExternal();
     start();
     applier().apply(0.0);
@@ -139,21 +139,21 @@ TEST_F(UnifiedBrightnessApplierTest, ChangeOfFullBlackWaitsForTheNextCall) {
     EXPECT_EQ(dimming(), 1.0F);
 }
 
-TEST_F(UnifiedBrightnessApplierTest, UnreadableBacklightIsNotWrittenAndTheSplitStays) {
+TEST_F(UnifiedBrightnessApplierTest, UnreadableBacklightIsNotWrittenAndTheRangeStaysSplit) {
     plugBuiltIn();
     plugExternal();
     desktop.displays.backlightReadFails = true;
     desktop.displays.display(builtIn).backlight = 0.8F;
     start();
     applier().apply(0.75);
-    EXPECT_EQ(dimming(), 0.0F) << "no software fallback in the upper half";
+    EXPECT_EQ(dimming(), 0.0F) << "the upper half should not dim instead";
     applier().apply(0.25);
     EXPECT_EQ(dimming(), 0.5F);
     EXPECT_EQ(backlight(), 0.8F);
     EXPECT_TRUE(backlightCalls().empty());
 }
 
-TEST_F(UnifiedBrightnessApplierTest, EveryBuiltInDisplayIsDrivenInListOrder) {
+TEST_F(UnifiedBrightnessApplierTest, EveryBuiltInDisplayIsSetInListOrder) {
     desktop.displays.plug({.id = 5, .isBuiltIn = true});
     plugExternal();
     desktop.displays.plug({.id = 4, .isBuiltIn = true});

@@ -20,7 +20,7 @@ protected:
     }
     float saturation() { return gamma().currentSaturation().at(external); }
 
-    /// The calls that switch the filter, without the tables written in between.
+    /// Returns the calls that switch the filter, without the tables written in between.
     Calls switches() {
         Calls found;
         for (const auto& call : calls()) {
@@ -56,7 +56,7 @@ TEST_F(GrayscaleServiceTest, FilterOfAnotherTypeIsNotGrayscale) {
     EXPECT_FALSE(grayscale().isEnabled());
 }
 
-TEST_F(GrayscaleServiceTest, LibraryWithoutTheEntryPointIsClosedAndNothingIsDone) {
+TEST_F(GrayscaleServiceTest, LibraryWithoutTheEntryPointIsClosedAndNotUsed) {
     desktop.filter.hasEntryPoint = false;
     desktop.filter.isOn = true;
     desktop.filter.type = 1;
@@ -85,12 +85,12 @@ TEST_F(GrayscaleServiceTest, EnableSwitchesWithoutAFade) {
     EXPECT_TRUE(gamma().currentSaturation().empty());
 }
 
-TEST_F(GrayscaleServiceTest, FadeInHasSixteenValuesAndThenTheFilter) {
+TEST_F(GrayscaleServiceTest, FadeInWritesSixteenValuesAndTurnsTheFilterOn) {
     grayscale().setGrayscale(true);
     EXPECT_TRUE(grayscale().isEnabled());
     EXPECT_EQ(saturation(), 1.0F);
     for (int step = 1; step <= 15; ++step) {
-        EXPECT_TRUE(switches().empty()) << "not before the fade has ended";
+        EXPECT_TRUE(switches().empty()) << "the filter should not change before the fade has ended";
         desktop.runLoop.advance(step < 15 ? 20ms : 19ms);
         if (step < 15) {
             EXPECT_EQ(saturation(), 1.0F + (0.0F - 1.0F) * (static_cast<float>(step) / 15.0F));
@@ -99,9 +99,10 @@ TEST_F(GrayscaleServiceTest, FadeInHasSixteenValuesAndThenTheFilter) {
     const auto before = calls("setDisplayTransferByTable").size();
     EXPECT_EQ(before, 15U);
     desktop.runLoop.advance(1ms);
-    EXPECT_EQ(calls("setDisplayTransferByTable").size(), 17U) << "the last step, and full color";
+    EXPECT_EQ(calls("setDisplayTransferByTable").size(), 17U)
+        << "the last step and full color should be written";
     EXPECT_EQ(switches(), on);
-    EXPECT_EQ(saturation(), 1.0F) << "the filter does the graying now";
+    EXPECT_EQ(saturation(), 1.0F) << "the filter should now remove the color instead";
     desktop.runLoop.advance(1s);
     EXPECT_EQ(calls("setDisplayTransferByTable").size(), 17U);
 }
@@ -119,7 +120,7 @@ TEST_F(GrayscaleServiceTest, LastValueOfAFadeIsExact) {
 TEST_F(GrayscaleServiceTest, SaturationFadesBetweenAnyTwoValuesAndThenCompletes) {
     int completions = 0;
     grayscale().animateSaturation(0.25F, 0.75F, [&] { ++completions; });
-    EXPECT_EQ(saturation(), 0.25F) << "at once";
+    EXPECT_EQ(saturation(), 0.25F) << "the first value should be set immediately";
     for (int step = 1; step <= 15; ++step) {
         EXPECT_EQ(completions, 0);
         desktop.runLoop.advance(20ms);
@@ -127,10 +128,10 @@ TEST_F(GrayscaleServiceTest, SaturationFadesBetweenAnyTwoValuesAndThenCompletes)
     }
     EXPECT_EQ(completions, 1);
     EXPECT_EQ(calls("setDisplayTransferByTable").size(), 16U);
-    EXPECT_TRUE(switches().empty()) << "a fade alone does not change the filter";
+    EXPECT_TRUE(switches().empty()) << "a fade alone should not change the filter";
 }
 
-TEST_F(GrayscaleServiceTest, FadeThatIsReplacedNeverCompletes) {
+TEST_F(GrayscaleServiceTest, ReplacedFadeNeverCompletes) {
     grayscale().setGrayscale(true);
     desktop.runLoop.advance(200ms);
     grayscale().setGrayscale(false);

@@ -25,7 +25,7 @@ TEST_F(ProfileTest, BuiltInProfiles) {
     EXPECT_EQ(focus, (Profile{focus.id, "Focus", 0.6, 0.3, true, true, 25, true}));
 }
 
-TEST_F(ProfileTest, EverydayIsWhatTheSettingsStartWith) {
+TEST_F(ProfileTest, EverydayMatchesTheDefaultSettings) {
     EXPECT_EQ(everyday().brightness, settings().unifiedBrightness.get());
     EXPECT_EQ(everyday().warmth, settings().warmthLevel.get());
     EXPECT_EQ(everyday().grayscaleEnabled, settings().grayscaleEnabled.get());
@@ -33,19 +33,19 @@ TEST_F(ProfileTest, EverydayIsWhatTheSettingsStartWith) {
     EXPECT_EQ(everyday().breakInterval, settings().breakIntervalMinutes.get());
 }
 
-TEST_F(ProfileTest, IdsAreMadeOncePerRunAndNewInTheNext) {
+TEST_F(ProfileTest, IdsAreMadeOnceInEachRun) {
     const auto id = everyday().id;
-    EXPECT_EQ(Profile::builtInProfiles()[0].id, id) << "one constant for the process";
+    EXPECT_EQ(Profile::builtInProfiles()[0].id, id) << "the id should not change during a run";
     settings().applyProfile(everyday());
     launch();
     restart();
-    ASSERT_EQ(settings().activeProfileId.get(), id) << "loaded";
+    ASSERT_EQ(settings().activeProfileId.get(), id) << "the id of the last run should be loaded";
     for (const auto& profile : instances().builtInProfiles()) {
         EXPECT_NE(profile.id, id);
     }
 }
 
-TEST_F(ProfileTest, IconAndDescriptionFollowTheNameExactly) {
+TEST_F(ProfileTest, IconAndDescriptionDependOnTheExactName) {
     struct Row {
         std::string_view name;
         std::string_view icon;
@@ -91,7 +91,7 @@ TEST_F(ProfileTest, CustomProfileKeepsEveryValueInJson) {
     EXPECT_EQ(nlohmann::json::parse(json.dump()).get<Profile>(), reading);
 }
 
-TEST_F(ProfileTest, NumberThatDoesNotFitItsFieldIsRefused) {
+TEST_F(ProfileTest, NumberThatDoesNotFitItsFieldIsRejected) {
     nlohmann::json const good = everyday();
     const auto read = [&](const char* key, const char* number) {
         auto json = good;
@@ -114,19 +114,23 @@ TEST_F(ProfileTest, NumberThatDoesNotFitItsFieldIsRefused) {
     }
     EXPECT_EQ(read("breakInterval", "9223372036854775807").breakInterval,
               std::numeric_limits<std::int64_t>::max());
-    EXPECT_EQ(read("breakInterval", "-3").breakInterval, -3) << "read as it is";
-    EXPECT_EQ(read("brightness", "1").brightness, 1.0) << "a whole number is a valid fraction";
-    EXPECT_EQ(read("warmth", "7.5").warmth, 7.5) << "read as it is";
+    EXPECT_EQ(read("breakInterval", "-3").breakInterval, -3)
+        << "an unusual value should be read as it is";
+    EXPECT_EQ(read("brightness", "1").brightness, 1.0)
+        << "a whole number should be a valid fraction";
+    EXPECT_EQ(read("warmth", "7.5").warmth, 7.5) << "an unusual value should be read as it is";
 }
 
-TEST_F(ProfileTest, JsonThatIsNotAProfileIsRefused) {
+TEST_F(ProfileTest, JsonThatIsNotAProfileIsRejected) {
     nlohmann::json const good = everyday();
     for (const auto& [key, value] : good.items()) {
         auto json = good;
         json.erase(key);
-        EXPECT_THROW(json.get<Profile>(), nlohmann::json::exception) << key << " missing";
+        EXPECT_THROW(json.get<Profile>(), nlohmann::json::exception)
+            << key << " is missing and should be rejected";
         json[key] = nlohmann::json::array();
-        EXPECT_THROW(json.get<Profile>(), nlohmann::json::exception) << key << " mistyped";
+        EXPECT_THROW(json.get<Profile>(), nlohmann::json::exception)
+            << key << " has the wrong type and should be rejected";
     }
     auto json = good;
     json["id"] = "everyday";

@@ -50,7 +50,7 @@ void forEachRow(const auto& action) {
     std::apply([&](const auto&... row) { (action(row), ...); }, rows);
 }
 
-/// The trace of the store's getter for the type of a setting.
+/// Returns the name of the store's getter for the type of a setting, as the trace shows it.
 std::string getter(const Row<double>& /*row*/) {
     return "doubleForKey";
 }
@@ -64,7 +64,7 @@ std::string getter(const auto& /*row*/) {
     return "stringForKey";
 }
 
-/// The keys that a reset writes, in order.
+/// Returns the keys that a reset writes, in order.
 Calls keysOfReset() {
     Calls keys;
     forEachRow([&](const auto& row) {
@@ -103,7 +103,7 @@ protected:
 
 TEST_F(SettingsManagerTest, EmptyStoreReadsAsTheDefaults) {
     expectDefaultsBut();
-    EXPECT_TRUE(stored().stored().empty()) << "loading writes nothing back";
+    EXPECT_TRUE(stored().stored().empty()) << "loading should write nothing";
 }
 
 TEST_F(SettingsManagerTest, DefaultsAreRegisteredAndThenEveryKeyIsLoadedInOrder) {
@@ -127,7 +127,7 @@ TEST_F(SettingsManagerTest, StoredValuesAreLoadedEvenOutOfRange) {
     EXPECT_EQ(settings().menuBarIcon.get(), MenuBarIcon::sparkles);
 }
 
-TEST_F(SettingsManagerTest, ValueOfAWrongTypeReadsAsTheGettersZero) {
+TEST_F(SettingsManagerTest, ValueOfTheWrongTypeReadsAsZeroOfTheGettersType) {
     stored().set("unifiedBrightness", "bright");
     stored().set("breakTimerEnabled", "yes");
     stored().set("breakIntervalMinutes", "often");
@@ -162,11 +162,11 @@ TEST_F(SettingsManagerTest, WriteIsPublishedBeforeItIsPersisted) {
         storedWhenPublished = stored().doubleForKey("unifiedBrightness");
     });
     settings().unifiedBrightness.set(0.3);
-    EXPECT_EQ(storedWhenPublished, 0.75) << "still the registered default";
+    EXPECT_EQ(storedWhenPublished, 0.75) << "the store should still have the registered default";
     EXPECT_EQ(stored().doubleForKey("unifiedBrightness"), 0.3);
 }
 
-TEST_F(SettingsManagerTest, WriteOfASubscriberIsPersistedLast) {
+TEST_F(SettingsManagerTest, WriteByASubscriberIsPersistedLast) {
     const auto subscription = settings().unifiedBrightness.subscribe([&](double value) {
         if (value > 1) {
             settings().unifiedBrightness.set(1);
@@ -254,7 +254,7 @@ TEST_F(SettingsManagerTest, ChangingASettingKeepsTheActiveProfile) {
     EXPECT_EQ(settings().activeProfileId.get(), nightOwl.id);
 }
 
-TEST_F(SettingsManagerTest, WarmthInOneWord) {
+TEST_F(SettingsManagerTest, WarmthIsDescribedInOneWord) {
     struct Row {
         double warmth;
         std::string_view word;

@@ -53,7 +53,7 @@ bool isEmpty(const QImage& image) {
     return darkest(image, image.rect()) == 0;
 }
 
-TEST(Symbol, EachIsLegibleAtTheSizeOfText) {
+TEST(Symbol, EachIsLegibleAtTextSize) {
     EXPECT_GE(allNames().size(), 21);
     for (const auto& name : allNames()) {
         for (const auto size : {16, 32}) {
@@ -63,7 +63,7 @@ TEST(Symbol, EachIsLegibleAtTheSizeOfText) {
     }
 }
 
-TEST(Symbol, AllAreOfOneStyle) {
+TEST(Symbol, AllHaveTheSameStyle) {
     for (const auto& name : allNames()) {
         QFile file(drawings().filePath(name + ".svg"));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -108,9 +108,10 @@ TEST(Symbol, HasOnlyTheRequestedColor) {
     }
 }
 
-TEST(Symbol, TickOfTheFilledDiscIsAHole) {
+TEST(Symbol, CheckMarkOfTheFilledDiscIsTransparent) {
     const auto image = drawn("checkmark.circle.fill", 96);
-    EXPECT_EQ(qAlpha(image.pixel(96 * 107 / 240, 96 * 155 / 240)), 0) << "the corner of the tick";
+    EXPECT_EQ(qAlpha(image.pixel(96 * 107 / 240, 96 * 155 / 240)), 0)
+        << "the corner of the check mark should be transparent";
     EXPECT_EQ(qAlpha(image.pixel(48, 16)), 255);
 }
 
@@ -122,7 +123,7 @@ TEST(Symbol, UnknownNameIsNotDrawn) {
     EXPECT_TRUE(hasSymbol("eye"));
 }
 
-TEST(Symbol, EmptyPlaceIsNotPainted) {
+TEST(Symbol, NothingIsPaintedIntoAnEmptyRectangle) {
     auto image = blank({8, 8});
     QPainter painter(&image);
     drawSymbol(painter, QRectF(2, 2, 0, 4), "eye", ink);
@@ -130,7 +131,7 @@ TEST(Symbol, EmptyPlaceIsNotPainted) {
     EXPECT_TRUE(isEmpty(image));
 }
 
-TEST(Symbol, LiesOnWholePixelsAtEveryRatio) {
+TEST(Symbol, IsAlignedToWholePixelsAtEveryPixelRatio) {
     for (const auto ratio : {1.0, 1.25, 1.5, 2.0, 3.0}) {
         auto image = blank({96, 96});
         image.setDevicePixelRatio(ratio);
@@ -161,7 +162,7 @@ TEST(Symbol, DoesNotChangeThePainter) {
     EXPECT_EQ(painter.opacity(), 0.5);
 }
 
-TEST(Symbol, KeepsItsShapeInAWidePlace) {
+TEST(Symbol, KeepsItsShapeInAWideRectangle) {
     auto image = blank({64, 32});
     QPainter painter(&image);
     drawSymbol(painter, image.rect(), "gear", ink);

@@ -29,7 +29,7 @@ protected:
     }
 };
 
-TEST_F(AppMonitorServiceTest, StartsWithWhatIsThere) {
+TEST_F(AppMonitorServiceTest, StartsWithTheCurrentApplicationAndWindows) {
     EXPECT_EQ(appMonitor().frontmostApp.get(), editor);
     EXPECT_FALSE(isFullscreen());
     desktop.workspace.windows = Windows{{1920, 1080}};
@@ -51,7 +51,7 @@ TEST_F(AppMonitorServiceTest, ActivationWithoutAnApplicationChangesNothing) {
     EXPECT_TRUE(isFullscreen());
 }
 
-TEST_F(AppMonitorServiceTest, WindowOfExactlyTheMainScreensSizeIsFullScreenWhoeverOwnsIt) {
+TEST_F(AppMonitorServiceTest, AnyWindowOfExactlyTheMainScreensSizeIsFullScreen) {
     for (const auto& windows : {Windows{{1920, 1080}}, Windows{{300, 200}, {1920, 1080}}}) {
         activateWith(Windows{});
         EXPECT_FALSE(isFullscreen());
@@ -60,7 +60,7 @@ TEST_F(AppMonitorServiceTest, WindowOfExactlyTheMainScreensSizeIsFullScreenWhoev
     }
 }
 
-TEST_F(AppMonitorServiceTest, WindowOfAnotherSizeOrNoneIsNot) {
+TEST_F(AppMonitorServiceTest, WindowOfAnotherOrUnknownSizeIsNotFullScreen) {
     for (const auto& window :
          {WindowInfo{1920, 1079}, WindowInfo{1920.5, 1080}, WindowInfo{1080, 1920},
           WindowInfo{2560, 1440}, WindowInfo{std::nullopt, 1080}, WindowInfo{1920, std::nullopt},
@@ -70,7 +70,7 @@ TEST_F(AppMonitorServiceTest, WindowOfAnotherSizeOrNoneIsNot) {
     }
 }
 
-TEST_F(AppMonitorServiceTest, ListThatCannotBeReadDoesNotChangeTheFlag) {
+TEST_F(AppMonitorServiceTest, UnreadableWindowListDoesNotChangeTheFlag) {
     activateWith(Windows{{1920, 1080}});
     activateWith(std::nullopt);
     EXPECT_TRUE(isFullscreen());
@@ -83,7 +83,7 @@ TEST_F(AppMonitorServiceTest, WithoutAMainScreenNoWindowCounts) {
     EXPECT_FALSE(isFullscreen());
 }
 
-TEST_F(AppMonitorServiceTest, OwnFullScreenWindowsPostNotifications) {
+TEST_F(AppMonitorServiceTest, NotificationsOfOwnFullScreenWindowsChangeTheFlag) {
     desktop.notificationCenter.post(windowDidEnterFullScreenNotification);
     EXPECT_TRUE(isFullscreen());
     desktop.notificationCenter.post(windowDidExitFullScreenNotification);

@@ -38,7 +38,7 @@ TEST_F(FeedbackServiceTest, PostsWhatWasWritten) {
         (Json{{"message", "It is dark here."}, {"type", "bug"}, {"email", "me@example.org"}}));
 }
 
-TEST_F(FeedbackServiceTest, EmailOfBlanksIsLeftOut) {
+TEST_F(FeedbackServiceTest, BlankEmailIsLeftOut) {
     write("hello", " \xC2\xA0\xE3\x80\x80 ");
     feedback().send();
     EXPECT_EQ(sentJson(), (Json{{"message", "hello"}, {"type", "suggestion"}}));
@@ -62,10 +62,10 @@ TEST_F(FeedbackServiceTest, OnlyStatus200IsSuccess) {
         EXPECT_EQ(error(), "Failed to send. Please try again.") << status;
         EXPECT_FALSE(feedback().isSending.get());
         EXPECT_FALSE(feedback().sent.get());
-        EXPECT_EQ(feedback().message.get(), "hello") << "the form is kept";
+        EXPECT_EQ(feedback().message.get(), "hello") << "the form should keep its content";
     }
     feedback().send();
-    EXPECT_EQ(error(), "") << "cleared when it is sent again";
+    EXPECT_EQ(error(), "") << "sending again should clear the error";
     desktop.urlSession.answer({.statusCode = 200});
     EXPECT_TRUE(feedback().sent.get());
     EXPECT_EQ(error(), "");
@@ -79,7 +79,7 @@ TEST_F(FeedbackServiceTest, NetworkErrorIsShownAsItIs) {
     EXPECT_FALSE(feedback().isSending.get());
 }
 
-TEST_F(FeedbackServiceTest, EmptyMessageAndSecondMessageAreNotSent) {
+TEST_F(FeedbackServiceTest, NothingIsSentIfTheMessageIsEmptyOrAnotherIsBeingSent) {
     write(" \n ");
     feedback().send();
     EXPECT_TRUE(calls("dataTask").empty());
@@ -89,7 +89,7 @@ TEST_F(FeedbackServiceTest, EmptyMessageAndSecondMessageAreNotSent) {
     EXPECT_EQ(calls("dataTask").size(), 1U);
 }
 
-TEST_F(FeedbackServiceTest, WithoutAnAddressOrWithInvalidTextNothingCanBePrepared) {
+TEST_F(FeedbackServiceTest, NoRequestIsPreparedWithoutAnAddressOrWithInvalidText) {
     FeedbackService nowhere(desktop.urlSession, "");
     nowhere.message.set("hello");
     nowhere.send();
@@ -101,7 +101,7 @@ TEST_F(FeedbackServiceTest, WithoutAnAddressOrWithInvalidTextNothingCanBePrepare
     EXPECT_TRUE(calls("dataTask").empty());
 }
 
-TEST_F(FeedbackServiceTest, AnotherMessageBeginsEmptyAndKeepsTheAddress) {
+TEST_F(FeedbackServiceTest, NextMessageStartsEmptyAndKeepsTheEmailAddress) {
     write("hello", "me@example.org");
     feedback().send();
     desktop.urlSession.answer({.statusCode = 200});
@@ -111,7 +111,7 @@ TEST_F(FeedbackServiceTest, AnotherMessageBeginsEmptyAndKeepsTheAddress) {
     EXPECT_EQ(feedback().email.get(), "me@example.org");
 }
 
-TEST_F(FeedbackServiceTest, AnswerAfterTheEndOfTheProgramIsIgnored) {
+TEST_F(FeedbackServiceTest, AnswerAfterTheProgramHasEndedIsIgnored) {
     write("hello");
     feedback().send();
     dropProgram();

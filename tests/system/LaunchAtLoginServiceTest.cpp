@@ -7,7 +7,7 @@ namespace {
 
 class LaunchAtLoginServiceTest : public TestDesktop {
 protected:
-    /// What the service prints on standard output while `action` runs.
+    /// Returns what the service prints on standard output while `action` runs.
     template <class Action>
     std::string said(Action action) {
         testing::internal::CaptureStdout();
@@ -46,7 +46,7 @@ TEST_F(LaunchAtLoginServiceTest, EnablesAndDisables) {
     EXPECT_FALSE(launchAtLogin().isEnabled.get());
 }
 
-TEST_F(LaunchAtLoginServiceTest, FailureIsOneLineAndChangesNothing) {
+TEST_F(LaunchAtLoginServiceTest, FailurePrintsOneLineAndChangesNothing) {
     desktop.loginItem.error = "No space left on device";
     int published = 0;
     const auto subscription =

@@ -19,7 +19,8 @@ protected:
         settings().breakTimerEnabled.set(true);
         settings().breakIntervalMinutes.set(1);
     }
-    /// Launches and delivers the answer to the authorization request.
+    /// Launches the program, delivers the answer to its authorization request and returns what it
+    /// printed.
     std::string printedAtLaunch() {
         ::testing::internal::CaptureStdout();
         launch();
@@ -39,10 +40,10 @@ TEST_F(NotificationServiceTest, RegistersTheCategoryWithItsTwoButtons) {
               (std::vector<UserNotificationCategory>{
                   {"BREAK_REMINDER", {{"SKIP_BREAK", "Skip"}, {"SNOOZE_BREAK", "Snooze 5 min"}}}}));
     EXPECT_EQ(calls("requestAuthorization"), std::vector<std::string>{"requestAuthorization 6"});
-    EXPECT_TRUE(desktop.notifications.shown.empty()) << "the program posts no notifications";
+    EXPECT_TRUE(desktop.notifications.shown.empty()) << "the program should post no notifications";
 }
 
-TEST_F(NotificationServiceTest, FailureIsPrintedAndARefusalIsNot) {
+TEST_F(NotificationServiceTest, ErrorIsPrintedAndARefusalIsNot) {
     desktop.notifications.isGranted = false;
     EXPECT_EQ(printedAtLaunch(), "");
     quit();
@@ -51,16 +52,16 @@ TEST_F(NotificationServiceTest, FailureIsPrintedAndARefusalIsNot) {
     EXPECT_EQ(printedAtLaunch(), "Notification authorization error: no service\n");
 }
 
-TEST_F(NotificationServiceTest, NotificationIsShownAsABannerWithSoundEvenInFront) {
+TEST_F(NotificationServiceTest, NotificationIsABannerWithSoundEvenIfTheProgramIsInFront) {
     launch();
     desktop.notifications.add({"Break", "Look away", "BREAK_REMINDER"});
     EXPECT_EQ(desktop.notifications.shown.at(0).presentation, 18U);
 }
 
-TEST_F(NotificationServiceTest, ButtonsActOnTheBreakAndOnNothingElse) {
+TEST_F(NotificationServiceTest, OnlyTheTwoButtonsDuringABreakHaveAnEffect) {
     launch();
     for (const auto* const action : {"SKIP_BREAK", "SNOOZE_BREAK"}) {
-        EXPECT_TRUE(choose(action)) << "before any break";
+        EXPECT_TRUE(choose(action)) << "a button should be accepted before any break";
     }
     EXPECT_EQ(breakTimer().statistics.get(), BreakStatistics{});
 
@@ -77,7 +78,7 @@ TEST_F(NotificationServiceTest, ButtonsActOnTheBreakAndOnNothingElse) {
     EXPECT_EQ(breakTimer().statistics.get().skippedBreaks, 1);
 }
 
-TEST_F(NotificationServiceTest, ResponseAfterTheEndOfTheProgramIsIgnored) {
+TEST_F(NotificationServiceTest, ResponseAfterTheProgramHasEndedIsIgnored) {
     launch();
     desktop.notifications.add({"Break", "Look away", "BREAK_REMINDER"});
     quit();

@@ -47,9 +47,11 @@ TEST_F(ShortcutsManagerTest, EachPressIsAppliedTwiceWithTheSameValue) {
     desktop.keyboard.pressBrightnessDown();
     const auto written = calls("set");
     ASSERT_EQ(written.size(), 3U);
-    EXPECT_TRUE(written[0].starts_with("setDisplayTransferByTable")) << "by the subscription";
-    EXPECT_EQ(written[1], "setDouble unifiedBrightness") << "written before the direct call";
-    EXPECT_EQ(written[2], written[0]) << "the direct call";
+    EXPECT_TRUE(written[0].starts_with("setDisplayTransferByTable"))
+        << "the subscription should write the tables first";
+    EXPECT_EQ(written[1], "setDouble unifiedBrightness")
+        << "the setting should be stored before the direct call";
+    EXPECT_EQ(written[2], written[0]) << "the direct call should write the same tables again";
     EXPECT_FLOAT_EQ(shownDimming(external), 1 - 0.6875F);
 }
 
@@ -61,7 +63,7 @@ TEST_F(ShortcutsManagerTest, PressIsAppliedWithoutAnySubscription) {
     EXPECT_EQ(calls("setDisplayTransferByTable").size(), 1U);
 }
 
-TEST_F(ShortcutsManagerTest, FullBlackIsNotConsultedByTheKeys) {
+TEST_F(ShortcutsManagerTest, KeysIgnoreTheFullBlackSetting) {
     settings().allowFullBlack.set(false);
     settings().unifiedBrightness.set(0.0625);
     shortcuts().startMonitoring();

@@ -49,7 +49,7 @@ protected:
         view.show();
         QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, view.mapFromScene(place));
     }
-    /// The fraction of the pixels in which two pictures differ.
+    /// Returns the fraction of the pixels in which two pictures differ.
     static double difference(const QImage& a, const QImage& b) {
         int count = 0;
         for (int y = 0; y < a.height(); ++y) {
@@ -74,16 +74,18 @@ protected:
 TEST_F(DesktopSceneTest, EveryDisplayIsPaintedAtItsOwnSize) {
     EXPECT_EQ(scene->picture(builtIn).size(), QSize(800, 600));
     EXPECT_EQ(scene->picture(external).size(), QSize(640, 480));
-    EXPECT_EQ(difference(scene->picture(external), scene->picture(external)), 0) << "the same";
+    EXPECT_EQ(difference(scene->picture(external), scene->picture(external)), 0)
+        << "the same picture should be drawn twice";
 }
 
-TEST_F(DesktopSceneTest, PopoverIsOpenedByTheStatusItemAndClosedElsewhere) {
+TEST_F(DesktopSceneTest, ClickOnTheStatusItemOpensThePopoverAndOneElsewhereClosesIt) {
     const auto before = scene->picture(builtIn);
     const auto beside = scene->picture(external);
     clickAt(statusItem);
     ASSERT_TRUE(desktop.popover.isShown());
     EXPECT_GT(difference(before, scene->picture(builtIn)), 0.1);
-    EXPECT_EQ(difference(beside, scene->picture(external)), 0) << "it is entirely on its display";
+    EXPECT_EQ(difference(beside, scene->picture(external)), 0)
+        << "the popover should be entirely on its own display";
     clickAt({20, 14});
     EXPECT_FALSE(desktop.popover.isShown());
     EXPECT_EQ(difference(before, scene->picture(builtIn)), 0);
@@ -106,16 +108,17 @@ TEST_F(DesktopSceneTest, ControlsOfThePopoverWork) {
         return std::abs(qRed(sky) - qBlue(sky));
     };
     EXPECT_GT(colorOfSky(before), 40);
-    EXPECT_LT(colorOfSky(gray), 6) << "apart from the white point";
+    EXPECT_LT(colorOfSky(gray), 6) << "only the tint of the white point should be left";
     EXPECT_GT(difference(before, gray), 0.5);
 }
 
-TEST_F(DesktopSceneTest, BrightnessShowsOnEveryDisplay) {
+TEST_F(DesktopSceneTest, BrightnessIsVisibleOnEveryDisplay) {
     const auto brightBuiltIn = brightest(scene->picture(builtIn));
     const auto brightExternal = brightest(scene->picture(external));
     settings().unifiedBrightness.set(0.6);
-    EXPECT_LT(brightest(scene->picture(builtIn)), brightBuiltIn) << "the backlight";
-    EXPECT_EQ(brightest(scene->picture(external)), brightExternal) << "it has no backlight";
+    EXPECT_LT(brightest(scene->picture(builtIn)), brightBuiltIn) << "the backlight should be lower";
+    EXPECT_EQ(brightest(scene->picture(external)), brightExternal)
+        << "a display without a backlight should not change";
     settings().unifiedBrightness.set(0.25);
     EXPECT_NEAR(brightest(scene->picture(external)), brightExternal / 2.0, 2);
 }
@@ -144,7 +147,8 @@ TEST_F(DesktopSceneTest, BreakCoversEveryDisplay) {
     const auto before = scene->picture(external);
     desktop.runLoop.advance(61s);
     EXPECT_GT(difference(before, scene->picture(external)), 0.95);
-    EXPECT_LT(brightest(scene->picture(external).copy(0, 0, 640, 60)), 80) << "it is dark";
+    EXPECT_LT(brightest(scene->picture(external).copy(0, 0, 640, 60)), 80)
+        << "the cover should be dark";
 }
 
 } // namespace

@@ -11,12 +11,13 @@ class DisplayPipelineTest : public TestDesktop {
 protected:
     bool isGray = false;
 
-    /// The visible color for a color that is sent.
+    /// Returns the color that is visible when `sent` is sent to the display.
     QColor seen(DisplayId id, const QColor& sent) {
         QImage picture(3, 2, QImage::Format_RGB32);
         picture.fill(sent);
         DisplayPipeline(desktop.displays.display(id), isGray).apply(picture);
-        EXPECT_EQ(picture.pixel(0, 0), picture.pixel(2, 1)) << "all of it";
+        EXPECT_EQ(picture.pixel(0, 0), picture.pixel(2, 1))
+            << "the whole picture should have one color";
         return QColor(picture.pixel(2, 1));
     }
     void startAt(double brightness) {
@@ -47,17 +48,19 @@ TEST_F(DisplayPipelineTest, TablesOfTheProgramAreVisible) {
         EXPECT_EQ(color.green(), std::lround(255 * display.green[place]));
         EXPECT_EQ(color.blue(), std::lround(255 * display.blue[place]));
     }
-    EXPECT_EQ(seen(external, Qt::white).red(), 128) << "half of the level";
+    EXPECT_EQ(seen(external, Qt::white).red(), 128) << "half of the level should be left";
 }
 
-TEST_F(DisplayPipelineTest, BacklightDimsTheLightAndNotTheLevel) {
+TEST_F(DisplayPipelineTest, BacklightScalesTheLightAndNotTheLevel) {
     plugBuiltIn();
     desktop.displays.display(builtIn).backlight = 0.5F;
-    EXPECT_EQ(seen(builtIn, Qt::white), QColor(188, 188, 188)) << "half of the light";
+    EXPECT_EQ(seen(builtIn, Qt::white), QColor(188, 188, 188))
+        << "half of the light should be left";
     EXPECT_EQ(seen(builtIn, Qt::black), QColor(Qt::black));
     plugExternal();
     desktop.displays.display(external).backlight = 0.5F;
-    EXPECT_EQ(seen(external, Qt::white), QColor(Qt::white)) << "it has no backlight";
+    EXPECT_EQ(seen(external, Qt::white), QColor(Qt::white))
+        << "a display without a backlight should not change";
 }
 
 TEST_F(DisplayPipelineTest, FilterRemovesTheColorBeforeTheTables) {
@@ -71,7 +74,7 @@ TEST_F(DisplayPipelineTest, FilterRemovesTheColorBeforeTheTables) {
     settings().warmthLevel.set(1);
     launch();
     const auto warm = seen(external, Qt::white);
-    EXPECT_GT(warm.red(), warm.blue()) << "gray is warm if the tables are";
+    EXPECT_GT(warm.red(), warm.blue()) << "gray should be warm if the tables are";
 }
 
 } // namespace

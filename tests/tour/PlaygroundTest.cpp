@@ -29,7 +29,7 @@ protected:
                 return;
             }
         }
-        ADD_FAILURE() << text.toStdString();
+        ADD_FAILURE() << "there should be a button " << text.toStdString();
     }
 };
 

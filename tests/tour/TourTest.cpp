@@ -14,7 +14,7 @@ namespace {
 
 constexpr auto centralEurope = "CET-1CEST,M3.5.0,M10.5.0/3";
 
-/// Returns the number of pictures of a day.
+/// Simulates a day, writes its page into `folder` and returns the number of pictures.
 std::size_t spendADayIn(const std::string& folder) {
     Tour tour(QString::fromStdString(folder));
     spendADay(tour);
@@ -23,7 +23,7 @@ std::size_t spendADayIn(const std::string& folder) {
     return tour.scenes().size();
 }
 
-TEST(Tour, DayIsAsPromisedAndTheSameEveryTime) {
+TEST(Tour, DayMeetsItsExpectationsAndIsTheSameEveryTime) {
     const TimeZone zone(centralEurope);
     const TemporaryFolder first;
     const TemporaryFolder second;
@@ -42,10 +42,10 @@ TEST(Tour, DayIsAsPromisedAndTheSameEveryTime) {
             EXPECT_TRUE(std::regex_search(page, shown)) << name;
         }
     }
-    EXPECT_EQ(files, pictures + 2) << "the page and the trace";
+    EXPECT_EQ(files, pictures + 2) << "only the page and the trace should be added to the pictures";
 }
 
-TEST(Tour, UnmetExpectationFailsIt) {
+TEST(Tour, UnmetExpectationFailsTheTour) {
     const TemporaryFolder folder;
     Tour tour(QString::fromStdString(folder.path()));
     tour.launch();
@@ -55,7 +55,7 @@ TEST(Tour, UnmetExpectationFailsIt) {
     tour.quit();
 }
 
-TEST(Tour, FolderThatCannotBeWrittenFailsIt) {
+TEST(Tour, UnwritableFolderFailsTheTour) {
     Tour tour(QStringLiteral("/nowhere"));
     tour.launch();
     tour.take(QStringLiteral("A picture"), {});

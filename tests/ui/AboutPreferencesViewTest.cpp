@@ -24,7 +24,7 @@ TEST_F(AboutPreferencesViewTest, ShowsTheVersion) {
     EXPECT_TRUE(shows("Version 1.2.3 (45)"));
 }
 
-TEST_F(AboutPreferencesViewTest, TogglesWriteStraightToTheUpdater) {
+TEST_F(AboutPreferencesViewTest, TogglesWriteDirectlyToTheUpdater) {
     openAbout();
     EXPECT_FALSE(autoCheck().isChecked());
     EXPECT_FALSE(autoDownload().isChecked());
@@ -34,7 +34,8 @@ TEST_F(AboutPreferencesViewTest, TogglesWriteStraightToTheUpdater) {
     EXPECT_TRUE(desktop.updater.downloadsAutomatically);
     click("autoCheckToggle");
     EXPECT_FALSE(desktop.updater.checksAutomatically);
-    EXPECT_TRUE(desktop.userDefaults.table.stored().empty()) << "they are not in the settings";
+    EXPECT_TRUE(desktop.userDefaults.table.stored().empty())
+        << "the choices should not be in the settings";
 }
 
 TEST_F(AboutPreferencesViewTest, TogglesAreReadWheneverTheTabAppears) {
@@ -49,7 +50,7 @@ TEST_F(AboutPreferencesViewTest, TogglesAreReadWheneverTheTabAppears) {
     EXPECT_TRUE(autoDownload().isChecked());
 }
 
-TEST_F(AboutPreferencesViewTest, CheckIsStartedIfItIsPossible) {
+TEST_F(AboutPreferencesViewTest, ButtonStartsACheckIfOneIsPossible) {
     openAbout();
     EXPECT_FALSE(check().isEnabled());
     desktop.updater.canCheckForUpdates.set(true);
@@ -59,7 +60,7 @@ TEST_F(AboutPreferencesViewTest, CheckIsStartedIfItIsPossible) {
     EXPECT_FALSE(check().isEnabled());
 }
 
-TEST_F(AboutPreferencesViewTest, ReasonWhyItCannotCheckIsShown) {
+TEST_F(AboutPreferencesViewTest, ReasonForNoChecksIsShown) {
     for (const auto& [availability, reason] :
          {std::pair{Updater::Availability::noFeed,
                     "This build of Nocta does not know where to look for updates."},
@@ -71,7 +72,8 @@ TEST_F(AboutPreferencesViewTest, ReasonWhyItCannotCheckIsShown) {
         EXPECT_TRUE(shows(reason));
         click("autoCheckToggle");
     }
-    EXPECT_EQ(calls("setAutomaticallyChecksForUpdates").size(), 2U) << "they still write";
+    EXPECT_EQ(calls("setAutomaticallyChecksForUpdates").size(), 2U)
+        << "the toggles should still write";
 }
 
 } // namespace

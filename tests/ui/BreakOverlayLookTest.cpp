@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-// Checks the look of a break's cover in its picture.
+// Checks how the cover of a break looks, in rendered pictures.
 
 namespace nocta {
 namespace {
@@ -25,8 +25,8 @@ struct DrawnText {
     QPointF place;
 };
 
-/// Records the texts that are painted on it and their fonts, because two weights may look the same
-/// in the fonts of a machine.
+/// Records each text that is painted on this device, with its font. A rendered picture is not
+/// enough, because two weights may look the same in the fonts of a machine.
 class TextRecorder final : public QPaintDevice {
 public:
     explicit TextRecorder(QSize size) : size_(size) {}
@@ -83,12 +83,12 @@ protected:
     static constexpr int faint = 51; // white at 0.2
 
     void SetUp() override {
-        desktop.workspace.reducesMotion = true; // the ring jumps
+        desktop.workspace.reducesMotion = true; // the ring does not move smoothly
         ShownBreak::SetUp();
     }
 
-    /// Has a transparent background, so that opacities can be measured. Its colors are
-    /// premultiplied: red is the amount of white.
+    /// Renders the view on a transparent background, so that opacities can be measured. The colors
+    /// are premultiplied: red is the amount of white.
     QImage picture() {
         QImage picture(view->size(), QImage::Format_ARGB32_Premultiplied);
         picture.fill(Qt::transparent);
@@ -114,7 +114,8 @@ protected:
         return {};
     }
 
-    /// The white at the middle of the ring's line, at `degrees` clockwise from the top.
+    /// Returns the amount of white at `degrees` clockwise from the top of the ring, by default in
+    /// the middle of its line.
     int onRing(const QImage& picture, double degrees, double radius = 50) {
         const auto angle = degrees * std::numbers::pi / 180;
         const auto center = QRectF(QRect(ring().mapTo(&*view, QPoint()), ring().size())).center();
@@ -124,7 +125,7 @@ protected:
     }
     void expectRing(double progress) {
         const auto now = picture();
-        constexpr double cap = 4; // degrees: the round end and one pixel
+        constexpr double cap = 4; // degrees: the rounded end and one pixel
         for (double degrees = cap; degrees <= 360 - cap; degrees += 1) {
             const auto end = 360 * progress;
             if (std::abs(degrees - end) > cap) {
@@ -133,7 +134,8 @@ protected:
         }
     }
 
-    /// The filled area of a button, found in the picture from the middle of its left padding.
+    /// Returns the filled area of a button. Searches the picture from the middle of the left
+    /// padding.
     QRect bodyOf(QPushButton& button, const QImage& picture, int fill) {
         const auto place = QRect(button.mapTo(&*view, QPoint()), button.size());
         const auto start = QPoint(place.left() + 14, place.center().y());
@@ -154,7 +156,8 @@ protected:
         }
         return {QPoint(left, top), QPoint(right.x(), reach({0, 1}).y())};
     }
-    /// The label in the body font, centered in the fill, pixel by pixel except at the corners.
+    /// Expects the label in the body font, centered in the fill. Compares every pixel except at the
+    /// corners.
     void expectLabel(QPushButton& button, const QString& text, QColor fill, QColor ink) {
         const auto now = picture();
         const auto body = bodyOf(button, now, qRound(white * fill.alphaF()));
@@ -173,11 +176,11 @@ protected:
             }
         }
         EXPECT_LT(red(now, body.topLeft()), red(now, body.topLeft() + QPoint(8, 8)) / 2)
-            << "round corners";
+            << "the corners should be rounded";
     }
 };
 
-TEST_F(BreakOverlayLookTest, BackdropIsSeventyPercentBlackUpToEveryEdge) {
+TEST_F(BreakOverlayLookTest, BackdropIsSeventyPercentBlackOutToEveryEdge) {
     const auto now = picture();
     for (const auto point : {QPoint(0, 0), QPoint(1279, 0), QPoint(0, 799), QPoint(1279, 799)}) {
         const auto pixel = raw(now, point);
@@ -186,7 +189,7 @@ TEST_F(BreakOverlayLookTest, BackdropIsSeventyPercentBlackUpToEveryEdge) {
     }
 }
 
-TEST_F(BreakOverlayLookTest, TextsAreWhiteInTheirOpacitiesWeightsAndSizes) {
+TEST_F(BreakOverlayLookTest, TextsAreWhiteWithTheRightOpacityWeightAndSize) {
     struct Expected {
         QString text;
         QFont::Weight weight;
@@ -199,7 +202,7 @@ TEST_F(BreakOverlayLookTest, TextsAreWhiteInTheirOpacitiesWeightsAndSizes) {
         {"20s", QFont::Medium, 1, 1},
         {"Press Space to skip", QFont::Normal, 10.0 / 13, 0.5}};
     const auto drawn = texts();
-    ASSERT_EQ(drawn.size(), expected.size()) << "from top to bottom";
+    ASSERT_EQ(drawn.size(), expected.size()) << "these texts should be drawn from top to bottom";
     const auto body = QFontInfo(view->font()).pointSizeF();
     for (std::size_t i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(drawn[i].text, expected[i].text);
@@ -212,7 +215,7 @@ TEST_F(BreakOverlayLookTest, TextsAreWhiteInTheirOpacitiesWeightsAndSizes) {
     }
 }
 
-TEST_F(BreakOverlayLookTest, ColumnIsInTheMiddleInItsOrder) {
+TEST_F(BreakOverlayLookTest, ColumnIsCenteredAndInOrder) {
     const auto drawn = texts();
     ASSERT_EQ(drawn.size(), 4U);
     const auto now = picture();
@@ -227,11 +230,11 @@ TEST_F(BreakOverlayLookTest, ColumnIsInTheMiddleInItsOrder) {
         }
     }
     ASSERT_FALSE(rows.empty());
-    EXPECT_NEAR(rows.front() + rows.back(), now.height(), 25) << "the middle of the column";
+    EXPECT_NEAR(rows.front() + rows.back(), now.height(), 25) << "the column should be centered";
     const auto ringTop = ring().mapTo(&*view, QPoint()).y();
     const auto ringBottom = ringTop + ring().height();
     const auto buttonTop = skip().mapTo(&*view, QPoint()).y();
-    EXPECT_LT(rows.front() + 40, drawn[0].place.y()) << "the eye";
+    EXPECT_LT(rows.front() + 40, drawn[0].place.y()) << "the eye should be at the top";
     EXPECT_LT(drawn[0].place.y(), drawn[1].place.y());
     EXPECT_LT(drawn[1].place.y() + 20, ringTop);
     EXPECT_NEAR(drawn[2].place.y(), (ringTop + ringBottom) / 2.0, 10);
@@ -240,7 +243,7 @@ TEST_F(BreakOverlayLookTest, ColumnIsInTheMiddleInItsOrder) {
     EXPECT_LT(buttonTop + skip().height(), drawn[3].place.y());
 }
 
-TEST_F(BreakOverlayLookTest, EyeIsOnTopAsLargeAsInAFontOfFiftyPoints) {
+TEST_F(BreakOverlayLookTest, EyeIsAtTheTopAndAsLargeAsInAFiftyPointFont) {
     const auto now = picture();
     QImage eye(60, 60, now.format());
     eye.fill(qPremultiply(qRgba(0, 0, 0, backdropAlpha)));
@@ -265,19 +268,19 @@ TEST_F(BreakOverlayLookTest, EyeIsOnTopAsLargeAsInAFontOfFiftyPoints) {
 
 TEST_F(BreakOverlayLookTest, RingClosesClockwiseFromTheTop) {
     expectRing(0);
-    EXPECT_NEAR(onRing(picture(), 0), faint, 2) << "no arc yet";
+    EXPECT_NEAR(onRing(picture(), 0), faint, 2) << "there should be no arc yet";
     for (int second = 1; second <= 19; ++second) {
         desktop.runLoop.advance(1s);
         expectRing(second / 20.0);
     }
     breakTimer().stop();
     ring().setProgress(1);
-    EXPECT_NEAR(onRing(picture(), 0), white, 2) << "closed";
+    EXPECT_NEAR(onRing(picture(), 0), white, 2) << "the ring should be closed";
 }
 
-TEST_F(BreakOverlayLookTest, RingIsACircleOfAHundredPointsStrokedFourWideWithRoundEnds) {
+TEST_F(BreakOverlayLookTest, RingIsAHundredPointsWideWithAFourPointLineAndRoundedEnds) {
     EXPECT_NEAR(ring().mapTo(&*view, QPoint()).x() + ring().width() / 2.0, 640, 0.5);
-    desktop.runLoop.advance(10s); // one half
+    desktop.runLoop.advance(10s); // half of the break
     const auto now = picture();
     for (const auto& [degrees, level] : {std::pair{90, white}, {270, faint}}) {
         for (const double radius : {48.5, 49.5, 50.5, 51.5}) {
@@ -294,7 +297,7 @@ TEST_F(BreakOverlayLookTest, RingIsACircleOfAHundredPointsStrokedFourWideWithRou
     EXPECT_NEAR(onRing(now, 180 + 3.5 * onePoint), faint, 2);
 }
 
-TEST_F(BreakOverlayLookTest, SecondsAreThoseOfTheBreakInTheMiddleOfTheRing) {
+TEST_F(BreakOverlayLookTest, SecondsOfTheBreakAreInTheMiddleOfTheRing) {
     EXPECT_EQ(seconds(), "20s");
     const auto now = picture();
     QRect ink;
@@ -318,20 +321,20 @@ TEST_F(BreakOverlayLookTest, OtherStatesDoNotChangeTheRingAndShowNoSeconds) {
     expectRing(0.25);
     breakTimer().start();
     desktop.runLoop.advance(10s);
-    EXPECT_EQ(seconds(), "0s") << "the countdown has fifty";
+    EXPECT_EQ(seconds(), "0s") << "the seconds of the countdown should not show";
     expectRing(0.25);
     makeView();
-    EXPECT_EQ(seconds(), "0s") << "in a new view as well";
+    EXPECT_EQ(seconds(), "0s") << "a new view should show no seconds either";
     expectRing(0);
 }
 
-TEST_F(BreakOverlayLookTest, ButtonsAreTwentyApartWithTheFullOneOnTheRight) {
+TEST_F(BreakOverlayLookTest, ButtonsAreTwentyPointsApartWithTheFilledOneOnTheRight) {
     const auto now = picture();
     const auto left = bodyOf(skip(), now, faint);
     const auto right = bodyOf(snooze(), now, white);
     EXPECT_EQ(right.left() - left.right() - 1, 20);
     EXPECT_EQ(left.top(), right.top());
-    EXPECT_NEAR(left.left() + right.right() + 1, 1280, 1) << "the middle of the row";
+    EXPECT_NEAR(left.left() + right.right() + 1, 1280, 1) << "the row should be centered";
 }
 
 TEST_F(BreakOverlayLookTest, ButtonsShowTheirLabels) {
@@ -339,7 +342,7 @@ TEST_F(BreakOverlayLookTest, ButtonsShowTheirLabels) {
     expectLabel(snooze(), "Snooze 5 min", Qt::white, Qt::black);
 }
 
-TEST_F(BreakOverlayLookTest, WholePressedButtonHasAnOpacityOfEightTenths) {
+TEST_F(BreakOverlayLookTest, PressedButtonHasAnOpacityOfEightTenthsEverywhere) {
     const auto before = picture();
     for (auto* const button : {&skip(), &snooze()}) {
         button->setDown(true);
@@ -355,7 +358,7 @@ TEST_F(BreakOverlayLookTest, WholePressedButtonHasAnOpacityOfEightTenths) {
     }
 }
 
-TEST_F(BreakOverlayLookTest, FocusIsARingAroundTheButtonThatHasIt) {
+TEST_F(BreakOverlayLookTest, FocusedButtonHasARingAroundIt) {
     const auto before = picture();
     const auto body = bodyOf(snooze(), before, white);
     const auto gap = body.topLeft() + QPoint(20, -2);

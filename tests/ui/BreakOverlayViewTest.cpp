@@ -19,13 +19,14 @@ TEST(BreakProgress, IsTheElapsedFractionOfTheBreak) {
     EXPECT_EQ(breakProgress(15, 20), 0.25);
     EXPECT_EQ(breakProgress(0, 20), 1.0);
     EXPECT_EQ(breakProgress(-1, 20), 1.0);
-    EXPECT_EQ(breakProgress(30, 20), 0.0) << "the duration was shortened during the break";
+    EXPECT_EQ(breakProgress(30, 20), 0.0)
+        << "a break longer than the new duration should have no progress";
     for (const double duration : {0.0, -1.0, -9e18}) {
         EXPECT_EQ(breakProgress(duration, duration), 1.0) << duration;
     }
 }
 
-TEST(SecondsLeft, AreZeroOutsideOfABreak) {
+TEST(SecondsLeft, AreZeroOutsideABreak) {
     EXPECT_EQ(secondsLeft(Active{20}), 20);
     EXPECT_EQ(secondsLeft(Active{0}), 0);
     EXPECT_EQ(secondsLeft(Counting{1200}), 0);
@@ -47,7 +48,7 @@ TEST_F(BreakOverlayViewTest, SaysWhatToDo) {
     EXPECT_EQ(snooze().text(), "Snooze 5 min");
 }
 
-TEST_F(BreakOverlayViewTest, ButtonsAndEnterPressTheRightOne) {
+TEST_F(BreakOverlayViewTest, ClicksAndEnterPressTheRightButton) {
     QTest::mouseClick(&skip(), Qt::LeftButton);
     EXPECT_EQ(skips, 1);
     QTest::mouseClick(&snooze(), Qt::LeftButton);
@@ -60,7 +61,7 @@ TEST_F(BreakOverlayViewTest, ButtonsAndEnterPressTheRightOne) {
     EXPECT_EQ(skips, 2);
 }
 
-TEST_F(BreakOverlayViewTest, NoButtonHasTheKeyboardAtFirstAndTabGoesFromOneToTheOther) {
+TEST_F(BreakOverlayViewTest, NoButtonHasFocusAtFirstAndTabMovesBetweenThem) {
     for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_A}) {
         QTest::keyClick(view->windowHandle(), key);
     }
@@ -77,7 +78,7 @@ TEST_F(BreakOverlayViewTest, NoButtonHasTheKeyboardAtFirstAndTabGoesFromOneToThe
 TEST_F(BreakOverlayViewTest, RingEasesOverASecondToEachNewValue) {
     EXPECT_EQ(ring().progress(), 0.0);
     desktop.runLoop.advance(1s);
-    EXPECT_EQ(ring().progress(), 0.0) << "the first second has just passed";
+    EXPECT_EQ(ring().progress(), 0.0) << "the ring should only start to move now";
     desktop.runLoop.advance(500ms);
     EXPECT_NEAR(ring().progress(), 0.025, 1e-9);
     desktop.runLoop.advance(499ms);
@@ -96,7 +97,7 @@ TEST_F(BreakOverlayViewTest, RingJumpsIfMotionIsReduced) {
     EXPECT_EQ(ring().progress(), 0.1);
 }
 
-TEST_F(BreakOverlayViewTest, ScreenReaderGetsTheSecondsAtMostEveryTenSeconds) {
+TEST_F(BreakOverlayViewTest, ScreenReaderGetsTheSecondsOnlyEveryTenSeconds) {
     EXPECT_EQ(ring().accessibleName(), "Seconds left: 20");
     QStringList told;
     for (int second = 0; second < 20; ++second) {

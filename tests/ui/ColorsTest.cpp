@@ -25,7 +25,7 @@ const std::vector<QPalette> desktops = {
     paletteOf(Qt::black, Qt::white),
 };
 
-TEST(Colors, ContrastRatioFollowsTheGuidelines) {
+TEST(Colors, ContrastRatioMatchesTheGuidelines) {
     EXPECT_NEAR(contrastRatio(Qt::black, Qt::white), 21, 1e-9);
     EXPECT_NEAR(contrastRatio(Qt::white, Qt::white), 1, 1e-9);
     EXPECT_NEAR(contrastRatio({0x77, 0x77, 0x77}, Qt::white), 4.48, 0.005);

@@ -8,7 +8,7 @@
 
 namespace nocta {
 
-// Prints the texts of a failed comparison.
+// Lets GoogleTest print the texts of a failed comparison.
 void PrintTo(const QString& text, std::ostream* stream) {
     *stream << text.toStdString();
 }
@@ -26,7 +26,7 @@ TEST(Descriptions, PercentagesAreTruncated) {
     }
 }
 
-TEST(Descriptions, StatusLineOfEveryState) {
+TEST(Descriptions, StatusLineDescribesEveryState) {
     const auto counting = [](double seconds) { return breakStatusLine(Counting{seconds}); };
     EXPECT_EQ(counting(0), "0s left");
     EXPECT_EQ(counting(59.9), "59s left");
@@ -41,7 +41,7 @@ TEST(Descriptions, StatusLineOfEveryState) {
     EXPECT_EQ(breakStatusLine(Idle{}), "Off");
 }
 
-TEST(Descriptions, TemperaturesChangeTheirNamesAtTheThresholds) {
+TEST(Descriptions, DescriptionsOfTemperaturesChangeAtTheThresholds) {
     for (const auto& [kelvin, text] : {std::pair(1000, "Candlelight"),
                                        {2999, "Candlelight"},
                                        {3000, "Very warm"},
@@ -67,7 +67,7 @@ TEST(Descriptions, WarmthIsOneOfThreeWords) {
     }
 }
 
-TEST(Descriptions, CompletionRateIsOfAllBreaksAndTruncated) {
+TEST(Descriptions, CompletionRateCountsAllBreaksAndIsTruncated) {
     const auto rate = [](std::int64_t completed, std::int64_t total) {
         return completionRate({.totalBreaks = total, .completedBreaks = completed});
     };
@@ -87,7 +87,7 @@ TEST(Descriptions, ProfileSaysHowOftenItHasBreaks) {
     EXPECT_EQ(breakSummary(profile), "Every 25 min");
 }
 
-TEST(Descriptions, OnlyAuthorizedStatusesAreGranted) {
+TEST(Descriptions, OnlyAuthorizedStatusesCountAsGranted) {
     EXPECT_TRUE(isGranted(AuthorizationStatus::authorized));
     EXPECT_TRUE(isGranted(AuthorizationStatus::authorizedWhenInUse));
     for (const auto status : {AuthorizationStatus::notDetermined, AuthorizationStatus::restricted,

@@ -1,5 +1,5 @@
-// Rules for every view: nothing is cut off or left untranslated, every control can be reached and
-// has a name, in any language and direction.
+// Rules for every view, in any language and direction: nothing is cut off or left untranslated, and
+// every control has a name and can be reached with the keyboard.
 
 #include "support/Face.h"
 #include "tour/PseudoLocale.h"
@@ -80,7 +80,7 @@ std::vector<Place> places() {
 class EveryViewTest : public Face {
 protected:
     void SetUp() override {
-        settings().grayscaleEnabled.set(true); // shows another note
+        settings().grayscaleEnabled.set(true); // shows one more note
     }
     void TearDown() override {
         Face::TearDown();
@@ -98,7 +98,7 @@ protected:
         }
     }
 
-    /// Whether the toolkit made the widget as a part of a control.
+    /// Returns whether Qt made the widget as a part of a control.
     static bool isPartOfAControl(const QWidget& child) {
         const auto* const parent = child.parentWidget();
         return qobject_cast<const QComboBox*>(parent) != nullptr ||
@@ -173,7 +173,7 @@ private:
     PseudoLocale translator_;
 };
 
-/// Counts the windows that are shown while it lives.
+/// Counts the windows that are shown while it exists.
 struct WindowCounter : QObject {
     int shown = 0;
 
@@ -185,7 +185,7 @@ struct WindowCounter : QObject {
     }
 };
 
-TEST_F(EveryViewTest, NothingIsATopLevelWindowWhileTheViewIsMade) {
+TEST_F(EveryViewTest, NoTopLevelWindowIsShownWhileAViewIsMade) {
     for (const auto& place : places()) {
         const WindowCounter windows;
         const auto made = place.make(realViews, desktop.updater);
@@ -207,7 +207,7 @@ TEST_F(EveryViewTest, NothingIsCutOffOrLeftOutInALongerLanguage) {
     });
 }
 
-TEST_F(EveryViewTest, NothingIsCutOffInTwiceTheFontSize) {
+TEST_F(EveryViewTest, NothingIsCutOffAtTwiceTheFontSize) {
     const auto font = QApplication::font();
     auto large = font;
     large.setPointSizeF(2 * font.pointSizeF());
@@ -216,7 +216,7 @@ TEST_F(EveryViewTest, NothingIsCutOffInTwiceTheFontSize) {
     QApplication::setFont(font);
 }
 
-TEST_F(EveryViewTest, EveryControlHasANameARoleAndAFocus) {
+TEST_F(EveryViewTest, EveryControlHasANameARoleAndFocus) {
     visitAll([this] {
         for (auto* const child : visibleWidgets()) {
             const auto isControl = qobject_cast<QAbstractButton*>(child) != nullptr ||
@@ -243,7 +243,7 @@ TEST_F(EveryViewTest, EveryControlHasANameARoleAndAFocus) {
     });
 }
 
-TEST_F(EveryViewTest, TabGoesFromTopToBottomThroughEveryControl) {
+TEST_F(EveryViewTest, TabMovesThroughEveryControlFromTopToBottom) {
     settings().grayscaleEnabled.set(false);
     visitAll([this] {
         std::vector<QWidget*> way;
@@ -252,7 +252,7 @@ TEST_F(EveryViewTest, TabGoesFromTopToBottomThroughEveryControl) {
             ASSERT_NE(QApplication::focusWidget(), nullptr);
             way.push_back(QApplication::focusWidget());
         } while (way.size() < 60 && way.back() != way.front());
-        ASSERT_LT(way.size(), 60U) << "Tab never returns to the first control";
+        ASSERT_LT(way.size(), 60U) << "Tab should return to the first control";
         way.resize(way.size() > 1 ? way.size() - 1 : 1);
         std::ranges::rotate(way, std::ranges::min_element(way, {}, [this](const QWidget* control) {
                                 const auto place = control->mapTo(&widget(), QPoint());
@@ -281,11 +281,11 @@ TEST_F(EveryViewTest, LayoutsAreMirrored) {
     visitAll([this] { expectNothingIsCutOff(); });
 }
 
-TEST_F(EveryViewTest, FollowsAChangeOfTheTheme) {
+TEST_F(EveryViewTest, FollowsThemeChanges) {
     open(realViews.makePopoverContentView([] {}), QSize(300, 280));
     const auto& status = control<QLabel>("breakStatus");
     const auto expectToFollow = [&] {
-        QCoreApplication::processEvents(); // delivers the change of the palette
+        QCoreApplication::processEvents(); // delivers the palette change
         EXPECT_EQ(status.palette().color(QPalette::WindowText),
                   secondaryColor(QApplication::palette()));
     };

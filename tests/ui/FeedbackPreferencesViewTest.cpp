@@ -23,7 +23,7 @@ protected:
     nlohmann::json sentJson() { return nlohmann::json::parse(desktop.urlSession.waiting()->body); }
 };
 
-TEST_F(FeedbackPreferencesViewTest, WhatIsTypedIsSent) {
+TEST_F(FeedbackPreferencesViewTest, TypedTextIsSent) {
     EXPECT_TRUE(shows("Help shape Nocta — share a suggestion, report a bug, or tell us what you "
                       "think."));
     EXPECT_EQ(message().placeholderText(), "What's on your mind?");
@@ -45,7 +45,7 @@ TEST_F(FeedbackPreferencesViewTest, WhatIsTypedIsSent) {
     EXPECT_TRUE(message().isVisible());
 }
 
-TEST_F(FeedbackPreferencesViewTest, FailureIsShownAndTheFormIsKept) {
+TEST_F(FeedbackPreferencesViewTest, FailureIsShownAndTheFormKeepsItsContent) {
     QTest::keyClicks(&message(), "Dark is good.");
     click("sendButton");
     desktop.urlSession.answer({.statusCode = 204});
@@ -57,7 +57,7 @@ TEST_F(FeedbackPreferencesViewTest, FailureIsShownAndTheFormIsKept) {
     EXPECT_TRUE(shows("Host not found"));
 }
 
-TEST_F(FeedbackPreferencesViewTest, UnfinishedMessageOutlivesItsWindow) {
+TEST_F(FeedbackPreferencesViewTest, UnfinishedMessageIsKeptWhenTheWindowCloses) {
     QTest::keyClicks(&message(), "Half a thou");
     view.reset();
     openTab();

@@ -48,7 +48,7 @@ std::set<QString> textsInFile() {
 
 class LanguageTest : public Face {};
 
-TEST_F(LanguageTest, EnglishHasItsSingulars) {
+TEST_F(LanguageTest, EnglishHasSingulars) {
     settings().breakIntervalMinutes.set(1);
     settings().breakDurationSeconds.set(1);
     const Language english(QLocale(QStringLiteral("en_GB")));
@@ -59,7 +59,7 @@ TEST_F(LanguageTest, EnglishHasItsSingulars) {
     EXPECT_EQ(control<QComboBox>("intervalPicker").currentText(), "Every 25 minutes");
 }
 
-TEST_F(LanguageTest, LanguageWithoutAFileIsEnglish) {
+TEST_F(LanguageTest, LanguageWithoutAFileFallsBackToEnglish) {
     settings().breakIntervalMinutes.set(1);
     const Language icelandic(QLocale(QStringLiteral("is_IS")));
     open(realViews.makePreferencesView());
@@ -100,15 +100,16 @@ TEST_F(LanguageTest, TranslatorsFindEveryTextThatIsShown) {
     for (const auto* const ofAPort : {"Preferences", "Welcome to Nocta", "Skip", "Snooze 5 min"}) {
         expected.insert(QString::fromUtf8(ofAPort));
     }
-    EXPECT_GT(expected.size(), 90U) << "the views were not found";
+    EXPECT_GT(expected.size(), 90U) << "the texts of the views should be found";
     const auto found = textsInFile();
     for (const auto& text : expected) {
         EXPECT_TRUE(found.contains(text))
-            << text.toStdString() << ": build the target translations to update the files";
+            << text.toStdString()
+            << " should be in the file; build the target translations to update the files";
     }
 }
 
-TEST_F(LanguageTest, DetailsOfATextAreShownAsTheyAre) {
+TEST_F(LanguageTest, DetailsInATextAreNotTranslated) {
     const Recorder recorder;
     EXPECT_EQ(Text::of("The file cannot be kept: /tmp: No space left on device"),
               "The file cannot be kept: /tmp: No space left on device");

@@ -24,7 +24,7 @@ protected:
     }
 };
 
-TEST_F(OnboardingViewTest, FourStepsLeadToTheEndAndBack) {
+TEST_F(OnboardingViewTest, FourStepsGoForwardAndBack) {
     EXPECT_EQ(widget().size(), QSize(500, 580));
     EXPECT_TRUE(shows("Welcome to Nocta"));
     EXPECT_TRUE(shows("Take care of your eyes, without thinking about it."));
@@ -44,14 +44,14 @@ TEST_F(OnboardingViewTest, FourStepsLeadToTheEndAndBack) {
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(OnboardingViewTest, KeyboardIsEnoughForAllSteps) {
+TEST_F(OnboardingViewTest, AllStepsWorkWithTheKeyboard) {
     for (int i = 0; i < 4; ++i) {
         QTest::keyClick(widget().focusWidget(), Qt::Key_Space);
     }
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(OnboardingViewTest, AllowAsksAndAGrantShowsTheCheckMark) {
+TEST_F(OnboardingViewTest, AllowAsksTheUserAndAGrantShowsACheckMark) {
     goTo(1);
     EXPECT_TRUE(shows("(Optional)"));
     EXPECT_TRUE(shows("You can always change these in System Preferences."));
@@ -75,17 +75,17 @@ TEST_F(OnboardingViewTest, RefusalKeepsTheButtonAndTurnsLocationOff) {
     EXPECT_TRUE(shows("Choose Your Style"));
 }
 
-TEST_F(OnboardingViewTest, CardSaysWhatItsProfileDoes) {
+TEST_F(OnboardingViewTest, CardDescribesItsProfile) {
     goTo(2);
     for (const auto* const text :
          {"Everyday", "Balanced for daily use", "75%", "Neutral", "Every 20 min", "Night Owl",
           "40%", "Warm", "Every 30 min", "Focus", "60%", "Cool", "Every 25 min", "Eye Relief"}) {
         EXPECT_TRUE(shows(text)) << text;
     }
-    EXPECT_EQ(shownTexts().count("Eye Relief"), 1) << "for the gray profile";
+    EXPECT_EQ(shownTexts().count("Eye Relief"), 1) << "only the gray profile should mention it";
 }
 
-TEST_F(OnboardingViewTest, ChosenCardTakesEffectAtOnce) {
+TEST_F(OnboardingViewTest, ChosenCardTakesEffectImmediately) {
     plugExternal();
     settings().autoWarmthEnabled.set(false);
     desktop.runLoop.advance(1s); // the transition to manual mode
@@ -133,7 +133,7 @@ TEST_F(OnboardingViewTest, AdjustmentsAreKept) {
     EXPECT_EQ(settings().unifiedBrightness.get(), 0.59);
 }
 
-TEST_F(OnboardingViewTest, LastStepOffersTheLogin) {
+TEST_F(OnboardingViewTest, LastStepOffersLaunchAtLogin) {
     goTo(3);
     EXPECT_TRUE(shows("Nocta lives in your menu bar — click the eye icon anytime to adjust your "
                       "settings."));

@@ -12,17 +12,18 @@ TEST(Percent, FractionsAreTruncated) {
     EXPECT_EQ(wholePercent(0.0), 0);
     EXPECT_EQ(wholePercent(0.999), 99);
     EXPECT_EQ(wholePercent(1.0), 100);
-    EXPECT_EQ(wholePercent(0.29), 28) << "the double nearest to 0.29 is below it";
+    EXPECT_EQ(wholePercent(0.29), 28)
+        << "the double nearest to 0.29 is less than that and should be truncated";
     EXPECT_EQ(wholePercent(0.57), 56);
     EXPECT_EQ(wholePercent(0.58), 57);
 }
 
-TEST(PercentDeathTest, PercentageThatDoesNotFitAnIntegerStopsTheProgram) {
+TEST(PercentDeathTest, PercentageTooLargeForAnIntegerStopsTheProgram) {
     EXPECT_DEATH(wholePercent(1e300), "too large for an integer");
     EXPECT_DEATH(wholePercent(std::nan("")), "too large for an integer");
 }
 
-TEST(Percent, EveryPercentageHasTheSmallestFractionThatShowsAsIt) {
+TEST(Percent, EveryPercentageMapsToTheSmallestFractionThatShowsIt) {
     for (int percent = 0; percent <= 100; ++percent) {
         const auto fraction = fractionOfPercent(percent);
         EXPECT_EQ(wholePercent(fraction), percent);

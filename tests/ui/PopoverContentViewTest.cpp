@@ -25,7 +25,7 @@ protected:
     QString status() { return control<QLabel>("breakStatus").text(); }
     double brightness() { return settings().unifiedBrightness.get(); }
 
-    /// The position of the knob on the slider at that value.
+    /// Returns the position of the knob on the slider at that value.
     static QPoint placeOf(const QSlider& slider, int percent) {
         constexpr int reach = 12; // half the knob, and the ring around it
         const auto way = slider.width() - 2 * reach;
@@ -34,15 +34,16 @@ protected:
     }
 };
 
-TEST_F(PopoverContentViewTest, EnglishFitsIntoItsSize) {
+TEST_F(PopoverContentViewTest, EnglishTextsFit) {
     EXPECT_EQ(widget().size(), QSize(300, 280));
 }
 
-TEST_F(PopoverContentViewTest, OpensOnTheCurrentValue) {
+TEST_F(PopoverContentViewTest, OpensWithTheCurrentValue) {
     EXPECT_EQ(shownBrightness(), "75%");
     EXPECT_EQ(slider().value(), 75);
     EXPECT_EQ(slider().accessibleName(), "Brightness");
-    EXPECT_TRUE(desktop.userDefaults.table.stored().empty()) << "showing a value writes nothing";
+    EXPECT_TRUE(desktop.userDefaults.table.stored().empty())
+        << "showing a value should write nothing";
 }
 
 TEST_F(PopoverContentViewTest, KeysMoveByOneAndByTenPercent) {
@@ -56,7 +57,7 @@ TEST_F(PopoverContentViewTest, KeysMoveByOneAndByTenPercent) {
     EXPECT_EQ(brightness(), 1.0);
 }
 
-TEST_F(PopoverContentViewTest, EveryStepShowsWhatItIs) {
+TEST_F(PopoverContentViewTest, EveryStepShowsItsPercentage) {
     settings().unifiedBrightness.set(0);
     for (int percent = 1; percent <= 100; ++percent) {
         QTest::keyClick(&slider(), Qt::Key_Right);
@@ -68,7 +69,7 @@ TEST_F(PopoverContentViewTest, EveryStepShowsWhatItIs) {
 TEST_F(PopoverContentViewTest, DraggingTheKnobWritesOnceForEachStep) {
     const auto start = placeOf(slider(), 75);
     QTest::mousePress(&slider(), Qt::LeftButton, {}, start);
-    EXPECT_TRUE(calls("setDouble").empty()) << "the knob has not moved yet";
+    EXPECT_TRUE(calls("setDouble").empty()) << "a press on the knob should write nothing";
     for (int percent = 74; percent >= 30; --percent) {
         QTest::mouseMove(&slider(), placeOf(slider(), percent));
     }
@@ -76,7 +77,7 @@ TEST_F(PopoverContentViewTest, DraggingTheKnobWritesOnceForEachStep) {
     EXPECT_EQ(brightness(), 0.3);
     EXPECT_EQ(calls("setDouble").size(), 45U);
     QTest::mouseMove(&slider(), placeOf(slider(), 80));
-    EXPECT_EQ(brightness(), 0.3) << "the mouse button is released";
+    EXPECT_EQ(brightness(), 0.3) << "the slider should not follow after the release";
 }
 
 TEST_F(PopoverContentViewTest, DragBeyondTheEndStopsThere) {
@@ -88,7 +89,7 @@ TEST_F(PopoverContentViewTest, DragBeyondTheEndStopsThere) {
     QTest::mouseRelease(&slider(), Qt::LeftButton);
 }
 
-TEST_F(PopoverContentViewTest, PressBesideTheKnobMovesItThere) {
+TEST_F(PopoverContentViewTest, ClickBesideTheKnobMovesItThere) {
     QTest::mouseClick(&slider(), Qt::LeftButton, {}, placeOf(slider(), 20));
     EXPECT_EQ(brightness(), 0.2);
     QTest::mouseClick(&slider(), Qt::RightButton, {}, placeOf(slider(), 90));
@@ -100,7 +101,7 @@ TEST_F(PopoverContentViewTest, WheelMovesTheSlider) {
     QWheelEvent down(place, slider().mapToGlobal(place), {}, QPoint(0, -120), Qt::NoButton, {},
                      Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(&slider(), &down);
-    EXPECT_EQ(shownBrightness(), "72%") << "by three lines";
+    EXPECT_EQ(shownBrightness(), "72%") << "the wheel should move it by three lines";
 }
 
 TEST_F(PopoverContentViewTest, MirroredSliderGrowsToTheLeft) {
@@ -120,7 +121,7 @@ TEST_F(PopoverContentViewTest, ChangeFromElsewhereMovesTheViewAndIsNotWrittenBac
     EXPECT_EQ(calls("setDouble").size(), 1U);
 }
 
-TEST_F(PopoverContentViewTest, ValueOutsideTheRangeIsShownAsItIsAndNotWrittenBack) {
+TEST_F(PopoverContentViewTest, ValueOutsideTheRangeIsShownUnchangedAndNotWrittenBack) {
     settings().unifiedBrightness.set(1.5);
     EXPECT_EQ(shownBrightness(), "150%");
     EXPECT_EQ(slider().value(), 100);
@@ -130,7 +131,7 @@ TEST_F(PopoverContentViewTest, ValueOutsideTheRangeIsShownAsItIsAndNotWrittenBac
     EXPECT_EQ(slider().value(), 0);
 }
 
-TEST_F(PopoverContentViewTest, WarmthSliderIsThereInManualModeOnly) {
+TEST_F(PopoverContentViewTest, WarmthSliderIsShownOnlyInManualMode) {
     EXPECT_TRUE(shows("Adjusts with sunset"));
     EXPECT_FALSE(warmth().isVisible());
     settings().warmthLevel.set(0.7);
@@ -149,7 +150,7 @@ TEST_F(PopoverContentViewTest, WarmthSliderIsThereInManualModeOnly) {
     EXPECT_TRUE(warmth().isVisible());
 }
 
-TEST_F(PopoverContentViewTest, ArrowKeysChooseAmongTheSegments) {
+TEST_F(PopoverContentViewTest, ArrowKeysSelectTheSegments) {
     button("Auto").setFocus();
     QTest::keyClick(&button("Auto"), Qt::Key_Right);
     EXPECT_FALSE(settings().autoWarmthEnabled.get());
@@ -189,10 +190,10 @@ TEST_F(PopoverContentViewTest, FooterButtonsWork) {
     EXPECT_EQ(preferences, 1);
     launch();
     click("quitButton");
-    EXPECT_EQ(calls("synchronize").size(), 1U) << "the program has ended";
+    EXPECT_EQ(calls("synchronize").size(), 1U) << "the program should end";
 }
 
-TEST_F(PopoverContentViewTest, UpdatesAreCheckedIfThatIsPossible) {
+TEST_F(PopoverContentViewTest, UpdatesCanBeCheckedIfTheUpdaterAllowsIt) {
     EXPECT_FALSE(button("Check for Updates").isEnabled());
     desktop.updater.canCheckForUpdates.set(true);
     click("checkForUpdatesButton");
@@ -204,7 +205,7 @@ TEST_F(PopoverContentViewTest, UpdatesAreCheckedIfThatIsPossible) {
               "This build of Nocta does not know where to look for updates.");
 }
 
-/// Counts the texts that are requested while it lives.
+/// Counts the texts that are requested while it exists.
 class TextCounter final : public QTranslator {
 public:
     mutable int texts = 0;
@@ -219,7 +220,7 @@ public:
     }
 };
 
-TEST_F(PopoverContentViewTest, ClosedViewFollowsNothing) {
+TEST_F(PopoverContentViewTest, ClosedViewDoesNotUpdate) {
     const TextCounter counter;
     const auto changeAll = [&] {
         counter.texts = 0;
@@ -230,7 +231,7 @@ TEST_F(PopoverContentViewTest, ClosedViewFollowsNothing) {
         desktop.updater.canCheckForUpdates.set(true);
         return counter.texts;
     };
-    EXPECT_EQ(changeAll(), 2) << "the percentage and the status line";
+    EXPECT_EQ(changeAll(), 2) << "only the percentage and the status line should change";
     view.reset();
     EXPECT_EQ(changeAll(), 0);
 }

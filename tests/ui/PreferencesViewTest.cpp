@@ -20,7 +20,7 @@ protected:
                 return;
             }
         }
-        FAIL() << "no tab " << title.toStdString();
+        FAIL() << "there should be a tab " << title.toStdString();
     }
     QComboBox& picker(const QString& name) { return control<QComboBox>(name); }
     void pick(const QString& name, const QString& choice) {
@@ -52,7 +52,8 @@ TEST_F(PreferencesViewTest, LaunchToggleIsBoundToTheServiceAndRevertsOnFailure) 
     click("launchAtLoginToggle");
     EXPECT_TRUE(launchAtLogin().isEnabled.get());
     settings().resetToDefaults();
-    EXPECT_TRUE(button("launchAtLoginToggle").isChecked()) << "a reset does not unregister";
+    EXPECT_TRUE(button("launchAtLoginToggle").isChecked())
+        << "a reset should not turn launch at login off";
     desktop.loginItem.error = "Permission denied";
     testing::internal::CaptureStdout();
     click("Launch at login");
@@ -61,7 +62,7 @@ TEST_F(PreferencesViewTest, LaunchToggleIsBoundToTheServiceAndRevertsOnFailure) 
     EXPECT_TRUE(button("launchAtLoginToggle").isChecked());
 }
 
-TEST_F(PreferencesViewTest, IconIsPickedByItsSymbol) {
+TEST_F(PreferencesViewTest, IconIsChosenByItsSymbol) {
     EXPECT_TRUE(button("Eye").isChecked());
     click("Leaf");
     EXPECT_EQ(settings().menuBarIcon.get(), MenuBarIcon::leaf);
@@ -100,7 +101,7 @@ TEST_F(PreferencesViewTest, ResetMovesEveryOpenControlAndDoesNotChangeTheFirstLa
     EXPECT_EQ(control<QSpinBox>("dayTemperature").value(), 6500);
 }
 
-TEST_F(PreferencesViewTest, BrightnessTabExplainsAndMovesTheBrightness) {
+TEST_F(PreferencesViewTest, BrightnessTabExplainsAndSetsTheBrightness) {
     choose("Brightness");
     for (const auto* const line :
          {"Nocta extends your brightness range beyond what macOS allows. The setting applies to "
@@ -129,12 +130,14 @@ TEST_F(PreferencesViewTest, ColorTabShowsTheTemperaturesWithTheirDescriptions) {
     EXPECT_EQ(settings().colorTemperatureNight.get(), 2800);
     night.selectAll();
     QTest::keyClicks(&night, "3800");
-    EXPECT_EQ(settings().colorTemperatureNight.get(), 2800) << "not yet entered";
+    EXPECT_EQ(settings().colorTemperatureNight.get(), 2800)
+        << "a number should not count before it is entered";
     QTest::keyClick(&night, Qt::Key_Return);
     EXPECT_EQ(settings().colorTemperatureNight.get(), 3800);
     EXPECT_TRUE(shows("Warm"));
     settings().colorTemperatureDay.set(20000);
-    EXPECT_EQ(control<QSpinBox>("Day").value(), 20000) << "shown as it is";
+    EXPECT_EQ(control<QSpinBox>("Day").value(), 20000)
+        << "a value out of range should be shown unchanged";
     EXPECT_EQ(settings().colorTemperatureDay.get(), 20000);
 }
 
@@ -169,7 +172,7 @@ TEST_F(PreferencesViewTest, BreaksTabWritesItsSettings) {
     EXPECT_FALSE(settings().suspendDuringMeetings.get());
 }
 
-TEST_F(PreferencesViewTest, IntervalThatIsNotInTheListIsShownInItsPlace) {
+TEST_F(PreferencesViewTest, IntervalThatIsNotInTheListIsShownInOrder) {
     settings().breakIntervalMinutes.set(37);
     auto& list = picker("intervalPicker");
     EXPECT_EQ(list.currentText(), "Every 37 minutes");
@@ -178,7 +181,7 @@ TEST_F(PreferencesViewTest, IntervalThatIsNotInTheListIsShownInItsPlace) {
     EXPECT_EQ(settings().breakIntervalMinutes.get(), 37);
 }
 
-TEST_F(PreferencesViewTest, NumberOneIsSingularInEnglish) {
+TEST_F(PreferencesViewTest, OneIsSingularInEnglish) {
     settings().breakIntervalMinutes.set(1);
     settings().breakDurationSeconds.set(1);
     EXPECT_EQ(picker("intervalPicker").currentText(), "Every 1 minute");

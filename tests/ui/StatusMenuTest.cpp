@@ -32,19 +32,20 @@ protected:
     }
 };
 
-TEST_F(StatusMenuTest, BrightnessIsChosenAndShown) {
+TEST_F(StatusMenuTest, BrightnessCanBeChosenAndIsShown) {
     EXPECT_TRUE(item("Brightness", "75%").isChecked());
     item("Brightness", "25%").trigger();
     EXPECT_EQ(settings().unifiedBrightness.get(), 0.25);
     EXPECT_TRUE(item("Brightness", "25%").isChecked());
     EXPECT_FALSE(item("Brightness", "75%").isChecked());
     item("Brightness", "25%").trigger();
-    EXPECT_TRUE(item("Brightness", "25%").isChecked()) << "choosing it again does not change it";
+    EXPECT_TRUE(item("Brightness", "25%").isChecked())
+        << "choosing the value again should not change it";
     settings().unifiedBrightness.set(0.3);
     EXPECT_FALSE(item("Brightness", "25%").isChecked());
 }
 
-TEST_F(StatusMenuTest, WarmthModeIsChosenAndShown) {
+TEST_F(StatusMenuTest, WarmthModeCanBeChosenAndIsShown) {
     EXPECT_TRUE(item("Warmth", "Auto").isChecked());
     item("Warmth", "Manual").trigger();
     EXPECT_FALSE(settings().autoWarmthEnabled.get());
@@ -54,7 +55,7 @@ TEST_F(StatusMenuTest, WarmthModeIsChosenAndShown) {
     EXPECT_FALSE(item("Warmth", "Manual").isChecked());
 }
 
-TEST_F(StatusMenuTest, UpdatesAreCheckedIfThatIsPossible) {
+TEST_F(StatusMenuTest, UpdatesCanBeCheckedIfTheUpdaterAllowsIt) {
     EXPECT_FALSE(item("Check for Updates").isEnabled());
     desktop.updater.canCheckForUpdates.set(true);
     item("Check for Updates").trigger();
@@ -73,7 +74,7 @@ TEST_F(StatusMenuTest, OtherItemsWork) {
     EXPECT_EQ(preferences, 1);
     launch();
     item("Quit Nocta").trigger();
-    EXPECT_EQ(calls("synchronize").size(), 1U) << "the program has ended";
+    EXPECT_EQ(calls("synchronize").size(), 1U) << "the program should end";
 }
 
 } // namespace

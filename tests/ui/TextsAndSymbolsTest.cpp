@@ -25,8 +25,8 @@ namespace {
 std::map<const QPaintDevice*, std::vector<std::string>> drawnSymbols;
 }
 
-// The linker redirects every call of nocta::drawSymbol here, so that the tests know which symbol
-// was painted on which widget (`--wrap` in tests/CMakeLists.txt).
+// The linker redirects every call of nocta::drawSymbol to this function (`--wrap` in
+// tests/CMakeLists.txt), so that the tests know which symbol was painted on which widget.
 #define NOCTA_DRAW_SYMBOL _ZN5nocta10drawSymbolER8QPainterRK6QRectFRK7QStringRK6QColor
 #define NOCTA_JOINED(prefix, name) prefix##name
 #define NOCTA_NAME(prefix, name) NOCTA_JOINED(prefix, name)
@@ -60,8 +60,8 @@ protected:
         Face::TearDown();
     }
 
-    /// The content of the view, in order: texts as they are, symbols in angle brackets, controls
-    /// with their kind before them.
+    /// Returns the content of the view in order: texts unchanged, symbols in angle brackets, and
+    /// each control after its kind.
     Lines shown() {
         drawnSymbols.clear();
         widget().grab();
@@ -125,7 +125,8 @@ private:
         }
     }
 
-    /// Checks that the order of the layout is the reading order: to the right, or further down.
+    /// Checks that the layout is in reading order: each part is to the right of the last one or
+    /// below it.
     void expectAfterTheLast(const QWidget& part, const std::string& line) {
         constexpr int tolerance = 8; // points
         const QRect place(part.mapTo(&widget(), QPoint()), part.size());

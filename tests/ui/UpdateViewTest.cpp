@@ -32,13 +32,14 @@ TEST_F(UpdateViewTest, UserIsAskedWhetherToCheck) {
     EXPECT_EQ(calls(), std::vector<std::string>{"dismiss"});
 }
 
-TEST_F(UpdateViewTest, ReleaseIsDescribedAndAnswered) {
+TEST_F(UpdateViewTest, ReleaseIsDescribedAndCanBeAnswered) {
     const UpdateFound found = {.version = "1.3", .releaseNotes = "<b>Darker</b>\nnights"};
     openAt(found);
     EXPECT_TRUE(shows("Nocta 1.3 is available"));
     EXPECT_TRUE(shows("You have version 1.2.3."));
     auto& notes = control<QPlainTextEdit>("releaseNotes");
-    EXPECT_EQ(notes.toPlainText(), "<b>Darker</b>\nnights") << "text, not markup";
+    EXPECT_EQ(notes.toPlainText(), "<b>Darker</b>\nnights")
+        << "the notes should be shown as text, not as markup";
     EXPECT_TRUE(notes.isReadOnly());
     EXPECT_EQ(buttons(), QStringList({"Skip This Version", "Remind Me Later", "Install"}));
     for (const auto& [button, call] :
