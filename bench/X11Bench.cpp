@@ -102,7 +102,8 @@ struct SessionOnX11 {
 };
 
 /// Measures the time from writing a brightness to the settings until the requests to the X server
-/// are flushed. The second argument says where the settings are; a file is written after that time.
+/// are flushed. The second argument selects settings in memory or in a file, which is written
+/// later.
 void sliderToServer(benchmark::State& state) {
     using Clock = std::chrono::steady_clock;
     SessionOnX11 session(state.range(0), static_cast<SessionOnX11::Store>(state.range(1)));

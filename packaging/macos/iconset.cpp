@@ -1,5 +1,5 @@
-// nocta-iconset DRAWING FOLDER: draws an SVG in every size of a macOS icon, into a folder for
-// iconutil.
+// nocta-iconset DRAWING FOLDER: renders an SVG at every macOS icon size and writes the images to a
+// folder for iconutil.
 
 #include <QDir>
 #include <QImage>

@@ -10,8 +10,8 @@
 
 namespace nocta {
 
-/// An ordered list of callbacks. Callbacks may be added and removed during a call of the list: a
-/// removed callback is not called anymore, and an added callback is first called in the next call.
+/// An ordered list of callbacks. Callbacks may be added and removed while the list is being called:
+/// a removed callback is no longer called, and an added one is first called the next time.
 template <class... Args>
 class CallbackList {
 public:

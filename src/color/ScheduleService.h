@@ -39,7 +39,7 @@ public:
     void updateSunPosition();
 
     /// Requests a new fix if the user has allowed it. The fix arrives through the subscription to
-    /// the location.
+    /// location updates.
     void refreshLocation();
 
 private:

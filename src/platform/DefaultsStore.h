@@ -12,8 +12,8 @@ namespace nocta {
 /// Stores the user's persistent values by key. The getters follow the rules of `DefaultsTable`. A
 /// getter returns a new value immediately; the store writes it to disk at the end of the run-loop
 /// turn. `synchronize` waits until everything is written. If writing fails, the caller is not
-/// notified, and the values in memory stay valid. Each function corresponds to one of
-/// NSUserDefaults on macOS.
+/// notified, and the values in memory stay valid. Each function corresponds to an NSUserDefaults
+/// method on macOS.
 class DefaultsStore {
 public:
     virtual ~DefaultsStore() = default;

@@ -5,8 +5,9 @@
 
 namespace nocta {
 
-/// Registers the category of break reminders with its two buttons, which skip or snooze the break.
-/// It does not post notifications itself. It exists for the lifetime of the process.
+/// Registers the notification category for break reminders, with its two buttons, which skip or
+/// snooze the break. It does not post notifications itself. It exists for the lifetime of the
+/// process.
 class NotificationService final : private UserNotificationCenterDelegate {
 public:
     NotificationService(UserNotificationCenter& center, BreakTimer& breakTimer);

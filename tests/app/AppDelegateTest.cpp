@@ -63,9 +63,9 @@ TEST_F(AppDelegateTest, LaunchCallsTheDesktopInOrder) {
                "window makeKeyAndOrderFront Welcome to Nocta", "activateIgnoringOtherApps"}));
 }
 
-/// Only services that call the desktop when they are made leave a trace here.
-TEST_F(AppDelegateTest, ServicesAreMadeInTheirOrder) {
-    dropProgram(); // the fixture has already used its settings
+/// Only services that call the desktop when they are created leave a trace here.
+TEST_F(AppDelegateTest, ServicesAreCreatedInOrder) {
+    dropProgram(); // the fixture's program has already read the settings
     plugBuiltIn();
     displayService().refreshDisplays(); // so that the brightness controller can probe a display
     desktop.trace.clear();

@@ -166,7 +166,7 @@ TEST_P(NoctaMuteBusTest, MuteAccessibilityBusBlocksNothing) {
 TEST_P(NoctaMuteBusTest, MuteServicesBlockNothing) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
-    client.becomeSystemTray(); // Qt would ask the watcher even for an icon in an XEmbed tray
+    client.becomeSystemTray(); // Qt would ask the watcher even if the icon is in this tray
     const MuteService services(bus,
                                {"org.kde.StatusNotifierWatcher", "org.a11y.Bus",
                                 "org.freedesktop.portal.Desktop", "org.freedesktop.Notifications"});

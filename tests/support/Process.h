@@ -44,7 +44,7 @@ int runToEnd(const std::vector<std::string>& command, const Process::Environment
 /// The folder that contains this test program and the project's programs.
 std::string programFolder();
 
-/// A new folder. The destructor removes it and its content.
+/// A new folder. The destructor removes it and its contents.
 class TemporaryFolder {
 public:
     TemporaryFolder();

@@ -25,8 +25,8 @@ struct DrawnText {
     QPointF place;
 };
 
-/// Records each text that is painted on this device, with its font. A rendered picture is not
-/// enough, because two weights may look the same in the fonts of a machine.
+/// Records each string painted on this device, with its font. A rendered picture is not enough,
+/// because two weights may look the same with the fonts that are installed.
 class TextRecorder final : public QPaintDevice {
 public:
     explicit TextRecorder(QSize size) : size_(size) {}

@@ -12,9 +12,9 @@ inline constexpr std::uint32_t tapDisabledByUserInputEventType = 0xFFFFFFFF;
 /// Why an event tap's callback is called.
 enum class TapEvent { keyDown, disabled, other };
 
-/// The system disables a tap if its callback was slow once, or if it interferes with the user's
-/// input. The system reports this with a special event, and the tap stays disabled until it is
-/// enabled again.
+/// The system disables a tap if its callback is too slow even once, or if it interferes with the
+/// user's input. The system reports this with a special event, and the tap stays disabled until it
+/// is enabled again.
 constexpr TapEvent tapEvent(std::uint32_t type) {
     switch (type) {
     case keyDownEventType:

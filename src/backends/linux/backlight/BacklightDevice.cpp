@@ -83,7 +83,7 @@ Relation relation(const path& device, const path& connector) {
     if (parent == targetOf(connector / "device/device")) {
         return Relation::ofCard;
     }
-    // The folder of a graphics card contains a folder "drm".
+    // A graphics card's folder contains a folder named "drm".
     return !connectorNameOf(parent).empty() || !targetOf(parent / "drm").empty()
                ? Relation::ofAnother
                : Relation::ofNone;

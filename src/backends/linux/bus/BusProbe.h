@@ -24,7 +24,7 @@ public:
     enum class State {
         pending,  ///< not answered yet, perhaps never
         answered, ///< an error counts as an answer
-        failed    ///< nothing listens there, or it is not a message bus that accepts this user
+        failed    ///< nothing is listening there, or it is not a message bus that accepts this user
     };
 
     /// `addresses` has the format of the environment variable: one or more, separated by

@@ -9,7 +9,7 @@ namespace nocta {
 /// folders stay as they are.
 std::error_code createPrivateFolders(const std::filesystem::path& folder);
 
-/// Whether a folder belongs to this user and no other user can change its content.
+/// Whether a folder belongs to this user and no other user can change its contents.
 bool isPrivateFolder(const std::filesystem::path& folder);
 
 } // namespace nocta

@@ -115,7 +115,7 @@ bool SingleInstance::bindSocket() {
            ::listen(socket_.get(), maxWaitingStarts) == 0;
 }
 
-/// Returns false immediately if nothing listens or the queue is full.
+/// Returns false immediately if nothing is listening or the queue is full.
 bool SingleInstance::connectTo(int socket) const {
     const auto address = addressIn(folder_.get(), name_ + ".socket");
     return connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;

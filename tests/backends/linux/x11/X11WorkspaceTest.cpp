@@ -243,13 +243,13 @@ TEST_F(X11WorkspaceOnTwoScreensTest, MainScreenIsTheScreenOfTheActiveWindow) {
     Words words;
     XApplication application("editor", "Editor");
     EXPECT_EQ(workspace.mainScreenFrame(), left)
-        << "the main display should count if no window is active";
+        << "it should be the main display if no window is active";
 
     words.setActiveWindow(application.open({right.x + 50, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), right);
     words.setActiveWindow(application.open({right.x - 100, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), right)
-        << "the display that contains most of the window should count";
+        << "it should be the display that contains most of the window";
     words.setActiveWindow(application.open({right.x - 200, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), left);
 
@@ -257,7 +257,7 @@ TEST_F(X11WorkspaceOnTwoScreensTest, MainScreenIsTheScreenOfTheActiveWindow) {
     ASSERT_TRUE(serveUntil([&] { return x.displays.displayIsMain(x.list()[1]); }));
     words.setActiveWindow(application.open({-500, -500, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), right)
-        << "the main display should count if the window is on neither display";
+        << "it should be the main display if the window is on neither";
     words.setActiveWindow(XCB_NONE);
     EXPECT_EQ(workspace.mainScreenFrame(), right);
 }
