@@ -79,7 +79,7 @@ TEST_P(NoctaGrayTest, NextLaunchRestoresTheColorsAfterProgramAndGuardianDie) {
     client.press(brightnessDownSymbol);
     ASSERT_TRUE(waitForBrightness(0.4375));
     nocta->signal(SIGTERM);
-    EXPECT_EQ(nocta->wait(), 0);
+    EXPECT_EQ(nocta->wait(), 0) << contentOf(output);
     EXPECT_TRUE(isColored());
     EXPECT_TRUE(isGivenBack());
 }
@@ -118,7 +118,7 @@ TEST_P(NoctaOnGnomeTest, HelperThatDiesIsReplacedWithoutLosingItsState) {
         return now.size() == 1 && now[0] != first[0] && gnome->isGray();
     }));
     nocta->signal(SIGTERM);
-    EXPECT_EQ(nocta->wait(), 0);
+    EXPECT_EQ(nocta->wait(), 0) << contentOf(output);
     EXPECT_EQ(gnome->everything(), before);
 }
 
