@@ -1,6 +1,6 @@
 #pragma once
 
-#include "backends/linux/x11/GammaRamp.h"
+#include "backends/linux/gamma/GammaRamp.h"
 
 #include <xcb/randr.h>
 

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// A CRTC's gamma ramp: 16-bit output levels, one list per channel, all of the same size.
+/// The gamma ramp of an output: 16-bit output levels, one list per channel, all of the same size.
 struct GammaRamp {
     std::vector<std::uint16_t> red;
     std::vector<std::uint16_t> green;

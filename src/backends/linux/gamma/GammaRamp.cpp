@@ -1,4 +1,4 @@
-#include "backends/linux/x11/GammaRamp.h"
+#include "backends/linux/gamma/GammaRamp.h"
 
 #include <algorithm>
 #include <cmath>
