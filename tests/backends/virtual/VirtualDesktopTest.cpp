@@ -4,7 +4,9 @@
 #include "contracts/BacklightContract.h"
 #include "contracts/DefaultsStoreContract.h"
 #include "contracts/DisplayFilterContract.h"
+#include "contracts/DisplayRemovalContract.h"
 #include "contracts/DisplaysContract.h"
+#include "contracts/GammaOutputContract.h"
 #include "contracts/KeyEventsContract.h"
 #include "contracts/LocationManagerContract.h"
 #include "contracts/LoginItemContract.h"
@@ -70,6 +72,8 @@ struct VirtualDesktopHarness {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DefaultsStoreContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DisplaysContract, VirtualDesktopHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DisplayRemovalContract, VirtualDesktopHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, GammaOutputContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, BacklightContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, DisplayFilterContract, VirtualDesktopHarness);
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, KeyEventsContract, VirtualDesktopHarness);

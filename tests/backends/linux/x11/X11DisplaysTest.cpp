@@ -1,11 +1,15 @@
 #include "backends/linux/x11/X11Session.h"
+#include "contracts/DisplayRemovalContract.h"
 #include "contracts/DisplaysContract.h"
+#include "contracts/GammaOutputContract.h"
 
 #include <utility>
 
 namespace nocta {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(X11, DisplaysContract, X11Harness);
+INSTANTIATE_TYPED_TEST_SUITE_P(X11, DisplayRemovalContract, X11Harness);
+INSTANTIATE_TYPED_TEST_SUITE_P(X11, GammaOutputContract, X11Harness);
 
 namespace {
 
