@@ -29,6 +29,9 @@
 #include "backends/linux/shell/SystemTray.h"
 #include "backends/linux/updates/AppcastUpdater.h"
 #include "backends/linux/updates/OpenPackage.h"
+#include "backends/linux/wayland/WaylandConnection.h"
+#include "backends/linux/wayland/WaylandDisplays.h"
+#include "backends/linux/wayland/WlrGammaOutput.h"
 #include "backends/linux/x11/Guardian.h"
 #include "backends/linux/x11/X11ColorMatrixFilter.h"
 #include "backends/linux/x11/X11Connection.h"
@@ -108,6 +111,13 @@ bool canConnectToX() {
     return isConnected;
 }
 
+/// Whether the compositor lets its clients set gamma tables. Nocta then leaves X alone, because a
+/// connection to it would start an Xwayland that may not be needed.
+bool canSetGammaOnWayland() {
+    return !environment("WAYLAND_DISPLAY").empty() &&
+           WaylandConnection::isOffered(zwlr_gamma_control_manager_v1_interface);
+}
+
 bool canConnectToWayland(const std::string& display) {
     const auto path = waylandSocket(environment("XDG_RUNTIME_DIR"), display);
     sockaddr_un address{};
@@ -154,6 +164,7 @@ std::string accessibilityBus(X11Connection& connection) {
 /// The ports that this session supports for displays, gamma, grayscale, keys and applications. This
 /// is the only place that chooses them.
 struct DisplayServer {
+    std::unique_ptr<WaylandConnection> wayland;
     std::unique_ptr<X11Connection> connection;
     std::unique_ptr<Guardian> guardian;
     std::unique_ptr<Displays> displays;
@@ -172,6 +183,21 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
     if (auto magnifier = std::make_unique<MagnifierFilter>(stateFolder() / "magnifier");
         magnifier->isAvailable()) {
         server.grayscale = std::move(magnifier);
+    }
+    if (canSetGammaOnWayland()) {
+        server.wayland = std::make_unique<WaylandConnection>(runLoop);
+        auto displays =
+            std::make_unique<WaylandDisplays>(*server.wayland, runLoop, notificationCenter);
+        auto gamma = std::make_unique<WlrGammaOutput>(*server.wayland, *displays, runLoop);
+        server.gammaAfterWake = wake.observe([output = gamma.get()] { output->sendAgain(); });
+        server.gammaOutput = std::move(gamma);
+        server.outputName = [names = displays.get()](DisplayId id) {
+            return names->outputName(id);
+        };
+        server.displays = std::move(displays);
+        server.keyEvents = std::make_unique<UnavailableKeyEvents>();
+        server.workspace = std::make_unique<UnavailableWorkspace>(std::move(shouldReduceMotion));
+        return server;
     }
     auto connection = std::make_unique<X11Connection>(runLoop);
     if (!connection->isOpen()) {
@@ -239,6 +265,12 @@ public:
         if (server_.connection != nullptr) {
             server_.connection->onLost = [this] {
                 std::cerr << "nocta: the X server has closed the connection" << std::endl;
+                application_.fail();
+            };
+        }
+        if (server_.wayland != nullptr) {
+            server_.wayland->onLost = [this] {
+                std::cerr << "nocta: the Wayland compositor has closed the connection" << std::endl;
                 application_.fail();
             };
         }
@@ -320,7 +352,7 @@ DesktopSession makeDesktop(const Bundle& bundle) {
         return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};
     }
     const auto wayland = environment("WAYLAND_DISPLAY");
-    const auto hasX = canConnectToX();
+    const auto hasX = !canSetGammaOnWayland() && canConnectToX();
     if (!hasX && !canConnectToWayland(wayland)) {
         const auto display = environment("DISPLAY");
         std::cerr << "nocta: cannot connect to the display \""

@@ -1,0 +1,171 @@
+#include "backends/linux/wayland/WaylandConnection.h"
+
+#include <algorithm>
+#include <poll.h>
+#include <string_view>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+/// Flushes, waits for events at most this long, and delivers them.
+void dispatch(wl_display* display, std::chrono::milliseconds time) {
+    while (wl_display_prepare_read(display) != 0) {
+        if (wl_display_dispatch_pending(display) < 0) {
+            return; // after an error, the events that are left stay where they are
+        }
+    }
+    wl_display_flush(display); // what a busy compositor does not take now goes with the next turn
+    pollfd readable{.fd = wl_display_get_fd(display), .events = POLLIN, .revents = 0};
+    if (poll(&readable, 1, static_cast<int>(time.count())) > 0) {
+        wl_display_read_events(display);
+    } else {
+        wl_display_cancel_read(display);
+    }
+    wl_display_dispatch_pending(display);
+}
+
+/// Delivers events until the condition holds; false if it does not within `maxWait`.
+bool dispatchUntil(wl_display* display, const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + WaylandConnection::maxWait;
+    while (!condition() && wl_display_get_error(display) == 0) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now());
+        if (left.count() <= 0) {
+            break;
+        }
+        dispatch(display, left);
+    }
+    return condition();
+}
+
+} // namespace
+
+WaylandConnection::WaylandConnection(RunLoop& runLoop)
+    : display_(wl_display_connect(nullptr)), finishTurn_(runLoop, [this] { readEvents(); }) {
+    if (display_ == nullptr) {
+        finishTurn(); // reports the loss
+        return;
+    }
+    static constexpr wl_registry_listener listener{
+        .global =
+            [](void* self, wl_registry* /*registry*/, std::uint32_t name, const char* interface,
+               std::uint32_t version) {
+                auto& connection = *static_cast<WaylandConnection*>(self);
+                connection.globals_[name] = {interface, version};
+                connection.observers_.call();
+            },
+        .global_remove =
+            [](void* self, wl_registry* /*registry*/, std::uint32_t name) {
+                auto& connection = *static_cast<WaylandConnection*>(self);
+                connection.globals_.erase(name);
+                connection.observers_.call();
+            }};
+    registry_ = wl_display_get_registry(display_);
+    wl_registry_add_listener(registry_, &listener, this);
+    synchronize();
+    readable_ =
+        std::make_unique<QSocketNotifier>(wl_display_get_fd(display_), QSocketNotifier::Read);
+    QObject::connect(readable_.get(), &QSocketNotifier::activated, [this] { readEvents(); });
+}
+
+WaylandConnection::~WaylandConnection() {
+    readable_.reset();
+    if (display_ != nullptr) {
+        wl_registry_destroy(registry_);
+        wl_display_disconnect(display_);
+    }
+}
+
+std::optional<std::uint32_t> WaylandConnection::firstGlobal(const wl_interface& interface) const {
+    const auto found = std::ranges::find_if(
+        globals_, [&](const auto& entry) { return entry.second.interface == interface.name; });
+    return found == globals_.end() ? std::nullopt : std::optional(found->first);
+}
+
+Subscription WaylandConnection::whenProcessed(std::function<void()> done) {
+    struct Pending {
+        wl_callback* callback;
+        std::function<void()> done;
+    };
+    static constexpr wl_callback_listener listener{
+        .done = [](void* data, wl_callback* /*callback*/, std::uint32_t /*serial*/) {
+            auto& pending = *static_cast<Pending*>(data);
+            wl_callback_destroy(std::exchange(pending.callback, nullptr));
+            std::exchange(pending.done, nullptr)();
+        }};
+    auto pending = std::make_shared<Pending>(Pending{wl_display_sync(display_), std::move(done)});
+    wl_callback_add_listener(pending->callback, &listener, pending.get());
+    finishTurn();
+    return Subscription([pending] {
+        if (pending->callback != nullptr) {
+            wl_callback_destroy(pending->callback);
+        }
+    });
+}
+
+bool WaylandConnection::synchronize() {
+    if (!isOpen()) {
+        return false;
+    }
+    bool isProcessed = false;
+    const auto answer = whenProcessed([&] { isProcessed = true; });
+    return dispatchUntil(display_, [&] { return isProcessed; });
+}
+
+bool WaylandConnection::isOffered(const wl_interface& interface) {
+    struct Search {
+        const char* name;
+        bool isFound = false;
+        bool isOver = false;
+    } search{interface.name};
+    static constexpr wl_registry_listener found{
+        .global =
+            [](void* data, wl_registry* /*registry*/, std::uint32_t /*name*/, const char* offered,
+               std::uint32_t /*version*/) {
+                auto& sought = *static_cast<Search*>(data);
+                sought.isFound = sought.isFound || std::string_view(offered) == sought.name;
+            },
+        .global_remove = [](void* /*data*/, wl_registry* /*registry*/, std::uint32_t /*name*/) {}};
+    static constexpr wl_callback_listener over{
+        .done = [](void* data, wl_callback* /*callback*/, std::uint32_t /*serial*/) {
+            static_cast<Search*>(data)->isOver = true;
+        }};
+    auto* const display = wl_display_connect(nullptr);
+    if (display == nullptr) {
+        return false;
+    }
+    auto* const registry = wl_display_get_registry(display);
+    wl_registry_add_listener(registry, &found, &search);
+    auto* const end = wl_display_sync(display);
+    wl_callback_add_listener(end, &over, &search);
+    dispatchUntil(display, [&] { return search.isOver; });
+    wl_callback_destroy(end);
+    wl_registry_destroy(registry);
+    wl_display_disconnect(display);
+    return search.isFound;
+}
+
+void* WaylandConnection::bindAny(std::uint32_t name, const wl_interface& interface,
+                                 std::uint32_t version) {
+    const auto offered = globals_.at(name).version;
+    finishTurn();
+    return wl_registry_bind(registry_, name, &interface, std::min(version, offered));
+}
+
+void WaylandConnection::readEvents() {
+    if (isOpen()) {
+        dispatch(display_, {});
+    }
+    if (!isOpen() && !std::exchange(lossIsTold_, true)) {
+        if (readable_ != nullptr) {
+            readable_->setEnabled(false);
+        }
+        if (onLost) {
+            onLost();
+        }
+    }
+}
+
+} // namespace nocta

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "base/CallbackList.h"
+#include "base/Deferred.h"
+#include "base/RunLoop.h"
+
+#include <QSocketNotifier>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <wayland-client.h>
+
+namespace nocta {
+
+/// Nocta's own connection to the Wayland compositor, separate from Qt's. Requests are queued and
+/// flushed once at the end of the run-loop turn. No call waits for the compositor longer than
+/// `maxWait`. If the compositor goes away, `onLost` is called once; from then on every request does
+/// nothing.
+class WaylandConnection {
+public:
+    static constexpr std::chrono::milliseconds maxWait{200};
+
+    struct Global {
+        std::string interface;
+        std::uint32_t version = 0;
+    };
+
+    /// Connects to the compositor that the environment names, and reads what it offers.
+    explicit WaylandConnection(RunLoop& runLoop);
+    WaylandConnection(const WaylandConnection&) = delete;
+    WaylandConnection& operator=(const WaylandConnection&) = delete;
+    ~WaylandConnection();
+
+    bool isOpen() const { return display_ != nullptr && wl_display_get_error(display_) == 0; }
+
+    /// What the compositor offers now, by name.
+    const std::map<std::uint32_t, Global>& globals() const { return globals_; }
+
+    /// Binds a global in the given version, or the lower one that the compositor has.
+    template <class Proxy>
+    Proxy* bind(std::uint32_t name, const wl_interface& interface, std::uint32_t version) {
+        return static_cast<Proxy*>(bindAny(name, interface, version));
+    }
+
+    /// The name of the first global of this interface.
+    std::optional<std::uint32_t> firstGlobal(const wl_interface& interface) const;
+
+    /// Binds the first global of this interface in version 1; null if there is none.
+    template <class Proxy>
+    Proxy* bindFirst(const wl_interface& interface) {
+        const auto name = firstGlobal(interface);
+        return name ? bind<Proxy>(*name, interface, 1) : nullptr;
+    }
+
+    /// Calls back when a global has been added or removed.
+    Subscription observeGlobals(std::function<void()> callback) {
+        return observers_.add(std::move(callback));
+    }
+
+    /// Call this after sending requests. They are flushed at the end of the run-loop turn.
+    void finishTurn() { finishTurn_.request(); }
+
+    /// Calls `done` when the compositor has processed all requests up to now, unless the returned
+    /// subscription ends first.
+    Subscription whenProcessed(std::function<void()> done);
+
+    /// Flushes, and waits until the compositor has processed every request; false if it has not
+    /// within `maxWait`.
+    bool synchronize();
+
+    std::function<void()> onLost;
+
+    /// Whether the compositor that the environment names offers this interface. Uses a connection
+    /// of its own, and needs no event loop.
+    static bool isOffered(const wl_interface& interface);
+
+private:
+    void* bindAny(std::uint32_t name, const wl_interface& interface, std::uint32_t version);
+    void readEvents();
+
+    wl_display* display_;
+    wl_registry* registry_ = nullptr;
+    std::map<std::uint32_t, Global> globals_;
+    CallbackList<> observers_;
+    bool lossIsTold_ = false;
+    std::unique_ptr<QSocketNotifier> readable_;
+    Deferred finishTurn_;
+};
+
+} // namespace nocta

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "backends/linux/wayland/WaylandConnection.h"
+#include "base/NotificationCenter.h"
+#include "platform/Displays.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+#include <xdg-output-unstable-v1-client-protocol.h>
+
+namespace nocta {
+
+/// The outputs of a Wayland compositor. A connector keeps its ID while the program runs, so that a
+/// display that comes back has the ID that it had. A connector of type eDP, LVDS or DSI is built
+/// in. The main display is the one that is built in, or else the one at the origin: Wayland has no
+/// primary output.
+class WaylandDisplays final : public Displays {
+public:
+    WaylandDisplays(WaylandConnection& connection, RunLoop& runLoop,
+                    NotificationCenter& notificationCenter);
+    WaylandDisplays(const WaylandDisplays&) = delete;
+    WaylandDisplays& operator=(const WaylandDisplays&) = delete;
+    ~WaylandDisplays() override;
+
+    Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) override;
+    Rect displayBounds(DisplayId display) override;
+    bool displayIsMain(DisplayId display) override;
+    bool displayIsBuiltin(DisplayId display) override;
+    std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) override;
+
+    /// The IDs of all displays, for the other parts of this backend.
+    std::vector<DisplayId> ids() const;
+
+    /// The name of a display's connector, such as "eDP-1".
+    std::string outputName(DisplayId display) const;
+
+    /// The output of a display; null if it is gone.
+    wl_output* outputOf(DisplayId display) const;
+
+    /// Calls back when the output of a display is gone. A display that comes back has a new one.
+    Subscription observeRemoval(std::function<void(DisplayId)> callback) {
+        return removed_.add([callback = std::move(callback)](DisplayId id) { callback(id); });
+    }
+
+private:
+    struct Description {
+        DisplayId id = 0;
+        std::string name;
+        Rect bounds;
+        std::optional<DisplayMode> mode;
+        bool operator==(const Description&) const = default;
+    };
+
+    /// An output of the compositor, with what it has said about it so far.
+    struct Output {
+        WaylandDisplays* displays;
+        wl_output* proxy;
+        zxdg_output_v1* logical = nullptr;
+        Description description{};
+        bool isDescribed = false; ///< once the first description is complete
+    };
+
+    void updateOutputs();
+    void add(std::uint32_t name);
+    void remove(Output& output);
+    void publish();
+    const Description* find(DisplayId display) const;
+
+    static const wl_output_listener outputListener;
+    static const zxdg_output_v1_listener logicalListener;
+
+    WaylandConnection& connection_;
+    NotificationCenter& notificationCenter_;
+    zxdg_output_manager_v1* logicalManager_;
+    std::map<std::uint32_t, std::unique_ptr<Output>> outputs_; ///< by the name of the global
+    std::map<std::string, DisplayId> idsOfConnectors_;
+    std::vector<Description> published_;
+    CallbackList<DisplayId> removed_;
+    Deferred publish_;
+    Subscription globals_;
+};
+
+} // namespace nocta

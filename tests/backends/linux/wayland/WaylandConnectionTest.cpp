@@ -1,0 +1,59 @@
+#include "backends/linux/wayland/WaylandSession.h"
+
+#include <cstdlib>
+
+namespace nocta {
+namespace {
+
+TEST(WaylandConnection, CompositorThatEndsIsReportedOnce) {
+    Sway sway;
+    WaylandSession session;
+    WlrGammaOutput gamma(session.connection, session.displays, session.runLoop);
+    int losses = 0;
+    session.connection.onLost = [&] { ++losses; };
+    sway.kill();
+    EXPECT_TRUE(serveUntil([&] { return losses > 0; }));
+    WaylandSession::setLevel(gamma, 1, 0.5F);
+    gamma.displayRestoreColorSyncSettings();
+    EXPECT_FALSE(session.connection.synchronize());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(losses, 1);
+}
+
+TEST(WaylandConnection, CompositorThatIsNotThereIsReportedOnce) {
+    const TemporaryFolder folder;
+    setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1);
+    setenv("WAYLAND_DISPLAY", "none", 1);
+    WaylandSession session;
+    const WlrGammaOutput gamma(session.connection, session.displays, session.runLoop);
+    int losses = 0;
+    session.connection.onLost = [&] { ++losses; };
+    EXPECT_TRUE(serveUntil([&] { return losses > 0; }));
+    session.connection.finishTurn();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(losses, 1);
+    EXPECT_TRUE(session.displays.ids().empty());
+    EXPECT_FALSE(gamma.isAvailable());
+}
+
+TEST(WaylandConnection, InterfaceIsOfferedWhileItsGlobalIs) {
+    TestCompositor compositor;
+    EXPECT_TRUE(WaylandConnection::isOffered(zwlr_gamma_control_manager_v1_interface));
+    compositor.withdrawGammaManager();
+    EXPECT_FALSE(WaylandConnection::isOffered(zwlr_gamma_control_manager_v1_interface));
+}
+
+TEST(WaylandConnection, CompositorThatDoesNotAnswerDoesNotHoldAnyone) {
+    TestCompositor compositor;
+    WaylandSession session;
+    compositor.pause();
+    EXPECT_FALSE(session.connection.synchronize());
+    EXPECT_FALSE(WaylandConnection::isOffered(zwlr_gamma_control_manager_v1_interface));
+    WaylandSession late;
+    EXPECT_TRUE(late.displays.ids().empty());
+    compositor.resume();
+    EXPECT_TRUE(serveUntil([&] { return late.displays.ids().size() == 1; }));
+}
+
+} // namespace
+} // namespace nocta

@@ -1,0 +1,145 @@
+#include "backends/linux/files/FileDescriptor.h"
+#include "backends/linux/wayland/WaylandSession.h"
+#include "support/EngineTable.h"
+#include "support/Process.h"
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <filesystem>
+#include <memory>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <utility>
+
+namespace nocta {
+namespace {
+
+constexpr double warmest = 2700; // kelvin
+constexpr auto refused =
+    "nocta: cannot set the gamma of HEADLESS-1: another program seems to control it\n";
+
+/// The real program in a private sway with two outputs. Its windows are on no screen.
+class NoctaOnWaylandTest : public ::testing::Test {
+protected:
+    Sway sway;
+    TemporaryFolder home;
+    std::string output = home.path() + "/output";
+    std::string xServer = home.path() + "/x-server";
+    FileDescriptor xSocket{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+    std::unique_ptr<Process> nocta;
+
+    void SetUp() override {
+        if (!Sway::canLogGamma()) {
+            GTEST_SKIP() << "this version of wlroots hides the gamma tables";
+        }
+        sway.addOutput();
+        listenAsXServer();
+    }
+
+    void start(const std::string& settings) {
+        const auto folder = home.path() + "/.config/nocta";
+        std::filesystem::create_directories(folder);
+        writeFile(folder + "/nocta.conf",
+                  "[General]\nautoWarmthEnabled=false\nisFirstLaunch=false\nallowFullBlack=true\n" +
+                      settings);
+        nocta = std::make_unique<Process>(
+            std::vector{programFolder() + "/nocta"},
+            Process::Environment{{"HOME", home.path()},
+                                 {"XDG_CONFIG_HOME", ""},
+                                 {"XDG_STATE_HOME", ""},
+                                 {"DISPLAY", xServer},
+                                 {"QT_QPA_PLATFORM", "offscreen"},
+                                 {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home.path() + "/none"},
+                                 {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + home.path() + "/none"}},
+            output);
+    }
+
+    bool bothShow(double brightness, double kelvin) {
+        return waitForBoth([&](const std::vector<std::uint16_t>& levels) {
+            return isEngineTable(levels, brightness, kelvin);
+        });
+    }
+    bool bothAreRestored() {
+        return waitForBoth([](const std::vector<std::uint16_t>& levels) { return levels.empty(); });
+    }
+    bool hasConnectedToX() const {
+        pollfd connection{.fd = xSocket.get(), .events = POLLIN, .revents = 0};
+        return poll(&connection, 1, 0) > 0;
+    }
+
+private:
+    template <class Condition>
+    bool waitForBoth(Condition condition) {
+        return waitUntil([&] {
+            return std::ranges::all_of(std::array{"HEADLESS-1", "HEADLESS-2"}, [&](auto* name) {
+                const auto events = sway.gammaOf(name);
+                return !events.empty() && condition(events.back());
+            });
+        });
+    }
+    /// Makes DISPLAY name a server that notices whoever connects.
+    void listenAsXServer() {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        xServer.copy(address.sun_path, sizeof address.sun_path - 1);
+        ASSERT_EQ(bind(xSocket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+        ASSERT_EQ(listen(xSocket.get(), 1), 0);
+    }
+};
+
+TEST_F(NoctaOnWaylandTest, EveryOutputShowsTheTablesUntilTheEnd) {
+    for (const auto& [brightness, setting] :
+         {std::pair{1.0, "1"}, {0.5, "0.5"}, {0.3, "0.3"}, {0.0, "0"}}) {
+        start("warmthLevel=1\nunifiedBrightness=" + std::string(setting) + "\n");
+        EXPECT_TRUE(bothShow(brightness, warmest)) << setting << contentOf(output);
+        nocta->signal(SIGTERM);
+        EXPECT_EQ(nocta->wait(), 0) << contentOf(output);
+        EXPECT_TRUE(bothAreRestored()) << setting;
+    }
+    EXPECT_FALSE(hasConnectedToX());
+}
+
+TEST_F(NoctaOnWaylandTest, ScreenIsRestoredWhenTheProgramIsKilled) {
+    start("warmthLevel=1\nunifiedBrightness=0.25\n");
+    EXPECT_TRUE(bothShow(0.25, warmest)) << contentOf(output);
+    nocta->signal(SIGKILL);
+    nocta->wait();
+    EXPECT_TRUE(bothAreRestored());
+}
+
+TEST_F(NoctaOnWaylandTest, ProgramEndsWithTheCompositor) {
+    start("warmthLevel=1\nunifiedBrightness=0.25\n");
+    EXPECT_TRUE(bothShow(0.25, warmest)) << contentOf(output);
+    sway.kill();
+    const auto status = nocta->wait();
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << contentOf(output);
+    EXPECT_NE(contentOf(output).find("nocta: the Wayland compositor has closed the connection\n"),
+              std::string::npos)
+        << contentOf(output);
+}
+
+TEST_F(NoctaOnWaylandTest, OutputIsLeftToAnotherGammaProgramWithOneLine) {
+    start("warmthLevel=1\nunifiedBrightness=0.25\n");
+    EXPECT_TRUE(bothShow(0.25, warmest)) << contentOf(output);
+    const auto isTold = [&] { return contentOf(output).find(refused) != std::string::npos; };
+    // This version of the compositor takes the control from whoever has it.
+    for (int attempt = 0; attempt < 10 && !isTold(); ++attempt) {
+        WaylandSession other;
+        const WlrGammaOutput gamma(other.connection, other.displays, other.runLoop);
+        const auto before = sway.gammaOf("HEADLESS-1").size();
+        EXPECT_TRUE(
+            waitUntil([&] { return isTold() || sway.gammaOf("HEADLESS-1").size() > before; }));
+        EXPECT_TRUE(other.connection.synchronize()) << "the other program should go on";
+    }
+    EXPECT_TRUE(isTold()) << contentOf(output);
+    const auto printed = contentOf(output);
+    EXPECT_EQ(printed.find(refused), printed.rfind(refused)) << printed;
+    nocta->signal(SIGTERM);
+    EXPECT_EQ(nocta->wait(), 0) << contentOf(output);
+}
+
+} // namespace
+} // namespace nocta

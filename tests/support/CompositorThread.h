@@ -1,0 +1,49 @@
+#pragma once
+
+#include "support/Process.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+struct wl_display;
+struct wl_event_source;
+
+namespace nocta {
+
+/// Runs the event loop of a Wayland compositor in a thread of the test. The compositor's socket is
+/// named in WAYLAND_DISPLAY and XDG_RUNTIME_DIR while this object lives. Everything that the
+/// compositor has may be used in calls only.
+class CompositorThread {
+public:
+    CompositorThread();
+    CompositorThread(const CompositorThread&) = delete;
+    CompositorThread& operator=(const CompositorThread&) = delete;
+    ~CompositorThread();
+
+    wl_display* display() const { return display_; }
+
+    /// Runs the action in the thread of the compositor, and returns when it is done.
+    void call(const std::function<void()>& action);
+
+    /// Stops the compositor from answering anyone, until `resume`.
+    void pause();
+    void resume();
+
+private:
+    void runCalls();
+
+    TemporaryFolder folder_;
+    wl_display* display_;
+    int wakeUp_; ///< readable when there are calls
+    wl_event_source* wakeUpSource_ = nullptr;
+    std::mutex mutex_;
+    std::vector<std::function<void()>> calls_; ///< guarded by `mutex_`
+    std::function<void()> resume_;
+    std::thread thread_;
+};
+
+} // namespace nocta
