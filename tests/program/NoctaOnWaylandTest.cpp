@@ -12,6 +12,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
+#include <unistd.h>
 #include <utility>
 
 namespace nocta {
@@ -27,9 +28,12 @@ protected:
     Sway sway;
     TemporaryFolder home;
     std::string output = home.path() + "/output";
-    std::string xServer = home.path() + "/x-server";
+    std::string xDisplay = std::to_string(1000 + getpid()); // too high to be that of a real server
+    std::string xSocketPath = "/tmp/.X11-unix/X" + xDisplay;
     FileDescriptor xSocket{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
     std::unique_ptr<Process> nocta;
+
+    ~NoctaOnWaylandTest() override { std::filesystem::remove(xSocketPath); }
 
     void SetUp() override {
         if (!Sway::canLogGamma()) {
@@ -50,7 +54,7 @@ protected:
             Process::Environment{{"HOME", home.path()},
                                  {"XDG_CONFIG_HOME", ""},
                                  {"XDG_STATE_HOME", ""},
-                                 {"DISPLAY", xServer},
+                                 {"DISPLAY", ":" + xDisplay},
                                  {"QT_QPA_PLATFORM", "offscreen"},
                                  {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home.path() + "/none"},
                                  {"DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + home.path() + "/none"}},
@@ -84,7 +88,9 @@ private:
     void listenAsXServer() {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
-        xServer.copy(address.sun_path, sizeof address.sun_path - 1);
+        std::filesystem::create_directories("/tmp/.X11-unix");
+        std::filesystem::remove(xSocketPath);
+        xSocketPath.copy(address.sun_path, sizeof address.sun_path - 1);
         ASSERT_EQ(bind(xSocket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
         ASSERT_EQ(listen(xSocket.get(), 1), 0);
     }

@@ -34,8 +34,9 @@ FileDescriptor fileWith(const std::vector<std::uint16_t>& levels) {
     return file;
 }
 
-/// The library duplicates a descriptor that it sends, and gives up the connection if it cannot.
-bool canDuplicate(const FileDescriptor& file) {
+/// Whether there is a file and a free descriptor: the library duplicates the descriptor that it
+/// sends, and gives up the connection if it cannot.
+bool canSend(const FileDescriptor& file) {
     return static_cast<bool>(FileDescriptor(fcntl(file.get(), F_DUPFD_CLOEXEC, 0)));
 }
 
@@ -187,7 +188,7 @@ void WlrGammaOutput::send(Control& control) {
         levels.insert(levels.end(), channel.begin(), channel.end());
     }
     const auto file = fileWith(levels);
-    if (!file || !canDuplicate(file)) {
+    if (!canSend(file)) {
         return; // no descriptors or no memory left: the next write tries again
     }
     zwlr_gamma_control_v1_set_gamma(control.object, file.get());

@@ -153,6 +153,11 @@ TEST_F(WlrGammaFaultsTest, PausesGrowAndTriesEndWithOneLine) {
     }
     // each second without a response is followed by a pause of one, two and four seconds
     EXPECT_EQ(instants, (std::vector<Duration>{2s, 5s, 10s}));
+    gamma->sendAgain();
+    compositor.setPower("DP-1", false);
+    compositor.setPower("DP-1", true);
+    wait(10s);
+    EXPECT_EQ(compositor.gammaRequests("DP-1"), 4);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), refused);
     EXPECT_NE(setLevel(0.5F), statusSuccess);
 }

@@ -103,6 +103,13 @@ TEST_F(WlrGammaOutputTest, NothingIsSentBeforeTheFirstWriteOrAfterTheLastRestori
     EXPECT_EQ(lastTops(), (std::vector<std::uint16_t>{half, 0}));
 }
 
+TEST_F(WlrGammaOutputTest, OutputIsRestoredWhenRestoringReturns) {
+    session.setLevel(gamma, 1, 0.5F);
+    session.settle();
+    gamma.displayRestoreColorSyncSettings();
+    EXPECT_TRUE(compositor.gammaOf("DP-1").back().empty());
+}
+
 TEST_F(WlrGammaOutputTest, TablesAreSentAgainAfterSleep) {
     session.setLevel(gamma, 1, 0.5F);
     session.settle();
