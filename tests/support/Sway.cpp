@@ -27,8 +27,8 @@ Sway::Sway() {
     std::vector<std::string> command = {"sway", "-c", folder + "/config"};
     if (user != geteuid()) {
         const auto id = std::to_string(user);
-        command.insert(command.begin(),
-                       {"setpriv", "--reuid", id, "--regid", id, "--clear-groups"});
+        command.insert(command.begin(), {"setpriv", "--pdeathsig", "KILL", "--reuid", id, "--regid",
+                                         id, "--clear-groups"});
         if (chown(folder.c_str(), user, user) != 0) {
             throw std::runtime_error("cannot change the owner of " + folder);
         }
