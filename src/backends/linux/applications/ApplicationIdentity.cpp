@@ -10,17 +10,21 @@ namespace nocta {
 
 namespace {
 
-/// Names are in lowercase, because applications change the case of their names between releases.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 18> bundleIdentifiers = {{
+/// Names are in lowercase, because applications change the case of their names between releases. A
+/// Snap has its own name before the name of the application, with an underscore between them.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 23> bundleIdentifiers = {{
     {"zoom", "us.zoom.xos"},
     {"us.zoom.zoom", "us.zoom.xos"},
+    {"zoom-client_zoom-client", "us.zoom.xos"},
     // Release channels and the maker's other browsers have their own names.
     {"google-chrome", "com.google.Chrome"},
     {"com.google.chrome", "com.google.Chrome"},
+    {"teams", "com.microsoft.teams"},
     {"microsoft teams", "com.microsoft.teams"},
     {"microsoft teams - preview", "com.microsoft.teams"},
     {"com.microsoft.teams", "com.microsoft.teams"},
     {"teams-for-linux", "com.microsoft.teams2"},
+    {"teams-for-linux_teams-for-linux", "com.microsoft.teams2"},
     {"com.github.ismaelmartinez.teams_for_linux", "com.microsoft.teams2"},
     {"ciscocollabhost", "com.cisco.webexmeetingsapp"},
     {"webex", "com.cisco.webexmeetingsapp"},
@@ -28,8 +32,10 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 18> bundleId
     {"skypeforlinux", "com.skype.skype"},
     {"com.skype.client", "com.skype.skype"},
     {"slack", "com.tinyspeck.slackmacgap"},
+    {"slack_slack", "com.tinyspeck.slackmacgap"},
     {"com.slack.slack", "com.tinyspeck.slackmacgap"},
     {"discord", "com.discord.Discord"},
+    {"discord_discord", "com.discord.Discord"},
     {"com.discordapp.discord", "com.discord.Discord"},
 }};
 
