@@ -73,4 +73,10 @@ std::optional<std::string> bundleIdentifierOf(const ApplicationIdentity& identit
     return own == names.end() ? std::nullopt : std::optional(std::string(*own));
 }
 
+bool isSameApplication(const std::optional<RunningApplication>& one,
+                       const std::optional<RunningApplication>& other) {
+    return one && other && one->bundleIdentifier ? one->bundleIdentifier == other->bundleIdentifier
+                                                 : one == other;
+}
+
 } // namespace nocta

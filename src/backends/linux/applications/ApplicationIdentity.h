@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Workspace.h"
+
 #include <optional>
 #include <string>
 
@@ -16,5 +18,10 @@ struct ApplicationIdentity {
 /// the same name on every desktop. Otherwise returns a name that distinguishes the application from
 /// all others. Returns nothing if the window reports nothing.
 std::optional<std::string> bundleIdentifierOf(const ApplicationIdentity& identity);
+
+/// Compares only the identifiers if there are any, because two windows of one application may
+/// differ in everything else.
+bool isSameApplication(const std::optional<RunningApplication>& one,
+                       const std::optional<RunningApplication>& other);
 
 } // namespace nocta

@@ -1,5 +1,6 @@
 #include "backends/linux/x11/X11Workspace.h"
 
+#include "backends/linux/applications/ApplicationIdentity.h"
 #include "backends/linux/x11/WindowProperty.h"
 
 #include <algorithm>
@@ -15,14 +16,6 @@ constexpr std::uint32_t maxWindows = 1024;
 constexpr std::uint32_t maxAtoms = 64;
 
 constexpr std::uint32_t onEveryDesktop = 0xFFFFFFFF;
-
-/// Compares only the identifiers if there are any, because two windows of one application may
-/// differ in everything else.
-bool isSame(const std::optional<RunningApplication>& one,
-            const std::optional<RunningApplication>& other) {
-    return one && other && one->bundleIdentifier ? one->bundleIdentifier == other->bundleIdentifier
-                                                 : one == other;
-}
 
 bool contains(const std::optional<std::vector<std::uint32_t>>& numbers, std::uint32_t number) {
     return numbers && std::ranges::find(*numbers, number) != numbers->end();
@@ -134,7 +127,7 @@ std::optional<Rect> X11Workspace::mainScreenFrame() {
 
 void X11Workspace::noticeActivation() {
     const auto application = frontmostApplication();
-    if (!isSame(application, frontmost_)) {
+    if (!isSameApplication(application, frontmost_)) {
         frontmost_ = application;
         activated_.call(application);
     }
