@@ -175,6 +175,8 @@ struct VirtualWorkspaceHarness {
     VirtualDesktop desktop;
     const RunningApplication editor{"com.example.editor", "Editor"};
     const RunningApplication player{"com.example.player", "Player"};
+    const std::pair<double, double> smallWindow{200, 100};
+    const std::pair<double, double> largeWindow{400, 300};
 
     VirtualWorkspaceHarness() { desktop.displays.plug({.id = 1}); }
 
