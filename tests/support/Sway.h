@@ -34,9 +34,10 @@ public:
     const std::string& runtimeFolder() const { return folder_.path(); }
     std::string display() const { return "wayland-1"; }
 
-private:
+    /// Runs a command of sway, given word by word.
     void message(const std::vector<std::string>& words) const;
 
+private:
     TemporaryFolder folder_;
     std::unique_ptr<Process> process_;
     std::string commands_; ///< the socket

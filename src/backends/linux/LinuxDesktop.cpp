@@ -29,6 +29,7 @@
 #include "backends/linux/shell/SystemTray.h"
 #include "backends/linux/updates/AppcastUpdater.h"
 #include "backends/linux/updates/OpenPackage.h"
+#include "backends/linux/wayland/ToplevelWorkspace.h"
 #include "backends/linux/wayland/WaylandConnection.h"
 #include "backends/linux/wayland/WaylandDisplays.h"
 #include "backends/linux/wayland/WlrGammaOutput.h"
@@ -194,9 +195,11 @@ DisplayServer probeDisplayServer(RunLoop& runLoop, NotificationCenter& notificat
         server.outputName = [names = displays.get()](DisplayId id) {
             return names->outputName(id);
         };
+        // Without the protocol for it, it reports no applications.
+        server.workspace = std::make_unique<ToplevelWorkspace>(*server.wayland, *displays, runLoop,
+                                                               std::move(shouldReduceMotion));
         server.displays = std::move(displays);
         server.keyEvents = std::make_unique<UnavailableKeyEvents>();
-        server.workspace = std::make_unique<UnavailableWorkspace>(std::move(shouldReduceMotion));
         return server;
     }
     auto connection = std::make_unique<X11Connection>(runLoop);

@@ -1,0 +1,119 @@
+// A program with one window, for tests: nocta_wayland_window APP_ID TITLE. A window of an empty
+// APP_ID sets none. The program ends with its window or the compositor.
+
+#include "xdg-shell-client-protocol.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+#include <sys/mman.h>
+#include <unistd.h>
+#include <wayland-client.h>
+
+namespace {
+
+constexpr std::int32_t bytesPerPixel = 4;
+
+struct Window {
+    wl_compositor* compositor = nullptr;
+    wl_shm* memory = nullptr;
+    xdg_wm_base* shell = nullptr;
+    wl_surface* surface = nullptr;
+    std::int32_t width = 400;
+    std::int32_t height = 300;
+};
+
+Window& of(void* data) {
+    return *static_cast<Window*>(data);
+}
+
+/// Shows a black picture of the window's size.
+void draw(const Window& window) {
+    const auto size = window.width * window.height * bytesPerPixel;
+    const int file = memfd_create("window", MFD_CLOEXEC);
+    if (ftruncate(file, size) != 0) {
+        std::exit(EXIT_FAILURE);
+    }
+    auto* const pool = wl_shm_create_pool(window.memory, file, size);
+    auto* const buffer = wl_shm_pool_create_buffer(
+        pool, 0, window.width, window.height, window.width * bytesPerPixel, WL_SHM_FORMAT_XRGB8888);
+    wl_shm_pool_destroy(pool);
+    close(file);
+    wl_surface_attach(window.surface, buffer, 0, 0);
+    wl_surface_damage(window.surface, 0, 0, window.width, window.height);
+    wl_surface_commit(window.surface);
+}
+
+constexpr wl_registry_listener registryListener{
+    .global =
+        [](void* data, wl_registry* registry, std::uint32_t name, const char* interface,
+           std::uint32_t /*version*/) {
+            const auto bind = [&](const wl_interface& wanted) {
+                return std::string_view(interface) == wanted.name
+                           ? wl_registry_bind(registry, name, &wanted, 1)
+                           : nullptr;
+            };
+            if (auto* const compositor = bind(wl_compositor_interface)) {
+                of(data).compositor = static_cast<wl_compositor*>(compositor);
+            } else if (auto* const memory = bind(wl_shm_interface)) {
+                of(data).memory = static_cast<wl_shm*>(memory);
+            } else if (auto* const shell = bind(xdg_wm_base_interface)) {
+                of(data).shell = static_cast<xdg_wm_base*>(shell);
+            }
+        },
+    .global_remove = [](void* /*data*/, wl_registry* /*registry*/, std::uint32_t /*name*/) {}};
+
+constexpr xdg_wm_base_listener shellListener{
+    .ping = [](void* /*data*/, xdg_wm_base* shell, std::uint32_t serial) {
+        xdg_wm_base_pong(shell, serial);
+    }};
+
+constexpr xdg_surface_listener surfaceListener{
+    .configure = [](void* data, xdg_surface* surface, std::uint32_t serial) {
+        xdg_surface_ack_configure(surface, serial);
+        draw(of(data));
+    }};
+
+constexpr xdg_toplevel_listener toplevelListener{
+    .configure =
+        [](void* data, xdg_toplevel* /*toplevel*/, std::int32_t width, std::int32_t height,
+           wl_array* /*states*/) {
+            if (width > 0 && height > 0) {
+                of(data).width = width;
+                of(data).height = height;
+            }
+        },
+    .close = [](void* /*data*/, xdg_toplevel* /*toplevel*/) { std::exit(EXIT_SUCCESS); },
+    .configure_bounds = [](void* /*data*/, xdg_toplevel* /*toplevel*/, std::int32_t /*width*/,
+                           std::int32_t /*height*/) {},
+    .wm_capabilities = [](void* /*data*/, xdg_toplevel* /*toplevel*/,
+                          wl_array* /*capabilities*/) {}};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    auto* const display = wl_display_connect(nullptr);
+    if (argc != 3 || display == nullptr) {
+        return EXIT_FAILURE;
+    }
+    Window window;
+    wl_registry_add_listener(wl_display_get_registry(display), &registryListener, &window);
+    wl_display_roundtrip(display);
+    if (window.compositor == nullptr || window.memory == nullptr || window.shell == nullptr) {
+        return EXIT_FAILURE;
+    }
+    xdg_wm_base_add_listener(window.shell, &shellListener, &window);
+    window.surface = wl_compositor_create_surface(window.compositor);
+    auto* const surface = xdg_wm_base_get_xdg_surface(window.shell, window.surface);
+    xdg_surface_add_listener(surface, &surfaceListener, &window);
+    auto* const toplevel = xdg_surface_get_toplevel(surface);
+    xdg_toplevel_add_listener(toplevel, &toplevelListener, &window);
+    if (*argv[1] != '\0') {
+        xdg_toplevel_set_app_id(toplevel, argv[1]);
+    }
+    xdg_toplevel_set_title(toplevel, argv[2]);
+    wl_surface_commit(window.surface);
+    while (wl_display_dispatch(display) >= 0) {
+    }
+    return EXIT_SUCCESS;
+}
