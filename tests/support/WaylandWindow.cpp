@@ -1,14 +1,13 @@
 // A program with one window, for tests: nocta_wayland_window APP_ID TITLE. A window of an empty
 // APP_ID sets none. The program ends with its window or the compositor.
 
-#include "xdg-shell-client-protocol.h"
-
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <wayland-client.h>
+#include <xdg-shell-client-protocol.h>
 
 namespace {
 

@@ -5,13 +5,13 @@
 #include "base/CallbackList.h"
 #include "base/Deferred.h"
 #include "platform/Workspace.h"
-#include "wlr-foreign-toplevel-management-unstable-v1-client-protocol.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+#include <wlr-foreign-toplevel-management-unstable-v1-client-protocol.h>
 
 namespace nocta {
 

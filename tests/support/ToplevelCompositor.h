@@ -1,0 +1,62 @@
+#pragma once
+
+#include "support/CompositorThread.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <string>
+#include <vector>
+
+struct wl_client;
+struct wl_global;
+struct wl_resource;
+
+namespace nocta {
+
+/// A small Wayland compositor for tests. It has outputs, and reports windows to one client with the
+/// protocol wlr-foreign-toplevel-management: exactly the events that a test chooses, in any order.
+/// The events of one `send` reach the client together.
+class ToplevelCompositor {
+public:
+    enum class State : std::uint32_t { maximized, minimized, activated, fullScreen };
+
+    /// Without `reportsWindows` the protocol is not offered.
+    explicit ToplevelCompositor(bool reportsWindows = true);
+    ToplevelCompositor(const ToplevelCompositor&) = delete;
+    ToplevelCompositor& operator=(const ToplevelCompositor&) = delete;
+    ~ToplevelCompositor();
+
+    void send(const std::function<void()>& events) { thread_.call(events); }
+
+    // The following functions are for use in `send`. Windows are numbered from 0, as opened.
+
+    /// Adds an output of 1280 × 720 pixels with its left edge at `x`.
+    void addOutput(const std::string& name, int x);
+    void removeOutput(const std::string& name);
+
+    void open();
+    void setTitle(std::size_t window, const std::string& title);
+    void setAppId(std::size_t window, const std::string& appId);
+    void setStates(std::size_t window, const std::vector<State>& states);
+    void enter(std::size_t window, const std::string& output);
+    void finishDescription(std::size_t window);
+    void close(std::size_t window);
+
+    /// Ends the reports.
+    void finish();
+
+private:
+    struct Output;
+    struct Interfaces;
+
+    Output& find(const std::string& name);
+
+    std::list<Output> outputs_; ///< removed ones too, because the client may still use them
+    wl_resource* manager_ = nullptr;
+    std::vector<wl_resource*> windows_;
+    CompositorThread thread_;
+};
+
+} // namespace nocta
