@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdlib>
+#include <string>
+
+namespace nocta {
+
+/// An environment variable of the process; empty if it is not set.
+inline std::string environment(const char* name) {
+    const auto* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+} // namespace nocta

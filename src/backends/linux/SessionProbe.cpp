@@ -1,0 +1,187 @@
+#include "backends/linux/SessionProbe.h"
+
+#include "backends/linux/DisplayServerName.h"
+#include "backends/linux/Environment.h"
+#include "backends/linux/Unavailable.h"
+#include "backends/linux/files/FileDescriptor.h"
+#include "backends/linux/gnome/MagnifierFilter.h"
+#include "backends/linux/wayland/ToplevelWorkspace.h"
+#include "backends/linux/wayland/WaylandDisplays.h"
+#include "backends/linux/wayland/WlrGammaOutput.h"
+#include "backends/linux/x11/X11ColorMatrixFilter.h"
+#include "backends/linux/x11/X11Displays.h"
+#include "backends/linux/x11/X11GammaOutput.h"
+#include "backends/linux/x11/X11KeyEvents.h"
+#include "backends/linux/x11/X11Workspace.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include <algorithm>
+#include <iostream>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <utility>
+
+namespace nocta {
+
+namespace {
+
+bool canConnectToX() {
+    auto* const connection = xcb_connect(nullptr, nullptr);
+    const auto isConnected = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return isConnected;
+}
+
+std::filesystem::path compositorSocket() {
+    return waylandSocket(environment("XDG_RUNTIME_DIR"), environment("WAYLAND_DISPLAY"));
+}
+
+bool canConnectToWayland() {
+    const auto path = compositorSocket();
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (environment("WAYLAND_DISPLAY").empty() || path.native().size() >= sizeof address.sun_path) {
+        return false;
+    }
+    path.native().copy(address.sun_path, path.native().size());
+    const FileDescriptor server(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    return connect(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+/// Whether Qt can run on Wayland, or was told to run on something else. Its plugin for Wayland is
+/// in a package of its own, and Qt aborts if it finds no plugin.
+bool hasQtForWayland() {
+    const auto folders = QCoreApplication::libraryPaths();
+    return !environment("QT_QPA_PLATFORM").empty() ||
+           std::ranges::any_of(folders, [](const QString& folder) {
+               return !QDir(folder + QStringLiteral("/platforms"))
+                           .entryList({QStringLiteral("libqwayland*.so")})
+                           .isEmpty();
+           });
+}
+
+bool isGnome() {
+    const auto desktops = QString::fromStdString(environment("XDG_CURRENT_DESKTOP"));
+    return desktops.split(QLatin1Char(':')).contains(QStringLiteral("GNOME"));
+}
+
+SessionPorts probeX11(const SessionContext& context) {
+    SessionPorts ports;
+    ports.x11 = std::make_unique<X11Connection>(context.runLoop);
+    ports.guardian = std::make_unique<Guardian>(*ports.x11, context.runLoop);
+    auto displays =
+        std::make_unique<X11Displays>(*ports.x11, context.runLoop, context.notificationCenter);
+    if (displays->isEmulation()) {
+        std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
+        ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();
+        // This X server sees keys only while an X window has the focus.
+        ports.keyEvents = std::make_unique<UnavailableKeyEvents>();
+    } else {
+        auto keyEvents = std::make_unique<X11KeyEvents>(*ports.x11, context.runLoop);
+        ports.typing = &keyEvents->typing();
+        ports.keyEvents = std::move(keyEvents);
+        auto gamma = std::make_unique<X11GammaOutput>(*ports.x11, *displays, *ports.guardian);
+        ports.gammaAfterWake =
+            context.wake.observe([output = gamma.get()] { output->sendAgain(); });
+        ports.gammaOutput = std::move(gamma);
+        auto matrices = std::make_unique<X11ColorMatrixFilter>(
+            *ports.x11, *displays, context.notificationCenter, *ports.guardian);
+        if (matrices->isAvailable()) {
+            ports.grayscale = std::move(matrices);
+        }
+    }
+    ports.workspace = std::make_unique<X11Workspace>(*ports.x11, *displays, context.runLoop,
+                                                     context.shouldReduceMotion);
+    ports.outputName = [names = displays.get()](DisplayId id) { return names->outputName(id); };
+    ports.displays = std::move(displays);
+    return ports;
+}
+
+SessionPorts probeWayland(const SessionContext& context) {
+    SessionPorts ports;
+    ports.wayland = std::make_unique<WaylandConnection>(context.runLoop);
+    auto displays = std::make_unique<WaylandDisplays>(*ports.wayland, context.runLoop,
+                                                      context.notificationCenter);
+    auto gamma = std::make_unique<WlrGammaOutput>(*ports.wayland, *displays, context.runLoop);
+    if (gamma->isAvailable()) {
+        ports.gammaAfterWake =
+            context.wake.observe([output = gamma.get()] { output->sendAgain(); });
+        ports.gammaOutput = std::move(gamma);
+    } else {
+        std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
+        ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();
+    }
+    ports.keyEvents = std::make_unique<UnavailableKeyEvents>(); // compositors keep them
+    // Without the protocol for it, it reports no applications.
+    ports.workspace = std::make_unique<ToplevelWorkspace>(
+        *ports.wayland, *displays, context.runLoop, context.shouldReduceMotion);
+    ports.outputName = [names = displays.get()](DisplayId id) { return names->outputName(id); };
+    ports.displays = std::move(displays);
+    return ports;
+}
+
+} // namespace
+
+std::optional<WindowSystem> probeWindowSystem() {
+    const auto prefersX = isGnome() || environment("QT_QPA_PLATFORM").starts_with("xcb");
+    const auto hasWayland = canConnectToWayland();
+    if (hasWayland && !prefersX && hasQtForWayland()) {
+        return WindowSystem::wayland;
+    }
+    if (canConnectToX()) {
+        return WindowSystem::x11;
+    }
+    if (hasWayland && hasQtForWayland()) {
+        return WindowSystem::wayland;
+    }
+    if (hasWayland) {
+        std::cerr << "nocta: Qt's Wayland plugin is missing; install the package qt6-wayland"
+                  << std::endl;
+    } else {
+        const auto display = environment("DISPLAY");
+        std::cerr << "nocta: cannot connect to the display \""
+                  << (display.empty() ? environment("WAYLAND_DISPLAY") : display) << "\""
+                  << std::endl;
+    }
+    return std::nullopt;
+}
+
+std::string serverName(WindowSystem system) {
+    return system == WindowSystem::x11 ? xServerName(environment("DISPLAY"))
+                                       : compositorSocket().native();
+}
+
+std::string qtPlatform(WindowSystem system) {
+    if (!environment("QT_QPA_PLATFORM").empty()) {
+        return "";
+    }
+    return system == WindowSystem::x11 ? "xcb" : "wayland";
+}
+
+void SessionPorts::observeLoss(const std::function<void()>& lost) const {
+    const auto report = [lost](const char* what) {
+        return [lost, what] {
+            std::cerr << "nocta: the " << what << " has closed the connection" << std::endl;
+            lost();
+        };
+    };
+    if (x11 != nullptr) {
+        x11->onLost = report("X server");
+    }
+    if (wayland != nullptr) {
+        wayland->onLost = report("Wayland compositor");
+    }
+}
+
+SessionPorts probeSession(WindowSystem system, const SessionContext& context) {
+    auto ports = system == WindowSystem::x11 ? probeX11(context) : probeWayland(context);
+    if (auto magnifier = std::make_unique<MagnifierFilter>(context.magnifierState);
+        magnifier->isAvailable()) {
+        ports.grayscale = std::move(magnifier);
+    }
+    return ports;
+}
+
+} // namespace nocta

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "backends/linux/GrayscaleFilter.h"
+#include "backends/linux/backlight/SysfsBacklight.h"
+#include "backends/linux/bus/SystemWake.h"
+#include "backends/linux/wayland/WaylandConnection.h"
+#include "backends/linux/x11/Guardian.h"
+#include "backends/linux/x11/X11Connection.h"
+#include "base/NotificationCenter.h"
+#include "base/Typing.h"
+#include "platform/Displays.h"
+#include "platform/GammaOutput.h"
+#include "platform/KeyEvents.h"
+#include "platform/Workspace.h"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace nocta {
+
+/// What shows Nocta's windows.
+enum class WindowSystem { x11, wayland };
+
+/// Chooses the window system of this session. With a Wayland compositor, X is left alone, because
+/// connecting to it would start an Xwayland that nobody may need; except on GNOME, whose compositor
+/// lets only X clients cover the screen. If no window can be shown, this prints the reason.
+std::optional<WindowSystem> probeWindowSystem();
+
+/// The canonical name of the display server.
+std::string serverName(WindowSystem system);
+
+/// The name by which Qt knows the window system; empty if the user has chosen one for Qt.
+std::string qtPlatform(WindowSystem system);
+
+/// The ports that depend on the display server: displays, gamma, grayscale, keys and applications.
+struct SessionPorts {
+    std::unique_ptr<WaylandConnection> wayland; ///< null on X11
+    std::unique_ptr<X11Connection> x11;         ///< null on Wayland
+    std::unique_ptr<Guardian> guardian;
+    std::unique_ptr<Displays> displays;
+    SysfsBacklight::OutputName outputName;
+    std::unique_ptr<GammaOutput> gammaOutput;
+    Subscription gammaAfterWake;
+    std::unique_ptr<GrayscaleFilter> grayscale;
+    std::unique_ptr<KeyEvents> keyEvents;
+    const Typing* typing = nullptr; ///< null if keys cannot be observed
+    std::unique_ptr<Workspace> workspace;
+
+    /// Calls back, after printing a line, when the display server is gone.
+    void observeLoss(const std::function<void()>& lost) const;
+};
+
+/// What the ports need from the rest of the desktop.
+struct SessionContext {
+    RunLoop& runLoop;
+    NotificationCenter& notificationCenter;
+    SystemWake& wake;
+    std::function<bool()> shouldReduceMotion;
+    std::filesystem::path magnifierState; ///< a file
+};
+
+/// Makes the ports that this session supports. What the display server offers decides, not the name
+/// of the desktop.
+SessionPorts probeSession(WindowSystem system, const SessionContext& context);
+
+} // namespace nocta
