@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
@@ -22,7 +23,7 @@ Sway::Sway() {
     // Sway refuses to run as root, and its user may not see the folder of this program.
     const auto user = geteuid() == 0 ? nobody : geteuid();
     std::filesystem::copy(programFolder() + "/libnocta_gamma_log.so", folder);
-    writeFile(folder + "/config", "xwayland disable\n");
+    writeFile(folder + "/config", "xwayland disable\noutput * resolution 1280x720\n");
     std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
     std::vector<std::string> command = {"sway", "-c", folder + "/config"};
     if (user != geteuid()) {
@@ -88,6 +89,38 @@ std::vector<std::vector<std::uint16_t>> Sway::gammaOf(const std::string& output)
         }
     }
     return events;
+}
+
+std::array<int, 3> Sway::colorAt(const std::string& output, int x, int y) const {
+    const TemporaryFolder folder;
+    const auto file = folder.path() + "/picture.ppm";
+    if (runToEnd({"grim", "-t", "ppm", "-o", output, file}) != 0) {
+        throw std::runtime_error("no picture of " + output);
+    }
+    std::ifstream picture(file, std::ios::binary);
+    std::string format;
+    int width = 0;
+    int height = 0;
+    int highest = 0;
+    picture >> format >> width >> height >> highest;
+    picture.seekg(1 + 3 * (std::streamoff{y} * width + x), std::ios::cur);
+    std::array<char, 3> pixel{};
+    picture.read(pixel.data(), pixel.size());
+    if (!picture) {
+        throw std::runtime_error("the picture of " + output + " has no such pixel");
+    }
+    std::array<int, 3> color{};
+    std::ranges::transform(pixel, color.begin(),
+                           [](char level) { return int{static_cast<unsigned char>(level)}; });
+    return color;
+}
+
+std::string Sway::answer(const std::string& question) const {
+    const TemporaryFolder folder;
+    const auto file = folder.path() + "/answer";
+    Process process({"swaymsg", "-r", "-s", commands_, "-t", question}, {}, file);
+    process.wait();
+    return contentOf(file);
 }
 
 void Sway::message(const std::vector<std::string>& words) const {

@@ -2,6 +2,7 @@
 
 #include "support/Process.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -21,6 +22,12 @@ public:
 
     /// Adds another output to the right of those that are there. None can be removed.
     void addOutput() const;
+
+    /// The red, green and blue of a pixel of an output, without gamma.
+    std::array<int, 3> colorAt(const std::string& output, int x, int y) const;
+
+    /// What sway answers to a question, such as "get_tree", in JSON.
+    std::string answer(const std::string& question) const;
 
     /// Ends the compositor.
     void kill();

@@ -1,8 +1,11 @@
-// A program with one window, for tests: nocta_wayland_window APP_ID TITLE. A window of an empty
-// APP_ID sets none. The program ends with its window or the compositor.
+// A program with one white window, for tests: nocta_wayland_window APP_ID TITLE. A window of an
+// empty APP_ID sets none. Each key press in it prints a line with the number of the key. The
+// program ends with its window or the compositor.
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <iostream>
 #include <string_view>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -17,6 +20,8 @@ struct Window {
     wl_compositor* compositor = nullptr;
     wl_shm* memory = nullptr;
     xdg_wm_base* shell = nullptr;
+    wl_seat* seat = nullptr;
+    wl_keyboard* keyboard = nullptr;
     wl_surface* surface = nullptr;
     std::int32_t width = 400;
     std::int32_t height = 300;
@@ -26,13 +31,18 @@ Window& of(void* data) {
     return *static_cast<Window*>(data);
 }
 
-/// Shows a black picture of the window's size.
+/// Shows a white picture of the window's size.
 void draw(const Window& window) {
     const auto size = window.width * window.height * bytesPerPixel;
     const int file = memfd_create("window", MFD_CLOEXEC);
-    if (ftruncate(file, size) != 0) {
+    auto* const pixels = ftruncate(file, size) == 0 ? mmap(nullptr, static_cast<std::size_t>(size),
+                                                           PROT_WRITE, MAP_SHARED, file, 0)
+                                                    : MAP_FAILED;
+    if (pixels == MAP_FAILED) {
         std::exit(EXIT_FAILURE);
     }
+    std::memset(pixels, 0xFF, static_cast<std::size_t>(size));
+    munmap(pixels, static_cast<std::size_t>(size));
     auto* const pool = wl_shm_create_pool(window.memory, file, size);
     auto* const buffer = wl_shm_pool_create_buffer(
         pool, 0, window.width, window.height, window.width * bytesPerPixel, WL_SHM_FORMAT_XRGB8888);
@@ -58,9 +68,47 @@ constexpr wl_registry_listener registryListener{
                 of(data).memory = static_cast<wl_shm*>(memory);
             } else if (auto* const shell = bind(xdg_wm_base_interface)) {
                 of(data).shell = static_cast<xdg_wm_base*>(shell);
+            } else if (auto* const seat = bind(wl_seat_interface)) {
+                of(data).seat = static_cast<wl_seat*>(seat);
             }
         },
     .global_remove = [](void* /*data*/, wl_registry* /*registry*/, std::uint32_t /*name*/) {}};
+
+constexpr wl_keyboard_listener keyboardListener{
+    .keymap = [](void* /*data*/, wl_keyboard* /*keyboard*/, std::uint32_t /*format*/, int file,
+                 std::uint32_t /*size*/) { close(file); },
+    .enter = [](void* /*data*/, wl_keyboard* /*keyboard*/, std::uint32_t /*serial*/,
+                wl_surface* /*surface*/, wl_array* /*keys*/) {},
+    .leave = [](void* /*data*/, wl_keyboard* /*keyboard*/, std::uint32_t /*serial*/,
+                wl_surface* /*surface*/) {},
+    .key =
+        [](void* /*data*/, wl_keyboard* /*keyboard*/, std::uint32_t /*serial*/,
+           std::uint32_t /*time*/, std::uint32_t key, std::uint32_t state) {
+            if (state == WL_KEYBOARD_KEY_STATE_PRESSED) {
+                std::cout << key << std::endl;
+            }
+        },
+    .modifiers = [](void* /*data*/, wl_keyboard* /*keyboard*/, std::uint32_t /*serial*/,
+                    std::uint32_t /*depressed*/, std::uint32_t /*latched*/,
+                    std::uint32_t /*locked*/, std::uint32_t /*group*/) {},
+    .repeat_info = [](void* /*data*/, wl_keyboard* /*keyboard*/, std::int32_t /*rate*/,
+                      std::int32_t /*delay*/) {}};
+
+/// A keyboard may come and go.
+constexpr wl_seat_listener seatListener{
+    .capabilities =
+        [](void* data, wl_seat* seat, std::uint32_t capabilities) {
+            auto& window = of(data);
+            const auto hasKeyboard = (capabilities & WL_SEAT_CAPABILITY_KEYBOARD) != 0;
+            if (hasKeyboard && window.keyboard == nullptr) {
+                window.keyboard = wl_seat_get_keyboard(seat);
+                wl_keyboard_add_listener(window.keyboard, &keyboardListener, data);
+            } else if (!hasKeyboard && window.keyboard != nullptr) {
+                wl_keyboard_destroy(window.keyboard);
+                window.keyboard = nullptr;
+            }
+        },
+    .name = [](void* /*data*/, wl_seat* /*seat*/, const char* /*name*/) {}};
 
 constexpr xdg_wm_base_listener shellListener{
     .ping = [](void* /*data*/, xdg_wm_base* shell, std::uint32_t serial) {
@@ -102,6 +150,9 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     xdg_wm_base_add_listener(window.shell, &shellListener, &window);
+    if (window.seat != nullptr) {
+        wl_seat_add_listener(window.seat, &seatListener, &window);
+    }
     window.surface = wl_compositor_create_surface(window.compositor);
     auto* const surface = xdg_wm_base_get_xdg_surface(window.shell, window.surface);
     xdg_surface_add_listener(surface, &surfaceListener, &window);

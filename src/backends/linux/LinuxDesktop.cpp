@@ -14,6 +14,7 @@
 #include "backends/linux/shell/BusGate.h"
 #include "backends/linux/shell/ColorScheme.h"
 #include "backends/linux/shell/EndingSignals.h"
+#include "backends/linux/shell/LayerShell.h"
 #include "backends/linux/shell/QtAppWindows.h"
 #include "backends/linux/shell/QtApplication.h"
 #include "backends/linux/shell/QtOverlayWindows.h"
@@ -183,11 +184,12 @@ private:
         gnu_get_libc_version(), // the newest libc that a downloaded program may need
         {.memory = stateFolder() / "updates.json", .downloads = cacheFolder() / "updates"},
         openPackage};
-    QtOverlayWindows overlayWindows_{runLoop_, *session_.displays, session_.x11.get(),
+    LayerShell layerShell_;
+    QtOverlayWindows overlayWindows_{runLoop_, *session_.displays, layerShell_, session_.x11.get(),
                                      session_.typing};
     SystemTray tray_{session_.x11.get()};
     QtStatusBar statusBar_{tray_};
-    QtPopover popover_{session_.x11.get()};
+    QtPopover popover_{layerShell_, session_.x11.get()};
     QtAppWindows appWindows_;
     QtApplication application_{runLoop_, instance_, [this] { return tray_.isAvailable(); }};
 
@@ -230,6 +232,7 @@ DesktopSession makeDesktop(const Bundle& bundle) {
     if (!windowSystem) {
         return {.desktop = nullptr, .exitStatus = EXIT_FAILURE};
     }
+    LayerShell::prepare();
     SingleInstance instance(serverName(*windowSystem), runtimeFolder());
     if (instance.role() == SingleInstance::Role::unanswered) {
         std::cerr << "nocta: another Nocta is running here but does not answer" << std::endl;

@@ -4,8 +4,10 @@
 #include "base/AlphaFade.h"
 
 #include <QApplication>
+#include <QGraphicsOpacityEffect>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QScreen>
 #include <QVBoxLayout>
 #include <QWidget>
@@ -31,6 +33,10 @@ std::uint64_t idOf(const QScreen* screen) {
     return reinterpret_cast<std::uintptr_t>(screen);
 }
 
+bool isOnX11() {
+    return QGuiApplication::platformName() == QStringLiteral("xcb");
+}
+
 QScreen* screenOf(std::uint64_t id) {
     const auto screens = QGuiApplication::screens();
     const auto found = std::ranges::find(screens, id, idOf);
@@ -43,7 +49,7 @@ class QtOverlayWindows::Window final : public OverlayWindow {
 public:
     Window(QtOverlayWindows& owner, const Screen& screen, const Style& style,
            std::unique_ptr<View> content)
-        : owner_(owner), content_(std::move(content)) {
+        : owner_(owner), screen_(screenOf(screen.id)), content_(std::move(content)) {
         constexpr std::uint32_t allWorkspaces = 1;
         constexpr WindowLevel normalLevel = 0;
         Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
@@ -57,11 +63,14 @@ public:
         auto* const layout = new QVBoxLayout(&widget_);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(view);
-        widget_.setWindowOpacity(0);
+        if (!isOnX11()) {
+            view->setGraphicsEffect(paintedAlpha_ = new QGraphicsOpacityEffect);
+        }
+        showAlpha();
         // Geometry is in the scale factor of the window's screen, so the screen is set first.
         widget_.winId();
-        if (auto* const place = screenOf(screen.id)) {
-            widget_.windowHandle()->setScreen(place);
+        if (screen_ != nullptr) {
+            widget_.windowHandle()->setScreen(screen_);
         }
         widget_.setGeometry(qRound(screen.frame.x), qRound(screen.frame.y),
                             qRound(screen.frame.width), qRound(screen.frame.height));
@@ -74,29 +83,36 @@ public:
         if (auto* const popup = QApplication::activePopupWidget()) {
             popup->close(); // it would keep the keyboard focus
         }
-        if (!std::exchange(isShown_, true)) {
-            owner_.windowComes();
-        }
-        if (QGuiApplication::platformName() == QStringLiteral("xcb")) {
+        owner_.windowComes(*this);
+        if (owner_.layerShell_.isAvailable()) {
+            enterLayer();
+        } else if (isOnX11()) {
             widget_.show();
             coverPixels(); // must come after Qt's own placement
         } else {
             widget_.showFullScreen(); // on Wayland a program cannot place its windows
         }
-        owner_.keyWindow_ = this;
         widget_.raise();
-        takeKeyboard();
+        owner_.takeKeyboard();
     }
 
-    void takeKeyboard() { widget_.activateWindow(); }
-
     void orderOut() override {
-        if (owner_.keyWindow_ == this) {
-            owner_.keyWindow_ = nullptr;
-        }
+        surface_.reset();
         widget_.hide();
-        if (std::exchange(isShown_, false)) {
-            owner_.windowGoes();
+        owner_.windowGoes(*this);
+    }
+
+    void takeKeyboard() {
+        if (surface_) {
+            surface_->setKeyboard(LayerSurface::Keyboard::exclusive);
+        } else {
+            widget_.activateWindow();
+        }
+    }
+
+    void giveUpKeyboard() {
+        if (surface_) {
+            surface_->setKeyboard(LayerSurface::Keyboard::none);
         }
     }
 
@@ -106,13 +122,35 @@ public:
             owner_.runLoop_, {.from = alpha_, .to = target}, duration, curve,
             [this](double alpha) {
                 alpha_ = alpha;
-                widget_.setWindowOpacity(alpha);
-                flushQt();
+                showAlpha();
             },
             std::move(completion));
     }
 
 private:
+    void enterLayer() {
+        if (screen_ == nullptr || surface_) {
+            return;
+        }
+        surface_.emplace(owner_.layerShell_, widget_, screen_,
+                         LayerSurface::Style{.layer = LayerSurface::Layer::overlay,
+                                             .edges = Qt::TopEdge | Qt::BottomEdge | Qt::LeftEdge |
+                                                      Qt::RightEdge});
+        surface_->onClosed = [this] {
+            owner_.windowGoes(*this);
+            owner_.takeKeyboard();
+        };
+    }
+
+    void showAlpha() {
+        if (paintedAlpha_ != nullptr) {
+            paintedAlpha_->setOpacity(alpha_);
+        } else {
+            widget_.setWindowOpacity(alpha_);
+            flushQt();
+        }
+    }
+
     void coverPixels() {
         if (const auto pixels = owner_.pixelsOf(*widget_.screen())) {
             const auto* const view = static_cast<QWidget*>(content_->nativeView());
@@ -122,9 +160,11 @@ private:
     }
 
     QtOverlayWindows& owner_;
-    bool isShown_ = false;
+    QPointer<QScreen> screen_;
     double alpha_ = 0;
     QWidget widget_;
+    QGraphicsOpacityEffect* paintedAlpha_ = nullptr; ///< on Wayland, where windows have no opacity
+    std::optional<LayerSurface> surface_;
     std::unique_ptr<View> content_; // destroyed before the window that shows it
     AlphaFade fade_;
 };
@@ -155,10 +195,11 @@ private:
     QtOverlayWindows& owner_;
 };
 
-QtOverlayWindows::QtOverlayWindows(RunLoop& runLoop, Displays& displays, X11Connection* connection,
+QtOverlayWindows::QtOverlayWindows(RunLoop& runLoop, Displays& displays,
+                                   const LayerShell& layerShell, X11Connection* connection,
                                    const Typing* typing)
-    : runLoop_(runLoop), displays_(displays), connection_(connection), typing_(typing),
-      filter_(std::make_unique<KeyFilter>(*this)) {
+    : runLoop_(runLoop), displays_(displays), layerShell_(layerShell), connection_(connection),
+      typing_(typing), filter_(std::make_unique<KeyFilter>(*this)) {
     QObject::connect(qApp, &QGuiApplication::focusWindowChanged, filter_.get(),
                      [this](const QWindow* window) { keyboardHasGoneTo(window); });
 }
@@ -195,17 +236,22 @@ QtOverlayWindows::addLocalMonitorForKeyDown(std::function<bool(const KeyDownEven
     });
 }
 
-/// The first window that is shown takes the keyboard focus from another window. Remembers that
-/// window.
-void QtOverlayWindows::windowComes() {
-    if (shown_++ > 0) {
+/// The newest window is the one with the keyboard. The first takes it from a window of another
+/// program, and remembers that window.
+void QtOverlayWindows::windowComes(Window& window) {
+    std::erase(shown_, &window);
+    for (auto* const other : shown_) {
+        other->giveUpKeyboard();
+    }
+    shown_.push_back(&window);
+    if (shown_.size() > 1) {
         return;
     }
     shownSince_ = runLoop_.monotonicNow();
+    timesTakenBack_ = 0;
     if (connection_ == nullptr) {
         return;
     }
-    timesTakenBack_ = 0;
     auto* const x = connection_->get();
     const XcbReply<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr));
@@ -216,7 +262,7 @@ void QtOverlayWindows::windowComes() {
 /// Whether a key press continues what the user was typing when the first window appeared, or is the
 /// auto-repeat of a held key.
 bool QtOverlayWindows::holdsBack(const QKeyEvent& press) {
-    if (shown_ == 0) {
+    if (shown_.empty()) {
         return false;
     }
     if (press.isAutoRepeat() || typing_ == nullptr) {
@@ -246,17 +292,24 @@ std::optional<Rect> QtOverlayWindows::pixelsOf(const QScreen& screen) {
 }
 
 /// Qt does not know the windows of other programs: a null window means that one of them has the
-/// focus.
+/// focus. A compositor with layers leaves it no choice.
 void QtOverlayWindows::keyboardHasGoneTo(const QWindow* window) {
-    if (window == nullptr && keyWindow_ != nullptr && ++timesTakenBack_ <= maxTakenBack) {
-        keyWindow_->takeKeyboard();
+    if (window == nullptr && !layerShell_.isAvailable() && ++timesTakenBack_ <= maxTakenBack) {
+        takeKeyboard();
+    }
+}
+
+void QtOverlayWindows::takeKeyboard() {
+    if (!shown_.empty()) {
+        shown_.back()->takeKeyboard();
     }
 }
 
 /// The last window returns the focus to the window that had it. If that window is gone, this does
 /// nothing.
-void QtOverlayWindows::windowGoes() {
-    if (--shown_ > 0 || connection_ == nullptr || focusBefore_ == XCB_NONE) {
+void QtOverlayWindows::windowGoes(Window& window) {
+    if (std::erase(shown_, &window) == 0 || !shown_.empty() || connection_ == nullptr ||
+        focusBefore_ == XCB_NONE) {
         return;
     }
     xcb_set_input_focus(connection_->get(), XCB_INPUT_FOCUS_POINTER_ROOT, focusBefore_,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "backends/linux/shell/LayerShell.h"
 #include "backends/linux/x11/X11Connection.h"
 #include "base/CallbackList.h"
 #include "base/Typing.h"
@@ -22,12 +23,16 @@ namespace nocta {
 /// user does not type into a hidden window. When the last overlay window is hidden, it returns the
 /// focus to the window that had it before. Whatever the user was still typing when the overlay
 /// windows appeared is discarded. Without a compositor they are dark and opaque.
+///
+/// On Wayland they are in the topmost layer, where the compositor offers layers, and it gives the
+/// newest of them the keyboard until they are gone. On other compositors each is an ordinary
+/// full-screen window.
 class QtOverlayWindows final : public OverlayWindows {
 public:
     /// `connection` and `typing` are null without an X server. Without `typing`, only the
     /// auto-repeat of a held key counts as earlier typing.
-    QtOverlayWindows(RunLoop& runLoop, Displays& displays, X11Connection* connection,
-                     const Typing* typing);
+    QtOverlayWindows(RunLoop& runLoop, Displays& displays, const LayerShell& layerShell,
+                     X11Connection* connection, const Typing* typing);
     QtOverlayWindows(const QtOverlayWindows&) = delete;
     QtOverlayWindows& operator=(const QtOverlayWindows&) = delete;
     ~QtOverlayWindows() override;
@@ -46,19 +51,20 @@ private:
         bool* isSwallowed;
     };
 
-    void windowComes();
-    void windowGoes();
+    void windowComes(Window& window);
+    void windowGoes(Window& window);
+    void takeKeyboard();
     void keyboardHasGoneTo(const QWindow* window);
     bool holdsBack(const QKeyEvent& press);
     std::optional<Rect> pixelsOf(const QScreen& screen);
 
     RunLoop& runLoop_;
     Displays& displays_;
+    const LayerShell& layerShell_;
     X11Connection* connection_;
     const Typing* typing_;
-    int shown_ = 0;
-    MonotonicTime shownSince_;    ///< when the first of the shown windows appeared
-    Window* keyWindow_ = nullptr; ///< the last window that was made key, while it is shown
+    std::vector<Window*> shown_; ///< in the order in which they were made key
+    MonotonicTime shownSince_;   ///< when the first of the shown windows appeared
     int timesTakenBack_ = 0;
     xcb_window_t focusBefore_ = XCB_NONE;
     CallbackList<KeyPress> monitors_;

@@ -53,6 +53,7 @@ public:
     }
 
     QSize contentSize;
+    std::function<void()> onHidden;
 
     void setView(std::unique_ptr<View> view) {
         view_ = std::move(view);
@@ -61,18 +62,21 @@ public:
         }
     }
 
-    /// Takes the size that the content needs, but at least `contentSize`, and moves next to the
-    /// anchor.
-    void place(const QRect& anchor, const QRect& available, bool isComposited) {
+    /// Takes the size that the content needs, but at least `contentSize`.
+    void fit(bool isComposited) {
         shadowWidth_ = isComposited ? shadowReach : 0;
         layout()->setContentsMargins(shadowWidth_, shadowWidth_, shadowWidth_, shadowWidth_);
         const auto body = view_ == nullptr ? contentSize
                                            : static_cast<QWidget*>(view_->nativeView())
                                                  ->minimumSizeHint()
                                                  .expandedTo(contentSize);
-        const auto corner = placed(body, anchor, available);
         setFixedSize(body + QSize(2 * shadowWidth_, 2 * shadowWidth_));
-        move(corner - QPoint(shadowWidth_, shadowWidth_));
+    }
+
+    /// Moves next to the anchor.
+    void place(const QRect& anchor, const QRect& available) {
+        move(placed(body().size().toSize(), anchor, available) -
+             QPoint(shadowWidth_, shadowWidth_));
     }
 
     void focusFirstControl() {
@@ -88,8 +92,24 @@ protected:
         QTimer::singleShot(0, this, [this] {
             if (!isVisible()) {
                 setView(nullptr);
+                onHidden();
             }
         });
+    }
+
+    bool event(QEvent* event) override {
+        // Qt closes its popups itself.
+        if (event->type() == QEvent::WindowDeactivate && windowType() != Qt::Popup) {
+            QTimer::singleShot(0, this, [this] { close(); });
+        }
+        return QWidget::event(event);
+    }
+
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->matches(QKeySequence::Cancel)) {
+            close();
+        }
+        QWidget::keyPressEvent(event);
     }
 
     /// A click on the shadow counts as a click outside.
@@ -140,8 +160,10 @@ private:
     int shadowWidth_ = 0;
 };
 
-QtPopover::QtPopover(X11Connection* connection)
-    : connection_(connection), window_(std::make_unique<Window>()) {}
+QtPopover::QtPopover(const LayerShell& layerShell, X11Connection* connection)
+    : layerShell_(layerShell), connection_(connection), window_(std::make_unique<Window>()) {
+    window_->onHidden = [this] { inCorner_.reset(); };
+}
 
 QtPopover::~QtPopover() = default;
 
@@ -150,8 +172,12 @@ void QtPopover::setContentSize(double width, double height) {
 }
 
 void QtPopover::setBehavior(PopoverBehavior behavior) {
-    const auto type = behavior == PopoverBehavior::transient ? Qt::Popup : Qt::Tool;
-    window_->setWindowFlags(type | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
+    // On Wayland a popup must belong to a window that the user has just clicked or typed in.
+    const auto isPopup = behavior == PopoverBehavior::transient && connection_ != nullptr;
+    Qt::WindowFlags flags = isPopup ? Qt::Popup : Qt::Tool;
+    flags |= Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+    flags.setFlag(Qt::BypassWindowManagerHint, layerShell_.isAvailable());
+    window_->setWindowFlags(flags);
 }
 
 void QtPopover::setContentView(std::unique_ptr<View> view) {
@@ -159,6 +185,13 @@ void QtPopover::setContentView(std::unique_ptr<View> view) {
 }
 
 void QtPopover::show(StatusItem& relativeTo) {
+    // Every Wayland session has a compositor.
+    window_->fit(connection_ == nullptr || connection_->isComposited());
+    if (layerShell_.isAvailable()) {
+        inCorner_.emplace(layerShell_, *window_, gap - shadowReach, [this] { close(); });
+        window_->focusFirstControl();
+        return;
+    }
     auto anchor = static_cast<QtStatusItem&>(relativeTo).geometry();
     if (anchor.isEmpty()) {
         anchor = QRect(QCursor::pos(), QSize(1, 1));
@@ -168,9 +201,7 @@ void QtPopover::show(StatusItem& relativeTo) {
         screen = QGuiApplication::primaryScreen();
     }
     if (screen != nullptr) {
-        // Every Wayland session has a compositor.
-        window_->place(anchor, screen->availableGeometry(),
-                       connection_ == nullptr || connection_->isComposited());
+        window_->place(anchor, screen->availableGeometry());
     }
     window_->show();
     window_->activateWindow();
@@ -178,11 +209,12 @@ void QtPopover::show(StatusItem& relativeTo) {
 }
 
 void QtPopover::close() {
+    inCorner_.reset();
     window_->close();
 }
 
 bool QtPopover::isShown() const {
-    return window_->isVisible();
+    return inCorner_.has_value() || window_->isVisible();
 }
 
 } // namespace nocta

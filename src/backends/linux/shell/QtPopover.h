@@ -1,22 +1,25 @@
 #pragma once
 
+#include "backends/linux/shell/LayerPopup.h"
 #include "backends/linux/x11/X11Connection.h"
 #include "platform/Popover.h"
 
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 namespace nocta {
 
 /// The popover as a separate window that closes when the user clicks elsewhere or presses Escape.
 /// It opens at the status item, or at the pointer if the panel does not report the item's position.
 /// It appears without a fade, because only a compositor could fade it. With a compositor it has
-/// rounded corners and a shadow.
+/// rounded corners and a shadow. On Wayland it opens in the corner of the screen that is nearest to
+/// the pointer or, where the compositor offers no layers, as an ordinary window.
 class QtPopover final : public Popover {
 public:
     /// `connection` is null without an X server.
-    explicit QtPopover(X11Connection* connection);
+    QtPopover(const LayerShell& layerShell, X11Connection* connection);
     QtPopover(const QtPopover&) = delete;
     QtPopover& operator=(const QtPopover&) = delete;
     ~QtPopover() override;
@@ -32,8 +35,10 @@ public:
 private:
     class Window;
 
+    const LayerShell& layerShell_;
     X11Connection* connection_;
     std::unique_ptr<Window> window_;
+    std::optional<LayerPopup> inCorner_; ///< while the popover is shown in a layer
 };
 
 } // namespace nocta

@@ -134,7 +134,9 @@ private:
     PressCounter gotten_{application};
     X11Connection connection_{desktop.runLoop};
     Typing typing_;
-    QtOverlayWindows windows_{desktop.runLoop, desktop.displays, &connection_, &typing_};
+    LayerShell layerShell_; // not offered
+    QtOverlayWindows windows_{desktop.runLoop, desktop.displays, layerShell_, &connection_,
+                              &typing_};
     PressCounter all_{application};
 };
 
@@ -146,7 +148,8 @@ class QtOverlayWindowsTest : public ::testing::Test, protected QtOnPrivateServer
 protected:
     QtOverlayWindowsTest() : QtOnPrivateServer(XServer::Kind::xvfb) {}
 
-    QtOverlayWindows windows{desktop.runLoop, desktop.displays, nullptr, nullptr};
+    LayerShell layerShell; // not offered
+    QtOverlayWindows windows{desktop.runLoop, desktop.displays, layerShell, nullptr, nullptr};
     std::unique_ptr<OverlayWindow> window;
     std::vector<std::int64_t> keys;
 
@@ -204,7 +207,8 @@ TEST_F(QtOverlayWindowsTest, KeyHeldBeforeTheWindowOpensIsDiscardedUntilItIsPres
     QtRunLoop runLoop;
     X11Connection connection(runLoop);
     X11KeyEvents keyEvents(connection, runLoop);
-    QtOverlayWindows covers(runLoop, desktop.displays, &connection, &keyEvents.typing());
+    QtOverlayWindows covers(runLoop, desktop.displays, layerShell, &connection,
+                            &keyEvents.typing());
     const auto monitor = listen(covers);
     ASSERT_EQ(runToEnd({"xset", "-display", server.display(), "r", "rate", "50", "100"}), 0);
     connection.synchronize(); // the program has to select its events before the key press

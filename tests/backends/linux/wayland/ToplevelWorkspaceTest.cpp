@@ -137,8 +137,8 @@ protected:
     bool waitForSizes(const std::vector<Size>& expected) {
         return serveUntil([&] { return sizes() == expected; });
     }
-    void enableSecondOutput() {
-        sway.enableSecondOutput();
+    void addOutput() {
+        sway.addOutput();
         ASSERT_TRUE(serveUntil([&] { return displays.ids().size() == 2; }));
     }
 };
@@ -219,7 +219,7 @@ TEST_F(ToplevelWorkspaceTest, OnlyFullScreenWindowsHaveASize) {
 }
 
 TEST_F(ToplevelWorkspaceTest, MainScreenIsTheScreenOfTheActiveWindow) {
-    enableSecondOutput();
+    addOutput();
     EXPECT_EQ(workspace.mainScreenFrame(), left) << "without a window it is the main display";
     const auto editor = open("Editor");
     const auto film = open("Film");
@@ -231,7 +231,7 @@ TEST_F(ToplevelWorkspaceTest, MainScreenIsTheScreenOfTheActiveWindow) {
 }
 
 TEST_F(ToplevelWorkspaceTest, FullScreenOnAnotherScreenHasNoSize) {
-    enableSecondOutput();
+    addOutput();
     const auto editor = open("Editor");
     const auto film = open("Film");
     order(film, {"move", "container", "to", "output", "HEADLESS-2"});

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QObject>
+#include <QSize>
+
+#include <cstdint>
+#include <functional>
+
+class QScreen;
+class QWidget;
+struct wl_registry;
+struct zwlr_layer_shell_v1;
+struct zwlr_layer_surface_v1;
+struct zwlr_layer_surface_v1_listener;
+
+namespace nocta {
+
+/// The compositor's layers above and below the ordinary windows, on Qt's connection. Qt itself does
+/// not know them.
+class LayerShell {
+public:
+    /// Lets windows with Qt::BypassWindowManagerHint have a layer. Call this before Qt starts.
+    static void prepare();
+
+    /// Asks the compositor, which Qt must already be connected to. Without Wayland there are no
+    /// layers.
+    LayerShell();
+    LayerShell(const LayerShell&) = delete;
+    LayerShell& operator=(const LayerShell&) = delete;
+    ~LayerShell();
+
+    bool isAvailable() const { return shell_ != nullptr; }
+
+private:
+    friend class LayerSurface;
+    zwlr_layer_shell_v1* shell_ = nullptr;
+    std::uint32_t version_ = 0;
+};
+
+/// Shows a hidden top-level widget with Qt::BypassWindowManagerHint in a layer of one screen. The
+/// widget appears when the compositor has told its size. Destroying the surface hides the widget;
+/// closing the widget ends the surface.
+class LayerSurface final : public QObject {
+public:
+    enum class Layer : std::uint32_t { top = 2, overlay = 3 };
+    enum class Keyboard : std::uint32_t { none, exclusive, onDemand };
+
+    struct Style {
+        Layer layer = Layer::overlay;
+        Keyboard keyboard = Keyboard::none;
+        Qt::Edges edges; ///< the edges of the screen that the surface is attached to
+        int margin = 0;  ///< the distance from `edges` in points; negative beyond them
+        bool avoidsPanels = false;
+    };
+
+    /// Between opposite `edges`, the surface gets the size of the screen; otherwise it has the
+    /// widget's. The compositor chooses the screen if `screen` is null.
+    LayerSurface(const LayerShell& shell, QWidget& widget, const QScreen* screen,
+                 const Style& style);
+    LayerSurface(const LayerSurface&) = delete;
+    LayerSurface& operator=(const LayerSurface&) = delete;
+    ~LayerSurface() override;
+
+    void setKeyboard(Keyboard keyboard);
+
+    /// Called after the compositor has closed the surface, for example because its screen is gone.
+    std::function<void()> onClosed;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void configure(QSize size);
+    void close();
+    void release();
+
+    static const zwlr_layer_surface_v1_listener listener;
+
+    QWidget& widget_;
+    std::uint32_t version_;
+    zwlr_layer_surface_v1* surface_ = nullptr;
+};
+
+} // namespace nocta
