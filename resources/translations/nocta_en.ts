@@ -748,5 +748,9 @@
         <source>%1: %2</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Nocta can dim the displays of this desktop, but not warm them.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

@@ -20,6 +20,10 @@ public:
     /// Returns whether this session supports setting tables at all.
     virtual bool isAvailable() const = 0;
 
+    /// Returns whether tables can give the channels different levels, and so make the colors
+    /// warmer. Otherwise only the highest level of all three is shown.
+    virtual bool canWarm() const { return true; }
+
     /// Sets a display's tables: three lists of equal length, output levels in 0.0–1.0 for evenly
     /// spaced input levels. The status covers only errors that are known immediately, because the
     /// tables are sent to the display at the end of the run-loop turn. Corresponds to

@@ -10,6 +10,13 @@ QString missingForBrightness(SharedInstances& instances) {
                : Text::tr("Nocta cannot change the colors of the displays in this session.");
 }
 
+QString missingForWarmth(SharedInstances& instances) {
+    const auto missing = missingForBrightness(instances);
+    return !missing.isEmpty() || instances.desktop().gammaOutput.canWarm()
+               ? missing
+               : Text::tr("Nocta can dim the displays of this desktop, but not warm them.");
+}
+
 QString missingForGrayscale(SharedInstances& instances) {
     return instances.grayscaleService().isAvailable()
                ? QString()

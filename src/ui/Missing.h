@@ -11,6 +11,7 @@ namespace nocta {
 // text of the tool tip, which is empty if nothing is missing.
 
 QString missingForBrightness(SharedInstances& instances);
+QString missingForWarmth(SharedInstances& instances);
 QString missingForGrayscale(SharedInstances& instances);
 QString missingForLocation(SharedInstances& instances);
 QString missingForUpdates(SharedInstances& instances);

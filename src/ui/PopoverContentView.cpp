@@ -2,6 +2,7 @@
 
 #include "ui/Binding.h"
 #include "ui/Descriptions.h"
+#include "ui/Missing.h"
 #include "ui/SettingControls.h"
 #include "ui/Text.h"
 #include "ui/controls/FocusRing.h"
@@ -79,6 +80,12 @@ void PopoverContentView::addWarmth(QVBoxLayout& column) {
     follow(*caption, settings_.autoWarmthEnabled, [choice, caption, slider](bool isAutomatic) {
         choice->setCurrentWidget(isAutomatic ? static_cast<QWidget*>(caption) : slider);
     });
+    if (!instances_.desktop().gammaOutput.canWarm()) {
+        auto* const note = new Label(missingForWarmth(instances_), TextStyle::secondary);
+        note->setObjectName(QStringLiteral("warmthNote"));
+        note->setWordWrap(true);
+        column.addWidget(note);
+    }
 }
 
 void PopoverContentView::addEyeRelief(QVBoxLayout& column) {

@@ -48,7 +48,7 @@ WarmthSlider* makeWarmthSlider(SharedInstances& instances) {
     auto* const slider =
         new WarmthSlider(Text::tr("Warmth"), instances.settingsManager().warmthLevel);
     slider->setObjectName(QStringLiteral("warmthSlider"));
-    slider->setToolTip(missingForBrightness(instances));
+    slider->setToolTip(missingForWarmth(instances));
     return slider;
 }
 

@@ -5,6 +5,7 @@
 #include "backends/linux/Unavailable.h"
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/gnome/MagnifierFilter.h"
+#include "backends/linux/wayland/TintGammaOutput.h"
 #include "backends/linux/wayland/ToplevelWorkspace.h"
 #include "backends/linux/wayland/WaylandDisplays.h"
 #include "backends/linux/wayland/WlrGammaOutput.h"
@@ -105,10 +106,16 @@ SessionPorts probeWayland(const SessionContext& context) {
     auto displays = std::make_unique<WaylandDisplays>(*ports.wayland, context.runLoop,
                                                       context.notificationCenter);
     auto gamma = std::make_unique<WlrGammaOutput>(*ports.wayland, *displays, context.runLoop);
+    auto tint = std::make_unique<TintGammaOutput>(*ports.wayland, *displays);
     if (gamma->isAvailable()) {
         ports.gammaAfterWake =
             context.wake.observe([output = gamma.get()] { output->sendAgain(); });
         ports.gammaOutput = std::move(gamma);
+    } else if (tint->isAvailable()) {
+        std::cerr << "nocta: this compositor has no gamma control; the displays are dimmed by a "
+                     "layer, which cannot warm them"
+                  << std::endl;
+        ports.gammaOutput = std::move(tint);
     } else {
         std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
         ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();

@@ -66,7 +66,7 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
 
     auto* const automatic = makeToggle(Text::tr("Auto-adjust based on time"), "autoWarmthToggle",
                                        settings.autoWarmthEnabled);
-    automatic->setToolTip(missingForBrightness(instances));
+    automatic->setToolTip(missingForWarmth(instances));
     auto* const location =
         makeToggle(Text::tr("Use my location"), "locationToggle", settings.locationEnabled);
     follow(*location, instances.locationService().authorizationStatus,
@@ -81,7 +81,7 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
     auto* const night = addTemperature(*rows, Text::tr("Night"), settings.colorTemperatureNight);
     night->setObjectName(QStringLiteral("nightTemperature"));
     for (auto* const temperature : {day, night}) {
-        temperature->setToolTip(missingForBrightness(instances));
+        temperature->setToolTip(missingForWarmth(instances));
     }
 
     auto* const temperature = addSection(Text::tr("Color Temperature"));

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "backends/linux/wayland/WaylandConnection.h"
+#include "backends/linux/wayland/WaylandDisplays.h"
+#include "platform/GammaOutput.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+
+struct wl_buffer;
+struct wl_compositor;
+struct wl_shm;
+struct wl_shm_pool;
+struct wp_viewporter;
+struct zwlr_layer_shell_v1;
+
+namespace nocta {
+
+/// Dims by covering each output with a translucent black layer, for compositors that have no gamma
+/// control. The layer lets clicks through. It is as dark as the highest level of the tables, so it
+/// cannot show warmth, and a screenshot shows it. It disappears with the process, however that
+/// ends.
+class TintGammaOutput final : public GammaOutput {
+public:
+    TintGammaOutput(WaylandConnection& connection, WaylandDisplays& displays);
+    TintGammaOutput(const TintGammaOutput&) = delete;
+    TintGammaOutput& operator=(const TintGammaOutput&) = delete;
+    ~TintGammaOutput() override;
+
+    /// Whether the compositor offers layers, and can scale a pixel to the size of an output.
+    bool isAvailable() const override { return pool_ != nullptr; }
+    bool canWarm() const override { return false; }
+    Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
+                                     std::span<const float> green,
+                                     std::span<const float> blue) override;
+    void displayRestoreColorSyncSettings() override;
+
+private:
+    class Layer;
+
+    wl_buffer* pixel(std::uint8_t alpha);
+
+    WaylandConnection& connection_;
+    WaylandDisplays& displays_;
+    wl_compositor* compositor_;
+    wl_shm* memory_;
+    wp_viewporter* viewporter_;
+    zwlr_layer_shell_v1* shell_;
+    wl_shm_pool* pool_ = nullptr; ///< a black pixel of each alpha
+    std::map<std::uint8_t, wl_buffer*> pixels_;
+    std::map<DisplayId, std::unique_ptr<Layer>> layers_; ///< of the displays that are dimmed
+    Subscription removal_;
+};
+
+} // namespace nocta
