@@ -128,23 +128,10 @@ TYPED_TEST_P(OverlayWindowsContract, KeyReachesTheWindowUnlessAMonitorSwallowsIt
     EXPECT_EQ(this->handled, 2);
 }
 
-TYPED_TEST_P(OverlayWindowsContract, EarlierTypingIsDiscardedUntilAPause) {
-    const auto window = this->make();
-    EXPECT_FALSE(this->harness.press()) << "the key should go to a window of another program";
-    this->harness.letPass(this->pause / 10);
-    const auto monitor = this->monitorKeys();
-    window->makeKeyAndOrderFront();
-    EXPECT_FALSE(this->harness.press());
-    this->harness.letPass(this->pause);
-    EXPECT_TRUE(this->harness.press());
-    EXPECT_EQ(this->handled, 1) << "only the key after the pause should be handled";
-}
-
 REGISTER_TYPED_TEST_SUITE_P(OverlayWindowsContract, ShownWindowsCoverTheDisplaysExactly,
                             WindowIsGoneOnceItIsOrderedOutOrDestroyed,
                             FadeEndsAtItsTargetAndIsCompletedOnce,
                             FadeThatIsReplacedOrDestroyedIsNotCompleted,
-                            KeyReachesTheWindowUnlessAMonitorSwallowsIt,
-                            EarlierTypingIsDiscardedUntilAPause);
+                            KeyReachesTheWindowUnlessAMonitorSwallowsIt);
 
 } // namespace nocta

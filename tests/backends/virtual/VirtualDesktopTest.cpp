@@ -6,6 +6,7 @@
 #include "contracts/DisplayFilterContract.h"
 #include "contracts/DisplayRemovalContract.h"
 #include "contracts/DisplaysContract.h"
+#include "contracts/EarlierTypingContract.h"
 #include "contracts/GammaOutputContract.h"
 #include "contracts/KeyEventsContract.h"
 #include "contracts/LocationManagerContract.h"
@@ -152,6 +153,7 @@ struct VirtualOverlayWindowsHarness {
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, OverlayWindowsContract, VirtualOverlayWindowsHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, EarlierTypingContract, VirtualOverlayWindowsHarness);
 
 struct VirtualLocationHarness {
     VirtualDesktop desktop;

@@ -3,6 +3,7 @@
 #include "backends/linux/shell/QtRunLoop.h"
 #include "backends/linux/x11/X11KeyEvents.h"
 #include "backends/virtual/VirtualDesktop.h"
+#include "contracts/EarlierTypingContract.h"
 #include "contracts/OverlayWindowsContract.h"
 #include "support/EventLoop.h"
 #include "support/Process.h"
@@ -141,6 +142,7 @@ private:
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Qt, OverlayWindowsContract, QtOverlayWindowsHarness);
+INSTANTIATE_TYPED_TEST_SUITE_P(Qt, EarlierTypingContract, QtOverlayWindowsHarness);
 
 namespace {
 
