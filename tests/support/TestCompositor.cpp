@@ -17,8 +17,7 @@ namespace nocta {
 
 namespace {
 
-constexpr int width = 1280;
-constexpr int height = 720;
+constexpr int firstVersionWithoutDone = 3; // of the logical outputs
 
 void destroy(wl_client* /*client*/, wl_resource* resource) {
     wl_resource_destroy(resource);
@@ -42,8 +41,11 @@ struct TestCompositor::Interfaces {
         wl_resource_set_implementation(resource, &requests, data, nullptr);
         wl_output_send_geometry(resource, output.x, 0, 0, 0, WL_OUTPUT_SUBPIXEL_UNKNOWN, "", "",
                                 WL_OUTPUT_TRANSFORM_NORMAL);
-        wl_output_send_mode(resource, WL_OUTPUT_MODE_CURRENT, width, height, 0);
-        wl_output_send_name(resource, output.name.c_str());
+        wl_output_send_mode(resource, WL_OUTPUT_MODE_CURRENT, TestOutput::width, TestOutput::height,
+                            0);
+        if (version >= WL_OUTPUT_NAME_SINCE_VERSION) {
+            wl_output_send_name(resource, output.name.c_str());
+        }
         wl_output_send_done(resource);
     }
 
@@ -59,8 +61,15 @@ struct TestCompositor::Interfaces {
                     asking, &zxdg_output_v1_interface, wl_resource_get_version(manager), logicalId);
                 wl_resource_set_implementation(logical, &logicalRequests, &output, nullptr);
                 zxdg_output_v1_send_logical_position(logical, output.x, 0);
-                zxdg_output_v1_send_logical_size(logical, width, height);
-                zxdg_output_v1_send_done(logical);
+                zxdg_output_v1_send_logical_size(logical, TestOutput::width, TestOutput::height);
+                if (wl_resource_get_version(logical) >= ZXDG_OUTPUT_V1_NAME_SINCE_VERSION) {
+                    zxdg_output_v1_send_name(logical, output.name.c_str());
+                }
+                if (wl_resource_get_version(logical) < firstVersionWithoutDone) {
+                    zxdg_output_v1_send_done(logical);
+                } else {
+                    wl_output_send_done(of);
+                }
             }
         };
         auto* const manager = wl_resource_create(client, &zxdg_output_manager_v1_interface,

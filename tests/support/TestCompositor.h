@@ -54,6 +54,9 @@ public:
     void pause() { thread_.pause(); }
     void resume() { thread_.resume(); }
 
+    /// For other parts of the compositor. Outputs are the user data of their resources.
+    CompositorThread& thread() { return thread_; }
+
     /// What happened to the ramps of an output: each entry is all levels of red, then of green,
     /// then of blue, or empty if the output's own ramps were restored.
     std::vector<std::vector<std::uint16_t>> gammaOf(const std::string& name) const;

@@ -13,6 +13,9 @@ namespace nocta {
 
 /// An output of a `TestCompositor`, which uses it in its own thread.
 struct TestOutput {
+    static constexpr int width = 1280;
+    static constexpr int height = 720;
+
     TestCompositor* compositor;
     std::string name;
     int x = 0;

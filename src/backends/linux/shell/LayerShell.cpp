@@ -21,7 +21,9 @@ constexpr std::uint32_t newestVersion = 4;
 constexpr std::uint32_t onDemandVersion = 4;
 constexpr std::uint32_t destroyVersion = 3;
 constexpr std::int32_t coverPanels = -1;
-constexpr std::uint32_t maxLength = 32767; // of a side, in points
+// In points. A picture of this size fits in a Wayland buffer up to a scale factor of 3.
+constexpr std::uint32_t maxLength = 16384;
+constexpr std::uint32_t maxArea = 1U << 25U;
 
 QPlatformNativeInterface& native() {
     return *QGuiApplication::platformNativeInterface();
@@ -39,6 +41,12 @@ wl_output* outputOf(const QScreen* screen) {
     return screen == nullptr ? nullptr
                              : static_cast<wl_output*>(native().nativeResourceForScreen(
                                    "output", const_cast<QScreen*>(screen)));
+}
+
+/// An empty size if there can be no picture of the given one.
+QSize checkedSize(std::uint32_t width, std::uint32_t height) {
+    const auto fits = width <= maxLength && height <= maxLength && width * height <= maxArea;
+    return fits ? QSize(static_cast<int>(width), static_cast<int>(height)) : QSize();
 }
 
 std::uint32_t anchorsOf(Qt::Edges edges) {
@@ -110,10 +118,7 @@ const zwlr_layer_surface_v1_listener LayerSurface::listener = {
         [](void* data, zwlr_layer_surface_v1* surface, std::uint32_t serial, std::uint32_t width,
            std::uint32_t height) {
             zwlr_layer_surface_v1_ack_configure(surface, serial);
-            static_cast<LayerSurface*>(data)->configure(
-                width > maxLength || height > maxLength
-                    ? QSize()
-                    : QSize(static_cast<int>(width), static_cast<int>(height)));
+            static_cast<LayerSurface*>(data)->configure(checkedSize(width, height));
         },
     .closed =
         [](void* data, zwlr_layer_surface_v1* /*surface*/) {

@@ -136,10 +136,7 @@ private:
                          LayerSurface::Style{.layer = LayerSurface::Layer::overlay,
                                              .edges = Qt::TopEdge | Qt::BottomEdge | Qt::LeftEdge |
                                                       Qt::RightEdge});
-        surface_->onClosed = [this] {
-            owner_.windowGoes(*this);
-            owner_.takeKeyboard();
-        };
+        surface_->onClosed = [this] { owner_.windowGoes(*this); };
     }
 
     void showAlpha() {
@@ -305,11 +302,14 @@ void QtOverlayWindows::takeKeyboard() {
     }
 }
 
-/// The last window returns the focus to the window that had it. If that window is gone, this does
-/// nothing.
+/// The next window gets the keyboard. The last one returns it to the window that had it; if that
+/// window is gone, this does nothing.
 void QtOverlayWindows::windowGoes(Window& window) {
-    if (std::erase(shown_, &window) == 0 || !shown_.empty() || connection_ == nullptr ||
-        focusBefore_ == XCB_NONE) {
+    if (std::erase(shown_, &window) == 0) {
+        return;
+    }
+    takeKeyboard();
+    if (!shown_.empty() || connection_ == nullptr || focusBefore_ == XCB_NONE) {
         return;
     }
     xcb_set_input_focus(connection_->get(), XCB_INPUT_FOCUS_POINTER_ROOT, focusBefore_,

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "support/ShellCompositor.h"
+
+#include <wayland-server.h>
+
+namespace nocta {
+
+/// What clients can request of a `ShellCompositor`. The data of the global objects is the
+/// compositor, that of a region is whether it is empty, and that of everything else is the surface,
+/// or null once that is gone.
+struct ShellCompositor::Interfaces {
+    static void makeRegion(wl_client* client, wl_resource* compositor, std::uint32_t id);
+    static void endSurface(wl_resource* resource);
+    static void destroySurface(wl_client* /*client*/, wl_resource* resource);
+    static void makeSurface(wl_client* client, wl_resource* compositor, std::uint32_t id);
+    static void bindCompositor(wl_client* client, void* self, std::uint32_t version,
+                               std::uint32_t id);
+    static void bindViewporter(wl_client* client, void* self, std::uint32_t version,
+                               std::uint32_t id);
+    static void endRole(wl_resource* role);
+    static void makeLayer(wl_client* client, wl_resource* manager, std::uint32_t id,
+                          wl_resource* of, wl_resource* output, std::uint32_t layer,
+                          const char* name);
+    static void bindLayerShell(wl_client* client, void* self, std::uint32_t version,
+                               std::uint32_t id);
+    static void bindXdgShell(wl_client* client, void* self, std::uint32_t version,
+                             std::uint32_t id);
+};
+
+} // namespace nocta

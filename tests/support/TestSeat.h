@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+struct wl_client;
+struct wl_display;
+struct wl_resource;
+
+namespace nocta {
+
+/// The keyboard and the pointer of a compositor for tests, which uses them in its own thread. The
+/// keyboard has two keys.
+class TestSeat {
+public:
+    static constexpr std::uint32_t escape = 1;
+    static constexpr std::uint32_t space = 57;
+
+    void offerOn(wl_display* display);
+
+    /// Gives a surface the keyboard; null takes it from all surfaces.
+    void setKeyboardFocus(wl_resource* surface);
+    wl_resource* keyboardFocus() const { return keyboardFocus_; }
+
+    /// Moves the pointer to a place in a surface; null moves it out of all surfaces.
+    void movePointer(wl_resource* surface, int x, int y);
+
+    /// Presses and releases a key or the left button. The surface with the focus gets the events.
+    void press(std::uint32_t key);
+    void click();
+
+    /// Call this before a surface is destroyed.
+    void forget(wl_resource* surface);
+
+private:
+    struct Interfaces;
+    using Devices = std::vector<wl_resource*>;
+
+    Devices keyboards_;
+    Devices pointers_;
+    wl_resource* keyboardFocus_ = nullptr;
+    wl_resource* pointerFocus_ = nullptr;
+};
+
+} // namespace nocta

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "support/ShellCompositor.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+#include <wayland-server.h>
+
+namespace nocta {
+
+/// A surface of a `ShellCompositor`, which uses it in its own thread.
+struct TestSurface {
+    ShellCompositor* compositor;
+    wl_resource* resource = nullptr;
+    wl_resource* role = nullptr; ///< as a layer
+    TestLayer pending{};
+    TestLayer current{};
+    std::optional<std::uint32_t> attached{}; ///< the pending buffer; 0 for none
+    std::pair<int, int> destination{};       ///< of the viewport
+    std::vector<wl_resource*> frames{};
+    std::uint32_t configured = 0; ///< the newest serial
+    std::uint32_t acknowledged = 0;
+    std::uint32_t shown = 0; ///< the serial that was acknowledged before the newest picture
+    bool hasPicture = false;
+    bool isClosed = false;
+
+    bool isMapped() const { return role != nullptr && !isClosed && hasPicture; }
+    bool isSettled() const {
+        return role == nullptr || isClosed || (hasPicture && shown == configured);
+    }
+
+    void takeRole(wl_resource* layer);
+    void configure(std::uint32_t width, std::uint32_t height);
+    void acknowledge(std::uint32_t serial);
+    void commit();
+
+private:
+    void violate(const std::string& rule) const { compositor->violations_.push_back(rule); }
+    void configureFirst();
+    void showAttached();
+};
+
+} // namespace nocta
