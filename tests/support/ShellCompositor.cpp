@@ -15,7 +15,9 @@ namespace nocta {
 ShellCompositor::ShellCompositor(const std::set<std::string>& withheld) {
     call([&] {
         auto* const display = outputs_.thread().display();
-        wl_display_init_shm(display);
+        if (!withheld.contains(wl_shm_interface.name)) {
+            wl_display_init_shm(display);
+        }
         const auto offer = [&](const wl_interface& interface, int version,
                                wl_global_bind_func_t bind) {
             if (!withheld.contains(interface.name)) {

@@ -174,17 +174,19 @@ void ShellCompositor::Interfaces::makeLayer(wl_client* client, wl_resource* mana
     };
     auto& surface = surfaceOf(of);
     auto& self = *surface.compositor;
-    surface.pending = {.output =
-                           output == nullptr
-                               ? std::string()
-                               : static_cast<TestOutput*>(wl_resource_get_user_data(output))->name,
+    const auto* const place =
+        output == nullptr ? nullptr : static_cast<TestOutput*>(wl_resource_get_user_data(output));
+    surface.pending = {.output = place == nullptr ? std::string() : place->name,
                        .layer = layer,
                        .acceptsInput = surface.pending.acceptsInput};
     surface.takeRole(make(client, zwlr_layer_surface_v1_interface, wl_resource_get_version(manager),
                           id, requests, &surface, endRole));
-    const auto place =
+    const auto known =
         std::ranges::find(self.surfaces_, &surface, [](const TestSurface& each) { return &each; });
-    self.surfaces_.splice(self.surfaces_.end(), self.surfaces_, place);
+    self.surfaces_.splice(self.surfaces_.end(), self.surfaces_, known);
+    if (place != nullptr && place->isRemoved) {
+        self.close(surface);
+    }
 }
 
 void ShellCompositor::Interfaces::bindLayerShell(wl_client* client, void* self,

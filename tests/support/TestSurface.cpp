@@ -61,7 +61,7 @@ void TestSurface::commit() {
     if (attached) {
         showAttached();
     }
-    if (role != nullptr && configured == 0) {
+    if (role != nullptr && !isClosed && configured == 0) {
         configureFirst();
     }
     for (auto* const frame : std::exchange(frames, {})) {

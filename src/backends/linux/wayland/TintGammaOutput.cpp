@@ -42,8 +42,9 @@ FileDescriptor filePixels() {
 /// The layer over one output.
 class TintGammaOutput::Layer {
 public:
-    Layer(TintGammaOutput& owner, wl_output* output)
-        : owner_(owner), surface_(wl_compositor_create_surface(owner.compositor_)),
+    Layer(TintGammaOutput& owner, DisplayId display, wl_output* output)
+        : owner_(owner), display_(display),
+          surface_(wl_compositor_create_surface(owner.compositor_)),
           viewport_(wp_viewporter_get_viewport(owner.viewporter_, surface_)),
           role_(zwlr_layer_shell_v1_get_layer_surface(
               owner.shell_, surface_, output, ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "nocta-dim")) {
@@ -86,7 +87,12 @@ public:
 
 private:
     void configure(std::uint32_t width, std::uint32_t height) {
-        isConfigured_ = width > 0 && height > 0 && width <= maxLength && height <= maxLength;
+        if (width == 0 || height == 0 || width > maxLength || height > maxLength) {
+            const auto bounds = owner_.displays_.displayBounds(display_);
+            width = static_cast<std::uint32_t>(bounds.width);
+            height = static_cast<std::uint32_t>(bounds.height);
+        }
+        isConfigured_ = width > 0 && height > 0;
         if (isConfigured_) {
             wp_viewport_set_destination(viewport_, static_cast<std::int32_t>(width),
                                         static_cast<std::int32_t>(height));
@@ -104,6 +110,7 @@ private:
     }
 
     TintGammaOutput& owner_;
+    DisplayId display_;
     wl_surface* surface_;
     wp_viewport* viewport_;
     zwlr_layer_surface_v1* role_;
@@ -165,7 +172,7 @@ Status TintGammaOutput::setDisplayTransferByTable(DisplayId display, std::span<c
     } else {
         auto& layer = layers_[display];
         if (layer == nullptr || layer->isClosed()) {
-            layer = std::make_unique<Layer>(*this, output);
+            layer = std::make_unique<Layer>(*this, display, output);
         }
         layer->setAlpha(alpha);
     }
