@@ -110,6 +110,10 @@ void ShellCompositor::movePointer(std::size_t surface, int x, int y) {
     call([&] { seat_.movePointer(mappedSurfaces().at(surface)->resource, x, y); });
 }
 
+void ShellCompositor::putPointerIntoNext(int x, int y) {
+    call([&] { newPointer_ = {x, y}; });
+}
+
 void ShellCompositor::click() {
     call([&] { seat_.click(); });
 }
@@ -128,6 +132,12 @@ void ShellCompositor::close(TestSurface& surface) {
     zwlr_layer_surface_v1_send_closed(surface.role);
     surface.isClosed = true;
     updateKeyboardFocus(false);
+}
+
+void ShellCompositor::appears(TestSurface& surface) {
+    if (const auto place = std::exchange(newPointer_, std::nullopt)) {
+        seat_.movePointer(surface.resource, place->first, place->second);
+    }
 }
 
 /// A surface that wants the keyboard on demand gets it when it appears.

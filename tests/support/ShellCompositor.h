@@ -74,6 +74,8 @@ public:
     /// Gives the keyboard to a window of another program.
     void takeKeyboard();
     void movePointer(std::size_t surface, int x, int y);
+    /// The pointer is at this place of the surface that appears next.
+    void putPointerIntoNext(int x, int y);
     void click();
 
 private:
@@ -83,12 +85,14 @@ private:
     void call(const std::function<void()>& action) const { outputs_.thread().call(action); }
     std::vector<TestSurface*> mappedSurfaces() const;
     void close(TestSurface& surface);
+    void appears(TestSurface& surface);
     void updateKeyboardFocus(bool onDemandToo);
 
     TestSeat seat_;
     std::list<TestSurface> surfaces_; ///< those with a role in the order in which they got it
     std::vector<std::string> violations_;
     std::optional<std::pair<std::uint32_t, std::uint32_t>> newSize_;
+    std::optional<std::pair<int, int>> newPointer_;
     mutable TestCompositor outputs_; // destroyed first, because it ends the thread
 };
 

@@ -68,7 +68,11 @@ void TestSurface::commit() {
         wl_callback_send_done(frame, 0);
         wl_resource_destroy(frame);
     }
-    compositor->updateKeyboardFocus(!wasMapped && isMapped());
+    const auto appears = !wasMapped && isMapped();
+    if (appears) {
+        compositor->appears(*this);
+    }
+    compositor->updateKeyboardFocus(appears);
 }
 
 void TestSurface::configureFirst() {

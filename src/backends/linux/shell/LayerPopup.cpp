@@ -14,7 +14,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto maxPointerTime = 100ms; // until a compositor that knows a pointer has said where
+constexpr auto maxPointerTime =
+    100ms; // until a compositor that has a pointer tells its place in a new window
 constexpr Qt::Edges allEdges = Qt::TopEdge | Qt::BottomEdge | Qt::LeftEdge | Qt::RightEdge;
 constexpr int tipMargin = 6; // points
 constexpr Qt::Edges usualCorner = Qt::TopEdge | Qt::RightEdge;
@@ -38,6 +39,7 @@ public:
     }
 
 protected:
+    void showEvent(QShowEvent* /*event*/) override { popup_.waitForPointer(); }
     void enterEvent(QEnterEvent* event) override {
         popup_.open(&screen_, nearestCorner(event->position(), size()));
     }
@@ -66,10 +68,16 @@ LayerPopup::LayerPopup(const LayerShell& shell, QWidget& widget, int margin,
     }
     connect(&withoutPointer_, &QTimer::timeout, this, [this] { open(nullptr, usualCorner); });
     withoutPointer_.setSingleShot(true);
-    withoutPointer_.start(maxPointerTime);
+    waitForPointer();
 }
 
 LayerPopup::~LayerPopup() = default;
+
+void LayerPopup::waitForPointer() {
+    if (!surface_) {
+        withoutPointer_.start(maxPointerTime);
+    }
+}
 
 void LayerPopup::open(const QScreen* screen, Qt::Edges corner) {
     if (surface_) {

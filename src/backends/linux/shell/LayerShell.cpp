@@ -129,6 +129,13 @@ LayerSurface::LayerSurface(const LayerShell& shell, QWidget& widget, const QScre
                            const Style& style)
     : widget_(widget), version_(shell.version_) {
     widget_.installEventFilter(this);
+    const auto isStretched = [&](Qt::Edges edges) { return (style.edges & edges) == edges; };
+    const auto fillsWidth = isStretched(Qt::LeftEdge | Qt::RightEdge);
+    const auto fillsHeight = isStretched(Qt::TopEdge | Qt::BottomEdge);
+    if (screen != nullptr) { // in case the compositor leaves the size to the widget
+        widget_.resize(fillsWidth ? screen->geometry().width() : widget_.width(),
+                       fillsHeight ? screen->geometry().height() : widget_.height());
+    }
     // The surface of a window that was shown before has gone with its window.
     if (auto* const window = widget_.windowHandle()) {
         window->destroy();
@@ -143,13 +150,9 @@ LayerSurface::LayerSurface(const LayerShell& shell, QWidget& widget, const QScre
     surface_ = zwlr_layer_shell_v1_get_layer_surface(
         shell.shell_, surface, outputOf(screen), static_cast<std::uint32_t>(style.layer), "nocta");
     zwlr_layer_surface_v1_add_listener(surface_, &listener, this);
-    const auto isStretched = [&](Qt::Edges edges) { return (style.edges & edges) == edges; };
-    const auto length = [](bool isZero, int size) {
-        return isZero ? 0U : static_cast<std::uint32_t>(size);
-    };
-    zwlr_layer_surface_v1_set_size(
-        surface_, length(isStretched(Qt::LeftEdge | Qt::RightEdge), widget_.width()),
-        length(isStretched(Qt::TopEdge | Qt::BottomEdge), widget_.height()));
+    zwlr_layer_surface_v1_set_size(surface_,
+                                   fillsWidth ? 0U : static_cast<std::uint32_t>(widget_.width()),
+                                   fillsHeight ? 0U : static_cast<std::uint32_t>(widget_.height()));
     zwlr_layer_surface_v1_set_anchor(surface_, anchorsOf(style.edges));
     zwlr_layer_surface_v1_set_margin(surface_, style.margin, style.margin, style.margin,
                                      style.margin);

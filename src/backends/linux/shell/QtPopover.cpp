@@ -50,12 +50,20 @@ public:
         setAttribute(Qt::WA_NoMouseReplay); // a click on the item must close it, not reopen it
         setAttribute(Qt::WA_TranslucentBackground);
         new QVBoxLayout(this);
+        dropView_.setSingleShot(true);
+        connect(&dropView_, &QTimer::timeout, this, [this] {
+            if (!isVisible()) {
+                setView(nullptr);
+                onHidden();
+            }
+        });
     }
 
     QSize contentSize;
     std::function<void()> onHidden;
 
     void setView(std::unique_ptr<View> view) {
+        dropView_.stop(); // in a layer, a window that is about to appear is not visible yet
         view_ = std::move(view);
         if (view_ != nullptr) {
             layout()->addWidget(static_cast<QWidget*>(view_->nativeView()));
@@ -88,13 +96,7 @@ public:
 protected:
     void hideEvent(QHideEvent* event) override {
         QWidget::hideEvent(event);
-        // Delayed, because a click in the content may have closed the popover.
-        QTimer::singleShot(0, this, [this] {
-            if (!isVisible()) {
-                setView(nullptr);
-                onHidden();
-            }
-        });
+        dropView_.start(0); // delayed, because a click in the content may have closed the popover
     }
 
     bool event(QEvent* event) override {
@@ -157,6 +159,7 @@ private:
     }
 
     std::unique_ptr<View> view_;
+    QTimer dropView_;
     int shadowWidth_ = 0;
 };
 

@@ -3,6 +3,7 @@
 #include "backends/linux/wayland/LayerShellProtocol.h"
 #include "backends/virtual/VirtualDesktop.h"
 #include "contracts/OverlayWindowsContract.h"
+#include "support/PressCounter.h"
 
 #include <QGraphicsOpacityEffect>
 #include <QScreen>
@@ -50,20 +51,6 @@ bool isPainted(const std::vector<TestLayer>& layers) {
     return std::ranges::equal(alphas, paintedAlphas(),
                               [](int one, int other) { return std::abs(one - other) <= 1; });
 }
-
-/// Counts the space keys that windows get. Does not see those that a filter installed later has
-/// swallowed.
-class PressCounter final : public QObject {
-public:
-    explicit PressCounter(QApplication& application) { application.installEventFilter(this); }
-    int presses = 0;
-
-protected:
-    bool eventFilter(QObject* receiver, QEvent* event) override {
-        presses += event->type() == QEvent::KeyPress && receiver->isWindowType() ? 1 : 0;
-        return false;
-    }
-};
 
 } // namespace
 

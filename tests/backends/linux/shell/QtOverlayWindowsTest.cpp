@@ -6,6 +6,7 @@
 #include "contracts/EarlierTypingContract.h"
 #include "contracts/OverlayWindowsContract.h"
 #include "support/EventLoop.h"
+#include "support/PressCounter.h"
 #include "support/Process.h"
 #include "support/XClient.h"
 #include "support/XServer.h"
@@ -36,21 +37,6 @@ public:
 
 private:
     QWidget widget_;
-};
-
-/// An event filter that counts the key presses for windows of this program. It does not see presses
-/// that a filter installed later has swallowed.
-class PressCounter final : public QObject {
-public:
-    explicit PressCounter(QApplication& application) { application.installEventFilter(this); }
-
-    int presses = 0;
-
-protected:
-    bool eventFilter(QObject* receiver, QEvent* event) override {
-        presses += event->type() == QEvent::KeyPress && receiver->isWindowType() ? 1 : 0;
-        return false;
-    }
 };
 
 constexpr xcb_keysym_t space = 0x20;
