@@ -2,6 +2,7 @@
 
 #include <QEnterEvent>
 #include <QGuiApplication>
+#include <QPointer>
 #include <QScreen>
 
 #include <algorithm>
@@ -14,8 +15,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto maxPointerTime =
-    100ms; // until a compositor that has a pointer tells its place in a new window
+/// Until a compositor that has a pointer tells its place in a new window.
+constexpr auto maxPointerTime = 100ms;
 constexpr Qt::Edges allEdges = Qt::TopEdge | Qt::BottomEdge | Qt::LeftEdge | Qt::RightEdge;
 constexpr int tipMargin = 6; // points
 constexpr Qt::Edges usualCorner = Qt::TopEdge | Qt::RightEdge;
@@ -30,24 +31,24 @@ Qt::Edges nearestCorner(QPointF position, const QSize& size) {
 /// A transparent window over a whole screen.
 class LayerPopup::Surroundings final : public QWidget {
 public:
-    Surroundings(LayerPopup& popup, const QScreen& screen) : popup_(popup), screen_(screen) {
+    Surroundings(LayerPopup& popup, QScreen* screen) : popup_(popup), screen_(screen) {
         setWindowFlags(Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
         setAttribute(Qt::WA_TranslucentBackground);
         setAttribute(Qt::WA_ShowWithoutActivating);
-        surface_.emplace(popup.shell_, *this, &screen,
+        surface_.emplace(popup.shell_, *this, screen,
                          LayerSurface::Style{.layer = LayerSurface::Layer::top, .edges = allEdges});
     }
 
 protected:
     void showEvent(QShowEvent* /*event*/) override { popup_.waitForPointer(); }
     void enterEvent(QEnterEvent* event) override {
-        popup_.open(&screen_, nearestCorner(event->position(), size()));
+        popup_.open(screen_, nearestCorner(event->position(), size()));
     }
     void mousePressEvent(QMouseEvent* /*event*/) override { popup_.dismissLater(); }
 
 private:
     LayerPopup& popup_;
-    const QScreen& screen_;
+    QPointer<QScreen> screen_; ///< null once it is removed
     std::optional<LayerSurface> surface_;
 };
 
@@ -63,8 +64,8 @@ LayerPopup::LayerPopup(const LayerShell& shell, QWidget& widget, int margin,
     tip_.setFrameShape(QFrame::Box);
     tip_.setAttribute(Qt::WA_TransparentForMouseEvents);
     qApp->installEventFilter(this);
-    for (const auto* const screen : QGuiApplication::screens()) {
-        surroundings_.push_back(std::make_unique<Surroundings>(*this, *screen));
+    for (auto* const screen : QGuiApplication::screens()) {
+        surroundings_.push_back(std::make_unique<Surroundings>(*this, screen));
     }
     connect(&withoutPointer_, &QTimer::timeout, this, [this] { open(nullptr, usualCorner); });
     withoutPointer_.setSingleShot(true);
