@@ -145,7 +145,7 @@ void ToplevelWorkspace::bindManager() {
     manager_ = connection_.bind<zwlr_foreign_toplevel_manager_v1>(
         *name, zwlr_foreign_toplevel_manager_v1_interface, fullScreenVersion);
     zwlr_foreign_toplevel_manager_v1_add_listener(manager_, &managerListener, this);
-    connection_.synchronize();
+    connection_.synchronize(WaylandConnection::maxWaitAtStart);
 }
 
 void ToplevelWorkspace::add(zwlr_foreign_toplevel_handle_v1* handle) {

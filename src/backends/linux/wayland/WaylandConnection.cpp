@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <poll.h>
-#include <string_view>
 #include <utility>
 
 namespace nocta {
@@ -24,20 +23,6 @@ void dispatch(wl_display* display, std::chrono::milliseconds time) {
         wl_display_cancel_read(display);
     }
     wl_display_dispatch_pending(display);
-}
-
-/// Delivers events until the condition holds; false if it does not within `maxWait`.
-bool dispatchUntil(wl_display* display, const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + WaylandConnection::maxWait;
-    while (!condition() && wl_display_get_error(display) == 0) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(
-            deadline - std::chrono::steady_clock::now());
-        if (left.count() <= 0) {
-            break;
-        }
-        dispatch(display, left);
-    }
-    return condition();
 }
 
 } // namespace
@@ -64,7 +49,7 @@ WaylandConnection::WaylandConnection(RunLoop& runLoop)
             }};
     registry_ = wl_display_get_registry(display_);
     wl_registry_add_listener(registry_, &listener, this);
-    synchronize();
+    synchronize(maxWaitAtStart);
     readable_ =
         std::make_unique<QSocketNotifier>(wl_display_get_fd(display_), QSocketNotifier::Read);
     QObject::connect(readable_.get(), &QSocketNotifier::activated, [this] { readEvents(); });
@@ -105,46 +90,22 @@ Subscription WaylandConnection::whenProcessed(std::function<void()> done) {
     });
 }
 
-bool WaylandConnection::synchronize() {
+bool WaylandConnection::synchronize(std::chrono::milliseconds maxTime) {
     if (!isOpen()) {
         return false;
     }
     bool isProcessed = false;
     const auto answer = whenProcessed([&] { isProcessed = true; });
-    return dispatchUntil(display_, [&] { return isProcessed; });
-}
-
-bool WaylandConnection::isOffered(const wl_interface& interface) {
-    struct Search {
-        const char* name;
-        bool isFound = false;
-        bool isOver = false;
-    } search{interface.name};
-    static constexpr wl_registry_listener found{
-        .global =
-            [](void* data, wl_registry* /*registry*/, std::uint32_t /*name*/, const char* offered,
-               std::uint32_t /*version*/) {
-                auto& sought = *static_cast<Search*>(data);
-                sought.isFound = sought.isFound || std::string_view(offered) == sought.name;
-            },
-        .global_remove = [](void* /*data*/, wl_registry* /*registry*/, std::uint32_t /*name*/) {}};
-    static constexpr wl_callback_listener over{
-        .done = [](void* data, wl_callback* /*callback*/, std::uint32_t /*serial*/) {
-            static_cast<Search*>(data)->isOver = true;
-        }};
-    auto* const display = wl_display_connect(nullptr);
-    if (display == nullptr) {
-        return false;
+    const auto deadline = std::chrono::steady_clock::now() + maxTime;
+    while (!isProcessed && isOpen()) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now());
+        if (left.count() <= 0) {
+            break;
+        }
+        dispatch(display_, left);
     }
-    auto* const registry = wl_display_get_registry(display);
-    wl_registry_add_listener(registry, &found, &search);
-    auto* const end = wl_display_sync(display);
-    wl_callback_add_listener(end, &over, &search);
-    dispatchUntil(display, [&] { return search.isOver; });
-    wl_callback_destroy(end);
-    wl_registry_destroy(registry);
-    wl_display_disconnect(display);
-    return search.isFound;
+    return isProcessed;
 }
 
 void* WaylandConnection::bindAny(std::uint32_t name, const wl_interface& interface,

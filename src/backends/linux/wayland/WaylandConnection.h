@@ -19,11 +19,13 @@ namespace nocta {
 
 /// Nocta's own connection to the Wayland compositor, separate from Qt's. Requests are queued and
 /// flushed once at the end of the run-loop turn. No call waits for the compositor longer than
-/// `maxWait`. If the compositor goes away, `onLost` is called once; from then on every request does
-/// nothing.
+/// `maxWait`, except at the start. If the compositor goes away, `onLost` is called once; from then
+/// on every request does nothing.
 class WaylandConnection {
 public:
     static constexpr std::chrono::milliseconds maxWait{200};
+    /// When the session starts, compositors are busy, and what they offer decides what Nocta does.
+    static constexpr std::chrono::seconds maxWaitAtStart{5};
 
     struct Global {
         std::string interface;
@@ -70,14 +72,10 @@ public:
     Subscription whenProcessed(std::function<void()> done);
 
     /// Flushes, and waits until the compositor has processed every request; false if it has not
-    /// within `maxWait`.
-    bool synchronize();
+    /// within this time.
+    bool synchronize(std::chrono::milliseconds maxTime = maxWait);
 
     std::function<void()> onLost;
-
-    /// Whether the compositor that the environment names offers this interface. Uses a connection
-    /// of its own, and needs no event loop.
-    static bool isOffered(const wl_interface& interface);
 
 private:
     void* bindAny(std::uint32_t name, const wl_interface& interface, std::uint32_t version);

@@ -81,7 +81,7 @@ WaylandDisplays::WaylandDisplays(WaylandConnection& connection, RunLoop& runLoop
       publish_(runLoop, [this] { publish(); }),
       globals_(connection.observeGlobals([this] { updateOutputs(); })) {
     updateOutputs();
-    connection_.synchronize();
+    connection_.synchronize(WaylandConnection::maxWaitAtStart);
     publish();
 }
 

@@ -82,7 +82,7 @@ WlrGammaOutput::WlrGammaOutput(WaylandConnection& connection, WaylandDisplays& d
     for (const auto display : displays_.ids()) {
         request(controlOf(display));
     }
-    connection_.synchronize();
+    connection_.synchronize(WaylandConnection::maxWaitAtStart);
 }
 
 WlrGammaOutput::~WlrGammaOutput() {
