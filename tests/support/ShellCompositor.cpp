@@ -90,6 +90,10 @@ void ShellCompositor::configureNew(std::uint32_t width, std::uint32_t height) {
     call([&] { newSize_ = {width, height}; });
 }
 
+void ShellCompositor::closeNew() {
+    call([&] { closesNew_ = true; });
+}
+
 void ShellCompositor::configure(std::size_t surface, std::uint32_t width, std::uint32_t height) {
     call([&] { mappedSurfaces().at(surface)->configure(width, height); });
 }

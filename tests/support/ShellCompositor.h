@@ -67,6 +67,8 @@ public:
 
     /// Tells new surfaces this size at first, not the one that they should have.
     void configureNew(std::uint32_t width, std::uint32_t height);
+    /// Closes new surfaces at once, from now on.
+    void closeNew();
     void configure(std::size_t surface, std::uint32_t width, std::uint32_t height);
     void close(std::size_t surface);
 
@@ -93,6 +95,7 @@ private:
     std::vector<std::string> violations_;
     std::optional<std::pair<std::uint32_t, std::uint32_t>> newSize_;
     std::optional<std::pair<int, int>> newPointer_;
+    bool closesNew_ = false;
     mutable TestCompositor outputs_; // destroyed first, because it ends the thread
 };
 

@@ -85,7 +85,11 @@ void TestSurface::configureFirst() {
     const auto width = lengthOf(current.wantedWidth, horizontal, TestOutput::width);
     const auto height = lengthOf(current.wantedHeight, vertical, TestOutput::height);
     const auto [first, second] = compositor->newSize_.value_or(std::pair(width, height));
-    configure(first, second);
+    if (compositor->closesNew_) {
+        compositor->close(*this);
+    } else {
+        configure(first, second);
+    }
 }
 
 void TestSurface::showAttached() {

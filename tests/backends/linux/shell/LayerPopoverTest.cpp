@@ -143,6 +143,13 @@ TEST_F(LayerPopoverTest, IsClosedWhenTheCompositorClosesIt) {
     EXPECT_TRUE(popover.isShown());
 }
 
+TEST_F(LayerPopoverTest, IsClosedWhenTheCompositorNeverShowsIt) {
+    compositor.closeNew();
+    open();
+    EXPECT_TRUE(popover.isShown());
+    expectClosed();
+}
+
 TEST_F(LayerPopoverTest, OutputMayGoWhileItIsOpen) {
     compositor.outputs().addOutput();
     EXPECT_TRUE(serveUntil([] { return QGuiApplication::screens().size() == 2; }));
