@@ -15,7 +15,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Until a compositor that has a pointer tells its place in a new window.
+constexpr auto maxPaintTime = 1s;
+/// Until a compositor that has a pointer tells that it is in a new window.
 constexpr auto maxPointerTime = 100ms;
 constexpr Qt::Edges allEdges = Qt::TopEdge | Qt::BottomEdge | Qt::LeftEdge | Qt::RightEdge;
 constexpr int tipMargin = 6; // points
@@ -40,7 +41,7 @@ public:
     }
 
 protected:
-    void showEvent(QShowEvent* /*event*/) override { popup_.waitForPointer(); }
+    void paintEvent(QPaintEvent* /*event*/) override { popup_.surroundingsArePainted(); }
     void enterEvent(QEnterEvent* event) override {
         popup_.open(screen_, nearestCorner(event->position(), size()));
     }
@@ -67,14 +68,17 @@ LayerPopup::LayerPopup(const LayerShell& shell, QWidget& widget, int margin,
     for (auto* const screen : QGuiApplication::screens()) {
         surroundings_.push_back(std::make_unique<Surroundings>(*this, screen));
     }
-    connect(&withoutPointer_, &QTimer::timeout, this, [this] { open(nullptr, usualCorner); });
+    connect(&withoutPointer_, &QTimer::timeout, this, [this] {
+        // After the events that are waiting, because Qt loads its pointers at the first one.
+        QTimer::singleShot(0, this, [this] { open(nullptr, usualCorner); });
+    });
     withoutPointer_.setSingleShot(true);
-    waitForPointer();
+    withoutPointer_.start(maxPaintTime);
 }
 
 LayerPopup::~LayerPopup() = default;
 
-void LayerPopup::waitForPointer() {
+void LayerPopup::surroundingsArePainted() {
     if (!surface_) {
         withoutPointer_.start(maxPointerTime);
     }

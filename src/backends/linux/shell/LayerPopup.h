@@ -35,7 +35,7 @@ protected:
 private:
     class Surroundings;
 
-    void waitForPointer();
+    void surroundingsArePainted();
     void open(const QScreen* screen, Qt::Edges corner);
     void dismissLater();
     void showTip(const QWidget& control);
