@@ -43,7 +43,7 @@ protected:
         listenAsXServer();
     }
 
-    void start(const std::string& settings) {
+    void start(const std::string& settings, const std::string& desktop = "") {
         const auto folder = home.path() + "/.config/nocta";
         std::filesystem::create_directories(folder);
         writeFile(folder + "/nocta.conf",
@@ -54,6 +54,7 @@ protected:
             Process::Environment{{"HOME", home.path()},
                                  {"XDG_CONFIG_HOME", ""},
                                  {"XDG_STATE_HOME", ""},
+                                 {"XDG_CURRENT_DESKTOP", desktop},
                                  {"DISPLAY", ":" + xDisplay},
                                  {"QT_QPA_PLATFORM", "offscreen"},
                                  {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + home.path() + "/none"},
@@ -106,6 +107,11 @@ TEST_F(NoctaOnWaylandTest, EveryOutputShowsTheTablesUntilTheEnd) {
         EXPECT_TRUE(bothAreRestored()) << setting;
     }
     EXPECT_FALSE(hasConnectedToX());
+}
+
+TEST_F(NoctaOnWaylandTest, XIsAskedOnGnome) {
+    start("", "ubuntu:GNOME");
+    EXPECT_TRUE(waitUntil([&] { return hasConnectedToX(); })) << contentOf(output);
 }
 
 TEST_F(NoctaOnWaylandTest, ScreenIsRestoredWhenTheProgramIsKilled) {
