@@ -1,20 +1,27 @@
 #include "backends/linux/shell/QtOnX11.h"
 
+#include "backends/linux/x11/XcbReply.h"
+
 #include <QGuiApplication>
+#include <QTimer>
 #include <QWindow>
 #include <QtGui/qguiapplication_platform.h>
 #include <xcb/xcb.h>
 
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 namespace nocta {
 
 namespace {
 
 xcb_connection_t* qtConnection() {
-    const auto* const application = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return application == nullptr ? nullptr : application->connection();
+    const auto* const application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
+    const auto* const onX11 =
+        application == nullptr ? nullptr
+                               : application->nativeInterface<QNativeInterface::QX11Application>();
+    return onX11 == nullptr ? nullptr : onX11->connection();
 }
 
 } // namespace
@@ -23,6 +30,21 @@ void flushQt() {
     if (auto* const connection = qtConnection()) {
         xcb_flush(connection);
     }
+}
+
+void afterEventsOfQt(const QObject& context, std::function<void()> action) {
+    auto* const connection = qtConnection();
+    if (connection == nullptr) {
+        action();
+        return;
+    }
+    // With this reply, Qt has received everything; after two turns of the event loop, it has
+    // handled it too.
+    const XcbReply<xcb_get_input_focus_reply_t> received(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    QTimer::singleShot(0, &context, [&context, action = std::move(action)] {
+        QTimer::singleShot(0, &context, action);
+    });
 }
 
 void placeByPixels(const QWindow& window, const Rect& pixels, const QColor& color) {

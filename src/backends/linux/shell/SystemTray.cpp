@@ -2,6 +2,7 @@
 
 #include "backends/linux/bus/AsyncCall.h"
 #include "backends/linux/bus/MessageBus.h"
+#include "backends/linux/shell/QtOnX11.h"
 
 #include <QDBusError>
 #include <QDBusPendingReply>
@@ -32,7 +33,9 @@ SystemTray::SystemTray(X11Connection* connection) : connection_(connection) {
             connection_->atom("_NET_SYSTEM_TRAY_S" + std::to_string(connection_->screenNumber()));
         events_ = connection_->observeEvents([this](const X11Connection::Event& event) {
             if ((event.response_type & 0x7f) == XCB_CLIENT_MESSAGE) {
-                lookForXEmbedTray();
+                // Qt would make an icon anew that exists when it hears of the tray, and a tray may
+                // fail on the old one.
+                afterEventsOfQt(watcher_, [this] { lookForXEmbedTray(); });
             }
         });
         lookForXEmbedTray();
