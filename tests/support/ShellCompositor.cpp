@@ -135,7 +135,7 @@ std::vector<TestSurface*> ShellCompositor::mappedSurfaces() const {
 void ShellCompositor::close(TestSurface& surface) {
     zwlr_layer_surface_v1_send_closed(surface.role);
     surface.isClosed = true;
-    updateKeyboardFocus(false);
+    updateKeyboardFocus();
 }
 
 void ShellCompositor::appears(TestSurface& surface) {
@@ -144,14 +144,10 @@ void ShellCompositor::appears(TestSurface& surface) {
     }
 }
 
-/// A surface that wants the keyboard on demand gets it when it appears.
-void ShellCompositor::updateKeyboardFocus(bool onDemandToo) {
+void ShellCompositor::updateKeyboardFocus() {
     auto surfaces = mappedSurfaces();
-    const auto wants = [&](const TestSurface* surface) {
-        const auto keyboard = surface->current.keyboard;
-        const auto isDemanded = onDemandToo || surface->resource == seat_.keyboardFocus();
-        return keyboard == ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE ||
-               (keyboard == ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND && isDemanded);
+    const auto wants = [](const TestSurface* surface) {
+        return surface->current.keyboard == ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE;
     };
     const auto newest = std::ranges::find_if(surfaces.rbegin(), surfaces.rend(), wants);
     seat_.setKeyboardFocus(newest == surfaces.rend() ? nullptr : (*newest)->resource);

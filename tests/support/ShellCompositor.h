@@ -34,9 +34,9 @@ struct TestLayer {
 
 struct TestSurface;
 
-/// A Wayland compositor for tests that shows windows in layers. It gives the newest surface that
-/// wants it the keyboard. Surfaces are counted from 0 among those in `mapped()`. Each function
-/// returns when the compositor has done what it says.
+/// A Wayland compositor for tests that shows windows in layers. It gives the keyboard to the newest
+/// surface that wants it for itself. Surfaces are counted from 0 among those in `mapped()`. Each
+/// function returns when the compositor has done what it says.
 class ShellCompositor {
 public:
     /// Does not offer the interfaces in `withheld`.
@@ -88,7 +88,7 @@ private:
     std::vector<TestSurface*> mappedSurfaces() const;
     void close(TestSurface& surface);
     void appears(TestSurface& surface);
-    void updateKeyboardFocus(bool onDemandToo);
+    void updateKeyboardFocus();
 
     TestSeat seat_;
     std::list<TestSurface> surfaces_; ///< those with a role in the order in which they got it

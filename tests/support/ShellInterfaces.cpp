@@ -56,7 +56,7 @@ void ShellCompositor::Interfaces::endSurface(wl_resource* resource) {
     }
     self.seat_.forget(resource);
     self.surfaces_.remove_if([&](const TestSurface& known) { return known.resource == resource; });
-    self.updateKeyboardFocus(false);
+    self.updateKeyboardFocus();
 }
 
 void ShellCompositor::Interfaces::destroySurface(wl_client* /*client*/, wl_resource* resource) {
@@ -137,7 +137,7 @@ void ShellCompositor::Interfaces::endRole(wl_resource* role) {
     auto* const surface = static_cast<TestSurface*>(wl_resource_get_user_data(role));
     if (surface != nullptr) {
         surface->role = nullptr;
-        surface->compositor->updateKeyboardFocus(false);
+        surface->compositor->updateKeyboardFocus();
     }
 }
 

@@ -68,11 +68,10 @@ void TestSurface::commit() {
         wl_callback_send_done(frame, 0);
         wl_resource_destroy(frame);
     }
-    const auto appears = !wasMapped && isMapped();
-    if (appears) {
+    if (!wasMapped && isMapped()) {
         compositor->appears(*this);
     }
-    compositor->updateKeyboardFocus(appears);
+    compositor->updateKeyboardFocus();
 }
 
 void TestSurface::configureFirst() {

@@ -89,10 +89,11 @@ void LayerPopup::open(const QScreen* screen, Qt::Edges corner) {
         return;
     }
     withoutPointer_.stop();
-    // Compositors differ in which surface of one layer is on top.
+    // Compositors differ in which surface of one layer is on top. Some give a surface that wants
+    // the keyboard on demand none before a click, so Escape would not close it.
     surface_.emplace(shell_, widget_, screen,
                      LayerSurface::Style{.layer = LayerSurface::Layer::overlay,
-                                         .keyboard = LayerSurface::Keyboard::onDemand,
+                                         .takesKeyboard = true,
                                          .edges = corner,
                                          .margin = margin_,
                                          .avoidsPanels = true});

@@ -18,7 +18,6 @@ namespace nocta {
 namespace {
 
 constexpr std::uint32_t newestVersion = 4;
-constexpr std::uint32_t onDemandVersion = 4;
 constexpr std::uint32_t destroyVersion = 3;
 constexpr std::int32_t coverPanels = -1;
 // In points. A picture of this size fits in a Wayland buffer up to a scale factor of 3.
@@ -157,7 +156,7 @@ LayerSurface::LayerSurface(const LayerShell& shell, QWidget& widget, const QScre
     zwlr_layer_surface_v1_set_margin(surface_, style.margin, style.margin, style.margin,
                                      style.margin);
     zwlr_layer_surface_v1_set_exclusive_zone(surface_, style.avoidsPanels ? 0 : coverPanels);
-    setKeyboard(style.keyboard);
+    setTakesKeyboard(style.takesKeyboard);
 }
 
 LayerSurface::~LayerSurface() {
@@ -165,14 +164,13 @@ LayerSurface::~LayerSurface() {
     widget_.hide();
 }
 
-void LayerSurface::setKeyboard(Keyboard keyboard) {
+void LayerSurface::setTakesKeyboard(bool takesKeyboard) {
     if (surface_ == nullptr) {
         return;
     }
-    const auto offered = keyboard == Keyboard::onDemand && version_ < onDemandVersion
-                             ? Keyboard::exclusive
-                             : keyboard;
-    zwlr_layer_surface_v1_set_keyboard_interactivity(surface_, static_cast<std::uint32_t>(offered));
+    zwlr_layer_surface_v1_set_keyboard_interactivity(
+        surface_, takesKeyboard ? ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE
+                                : ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_NONE);
     wl_surface_commit(surfaceOf(widget_.windowHandle()));
 }
 

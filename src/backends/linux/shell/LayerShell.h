@@ -43,13 +43,12 @@ private:
 class LayerSurface final : public QObject {
 public:
     enum class Layer : std::uint32_t { top = 2, overlay = 3 };
-    enum class Keyboard : std::uint32_t { none, exclusive, onDemand };
 
     struct Style {
         Layer layer = Layer::overlay;
-        Keyboard keyboard = Keyboard::none;
-        Qt::Edges edges; ///< the edges of the screen that the surface is attached to
-        int margin = 0;  ///< the distance from `edges` in points; negative beyond them
+        bool takesKeyboard = false; ///< no other window then has the keyboard
+        Qt::Edges edges;            ///< the edges of the screen that the surface is attached to
+        int margin = 0;             ///< the distance from `edges` in points; negative beyond them
         bool avoidsPanels = false;
     };
 
@@ -61,7 +60,7 @@ public:
     LayerSurface& operator=(const LayerSurface&) = delete;
     ~LayerSurface() override;
 
-    void setKeyboard(Keyboard keyboard);
+    void setTakesKeyboard(bool takesKeyboard);
 
     /// Called after the compositor has closed the surface, for example because its screen is gone.
     std::function<void()> onClosed;

@@ -104,7 +104,7 @@ public:
 
     void takeKeyboard() {
         if (surface_) {
-            surface_->setKeyboard(LayerSurface::Keyboard::exclusive);
+            surface_->setTakesKeyboard(true);
         } else {
             widget_.activateWindow();
         }
@@ -112,7 +112,7 @@ public:
 
     void giveUpKeyboard() {
         if (surface_) {
-            surface_->setKeyboard(LayerSurface::Keyboard::none);
+            surface_->setTakesKeyboard(false);
         }
     }
 

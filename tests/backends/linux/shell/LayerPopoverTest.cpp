@@ -70,7 +70,6 @@ TEST_F(LayerPopoverTest, WithoutAPointerItIsAtTheTopRightWhereTheCompositorChoos
     EXPECT_EQ(layer.layer, ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY) << "above the transparent windows";
     EXPECT_EQ(layer.anchors, top | right);
     EXPECT_EQ(layer.exclusiveZone, 0) << "panels should not be covered";
-    EXPECT_EQ(layer.keyboard, ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND);
     EXPECT_EQ(compositor.keyboardFocus(), 1U);
     constexpr auto shadow = 16;
     EXPECT_EQ(layer.width, contentWidth + 2 * shadow);
