@@ -16,8 +16,8 @@ using WindowSizes = std::vector<std::pair<double, double>>;
 
 /// The contract of the workspace on every desktop. `Harness` has a `workspace()` with one display
 /// and no windows on screen, and two applications, `editor` and `player`. `displayFrame()` returns
-/// the frame of the display. `smallWindow` and `largeWindow` are two sizes of windows that the
-/// desktop provides; they may be the same. `bringToFront(application)` brings an application to the
+/// the frame of the display. `windowSizes` are sizes of windows, in ascending order, that the
+/// desktop can show and tell at one time. `bringToFront(application)` brings an application to the
 /// front, or leaves none in front for `std::nullopt`; `setWindows(sizes)` opens and closes windows
 /// until windows of exactly these sizes are on screen. Both return once the program has been
 /// notified. `setReducesMotion(isOn)` changes the user's setting.
@@ -84,12 +84,14 @@ TYPED_TEST_P(WorkspaceContract, NothingIsReportedAfterTheSubscriptionHasEnded) {
 
 TYPED_TEST_P(WorkspaceContract, WindowsOnScreenAreListedWithTheirSizes) {
     EXPECT_EQ(this->sizesOnScreen(), WindowSizes{});
-    const auto small = this->harness.smallWindow;
-    const auto large = this->harness.largeWindow;
-    for (const auto& sizes : {WindowSizes{small, large}, WindowSizes{large}, WindowSizes{}}) {
+    WindowSizes sizes(this->harness.windowSizes);
+    while (!sizes.empty()) {
         this->harness.setWindows(sizes);
         EXPECT_EQ(this->sizesOnScreen(), sizes);
+        sizes.erase(sizes.begin());
     }
+    this->harness.setWindows({});
+    EXPECT_EQ(this->sizesOnScreen(), WindowSizes{});
 }
 
 TYPED_TEST_P(WorkspaceContract, OnlyDisplayIsTheMainScreen) {

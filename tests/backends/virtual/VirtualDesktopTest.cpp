@@ -177,8 +177,7 @@ struct VirtualWorkspaceHarness {
     VirtualDesktop desktop;
     const RunningApplication editor{"com.example.editor", "Editor"};
     const RunningApplication player{"com.example.player", "Player"};
-    const std::pair<double, double> smallWindow{200, 100};
-    const std::pair<double, double> largeWindow{400, 300};
+    const WindowSizes windowSizes{{200, 100}, {400, 300}};
 
     VirtualWorkspaceHarness() { desktop.displays.plug({.id = 1}); }
 

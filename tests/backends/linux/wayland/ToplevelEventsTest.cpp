@@ -130,6 +130,16 @@ TEST_F(ToplevelEventsTest, NewTitleIsNoActivation) {
     EXPECT_EQ(activated, (std::vector{inZoom})) << "a new application ID is one";
 }
 
+TEST_F(ToplevelEventsTest, TextThatIsNotUtf8DoesNoHarm) {
+    send([this] {
+        open(0, "\xFF\xFEzoom", {State::activated}, "DP-1");
+        compositor.setTitle(0, "\xC3");
+        compositor.finishDescription(0);
+    });
+    ASSERT_TRUE(workspace->frontmostApplication());
+    EXPECT_EQ(workspace->frontmostApplication()->localizedName, "\xFF\xFEzoom");
+}
+
 TEST_F(ToplevelEventsTest, MinimizedWindowsAreNotOnScreen) {
     send([this] {
         open(0, "Film", {State::minimized, State::fullScreen}, "DP-1");

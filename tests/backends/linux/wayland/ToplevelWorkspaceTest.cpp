@@ -71,8 +71,7 @@ class SwayWorkspaceHarness : WorkspaceOnSway {
 public:
     const RunningApplication editor{"Editor", "Editor"};
     const RunningApplication player{"Player", "Player"};
-    const std::pair<double, double> smallWindow{1280, 720};
-    const std::pair<double, double> largeWindow = smallWindow;
+    const WindowSizes windowSizes{{1280, 720}};
 
     Workspace& workspace() { return WorkspaceOnSway::workspace; }
     static Rect displayFrame() { return {0, 0, 1280, 720}; }
@@ -87,14 +86,12 @@ public:
         EXPECT_TRUE(waitForFrontmost(application));
         hear();
     }
-    /// A workspace shows only one full-screen window, so each gets its own.
-    void setWindows(const std::vector<std::pair<double, double>>& sizes) {
+    void setWindows(const WindowSizes& sizes) {
         while (windows_.size() > sizes.size()) {
             close(windows_.back());
             windows_.pop_back();
         }
         while (windows_.size() < sizes.size()) {
-            sway.message({"workspace", std::to_string(windows_.size() + 1)});
             windows_.push_back(open("Film"));
             order(windows_.back(), {"fullscreen", "enable"});
         }
@@ -255,7 +252,7 @@ TEST_F(ToplevelWorkspaceTest, WindowWithoutAnIdHasItsTitleAsName) {
 
 TEST_F(ToplevelWorkspaceTest, LongNamesDoNoHarm) {
     const std::string longText(4000, '/'); // about as much as the protocol can carry
-    const auto window = open(longText + "zoom.desktop", "\xff\xfe" + longText);
+    const auto window = open(longText + "zoom.desktop", longText);
     EXPECT_TRUE(waitForFrontmost(RunningApplication{"us.zoom.xos", longText + "zoom.desktop"}));
     close(window);
     hear();

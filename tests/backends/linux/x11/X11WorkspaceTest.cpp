@@ -71,8 +71,7 @@ class X11WorkspaceHarness : WorkspaceOnX11 {
 public:
     const RunningApplication editor{"Editor", "Editor"};
     const RunningApplication player{"Player", "Player"};
-    const Size smallWindow{200, 100};
-    const Size largeWindow{400, 300};
+    const WindowSizes windowSizes{{200, 100}, {400, 300}};
 
     X11WorkspaceHarness() : WorkspaceOnX11(XServer::Kind::xvfb) { words_.setWindows({}); }
 
