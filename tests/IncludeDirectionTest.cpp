@@ -10,17 +10,17 @@
 
 namespace {
 
-using Rooms = std::set<std::string>;
+using Folders = std::set<std::string>;
 
-const Rooms services = {"settings", "display", "color", "grayscale", "breaks", "system"};
+const Folders services = {"settings", "display", "color", "grayscale", "breaks", "system"};
 
-Rooms with(Rooms rooms, const Rooms& more) {
-    rooms.insert(more.begin(), more.end());
-    return rooms;
+Folders with(Folders folders, const Folders& more) {
+    folders.insert(more.begin(), more.end());
+    return folders;
 }
 
-/// Maps each folder ("room") to the other folders that its files may include.
-const std::map<std::string, Rooms> allowed = {
+/// Maps each folder to the other folders that its files may include.
+const std::map<std::string, Folders> allowed = {
     {"base", {}},
     {"platform", {"base"}},
     {"settings", {"base", "platform"}},
@@ -45,9 +45,9 @@ bool isMain(const std::filesystem::path& file) {
 }
 
 /// Folders that must not use Qt, so that they can be built and tested without it.
-const Rooms withoutQt = with(services, {"base", "platform", "app", "backends/virtual"});
+const Folders withoutQt = with(services, {"base", "platform", "app", "backends/virtual"});
 
-std::string roomOf(const std::string& path) {
+std::string folderOf(const std::string& path) {
     const auto slash = path.find('/');
     const auto first = path.substr(0, slash);
     return first == "backends" ? path.substr(0, path.find('/', slash + 1)) : first;
@@ -67,31 +67,30 @@ void forEachInclude(Visit visit) {
         for (std::string line; std::getline(input, line);) {
             std::smatch match;
             if (std::regex_search(line, match, include)) {
-                visit(file, roomOf(file.generic_string()), match[2].str(), match[1] == "\"");
+                visit(file, folderOf(file.generic_string()), match[2].str(), match[1] == "\"");
             }
         }
     }
 }
 
-TEST(IncludeDirection, EveryIncludeRunsTheRightWay) {
-    int arrows = 0;
+TEST(IncludeDirection, EveryIncludeIsAllowed) {
+    int includes = 0;
     forEachInclude([&](const std::filesystem::path& file, const std::string& from,
                        const std::string& header, bool isOurs) {
         if (!isOurs || isMain(file)) {
             return;
         }
-        ++arrows;
-        auto const to = roomOf(header);
-        ASSERT_TRUE(allowed.contains(from))
-            << file << " should be in a folder that the table lists";
+        ++includes;
+        auto const to = folderOf(header);
+        ASSERT_TRUE(allowed.contains(from)) << file << " should be in a folder listed in `allowed`";
         EXPECT_TRUE(allowed.contains(to)) << file << " should not include " << header;
         EXPECT_TRUE(from == to || allowed.at(from).contains(to))
             << file << " should not include " << header;
     });
-    EXPECT_GT(arrows, 100) << "the source tree should be found";
+    EXPECT_GT(includes, 100) << "the source folder should contain files with includes";
 }
 
-TEST(IncludeDirection, ServicesPortsAndTheVirtualDesktopAreFreeOfQt) {
+TEST(IncludeDirection, ServicesPortsAndTheVirtualDesktopDoNotIncludeQt) {
     forEachInclude([&](const std::filesystem::path& file, const std::string& from,
                        const std::string& header, bool isOurs) {
         if (!isOurs && withoutQt.contains(from)) {

@@ -41,8 +41,8 @@ TEST_F(AppDelegateTest, LaunchCallsTheDesktopInOrder) {
     delegate();
     desktop.trace.clear();
     launch();
-    // The first tables follow the rule for the lower half alone. Then come the backlight and the
-    // faint glow.
+    // The first tables use only the rule for the lower half. Then the backlight is set, and the
+    // tables are limited to the faint glow.
     EXPECT_EQ(
         calls(),
         (Calls{"startUpdater", "statusItem", "setImage eye", "popover setContentSize 300 280",
@@ -63,7 +63,7 @@ TEST_F(AppDelegateTest, LaunchCallsTheDesktopInOrder) {
                "window makeKeyAndOrderFront Welcome to Nocta", "activateIgnoringOtherApps"}));
 }
 
-/// Only services that call the desktop when they are created leave a trace here.
+/// Only services that call the desktop when they are created appear in the trace.
 TEST_F(AppDelegateTest, ServicesAreCreatedInOrder) {
     dropProgram(); // the fixture's program has already read the settings
     plugBuiltIn();
@@ -96,10 +96,10 @@ TEST_F(AppDelegateTest, ScreenChangeReachesTheDisplayListBeforeTheGammaControlle
         });
     plugExternal();
     EXPECT_EQ(known, (std::vector<std::size_t>{2, 1}));
-    EXPECT_EQ(gamma().displays().size(), 2U) << "the gamma controller should follow right away";
+    EXPECT_EQ(gamma().displays().size(), 2U) << "the gamma controller should be updated next";
 }
 
-TEST_F(AppDelegateTest, MeetingWithoutANotificationIsFoundByTheNextPoll) {
+TEST_F(AppDelegateTest, NextPollFindsAMeetingWithoutANotification) {
     launch();
     desktop.workspace.frontmost = RunningApplication{"us.zoom.xos", "Zoom"};
     desktop.runLoop.advance(4999ms);
@@ -108,7 +108,7 @@ TEST_F(AppDelegateTest, MeetingWithoutANotificationIsFoundByTheNextPoll) {
     EXPECT_TRUE(meetingDetector().isInMeeting.get());
 }
 
-TEST_F(AppDelegateTest, OnboardingIsAFixedFloatingWindow) {
+TEST_F(AppDelegateTest, OnboardingWindowFloatsAndHasAFixedSize) {
     launch();
     const auto windows = desktop.appWindows.windows();
     ASSERT_EQ(windows.size(), 1U);
@@ -119,7 +119,7 @@ TEST_F(AppDelegateTest, OnboardingIsAFixedFloatingWindow) {
     EXPECT_EQ(windows[0].style.level, 3);
 }
 
-TEST_F(AppDelegateTest, CompletedOnboardingClosesAndNeverReturns) {
+TEST_F(AppDelegateTest, CompletedOnboardingClosesAndIsNotShownAgain) {
     launch();
     EXPECT_TRUE(settings().isFirstLaunch.get());
     views.completeOnboarding();
@@ -131,7 +131,7 @@ TEST_F(AppDelegateTest, CompletedOnboardingClosesAndNeverReturns) {
     EXPECT_TRUE(desktop.appWindows.windows().empty());
 }
 
-TEST_F(AppDelegateTest, ClosedOnboardingReturnsAtTheNextLaunch) {
+TEST_F(AppDelegateTest, ClosedOnboardingIsShownAtTheNextLaunch) {
     launch();
     desktop.appWindows.close("Welcome to Nocta");
     EXPECT_TRUE(desktop.appWindows.windows().empty());
@@ -146,7 +146,7 @@ TEST_F(AppDelegateTest, StartingAgainShowsTheOpenOnboarding) {
     EXPECT_EQ(calls(), Calls{"window makeKeyAndOrderFront Welcome to Nocta"});
 }
 
-TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAgainOnceClosed) {
+TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndCanBeReopened) {
     launch();
     desktop.statusBar.click();
     desktop.trace.clear();
@@ -164,7 +164,7 @@ TEST_F(AppDelegateTest, PreferencesComeToTheFrontAndAreMadeAgainOnceClosed) {
     EXPECT_TRUE(desktop.appWindows.isOnScreen("Preferences"));
 }
 
-TEST_F(AppDelegateTest, DesktopsOwnShortcutOpensThePreferences) {
+TEST_F(AppDelegateTest, DesktopShortcutOpensThePreferences) {
     launch();
     desktop.trace.clear();
     desktop.application.pressPreferencesKey();
@@ -282,7 +282,7 @@ TEST_F(AppDelegateTest, QuitGivesTheScreenBackForgetsTheValuesAndSynchronizes) {
     EXPECT_TRUE(gamma().currentSaturation().empty());
 }
 
-TEST_F(AppDelegateTest, NothingFiresAfterQuit) {
+TEST_F(AppDelegateTest, DesktopIsNotCalledAfterQuit) {
     plugBuiltIn();
     launch();
     quit();
@@ -299,7 +299,7 @@ TEST_F(AppDelegateTest, StoredBrightnessIsAppliedAtTheNextLaunch) {
     EXPECT_FLOAT_EQ(shownDimming(external), 0.6F);
 }
 
-TEST_F(AppDelegateTest, NewDisplayFollowsFromTheNextChangeOn) {
+TEST_F(AppDelegateTest, NewDisplayIsDimmedAtTheNextChange) {
     plugBuiltIn();
     launch();
     settings().unifiedBrightness.set(0.25);
@@ -310,7 +310,7 @@ TEST_F(AppDelegateTest, NewDisplayFollowsFromTheNextChangeOn) {
     EXPECT_FLOAT_EQ(shownDimming(external), 0.5F);
 }
 
-TEST_F(AppDelegateTest, StartsWithoutADisplay) {
+TEST_F(AppDelegateTest, ProgramStartsWithoutADisplay) {
     launch();
     settings().unifiedBrightness.set(0.2);
     plugExternal();
@@ -376,7 +376,7 @@ TEST_F(AppDelegateTest, TurningLocationOnAsksTheUser) {
     EXPECT_EQ(calls("requestWhenInUseAuthorization").size(), 1U);
 }
 
-TEST_F(AppDelegateTest, GrantedLocationIsUsedAndStopsTheUpdates) {
+TEST_F(AppDelegateTest, FirstLocationSetsTheTimesAndStopsTheUpdates) {
     launch();
     settings().locationEnabled.set(true);
     desktop.location.answer(AuthorizationStatus::authorized);

@@ -69,7 +69,7 @@ TEST_F(UpdateWindowTest, UpdateThatTheUserDidNotRequestDoesNotTakeFocus) {
     }
 }
 
-TEST_F(UpdateWindowTest, ClosingTheUpdateWindowMeansNotNow) {
+TEST_F(UpdateWindowTest, ClosingTheUpdateWindowDismissesTheUpdate) {
     settings().isFirstLaunch.set(false);
     launch();
     desktop.updater.stage.set(UpdateFound{.version = "1.3"});

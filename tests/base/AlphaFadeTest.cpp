@@ -27,7 +27,7 @@ protected:
     }
 };
 
-TEST_F(AlphaFadeTest, SixtyFramesPerSecondFollowTheCurveToItsExactEnd) {
+TEST_F(AlphaFadeTest, FadeFollowsTheCurveAtSixtyFramesPerSecondAndEndsExactly) {
     start({.from = 0.2, .to = 0.7}, 500ms, TimingFunction::easeIn);
     runLoop.advance(499ms);
     EXPECT_EQ(shown.size(), 29U);
@@ -57,7 +57,7 @@ TEST_F(AlphaFadeTest, StartReplacesTheRunningFadeWithoutCompletingIt) {
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(AlphaFadeTest, DestroyedFadeShowsNothingMore) {
+TEST_F(AlphaFadeTest, DestroyedFadeStops) {
     start({.from = 0, .to = 1}, 500ms, TimingFunction::easeIn);
     fade.reset();
     runLoop.advance(1s);

@@ -66,17 +66,17 @@ TEST(Calendar, LocalTimeIsConvertedToAnInstant) {
     EXPECT_EQ(Calendar::instantAt({2026, 7, 15}, 6, 30), utc(2026, 7, 15, 4h + 30min));
     EXPECT_EQ(Calendar::instantAt({1969, 12, 31}, 23, 59), utc(1969, 12, 31, 22h + 59min));
     EXPECT_EQ(Calendar::instantAt({1970, 1, 1}, 0, 59), utc(1969, 12, 31, 23h + 59min))
-        << "this minute should not be taken for the C library's error code";
+        << "this minute should not be mistaken for the C library's error code";
 }
 
-TEST(Calendar, HourThatDaylightSavingSkipsMovesForwardOnTheSameDay) {
+TEST(Calendar, TimeInASkippedHourMovesForwardOnTheSameDay) {
     const TimeZone zone(zone::berlin);
     const auto instant = Calendar::instantAt({2026, 3, 29}, 2, 30);
     EXPECT_EQ(instant, utc(2026, 3, 29, 1h + 30min)) << "03:30";
     EXPECT_EQ(Calendar::dayOf(*instant), (CalendarDay{2026, 3, 29}));
 }
 
-TEST(Calendar, RepeatedHourMeansTheFirstOneRegardlessOfEarlierCalls) {
+TEST(Calendar, RepeatedHourMapsToItsFirstOccurrenceRegardlessOfEarlierCalls) {
     const TimeZone zone(zone::berlin);
     for (const int monthBefore : {1, 7, 1}) {
         EXPECT_TRUE(Calendar::instantAt({2026, monthBefore, 15}, 2, 30).has_value());
@@ -108,8 +108,8 @@ void expectInstants(const char* name, const std::vector<LocalTime>& rows) {
     }
 }
 
-TEST(Calendar, RepeatedHourMeansTheFirstOneWhereWinterIsDaylightSaving) {
-    // In Irish law summer is standard time, so the database marks winter as daylight saving.
+TEST(Calendar, RepeatedHourMapsToItsFirstOccurrenceWhereWinterIsDaylightSaving) {
+    // In Irish law, summer time is standard time, so the database marks winter as daylight saving.
     expectInstants("Europe/Dublin", {{{2026, 7, 15}, 12, 0, utc(2026, 7, 15, 11h)},
                                      {{2026, 10, 25}, 0, 59, utc(2026, 10, 24, 23h + 59min)},
                                      {{2026, 10, 25}, 1, 0, utc(2026, 10, 25)},
@@ -120,7 +120,7 @@ TEST(Calendar, RepeatedHourMeansTheFirstOneWhereWinterIsDaylightSaving) {
                                      {{2026, 3, 29}, 2, 0, utc(2026, 3, 29, 1h)}});
 }
 
-TEST(Calendar, ClocksThatGoBackForRamadanAndForwardAfterward) {
+TEST(Calendar, LocalTimeIsConvertedWhereClocksGoBackForRamadan) {
     expectInstants("Africa/Casablanca", {{{2025, 6, 15}, 12, 0, utc(2025, 6, 15, 11h)},
                                          {{2025, 2, 23}, 1, 59, utc(2025, 2, 23, 59min)},
                                          {{2025, 2, 23}, 2, 30, utc(2025, 2, 23, 1h + 30min)},
@@ -130,8 +130,8 @@ TEST(Calendar, ClocksThatGoBackForRamadanAndForwardAfterward) {
                                          {{2025, 4, 6}, 3, 0, utc(2025, 4, 6, 2h)}});
 }
 
-TEST(Calendar, ZoneThatChangesItsStandardOffset) {
-    // Casey set its clocks back by three hours and later forward again, without daylight saving.
+TEST(Calendar, LocalTimeIsConvertedWhereTheStandardOffsetChanges) {
+    // Casey set its clocks back by three hours, and later forward again, without daylight saving.
     expectInstants("Antarctica/Casey", {{{2018, 3, 11}, 0, 59, utc(2018, 3, 10, 13h + 59min)},
                                         {{2018, 3, 11}, 1, 0, utc(2018, 3, 10, 14h)},
                                         {{2018, 3, 11}, 2, 30, utc(2018, 3, 10, 15h + 30min)},
@@ -141,7 +141,7 @@ TEST(Calendar, ZoneThatChangesItsStandardOffset) {
                                         {{2018, 10, 7}, 7, 0, utc(2018, 10, 6, 20h)}});
 }
 
-TEST(Calendar, SkippedDayMovesToTheNextDayAtTheSameTime) {
+TEST(Calendar, TimeOnASkippedDayMovesToTheNextDay) {
     expectInstants("Pacific/Apia", {{{2011, 12, 29}, 23, 59, utc(2011, 12, 30, 9h + 59min)},
                                     {{2011, 12, 30}, 0, 0, utc(2011, 12, 30, 10h)},
                                     {{2011, 12, 30}, 6, 30, utc(2011, 12, 30, 16h + 30min)},
@@ -152,7 +152,7 @@ TEST(Calendar, SkippedDayMovesToTheNextDayAtTheSameTime) {
                                          {{1993, 8, 22}, 0, 0, utc(1993, 8, 21, 12h)}});
 }
 
-TEST(Calendar, RepeatedDayMeansTheFirstOne) {
+TEST(Calendar, RepeatedDayMapsToItsFirstOccurrence) {
     expectInstants("Pacific/Kwajalein", {{{1969, 9, 29}, 12, 0, utc(1969, 9, 29, 1h)},
                                          {{1969, 9, 30}, 0, 30, utc(1969, 9, 29, 13h + 30min)},
                                          {{1969, 9, 30}, 12, 0, utc(1969, 9, 30, 1h)},
@@ -160,7 +160,7 @@ TEST(Calendar, RepeatedDayMeansTheFirstOne) {
                                          {{1969, 10, 1}, 0, 0, utc(1969, 10, 1, 12h)}});
 }
 
-TEST(Calendar, TimeThatCannotBeRepresentedHasNoInstant) {
+TEST(Calendar, UnrepresentableTimeReturnsNullopt) {
     const TimeZone zone(zone::utc);
     constexpr auto most = std::numeric_limits<int>::max();
     EXPECT_EQ(Calendar::instantAt({most, most, 1}, 12, 0), std::nullopt);

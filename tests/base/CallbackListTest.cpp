@@ -55,7 +55,7 @@ TEST_F(CallbackListTest, CallbackMayCancelItsOwnSubscription) {
     EXPECT_EQ(called, "1b1b2");
 }
 
-TEST_F(CallbackListTest, CallbackAddedDuringADeliveryWaitsForTheNextOne) {
+TEST_F(CallbackListTest, CallbackAddedDuringADeliveryIsNotCalledUntilTheNextOne) {
     Subscription added;
     bool isAdded = false;
     const auto first = list->add([&](char /*argument*/) {

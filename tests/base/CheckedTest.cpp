@@ -32,7 +32,7 @@ TEST(Checked, OverflowStopsTheProgramWithOneLine) {
     EXPECT_DEATH(checkedProduct(most, 2), "a product is too large for an integer\n$");
 }
 
-TEST(FaultContext, EveryFaultNamesTheStoredValues) {
+TEST(FaultContext, EveryMessageNamesTheStoredValues) {
     const FaultContext context({{"minutes", most}, {"warmth", 1.25e300}});
     const auto* const line =
         "^nocta: stopped: minutes is 9223372036854775807, warmth is 1.25e\\+300: "
@@ -52,7 +52,7 @@ TEST(FaultContext, InnermostContextAppliesWhileItExists) {
     EXPECT_DEATH(truncated(1e300), "^nocta: stopped: minutes is 9223372036854775807: a number");
 }
 
-TEST(FaultContext, NamesNothingAfterItIsDestroyed) {
+TEST(FaultContext, DestroyedContextIsNotInTheMessage) {
     { const FaultContext context({{"minutes", most}}); }
     EXPECT_DEATH(truncated(1e300), "^nocta: stopped: a number is too large for an integer\n$");
 }

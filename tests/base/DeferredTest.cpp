@@ -9,7 +9,7 @@
 namespace nocta {
 namespace {
 
-TEST(Deferred, RunsOnceAtTheEndOfTheTurnHoweverOftenItIsRequested) {
+TEST(Deferred, RepeatedRequestsRunTheActionOnceAtTheEndOfTheTurn) {
     VirtualRunLoop runLoop;
     int runs = 0;
     Deferred deferred(runLoop, [&] { ++runs; });
@@ -23,7 +23,7 @@ TEST(Deferred, RunsOnceAtTheEndOfTheTurnHoweverOftenItIsRequested) {
     EXPECT_EQ(runs, 2);
 }
 
-TEST(Deferred, RequestFromItsOwnActionRunsItAgain) {
+TEST(Deferred, RequestFromTheActionRunsItAgain) {
     VirtualRunLoop runLoop;
     int runs = 0;
     std::optional<Deferred> deferred;

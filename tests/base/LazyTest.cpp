@@ -7,7 +7,7 @@
 namespace nocta {
 namespace {
 
-TEST(Lazy, ObjectIsMadeOnceOnFirstUse) {
+TEST(Lazy, ObjectIsCreatedOnceOnFirstUse) {
     int made = 0;
     Lazy<std::string> text([&](std::optional<std::string>& place) {
         place.emplace("made");
@@ -19,7 +19,7 @@ TEST(Lazy, ObjectIsMadeOnceOnFirstUse) {
     EXPECT_EQ(made, 1);
 }
 
-TEST(Lazy, ObjectThatNeedsAnotherMakesItFirst) {
+TEST(Lazy, DependencyIsCreatedFirst) {
     std::string order;
     Lazy<int> first([&](std::optional<int>& place) {
         order += 'a';

@@ -81,7 +81,7 @@ TEST(Published, SubscriptionMayEndInsideItsOwnCallback) {
     EXPECT_EQ(token.use_count(), 1);
 }
 
-TEST(Published, SubscriptionAddedDuringADeliveryWaitsForTheNextOne) {
+TEST(Published, SubscriptionAddedDuringADeliveryIsNotCalledUntilTheNextOne) {
     Published<int> value;
     Values seen;
     Subscription added;

@@ -51,7 +51,7 @@ TEST_F(SteppedAnimationTest, StartReplacesTheRunningAnimationWithoutCompletingIt
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(SteppedAnimationTest, InvalidatedAnimationStopsWhereItIs) {
+TEST_F(SteppedAnimationTest, InvalidatedAnimationStopsAtItsCurrentStep) {
     start(3);
     runLoop.advance(20ms);
     animation->invalidate();
@@ -60,7 +60,7 @@ TEST_F(SteppedAnimationTest, InvalidatedAnimationStopsWhereItIs) {
     EXPECT_EQ(completions, 0);
 }
 
-TEST_F(SteppedAnimationTest, DestroyedAnimationShowsNothingMore) {
+TEST_F(SteppedAnimationTest, DestroyedAnimationStops) {
     start(3);
     runLoop.advance(20ms);
     animation.reset();

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A run loop that rounds timers up to whole milliseconds, as toolkits do, and can be busy.
+/// A run loop that rounds timers up to whole milliseconds, as toolkits do, and can be delayed.
 class RoundingRunLoop final : public RunLoop {
 public:
     VirtualRunLoop exact;
@@ -83,7 +83,7 @@ TEST(TimedAnimation, LateLoopSkipsStepsAndTheLastOneIsOnTime) {
     EXPECT_EQ(movement.taken, 100ms);
 }
 
-TEST(TimedAnimation, LoopThatIsLaterThanTheEndRunsOnlyTheLastStep) {
+TEST(TimedAnimation, OnlyTheLastStepRunsIfTheLoopIsLaterThanTheEnd) {
     RoundingRunLoop runLoop;
     Movement movement;
     runLoop.lateness = 2s;
@@ -107,7 +107,7 @@ TEST(TimedAnimation, NewAnimationReplacesTheRunningOneWithoutCompletingIt) {
     EXPECT_EQ(completions, 0);
 }
 
-TEST(TimedAnimation, MayBeRestartedByItsOwnStepAndDestroyedByItsOwnCompletion) {
+TEST(TimedAnimation, StepMayRestartTheAnimationAndCompletionMayDestroyIt) {
     VirtualRunLoop runLoop;
     std::optional<TimedAnimation> animation(std::in_place);
     std::vector<int> steps;

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 
 constexpr MonotonicTime moment{1h};
 
-TEST(Typing, WithoutAKeyNoTypingIsFromBefore) {
+TEST(Typing, TypingWithoutKeysIsNotFromBefore) {
     EXPECT_FALSE(Typing().isFromBefore(moment));
 }
 

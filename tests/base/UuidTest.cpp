@@ -12,7 +12,7 @@ TEST(Uuid, IsWrittenInUpperCaseAndReadInEitherCase) {
     EXPECT_EQ(Uuid::parse(uuid->toString()), uuid);
 }
 
-TEST(Uuid, AnythingElseIsRejected) {
+TEST(Uuid, MalformedTextIsRejected) {
     for (const auto* const text :
          {"", "moon", "0f8fad5bd9cb469fa16570867728950e", "{0f8fad5b-d9cb-469f-a165-70867728950e}",
           "0f8fad5b-d9cb-469f-a165-70867728950", "0f8fad5b-d9cb-469f-a165-70867728950e ",

@@ -89,7 +89,7 @@ TEST_F(BreakOverlayControllerTest, OnlySpaceIsConsumedAndSkips) {
     EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode));
     EXPECT_EQ(totals().skippedBreaks, 1);
     EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode))
-        << "the key monitor should stay during the fade-out";
+        << "the key monitor should stay installed during the fade-out";
     EXPECT_EQ(totals().totalBreaks, 1);
     desktop.runLoop.advance(300ms);
     EXPECT_TRUE(isGone());
@@ -112,14 +112,14 @@ TEST_F(BreakOverlayControllerTest, SpaceDoesNotSkipUntilThereIsAPauseInTyping) {
     EXPECT_EQ(totals().skippedBreaks, 1);
 }
 
-TEST_F(BreakOverlayControllerTest, SpaceSkipsRightAwayIfTheUserWasNotTyping) {
+TEST_F(BreakOverlayControllerTest, SpaceSkipsImmediatelyIfTheUserWasNotTyping) {
     while (windows().empty()) {
         desktop.overlayWindows.press(escape);
         desktop.runLoop.advance(500ms);
     }
     desktop.runLoop.advance(10ms);
     EXPECT_TRUE(desktop.overlayWindows.press(escape))
-        << "keys pressed after the cover appeared should pass";
+        << "a key pressed after the cover appeared should not be swallowed";
     desktop.runLoop.advance(10ms);
     EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode));
     EXPECT_EQ(totals().skippedBreaks, 1);
@@ -137,7 +137,7 @@ TEST_F(BreakOverlayControllerTest, ButtonsSkipAndSnooze) {
     EXPECT_TRUE(isGone());
 }
 
-TEST_F(BreakOverlayControllerTest, SecondStartAndAnEndWhileHiddenDoNothing) {
+TEST_F(BreakOverlayControllerTest, SecondStartAndEndWhileHiddenDoNothing) {
     desktop.notificationCenter.post(breakDidEndNotification);
     EXPECT_TRUE(calls("overlay").empty());
     waitForBreak();
@@ -204,7 +204,7 @@ TEST_F(BreakOverlayControllerTest, StopDuringABreakLeavesTheWindowsUntilALaterBr
     EXPECT_TRUE(isGone());
 }
 
-TEST_F(BreakOverlayControllerTest, CoverOfAStoppedBreakClosesWithSpaceAndBothButtons) {
+TEST_F(BreakOverlayControllerTest, SpaceAndBothButtonsCloseTheCoverOfAStoppedBreak) {
     const std::vector<std::function<void()>> ways = {
         [&] { EXPECT_FALSE(desktop.overlayWindows.press(spaceKeyCode)); }, [&] { views.skip(); },
         [&] { views.snooze(); }};
@@ -223,7 +223,7 @@ TEST_F(BreakOverlayControllerTest, CoverOfAStoppedBreakClosesWithSpaceAndBothBut
                 desktop.notificationCenter.observe(breakDidEndNotification, [&] { ++posted; });
             ways[way]();
             desktop.runLoop.advance(200ms);
-            ways[way](); // a window that is already fading out must not change
+            ways[way](); // a fade-out that is already running must not restart
             desktop.runLoop.advance(99ms);
             EXPECT_FALSE(isGone());
             desktop.runLoop.advance(1ms);
@@ -251,7 +251,7 @@ TEST_F(BreakOverlayControllerTest, StartingAgainRaisesTheCoverAndShowsNoPopover)
         << "after the break the onboarding should come to the front again";
 }
 
-TEST_F(BreakOverlayControllerTest, EndOfTheProgramDuringABreakRemovesTheWindows) {
+TEST_F(BreakOverlayControllerTest, QuittingDuringABreakRemovesTheWindows) {
     waitForBreak();
     quit();
     dropProgram();
@@ -264,16 +264,16 @@ TEST_F(BreakOverlayShowingTest, IsShowingFromTheStartUntilTheEndOfTheFadeOut) {
     plugBuiltIn();
     BreakOverlayController controller(breakTimer(), desktop.overlayWindows, desktop.application,
                                       views, desktop.notificationCenter, desktop.runLoop);
-    std::vector<bool> told;
+    std::vector<bool> published;
     const auto subscription = controller.isShowing.subscribe([&](bool isShowing) {
-        told.push_back(isShowing);
+        published.push_back(isShowing);
         EXPECT_TRUE(desktop.overlayWindows.windows().empty())
             << "there should be no window before the break or after it";
         EXPECT_TRUE(desktop.overlayWindows.press(spaceKeyCode)) << "there should be no key monitor";
     });
     EXPECT_FALSE(controller.isShowing.get());
     desktop.notificationCenter.post(breakDidEndNotification);
-    EXPECT_TRUE(told.empty());
+    EXPECT_TRUE(published.empty());
     desktop.notificationCenter.post(breakDidStartNotification);
     EXPECT_TRUE(controller.isShowing.get());
     desktop.runLoop.advance(10s);
@@ -283,7 +283,7 @@ TEST_F(BreakOverlayShowingTest, IsShowingFromTheStartUntilTheEndOfTheFadeOut) {
     EXPECT_TRUE(controller.isShowing.get());
     desktop.runLoop.advance(1ms);
     EXPECT_FALSE(controller.isShowing.get());
-    EXPECT_EQ(told, (std::vector<bool>{true, false}));
+    EXPECT_EQ(published, (std::vector<bool>{true, false}));
 }
 
 } // namespace

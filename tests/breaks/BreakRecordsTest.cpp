@@ -84,7 +84,7 @@ TEST(BreakRecords, MalformedSessionIsRejected) {
     }
 }
 
-TEST(BreakRecords, SessionReadsBackAtTheLimitsOfTime) {
+TEST(BreakRecords, SessionReadsBackAtTheLimitsOfTheClock) {
     for (const auto seconds : {-999'999'999.0, 7'999'999'999.0}) {
         Json json = BreakSession{};
         json["startTime"] = seconds;

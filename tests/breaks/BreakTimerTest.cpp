@@ -111,7 +111,7 @@ const Calls ended = {"NoctaBreakDidEnd"};
 
 // The state table: each event in each state.
 
-TEST_F(BreakTimerTest, IdleStartCountsFromTheFullInterval) {
+TEST_F(BreakTimerTest, StartWhileIdleCountsFromTheFullInterval) {
     beIdle();
     breakTimer().start();
     EXPECT_EQ(state(), BreakState(Counting{full}));
@@ -120,7 +120,7 @@ TEST_F(BreakTimerTest, IdleStartCountsFromTheFullInterval) {
     EXPECT_EQ(state(), BreakState(Counting{full - 1}));
 }
 
-TEST_F(BreakTimerTest, IdleIgnoresEverythingElse) {
+TEST_F(BreakTimerTest, OtherEventsWhileIdleAreIgnored) {
     beIdle();
     expectNothingHappened([&] { breakTimer().skip(); });
     expectNothingHappened([&] { breakTimer().snooze(5); });
@@ -134,14 +134,14 @@ TEST_F(BreakTimerTest, IdleIgnoresEverythingElse) {
     });
 }
 
-TEST_F(BreakTimerTest, IdleStopOnlyPublishesTheState) {
+TEST_F(BreakTimerTest, StopWhileIdleOnlyPublishesTheState) {
     beIdle();
     breakTimer().stop();
     EXPECT_EQ(states, (std::vector<BreakState>{Idle{}}));
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, CountingTickTakesASecond) {
+TEST_F(BreakTimerTest, TickWhileCountingSubtractsOneSecond) {
     beCounting();
     runSeconds(3);
     EXPECT_EQ(states, (std::vector<BreakState>{Counting{full - 11}, Counting{full - 12},
@@ -150,7 +150,7 @@ TEST_F(BreakTimerTest, CountingTickTakesASecond) {
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, CountingReachesZeroAndABreakBegins) {
+TEST_F(BreakTimerTest, BreakBeginsWhenTheCountdownReachesZero) {
     beCounting();
     runSeconds(full - 11);
     EXPECT_EQ(state(), BreakState(Counting{1}));
@@ -163,7 +163,7 @@ TEST_F(BreakTimerTest, CountingReachesZeroAndABreakBegins) {
     EXPECT_EQ(totals(), BreakStatistics{});
 }
 
-TEST_F(BreakTimerTest, CountingInAMeetingPausesWithoutCountingTheSecond) {
+TEST_F(BreakTimerTest, MeetingWhileCountingPausesWithoutSubtractingASecond) {
     beCounting();
     bringMeetingToFront();
     EXPECT_TRUE(states.empty()) << "only the next tick should check for a meeting";
@@ -173,7 +173,7 @@ TEST_F(BreakTimerTest, CountingInAMeetingPausesWithoutCountingTheSecond) {
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, CountingInAMeetingContinuesIfMeetingsDoNotSuspend) {
+TEST_F(BreakTimerTest, CountingContinuesInAMeetingIfMeetingsDoNotSuspend) {
     settings().suspendDuringMeetings.set(false);
     beCounting();
     bringMeetingToFront();
@@ -181,7 +181,7 @@ TEST_F(BreakTimerTest, CountingInAMeetingContinuesIfMeetingsDoNotSuspend) {
     EXPECT_EQ(state(), BreakState(Counting{full - 11}));
 }
 
-TEST_F(BreakTimerTest, CountingRestartsWhenTheIntervalIsSetEvenToAnEqualValue) {
+TEST_F(BreakTimerTest, CountingRestartsWhenTheIntervalIsSetEvenToTheSameValue) {
     beCounting();
     for (const std::int64_t interval : {7, 7, 30}) {
         settings().breakIntervalMinutes.set(interval);
@@ -194,7 +194,7 @@ TEST_F(BreakTimerTest, CountingRestartsWhenTheIntervalIsSetEvenToAnEqualValue) {
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, ChangeOfTheIntervalActsOnTheStateAtItsDelivery) {
+TEST_F(BreakTimerTest, IntervalChangeAppliesToTheStateAtDelivery) {
     beCounting();
     settings().breakIntervalMinutes.set(7);
     EXPECT_TRUE(states.empty());
@@ -203,7 +203,7 @@ TEST_F(BreakTimerTest, ChangeOfTheIntervalActsOnTheStateAtItsDelivery) {
     EXPECT_EQ(states, (std::vector<BreakState>{Idle{}}));
 }
 
-TEST_F(BreakTimerTest, CountingStopIsIdle) {
+TEST_F(BreakTimerTest, StopWhileCountingLeadsToIdle) {
     beCounting();
     breakTimer().stop();
     runSeconds(4000);
@@ -211,14 +211,14 @@ TEST_F(BreakTimerTest, CountingStopIsIdle) {
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, CountingIgnoresEverythingElse) {
+TEST_F(BreakTimerTest, OtherEventsWhileCountingAreIgnored) {
     beCounting();
     expectNothingHappened([&] { breakTimer().start(); });
     expectNothingHappened([&] { breakTimer().skip(); });
     expectNothingHappened([&] { breakTimer().snooze(5); });
 }
 
-TEST_F(BreakTimerTest, ActiveTickTakesASecond) {
+TEST_F(BreakTimerTest, TickDuringABreakSubtractsOneSecond) {
     beActive();
     runSeconds(2);
     EXPECT_EQ(states, (std::vector<BreakState>{Active{14}, Active{13}}));
@@ -226,7 +226,7 @@ TEST_F(BreakTimerTest, ActiveTickTakesASecond) {
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, ActiveReachesZeroAndTheBreakIsCompleted) {
+TEST_F(BreakTimerTest, BreakIsCompletedWhenItReachesZero) {
     beActive();
     runSeconds(15);
     EXPECT_EQ(states[states.size() - 2], BreakState(Active{0}));
@@ -237,7 +237,7 @@ TEST_F(BreakTimerTest, ActiveReachesZeroAndTheBreakIsCompleted) {
     EXPECT_EQ(state(), BreakState(Counting{full - 5}));
 }
 
-TEST_F(BreakTimerTest, ActiveSkipped) {
+TEST_F(BreakTimerTest, SkipEndsTheBreakAndRestartsTheInterval) {
     beActive();
     breakTimer().skip();
     EXPECT_EQ(states, (std::vector<BreakState>{Counting{full}}));
@@ -248,7 +248,7 @@ TEST_F(BreakTimerTest, ActiveSkipped) {
         << "the timer of the break should have stopped";
 }
 
-TEST_F(BreakTimerTest, ActiveSnoozed) {
+TEST_F(BreakTimerTest, SnoozeEndsTheBreakAndWaitsFiveMinutes) {
     beActive();
     breakTimer().snooze(5);
     const auto until = desktop.runLoop.wallNow() + 5min;
@@ -257,7 +257,7 @@ TEST_F(BreakTimerTest, ActiveSnoozed) {
     expectTotals({.totalBreaks = 1, .snoozedBreaks = 1});
 }
 
-TEST_F(BreakTimerTest, ActiveStopIsIdleAndDoesNotEndTheBreak) {
+TEST_F(BreakTimerTest, StopDuringABreakLeadsToIdleWithoutEndingTheBreak) {
     beActive();
     breakTimer().stop();
     runSeconds(4000);
@@ -266,7 +266,7 @@ TEST_F(BreakTimerTest, ActiveStopIsIdleAndDoesNotEndTheBreak) {
     EXPECT_EQ(totals(), BreakStatistics{});
 }
 
-TEST_F(BreakTimerTest, ActiveIgnoresEverythingElse) {
+TEST_F(BreakTimerTest, OtherEventsDuringABreakAreIgnored) {
     beActive();
     expectNothingHappened([&] { breakTimer().start(); });
     expectNothingHappened([&] {
@@ -279,7 +279,7 @@ TEST_F(BreakTimerTest, ActiveIgnoresEverythingElse) {
     EXPECT_EQ(state(), BreakState(Active{1})) << "a meeting should not pause a break";
 }
 
-TEST_F(BreakTimerTest, SnoozedEndsWithTheFullInterval) {
+TEST_F(BreakTimerTest, FullIntervalFollowsTheSnooze) {
     beSnoozed();
     runSeconds(289);
     EXPECT_TRUE(states.empty());
@@ -290,14 +290,14 @@ TEST_F(BreakTimerTest, SnoozedEndsWithTheFullInterval) {
     EXPECT_TRUE(posted.empty());
 }
 
-TEST_F(BreakTimerTest, SnoozedStopIsIdle) {
+TEST_F(BreakTimerTest, StopWhileSnoozedLeadsToIdle) {
     beSnoozed();
     breakTimer().stop();
     runSeconds(4000);
     EXPECT_EQ(states, (std::vector<BreakState>{Idle{}}));
 }
 
-TEST_F(BreakTimerTest, SnoozedIgnoresEverythingElse) {
+TEST_F(BreakTimerTest, OtherEventsWhileSnoozedAreIgnored) {
     beSnoozed();
     expectNothingHappened([&] { breakTimer().start(); });
     expectNothingHappened([&] { breakTimer().skip(); });
@@ -311,7 +311,7 @@ TEST_F(BreakTimerTest, SnoozedIgnoresEverythingElse) {
     EXPECT_EQ(state(), BreakState(Counting{7 * 60})) << "the new interval should take effect now";
 }
 
-TEST_F(BreakTimerTest, PausedStopIsIdleAndStartCountsAgain) {
+TEST_F(BreakTimerTest, StopWhilePausedLeadsToIdleAndStartCountsAgain) {
     bePaused();
     bringMeetingToFront(false);
     breakTimer().stop();
@@ -320,7 +320,7 @@ TEST_F(BreakTimerTest, PausedStopIsIdleAndStartCountsAgain) {
     EXPECT_EQ(state(), BreakState(Counting{full}));
 }
 
-TEST_F(BreakTimerTest, PausedIgnoresEverythingElseEvenTheEndOfTheMeeting) {
+TEST_F(BreakTimerTest, OtherEventsWhilePausedAreIgnoredIncludingTheEndOfTheMeeting) {
     bePaused();
     expectNothingHappened([&] { breakTimer().start(); });
     expectNothingHappened([&] { breakTimer().skip(); });
@@ -374,18 +374,18 @@ TEST_F(BreakTimerTest, LengthIsTakenFromTheSettingWhenTheBreakBegins) {
     runSeconds(full - 10);
     EXPECT_EQ(state(), BreakState(Active{3}));
     runSeconds(3);
-    for (const std::int64_t none : {0, -5}) {
-        settings().breakDurationSeconds.set(none);
+    for (const std::int64_t duration : {0, -5}) {
+        settings().breakDurationSeconds.set(duration);
         EXPECT_EQ(state(), BreakState(Counting{full}));
         runSeconds(full);
-        EXPECT_EQ(state(), BreakState(Active{static_cast<double>(none)}));
+        EXPECT_EQ(state(), BreakState(Active{static_cast<double>(duration)}));
         runSeconds(1); // the break ends at its first tick
     }
     EXPECT_EQ(state(), BreakState(Counting{full}));
 }
 
 TEST_F(BreakTimerTest, ObserverMayEndABreakThatJustBegan) {
-    const auto impatient =
+    const auto subscription =
         desktop.notificationCenter.observe(breakDidStartNotification, [&] { breakTimer().skip(); });
     breakTimer().start();
     runSeconds(full);
@@ -408,9 +408,9 @@ TEST_F(BreakTimerTest, OverflowStopsTheProgram) {
     EXPECT_DEATH(breakTimer().skip(), "skippedBreaks in breakStatistics is 9223372036854775807");
 }
 
-// The machine sleeps: the wall clock advances by eight hours, and the timers stand still.
+// While the machine sleeps, the wall clock advances by eight hours and the timers stop.
 
-TEST_F(BreakTimerTest, SleepWhileCountingDoesNotCount) {
+TEST_F(BreakTimerTest, SleepWhileCountingIsNotCounted) {
     beCounting();
     desktop.runLoop.suspend(8h);
     EXPECT_TRUE(states.empty());
@@ -418,7 +418,7 @@ TEST_F(BreakTimerTest, SleepWhileCountingDoesNotCount) {
     EXPECT_EQ(state(), BreakState(Counting{full - 11}));
 }
 
-TEST_F(BreakTimerTest, SleepDuringABreakCountsInItsRecord) {
+TEST_F(BreakTimerTest, SleepDuringABreakIsIncludedInItsRecord) {
     beActive();
     desktop.runLoop.suspend(8h);
     runSeconds(1);
@@ -455,7 +455,7 @@ TEST_F(BreakTimerTest, SettingTheWallClockBackOnlyShortensTheRecord) {
     expectTotals({.totalBreaks = 1, .completedBreaks = 1, .totalBreakTime = 20 - 3600});
 }
 
-// How the program uses the timer.
+// The program's use of the timer.
 
 TEST_F(BreakTimerTest, ProgramStartsTheTimerFollowsTheSettingAndStopsTheTimer) {
     settings().breakTimerEnabled.set(true);

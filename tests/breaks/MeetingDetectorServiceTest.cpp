@@ -42,7 +42,7 @@ TEST_F(MeetingDetectorServiceTest, MeetingStartsAndEndsWithTheApplicationInFront
     EXPECT_EQ(app(), "FaceTime");
     EXPECT_EQ(posted, Posts{"NoctaMeetingDidStart"});
     desktop.runLoop.advance(60s);
-    EXPECT_EQ(posted.size(), 1U) << "the polls should find nothing new";
+    EXPECT_EQ(posted.size(), 1U) << "the polls should find no change";
     desktop.workspace.bringToFront(editor);
     EXPECT_FALSE(isInMeeting());
     EXPECT_EQ(app(), std::nullopt);
@@ -91,7 +91,7 @@ TEST_F(MeetingDetectorServiceTest, PollFindsAChangeWithoutANotification) {
     EXPECT_FALSE(isInMeeting());
 }
 
-TEST_F(MeetingDetectorServiceTest, AnotherMeetingApplicationIsTheSameMeeting) {
+TEST_F(MeetingDetectorServiceTest, SwitchingToAnotherMeetingApplicationContinuesTheMeeting) {
     desktop.workspace.bringToFront(faceTime);
     desktop.workspace.bringToFront(RunningApplication{"us.zoom.xos", "Zoom"});
     EXPECT_EQ(posted.size(), 1U);

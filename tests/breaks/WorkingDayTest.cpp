@@ -146,7 +146,7 @@ protected:
     }
 };
 
-TEST_F(WorkingDayTest, TwentyFourHoursOfMixedUse) {
+TEST_F(WorkingDayTest, TimerAgreesWithTheModelForTwentyFourHours) {
     std::mt19937 random(7);
     const auto happens = [&](int onceIn) {
         return std::uniform_int_distribution(1, onceIn)(random) == 1;
@@ -185,7 +185,7 @@ TEST_F(WorkingDayTest, TwentyFourHoursOfMixedUse) {
     EXPECT_GT(model.totals.snoozedBreaks, 5);
 }
 
-TEST_F(WorkingDayTest, AThousandBreaksLeaveNothingBehind) {
+TEST_F(WorkingDayTest, NoWindowOrKeyMonitorRemainsAfterAnyOfAThousandBreaks) {
     settings().breakIntervalMinutes.set(1);
     desktop.runLoop.advance(0s);
     model.changeInterval(60);

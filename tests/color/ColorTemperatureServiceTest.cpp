@@ -31,7 +31,7 @@ protected:
     std::int64_t engineTemperature() { return gamma().currentTemperature().at(external); }
 };
 
-TEST_F(ColorTemperatureServiceTest, AppliesNothingWhenConstructed) {
+TEST_F(ColorTemperatureServiceTest, ConstructionAppliesNothing) {
     EXPECT_EQ(colorTemperature().currentTemperature.get(), 6500);
     EXPECT_EQ(colorTemperature().currentWarmth.get(), 0.5);
     EXPECT_TRUE(calls("setDisplayTransferByTable").empty());
@@ -115,7 +115,7 @@ TEST_F(ColorTemperatureServiceTest, SwitchingOffFadesToTheWarmthAndEndsTheUpdate
     EXPECT_TRUE(shown.empty());
 }
 
-TEST_F(ColorTemperatureServiceTest, SwitchingOnAndRightOffAgainIsOneContinuousTransition) {
+TEST_F(ColorTemperatureServiceTest, SwitchingOnAndImmediatelyOffIsOneContinuousTransition) {
     setPosition(Night{});
     settings().autoWarmthEnabled.set(true);
     desktop.runLoop.advance(140ms); // seven steps
@@ -125,7 +125,7 @@ TEST_F(ColorTemperatureServiceTest, SwitchingOnAndRightOffAgainIsOneContinuousTr
     desktop.runLoop.advance(1min);
     EXPECT_EQ(shown.back(), 4600);
     EXPECT_EQ(shown.size(), 7U + 15U)
-        << "neither the first completion nor a minute tick should show";
+        << "neither the first completion nor a minute tick should have an effect";
     for (std::size_t i = 1; i < shown.size(); ++i) {
         EXPECT_LE(std::abs(shown[i] - shown[i - 1]), 254)
             << "no step should exceed those of the longer transition";

@@ -18,13 +18,13 @@ constexpr Location paris{48.857, 2.352};
 
 class Listener final : public LocationDelegate {
 public:
-    std::string heard;
+    std::string received;
     void locationUpdated(const Location& location) override {
-        heard += location == paris ? "paris " : "elsewhere ";
+        received += location == paris ? "paris " : "elsewhere ";
     }
-    void locationFailed(std::string_view error) override { heard += std::string(error) + " "; }
+    void locationFailed(std::string_view error) override { received += std::string(error) + " "; }
     void authorizationChanged(AuthorizationStatus status) override {
-        heard += std::to_string(static_cast<int>(status)) + " ";
+        received += std::to_string(static_cast<int>(status)) + " ";
     }
 };
 
@@ -76,7 +76,7 @@ TEST_F(LocationServiceTest, FailureKeepsTheFix) {
     EXPECT_EQ(location().currentLocation.get(), paris);
 }
 
-TEST_F(LocationServiceTest, EachAuthorizationStatusHasItsEffect) {
+TEST_F(LocationServiceTest, AuthorizationStatusChangesTheSettingAndStartsUpdates) {
     struct Row {
         AuthorizationStatus status;
         bool enabledBefore;
@@ -99,7 +99,7 @@ TEST_F(LocationServiceTest, EachAuthorizationStatusHasItsEffect) {
     }
 }
 
-TEST_F(LocationServiceTest, TurningTheSettingOffStopsAndForgetsNothing) {
+TEST_F(LocationServiceTest, TurningTheSettingOffKeepsTheUpdatesAndTheLocation) {
     location();
     desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(paris);
@@ -115,17 +115,17 @@ TEST_F(LocationServiceTest, DelegateIsRemovedWhenTheServiceIsDestroyed) {
     dropProgram();
     desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(paris);
-    EXPECT_EQ(listener->heard, "");
+    EXPECT_EQ(listener->received, "");
     EXPECT_TRUE(calls("startUpdatingLocation").empty());
 }
 
-TEST_F(LocationServiceTest, DelegateReceivesEverythingAndIsNotKeptAlive) {
+TEST_F(LocationServiceTest, DelegateReceivesEveryReportAndIsNotKeptAlive) {
     auto listener = std::make_shared<Listener>();
     location().delegate = listener;
     desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(paris);
     desktop.location.fail("lost");
-    EXPECT_EQ(listener->heard, "3 paris lost ");
+    EXPECT_EQ(listener->received, "3 paris lost ");
     listener.reset();
     desktop.location.startUpdatingLocation();
     desktop.location.send(berlin);

@@ -39,7 +39,7 @@ protected:
     }
 };
 
-TEST_F(ScheduleServiceTest, BeforeTheStartItIsDayWithoutTimes) {
+TEST_F(ScheduleServiceTest, PositionIsDayWithoutTimesBeforeTheStart) {
     EXPECT_EQ(schedule().sunriseTime.get(), std::nullopt);
     EXPECT_EQ(position(), SunPosition(Day{}));
     schedule().currentSunPosition.set(Night{});
@@ -92,7 +92,7 @@ TEST_F(ScheduleServiceTest, SunriseWinsIfTheTransitionsOverlap) {
     EXPECT_EQ(position(), SunPosition(Sunset{0.5}));
 }
 
-TEST_F(ScheduleServiceTest, EveryMinuteATickUpdatesThePosition) {
+TEST_F(ScheduleServiceTest, PositionIsUpdatedEveryMinute) {
     startAt(6h + 14min);
     EXPECT_EQ(position(), SunPosition(Night{}));
     desktop.runLoop.advance(59s);
@@ -114,7 +114,7 @@ TEST_F(ScheduleServiceTest, FixChangesTheTimesImmediately) {
     EXPECT_NE(schedule().sunriseTime.get(), local({2026, 6, 21}, 6h + 30min));
 }
 
-TEST_F(ScheduleServiceTest, PolarFixMeansSixAndEighteenAndNoFixMeansHalfPast) {
+TEST_F(ScheduleServiceTest, TimesAreSixAndEighteenAtThePoleAndHalfPastWithoutAFix) {
     startAt(12h, {2026, 6, 21});
     EXPECT_EQ(schedule().sunriseTime.get(), local({2026, 6, 21}, 6h + 30min));
     desktop.location.answer(AuthorizationStatus::authorized);

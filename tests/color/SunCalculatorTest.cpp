@@ -108,7 +108,7 @@ TEST(SunCalculator, AgreesWithAlmanacsWithinFiveMinutes) {
     }
 }
 
-TEST(SunCalculator, BothPolarCasesMeanSixAndEighteen) {
+TEST(SunCalculator, PolarDayAndNightReturnSixAndEighteen) {
     const TimeZone zone(zone::berlin);
     for (const auto& date : {utc(2026, 12, 21, 12h), utc(2026, 6, 21, 12h)}) {
         for (const auto latitude : {80.0, -80.0, 89.999, -89.999}) {
@@ -120,14 +120,14 @@ TEST(SunCalculator, BothPolarCasesMeanSixAndEighteen) {
     }
 }
 
-TEST(SunCalculator, UsesTheCurrentOffsetAndNotThatOfTheDate) {
+TEST(SunCalculator, UsesTheCurrentOffsetInsteadOfTheOffsetOfTheDate) {
     const TimeZone zone(zone::berlin);
     const auto summer = utc(2026, 7, 15, 12h);
     const auto winter = utc(2026, 1, 15, 12h);
-    const auto asked = SunCalculator().calculate(summer, 52.52, 13.405, winter);
+    const auto calculated = SunCalculator().calculate(summer, 52.52, 13.405, winter);
     const auto inSummer = SunCalculator().calculate(summer, 52.52, 13.405, summer);
-    EXPECT_EQ(inSummer.sunrise - asked.sunrise, 1h);
-    EXPECT_EQ(inSummer.sunset - asked.sunset, 1h);
+    EXPECT_EQ(inSummer.sunrise - calculated.sunrise, 1h);
+    EXPECT_EQ(inSummer.sunset - calculated.sunset, 1h);
 }
 
 TEST(SunCalculatorDeathTest, NonFiniteHourStopsTheProgram) {

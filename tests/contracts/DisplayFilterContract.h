@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// The contract of the gray filter on every desktop that can turn gray. `Harness` has
+/// The contract of the gray filter on every desktop that supports one. `Harness` has
 /// `displayFilter()`, `dynamicLibraries()` and `isGray()`, which returns whether the user sees a
 /// gray screen.
 template <class Harness>

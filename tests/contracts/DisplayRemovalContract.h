@@ -5,9 +5,9 @@
 
 namespace nocta {
 
-/// What happens to a display and its tables when it is removed. `Harness` has what
-/// `GammaOutputContract` needs, and `notificationCenter()`. `unplug()` removes the display that
-/// `plug()` added, and returns once the program has been notified.
+/// The contract of displays that can be removed, and of their tables. `Harness` has the members
+/// that `GammaOutputContract` requires, and `notificationCenter()`. `unplug()` removes the display
+/// that `plug()` added, and returns once the program has been notified.
 template <class Harness>
 class DisplayRemovalContract : public GammaOutputContract<Harness> {};
 
@@ -36,7 +36,7 @@ TYPED_TEST_P(DisplayRemovalContract, RemovedDisplayFailsWithoutAffectingOthers) 
     this->expectTop(ids[0], 0.5);
 }
 
-TYPED_TEST_P(DisplayRemovalContract, DisplayThatComesBackTakesTables) {
+TYPED_TEST_P(DisplayRemovalContract, ReconnectedDisplayAcceptsTables) {
     this->harness.plug();
     const auto before = this->list();
     this->setRamp(before.at(1), 0.25F);
@@ -49,6 +49,6 @@ TYPED_TEST_P(DisplayRemovalContract, DisplayThatComesBackTakesTables) {
 
 REGISTER_TYPED_TEST_SUITE_P(DisplayRemovalContract, RemovalIsReportedWithTheNewList,
                             RemovedDisplayFailsWithoutAffectingOthers,
-                            DisplayThatComesBackTakesTables);
+                            ReconnectedDisplayAcceptsTables);
 
 } // namespace nocta

@@ -56,7 +56,7 @@ TYPED_TEST_P(DisplaysContract, UnknownDisplayHasNoData) {
     EXPECT_EQ(this->harness.displays().displayCopyDisplayMode(unknown), std::nullopt);
 }
 
-TYPED_TEST_P(DisplaysContract, PluggingIsReportedWithTheNewList) {
+TYPED_TEST_P(DisplaysContract, AddedDisplayIsReportedWithTheNewList) {
     std::vector<std::size_t> sizes;
     const auto subscription = this->harness.notificationCenter().observe(
         didChangeScreenParametersNotification, [&] { sizes.push_back(this->list().size()); });
@@ -67,6 +67,6 @@ TYPED_TEST_P(DisplaysContract, PluggingIsReportedWithTheNewList) {
 
 REGISTER_TYPED_TEST_SUITE_P(DisplaysContract, ListIsCountedAndThenFilled,
                             DisplayHasItsModeAndBounds, UnknownDisplayHasNoData,
-                            PluggingIsReportedWithTheNewList);
+                            AddedDisplayIsReportedWithTheNewList);
 
 } // namespace nocta

@@ -4,8 +4,8 @@
 
 namespace nocta {
 
-/// The contract of the overlay windows where a program learns of key presses for other programs.
-/// `Harness` is that of `OverlayWindowsContract`.
+/// The contract of the overlay windows on desktops that report key presses in other programs.
+/// `Harness` has the members that `OverlayWindowsContract` requires.
 template <class Harness>
 class EarlierTypingContract : public OverlayWindowsContract<Harness> {};
 

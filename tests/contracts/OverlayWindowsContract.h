@@ -27,7 +27,7 @@ class OverlayWindowsContract : public ::testing::Test {
 protected:
     static constexpr OverlayWindows::Style style{.level = 1000, .collectionBehavior = 257};
     static constexpr Duration fade = std::chrono::milliseconds(400);
-    static constexpr Duration pause = std::chrono::seconds(1); ///< ends a run of typing
+    static constexpr Duration pause = std::chrono::seconds(1); ///< long enough to end typing
 
     std::vector<Rect> screenFrames() {
         std::vector<Rect> frames;
@@ -76,7 +76,7 @@ TYPED_TEST_P(OverlayWindowsContract, ShownWindowsCoverTheDisplaysExactly) {
     EXPECT_EQ(this->screenFrames(), this->harness.frames());
 }
 
-TYPED_TEST_P(OverlayWindowsContract, WindowIsGoneOnceItIsOrderedOutOrDestroyed) {
+TYPED_TEST_P(OverlayWindowsContract, WindowDisappearsWhenItIsOrderedOutOrDestroyed) {
     auto window = this->make();
     window->makeKeyAndOrderFront();
     window->orderOut();
@@ -129,7 +129,7 @@ TYPED_TEST_P(OverlayWindowsContract, KeyReachesTheWindowUnlessAMonitorSwallowsIt
 }
 
 REGISTER_TYPED_TEST_SUITE_P(OverlayWindowsContract, ShownWindowsCoverTheDisplaysExactly,
-                            WindowIsGoneOnceItIsOrderedOutOrDestroyed,
+                            WindowDisappearsWhenItIsOrderedOutOrDestroyed,
                             FadeEndsAtItsTargetAndIsCompletedOnce,
                             FadeThatIsReplacedOrDestroyedIsNotCompleted,
                             KeyReachesTheWindowUnlessAMonitorSwallowsIt);

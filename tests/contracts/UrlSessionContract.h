@@ -13,14 +13,14 @@
 namespace nocta {
 
 /// The contract of the network on every desktop. `Harness` has a `urlSession()` and a `request()`
-/// that the session can load. `answer(status, body)` sets what the server answers from now on;
-/// after `breakConnections()` the server closes every connection without an answer.
+/// that the session can load. `answer(status, body)` sets the server's response to later requests;
+/// after `breakConnections()` the server closes every connection without a response.
 /// `runUntil(condition)` runs the run loop until the condition holds, and returns false if it times
 /// out.
 template <class Harness>
 class UrlSessionContract : public ::testing::Test {
 protected:
-    /// What a task has reported so far.
+    /// The reports of a task so far.
     struct Report {
         std::vector<UrlResponse> responses;
         std::string body;

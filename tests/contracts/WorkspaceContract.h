@@ -16,11 +16,11 @@ using WindowSizes = std::vector<std::pair<double, double>>;
 
 /// The contract of the workspace on every desktop. `Harness` has a `workspace()` with one display
 /// and no windows on screen, and two applications, `editor` and `player`. `displayFrame()` returns
-/// the frame of the display. `windowSizes` are sizes of windows, in ascending order, that the
-/// desktop can show and tell at one time. `bringToFront(application)` brings an application to the
-/// front, or leaves none in front for `std::nullopt`; `setWindows(sizes)` opens and closes windows
-/// until windows of exactly these sizes are on screen. Both return once the program has been
-/// notified. `setReducesMotion(isOn)` changes the user's setting.
+/// the frame of the display. `windowSizes` contains, in ascending order, window sizes that the
+/// desktop can show and report simultaneously. `bringToFront(application)` brings an application to
+/// the front; with `std::nullopt`, no application is in front. `setWindows(sizes)` opens and closes
+/// windows until windows of exactly these sizes are on screen. Both return once the program has
+/// been notified. `setReducesMotion(isOn)` changes the user's setting.
 template <class Harness>
 class WorkspaceContract : public ::testing::Test {
 protected:
@@ -94,11 +94,11 @@ TYPED_TEST_P(WorkspaceContract, WindowsOnScreenAreListedWithTheirSizes) {
     EXPECT_EQ(this->sizesOnScreen(), WindowSizes{});
 }
 
-TYPED_TEST_P(WorkspaceContract, OnlyDisplayIsTheMainScreen) {
+TYPED_TEST_P(WorkspaceContract, SingleDisplayIsTheMainScreen) {
     EXPECT_EQ(this->harness.workspace().mainScreenFrame(), this->harness.displayFrame());
 }
 
-TYPED_TEST_P(WorkspaceContract, ReducedMotionIsTheUsersSetting) {
+TYPED_TEST_P(WorkspaceContract, ReducedMotionFollowsTheUsersSetting) {
     for (const auto isOn : {false, true, false}) {
         this->harness.setReducesMotion(isOn);
         EXPECT_EQ(this->harness.workspace().accessibilityDisplayShouldReduceMotion(), isOn);
@@ -108,7 +108,7 @@ TYPED_TEST_P(WorkspaceContract, ReducedMotionIsTheUsersSetting) {
 REGISTER_TYPED_TEST_SUITE_P(WorkspaceContract, EachApplicationThatComesToTheFrontIsReported,
                             ApplicationAlreadyInFrontIsNotReportedAgain,
                             NothingIsReportedAfterTheSubscriptionHasEnded,
-                            WindowsOnScreenAreListedWithTheirSizes, OnlyDisplayIsTheMainScreen,
-                            ReducedMotionIsTheUsersSetting);
+                            WindowsOnScreenAreListedWithTheirSizes, SingleDisplayIsTheMainScreen,
+                            ReducedMotionFollowsTheUsersSetting);
 
 } // namespace nocta

@@ -33,7 +33,7 @@ protected:
     }
 };
 
-TEST_F(BrightnessControllerTest, ConstructionFindsNothingBeforeTheDisplayListIsRead) {
+TEST_F(BrightnessControllerTest, ConstructionFindsNoBacklightBeforeTheDisplayListIsRead) {
     plugBuiltIn();
     EXPECT_FALSE(brightness().isAvailable());
     displayService().refreshDisplays();
@@ -48,7 +48,7 @@ TEST_F(BrightnessControllerTest, ConstructionAfterTheListIsReadFindsTheBacklight
     EXPECT_TRUE(brightness().isAvailable());
 }
 
-TEST_F(BrightnessControllerTest, AsksOnlyAboutTheMainDisplay) {
+TEST_F(BrightnessControllerTest, OnlyTheMainDisplayIsProbed) {
     desktop.displays.plug({.id = external, .isMain = true});
     desktop.displays.plug({.id = builtIn, .isBuiltIn = true});
     start();
@@ -59,7 +59,7 @@ TEST_F(BrightnessControllerTest, AsksOnlyAboutTheMainDisplay) {
     }
 }
 
-TEST_F(BrightnessControllerTest, ReadsTheLevelIfThereIsOne) {
+TEST_F(BrightnessControllerTest, LevelIsReadIfItIsAvailable) {
     EXPECT_EQ(brightness().readBrightness(), std::nullopt)
         << "there should be no level without a main display";
     plugBuiltIn();

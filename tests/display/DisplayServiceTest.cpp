@@ -25,7 +25,7 @@ protected:
     }
 };
 
-TEST_F(DisplayServiceTest, EmptyUntilTheFirstRefresh) {
+TEST_F(DisplayServiceTest, ListIsEmptyUntilTheFirstRefresh) {
     plugBuiltIn();
     EXPECT_TRUE(displayService().displays.get().empty());
     EXPECT_EQ(mainId(), std::nullopt);

@@ -49,7 +49,7 @@ TEST_F(GammaControllerTest, EachSetterWritesEveryDisplayWithAllThreeInputs) {
     }
 }
 
-TEST_F(GammaControllerTest, EachChannelReachesTheDisplayAsItsOwnTable) {
+TEST_F(GammaControllerTest, EachChannelIsWrittenToItsOwnTable) {
     plugBuiltIn();
     start();
     gamma().setTemperature(3000);
@@ -113,7 +113,7 @@ TEST_F(GammaControllerTest, SettersStoreAndWriteNothingWithoutDisplays) {
     EXPECT_TRUE(calls("setDisplayTransferByTable").empty());
 }
 
-TEST_F(GammaControllerTest, NewDisplayWaitsForTheNextSetterAndHasNeutralValuesOtherwise) {
+TEST_F(GammaControllerTest, NewDisplayIsNotWrittenUntilTheNextSetterAndStartsNeutral) {
     plugBuiltIn();
     start();
     gamma().setDimming(0.5F);
@@ -135,7 +135,7 @@ TEST_F(GammaControllerTest, NewDisplayWaitsForTheNextSetterAndHasNeutralValuesOt
     EXPECT_EQ(blueTable(external), blueOf(3000, 0.5F, 0.25F));
 }
 
-TEST_F(GammaControllerTest, MapsOnlyGrowAndAReturningDisplayKeepsItsValues) {
+TEST_F(GammaControllerTest, RemovedDisplayKeepsItsValuesUntilItIsReconnected) {
     plugBuiltIn();
     plugExternal();
     start();

@@ -47,7 +47,7 @@ TEST(GammaTables, WhitePointAgreesWithDoublePrecisionAtEveryKelvin) {
     }
 }
 
-TEST(GammaTables, WhitePointAtItsBoundaries) {
+TEST(GammaTables, WhitePointIsCorrectAtItsBoundaries) {
     const auto at1900 = rgbMultipliers(1900);
     EXPECT_EQ(at1900.blue, 0.0F);
     const auto at1910 = rgbMultipliers(1910);

@@ -56,8 +56,8 @@ TEST_F(UnifiedBrightnessApplierTest, BacklightAndDimmingFollowTheCurve) {
     }
 }
 
-/// The expected bits were calculated by hand: the formulas in decimal fractions, rounded to double
-/// and then to single precision.
+/// The expected bits were calculated by hand: the formulas were evaluated in decimal, and the
+/// results rounded to double and then to single precision.
 TEST_F(UnifiedBrightnessApplierTest, LevelsAreRoundedToSinglePrecisionOnce) {
     plugBuiltIn();
     plugExternal();

@@ -40,7 +40,7 @@ protected:
 
     void SetUp() override {
         if (!Sway::canLogGamma()) {
-            GTEST_SKIP() << "this version of wlroots hides the gamma tables";
+            GTEST_SKIP() << "gamma tables cannot be read with this version of wlroots";
         }
         settings().unifiedBrightness.set(1);
         settings().autoWarmthEnabled.set(false);
@@ -66,7 +66,7 @@ TEST_F(EngineOnWaylandTest, TablesFollowTheSettings) {
     EXPECT_TRUE(isEngineTable(shown("HEADLESS-1"), 0.9, 4600));
 }
 
-TEST_F(EngineOnWaylandTest, AddedOutputIsTakenUpAtTheNextChange) {
+TEST_F(EngineOnWaylandTest, AddedOutputIsUpdatedAtTheNextChange) {
     sway.addOutput();
     ASSERT_TRUE(serveUntil([&] { return session.displays.ids().size() == 2; }));
     EXPECT_TRUE(shown("HEADLESS-2").empty());

@@ -14,7 +14,7 @@
 #include <vector>
 
 // Runs the program as it is built for users. A simulated user opens every window and uses every
-// control repeatedly. The program must connect to nothing but the X server and the message buses.
+// control repeatedly. The program must connect only to the X server and the message buses.
 
 namespace nocta {
 namespace {
@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 
 constexpr auto useTime = 10min;
 
-TEST(TrafficWatch, ReportsWhatAnyChildSendsToTheNetwork) {
+TEST(TrafficWatch, ReportsNetworkTrafficOfChildProcesses) {
     for (const auto* const protocol : {"tcp", "udp"}) {
         const TemporaryFolder folder;
         const auto trace = folder.path() + "/trace";
@@ -37,7 +37,7 @@ TEST(TrafficWatch, ReportsWhatAnyChildSendsToTheNetwork) {
     }
 }
 
-TEST(TrafficWatch, AllowsTheNamedSocketsOnly) {
+TEST(TrafficWatch, AllowsOnlyTheNamedSockets) {
     const std::vector<std::string> allowed = {"@/tmp/.X11-unix/X7", "/run/bus"};
     for (const auto* const line :
          {R"(1 socket(AF_UNIX, SOCK_STREAM|SOCK_CLOEXEC, 0) = 3)",
@@ -70,7 +70,7 @@ protected:
     PrivateBus sessionBus{"DBUS_SESSION_BUS_ADDRESS"};
     PrivateBus systemBus{"DBUS_SYSTEM_BUS_ADDRESS"};
     std::string trace = home.path() + "/trace";
-    std::optional<std::ptrdiff_t> linesOfAnswer; ///< the line count while an answer is visible
+    std::optional<std::ptrdiff_t> linesOfAnswer; ///< the line count while the error is visible
 
     void SetUp() override {
         NoctaWithPanel::SetUp();
@@ -98,7 +98,7 @@ protected:
         return contentOf(home.path() + "/.config/autostart/nocta.desktop");
     }
 
-    /// Waits for a condition, and throws if it does not come true.
+    /// Waits for a condition, and throws if it times out.
     template <class Condition>
     void await(const std::string& what, const Condition& condition) {
         if (!waitUntil(condition)) {
@@ -351,7 +351,7 @@ void NoTrafficTest::useAbout() {
     }
 }
 
-/// Sends feedback. This build has no address to send it to, and shows a line about that until the
+/// Sends feedback. This build has no address for feedback, so the form shows an error until the
 /// preferences close.
 void NoTrafficTest::useFeedback(const Window& window) {
     const auto lines = [&] { return linesIn(window); };
@@ -373,7 +373,7 @@ void NoTrafficTest::quitByThePopover() {
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << contentOf(output);
 }
 
-TEST_P(NoTrafficTest, EveryControlOfEveryWindowIsUsedWithoutAnyConnectionOutOfTheSession) {
+TEST_P(NoTrafficTest, UsingEveryControlMakesNoConnectionOutsideTheSession) {
     const auto start = std::chrono::steady_clock::now();
     takeBreaks();
     walkThroughFirstLaunch();

@@ -41,7 +41,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaBacklightTest, ::testing::Values(XServer::Kind::xorgDummy),
                          serverName);
 
-TEST_P(NoctaBacklightTest, EveryPanelIsLitByItsOwnDevice) {
+TEST_P(NoctaBacklightTest, EveryPanelUsesItsOwnBacklight) {
     EXPECT_TRUE(waitForLevels("550")) << contentOf(output); // 75 % brightness
     EXPECT_TRUE(waitForBrightness(1)) << "the gamma tables should not dim the picture";
     client.press(brightnessDownSymbol);

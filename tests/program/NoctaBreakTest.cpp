@@ -32,7 +32,7 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return client.hasWindowManager(); })) << contentOf(output);
     }
 
-    /// Once the window has keyboard focus, the window manager has finished its launch as well.
+    /// Once the window has keyboard focus, the window manager has finished starting.
     xcb_window_t openFocusedWindow() {
         const auto window = client.openWindow(false);
         EXPECT_TRUE(waitUntil([&] {
@@ -102,7 +102,7 @@ protected:
 };
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaBreakTest, everyServer, serverName);
 
-TEST_P(NoctaBreakTest, CountdownEndsWithAWindowOverEveryOutputAndSpaceSkips) {
+TEST_P(NoctaBreakTest, BreakCoversEveryOutputAndSpaceSkipsIt) {
     startWindowManager();
     openFocusedWindow();
     startWithBreaks();
@@ -117,7 +117,7 @@ TEST_P(NoctaBreakTest, CountdownEndsWithAWindowOverEveryOutputAndSpaceSkips) {
         << "the other keys should do nothing: " << contentOf(settings);
 }
 
-TEST_P(NoctaBreakTest, FocusReturnsToTheWindowThatHadIt) {
+TEST_P(NoctaBreakTest, FocusReturnsToThePreviousWindow) {
     startWindowManager();
     const auto other = openFocusedWindow();
     startWithBreaks();
@@ -130,7 +130,7 @@ TEST_P(NoctaBreakTest, FocusReturnsToTheWindowThatHadIt) {
     EXPECT_TRUE(hasTotals(R"(\"snoozedBreaks\":1)")) << contentOf(settings);
 }
 
-TEST_P(NoctaBreakTest, MeetingInFrontStopsTheCountdownEvenAfterTheMeetingEnds) {
+TEST_P(NoctaBreakTest, MeetingStopsTheCountdownEvenAfterItEnds) {
     startWindowManager();
     openFocusedWindow();
     XApplication zoom("zoom", "zoom");
@@ -151,14 +151,14 @@ TEST_P(NoctaBreakTest, MeetingInFrontStopsTheCountdownEvenAfterTheMeetingEnds) {
     EXPECT_TRUE(isUncovered());
 }
 
-TEST_P(NoctaBreakTest, BreakEndsOnItsOwn) {
+TEST_P(NoctaBreakTest, BreakEndsAfterItsDuration) {
     startWithBreaks("1");
     waitForBreak();
     EXPECT_TRUE(waitUntil([&] { return isUncovered(); }));
     EXPECT_TRUE(hasTotals(R"(\"completedBreaks\":1)")) << contentOf(settings);
 }
 
-TEST_P(NoctaBreakTest, FullScreenWindowIsCoveredToo) {
+TEST_P(NoctaBreakTest, FullScreenWindowIsCovered) {
     startWindowManager();
     const auto frame = client.activeFrames().at(0);
     client.openWindow(true);
@@ -167,7 +167,7 @@ TEST_P(NoctaBreakTest, FullScreenWindowIsCoveredToo) {
     startWithBreaks();
     waitForBreak();
     const auto before = client.windowsOfSize(frame.width, frame.height).size();
-    // A window that opens during the break takes focus for a moment, and should end up below too.
+    // A window that opens during the break takes focus briefly, and should end up below the cover.
     client.openWindow(true);
     ASSERT_TRUE(
         waitUntil([&] { return client.windowsOfSize(frame.width, frame.height).size() > before; }));
@@ -176,11 +176,11 @@ TEST_P(NoctaBreakTest, FullScreenWindowIsCoveredToo) {
     EXPECT_TRUE(waitUntil([&] { return isUncovered(); }));
 }
 
-TEST_P(NoctaBreakTest, NothingStaysOnScreenWithoutAWindowManagerOrAfterItExits) {
+TEST_P(NoctaBreakTest, CoverClosesWithoutAWindowManagerAndAfterItExits) {
     startWithBreaks();
     waitForBreak();
     startWindowManager();
-    client.openWindow(false); // once it is managed, the window manager has finished its launch
+    client.openWindow(false); // once it is shown, the window manager has started
     waitForBreak();
     windowManager.reset();
     ASSERT_TRUE(waitUntil([&] { return hasKeyboard(); }));
@@ -188,7 +188,7 @@ TEST_P(NoctaBreakTest, NothingStaysOnScreenWithoutAWindowManagerOrAfterItExits) 
     EXPECT_TRUE(waitUntil([&] { return isUncovered(); }));
 }
 
-TEST_P(NoctaBreakTest, DeathDuringABreakLeavesNothingOnScreenAndKeepsEarlierTotals) {
+TEST_P(NoctaBreakTest, KillDuringABreakClosesTheWindowsAndKeepsEarlierTotals) {
     startWithBreaks();
     waitForBreak();
     client.press(space);
@@ -275,7 +275,7 @@ TEST_P(NoctaTypingTest, ContinuedTypingIsDiscardedAndSpaceAfterAPauseSkips) {
     EXPECT_EQ(total("snoozed"), 0) << "Enter should do nothing";
 }
 
-TEST_P(NoctaTypingTest, MouseWorksImmediately) {
+TEST_P(NoctaTypingTest, MouseClicksWorkWhileTheUserTypes) {
     typeIntoCover();
     const auto frame = client.activeFrames().at(0);
     for (int y = frame.y + frame.height; y > frame.y && total("snoozed") == 0; y -= 10) {
@@ -325,7 +325,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaBreakScaledTest, ::testing::Values(XServer::Kind::xorgDummy),
                          serverName);
 
-TEST_P(NoctaBreakScaledTest, EveryPixelOfEachOutputIsCoveredAndNoOthers) {
+TEST_P(NoctaBreakScaledTest, CoversMatchTheOutputsExactlyAtEveryScaleFactor) {
     for (const auto* const factor : {"1.25", "1.5", "1.75", "2"}) {
         SCOPED_TRACE(factor);
         setenv("QT_SCALE_FACTOR", factor, 1);
@@ -337,7 +337,7 @@ TEST_P(NoctaBreakScaledTest, EveryPixelOfEachOutputIsCoveredAndNoOthers) {
     }
 }
 
-TEST_P(NoctaBreakScaledTest, EveryPixelIsCoveredWithAnotherFontResolution) {
+TEST_P(NoctaBreakScaledTest, CoversMatchTheOutputsExactlyWithAnotherFontResolution) {
     XApplication desktop;
     desktop.setText(desktop.root(), "RESOURCE_MANAGER", "Xft.dpi:\t168\n", "STRING");
     startWithBreaks();

@@ -19,25 +19,25 @@ TEST_P(NoctaDeathTest, EverySignalThatEndsTheProgramGivesTheScreenBack) {
     }
 }
 
-TEST_P(NoctaDeathTest, DeathGivesTheScreenBackAndARestartUsesTheFactoryRamp) {
-    for (const auto death : {SIGKILL, SIGSEGV, SIGABRT}) {
+TEST_P(NoctaDeathTest, CrashGivesTheScreenBackAndARestartUsesTheFactoryRamp) {
+    for (const auto crash : {SIGKILL, SIGSEGV, SIGABRT}) {
         startAndWaitFor(0.75);
-        nocta->signal(death);
+        nocta->signal(crash);
         nocta->wait();
-        EXPECT_TRUE(waitUntil([&] { return isGivenBack(); })) << death;
+        EXPECT_TRUE(waitUntil([&] { return isGivenBack(); })) << crash;
     }
     startAndWaitFor(0.75);
     client.press(brightnessDownSymbol);
     ASSERT_TRUE(waitForBrightness(0.6875));
     writeFile(settings, neutralSettings("unifiedBrightness=0.4\n"));
     nocta->signal(SIGKILL);
-    startAndWaitFor(0.4); // while the guardian of the dead process may still be running
+    startAndWaitFor(0.4); // while the guardian of the killed process may still be running
     nocta->signal(SIGTERM);
     EXPECT_EQ(nocta->wait(), 0);
     EXPECT_TRUE(isGivenBack());
 }
 
-TEST_P(NoctaDeathTest, QuickRestartsInARowDoNotConfuseTheGuardian) {
+TEST_P(NoctaDeathTest, ScreenIsRestoredAfterQuickRestarts) {
     startAndWaitFor(0.75);
     for (int restart = 0; restart < 5; ++restart) {
         nocta->signal(SIGKILL);
@@ -52,7 +52,7 @@ TEST_P(NoctaDeathTest, QuickRestartsInARowDoNotConfuseTheGuardian) {
     EXPECT_TRUE(isGivenBack());
 }
 
-TEST_P(NoctaDeathTest, GuardianDoesNotOutliveItsWork) {
+TEST_P(NoctaDeathTest, GuardianExitsWhenItIsNoLongerNeeded) {
     startAndWaitFor(0.75);
     const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
@@ -68,11 +68,11 @@ TEST_P(NoctaDeathTest, GuardianDoesNotOutliveItsWork) {
     EXPECT_NE(kill(others[0], 0), 0) << "the guardian should exit before its program";
 }
 
-TEST_P(NoctaDeathTest, NextLaunchRestoresTheScreenAfterProgramAndGuardianDie) {
+TEST_P(NoctaDeathTest, NextLaunchRestoresTheScreenAfterProgramAndGuardianAreKilled) {
     startAndWaitFor(0.75);
     const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
-    kill(guardians[0], SIGSTOP); // so that it cannot react to the death
+    kill(guardians[0], SIGSTOP); // so that it cannot restore the screen
     nocta->signal(SIGKILL);
     nocta->wait();
     kill(guardians[0], SIGKILL);
@@ -87,7 +87,7 @@ TEST_P(NoctaDeathTest, NextLaunchRestoresTheScreenAfterProgramAndGuardianDie) {
     EXPECT_TRUE(isGivenBack());
 }
 
-TEST_P(NoctaDeathTest, GuardianThatDiesIsReplaced) {
+TEST_P(NoctaDeathTest, KilledGuardianIsReplaced) {
     startAndWaitFor(0.75);
     const auto first = guardiansOf(nocta->id());
     ASSERT_EQ(first.size(), 1U);
@@ -176,8 +176,8 @@ TEST_P(NoctaDeathTest, ProgramCanQuitWhileItWaitsForAFrozenGuardian) {
         << "the frozen guardian still controls the screen and should restore it";
 }
 
-TEST_P(NoctaDeathTest, DyingServerEndsTheProgramWithOneLineAndNoCrash) {
-    // Qt leaks its connection to a server that has died.
+TEST_P(NoctaDeathTest, KilledServerEndsTheProgramWithOneLineAndNoCrash) {
+    // Qt leaks its connection to a server that has exited.
     const auto suppressions = home.path() + "/suppressions";
     writeFile(suppressions, "leak:libX11.so\nleak:libxcb.so\n");
     const auto options = "print_suppressions=0:suppressions=" + suppressions;
@@ -191,8 +191,8 @@ TEST_P(NoctaDeathTest, DyingServerEndsTheProgramWithOneLineAndNoCrash) {
     const auto status = nocta->wait();
     ASSERT_TRUE(WIFEXITED(status)) << "the program should not crash";
     EXPECT_EQ(WEXITSTATUS(status), 1);
-    // Nocta and Qt have a connection each. Whichever notices first ends the program; the other may
-    // still print its message.
+    // Nocta and Qt each have a connection. The one that detects the error first ends the program;
+    // the other may still print its message.
     const auto said = contentOf(output).substr(atStart.size());
     const std::string ours = "nocta: the X server has closed the connection\n";
     const std::string theirs = "The X11 connection broke (error 1). Did the X11 server die?\n";

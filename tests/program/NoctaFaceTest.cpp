@@ -50,7 +50,7 @@ TEST_P(NoctaFaceTest, ClickElsewhereAndOnTheIconClosesThePopover) {
     EXPECT_TRUE(popoverIsGone());
 }
 
-TEST_P(NoctaFaceTest, FooterOpensThePreferencesAndQuits) {
+TEST_P(NoctaFaceTest, FooterButtonsOpenThePreferencesAndQuit) {
     startAndWaitFor(0.75);
     auto popover = openPopover();
     client.click(popover.x + 43, popover.y + 262);
@@ -81,7 +81,7 @@ TEST_P(NoctaFaceTest, RightClickOpensAMenuThatQuits) {
     EXPECT_TRUE(isGivenBack());
 }
 
-TEST_P(NoctaFaceTest, OnboardingWorksFromTheKeyboard) {
+TEST_P(NoctaFaceTest, OnboardingCanBeCompletedWithTheKeyboard) {
     writeFile(settings, "[General]\nautoWarmthEnabled=false\nwarmthLevel=0\n");
     startAndWaitFor(0.75); // the services run before onboarding ends
     const auto window = waitFor("Welcome to Nocta");
@@ -117,7 +117,7 @@ TEST_P(NoctaFaceTest, OnboardingWorksFromTheKeyboard) {
     EXPECT_FALSE(find("Welcome to Nocta").has_value());
 }
 
-TEST_P(NoctaFaceTest, OnboardingClosedByItsTitleBarReturnsOnTheNextLaunch) {
+TEST_P(NoctaFaceTest, OnboardingClosedByItsTitleBarIsShownOnTheNextLaunch) {
     writeFile(settings, "[General]\nautoWarmthEnabled=false\nwarmthLevel=0\n");
     startAndWaitFor(0.75);
     client.askToClose(waitFor("Welcome to Nocta").id);

@@ -61,12 +61,12 @@ TEST_P(NoctaGrayTest, EveryExitRestoresTheColors) {
     }
 }
 
-TEST_P(NoctaGrayTest, NextLaunchRestoresTheColorsAfterProgramAndGuardianDie) {
+TEST_P(NoctaGrayTest, NextLaunchRestoresTheColorsAfterProgramAndGuardianAreKilled) {
     startGray();
     ASSERT_TRUE(waitUntil([&] { return isGray(); }));
     const auto guardians = guardiansOf(nocta->id());
     ASSERT_EQ(guardians.size(), 1U);
-    kill(guardians[0], SIGSTOP); // so that it cannot react to the death
+    kill(guardians[0], SIGSTOP); // so that it cannot restore the colors
     nocta->signal(SIGKILL);
     nocta->wait();
     kill(guardians[0], SIGKILL);
@@ -107,7 +107,7 @@ TEST_P(NoctaOnGnomeTest, EveryExitRestoresTheMagnifier) {
     }
 }
 
-TEST_P(NoctaOnGnomeTest, HelperThatDiesIsReplacedWithoutLosingItsState) {
+TEST_P(NoctaOnGnomeTest, KilledHelperIsReplacedWithoutLosingItsState) {
     startGray();
     ASSERT_TRUE(waitUntil([&] { return gnome->isGray(); }));
     const auto first = childrenOf(nocta->id(), "nocta-magnifier");
@@ -122,7 +122,7 @@ TEST_P(NoctaOnGnomeTest, HelperThatDiesIsReplacedWithoutLosingItsState) {
     EXPECT_EQ(gnome->everything(), before);
 }
 
-TEST_P(NoctaOnGnomeTest, NextLaunchRestoresTheMagnifierAfterProgramAndHelperDie) {
+TEST_P(NoctaOnGnomeTest, NextLaunchRestoresTheMagnifierAfterProgramAndHelperAreKilled) {
     startGray();
     ASSERT_TRUE(waitUntil([&] { return gnome->isGray(); }));
     const auto helpers = childrenOf(nocta->id(), "nocta-magnifier");

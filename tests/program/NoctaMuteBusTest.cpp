@@ -75,14 +75,14 @@ protected:
         return serveUntil([&] { return condition() || deadline.hasExpired(); }) && condition();
     }
 
-    void expectThatAKeyIsObeyed(double brightness) {
+    void expectKeyToSetBrightness(double brightness) {
         client.press(brightnessDownSymbol);
         EXPECT_TRUE(isInTime([&] { return shows(brightness); })) << brightness << contentOf(output);
     }
 
     bool showsPopover() { return client.windowsOfSize(300, 280).size() == 1; }
 
-    void expectToEndAtOnce() {
+    void expectPromptExit() {
         nocta->signal(SIGTERM);
         EXPECT_TRUE(isInTime([&] { return isZombie(nocta->id()); }));
         const auto status = nocta->wait();
@@ -92,89 +92,89 @@ protected:
 
     /// Launches the program, presses keys, waits for the popover (which opens because there is no
     /// tray), starts the program again, and quits.
-    void expectADay() {
+    void expectNormalUse() {
         startWithVariables();
         EXPECT_TRUE(isInTime([&] { return shows(0.75); })) << contentOf(output);
-        expectThatAKeyIsObeyed(0.6875);
+        expectKeyToSetBrightness(0.6875);
         EXPECT_TRUE(isInTime([&] { return showsPopover(); })) << contentOf(output);
-        expectThatAKeyIsObeyed(0.625);
+        expectKeyToSetBrightness(0.625);
         Process second({programFolder() + "/nocta"}, variables);
         EXPECT_TRUE(isInTime([&] { return isZombie(second.id()); }));
         EXPECT_EQ(second.wait(), 0) << "the first instance should answer a second start";
-        expectThatAKeyIsObeyed(0.5625);
-        expectToEndAtOnce();
+        expectKeyToSetBrightness(0.5625);
+        expectPromptExit();
     }
 };
-const auto everyMuteness = {MuteBus::After::accepting, MuteBus::After::authentication,
-                            MuteBus::After::hello};
+const auto everyStage = {MuteBus::After::accepting, MuteBus::After::authentication,
+                         MuteBus::After::hello};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaMuteBusTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaMuteBusTest, MuteBusesBlockNothing) {
+TEST_P(NoctaMuteBusTest, MuteBusesDoNotBlockTheProgram) {
     // On KDE, Qt's theme uses the session bus from the start.
     variables.insert({{"XDG_CURRENT_DESKTOP", "KDE"},
                       {"KDE_FULL_SESSION", "true"},
                       {"KDE_SESSION_VERSION", "5"}});
-    for (const auto after : everyMuteness) {
+    for (const auto after : everyStage) {
         SCOPED_TRACE(static_cast<int>(after));
         const MuteBus bus(after);
         variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
         variables["DBUS_SYSTEM_BUS_ADDRESS"] = bus.address();
         writeFile(settings, neutralSettings());
-        expectADay();
+        expectNormalUse();
     }
 }
 
-TEST_P(NoctaMuteBusTest, BusesThatFallSilentAfterTheirFirstClientBlockNothing) {
-    for (const auto after : everyMuteness) {
+TEST_P(NoctaMuteBusTest, BusesThatAnswerOnlyTheFirstClientDoNotBlockTheProgram) {
+    for (const auto after : everyStage) {
         SCOPED_TRACE(static_cast<int>(after));
         const MuteBus session(after, 1);
         const MuteBus system(after, 1);
         variables["DBUS_SESSION_BUS_ADDRESS"] = session.address();
         variables["DBUS_SYSTEM_BUS_ADDRESS"] = system.address();
         writeFile(settings, neutralSettings());
-        expectADay();
+        expectNormalUse();
     }
 }
 
-TEST_P(NoctaMuteBusTest, MissingAddressBlocksNothing) {
+TEST_P(NoctaMuteBusTest, MissingAddressDoesNotBlockTheProgram) {
     variables["DBUS_SESSION_BUS_ADDRESS"] = "";
     variables["DBUS_SYSTEM_BUS_ADDRESS"] = "";
-    expectADay();
+    expectNormalUse();
 }
 
-TEST_P(NoctaMuteBusTest, MuteAccessibilityBusBlocksNothing) {
+TEST_P(NoctaMuteBusTest, MuteAccessibilityBusDoesNotBlockTheProgram) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
-    for (const auto after : everyMuteness) {
+    for (const auto after : everyStage) {
         SCOPED_TRACE(static_cast<int>(after));
         const MuteBus readers(after);
         writeFile(settings, neutralSettings());
         MuteService service(bus, {"org.a11y.Bus"});
         service.answers["Get"] = QVariant::fromValue(QDBusVariant(true));
         service.answers["GetAddress"] = QString::fromStdString(readers.address());
-        expectADay();
+        expectNormalUse();
         EXPECT_GT(service.questions, 0);
         client.setRootText("AT_SPI_BUS", readers.address());
         writeFile(settings, neutralSettings());
         service.answers["Get"] = QVariant::fromValue(QDBusVariant(false));
-        expectADay();
+        expectNormalUse();
         client.setRootText("AT_SPI_BUS", "");
     }
 }
 
-TEST_P(NoctaMuteBusTest, MuteServicesBlockNothing) {
+TEST_P(NoctaMuteBusTest, MuteServicesDoNotBlockTheProgram) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
-    client.becomeSystemTray(); // Qt would ask the watcher even if the icon is in this tray
+    client.becomeSystemTray(); // Qt calls the watcher even if the icon is in this tray
     const MuteService services(bus,
                                {"org.kde.StatusNotifierWatcher", "org.a11y.Bus",
                                 "org.freedesktop.portal.Desktop", "org.freedesktop.Notifications"});
-    expectADay();
+    expectNormalUse();
     EXPECT_GT(services.questions, 0);
 }
 
-TEST_P(NoctaMuteBusTest, TrayWatcherThatAnswersOneCallBlocksNothing) {
+TEST_P(NoctaMuteBusTest, TrayWatcherThatAnswersOneCallDoesNotBlockTheProgram) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
     for (const auto* const method : {"Get", "Introspect"}) {
@@ -182,18 +182,18 @@ TEST_P(NoctaMuteBusTest, TrayWatcherThatAnswersOneCallBlocksNothing) {
         MuteService watcher(bus, {"org.kde.StatusNotifierWatcher"});
         watcher.answers[method] = QVariant::fromValue(QDBusVariant(true));
         writeFile(settings, neutralSettings());
-        expectADay();
+        expectNormalUse();
         EXPECT_GT(watcher.questions, 0);
     }
 }
 
-TEST_P(NoctaMuteBusTest, MuteInputMethodBlocksNothing) {
+TEST_P(NoctaMuteBusTest, MuteInputMethodDoesNotBlockTheProgram) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     variables["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
     variables["QT_IM_MODULE"] = "ibus";
     variables["IBUS_USE_PORTAL"] = "1";
     const MuteService service(bus, {"org.freedesktop.portal.IBus"});
-    expectADay();
+    expectNormalUse();
     EXPECT_GT(service.questions, 0);
 }
 
@@ -216,14 +216,14 @@ TEST_P(NoctaMuteBusTest, BusThatAnswersLateIsUsedOnceItAnswers) {
     EXPECT_TRUE(isInTime([&] { return blue() >= 0xE0; }));
     bus.signal(SIGCONT);
     EXPECT_TRUE(isInTime([&] { return blue() <= 0x30; }))
-        << "windows should turn dark, as the user prefers";
+        << "windows should turn dark, because the user prefers dark colors";
     // Since 6.8, Qt looks for the bus only on launch, so the icon does not appear until the next
     // launch.
     if (QLibraryInfo::version() < QVersionNumber(6, 8)) {
         EXPECT_TRUE(isInTime([&] { return watcher.hasItem; }))
             << "the icon should appear in the tray";
     }
-    expectToEndAtOnce();
+    expectPromptExit();
 }
 
 TEST_P(NoctaMuteBusTest, SignalEndsTheProgramWhileTheLoopIsBlocked) {
@@ -239,7 +239,7 @@ TEST_P(NoctaMuteBusTest, SignalEndsTheProgramWhileTheLoopIsBlocked) {
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
 }
 
-TEST_P(NoctaMuteBusTest, SignalEndsASecondStartThatIsNotAnswered) {
+TEST_P(NoctaMuteBusTest, SignalEndsASecondInstanceThatGetsNoAnswer) {
     startAndWaitFor(0.75);
     nocta->signal(SIGSTOP);
     Process second({programFolder() + "/nocta"}, variables, output);
@@ -250,7 +250,7 @@ TEST_P(NoctaMuteBusTest, SignalEndsASecondStartThatIsNotAnswered) {
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << contentOf(output);
 }
 
-TEST_P(NoctaMuteBusTest, TooFewOpenFilesAreRefusedInOneLine) {
+TEST_P(NoctaMuteBusTest, LowLimitOnOpenFilesIsReportedInOneLine) {
     const TemporaryFolder folder;
     for (int limit = 8; limit < 16; ++limit) {
         const auto text = std::to_string(limit);

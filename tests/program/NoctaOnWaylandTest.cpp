@@ -22,13 +22,13 @@ constexpr double warmest = 2700; // kelvin
 constexpr auto refused =
     "nocta: cannot set the gamma of HEADLESS-1: another program seems to control it\n";
 
-/// The real program in a private sway with two outputs. Its windows are on no screen.
+/// The real program in a private sway with two outputs. Its windows are not visible.
 class NoctaOnWaylandTest : public ::testing::Test {
 protected:
     Sway sway;
     TemporaryFolder home;
     std::string output = home.path() + "/output";
-    std::string xDisplay = std::to_string(1000 + getpid()); // too high to be that of a real server
+    std::string xDisplay = std::to_string(1000 + getpid()); // too high for a real server
     std::string xSocketPath = "/tmp/.X11-unix/X" + xDisplay;
     FileDescriptor xSocket{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
     std::unique_ptr<Process> nocta;
@@ -37,7 +37,7 @@ protected:
 
     void SetUp() override {
         if (!Sway::canLogGamma()) {
-            GTEST_SKIP() << "this version of wlroots hides the gamma tables";
+            GTEST_SKIP() << "gamma tables cannot be read with this version of wlroots";
         }
         sway.addOutput();
         listenAsXServer();
@@ -85,7 +85,7 @@ private:
             });
         });
     }
-    /// Makes DISPLAY name a server that notices whoever connects.
+    /// Listens on the socket of the X display, so that the test can detect a connection.
     void listenAsXServer() {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
@@ -97,7 +97,7 @@ private:
     }
 };
 
-TEST_F(NoctaOnWaylandTest, EveryOutputShowsTheTablesUntilTheEnd) {
+TEST_F(NoctaOnWaylandTest, EveryOutputShowsTheTablesUntilTheProgramQuits) {
     for (const auto& [brightness, setting] :
          {std::pair{1.0, "1"}, {0.5, "0.5"}, {0.3, "0.3"}, {0.0, "0"}}) {
         start("warmthLevel=1\nunifiedBrightness=" + std::string(setting) + "\n");
@@ -109,7 +109,7 @@ TEST_F(NoctaOnWaylandTest, EveryOutputShowsTheTablesUntilTheEnd) {
     EXPECT_FALSE(hasConnectedToX());
 }
 
-TEST_F(NoctaOnWaylandTest, XIsAskedOnGnome) {
+TEST_F(NoctaOnWaylandTest, ProgramConnectsToXOnGnome) {
     start("", "ubuntu:GNOME");
     EXPECT_TRUE(waitUntil([&] { return hasConnectedToX(); })) << contentOf(output);
 }
@@ -122,7 +122,7 @@ TEST_F(NoctaOnWaylandTest, ScreenIsRestoredWhenTheProgramIsKilled) {
     EXPECT_TRUE(bothAreRestored());
 }
 
-TEST_F(NoctaOnWaylandTest, ProgramEndsWithTheCompositor) {
+TEST_F(NoctaOnWaylandTest, ProgramExitsWhenTheCompositorIsKilled) {
     start("warmthLevel=1\nunifiedBrightness=0.25\n");
     EXPECT_TRUE(bothShow(0.25, warmest)) << contentOf(output);
     sway.kill();
@@ -133,20 +133,20 @@ TEST_F(NoctaOnWaylandTest, ProgramEndsWithTheCompositor) {
         << contentOf(output);
 }
 
-TEST_F(NoctaOnWaylandTest, OutputIsLeftToAnotherGammaProgramWithOneLine) {
+TEST_F(NoctaOnWaylandTest, OutputTakenByAnotherGammaProgramIsReportedOnce) {
     start("warmthLevel=1\nunifiedBrightness=0.25\n");
     EXPECT_TRUE(bothShow(0.25, warmest)) << contentOf(output);
-    const auto isTold = [&] { return contentOf(output).find(refused) != std::string::npos; };
-    // This version of the compositor takes the control from whoever has it.
-    for (int attempt = 0; attempt < 10 && !isTold(); ++attempt) {
+    const auto isReported = [&] { return contentOf(output).find(refused) != std::string::npos; };
+    // This version of the compositor gives gamma control to the newest client that requests it.
+    for (int attempt = 0; attempt < 10 && !isReported(); ++attempt) {
         WaylandSession other;
         const WlrGammaOutput gamma(other.connection, other.displays, other.runLoop);
         const auto before = sway.gammaOf("HEADLESS-1").size();
         EXPECT_TRUE(
-            waitUntil([&] { return isTold() || sway.gammaOf("HEADLESS-1").size() > before; }));
-        EXPECT_TRUE(other.connection.synchronize()) << "the other program should go on";
+            waitUntil([&] { return isReported() || sway.gammaOf("HEADLESS-1").size() > before; }));
+        EXPECT_TRUE(other.connection.synchronize()) << "the other program should stay connected";
     }
-    EXPECT_TRUE(isTold()) << contentOf(output);
+    EXPECT_TRUE(isReported()) << contentOf(output);
     const auto printed = contentOf(output);
     EXPECT_EQ(printed.find(refused), printed.rfind(refused)) << printed;
     nocta->signal(SIGTERM);

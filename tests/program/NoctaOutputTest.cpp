@@ -45,7 +45,8 @@ protected:
         writer = ends[1];
     }
 
-    /// Expects the program to run normally. It prints at least that there is no session bus.
+    /// Expects the program to run normally. It prints at least a line about the missing session
+    /// bus.
     void expectToRun() {
         const auto descriptor = std::to_string(writer);
         nocta = std::make_unique<Process>(std::vector<std::string>{"bash", "-c",

@@ -91,7 +91,7 @@ TEST_P(NoctaProcessTest, SecondStartDuringTheWaitForAPanelLeavesThePopoverOpen) 
     EXPECT_EQ(client.windowsOfSize(300, 280).size(), 1U);
 }
 
-TEST_P(NoctaProcessTest, StartWhileTheLastInstanceQuitsTakesOver) {
+TEST_P(NoctaProcessTest, InstanceStartedWhileTheLastOneQuitsTakesOver) {
     startAndWaitFor(0.75);
     client.press(brightnessDownSymbol); // creates the settings file
     ASSERT_TRUE(waitForSettings(neutralSettings("unifiedBrightness=0.6875\n")));
@@ -108,7 +108,7 @@ TEST_P(NoctaProcessTest, StartWhileTheLastInstanceQuitsTakesOver) {
     EXPECT_TRUE(isGivenBack());
 }
 
-TEST_P(NoctaProcessTest, OfTwoSimultaneousStartsOneRunsAndTheOtherExits) {
+TEST_P(NoctaProcessTest, OneOfTwoSimultaneousInstancesExits) {
     for (int round = 0; round < 5; ++round) {
         Process first({programFolder() + "/nocta"}, environment(), output);
         Process second({programFolder() + "/nocta"}, environment(), output);
@@ -139,11 +139,11 @@ bool canConnect(const std::string& display) {
     return isConnected;
 }
 
-TEST_P(NoctaProcessTest, OtherNamesOfTheDisplayDoNotStartASecondNocta) {
+TEST_P(NoctaProcessTest, OtherNamesOfTheDisplayDoNotStartASecondInstance) {
     startAndWaitFor(0.75);
     auto variables = environment();
     std::vector<std::string> names{server.display() + ".0"};
-    // Newer versions of libxcb read "unix:" as the start of a socket path.
+    // Newer versions of libxcb interpret "unix:" as the start of a socket path.
     if (const auto name = "unix" + server.display(); canConnect(name)) {
         names.insert(names.end(), {name, name + ".0"});
     }
@@ -190,7 +190,7 @@ TEST_P(NoctaProcessTest, StoredBrightnessIsShownOnLaunch) {
     startAndWaitFor(0.4);
 }
 
-TEST_P(NoctaProcessTest, WarmthAppliesToTheCalibrationToo) {
+TEST_P(NoctaProcessTest, WarmthIsAppliedToTheCalibration) {
     writeFile(settings, "[General]\nautoWarmthEnabled=false\nwarmthLevel=1\n");
     start();
     const auto warm = expected(0.75, 2700);
@@ -207,7 +207,7 @@ TEST_P(NoctaProcessTest, DamagedSettingsAreMovedAsideAndReadablePartsAreUsed) {
     EXPECT_EQ(contentOf(settings + ".damaged"), neutralSettings("no settings at all"));
 }
 
-TEST_P(NoctaProcessTest, MeaninglessSettingsDoNoHarm) {
+TEST_P(NoctaProcessTest, InvalidSettingsDoNotStopTheProgram) {
     for (const auto* const value : {"1e308", "-1e308", "nan", "moon", "99999999999999999999"}) {
         writeFile(settings,
                   neutralSettings("unifiedBrightness=" + std::string(value) +
@@ -254,7 +254,7 @@ TEST_P(NoctaProcessTest, FatalValueIsReportedWithItsFileAndTheScreenIsGivenBack)
     }
 }
 
-TEST_P(NoctaProcessTest, WithoutADisplayItPrintsAnErrorAndFails) {
+TEST_P(NoctaProcessTest, ProgramWithoutADisplayPrintsAnErrorAndFails) {
     auto variables = environment();
     for (const auto* const display : {":4095", "nonsense", ""}) {
         variables["DISPLAY"] = display;
@@ -269,7 +269,7 @@ TEST_P(NoctaProcessTest, WithoutADisplayItPrintsAnErrorAndFails) {
     }
 }
 
-TEST_P(NoctaProcessTest, EmulatedRandRIsRefusedInOneLine) {
+TEST_P(NoctaProcessTest, EmulatedRandRIsReportedInOneLine) {
     client.setOutputProperty("RANDR Emulation", {1});
     start();
     ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
@@ -285,7 +285,7 @@ class NoctaOnTwoOutputsTest : public NoctaProcess {};
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaOnTwoOutputsTest,
                          ::testing::Values(XServer::Kind::xorgDummy), serverName);
 
-TEST_P(NoctaOnTwoOutputsTest, UnpluggingAndPluggingDoesNoHarm) {
+TEST_P(NoctaOnTwoOutputsTest, KeysKeepWorkingAfterADisplayIsUnpluggedAndPluggedIn) {
     startAndWaitFor(0.75);
     ASSERT_EQ(client.activeCrtcs().size(), 2U);
     server.unplugSecondOutput();

@@ -26,7 +26,7 @@ protected:
 };
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaWakeTest, everyServer, serverName);
 
-TEST_P(NoctaWakeTest, RampsThatWereLostDuringSleepComeBack) {
+TEST_P(NoctaWakeTest, RampsLostDuringSleepAreRestored) {
     auto variables = environment();
     variables["DBUS_SYSTEM_BUS_ADDRESS"] = bus.address();
     nocta = std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);

@@ -17,7 +17,7 @@
 #include <memory>
 #include <string>
 
-// Tests the covers and the popover of the real program in a private sway, from pictures.
+// Tests the covers and the popover of the real program in a private sway, using screenshots.
 
 namespace nocta {
 namespace {
@@ -39,7 +39,7 @@ bool isFullScreen(const nlohmann::json& node, pid_t process) {
     });
 }
 
-/// A panel that shows icons, and can click on the last one.
+/// A simulated panel. `click` clicks on the icon that registered last.
 class Panel final : public QDBusVirtualObject {
 public:
     explicit Panel(const PrivateBus& bus)
@@ -62,7 +62,7 @@ public:
             icon_ = message.arguments().at(0).toString();
             return connection.send(message.createReply());
         }
-        // The only property; the library describes the object itself.
+        // There is only one property. Qt answers introspection calls itself.
         return message.member() == "Get" &&
                connection.send(message.createReply(QVariant::fromValue(QDBusVariant(true))));
     }
@@ -81,14 +81,14 @@ private:
 class NoctaWindowsOnWaylandTest : public ::testing::Test {
 protected:
     Sway sway;
-    /// Without a keyboard of its own, the seat would lose its keyboard after each key.
+    /// Keeps a keyboard on the seat. Otherwise the seat would lose its keyboard after each key.
     Process keyboard{{"wtype", "-s", "3600000"}};
     TemporaryFolder home;
     PrivateBus bus{"DBUS_SESSION_BUS_ADDRESS"};
     std::string output = home.path() + "/output";
     std::string typed = home.path() + "/typed";
-    std::unique_ptr<Process> window;      ///< on the first output, with the keyboard
-    std::unique_ptr<Process> otherWindow; ///< on the second one
+    std::unique_ptr<Process> window;      ///< on the first output, with keyboard focus
+    std::unique_ptr<Process> otherWindow; ///< on the second output
     std::unique_ptr<Process> nocta;
 
     void SetUp() override {
@@ -129,11 +129,11 @@ protected:
         EXPECT_EQ(nocta->wait(), 0) << contentOf(output);
     }
 
-    /// Whether the brightest channel of a pixel that no text of ours covers is at this level.
+    /// Whether the brightest channel of a pixel outside the program's text has this level.
     bool shows(const std::string& name, int level) const {
         return brightnessOf(sway.colorAt(name, 100, 600)) == level;
     }
-    /// Whether a white pixel is dimmed by the cover, which lets 30 % through.
+    /// Whether a white pixel is dimmed by the cover, which reduces it to 30 %.
     bool isCovered(const std::string& name) const {
         return std::abs(brightnessOf(sway.colorAt(name, 100, 600)) - 0.3 * 255) < 1;
     }
@@ -154,7 +154,7 @@ TEST_F(NoctaWindowsOnWaylandTest, BreakCoversEveryOutputAboveAFullScreenWindow) 
     EXPECT_TRUE(waitUntil([&] { return shows(first, 255) && shows(second, 255); }));
     stop();
     EXPECT_TRUE(isFullScreen());
-    EXPECT_EQ(contentOf(typed), "") << "the keys should have gone to the cover";
+    EXPECT_EQ(contentOf(typed), "") << "the cover should have received the keys";
     press("a");
     EXPECT_TRUE(waitUntil([&] { return !contentOf(typed).empty(); }));
     EXPECT_EQ(contentOf(output).find("opacity"), std::string::npos) << contentOf(output);
@@ -170,7 +170,7 @@ TEST_F(NoctaWindowsOnWaylandTest, PopoverOpensInTheCornerAndEscapeClosesIt) {
     panel.click();
     EXPECT_TRUE(serveUntil([&] { return sway.colorAt(first, right, top) != before; }))
         << contentOf(output);
-    EXPECT_TRUE(shows(first, 255)) << "the rest of the output should stay as it is";
+    EXPECT_TRUE(shows(first, 255)) << "the rest of the output should not change";
     press("Escape");
     EXPECT_TRUE(serveUntil([&] { return sway.colorAt(first, right, top) == before; }));
     stop();

@@ -17,7 +17,7 @@ protected:
     const Profile& everyday() { return instances().builtInProfiles()[0]; }
 };
 
-TEST_F(ProfileTest, BuiltInProfiles) {
+TEST_F(ProfileTest, BuiltInProfilesHaveTheExpectedValues) {
     const auto& [everydayProfile, nightOwl, focus] = instances().builtInProfiles();
     EXPECT_EQ(everydayProfile,
               (Profile{everydayProfile.id, "Everyday", 0.75, 0.5, false, true, 20, true}));
@@ -33,7 +33,7 @@ TEST_F(ProfileTest, EverydayMatchesTheDefaultSettings) {
     EXPECT_EQ(everyday().breakInterval, settings().breakIntervalMinutes.get());
 }
 
-TEST_F(ProfileTest, IdsAreMadeOnceInEachRun) {
+TEST_F(ProfileTest, IdsAreCreatedOncePerRun) {
     const auto id = everyday().id;
     EXPECT_EQ(Profile::builtInProfiles()[0].id, id) << "the id should not change during a run";
     settings().applyProfile(everyday());

@@ -14,9 +14,9 @@ struct wl_event_source;
 
 namespace nocta {
 
-/// Runs the event loop of a Wayland compositor in a thread of the test. The compositor's socket is
-/// named in WAYLAND_DISPLAY and XDG_RUNTIME_DIR while this object lives. Everything that the
-/// compositor has may be used in calls only.
+/// Runs the event loop of a Wayland compositor in a thread of the test. While this object exists,
+/// WAYLAND_DISPLAY and XDG_RUNTIME_DIR contain the address of the compositor. The compositor's
+/// objects may be used only inside `call`.
 class CompositorThread {
 public:
     CompositorThread();
@@ -29,7 +29,7 @@ public:
     /// Runs the action in the thread of the compositor, and returns when it is done.
     void call(const std::function<void()>& action);
 
-    /// Stops the compositor from answering anyone, until `resume`.
+    /// Suspends the compositor until `resume` is called.
     void pause();
     void resume();
 
@@ -38,7 +38,7 @@ private:
 
     TemporaryFolder folder_;
     wl_display* display_;
-    int wakeUp_; ///< readable when there are calls
+    int wakeUp_; ///< readable while a call is pending
     wl_event_source* wakeUpSource_ = nullptr;
     std::mutex mutex_;
     std::vector<std::function<void()>> calls_; ///< guarded by `mutex_`

@@ -27,7 +27,7 @@ public:
         if (!serveUntil([] {
                 return sessionBus().interface()->isServiceRegistered(serviceName).value();
             })) {
-            throw std::runtime_error("no notification daemon: " + contentOf(log()));
+            throw std::runtime_error("the notification daemon did not start: " + contentOf(log()));
         }
     }
 

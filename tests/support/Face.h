@@ -15,7 +15,7 @@
 
 namespace nocta {
 
-/// Shows one of the real views at a time on the virtual desktop, and acts like a user.
+/// Shows one real view at a time on the virtual desktop, and simulates a user.
 class Face : public TestDesktop {
 protected:
     WidgetViews realViews{instances()};
@@ -41,7 +41,7 @@ protected:
             return candidate->objectName() == name || accessibleName(*candidate) == name;
         });
         if (found == all.end()) {
-            throw std::runtime_error("no " + name.toStdString());
+            throw std::runtime_error("cannot find the control " + name.toStdString());
         }
         return **found;
     }

@@ -7,9 +7,9 @@
 
 namespace nocta {
 
-/// Simulates a full disk: during its lifetime, no file of this process can grow. Standard error
-/// goes to a pipe in that time, because the file to which GoogleTest redirects standard error could
-/// not grow either.
+/// Simulates a full disk: while this object exists, no file of this process can grow. Standard
+/// error goes to a pipe during that time, because the file to which GoogleTest redirects standard
+/// error could not grow either.
 class FullDisk {
 public:
     FullDisk() : handler_(std::signal(SIGXFSZ, SIG_IGN)), output_(dup(STDERR_FILENO)) {

@@ -1,7 +1,8 @@
-// Preloaded into sway without a screen, whose outputs have no gamma: gives each output ramps of 256
-// entries and logs what the compositor does with them. A line in GAMMA_LOG is an output's number,
-// in the order in which the outputs were first asked for their size, and its ramps: first all red
-// levels, then green, then blue. It is only the number when the output's own ramps are restored.
+// Preloaded into a headless sway, whose outputs do not support gamma. Gives each output ramps of
+// 256 entries and logs the ramps that the compositor sets. Each line of the file GAMMA_LOG contains
+// the number of an output and its ramps: all red levels, then green, then blue. Outputs are
+// numbered in the order in which their ramp sizes were first requested. If the original ramps are
+// restored, the line contains only the number.
 
 #include <algorithm>
 #include <cstddef>

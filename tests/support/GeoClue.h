@@ -23,7 +23,7 @@
 
 namespace nocta {
 
-/// A location service for the test. It records every call; the test sets which calls it answers.
+/// A mock location service. It records every call; the test chooses which calls it answers.
 class MockGeoClue final : public QDBusVirtualObject {
 public:
     enum class Start { agrees, refuses, waits };
@@ -134,7 +134,7 @@ public:
     /// Whether this machine allows a process to mount its own configuration file in a namespace.
     bool canStart() const { return runToEnd(inNamespace("true")) == 0; }
 
-    /// Restarts the daemon if it runs, without its cached locations.
+    /// Starts the daemon without cached locations. If it is already running, it is restarted.
     void start() {
         process_.reset();
         isAsked_ = false;
@@ -183,8 +183,9 @@ private:
     std::optional<Process> process_;
 };
 
-/// The user's agent. It tells GeoClue the most precise location that the user allows, or that the
-/// user allows none. GeoClue asks it about individual programs only if they are sandboxed.
+/// The user's location agent. It reports to GeoClue the highest location accuracy that the user
+/// allows, if any. GeoClue requests authorization for individual programs only if they are
+/// sandboxed.
 class LocationAgent final : public QDBusVirtualObject {
 public:
     explicit LocationAgent(bool allows)
@@ -202,7 +203,7 @@ public:
                                                    "/org/freedesktop/GeoClue2/Manager",
                                                    "org.freedesktop.GeoClue2.Manager", "AddAgent");
         call << "nocta-test";
-        const auto pending = bus_.asyncCall(call); // the daemon calls us back before it answers
+        const auto pending = bus_.asyncCall(call); // the daemon calls the agent before it answers
         return serveUntil([&] { return pending.isFinished(); }) && !pending.isError();
     }
 

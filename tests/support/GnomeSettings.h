@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// The settings of a user in a GNOME session, separate from those of whoever runs the tests.
+/// The settings of a GNOME session, separate from those of the user who runs the tests.
 class GnomeSettings {
 public:
     static constexpr auto magnifier = "org.gnome.desktop.a11y.magnifier";

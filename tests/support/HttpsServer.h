@@ -32,7 +32,7 @@ private:
     TemporaryFolder folder_;
 };
 
-/// An HTTPS server on loopback that sends the answers that the test sets.
+/// An HTTPS server on loopback that sends the responses set by the test.
 class HttpsServer {
 public:
     HttpsServer() {

@@ -6,7 +6,8 @@
 namespace nocta {
 
 /// A second implementation of the sun calculation. It uses long double and normalizes angles with
-/// remainders. The times are in minutes after midnight; polar days and nights have none.
+/// remainders. The times are in minutes after midnight. On polar days and nights there are no
+/// times.
 struct IndependentSun {
     long double sunrise = 0;
     long double sunset = 0;

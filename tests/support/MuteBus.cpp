@@ -55,18 +55,18 @@ MuteBus::~MuteBus() {
 }
 
 void MuteBus::serve() {
-    std::map<int, std::string> heard; // by client
+    std::map<int, std::string> received; // by client
     std::set<int> answered;
     for (bool isOver = false; !isOver;) {
         std::vector<pollfd> readable = {{end_[0], POLLIN, 0}, {listener_, POLLIN, 0}};
-        for (const auto& [client, text] : heard) {
+        for (const auto& [client, text] : received) {
             readable.push_back({client, POLLIN, 0});
         }
         poll(readable.data(), readable.size(), -1);
         isOver = readable[0].revents != 0;
         if (readable[1].revents != 0) {
             const auto client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-            heard[client];
+            received[client];
             if (answeredClients_ > 0) {
                 --answeredClients_;
                 answered.insert(client);
@@ -83,11 +83,11 @@ void MuteBus::serve() {
             }
             if (length <= 0) {
                 close(client);
-                heard.erase(client);
+                received.erase(client);
                 answered.erase(client);
                 continue;
             }
-            auto& text = heard[client];
+            auto& text = received[client];
             text.append(block.data(), static_cast<std::size_t>(length));
             const auto isAnswered = answered.contains(client);
             if (after_ == After::accepting && !isAnswered) {
@@ -109,7 +109,7 @@ void MuteBus::serve() {
             }
         }
     }
-    for (const auto& [client, text] : heard) {
+    for (const auto& [client, text] : received) {
         close(client);
     }
 }

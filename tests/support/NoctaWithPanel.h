@@ -67,7 +67,7 @@ protected:
     /// Waits for the program's icon in the panel and returns it.
     Window waitForIcon() {
         std::vector<Window> icons;
-        EXPECT_TRUE(waitUntil([&] { // the icon stays in place: a panel moves it while starting
+        EXPECT_TRUE(waitUntil([&] { // until the icon stops moving: a panel moves it while starting
             const auto before = icons;
             icons = client.windows([&](const Window& window) {
                 return window.width < 64 && window.height < 64 &&

@@ -44,7 +44,7 @@ PrivateBus::PrivateBus(const std::string& variable) {
         std::vector<std::string>{"dbus-daemon", "--config-file=" + configuration, "--nofork"},
         Process::Environment{}, path + ".log");
     if (!waitUntil([&] { return accepts(path); })) {
-        throw std::runtime_error("no message bus: " + contentOf(path + ".log"));
+        throw std::runtime_error("the message bus did not start: " + contentOf(path + ".log"));
     }
 }
 

@@ -41,8 +41,8 @@ public:
                << "reduced-motion" << QVariant::fromValue(QDBusVariant(0U));
         bus_.send(signal);
     }
-    /// Returns once the program has processed the answer. The test can tell because the program
-    /// asks again after a second change.
+    /// Returns once the program has processed the answer. The program reads the settings again
+    /// after a second change only if it has processed the first answer.
     void sayThatASettingHasChangedAndIsHeard() {
         for (int i = 0; i < 2; ++i) {
             const auto before = questions;

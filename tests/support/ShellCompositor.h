@@ -14,19 +14,19 @@
 
 namespace nocta {
 
-/// A surface in a layer, as its client has described it.
+/// The state of a layer surface, as set by its client.
 struct TestLayer {
     std::string output; ///< empty if the client lets the compositor choose
     std::uint32_t layer = 0;
     std::uint32_t anchors = 0;
     std::int32_t exclusiveZone = 0;
-    std::int32_t margin = 0; ///< from the top
+    std::int32_t margin = 0; ///< at the top
     std::uint32_t keyboard = 0;
     std::uint32_t wantedWidth = 0;
     std::uint32_t wantedHeight = 0;
     bool acceptsInput = true;
 
-    // The newest picture, in points; its alpha is from 0 to 255, in the middle.
+    // The latest buffer: its size in points, and the alpha of its center pixel (0–255).
     int width = 0;
     int height = 0;
     int alpha = 0;
@@ -34,9 +34,9 @@ struct TestLayer {
 
 struct TestSurface;
 
-/// A Wayland compositor for tests that shows windows in layers. It gives the keyboard to the newest
-/// surface that wants it for itself. Surfaces are counted from 0 among those in `mapped()`. Each
-/// function returns when the compositor has done what it says.
+/// A Wayland compositor for tests that supports layer surfaces. It gives keyboard focus to the
+/// newest surface that requests it exclusively. The index of a surface is its position in
+/// `mapped()`. Each function returns after the compositor has run it.
 class ShellCompositor {
 public:
     /// Does not offer the interfaces in `withheld`.
@@ -50,33 +50,33 @@ public:
     /// Closes the surfaces on the output and removes it.
     void removeOutput(const std::string& name = "DP-2");
 
-    /// The surfaces with a picture, in the order in which they got their role.
+    /// The surfaces with a buffer, in the order in which they got their role.
     std::vector<TestLayer> mapped() const;
 
-    /// Whether each surface in a layer has a picture for its newest configuration.
+    /// Whether each layer surface has a buffer for its latest configuration.
     bool isSettled() const;
 
-    /// The surface that has the keyboard.
+    /// The surface with keyboard focus.
     std::optional<std::size_t> keyboardFocus() const;
 
-    /// What a client has done that the protocol forbids.
+    /// Protocol violations by clients.
     std::vector<std::string> violations() const;
 
-    /// How many surfaces there are, of any kind.
+    /// The number of surfaces of any kind.
     std::size_t surfaceCount() const;
 
-    /// Tells new surfaces this size at first, not the one that they should have.
+    /// Sends new surfaces this initial size instead of the correct one.
     void configureNew(std::uint32_t width, std::uint32_t height);
-    /// Closes new surfaces at once, from now on.
+    /// From now on, closes each new surface immediately.
     void closeNew();
     void configure(std::size_t surface, std::uint32_t width, std::uint32_t height);
     void close(std::size_t surface);
 
     void press(std::uint32_t key);
-    /// Gives the keyboard to a window of another program.
+    /// Moves keyboard focus to a window of another program.
     void takeKeyboard();
     void movePointer(std::size_t surface, int x, int y);
-    /// The pointer is at this place of the surface that appears next.
+    /// Moves the pointer to this position in the next surface when that surface appears.
     void putPointerIntoNext(int x, int y);
     void click();
 
@@ -91,7 +91,7 @@ private:
     void updateKeyboardFocus();
 
     TestSeat seat_;
-    std::list<TestSurface> surfaces_; ///< those with a role in the order in which they got it
+    std::list<TestSurface> surfaces_; ///< surfaces with a role are in the order of their roles
     std::vector<std::string> violations_;
     std::optional<std::pair<std::uint32_t, std::uint32_t>> newSize_;
     std::optional<std::pair<int, int>> newPointer_;

@@ -61,7 +61,8 @@ void ShellCompositor::Interfaces::endSurface(wl_resource* resource) {
 
 void ShellCompositor::Interfaces::destroySurface(wl_client* /*client*/, wl_resource* resource) {
     if (auto& surface = surfaceOf(resource); surface.role != nullptr) {
-        surface.compositor->violations_.emplace_back("a surface was destroyed before its role");
+        surface.compositor->violations_.emplace_back(
+            "a surface was destroyed before its role object");
     }
     wl_resource_destroy(resource);
 }
@@ -197,15 +198,16 @@ void ShellCompositor::Interfaces::bindLayerShell(wl_client* client, void* self,
     make(client, zwlr_layer_shell_v1_interface, static_cast<int>(version), id, requests, self);
 }
 
-/// Requests from a client are violations, because every window of the tests belongs in a layer.
+/// Any request is a violation, because every window in the tests should be a layer surface.
 void ShellCompositor::Interfaces::bindXdgShell(wl_client* client, void* self, std::uint32_t version,
                                                std::uint32_t id) {
     static constexpr auto dispatch = [](const void* compositor, void* /*resource*/,
                                         std::uint32_t opcode, const wl_message* request,
                                         wl_argument* /*arguments*/) {
-        if (opcode != 0) { // the end of the interface
+        if (opcode != 0) { // `destroy` is allowed
             static_cast<ShellCompositor*>(const_cast<void*>(compositor))
-                ->violations_.push_back(std::string("xdg-shell was asked to ") + request->name);
+                ->violations_.push_back(std::string("unexpected request to xdg-shell: ") +
+                                        request->name);
         }
         return 0;
     };

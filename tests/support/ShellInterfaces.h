@@ -6,9 +6,9 @@
 
 namespace nocta {
 
-/// What clients can request of a `ShellCompositor`. The data of the global objects is the
-/// compositor, that of a region is whether it is empty, and that of everything else is the surface,
-/// or null once that is gone.
+/// The requests that clients can make to a `ShellCompositor`. The user data of a global object is
+/// the compositor, and that of a region is whether the region is empty. The user data of any other
+/// object is its surface, or null after the surface is destroyed.
 struct ShellCompositor::Interfaces {
     static void makeRegion(wl_client* client, wl_resource* compositor, std::uint32_t id);
     static void endSurface(wl_resource* resource);

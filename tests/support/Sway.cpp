@@ -20,7 +20,7 @@ constexpr uid_t nobody = 65534;
 
 Sway::Sway() {
     const auto& folder = folder_.path();
-    // Sway refuses to run as root, and its user may not see the folder of this program.
+    // Sway refuses to run as root, and another user may not have access to this program's folder.
     const auto user = geteuid() == 0 ? nobody : geteuid();
     std::filesystem::copy(programFolder() + "/libnocta_gamma_log.so", folder);
     writeFile(folder + "/config", "xwayland disable\noutput * resolution 1280x720\n");
@@ -55,7 +55,7 @@ Sway::Sway() {
                std::filesystem::exists(folder + "/" + display());
     });
     if (!isReady) {
-        throw std::runtime_error("no sway: " + contentOf(folder + "/output"));
+        throw std::runtime_error("sway did not start: " + contentOf(folder + "/output"));
     }
 }
 
@@ -79,7 +79,8 @@ void Sway::kill() {
 std::vector<std::vector<std::uint16_t>> Sway::gammaOf(const std::string& output) const {
     std::istringstream log(contentOf(folder_.path() + "/gamma"));
     std::vector<std::vector<std::uint16_t>> events;
-    for (std::string line; std::getline(log, line) && !log.eof();) { // the last may be incomplete
+    for (std::string line;
+         std::getline(log, line) && !log.eof();) { // the last line may be incomplete
         std::istringstream words(line);
         int number = 0;
         words >> number;
@@ -95,7 +96,7 @@ std::array<int, 3> Sway::colorAt(const std::string& output, int x, int y) const 
     const TemporaryFolder folder;
     const auto file = folder.path() + "/picture.ppm";
     if (runToEnd({"grim", "-t", "ppm", "-o", output, file}) != 0) {
-        throw std::runtime_error("no picture of " + output);
+        throw std::runtime_error("cannot take a screenshot of " + output);
     }
     std::ifstream picture(file, std::ios::binary);
     std::string format;
@@ -107,7 +108,7 @@ std::array<int, 3> Sway::colorAt(const std::string& output, int x, int y) const 
     std::array<char, 3> pixel{};
     picture.read(pixel.data(), pixel.size());
     if (!picture) {
-        throw std::runtime_error("the picture of " + output + " has no such pixel");
+        throw std::runtime_error("the screenshot of " + output + " is too small");
     }
     std::array<int, 3> color{};
     std::ranges::transform(pixel, color.begin(),

@@ -10,44 +10,44 @@
 
 namespace nocta {
 
-/// A private sway without a screen, named in WAYLAND_DISPLAY and XDG_RUNTIME_DIR while it lives. It
-/// has one output, HEADLESS-1. It can start no Xwayland.
+/// A private headless sway. WAYLAND_DISPLAY and XDG_RUNTIME_DIR contain its address. It starts with
+/// one output, HEADLESS-1, and without Xwayland.
 class Sway {
 public:
     Sway();
 
-    /// Whether the library that sway uses can be made to log gamma tables: it has been changed
-    /// since 0.16 in a way that hides them.
+    /// Whether gamma tables can be logged. This is not possible with versions of wlroots after
+    /// 0.16.
     static bool canLogGamma();
 
-    /// Adds another output to the right of those that are there. None can be removed.
+    /// Adds another output to the right of the existing ones. Outputs cannot be removed.
     void addOutput() const;
 
-    /// The red, green and blue of a pixel of an output, without gamma.
+    /// The red, green and blue levels of a pixel of an output, without gamma.
     std::array<int, 3> colorAt(const std::string& output, int x, int y) const;
 
-    /// What sway answers to a question, such as "get_tree", in JSON.
+    /// Returns sway's reply to a query, such as "get_tree", as JSON.
     std::string answer(const std::string& question) const;
 
-    /// Ends the compositor.
+    /// Kills the compositor.
     void kill();
 
-    /// What happened to the ramps of an output: each entry is all levels of red, then of green,
-    /// then of blue, or empty if the output's own ramps were restored. A client has to have asked
-    /// for the outputs in the order of their names.
+    /// The history of an output's ramps. Each entry contains all red levels, then green, then blue;
+    /// it is empty if the original ramps were restored. A client must have requested the outputs'
+    /// ramp sizes in the order of their names.
     std::vector<std::vector<std::uint16_t>> gammaOf(const std::string& output) const;
 
     /// The folder of the socket, which is private to this user.
     const std::string& runtimeFolder() const { return folder_.path(); }
     std::string display() const { return "wayland-1"; }
 
-    /// Runs a command of sway, given word by word.
+    /// Runs a sway command, given as separate words.
     void message(const std::vector<std::string>& words) const;
 
 private:
     TemporaryFolder folder_;
     std::unique_ptr<Process> process_;
-    std::string commands_; ///< the socket
+    std::string commands_; ///< the path of the command socket
 };
 
 } // namespace nocta

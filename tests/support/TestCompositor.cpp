@@ -17,7 +17,7 @@ namespace nocta {
 
 namespace {
 
-constexpr int firstVersionWithoutDone = 3; // of the logical outputs
+constexpr int firstVersionWithoutDone = 3; // of xdg-output
 
 void destroy(wl_client* /*client*/, wl_resource* resource) {
     wl_resource_destroy(resource);
@@ -25,8 +25,8 @@ void destroy(wl_client* /*client*/, wl_resource* resource) {
 
 } // namespace
 
-/// What clients can request. The data of every resource is an output, or the compositor in the case
-/// of the managers.
+/// The requests that clients can make. The user data of a manager is the compositor; that of any
+/// other resource is an output.
 struct TestCompositor::Interfaces {
     static TestOutput& outputOf(wl_resource* resource) {
         return *static_cast<TestOutput*>(wl_resource_get_user_data(resource));
@@ -241,12 +241,12 @@ int TestCompositor::gammaRequests(const std::string& name) const {
     return requests;
 }
 
-/// The newest output of this name.
+/// The newest output with this name.
 TestOutput& TestCompositor::find(const std::string& name) const {
     const auto output = std::find_if(outputs_.rbegin(), outputs_.rend(),
                                      [&](const TestOutput& known) { return known.name == name; });
     if (output == outputs_.rend()) {
-        throw std::runtime_error("no output " + name);
+        throw std::runtime_error("there is no output " + name);
     }
     return const_cast<TestOutput&>(*output);
 }
@@ -289,7 +289,7 @@ void TestCompositor::setGamma(TestOutput& output, int file) {
     if (read(file, levels.data(), length) != static_cast<ssize_t>(length) ||
         fcntl(file, F_GET_SEALS) != allSeals) {
         wl_resource_post_error(output.control, ZWLR_GAMMA_CONTROL_V1_ERROR_INVALID_GAMMA,
-                               "the file is too short or may change");
+                               "the file is too short or not sealed");
         return;
     }
     output.gamma.push_back(std::move(levels));

@@ -14,15 +14,15 @@ namespace nocta {
 
 struct TestOutput;
 
-/// A small Wayland compositor for tests, named in WAYLAND_DISPLAY while it lives. It offers outputs
-/// and their gamma control and power, records what a client does with them, and misbehaves when a
-/// test asks for it. Each function returns when the compositor has done what it says.
+/// A small Wayland compositor for tests. WAYLAND_DISPLAY contains its name while it exists. It
+/// supports outputs with gamma control and power management, records the clients' requests, and can
+/// simulate failures. Each function returns after the compositor has run it.
 class TestCompositor {
 public:
-    /// How an output responds when a client asks for its gamma control.
+    /// An output's response to a request for gamma control.
     enum class Response { size, refusal, none };
 
-    /// Has one output, DP-1.
+    /// Starts with one output, DP-1.
     TestCompositor();
     TestCompositor(const TestCompositor&) = delete;
     TestCompositor& operator=(const TestCompositor&) = delete;
@@ -39,9 +39,9 @@ public:
 
     /// Applies to every later request for a gamma control of this output.
     void respond(const std::string& name, Response response, std::uint32_t size = 256);
-    /// Tells the size to a client that is still waiting for a response.
+    /// Sends the size to a client that is still waiting for a response.
     void respondLate(const std::string& name);
-    /// Ends the gamma control that a client has.
+    /// Revokes a client's gamma control.
     void revokeGamma(const std::string& name);
     void withdrawGammaManager();
     void offerGammaManager();
@@ -54,13 +54,13 @@ public:
     void pause() { thread_.pause(); }
     void resume() { thread_.resume(); }
 
-    /// For other parts of the compositor. Outputs are the user data of their resources.
+    /// For other parts of the compositor. The user data of an output resource is a `TestOutput`.
     CompositorThread& thread() { return thread_; }
 
-    /// What happened to the ramps of an output: each entry is all levels of red, then of green,
-    /// then of blue, or empty if the output's own ramps were restored.
+    /// The history of an output's ramps. Each entry contains all red levels, then green, then blue;
+    /// it is empty if the original ramps were restored.
     std::vector<std::vector<std::uint16_t>> gammaOf(const std::string& name) const;
-    /// How often a client asked for the gamma control.
+    /// The number of requests for gamma control of the output.
     int gammaRequests(const std::string& name) const;
 
 private:
@@ -72,7 +72,7 @@ private:
     void requestGamma(TestOutput& output, wl_resource* control);
     void setGamma(TestOutput& output, int file);
 
-    std::list<TestOutput> outputs_; ///< the removed ones too, because clients may still use them
+    std::list<TestOutput> outputs_; ///< including removed ones, which clients may still use
     wl_global* gammaManager_ = nullptr;
     int requests_ = 0;
     int removalRequest_ = 0;

@@ -53,7 +53,7 @@ protected:
     void launch() { desktop.application.launch(delegate()); }
     void quit() { desktop.application.terminate(); }
 
-    /// Simulates a restart of the process; the defaults store and the displays stay.
+    /// Simulates a restart of the process; the defaults store and the displays are kept.
     void restart() {
         quit();
         dropProgram();

@@ -11,7 +11,7 @@
 
 namespace nocta {
 
-/// An output of a `TestCompositor`, which uses it in its own thread.
+/// An output of a `TestCompositor`. Only the compositor's thread uses it.
 struct TestOutput {
     static constexpr int width = 1280;
     static constexpr int height = 720;
@@ -24,7 +24,7 @@ struct TestOutput {
     bool isOn = true;
     TestCompositor::Response response = TestCompositor::Response::size;
     std::uint32_t size = 256;
-    wl_resource* control = nullptr; ///< of the client that controls the gamma, or waits for it
+    wl_resource* control = nullptr; ///< of the client that has or requests gamma control
     std::vector<std::vector<std::uint16_t>> gamma{};
     int gammaRequests = 0;
     std::vector<wl_resource*> powers{};

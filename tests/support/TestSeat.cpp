@@ -12,7 +12,7 @@ namespace nocta {
 
 namespace {
 
-constexpr int version = 4; // the newest without requests and events that no test needs
+constexpr int version = 4; // later versions add requests and events that no test needs
 constexpr std::uint32_t leftButton = 272;
 
 constexpr std::string_view keymap = R"(xkb_keymap {
@@ -24,7 +24,7 @@ xkb_symbols { key <ESC> { [ Escape ] }; key <SPCE> { [ space ] }; };
 )";
 
 void sendKeymap(wl_resource* keyboard) {
-    const auto length = keymap.size() + 1; // with the null at the end
+    const auto length = keymap.size() + 1; // including the terminating null
     const int file = memfd_create("keymap", MFD_CLOEXEC);
     if (write(file, keymap.data(), length) != static_cast<ssize_t>(length)) {
         throw std::runtime_error("cannot write the keymap");
@@ -42,7 +42,7 @@ void destroy(wl_client* /*client*/, wl_resource* resource) {
     wl_resource_destroy(resource);
 }
 
-/// Calls `send` with each device of the client that has the surface.
+/// Calls `send` with each device of the client that owns the surface.
 template <class Send>
 void toDevicesOf(wl_resource* surface, const std::vector<wl_resource*>& devices, Send send) {
     for (auto* const device : devices) {

@@ -9,7 +9,7 @@ struct wl_resource;
 
 namespace nocta {
 
-/// The keyboard and the pointer of a compositor for tests, which uses them in its own thread. The
+/// The keyboard and the pointer of a test compositor. Only the compositor's thread uses them. The
 /// keyboard has two keys.
 class TestSeat {
 public:
@@ -18,18 +18,18 @@ public:
 
     void offerOn(wl_display* display);
 
-    /// Gives a surface the keyboard; null takes it from all surfaces.
+    /// Gives a surface keyboard focus; null removes the focus from all surfaces.
     void setKeyboardFocus(wl_resource* surface);
     wl_resource* keyboardFocus() const { return keyboardFocus_; }
 
-    /// Moves the pointer to a place in a surface; null moves it out of all surfaces.
+    /// Moves the pointer to a position in a surface; null moves it out of all surfaces.
     void movePointer(wl_resource* surface, int x, int y);
 
     /// Presses and releases a key or the left button. The surface with the focus gets the events.
     void press(std::uint32_t key);
     void click();
 
-    /// Call this before a surface is destroyed.
+    /// Must be called before a surface is destroyed.
     void forget(wl_resource* surface);
 
 private:

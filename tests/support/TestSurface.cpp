@@ -33,7 +33,7 @@ int alphaInTheMiddle(wl_shm_buffer* buffer) {
 
 void TestSurface::takeRole(wl_resource* layer) {
     if (role != nullptr || hasPicture || attached.value_or(0) != 0) {
-        violate("a surface got its role twice or after its picture");
+        violate("a surface got a second role, or a role after a buffer");
     }
     role = layer;
     current = {};
@@ -47,7 +47,7 @@ void TestSurface::configure(std::uint32_t width, std::uint32_t height) {
 
 void TestSurface::acknowledge(std::uint32_t serial) {
     if (serial == 0 || serial > configured) {
-        violate("a configuration was acknowledged that was never sent");
+        violate("a client acknowledged a configuration that was never sent");
     }
     acknowledged = serial;
 }
@@ -77,7 +77,7 @@ void TestSurface::commit() {
 void TestSurface::configureFirst() {
     const auto lengthOf = [this](std::uint32_t wanted, std::uint32_t edges, std::uint32_t output) {
         if (wanted == 0 && (current.anchors & edges) != edges) {
-            violate("a surface has no size and is not stretched");
+            violate("a surface has no size and is not anchored to opposite edges");
         }
         return wanted == 0 ? output : wanted;
     };
@@ -100,7 +100,7 @@ void TestSurface::showAttached() {
         return;
     }
     if (role != nullptr && acknowledged == 0) {
-        violate("a layer got a picture before its size was acknowledged");
+        violate("a layer surface got a buffer before its size was acknowledged");
     }
     const auto isScaled = destination.first != 0;
     current.width = isScaled ? destination.first : wl_shm_buffer_get_width(buffer);

@@ -11,19 +11,19 @@
 
 namespace nocta {
 
-/// A surface of a `ShellCompositor`, which uses it in its own thread.
+/// A surface of a `ShellCompositor`. Only the compositor's thread uses it.
 struct TestSurface {
     ShellCompositor* compositor;
     wl_resource* resource = nullptr;
-    wl_resource* role = nullptr; ///< as a layer
+    wl_resource* role = nullptr; ///< the layer surface
     TestLayer pending{};
     TestLayer current{};
     std::optional<std::uint32_t> attached{}; ///< the pending buffer; 0 for none
     std::pair<int, int> destination{};       ///< of the viewport
     std::vector<wl_resource*> frames{};
-    std::uint32_t configured = 0; ///< the newest serial
+    std::uint32_t configured = 0; ///< the latest serial
     std::uint32_t acknowledged = 0;
-    std::uint32_t shown = 0; ///< the serial that was acknowledged before the newest picture
+    std::uint32_t shown = 0; ///< the serial acknowledged before the latest buffer
     bool hasPicture = false;
     bool isClosed = false;
 

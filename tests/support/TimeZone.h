@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// Moves the process to another time zone, and back when it is destroyed.
+/// Changes the time zone of the process, and restores it when destroyed.
 class TimeZone {
 public:
     /// `zone` is in POSIX format, which needs no database: "CET-1CEST,M3.5.0,M10.5.0/3".

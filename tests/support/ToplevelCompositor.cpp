@@ -77,7 +77,7 @@ void ToplevelCompositor::removeOutput(const std::string& name) {
 }
 
 void ToplevelCompositor::open() {
-    // The windows are only looked at; what a client may request of them is never called.
+    // The client only observes the windows, so it makes no requests other than `destroy`.
     static constexpr struct zwlr_foreign_toplevel_handle_v1_interface requests {
         .destroy = destroy
     };
@@ -124,12 +124,12 @@ void ToplevelCompositor::finish() {
     wl_resource_destroy(manager_);
 }
 
-/// The newest output of this name.
+/// The newest output with this name.
 ToplevelCompositor::Output& ToplevelCompositor::find(const std::string& name) {
     const auto output = std::find_if(outputs_.rbegin(), outputs_.rend(),
                                      [&](const Output& known) { return known.name == name; });
     if (output == outputs_.rend()) {
-        throw std::runtime_error("no output " + name);
+        throw std::runtime_error("there is no output " + name);
     }
     return *output;
 }

@@ -16,13 +16,13 @@ struct wl_resource;
 namespace nocta {
 
 /// A small Wayland compositor for tests. It has outputs, and reports windows to one client with the
-/// protocol wlr-foreign-toplevel-management: exactly the events that a test chooses, in any order.
-/// The events of one `send` reach the client together.
+/// wlr-foreign-toplevel-management protocol. A test chooses the exact events and their order. The
+/// events of one `send` reach the client together.
 class ToplevelCompositor {
 public:
     enum class State : std::uint32_t { maximized, minimized, activated, fullScreen };
 
-    /// Without `reportsWindows` the protocol is not offered.
+    /// If `reportsWindows` is false, the protocol is not offered.
     explicit ToplevelCompositor(bool reportsWindows = true);
     ToplevelCompositor(const ToplevelCompositor&) = delete;
     ToplevelCompositor& operator=(const ToplevelCompositor&) = delete;
@@ -30,7 +30,8 @@ public:
 
     void send(const std::function<void()>& events) { thread_.call(events); }
 
-    // The following functions are for use in `send`. Windows are numbered from 0, as opened.
+    // The following functions are for use in `send`. Windows are numbered from 0 in the order in
+    // which they were opened.
 
     /// Adds an output of 1280 × 720 pixels with its left edge at `x`.
     void addOutput(const std::string& name, int x);
@@ -44,7 +45,7 @@ public:
     void finishDescription(std::size_t window);
     void close(std::size_t window);
 
-    /// Ends the reports.
+    /// Sends the `finished` event, after which no windows are reported.
     void finish();
 
 private:
@@ -53,7 +54,7 @@ private:
 
     Output& find(const std::string& name);
 
-    std::list<Output> outputs_; ///< removed ones too, because the client may still use them
+    std::list<Output> outputs_; ///< including removed ones, which the client may still use
     wl_resource* manager_ = nullptr;
     std::vector<wl_resource*> windows_;
     CompositorThread thread_;

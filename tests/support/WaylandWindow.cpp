@@ -1,6 +1,6 @@
-// A program with one white window, for tests: nocta_wayland_window APP_ID TITLE. A window of an
-// empty APP_ID sets none. Each key press in it prints a line with the number of the key. The
-// program ends with its window or the compositor.
+// A program with one white window, for tests: nocta_wayland_window APP_ID TITLE. If APP_ID is
+// empty, the window has no app ID. Each key press in the window prints a line with the number of
+// the key. The program exits when its window is closed or the compositor exits.
 
 #include <cstdint>
 #include <cstdlib>
@@ -31,7 +31,7 @@ Window& of(void* data) {
     return *static_cast<Window*>(data);
 }
 
-/// Shows a white picture of the window's size.
+/// Fills the window with white.
 void draw(const Window& window) {
     const auto size = window.width * window.height * bytesPerPixel;
     const int file = memfd_create("window", MFD_CLOEXEC);
@@ -94,7 +94,7 @@ constexpr wl_keyboard_listener keyboardListener{
     .repeat_info = [](void* /*data*/, wl_keyboard* /*keyboard*/, std::int32_t /*rate*/,
                       std::int32_t /*delay*/) {}};
 
-/// A keyboard may come and go.
+/// Handles keyboards that are added or removed at run time.
 constexpr wl_seat_listener seatListener{
     .capabilities =
         [](void* data, wl_seat* seat, std::uint32_t capabilities) {

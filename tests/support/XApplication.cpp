@@ -63,7 +63,7 @@ void XApplication::close(xcb_window_t window) {
 }
 
 void XApplication::activate(xcb_window_t window) {
-    constexpr std::uint32_t pager = 2; // window managers treat a pager's request like the user's
+    constexpr std::uint32_t pager = 2; // window managers treat a pager's request like a user action
     ask(window, "_NET_ACTIVE_WINDOW", {pager, XCB_CURRENT_TIME});
 }
 

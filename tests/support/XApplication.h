@@ -10,9 +10,9 @@
 
 namespace nocta {
 
-/// An application on the X server in DISPLAY, with its own connection and windows. It can
-/// ask the window manager for what a user would do with its windows, for example to minimize one.
-/// It can also write any property, including properties of the root window.
+/// An application on the X server in DISPLAY, with its own connection and windows. It can send the
+/// window manager the requests that user actions cause, for example to minimize a window. It can
+/// also write any property, including properties of the root window.
 class XApplication {
 public:
     /// Sets the instance and the class of its windows; without a class, they have no WM_CLASS.

@@ -402,7 +402,7 @@ xcb_window_t XClient::openWindow(bool fullScreen) {
                    ->map_state == XCB_MAP_STATE_VIEWABLE;
     };
     if (!waitUntil(isShown)) {
-        throw std::runtime_error("no window");
+        throw std::runtime_error("the window was not shown");
     }
     return window;
 }

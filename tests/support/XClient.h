@@ -41,12 +41,13 @@ public:
     /// The pixel of a translucent window at a point, as 0xAARRGGBB.
     std::uint32_t translucentPixel(xcb_window_t window, std::int16_t x, std::int16_t y);
 
-    /// Presses and releases the key with this symbol; maps the symbol to a free key if it has none.
+    /// Presses and releases the key with this symbol. If the symbol has no key, it is first
+    /// mapped to a free one.
     void press(xcb_keysym_t symbol);
     void hold(xcb_keysym_t symbol);
     void release(xcb_keysym_t symbol);
 
-    // The pointer. Button 1 is the left one, 3 the right one.
+    // Pointer input. Button 1 is the left button, 3 the right button.
     void moveTo(int x, int y);
     void holdButton(std::uint8_t button);
     void releaseButton(std::uint8_t button);
@@ -58,14 +59,14 @@ public:
     /// Takes ownership of the selection of XEmbed trays and announces itself, as a panel does.
     void becomeSystemTray();
 
-    /// Takes ownership of the selection of compositors, but composites nothing.
+    /// Takes ownership of the compositors' selection without compositing anything.
     void becomeCompositor();
 
     /// Sets a property of the root window to a list of numbers of 8, 16 or 32 bits, depending on
     /// `format`.
     void setRootProperty(const std::string& name, std::uint8_t format,
                          const std::vector<std::uint8_t>& bytes);
-    /// Empty if there is none.
+    /// Returns an empty vector if the property does not exist.
     std::vector<std::uint8_t> rootProperty(const std::string& name);
     void setRootText(const std::string& name, const std::string& text);
 
@@ -86,7 +87,7 @@ public:
         bool isOverrideRedirect = false;
     };
 
-    /// The mapped windows on the root window, the topmost last.
+    /// The mapped children of the root window, topmost last.
     std::vector<TopWindow> topWindows();
 
     /// The frames of the CRTCs in use.

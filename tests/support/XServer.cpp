@@ -46,7 +46,8 @@ XServer::XServer(Kind kind, const std::vector<std::string>& options,
     }
     close(ends[0]);
     if (letter != '\n') {
-        throw std::runtime_error("no X server: " + contentOf(folder_.path() + "/output"));
+        throw std::runtime_error("the X server did not start: " +
+                                 contentOf(folder_.path() + "/output"));
     }
     display_.insert(0, ":");
     setenv("DISPLAY", display_.c_str(), 1);

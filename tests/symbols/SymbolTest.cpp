@@ -53,7 +53,7 @@ bool isEmpty(const QImage& image) {
     return darkest(image, image.rect()) == 0;
 }
 
-TEST(Symbol, EachIsLegibleAtTextSize) {
+TEST(Symbol, EverySymbolIsLegibleAtTextSize) {
     EXPECT_GE(allNames().size(), 21);
     for (const auto& name : allNames()) {
         for (const auto size : {16, 32}) {
@@ -63,7 +63,7 @@ TEST(Symbol, EachIsLegibleAtTextSize) {
     }
 }
 
-TEST(Symbol, AllHaveTheSameStyle) {
+TEST(Symbol, AllSymbolsHaveTheSameStyle) {
     for (const auto& name : allNames()) {
         QFile file(drawings().filePath(name + ".svg"));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -81,7 +81,7 @@ TEST(Symbol, AllHaveTheSameStyle) {
     }
 }
 
-TEST(Symbol, NoneIsCutOff) {
+TEST(Symbol, SymbolsAreNotCutOff) {
     for (const auto& name : allNames()) {
         const auto image = drawn(name, 48);
         for (const auto& edge :
@@ -91,7 +91,7 @@ TEST(Symbol, NoneIsCutOff) {
     }
 }
 
-TEST(Symbol, HasOnlyTheRequestedColor) {
+TEST(Symbol, SymbolsHaveOnlyTheRequestedColor) {
     for (const auto& name : allNames()) {
         const auto image = drawn(name, 64);
         bool isSolidSomewhere = false;

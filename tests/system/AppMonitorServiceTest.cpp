@@ -76,14 +76,14 @@ TEST_F(AppMonitorServiceTest, UnreadableWindowListDoesNotChangeTheFlag) {
     EXPECT_TRUE(isFullscreen());
 }
 
-TEST_F(AppMonitorServiceTest, WithoutAMainScreenNoWindowCounts) {
+TEST_F(AppMonitorServiceTest, NoWindowIsFullScreenWithoutAMainScreen) {
     activateWith(Windows{{1920, 1080}});
     desktop.displays.unplug(builtIn);
     activateWith(Windows{{1920, 1080}});
     EXPECT_FALSE(isFullscreen());
 }
 
-TEST_F(AppMonitorServiceTest, NotificationsOfOwnFullScreenWindowsChangeTheFlag) {
+TEST_F(AppMonitorServiceTest, NotificationsFromOwnFullScreenWindowsChangeTheFlag) {
     desktop.notificationCenter.post(windowDidEnterFullScreenNotification);
     EXPECT_TRUE(isFullscreen());
     desktop.notificationCenter.post(windowDidExitFullScreenNotification);

@@ -22,7 +22,7 @@ protected:
     std::string error() { return feedback().errorMessage.get().value_or(""); }
 };
 
-TEST_F(FeedbackServiceTest, PostsWhatWasWritten) {
+TEST_F(FeedbackServiceTest, MessageTypeAndEmailArePosted) {
     write(" \n It is dark here.\t\r\n", "  me@example.org ");
     feedback().feedbackType.set(FeedbackType::bug);
     feedback().send();
@@ -44,7 +44,7 @@ TEST_F(FeedbackServiceTest, BlankEmailIsLeftOut) {
     EXPECT_EQ(sentJson(), (Json{{"message", "hello"}, {"type", "suggestion"}}));
 }
 
-TEST_F(FeedbackServiceTest, AnyTextIsSentAsItIs) {
+TEST_F(FeedbackServiceTest, AnyTextIsSentUnchanged) {
     for (const auto& text : {std::string("🌙 \"quoted\" \\ </script>"), std::string("a\0b", 3),
                              std::string(1 << 20, 'x')}) {
         write(text);
@@ -71,7 +71,7 @@ TEST_F(FeedbackServiceTest, OnlyStatus200IsSuccess) {
     EXPECT_EQ(error(), "");
 }
 
-TEST_F(FeedbackServiceTest, NetworkErrorIsShownAsItIs) {
+TEST_F(FeedbackServiceTest, NetworkErrorIsShownUnchanged) {
     write("hello");
     feedback().send();
     desktop.urlSession.answer({.error = "Host not found"});
