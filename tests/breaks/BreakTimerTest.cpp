@@ -357,7 +357,7 @@ TEST_F(BreakTimerTest, TotalsCountEveryOutcomeButOnlyTheTimeOfCompletedBreaks) {
                   .totalBreakTime = 20});
 }
 
-TEST_F(BreakTimerTest, TotalsThatCannotBeReadStartFromZero) {
+TEST_F(BreakTimerTest, UnreadableTotalsStartFromZero) {
     for (const auto& value :
          {DefaultsValue("text"), DefaultsValue(std::int64_t{3}), DefaultsValue(DefaultsData{}),
           DefaultsValue(DefaultsData{{'{', '}'}}), DefaultsValue(DefaultsData{{0xff, 0xfe, 0}}),

@@ -49,7 +49,7 @@ TEST_F(MeetingDetectorServiceTest, MeetingStartsAndEndsWithTheApplicationInFront
     EXPECT_EQ(posted, (Posts{"NoctaMeetingDidStart", "NoctaMeetingDidEnd"}));
 }
 
-TEST_F(MeetingDetectorServiceTest, OnlyTheKnownMeetingApplicationsCount) {
+TEST_F(MeetingDetectorServiceTest, OnlyKnownMeetingApplicationsAreDetected) {
     for (const auto* const identifier :
          {"us.zoom.xos", "com.google.Chrome", "com.microsoft.teams", "com.microsoft.teams2",
           "com.cisco.webexmeetingsapp", "com.webex.meetingmanager", "com.apple.FaceTime",
@@ -98,7 +98,7 @@ TEST_F(MeetingDetectorServiceTest, SwitchingToAnotherMeetingApplicationContinues
     EXPECT_EQ(app(), "FaceTime") << "the name should not change during a meeting";
 }
 
-TEST_F(MeetingDetectorServiceTest, MeetingInFrontAtLaunchCountsImmediately) {
+TEST_F(MeetingDetectorServiceTest, MeetingInFrontAtLaunchIsDetectedImmediately) {
     desktop.workspace.frontmost = faceTime;
     restart();
     EXPECT_TRUE(isInMeeting());

@@ -180,7 +180,7 @@ TEST_F(ColorTemperatureServiceTest, FirstChangeOfEitherTemperatureIsImmediateInA
     EXPECT_EQ(shown, (std::vector<std::int64_t>{3000, 3000}));
 }
 
-TEST_F(ColorTemperatureServiceTest, TemperaturesThatOverflowStopTheProgram) {
+TEST_F(ColorTemperatureServiceTest, OverflowingTemperaturesStopTheProgram) {
     settings().colorTemperatureDay.set(std::numeric_limits<std::int64_t>::max());
     settings().colorTemperatureNight.set(std::numeric_limits<std::int64_t>::min());
     setPosition(Sunrise{0.5});

@@ -47,7 +47,7 @@ TEST_F(LocationServiceTest, ProvidesTheScheduleWithTheLocation) {
     EXPECT_EQ(&provider.locationManager(), &desktop.location);
 }
 
-TEST_F(LocationServiceTest, LastLocationOfABatchIsTheFixAndEndsTheUpdates) {
+TEST_F(LocationServiceTest, LastLocationOfABatchIsUsedAndEndsTheUpdates) {
     location();
     desktop.location.answer(AuthorizationStatus::authorized);
     ASSERT_TRUE(desktop.location.isUpdating);
@@ -68,7 +68,7 @@ TEST_F(LocationServiceTest, EmptyBatchIsIgnored) {
     EXPECT_TRUE(desktop.location.isUpdating);
 }
 
-TEST_F(LocationServiceTest, FailureKeepsTheFix) {
+TEST_F(LocationServiceTest, FailureKeepsTheLocation) {
     location();
     desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(paris);

@@ -80,7 +80,7 @@ TEST_F(ScheduleServiceTest, PositionFollowsTheDefaultTimes) {
     }
 }
 
-TEST_F(ScheduleServiceTest, SunriseWinsIfTheTransitionsOverlap) {
+TEST_F(ScheduleServiceTest, SunriseTakesPrecedenceIfTheTransitionsOverlap) {
     startAt(12h);
     schedule().sunriseTime.set(local({2026, 3, 20}, 12h));
     schedule().sunsetTime.set(local({2026, 3, 20}, 12h + 20min));
@@ -103,7 +103,7 @@ TEST_F(ScheduleServiceTest, PositionIsUpdatedEveryMinute) {
     EXPECT_EQ(position(), SunPosition(Sunrise{10.0 / 30}));
 }
 
-TEST_F(ScheduleServiceTest, FixChangesTheTimesImmediately) {
+TEST_F(ScheduleServiceTest, LocationChangesTheTimesImmediately) {
     startAt(12h, {2026, 6, 21});
     desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(berlin);
@@ -114,7 +114,7 @@ TEST_F(ScheduleServiceTest, FixChangesTheTimesImmediately) {
     EXPECT_NE(schedule().sunriseTime.get(), local({2026, 6, 21}, 6h + 30min));
 }
 
-TEST_F(ScheduleServiceTest, TimesAreSixAndEighteenAtThePoleAndHalfPastWithoutAFix) {
+TEST_F(ScheduleServiceTest, TimesAreSixAndEighteenAtThePoleAndHalfPastWithoutALocation) {
     startAt(12h, {2026, 6, 21});
     EXPECT_EQ(schedule().sunriseTime.get(), local({2026, 6, 21}, 6h + 30min));
     desktop.location.answer(AuthorizationStatus::authorized);
@@ -130,7 +130,7 @@ TEST_F(ScheduleServiceTest, MidnightSetsTheTimesOfTheNewDay) {
     EXPECT_EQ(position(), SunPosition(Night{}));
 }
 
-TEST_F(ScheduleServiceTest, MidnightWithAFixRecalculatesOnce) {
+TEST_F(ScheduleServiceTest, MidnightWithALocationRecalculatesOnce) {
     startAt(23h + 59min);
     desktop.location.answer(AuthorizationStatus::authorized);
     desktop.location.send(berlin);
@@ -219,7 +219,7 @@ TEST_F(ScheduleServiceTest, NewTimeZoneTakesEffectAtTheNextCalculation) {
               Calendar::instantAt(Calendar::dayOf(desktop.runLoop.wallNow()), 18, 30));
 }
 
-TEST_F(ScheduleServiceTest, DaylightSavingMovesTheDefaultTimesWithTheClock) {
+TEST_F(ScheduleServiceTest, DefaultTimesFollowDaylightSaving) {
     startAt(23h + 59min, {2026, 3, 28});
     desktop.runLoop.advance(60s);
     EXPECT_EQ(schedule().sunriseTime.get(), local({2026, 3, 29}, 6h + 30min));

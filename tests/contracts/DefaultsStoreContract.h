@@ -36,7 +36,7 @@ TYPED_TEST_P(DefaultsStoreContract, MissingKeyReadsAsItsRegisteredDefault) {
     EXPECT_EQ(this->store().stringForKey("s"), "eye");
 }
 
-TYPED_TEST_P(DefaultsStoreContract, StoredValueHidesTheDefaultUntilItIsRemoved) {
+TYPED_TEST_P(DefaultsStoreContract, StoredValueOverridesTheDefaultUntilItIsRemoved) {
     this->store().registerDefaults({{"d", 0.75}});
     this->store().setDouble(0.3, "d");
     EXPECT_EQ(this->store().doubleForKey("d"), 0.3);
@@ -96,7 +96,7 @@ TYPED_TEST_P(DefaultsStoreContract, ReadingAValueAsTheWrongTypeGivesZero) {
     EXPECT_EQ(this->store().stringForKey("s"), std::nullopt);
 }
 
-TYPED_TEST_P(DefaultsStoreContract, NumbersConvertToEachOther) {
+TYPED_TEST_P(DefaultsStoreContract, NumbersAreConvertedBetweenTypes) {
     this->store().setDouble(2.9, "d");
     EXPECT_EQ(this->store().integerForKey("d"), 2);
     EXPECT_EQ(this->store().boolForKey("d"), true);
@@ -110,8 +110,8 @@ TYPED_TEST_P(DefaultsStoreContract, NumbersConvertToEachOther) {
 
 REGISTER_TYPED_TEST_SUITE_P(DefaultsStoreContract, MissingKeyReadsAsZero,
                             MissingKeyReadsAsItsRegisteredDefault,
-                            StoredValueHidesTheDefaultUntilItIsRemoved, ValuesReadBackExactly,
+                            StoredValueOverridesTheDefaultUntilItIsRemoved, ValuesReadBackExactly,
                             DataReadsBackExactlyAndOnlyAsData, ReadingAValueAsTheWrongTypeGivesZero,
-                            NumbersConvertToEachOther);
+                            NumbersAreConvertedBetweenTypes);
 
 } // namespace nocta

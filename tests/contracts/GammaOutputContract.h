@@ -55,7 +55,7 @@ TYPED_TEST_P(GammaOutputContract, UnknownDisplayFails) {
     EXPECT_NE(this->setRamp(0xDEAD, 0.5F), statusSuccess);
 }
 
-TYPED_TEST_P(GammaOutputContract, TablesApplyToTheFactoryTablesOfTheDisplay) {
+TYPED_TEST_P(GammaOutputContract, TablesAreAppliedToTheFactoryTablesOfTheDisplay) {
     EXPECT_TRUE(this->harness.gammaOutput().isAvailable());
     const auto id = this->list().at(0);
     for (const auto level : {0.5F, 0.0F, 1.0F}) {
@@ -101,7 +101,7 @@ TYPED_TEST_P(GammaOutputContract, RestoringWithoutAWriteLeavesTheFactoryTables) 
 }
 
 REGISTER_TYPED_TEST_SUITE_P(GammaOutputContract, UnknownDisplayFails,
-                            TablesApplyToTheFactoryTablesOfTheDisplay, LastOfManyTablesIsShown,
+                            TablesAreAppliedToTheFactoryTablesOfTheDisplay, LastOfManyTablesIsShown,
                             EveryDisplayHasItsOwnTables,
                             RestoringSetsTheFactoryTablesAndAllowsLaterWrites,
                             RestoringWithoutAWriteLeavesTheFactoryTables);

@@ -68,7 +68,7 @@ TYPED_TEST_P(LocationManagerContract, GrantIsReportedOnceAndIsNotRequestedAgain)
     EXPECT_TRUE(this->locations.empty()) << "no location should come before updates start";
 }
 
-TYPED_TEST_P(LocationManagerContract, RefusalIsReportedOnceAndLeadsToNoLocation) {
+TYPED_TEST_P(LocationManagerContract, RefusalIsReportedOnceWithoutALocation) {
     this->ask();
     this->harness.refuse();
     this->harness.settle();
@@ -79,7 +79,7 @@ TYPED_TEST_P(LocationManagerContract, RefusalIsReportedOnceAndLeadsToNoLocation)
     EXPECT_TRUE(this->locations.empty());
 }
 
-TYPED_TEST_P(LocationManagerContract, LocationsComeOnlyBetweenStartAndStop) {
+TYPED_TEST_P(LocationManagerContract, LocationsAreReportedOnlyBetweenStartAndStop) {
     this->ask();
     this->harness.agree();
     this->harness.settle();
@@ -114,7 +114,8 @@ TYPED_TEST_P(LocationManagerContract, RemovedDelegateReceivesNothing) {
 
 REGISTER_TYPED_TEST_SUITE_P(LocationManagerContract, NewDelegateReceivesTheStatusOnceFromTheRunLoop,
                             GrantIsReportedOnceAndIsNotRequestedAgain,
-                            RefusalIsReportedOnceAndLeadsToNoLocation,
-                            LocationsComeOnlyBetweenStartAndStop, RemovedDelegateReceivesNothing);
+                            RefusalIsReportedOnceWithoutALocation,
+                            LocationsAreReportedOnlyBetweenStartAndStop,
+                            RemovedDelegateReceivesNothing);
 
 } // namespace nocta

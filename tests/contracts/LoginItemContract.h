@@ -21,7 +21,7 @@ protected:
 
 TYPED_TEST_SUITE_P(LoginItemContract);
 
-TYPED_TEST_P(LoginItemContract, IsEnabledFromRegisteringToUnregistering) {
+TYPED_TEST_P(LoginItemContract, RegisteredItemIsEnabledUntilItIsUnregistered) {
     EXPECT_EQ(this->loginItem().status(), LoginItem::Status::notRegistered);
     EXPECT_EQ(this->loginItem().registerItem(), std::nullopt);
     EXPECT_EQ(this->loginItem().status(), LoginItem::Status::enabled);
@@ -61,7 +61,7 @@ TYPED_TEST_P(LoginItemContract, RefusalIsDescribedAndChangesNothing) {
     EXPECT_EQ(this->loginItem().status(), LoginItem::Status::notRegistered);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(LoginItemContract, IsEnabledFromRegisteringToUnregistering,
+REGISTER_TYPED_TEST_SUITE_P(LoginItemContract, RegisteredItemIsEnabledUntilItIsUnregistered,
                             RepeatedCallsAreNotErrors,
                             ItemThatWasSwitchedOffIsEnabledByRegisteringItAgain,
                             ItemThatWasSwitchedOffCanBeUnregistered,

@@ -81,7 +81,7 @@ public:
     Status setBrightness(DisplayId /*display*/, float /*level*/) override { return statusSuccess; }
 };
 
-TEST_F(BrightnessControllerTest, LevelThatIsNotFilledInReadsAsZero) {
+TEST_F(BrightnessControllerTest, LevelThatIsNotReturnedReadsAsZero) {
     plugBuiltIn();
     displayService().refreshDisplays();
     SilentBacklight backlight;
@@ -127,7 +127,7 @@ TEST_F(BrightnessControllerTest, KeysAreIgnoredWithOnlyExternalDisplays) {
     EXPECT_TRUE(listener->presses.empty());
 }
 
-TEST_F(BrightnessControllerTest, KeysAreIgnoredWhileTheBacklightCountsAsUnavailable) {
+TEST_F(BrightnessControllerTest, KeysAreIgnoredWhileTheBacklightIsUnavailable) {
     plugBuiltIn();
     desktop.displays.backlightReadFails = true;
     start();

@@ -71,7 +71,7 @@ TEST_F(DisplayServiceTest, MainDisplayIsTheFlaggedOneOrElseTheFirst) {
     EXPECT_EQ(mainId(), 4U);
 }
 
-TEST_F(DisplayServiceTest, ListIsCountedAndThenReadWithRoomForAll) {
+TEST_F(DisplayServiceTest, ListIsCountedAndThenReadCompletely) {
     for (DisplayId id = 1; id <= 40; ++id) {
         plugExternal(id);
     }

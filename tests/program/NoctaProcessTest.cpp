@@ -57,7 +57,7 @@ TEST_P(NoctaProcessTest, SliderInThePopoverDimsTheScreen) {
     ASSERT_TRUE(waitForBrightness(1.0));
 }
 
-TEST_P(NoctaProcessTest, WindowTurnsDarkAndLightAsTheUserPrefers) {
+TEST_P(NoctaProcessTest, WindowFollowsTheUsersColorScheme) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     SettingsPortal portal(bus);
     auto& scheme = portal.settings["org.freedesktop.appearance"]["color-scheme"];

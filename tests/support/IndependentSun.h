@@ -6,8 +6,7 @@
 namespace nocta {
 
 /// A second implementation of the sun calculation. It uses long double and normalizes angles with
-/// remainders. The times are in minutes after midnight. On polar days and nights there are no
-/// times.
+/// remainders. The times are in minutes after midnight; there are none on polar days and nights.
 struct IndependentSun {
     long double sunrise = 0;
     long double sunset = 0;

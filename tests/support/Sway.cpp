@@ -79,8 +79,8 @@ void Sway::kill() {
 std::vector<std::vector<std::uint16_t>> Sway::gammaOf(const std::string& output) const {
     std::istringstream log(contentOf(folder_.path() + "/gamma"));
     std::vector<std::vector<std::uint16_t>> events;
-    for (std::string line;
-         std::getline(log, line) && !log.eof();) { // the last line may be incomplete
+    // The last line may be incomplete.
+    for (std::string line; std::getline(log, line) && !log.eof();) {
         std::istringstream words(line);
         int number = 0;
         words >> number;

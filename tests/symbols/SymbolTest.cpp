@@ -131,7 +131,7 @@ TEST(Symbol, NothingIsPaintedIntoAnEmptyRectangle) {
     EXPECT_TRUE(isEmpty(image));
 }
 
-TEST(Symbol, IsAlignedToWholePixelsAtEveryPixelRatio) {
+TEST(Symbol, SymbolIsAlignedToWholePixelsAtEveryPixelRatio) {
     for (const auto ratio : {1.0, 1.25, 1.5, 2.0, 3.0}) {
         auto image = blank({96, 96});
         image.setDevicePixelRatio(ratio);
@@ -150,7 +150,7 @@ TEST(Symbol, IsAlignedToWholePixelsAtEveryPixelRatio) {
     }
 }
 
-TEST(Symbol, DoesNotChangeThePainter) {
+TEST(Symbol, DrawingDoesNotChangeThePainter) {
     auto image = blank({32, 32});
     image.setDevicePixelRatio(2);
     QPainter painter(&image);
@@ -162,7 +162,7 @@ TEST(Symbol, DoesNotChangeThePainter) {
     EXPECT_EQ(painter.opacity(), 0.5);
 }
 
-TEST(Symbol, KeepsItsShapeInAWideRectangle) {
+TEST(Symbol, SymbolKeepsItsShapeInAWideRectangle) {
     auto image = blank({64, 32});
     QPainter painter(&image);
     drawSymbol(painter, image.rect(), "gear", ink);

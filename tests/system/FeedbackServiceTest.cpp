@@ -38,7 +38,7 @@ TEST_F(FeedbackServiceTest, MessageTypeAndEmailArePosted) {
         (Json{{"message", "It is dark here."}, {"type", "bug"}, {"email", "me@example.org"}}));
 }
 
-TEST_F(FeedbackServiceTest, BlankEmailIsLeftOut) {
+TEST_F(FeedbackServiceTest, BlankEmailIsOmitted) {
     write("hello", " \xC2\xA0\xE3\x80\x80 ");
     feedback().send();
     EXPECT_EQ(sentJson(), (Json{{"message", "hello"}, {"type", "suggestion"}}));

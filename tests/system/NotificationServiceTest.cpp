@@ -43,7 +43,7 @@ TEST_F(NotificationServiceTest, RegistersTheCategoryWithItsTwoButtons) {
     EXPECT_TRUE(desktop.notifications.shown.empty()) << "the program should post no notifications";
 }
 
-TEST_F(NotificationServiceTest, ErrorIsPrintedAndARefusalIsNot) {
+TEST_F(NotificationServiceTest, ErrorIsPrintedButRefusalIsNot) {
     desktop.notifications.isGranted = false;
     EXPECT_EQ(printedAtLaunch(), "");
     quit();

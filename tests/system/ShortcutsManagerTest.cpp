@@ -12,7 +12,7 @@ protected:
     double value() { return settings().unifiedBrightness.get(); }
 };
 
-TEST_F(ShortcutsManagerTest, KeysMoveTheBrightnessBySixteenths) {
+TEST_F(ShortcutsManagerTest, KeysChangeTheBrightnessBySixteenths) {
     shortcuts().startMonitoring();
     for (const auto expected : {0.6875, 0.625, 0.5625, 0.5, 0.4375}) {
         desktop.keyboard.pressKey(144);
