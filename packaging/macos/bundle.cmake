@@ -1,4 +1,4 @@
-# Makes the bundle Nocta.app from the program, its Info.plist, its icon, and Sparkle.
+# Creates the bundle Nocta.app from the program, its Info.plist, its icon, and Sparkle.
 
 set(bundle_folder ${PROJECT_SOURCE_DIR}/packaging/macos)
 set(drawing ${PROJECT_SOURCE_DIR}/packaging/nocta.svg)

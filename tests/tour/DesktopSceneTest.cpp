@@ -71,21 +71,21 @@ protected:
     static constexpr QPointF statusItem{800 - 96 - 17, 14};
 };
 
-TEST_F(DesktopSceneTest, EveryDisplayIsPaintedAtItsOwnSize) {
+TEST_F(DesktopSceneTest, EveryDisplayIsPaintedAtItsSize) {
     EXPECT_EQ(scene->picture(builtIn).size(), QSize(800, 600));
     EXPECT_EQ(scene->picture(external).size(), QSize(640, 480));
     EXPECT_EQ(difference(scene->picture(external), scene->picture(external)), 0)
-        << "the same picture should be drawn twice";
+        << "both pictures should be equal";
 }
 
-TEST_F(DesktopSceneTest, ClickOnTheStatusItemOpensThePopoverAndOneElsewhereClosesIt) {
+TEST_F(DesktopSceneTest, ClickOnTheStatusItemOpensThePopoverAndClickElsewhereClosesIt) {
     const auto before = scene->picture(builtIn);
     const auto beside = scene->picture(external);
     clickAt(statusItem);
     ASSERT_TRUE(desktop.popover.isShown());
     EXPECT_GT(difference(before, scene->picture(builtIn)), 0.1);
     EXPECT_EQ(difference(beside, scene->picture(external)), 0)
-        << "the popover should be entirely on its own display";
+        << "the popover should be entirely on its display";
     clickAt({20, 14});
     EXPECT_FALSE(desktop.popover.isShown());
     EXPECT_EQ(difference(before, scene->picture(builtIn)), 0);
@@ -108,7 +108,7 @@ TEST_F(DesktopSceneTest, ControlsOfThePopoverWork) {
         return std::abs(qRed(sky) - qBlue(sky));
     };
     EXPECT_GT(colorOfSky(before), 40);
-    EXPECT_LT(colorOfSky(gray), 6) << "only the tint of the white point should be left";
+    EXPECT_LT(colorOfSky(gray), 6) << "only the tint of the white point should remain";
     EXPECT_GT(difference(before, gray), 0.5);
 }
 
@@ -123,7 +123,7 @@ TEST_F(DesktopSceneTest, BrightnessIsVisibleOnEveryDisplay) {
     EXPECT_NEAR(brightest(scene->picture(external)), brightExternal / 2.0, 2);
 }
 
-TEST_F(DesktopSceneTest, WindowsAndDisplaysComeAndGo) {
+TEST_F(DesktopSceneTest, WindowsAndDisplaysCanBeAddedAndRemoved) {
     const auto before = scene->picture(builtIn);
     program->showPreferencesWindow();
     EXPECT_GT(difference(before, scene->picture(builtIn)), 0.1);

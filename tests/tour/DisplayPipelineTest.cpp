@@ -28,7 +28,7 @@ protected:
     }
 };
 
-TEST_F(DisplayPipelineTest, FactoryTablesAndFullLightChangeNothing) {
+TEST_F(DisplayPipelineTest, FactoryTablesAndFullBacklightChangeNothing) {
     plugBuiltIn();
     desktop.displays.display(builtIn).backlight = 1;
     for (int level = 0; level < 256; ++level) {
@@ -48,14 +48,13 @@ TEST_F(DisplayPipelineTest, TablesOfTheProgramAreVisible) {
         EXPECT_EQ(color.green(), std::lround(255 * display.green[place]));
         EXPECT_EQ(color.blue(), std::lround(255 * display.blue[place]));
     }
-    EXPECT_EQ(seen(external, Qt::white).red(), 128) << "half of the level should be left";
+    EXPECT_EQ(seen(external, Qt::white).red(), 128) << "the level should be halved";
 }
 
-TEST_F(DisplayPipelineTest, BacklightScalesTheLightAndNotTheLevel) {
+TEST_F(DisplayPipelineTest, BacklightScalesLightLinearly) {
     plugBuiltIn();
     desktop.displays.display(builtIn).backlight = 0.5F;
-    EXPECT_EQ(seen(builtIn, Qt::white), QColor(188, 188, 188))
-        << "half of the light should be left";
+    EXPECT_EQ(seen(builtIn, Qt::white), QColor(188, 188, 188)) << "the light should be halved";
     EXPECT_EQ(seen(builtIn, Qt::black), QColor(Qt::black));
     plugExternal();
     desktop.displays.display(external).backlight = 0.5F;

@@ -15,21 +15,21 @@ namespace {
 constexpr auto centralEurope = "CET-1CEST,M3.5.0,M10.5.0/3";
 
 /// Simulates a day, writes its page into `folder` and returns the number of pictures.
-std::size_t spendADayIn(const std::string& folder) {
+std::size_t simulateDayIn(const std::string& folder) {
     Tour tour(QString::fromStdString(folder));
-    spendADay(tour);
-    EXPECT_TRUE(tour.isAsPromised());
+    simulateDay(tour);
+    EXPECT_TRUE(tour.passed());
     EXPECT_TRUE(writeTour(tour));
     return tour.scenes().size();
 }
 
-TEST(Tour, DayMeetsItsExpectationsAndIsTheSameEveryTime) {
+TEST(Tour, SimulatedDayMeetsItsExpectationsAndIsReproducible) {
     const TimeZone zone(centralEurope);
     const TemporaryFolder first;
     const TemporaryFolder second;
-    const auto pictures = spendADayIn(first.path());
+    const auto pictures = simulateDayIn(first.path());
     EXPECT_GE(pictures, 20U);
-    EXPECT_EQ(spendADayIn(second.path()), pictures);
+    EXPECT_EQ(simulateDayIn(second.path()), pictures);
     std::size_t files = 0;
     const auto page = contentOf(first.path() + "/index.html");
     for (const auto& entry : std::filesystem::directory_iterator(first.path())) {
@@ -42,16 +42,16 @@ TEST(Tour, DayMeetsItsExpectationsAndIsTheSameEveryTime) {
             EXPECT_TRUE(std::regex_search(page, shown)) << name;
         }
     }
-    EXPECT_EQ(files, pictures + 2) << "only the page and the trace should be added to the pictures";
+    EXPECT_EQ(files, pictures + 2) << "there should be only the pictures, the page and the trace";
 }
 
 TEST(Tour, UnmetExpectationFailsTheTour) {
     const TemporaryFolder folder;
     Tour tour(QString::fromStdString(folder.path()));
     tour.launch();
-    EXPECT_TRUE(tour.isAsPromised());
+    EXPECT_TRUE(tour.passed());
     tour.press("noSuchButton");
-    EXPECT_FALSE(tour.isAsPromised());
+    EXPECT_FALSE(tour.passed());
     tour.quit();
 }
 
@@ -59,7 +59,7 @@ TEST(Tour, UnwritableFolderFailsTheTour) {
     Tour tour(QStringLiteral("/nowhere"));
     tour.launch();
     tour.take(QStringLiteral("A picture"), {});
-    EXPECT_FALSE(tour.isAsPromised());
+    EXPECT_FALSE(tour.passed());
     EXPECT_FALSE(writeTour(tour));
     tour.quit();
 }

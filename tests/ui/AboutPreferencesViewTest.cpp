@@ -38,7 +38,7 @@ TEST_F(AboutPreferencesViewTest, TogglesWriteDirectlyToTheUpdater) {
         << "the choices should not be in the settings";
 }
 
-TEST_F(AboutPreferencesViewTest, TogglesAreReadWheneverTheTabAppears) {
+TEST_F(AboutPreferencesViewTest, TogglesAreReadEachTimeTheTabIsShown) {
     desktop.updater.checksAutomatically = true;
     openAbout();
     EXPECT_TRUE(autoCheck().isChecked());
@@ -60,10 +60,10 @@ TEST_F(AboutPreferencesViewTest, ButtonStartsACheckIfOneIsPossible) {
     EXPECT_FALSE(check().isEnabled());
 }
 
-TEST_F(AboutPreferencesViewTest, ReasonForNoChecksIsShown) {
+TEST_F(AboutPreferencesViewTest, ReasonForUnavailableChecksIsShown) {
     for (const auto& [availability, reason] :
          {std::pair{Updater::Availability::noFeed,
-                    "This build of Nocta does not know where to look for updates."},
+                    "This build of Nocta has no address for updates."},
           std::pair{Updater::Availability::packageManager,
                     "The system's package manager updates Nocta."}}) {
         desktop.updater.present = availability;

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-// Checks how the cover of a break looks, in rendered pictures.
+// Checks the appearance of the break cover in rendered pictures.
 
 namespace nocta {
 namespace {
@@ -26,7 +26,7 @@ struct DrawnText {
 };
 
 /// Records each string painted on this device, with its font. A rendered picture is not enough,
-/// because two weights may look the same with the fonts that are installed.
+/// because two weights can look the same with the installed fonts.
 class TextRecorder final : public QPaintDevice {
 public:
     explicit TextRecorder(QSize size) : size_(size) {}
@@ -83,7 +83,7 @@ protected:
     static constexpr int faint = 51; // white at 0.2
 
     void SetUp() override {
-        desktop.workspace.reducesMotion = true; // the ring does not move smoothly
+        desktop.workspace.reducesMotion = true; // the ring moves in steps
         ShownBreak::SetUp();
     }
 
@@ -149,7 +149,7 @@ protected:
         };
         const auto top = reach({0, -1}).y();
         const auto left = reach({-1, 0}).x();
-        // Search to the right below the label, not through it.
+        // Search to the right below the label to avoid the text.
         auto right = QPoint(start.x(), top + 9);
         while (red(picture, right + QPoint(1, 0)) >= fill - 1) {
             right += QPoint(1, 0);
@@ -180,7 +180,7 @@ protected:
     }
 };
 
-TEST_F(BreakOverlayLookTest, BackdropIsSeventyPercentBlackOutToEveryEdge) {
+TEST_F(BreakOverlayLookTest, BackdropIsSeventyPercentBlackUpToEveryEdge) {
     const auto now = picture();
     for (const auto point : {QPoint(0, 0), QPoint(1279, 0), QPoint(0, 799), QPoint(1279, 799)}) {
         const auto pixel = raw(now, point);
@@ -189,7 +189,7 @@ TEST_F(BreakOverlayLookTest, BackdropIsSeventyPercentBlackOutToEveryEdge) {
     }
 }
 
-TEST_F(BreakOverlayLookTest, TextsAreWhiteWithTheRightOpacityWeightAndSize) {
+TEST_F(BreakOverlayLookTest, TextsAreWhiteWithTheCorrectOpacityWeightAndSize) {
     struct Expected {
         QString text;
         QFont::Weight weight;
@@ -297,7 +297,7 @@ TEST_F(BreakOverlayLookTest, RingIsAHundredPointsWideWithAFourPointLineAndRounde
     EXPECT_NEAR(onRing(now, 180 + 3.5 * onePoint), faint, 2);
 }
 
-TEST_F(BreakOverlayLookTest, SecondsOfTheBreakAreInTheMiddleOfTheRing) {
+TEST_F(BreakOverlayLookTest, RemainingSecondsAreInTheMiddleOfTheRing) {
     EXPECT_EQ(seconds(), "20s");
     const auto now = picture();
     QRect ink;
@@ -314,17 +314,17 @@ TEST_F(BreakOverlayLookTest, SecondsOfTheBreakAreInTheMiddleOfTheRing) {
     EXPECT_EQ(seconds(), "13s");
 }
 
-TEST_F(BreakOverlayLookTest, OtherStatesDoNotChangeTheRingAndShowNoSeconds) {
+TEST_F(BreakOverlayLookTest, RingIsUnchangedAndSecondsAreZeroInOtherStates) {
     desktop.runLoop.advance(5s);
     breakTimer().stop();
     EXPECT_EQ(seconds(), "0s");
     expectRing(0.25);
     breakTimer().start();
     desktop.runLoop.advance(10s);
-    EXPECT_EQ(seconds(), "0s") << "the seconds of the countdown should not show";
+    EXPECT_EQ(seconds(), "0s") << "the countdown should not be shown";
     expectRing(0.25);
     makeView();
-    EXPECT_EQ(seconds(), "0s") << "a new view should show no seconds either";
+    EXPECT_EQ(seconds(), "0s") << "a new view should not show the countdown either";
     expectRing(0);
 }
 
@@ -342,7 +342,7 @@ TEST_F(BreakOverlayLookTest, ButtonsShowTheirLabels) {
     expectLabel(snooze(), "Snooze 5 min", Qt::white, Qt::black);
 }
 
-TEST_F(BreakOverlayLookTest, PressedButtonHasAnOpacityOfEightTenthsEverywhere) {
+TEST_F(BreakOverlayLookTest, PressedButtonIsEightyPercentOpaque) {
     const auto before = picture();
     for (auto* const button : {&skip(), &snooze()}) {
         button->setDown(true);

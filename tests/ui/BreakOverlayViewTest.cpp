@@ -37,7 +37,7 @@ TEST(SecondsLeft, AreZeroOutsideABreak) {
 
 using BreakOverlayViewTest = ShownBreak;
 
-TEST_F(BreakOverlayViewTest, SaysWhatToDo) {
+TEST_F(BreakOverlayViewTest, ShowsTheInstructions) {
     QStringList texts;
     for (const auto* const label : view->findChildren<QLabel*>()) {
         texts << label->text();
@@ -48,7 +48,7 @@ TEST_F(BreakOverlayViewTest, SaysWhatToDo) {
     EXPECT_EQ(snooze().text(), "Snooze 5 min");
 }
 
-TEST_F(BreakOverlayViewTest, ClicksAndEnterPressTheRightButton) {
+TEST_F(BreakOverlayViewTest, ClicksAndEnterPressTheCorrectButton) {
     QTest::mouseClick(&skip(), Qt::LeftButton);
     EXPECT_EQ(skips, 1);
     QTest::mouseClick(&snooze(), Qt::LeftButton);
@@ -61,7 +61,7 @@ TEST_F(BreakOverlayViewTest, ClicksAndEnterPressTheRightButton) {
     EXPECT_EQ(skips, 2);
 }
 
-TEST_F(BreakOverlayViewTest, NoButtonHasFocusAtFirstAndTabMovesBetweenThem) {
+TEST_F(BreakOverlayViewTest, NoButtonHasFocusAtFirstAndTabMovesBetweenButtons) {
     for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_A}) {
         QTest::keyClick(view->windowHandle(), key);
     }
@@ -78,7 +78,7 @@ TEST_F(BreakOverlayViewTest, NoButtonHasFocusAtFirstAndTabMovesBetweenThem) {
 TEST_F(BreakOverlayViewTest, RingEasesOverASecondToEachNewValue) {
     EXPECT_EQ(ring().progress(), 0.0);
     desktop.runLoop.advance(1s);
-    EXPECT_EQ(ring().progress(), 0.0) << "the ring should only start to move now";
+    EXPECT_EQ(ring().progress(), 0.0) << "the ring should start to move only now";
     desktop.runLoop.advance(500ms);
     EXPECT_NEAR(ring().progress(), 0.025, 1e-9);
     desktop.runLoop.advance(499ms);
@@ -97,7 +97,7 @@ TEST_F(BreakOverlayViewTest, RingJumpsIfMotionIsReduced) {
     EXPECT_EQ(ring().progress(), 0.1);
 }
 
-TEST_F(BreakOverlayViewTest, ScreenReaderGetsTheSecondsOnlyEveryTenSeconds) {
+TEST_F(BreakOverlayViewTest, AccessibleNameChangesOnlyEveryTenSeconds) {
     EXPECT_EQ(ring().accessibleName(), "Seconds left: 20");
     QStringList told;
     for (int second = 0; second < 20; ++second) {

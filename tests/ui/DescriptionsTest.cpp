@@ -41,7 +41,7 @@ TEST(Descriptions, StatusLineDescribesEveryState) {
     EXPECT_EQ(breakStatusLine(Idle{}), "Off");
 }
 
-TEST(Descriptions, DescriptionsOfTemperaturesChangeAtTheThresholds) {
+TEST(Descriptions, TemperatureDescriptionsChangeAtTheThresholds) {
     for (const auto& [kelvin, text] : {std::pair(1000, "Candlelight"),
                                        {2999, "Candlelight"},
                                        {3000, "Very warm"},
@@ -79,7 +79,7 @@ TEST(Descriptions, CompletionRateCountsAllBreaksAndIsTruncated) {
     EXPECT_EQ(rate(most, most), "100%");
 }
 
-TEST(Descriptions, ProfileSaysHowOftenItHasBreaks) {
+TEST(Descriptions, ProfileSummaryStatesTheBreakInterval) {
     Profile profile;
     profile.breakInterval = 25;
     EXPECT_EQ(breakSummary(profile), "Off");

@@ -1,5 +1,5 @@
-// Rules for every view, in any language and direction: nothing is cut off or left untranslated, and
-// every control has a name and can be reached with the keyboard.
+// Checks every view in several languages and both directions: nothing is cut off or untranslated,
+// and every control has a name and can be reached with the keyboard.
 
 #include "support/Face.h"
 #include "tour/PseudoLocale.h"
@@ -80,7 +80,7 @@ std::vector<Place> places() {
 class EveryViewTest : public Face {
 protected:
     void SetUp() override {
-        settings().grayscaleEnabled.set(true); // shows one more note
+        settings().grayscaleEnabled.set(true); // shows an additional note
     }
     void TearDown() override {
         Face::TearDown();
@@ -98,7 +98,7 @@ protected:
         }
     }
 
-    /// Returns whether Qt made the widget as a part of a control.
+    /// Returns whether Qt created the widget as part of a control.
     static bool isPartOfAControl(const QWidget& child) {
         const auto* const parent = child.parentWidget();
         return qobject_cast<const QComboBox*>(parent) != nullptr ||
@@ -173,7 +173,7 @@ private:
     PseudoLocale translator_;
 };
 
-/// Counts the windows that are shown while it exists.
+/// Counts the windows that are shown during its lifetime.
 struct WindowCounter : QObject {
     int shown = 0;
 
@@ -185,7 +185,7 @@ struct WindowCounter : QObject {
     }
 };
 
-TEST_F(EveryViewTest, NoTopLevelWindowIsShownWhileAViewIsMade) {
+TEST_F(EveryViewTest, NoTopLevelWindowIsShownWhileAViewIsCreated) {
     for (const auto& place : places()) {
         const WindowCounter windows;
         const auto made = place.make(realViews, desktop.updater);
@@ -197,7 +197,7 @@ TEST_F(EveryViewTest, NothingIsCutOffInEnglish) {
     visitAll([this] { expectNothingIsCutOff(); });
 }
 
-TEST_F(EveryViewTest, NothingIsCutOffOrLeftOutInALongerLanguage) {
+TEST_F(EveryViewTest, NothingIsCutOffOrUntranslatedInALongerLanguage) {
     const InPseudoLocale language;
     visitAll([this] {
         expectNothingIsCutOff();
@@ -216,7 +216,7 @@ TEST_F(EveryViewTest, NothingIsCutOffAtTwiceTheFontSize) {
     QApplication::setFont(font);
 }
 
-TEST_F(EveryViewTest, EveryControlHasANameARoleAndFocus) {
+TEST_F(EveryViewTest, EveryControlHasANameAndARoleAndAcceptsFocus) {
     visitAll([this] {
         for (auto* const child : visibleWidgets()) {
             const auto isControl = qobject_cast<QAbstractButton*>(child) != nullptr ||

@@ -64,7 +64,7 @@ TEST_F(FeedbackPreferencesViewTest, UnfinishedMessageIsKeptWhenTheWindowCloses) 
     EXPECT_EQ(message().toPlainText(), "Half a thou");
 }
 
-TEST_F(FeedbackPreferencesViewTest, AnswerAfterTheWindowHasClosedIsSafe) {
+TEST_F(FeedbackPreferencesViewTest, ResponseAfterTheWindowHasClosedIsHandled) {
     QTest::keyClicks(&message(), "Dark is good.");
     click("sendButton");
     view.reset();

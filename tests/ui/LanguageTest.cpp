@@ -13,7 +13,7 @@
 namespace nocta {
 namespace {
 
-/// Records the requested texts and translates nothing.
+/// Records the requested texts without translating them.
 class Recorder final : public QTranslator {
 public:
     mutable std::set<QString> asked;
@@ -48,7 +48,7 @@ std::set<QString> textsInFile() {
 
 class LanguageTest : public Face {};
 
-TEST_F(LanguageTest, EnglishHasSingulars) {
+TEST_F(LanguageTest, EnglishUsesSingulars) {
     settings().breakIntervalMinutes.set(1);
     settings().breakDurationSeconds.set(1);
     const Language english(QLocale(QStringLiteral("en_GB")));
@@ -66,7 +66,7 @@ TEST_F(LanguageTest, LanguageWithoutAFileFallsBackToEnglish) {
     EXPECT_EQ(control<QComboBox>("intervalPicker").currentText(), "Every 1 minute");
 }
 
-TEST_F(LanguageTest, TranslatorsFindEveryTextThatIsShown) {
+TEST_F(LanguageTest, TranslationFileContainsEveryTextThatIsShown) {
     const Recorder recorder;
     desktop.displays.takesTables = false;
     desktop.filter.hasEntryPoint = false;
@@ -105,7 +105,7 @@ TEST_F(LanguageTest, TranslatorsFindEveryTextThatIsShown) {
     for (const auto& text : expected) {
         EXPECT_TRUE(found.contains(text))
             << text.toStdString()
-            << " should be in the file; build the target translations to update the files";
+            << " should be in the file; to update it, build the target translations";
     }
 }
 

@@ -25,9 +25,9 @@ protected:
     QString status() { return control<QLabel>("breakStatus").text(); }
     double brightness() { return settings().unifiedBrightness.get(); }
 
-    /// Returns the position of the knob on the slider at that value.
+    /// Returns the position of the knob at the given percentage.
     static QPoint placeOf(const QSlider& slider, int percent) {
-        constexpr int reach = 12; // half the knob, and the ring around it
+        constexpr int reach = 12; // half the knob and the focus ring around it
         const auto way = slider.width() - 2 * reach;
         const auto along = slider.isRightToLeft() ? 100 - percent : percent;
         return {reach + way * along / 100, slider.height() / 2};
@@ -43,7 +43,7 @@ TEST_F(PopoverContentViewTest, OpensWithTheCurrentValue) {
     EXPECT_EQ(slider().value(), 75);
     EXPECT_EQ(slider().accessibleName(), "Brightness");
     EXPECT_TRUE(desktop.userDefaults.table.stored().empty())
-        << "showing a value should write nothing";
+        << "showing a value should not write anything";
 }
 
 TEST_F(PopoverContentViewTest, KeysMoveByOneAndByTenPercent) {
@@ -69,7 +69,7 @@ TEST_F(PopoverContentViewTest, EveryStepShowsItsPercentage) {
 TEST_F(PopoverContentViewTest, DraggingTheKnobWritesOnceForEachStep) {
     const auto start = placeOf(slider(), 75);
     QTest::mousePress(&slider(), Qt::LeftButton, {}, start);
-    EXPECT_TRUE(calls("setDouble").empty()) << "a press on the knob should write nothing";
+    EXPECT_TRUE(calls("setDouble").empty()) << "pressing the knob should not write anything";
     for (int percent = 74; percent >= 30; --percent) {
         QTest::mouseMove(&slider(), placeOf(slider(), percent));
     }
@@ -77,10 +77,10 @@ TEST_F(PopoverContentViewTest, DraggingTheKnobWritesOnceForEachStep) {
     EXPECT_EQ(brightness(), 0.3);
     EXPECT_EQ(calls("setDouble").size(), 45U);
     QTest::mouseMove(&slider(), placeOf(slider(), 80));
-    EXPECT_EQ(brightness(), 0.3) << "the slider should not follow after the release";
+    EXPECT_EQ(brightness(), 0.3) << "the slider should not move after the release";
 }
 
-TEST_F(PopoverContentViewTest, DragBeyondTheEndStopsThere) {
+TEST_F(PopoverContentViewTest, DragBeyondTheEndStopsAtTheEnd) {
     QTest::mousePress(&slider(), Qt::LeftButton, {}, placeOf(slider(), 75));
     QTest::mouseMove(&slider(), QPoint(2000, 5));
     EXPECT_EQ(brightness(), 1.0);
@@ -89,7 +89,7 @@ TEST_F(PopoverContentViewTest, DragBeyondTheEndStopsThere) {
     QTest::mouseRelease(&slider(), Qt::LeftButton);
 }
 
-TEST_F(PopoverContentViewTest, ClickBesideTheKnobMovesItThere) {
+TEST_F(PopoverContentViewTest, ClickBesideTheKnobMovesTheKnobThere) {
     QTest::mouseClick(&slider(), Qt::LeftButton, {}, placeOf(slider(), 20));
     EXPECT_EQ(brightness(), 0.2);
     QTest::mouseClick(&slider(), Qt::RightButton, {}, placeOf(slider(), 90));
@@ -101,10 +101,10 @@ TEST_F(PopoverContentViewTest, WheelMovesTheSlider) {
     QWheelEvent down(place, slider().mapToGlobal(place), {}, QPoint(0, -120), Qt::NoButton, {},
                      Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(&slider(), &down);
-    EXPECT_EQ(shownBrightness(), "72%") << "the wheel should move it by three lines";
+    EXPECT_EQ(shownBrightness(), "72%") << "the wheel should move the slider by three steps";
 }
 
-TEST_F(PopoverContentViewTest, MirroredSliderGrowsToTheLeft) {
+TEST_F(PopoverContentViewTest, MirroredSliderIncreasesToTheLeft) {
     widget().setLayoutDirection(Qt::RightToLeft);
     QTest::mouseClick(&slider(), Qt::LeftButton, {}, placeOf(slider(), 20));
     EXPECT_EQ(brightness(), 0.2);
@@ -113,7 +113,7 @@ TEST_F(PopoverContentViewTest, MirroredSliderGrowsToTheLeft) {
     EXPECT_EQ(shownBrightness(), "21%");
 }
 
-TEST_F(PopoverContentViewTest, ChangeFromElsewhereMovesTheViewAndIsNotWrittenBack) {
+TEST_F(PopoverContentViewTest, ExternalChangeUpdatesTheViewAndIsNotWrittenBack) {
     settings().unifiedBrightness.set(0.5625);
     EXPECT_EQ(shownBrightness(), "56%");
     EXPECT_EQ(slider().value(), 56);
@@ -157,7 +157,7 @@ TEST_F(PopoverContentViewTest, ArrowKeysSelectTheSegments) {
     EXPECT_TRUE(button("Manual").hasFocus());
 }
 
-TEST_F(PopoverContentViewTest, EyeReliefFollowsAndWritesItsSettingAndDoesNotChangeTheWarmth) {
+TEST_F(PopoverContentViewTest, EyeReliefToggleIsBoundToItsSettingAndDoesNotChangeTheWarmth) {
     click("Manual");
     click("grayscaleToggle");
     EXPECT_TRUE(settings().grayscaleEnabled.get());
@@ -202,10 +202,10 @@ TEST_F(PopoverContentViewTest, UpdatesCanBeCheckedIfTheUpdaterAllowsIt) {
     desktop.updater.present = Updater::Availability::noFeed;
     open(realViews.makePopoverContentView([] {}), QSize(300, 280));
     EXPECT_EQ(button("Check for Updates").toolTip(),
-              "This build of Nocta does not know where to look for updates.");
+              "This build of Nocta has no address for updates.");
 }
 
-/// Counts the texts that are requested while it exists.
+/// Counts the texts that are requested during its lifetime.
 class TextCounter final : public QTranslator {
 public:
     mutable int texts = 0;
@@ -236,7 +236,7 @@ TEST_F(PopoverContentViewTest, ClosedViewDoesNotUpdate) {
     EXPECT_EQ(changeAll(), 0);
 }
 
-TEST_F(PopoverContentViewTest, ToolTipSaysWhatTheDesktopLacksAndTheSettingIsStillWritten) {
+TEST_F(PopoverContentViewTest, ToolTipNamesTheMissingFeatureAndTheSettingIsStillWritten) {
     EXPECT_EQ(slider().toolTip(), "");
     desktop.displays.takesTables = false;
     open(realViews.makePopoverContentView([] {}), QSize(300, 280));

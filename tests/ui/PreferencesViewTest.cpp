@@ -70,7 +70,7 @@ TEST_F(PreferencesViewTest, IconIsChosenByItsSymbol) {
     EXPECT_TRUE(button("Sparkles").isChecked());
 }
 
-TEST_F(PreferencesViewTest, EyeReliefDisablesTheColorsAndSaysWhy) {
+TEST_F(PreferencesViewTest, EyeReliefDisablesTheColorControlsAndExplainsWhy) {
     const auto note = "Color settings are disabled while Grayscale mode is active.";
     choose("Color");
     EXPECT_FALSE(shows(note));
@@ -88,7 +88,7 @@ TEST_F(PreferencesViewTest, EyeReliefDisablesTheColorsAndSaysWhy) {
     EXPECT_TRUE(control("warmthSlider").isEnabled());
 }
 
-TEST_F(PreferencesViewTest, ResetMovesEveryOpenControlAndDoesNotChangeTheFirstLaunch) {
+TEST_F(PreferencesViewTest, ResetUpdatesEveryOpenControlAndDoesNotRestartOnboarding) {
     settings().isFirstLaunch.set(false);
     settings().unifiedBrightness.set(0.1);
     settings().breakIntervalMinutes.set(45);
@@ -101,7 +101,7 @@ TEST_F(PreferencesViewTest, ResetMovesEveryOpenControlAndDoesNotChangeTheFirstLa
     EXPECT_EQ(control<QSpinBox>("dayTemperature").value(), 6500);
 }
 
-TEST_F(PreferencesViewTest, BrightnessTabExplainsAndSetsTheBrightness) {
+TEST_F(PreferencesViewTest, BrightnessTabDescribesAndSetsTheBrightness) {
     choose("Brightness");
     for (const auto* const line :
          {"Nocta extends your brightness range beyond what macOS allows. The setting applies to "
@@ -131,7 +131,7 @@ TEST_F(PreferencesViewTest, ColorTabShowsTheTemperaturesWithTheirDescriptions) {
     night.selectAll();
     QTest::keyClicks(&night, "3800");
     EXPECT_EQ(settings().colorTemperatureNight.get(), 2800)
-        << "a number should not count before it is entered";
+        << "a number should not take effect before it is entered";
     QTest::keyClick(&night, Qt::Key_Return);
     EXPECT_EQ(settings().colorTemperatureNight.get(), 3800);
     EXPECT_TRUE(shows("Warm"));
@@ -198,7 +198,7 @@ TEST_F(PreferencesViewTest, StatisticsFollowTheTimer) {
     EXPECT_EQ(text("completionRate"), "71%");
 }
 
-TEST_F(PreferencesViewTest, ToolTipSaysWhatTheDesktopLacks) {
+TEST_F(PreferencesViewTest, ToolTipExplainsWhyLocationIsUnavailable) {
     EXPECT_EQ(button("grayscaleToggle").toolTip(), "");
     EXPECT_EQ(button("locationToggle").toolTip(), "");
     const auto shown = [&] { return button("locationToggle").toolTip(); };
@@ -210,7 +210,7 @@ TEST_F(PreferencesViewTest, ToolTipSaysWhatTheDesktopLacks) {
     EXPECT_EQ(shown(), "");
 }
 
-TEST_F(PreferencesViewTest, ToolTipSaysThatTheGrayFilterIsMissing) {
+TEST_F(PreferencesViewTest, ToolTipExplainsThatTheGrayFilterIsMissing) {
     view.reset();
     dropProgram();
     desktop.filter.hasEntryPoint = false;

@@ -26,7 +26,7 @@ std::map<const QPaintDevice*, std::vector<std::string>> drawnSymbols;
 }
 
 // The linker redirects every call of nocta::drawSymbol to this function (`--wrap` in
-// tests/CMakeLists.txt), so that the tests know which symbol was painted on which widget.
+// tests/CMakeLists.txt) so that the tests can record which symbol is painted on which widget.
 #define NOCTA_DRAW_SYMBOL _ZN5nocta10drawSymbolER8QPainterRK6QRectFRK7QStringRK6QColor
 #define NOCTA_JOINED(prefix, name) prefix##name
 #define NOCTA_NAME(prefix, name) NOCTA_JOINED(prefix, name)
@@ -61,7 +61,7 @@ protected:
     }
 
     /// Returns the content of the view in order: texts unchanged, symbols in angle brackets, and
-    /// each control after its kind.
+    /// each control with its kind in front.
     Lines shown() {
         drawnSymbols.clear();
         widget().grab();
@@ -125,7 +125,7 @@ private:
         }
     }
 
-    /// Checks that the layout is in reading order: each part is to the right of the last one or
+    /// Checks that the layout is in reading order: each part is to the right of the previous one or
     /// below it.
     void expectAfterTheLast(const QWidget& part, const std::string& line) {
         constexpr int tolerance = 8; // points

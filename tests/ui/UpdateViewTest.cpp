@@ -32,7 +32,7 @@ TEST_F(UpdateViewTest, UserIsAskedWhetherToCheck) {
     EXPECT_EQ(calls(), std::vector<std::string>{"dismiss"});
 }
 
-TEST_F(UpdateViewTest, ReleaseIsDescribedAndCanBeAnswered) {
+TEST_F(UpdateViewTest, ReleaseIsDescribedAndButtonsWork) {
     const UpdateFound found = {.version = "1.3", .releaseNotes = "<b>Darker</b>\nnights"};
     openAt(found);
     EXPECT_TRUE(shows("Nocta 1.3 is available"));
@@ -86,7 +86,7 @@ TEST_F(UpdateViewTest, OutcomesAreShown) {
     EXPECT_EQ(calls(), std::vector<std::string>{"dismiss"});
 }
 
-TEST_F(UpdateViewTest, EscapeMeansNotNow) {
+TEST_F(UpdateViewTest, EscapeDismissesTheUpdate) {
     openAt(UpdateFound{.version = "1.3", .releaseNotes = "Darker nights"});
     QTest::keyClick(&control<QPlainTextEdit>("releaseNotes"), Qt::Key_Escape);
     EXPECT_EQ(calls(), std::vector<std::string>{"dismiss"});

@@ -8,7 +8,7 @@
 namespace nocta {
 namespace {
 
-TEST(DisplayServerName, NamesOfTheSameXServerAreEqual) {
+TEST(DisplayServerName, SameXServerAlwaysHasTheSameName) {
     for (const auto* const display : {":0", ":0.0", ":0.1", "unix:0", "unix:0.0", "unix:0.1"}) {
         EXPECT_EQ(xServerName(display), ":0") << display;
     }
@@ -23,7 +23,7 @@ TEST(DisplayServerName, DifferentXServersHaveDifferentNames) {
     EXPECT_EQ(xServerName("remote:0.1"), xServerName("remote:0"));
 }
 
-TEST(DisplayServerName, NameThatCannotBeParsedIsUnchanged) {
+TEST(DisplayServerName, UnparsableNameIsUnchanged) {
     for (const auto* const display : {"", "nonsense", "no:number"}) {
         EXPECT_EQ(xServerName(display), display);
     }

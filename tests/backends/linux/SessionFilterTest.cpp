@@ -34,7 +34,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Session, DisplayFilterContract, SessionFilterHarn
 
 namespace {
 
-TEST(SessionFilter, GrayThatTheUserSetIsReadOnLaunch) {
+TEST(SessionFilter, GraySetByTheUserIsReadOnLaunch) {
     bool isGray = true;
     SessionFilter filter(std::make_unique<FakeGrayscale>(isGray));
     EXPECT_EQ(filter.getType(1), 1);
@@ -52,7 +52,7 @@ TEST(SessionFilter, OtherCategoriesChangeNothing) {
     EXPECT_FALSE(filter.getCategoryEnabled(2));
 }
 
-TEST(SessionFilter, SessionThatCannotTurnGrayHasNoLibrary) {
+TEST(SessionFilter, SessionWithoutAGrayFilterHasNoLibrary) {
     SessionFilter filter(nullptr);
     EXPECT_EQ(filter.open("/usr/lib/libUniversalAccess.dylib"), 0U);
     EXPECT_FALSE(filter.symbol(0, "_UniversalAccessDStart"));

@@ -6,7 +6,7 @@ namespace nocta {
 namespace {
 
 /// The functions are missing because the test program does not link to their framework.
-TEST(MediaAccessibilityFilter, MissingFunctionsDoNothingAndReturnZero) {
+TEST(MediaAccessibilityFilter, MissingFunctionsAreNotCalledAndReturnZero) {
     MediaAccessibilityFilter filter;
     filter.setType(1, 1);
     filter.setCategoryEnabled(1, true);

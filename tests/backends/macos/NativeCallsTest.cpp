@@ -75,12 +75,12 @@ void expectEachOnce(std::span<const NativeCall> calls) {
     }
 }
 
-TEST(NativeCalls, EachAppearsInItsFileOnceExactlyAsInTheTables) {
+TEST(NativeCalls, EachCallAppearsExactlyOnceInItsFile) {
     expectEachOnce(nativeServiceCalls);
     expectEachOnce(nativeShellCalls);
 }
 
-TEST(NativeCalls, AppearInNoOtherFile) {
+TEST(NativeCalls, CallsAppearInNoOtherFile) {
     const std::regex call(
         R"(\b(?:CG|NS|CL|UN|SM|SPU|MADisplayFilter|DisplayServices)[A-Z]\w+\s*[(*.\]:])");
     for (const auto& entry : fs::recursive_directory_iterator(root)) {

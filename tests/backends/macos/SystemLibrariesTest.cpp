@@ -9,7 +9,7 @@ std::int32_t lastNumber = 0;
 } // namespace
 
 extern "C" {
-/// Exported, so that `dlsym` finds it by name like the entry point of a library.
+/// Exported so that `dlsym` finds it by name, like an entry point of a library.
 __attribute__((visibility("default"), used)) void noctaTestEntryPoint(std::int32_t number) {
     lastNumber = number;
 }
@@ -23,7 +23,7 @@ TEST(SystemLibraries, MissingLibraryHasNoHandle) {
     EXPECT_EQ(libraries.open("/nowhere/libnocta.dylib"), 0U);
 }
 
-TEST(SystemLibraries, EntryPointIsCalledWithItsNumber) {
+TEST(SystemLibraries, EntryPointIsCalledWithItsArgument) {
     SystemLibraries libraries;
     const auto program = reinterpret_cast<DynamicLibraries::Handle>(dlopen(nullptr, RTLD_NOW));
     const auto entryPoint = libraries.symbol(program, "noctaTestEntryPoint");

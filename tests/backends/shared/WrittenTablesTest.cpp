@@ -41,7 +41,7 @@ TEST_F(WrittenTablesTest, NothingIsSentAgainBeforeTheFirstWrite) {
     EXPECT_EQ(sentAgain(), "");
 }
 
-TEST_F(WrittenTablesTest, EachDisplayGetsItsLastTablesAgain) {
+TEST_F(WrittenTablesTest, LastTablesOfEachDisplayAreSentAgain) {
     write(panel, 10);
     write(monitor, 20);
     write(panel, 30);
@@ -50,7 +50,7 @@ TEST_F(WrittenTablesTest, EachDisplayGetsItsLastTablesAgain) {
         << "the tables should be sent again at every wake";
 }
 
-TEST_F(WrittenTablesTest, DisplayWithoutAWriteGetsNothing) {
+TEST_F(WrittenTablesTest, DisplayWithoutAWriteIsNotSentAgain) {
     write(panel, 10);
     written.keepOnly(std::array{panel, monitor});
     EXPECT_EQ(sentAgain(), "1: 10 11 12\n");
@@ -66,13 +66,13 @@ TEST_F(WrittenTablesTest, UnpluggedDisplayWaitsForTheNextWrite) {
     EXPECT_EQ(sentAgain(), "1: 10 11 12\n2: 30 31 32\n");
 }
 
-TEST_F(WrittenTablesTest, WithoutAnyDisplayEverythingIsForgotten) {
+TEST_F(WrittenTablesTest, TablesAreForgottenWithoutAnyDisplay) {
     write(panel, 10);
     written.keepOnly({});
     EXPECT_EQ(sentAgain(), "");
 }
 
-TEST_F(WrittenTablesTest, NothingIsSentAfterTheScreenWasGivenBack) {
+TEST_F(WrittenTablesTest, NothingIsSentAgainAfterTheScreenIsGivenBack) {
     write(panel, 10);
     written.clear();
     EXPECT_EQ(sentAgain(), "");

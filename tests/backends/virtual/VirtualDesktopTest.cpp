@@ -227,7 +227,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, UserNotificationCenterContract,
 
 namespace {
 
-TEST(VirtualDesktop, TraceKeepsEveryCallInOrderWithItsSimulatedTime) {
+TEST(VirtualDesktop, TraceRecordsEveryCallInOrderWithItsSimulatedTime) {
     VirtualDesktop desktop;
     desktop.displays.plug({.id = 7, .isBuiltIn = true});
     const auto start = desktop.runLoop.wallNow();
@@ -240,7 +240,7 @@ TEST(VirtualDesktop, TraceKeepsEveryCallInOrderWithItsSimulatedTime) {
     EXPECT_EQ(desktop.trace.entries()[1].time, start + 1s);
 }
 
-TEST(VirtualDesktop, FailingGammaLeavesTheTablesAsTheyWere) {
+TEST(VirtualDesktop, FailingGammaWriteDoesNotChangeTheTables) {
     VirtualDesktop desktop;
     desktop.displays.plug({.id = 7, .gammaFails = true});
     const std::array<float, 256> table{};
@@ -249,7 +249,7 @@ TEST(VirtualDesktop, FailingGammaLeavesTheTablesAsTheyWere) {
     EXPECT_TRUE(desktop.displays.display(7).red.empty());
 }
 
-TEST(VirtualDesktop, FailingListHasNoDisplays) {
+TEST(VirtualDesktop, FailingDisplayListIsEmpty) {
     VirtualDesktop desktop;
     desktop.displays.plug({.id = 7});
     desktop.displays.listFails = true;
@@ -258,7 +258,7 @@ TEST(VirtualDesktop, FailingListHasNoDisplays) {
     EXPECT_EQ(count, 0U);
 }
 
-TEST(VirtualDesktop, RefusedTapAndMonitorAreEmptySubscriptions) {
+TEST(VirtualDesktop, RejectedTapAndMonitorAreEmptySubscriptions) {
     VirtualDesktop desktop;
     desktop.keyboard.tapIsRefused = true;
     desktop.keyboard.monitorIsRefused = true;

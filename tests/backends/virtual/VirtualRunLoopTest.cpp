@@ -41,7 +41,7 @@ TEST(VirtualRunLoop, NothingHappensUntilTimeIsAdvanced) {
     runLoop.post([] { FAIL(); });
 }
 
-TEST(VirtualRunLoop, FiresByDeadlineAndThenByOrderOfScheduling) {
+TEST(VirtualRunLoop, FiresInOrderOfDeadlineAndThenOfScheduling) {
     VirtualRunLoop runLoop;
     std::string order;
     Timer late;
@@ -54,7 +54,7 @@ TEST(VirtualRunLoop, FiresByDeadlineAndThenByOrderOfScheduling) {
     EXPECT_EQ(order, "abc");
 }
 
-TEST(VirtualRunLoop, JumpsFromDeadlineToDeadlineWithBothClocks) {
+TEST(VirtualRunLoop, BothClocksJumpFromDeadlineToDeadline) {
     VirtualRunLoop runLoop;
     const auto wall = runLoop.wallNow();
     const auto monotonic = runLoop.monotonicNow();

@@ -14,7 +14,7 @@
 namespace nocta {
 namespace {
 
-TEST(ApplicationIdentity, KnownApplicationsHaveTheBundleIdentifiersOfOtherSystems) {
+TEST(ApplicationIdentity, KnownApplicationsMapToMacOsBundleIdentifiers) {
     struct Case {
         ApplicationIdentity identity;
         std::string bundleIdentifier;
@@ -55,7 +55,7 @@ TEST(ApplicationIdentity, KnownApplicationsHaveTheBundleIdentifiersOfOtherSystem
     }
 }
 
-TEST(ApplicationIdentity, EveryOtherApplicationHasItsOwnIdentifier) {
+TEST(ApplicationIdentity, OtherApplicationsKeepTheirOwnIdentifier) {
     struct Case {
         ApplicationIdentity identity;
         std::string bundleIdentifier;
@@ -88,7 +88,7 @@ protected:
     }
 };
 
-TEST_F(FlatpakInfoTest, NamesTheApplication) {
+TEST_F(FlatpakInfoTest, ReturnsTheApplicationId) {
     EXPECT_EQ(idIn("[Application]\nname=us.zoom.Zoom\nruntime=runtime/org.example/x86_64\n\n"
                    "[Instance]\nname=other\n"),
               "us.zoom.Zoom");
@@ -96,7 +96,7 @@ TEST_F(FlatpakInfoTest, NamesTheApplication) {
               "com.slack.Slack");
 }
 
-TEST_F(FlatpakInfoTest, IsEmptyWithoutAName) {
+TEST_F(FlatpakInfoTest, ReturnsAnEmptyIdWithoutAName) {
     for (const auto* const text :
          {"", "\n\n", "name=a", "[Application]", "[Application]\nname=", "[Application]\nname",
           "[Application]\nname=a b", "[Application]\nname=../../etc", "[Runtime]\nname=a",

@@ -21,7 +21,7 @@ protected:
     }
 };
 
-TEST_F(BacklightDeviceTest, NoDeviceWithoutABacklight) {
+TEST_F(BacklightDeviceTest, NoDeviceIfThereIsNoBacklight) {
     EXPECT_EQ(of("eDP-1"), "none");
     sysfs.addConnector("card0", "eDP-1");
     EXPECT_EQ(of("eDP-1"), "none");
@@ -38,10 +38,10 @@ TEST_F(BacklightDeviceTest, FirmwareIsPreferredToPlatformAndPlatformToRaw) {
     EXPECT_EQ(of("eDP-1"), "z-firmware");
     sysfs.addBacklight("y-firmware", "firmware", Sysfs::platform());
     EXPECT_EQ(of("eDP-1"), "y-firmware")
-        << "the first name should win between devices of the same type";
+        << "the first name should win among devices of the same type";
 }
 
-TEST_F(BacklightDeviceTest, EachOfTwoPanelsHasTheDeviceOfItsConnector) {
+TEST_F(BacklightDeviceTest, EachPanelUsesTheDeviceOfItsConnector) {
     sysfs.addConnector("card0", "eDP-1");
     sysfs.addConnector("card0", "eDP-2");
     sysfs.addConnector("card0", "DSI-1");
@@ -63,7 +63,7 @@ TEST_F(BacklightDeviceTest, EachOfTwoPanelsHasTheDeviceOfItsConnector) {
     }
 }
 
-TEST_F(BacklightDeviceTest, NameDoesNotMatterIfOneBuiltInConnectorIsConnected) {
+TEST_F(BacklightDeviceTest, NameIsIgnoredIfOneBuiltInConnectorIsConnected) {
     sysfs.addConnector("card0", "eDP-1", "disconnected");
     sysfs.addConnector("card0", "DP-1");
     sysfs.addConnector("card1", "eDP-2");
@@ -87,7 +87,7 @@ TEST_F(BacklightDeviceTest, DeviceOfTheSameCardIsPreferredToOneWithoutACard) {
     EXPECT_EQ(of("eDP-2"), "z-own-connector");
 }
 
-TEST_F(BacklightDeviceTest, NoDeviceIfAllDevicesLightOtherDisplays) {
+TEST_F(BacklightDeviceTest, NoDeviceIfAllDevicesBelongToOtherDisplays) {
     sysfs.addConnector("card0", "eDP-1");
     sysfs.addConnector("card0", "DSI-1");
     sysfs.addConnector("card1", "HDMI-A-1");

@@ -40,7 +40,7 @@ TEST(LogindBrightness, AsksLogindForThisSession) {
     EXPECT_EQ(call.arguments(), (QVariantList{"backlight", "intel_backlight", 10666U}));
 }
 
-TEST(LogindBrightness, FailsWhileTheSystemBusIsGone) {
+TEST(LogindBrightness, FailsWhileTheSystemBusIsUnavailable) {
     {
         const PrivateBus bus(systemBus);
         EXPECT_TRUE(setBrightnessThroughLogind("intel_backlight", 1));

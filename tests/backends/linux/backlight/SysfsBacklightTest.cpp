@@ -91,7 +91,7 @@ TEST(SysfsBacklight, LowLevelOnACoarseDeviceIsNotOff) {
     EXPECT_EQ(std::stoi(harness.level("panel")), 0);
 }
 
-TEST(SysfsBacklight, InvalidFilesAreAFailure) {
+TEST(SysfsBacklight, InvalidFilesCannotBeRead) {
     for (const auto& [largest, current] :
          {std::pair{"", "5"}, std::pair{"0", "0"}, std::pair{"-7", "5"}, std::pair{"100", "dim"},
           std::pair{"99999999999999999999", "5"}}) {
@@ -104,7 +104,7 @@ TEST(SysfsBacklight, InvalidFilesAreAFailure) {
     EXPECT_EQ(harness.read(), 1.0F) << "a level above the maximum should read as 1";
 }
 
-TEST(SysfsBacklight, LevelOutsideTheRangeIsRefused) {
+TEST(SysfsBacklight, LevelOutsideTheRangeIsRejected) {
     SysfsHarness harness;
     for (const auto level : {-0.1F, 1.1F, std::numeric_limits<float>::quiet_NaN()}) {
         EXPECT_NE(harness.port.setBrightness(harness.builtIn, level), statusSuccess);

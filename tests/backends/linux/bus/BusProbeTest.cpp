@@ -17,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 using State = BusProbe::State;
 
-TEST(BusProbe, BusThatAnswersIsFound) {
+TEST(BusProbe, RunningBusIsFound) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     BusProbe probe(bus.address());
     EXPECT_EQ(probe.waitFor(10s), State::answered);
@@ -39,14 +39,14 @@ TEST(BusProbe, AnswerIsRead) {
     EXPECT_EQ(withArgument.answer()->string(), "org.freedesktop.DBus");
 }
 
-TEST(BusProbe, ErrorIsAnAnswer) {
+TEST(BusProbe, ErrorCountsAsAnAnswer) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     BusProbe probe(bus.address(), {.service = "org.nobody.There"});
     EXPECT_EQ(probe.waitFor(10s), State::answered);
     EXPECT_TRUE(probe.answer()->isError());
 }
 
-TEST(BusProbe, MuteBusIsStillPendingAfterTheTimeout) {
+TEST(BusProbe, SilentBusIsStillPendingAfterTheTimeout) {
     for (const auto after :
          {MuteBus::After::accepting, MuteBus::After::authentication, MuteBus::After::hello}) {
         const MuteBus bus(after);
@@ -55,7 +55,7 @@ TEST(BusProbe, MuteBusIsStillPendingAfterTheTimeout) {
     }
 }
 
-TEST(BusProbe, BusThatAnswersLateIsFound) {
+TEST(BusProbe, SlowBusIsFound) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     bus.signal(SIGSTOP);
     BusProbe probe(bus.address());
@@ -72,7 +72,7 @@ TEST(BusProbe, AddressWithoutABusFailsImmediately) {
     }
 }
 
-TEST(BusProbe, FirstWorkingAddressOfAListIsUsed) {
+TEST(BusProbe, FirstWorkingAddressInTheListIsUsed) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     auto escaped = bus.address();
     escaped.replace(escaped.rfind('_'), 1, "%5f");
@@ -97,7 +97,7 @@ TEST(BusProbe, DefaultSocketIsUsedWithoutAnAddress) {
     setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
 }
 
-TEST(BusMessage, JunkDoesNoHarm) {
+TEST(BusMessage, CorruptedMessagesAreHandled) {
     const auto good = busCall(7, {.arguments = {"a", "bc"}});
     ASSERT_TRUE(BusMessage::read(good));
     EXPECT_FALSE(BusMessage::read(good)->isDamaged());

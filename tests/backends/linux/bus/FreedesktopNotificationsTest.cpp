@@ -29,8 +29,7 @@ QDBusMessage signalOf(const QString& name) {
     return QDBusMessage::createSignal("/org/freedesktop/Notifications", serviceName, name);
 }
 
-/// A notification service for the test. It records every call; the test sets which calls it
-/// answers.
+/// A mock notification service. It records every call; a test sets which calls it answers.
 class MockService final : public QDBusVirtualObject {
 public:
     explicit MockService(const PrivateBus& bus)
@@ -47,7 +46,7 @@ public:
     bool answers = true;
     bool answersNotify = true;
     unsigned int nextId = 1;
-    int questions = 0; ///< the number of calls that ask for the capabilities
+    int questions = 0; ///< the number of requests for the capabilities
     std::vector<QVariantList> shown;
 
     void invoke(unsigned int id, const QString& action) {
@@ -175,7 +174,7 @@ protected:
     }
 };
 
-TEST_F(FreedesktopNotificationsTest, ServiceWithoutButtonsGrantsAndIsSentNoButtons) {
+TEST_F(FreedesktopNotificationsTest, ServiceWithoutButtonSupportIsAuthorizedAndGetsNoButtons) {
     service->capabilities = QStringList{"body"};
     makeCenter();
     request();
@@ -185,7 +184,7 @@ TEST_F(FreedesktopNotificationsTest, ServiceWithoutButtonsGrantsAndIsSentNoButto
     EXPECT_EQ(service->shown.at(0).at(5).toStringList(), QStringList());
 }
 
-TEST_F(FreedesktopNotificationsTest, WithoutAServiceThereIsNoGrant) {
+TEST_F(FreedesktopNotificationsTest, AuthorizationFailsWithoutAService) {
     service.reset();
     makeCenter();
     request();
@@ -193,7 +192,7 @@ TEST_F(FreedesktopNotificationsTest, WithoutAServiceThereIsNoGrant) {
     EXPECT_EQ(answers, (std::vector{Answer{false, "this desktop has no notification service"}}));
 }
 
-TEST_F(FreedesktopNotificationsTest, WithoutTheBusThereIsNoGrant) {
+TEST_F(FreedesktopNotificationsTest, AuthorizationFailsWithoutABus) {
     service.reset();
     bus.reset();
     ASSERT_TRUE(serveUntil([] { return !sessionBus().isConnected(); }));
@@ -207,7 +206,7 @@ TEST_F(FreedesktopNotificationsTest, WithoutTheBusThereIsNoGrant) {
         (std::vector{Answer{false, "there is no session bus to reach a notification service"}}));
 }
 
-TEST_F(FreedesktopNotificationsTest, BusThatGoesAwayBeforeTheAnswerIsAnError) {
+TEST_F(FreedesktopNotificationsTest, LosingTheBusBeforeTheAnswerIsAnError) {
     service->answers = false;
     makeCenter();
     request();
@@ -220,7 +219,7 @@ TEST_F(FreedesktopNotificationsTest, BusThatGoesAwayBeforeTheAnswerIsAnError) {
     EXPECT_EQ(answers.size(), 1U);
 }
 
-TEST_F(FreedesktopNotificationsTest, ServiceThatDiesBeforeTheAnswerIsAnErrorInOneLine) {
+TEST_F(FreedesktopNotificationsTest, ServiceExitBeforeTheAnswerIsAOneLineError) {
     service->answers = false;
     makeCenter();
     request();
@@ -259,7 +258,7 @@ TEST_F(FreedesktopNotificationsTest, ShowsTheTextAndTheButtonsOfTheCategory) {
     EXPECT_EQ(call[7], -1);
 }
 
-TEST_F(FreedesktopNotificationsTest, TextIsNotReadAsMarkup) {
+TEST_F(FreedesktopNotificationsTest, TextIsNotInterpretedAsMarkup) {
     service->capabilities = QStringList{"actions", "body", "body-markup"};
     makeCenter();
     show();
@@ -278,7 +277,7 @@ TEST_F(FreedesktopNotificationsTest, NotificationIsShownAsTheDelegateRequests) {
     center->add(reminder);
     settle();
     EXPECT_EQ(service->questions, 1)
-        << "a notification that is not shown should not cause a question";
+        << "the service should not be queried for a notification that is not shown";
     EXPECT_EQ(service->shown.size(), 1U);
 }
 
@@ -320,7 +319,7 @@ TEST_F(FreedesktopNotificationsTest, OnlyTheServiceCanAnswer) {
     auto intruder =
         QDBusConnection::connectToBus(QString::fromStdString(bus->address()), "an intruder");
     const auto us = sessionBus().baseService();
-    for (const auto& receiver : {QString(), us}) { // a broadcast, and a message to us only
+    for (const auto& receiver : {QString(), us}) { // a broadcast and a direct message
         auto signal =
             receiver.isEmpty()
                 ? signalOf("ActionInvoked")
@@ -336,7 +335,7 @@ TEST_F(FreedesktopNotificationsTest, OnlyTheServiceCanAnswer) {
     QDBusConnection::disconnectFromBus("an intruder");
 }
 
-TEST_F(FreedesktopNotificationsTest, NewServiceHasItsOwnIdsAndIsNotSentOldNotifications) {
+TEST_F(FreedesktopNotificationsTest, NotificationsOfAnExitedServiceAreForgotten) {
     makeCenter();
     show();
     service.reset();
@@ -352,7 +351,7 @@ TEST_F(FreedesktopNotificationsTest, NewServiceHasItsOwnIdsAndIsNotSentOldNotifi
     EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
 }
 
-TEST_F(FreedesktopNotificationsTest, NotificationIsNotSentAgainAfterTheServiceDies) {
+TEST_F(FreedesktopNotificationsTest, NotificationIsNotResentAfterTheServiceExits) {
     service->answersNotify = false;
     makeCenter();
     center->add(reminder);
@@ -380,7 +379,7 @@ TEST_F(FreedesktopNotificationsTest, SignalsWithInvalidArgumentsAreIgnored) {
     EXPECT_EQ(responses, std::vector<std::string>{"LEAVE_OUT"});
 }
 
-TEST_F(FreedesktopNotificationsTest, NothingIsCalledOnceItIsDestroyed) {
+TEST_F(FreedesktopNotificationsTest, NoCallbackRunsAfterDestruction) {
     service->answers = false;
     makeCenter();
     request();
@@ -391,7 +390,7 @@ TEST_F(FreedesktopNotificationsTest, NothingIsCalledOnceItIsDestroyed) {
     center.reset();
     service->invoke(1, "LATER");
     settle();
-    service.reset(); // makes the bus answer the call with an error
+    service.reset(); // the bus then replies to the call with an error
     QCoreApplication::processEvents();
     EXPECT_TRUE(responses.empty());
     EXPECT_TRUE(answers.empty());
@@ -403,7 +402,7 @@ protected:
     void SetUp() override {}
 };
 
-TEST_F(NotificationDaemonTest, ButtonThatIsPressedReachesTheDelegate) {
+TEST_F(NotificationDaemonTest, PressedButtonIsReportedToTheDelegate) {
     const Dunst dunst(bus->address(), "minutes");
 
     makeCenter();

@@ -16,7 +16,7 @@ protected:
     PrivateBus bus{"DBUS_SESSION_BUS_ADDRESS"};
 };
 
-TEST_F(ReducedMotionTest, FollowsTheSettingAndTheSwitchForAnimations) {
+TEST_F(ReducedMotionTest, FollowsTheMotionAndAnimationSettings) {
     SettingsPortal portal(bus);
     portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
     const ReducedMotion motion;
@@ -36,14 +36,14 @@ TEST_F(ReducedMotionTest, FollowsTheSettingAndTheSwitchForAnimations) {
     EXPECT_TRUE(serveUntil([&] { return !motion.isRequested(); }));
 }
 
-TEST_F(ReducedMotionTest, PortalThatStartsAfterTheProgramIsRead) {
+TEST_F(ReducedMotionTest, PortalThatStartsLateIsUsed) {
     const ReducedMotion motion;
     SettingsPortal portal(bus);
     portal.settings["org.gnome.desktop.interface"]["enable-animations"] = false;
     EXPECT_TRUE(serveUntil([&] { return motion.isRequested(); }));
 }
 
-TEST_F(ReducedMotionTest, InvalidAnswersAreIgnoredAndInvalidValuesAreNoPreference) {
+TEST_F(ReducedMotionTest, InvalidAnswersAreIgnoredAndInvalidValuesMeanNoPreference) {
     SettingsPortal portal(bus);
     portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
     const ReducedMotion motion;

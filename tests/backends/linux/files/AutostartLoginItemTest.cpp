@@ -22,8 +22,8 @@ namespace nocta {
 
 namespace fs = std::filesystem;
 
-/// Each access creates a new item for the same entry, so that the test reads what the session will
-/// find.
+/// Each access creates a new item for the same entry, so that the test reads the entry from the
+/// file.
 struct AutostartHarness {
     TemporaryFolder folder;
     std::string entry = folder.path() + "/autostart/nocta.desktop";
@@ -128,7 +128,7 @@ TEST_F(AutostartLoginItemTest, EntryStartsTheProgramByItsPath) {
     EXPECT_EQ(namesInFolder(), std::vector<std::string>{"nocta.desktop"});
 }
 
-TEST_F(AutostartLoginItemTest, EveryProgramPathIsOneWordOfTheCommand) {
+TEST_F(AutostartLoginItemTest, ProgramPathIsAlwaysOneWordOfTheCommand) {
     auto names = oddNames;
     names.insert(names.end(), {"100% sure", "%f", "%%u%"});
     for (const auto& name : names) {
@@ -141,7 +141,7 @@ TEST_F(AutostartLoginItemTest, EveryProgramPathIsOneWordOfTheCommand) {
 }
 
 /// GNOME and other desktops start programs through GLib. GLib looks for the program before it
-/// decodes doubled percent signs, so this test leaves out names that contain percent signs.
+/// decodes doubled percent signs, so this test skips names that contain percent signs.
 TEST_F(AutostartLoginItemTest, ProgramsWithUnusualPathsAreStarted) {
     for (const auto& name : oddNames) {
         const auto program = folder.path() + "/" + name;
@@ -206,7 +206,7 @@ TEST_F(AutostartLoginItemTest, InvalidEntryIsNotRegistered) {
     }
 }
 
-TEST_F(AutostartLoginItemTest, EndlessFileIsNotReadToItsEnd) {
+TEST_F(AutostartLoginItemTest, HugeFileIsNotReadCompletely) {
     EXPECT_EQ(statusOf("[Desktop Entry]\nExec=nocta\n"), Status::enabled);
     fs::resize_file(entry, 1ULL << 40);
     EXPECT_EQ(item.status(), Status::notRegistered);
@@ -222,7 +222,7 @@ TEST_F(AutostartLoginItemTest, NamedPipeDoesNotBlock) {
     EXPECT_EQ(item.status(), Status::enabled);
 }
 
-TEST_F(AutostartLoginItemTest, EndlessDeviceIsNotReadToItsEnd) {
+TEST_F(AutostartLoginItemTest, EndlessDeviceIsNotReadForever) {
     fs::create_directories(autostart);
     fs::create_symlink("/dev/zero", entry);
     EXPECT_EQ(item.status(), Status::notRegistered);
@@ -306,7 +306,7 @@ TEST_F(AutostartLoginItemTest, FolderThatCannotBeCreatedIsAnError) {
     EXPECT_EQ(nowhere.status(), Status::notRegistered);
 }
 
-TEST_F(AutostartLoginItemTest, FullDiskKeepsTheOldEntryAndLeavesNothingElse) {
+TEST_F(AutostartLoginItemTest, FullDiskKeepsTheOldEntryAndLeavesNoOtherFiles) {
     ASSERT_EQ(statusOf("[Desktop Entry]\nExec=nocta\nHidden=true\n"), Status::notRegistered);
     // While no file of this process can grow, every write fails as on a full disk.
     rlimit before{};

@@ -39,7 +39,7 @@ namespace fs = std::filesystem;
 class IniDefaultsStoreTest : public ::testing::Test {
 protected:
     TemporaryFolder folder;
-    mutable ImmediateRunLoop runLoop; // each change gets its own run-loop turn
+    mutable ImmediateRunLoop runLoop; // each change gets a separate turn
     std::string file = folder.path() + "/nocta/nocta.conf";
 
     void prepare(const std::string& content) const {
@@ -47,7 +47,7 @@ protected:
         writeFile(file, content);
     }
 
-    /// Opens the store, sets a value, and returns what was printed on standard error.
+    /// Opens the store, sets a value, and returns the output on standard error.
     std::string saidWhenUsed() const {
         ::testing::internal::CaptureStderr();
         IniDefaultsStore store(file, runLoop);
@@ -74,7 +74,7 @@ TEST_F(IniDefaultsStoreTest, NothingIsWrittenBeforeTheFirstChange) {
     EXPECT_FALSE(fs::exists(file));
 }
 
-TEST_F(IniDefaultsStoreTest, ChangesOfATurnAreWrittenOnceAfterTheScreenIsUpdated) {
+TEST_F(IniDefaultsStoreTest, ChangesInOneTurnAreWrittenOnceAfterTheScreenIsUpdated) {
     VirtualRunLoop loop;
     IniDefaultsStore store(file, loop);
     bool screenIsUpToDate = false;
@@ -94,7 +94,7 @@ TEST_F(IniDefaultsStoreTest, ChangesOfATurnAreWrittenOnceAfterTheScreenIsUpdated
     EXPECT_FALSE(fs::exists(file)) << "nothing should be written without a new change";
 }
 
-TEST_F(IniDefaultsStoreTest, PendingChangesAreWrittenOnDestructionAndBySynchronizing) {
+TEST_F(IniDefaultsStoreTest, PendingChangesAreWrittenOnDestructionAndOnSynchronize) {
     VirtualRunLoop loop;
     std::optional<IniDefaultsStore> store(std::in_place, file, loop);
     store->setInteger(1, "a");
@@ -104,10 +104,10 @@ TEST_F(IniDefaultsStoreTest, PendingChangesAreWrittenOnDestructionAndBySynchroni
     store->setInteger(2, "b");
     store.reset();
     EXPECT_EQ(contentOf(file), "[General]\nb=2\n");
-    loop.advance(Duration::zero()); // the destroyed store must not run its action
+    loop.advance(Duration::zero()); // the action of the destroyed store must not run
 }
 
-TEST_F(IniDefaultsStoreTest, ChangesOfEveryTurnAreInTheFile) {
+TEST_F(IniDefaultsStoreTest, ChangesInEveryTurnAreWritten) {
     IniDefaultsStore store(file, runLoop);
     store.setDouble(0.6875, "unifiedBrightness");
     EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.6875\n");
@@ -119,7 +119,7 @@ TEST_F(IniDefaultsStoreTest, ChangesOfEveryTurnAreInTheFile) {
     EXPECT_EQ(contentOf(file), "[General]\nisFirstLaunch=false\nmenuBarIcon=leaf\n");
 }
 
-TEST_F(IniDefaultsStoreTest, AnotherStoreReadsWhatWasWritten) {
+TEST_F(IniDefaultsStoreTest, AnotherStoreReadsTheWrittenValues) {
     {
         IniDefaultsStore store(file, runLoop);
         store.setDouble(1.0 / 3, "d");
@@ -133,13 +133,13 @@ TEST_F(IniDefaultsStoreTest, AnotherStoreReadsWhatWasWritten) {
     EXPECT_EQ(store.stringForKey("s"), "true");
 }
 
-TEST_F(IniDefaultsStoreTest, OnlyTheUserMayReadTheFile) {
+TEST_F(IniDefaultsStoreTest, OnlyTheUserCanReadTheFile) {
     IniDefaultsStore store(file, runLoop);
     store.setBool(true, "a");
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST_F(IniDefaultsStoreTest, OnlyTheUserMayEnterTheFolderWhateverTheUmask) {
+TEST_F(IniDefaultsStoreTest, OnlyTheUserCanEnterTheFolderWithAnyUmask) {
     for (const mode_t mask : {0000U, 0022U, 0777U}) {
         const auto own = folder.path() + "/" + std::to_string(mask) + "/nocta";
         const auto before = umask(mask);
@@ -171,7 +171,7 @@ TEST_F(IniDefaultsStoreTest, UnparsableFileIsMovedAsideBeforeTheFirstWriteAndNot
     EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.4\n");
 }
 
-TEST_F(IniDefaultsStoreTest, UnparsableFileStaysWhereItIsUntilSomethingIsWritten) {
+TEST_F(IniDefaultsStoreTest, UnparsableFileIsNotMovedBeforeTheFirstWrite) {
     prepare("garbage");
     ::testing::internal::CaptureStderr();
     { const IniDefaultsStore store(file, runLoop); }
@@ -179,7 +179,7 @@ TEST_F(IniDefaultsStoreTest, UnparsableFileStaysWhereItIsUntilSomethingIsWritten
     EXPECT_EQ(contentOf(file), "garbage");
 }
 
-TEST_F(IniDefaultsStoreTest, TruncatedFileKeepsWhatCanBeRead) {
+TEST_F(IniDefaultsStoreTest, ReadableValuesOfATruncatedFileAreKept) {
     prepare("[General]\nwarmthLevel=0.25\nbreakInter");
     ::testing::internal::CaptureStderr();
     IniDefaultsStore store(file, runLoop);
@@ -217,7 +217,7 @@ TEST_F(IniDefaultsStoreTest, UnreadableFileIsMovedAside) {
     EXPECT_EQ(contentOf(file), "[General]\nunifiedBrightness=0.4\n");
 }
 
-TEST_F(IniDefaultsStoreTest, EndlessFileIsNotReadToItsEnd) {
+TEST_F(IniDefaultsStoreTest, HugeFileIsNotReadCompletely) {
     prepare("[General]\n");
     fs::resize_file(file, 1ULL << 40);
     saidWhenUsed();
@@ -270,7 +270,7 @@ TEST_F(IniDefaultsStoreTest, FullDiskKeepsTheOldFileAndIsReportedOnce) {
         << "writing should work once files can grow again";
 }
 
-TEST_F(IniDefaultsStoreTest, DamagedFileOnAFullDiskStaysWhereItIs) {
+TEST_F(IniDefaultsStoreTest, DamagedFileOnAFullDiskIsNotMoved) {
     prepare("[General]\na=1\ngarbage");
     FullDisk disk;
     IniDefaultsStore store(file, runLoop);
@@ -296,7 +296,7 @@ TEST_F(IniDefaultsStoreTest, UnsearchableFolderIsReported) {
     EXPECT_EQ(contentOf(file), "[General]\na=1\n");
 }
 
-TEST_F(IniDefaultsStoreTest, SynchronizingWritesOnlyPendingChanges) {
+TEST_F(IniDefaultsStoreTest, SynchronizeWritesOnlyPendingChanges) {
     IniDefaultsStore store(file, runLoop);
     store.setInteger(1, "a");
     writeFile(file, "[General]\na=5\n"); // as another program would
@@ -320,9 +320,9 @@ TEST_F(IniDefaultsStoreTest, LinkToAMissingFileStaysALink) {
     EXPECT_EQ(contentOf(folder.path() + "/elsewhere.conf"), "[General]\na=2\n");
 }
 
-TEST_F(IniDefaultsStoreTest, FileIsCompleteAfterAKillAtAnyMoment) {
-    // The child writes a counter to two keys, one after the other. Whenever it is killed, the first
-    // key must be equal to the second or one higher.
+TEST_F(IniDefaultsStoreTest, FileIsIntactAfterAKillAtAnyTime) {
+    // The child writes a counter to two keys, one after the other. After a kill, the first key must
+    // be equal to the second or one higher.
     for (int round = 0; round < 40; ++round) {
         const auto child = fork();
         if (child == 0) {
@@ -332,7 +332,7 @@ TEST_F(IniDefaultsStoreTest, FileIsCompleteAfterAKillAtAnyMoment) {
                 store.setInteger(i, "second");
             }
         }
-        // Each round kills the child at a different moment.
+        // Each round kills the child at a different time.
         std::this_thread::sleep_for(std::chrono::microseconds(500 + 137 * round));
         kill(child, SIGKILL);
         waitpid(child, nullptr, 0);

@@ -30,12 +30,12 @@ TEST(IniDocument, ReadsTypedValuesOfTheGeneralSection) {
                                               {"j", 1e20}}));
 }
 
-TEST(IniDocument, OnlyKeysBeforeAnySectionOrInGeneralAreOurs) {
+TEST(IniDocument, OnlyKeysInGeneralOrBeforeAnySectionAreRead) {
     const auto document = IniDocument::parse("a=1\n[Other]\na=2\nb=3\n[General]\nc=4\n");
     EXPECT_EQ(document.values(), (DefaultsMap{{"a", std::int64_t{1}}, {"c", std::int64_t{4}}}));
 }
 
-TEST(IniDocument, WritingKeepsEverythingElseInPlace) {
+TEST(IniDocument, WritingKeepsTheRestOfTheDocument) {
     auto document = IniDocument::parse("; mine\n[General]\na=1\n# note\nb=2\n\n[Other]\na=7\n");
     document.set("b", 0.25);
     document.set("c", true);
@@ -52,7 +52,7 @@ TEST(IniDocument, EmptyDocumentGetsItsSection) {
     EXPECT_EQ(other.text(), "[General]\na=1\n[Other]\nx=1\n");
 }
 
-TEST(IniDocument, DuplicateKeyHasItsLastValueAndIsWrittenOnce) {
+TEST(IniDocument, LastValueOfADuplicateKeyWinsAndIsWrittenOnce) {
     auto document = IniDocument::parse("[General]\na=1\nb=0\na=2\n");
     EXPECT_EQ(document.values().at("a"), DefaultsValue(std::int64_t{2}));
     document.set("a", std::int64_t{3});

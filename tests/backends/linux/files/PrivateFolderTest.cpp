@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(PrivateFolder, EveryNewFolderIsPrivateWhateverTheUmask) {
+TEST(PrivateFolder, NewFoldersArePrivateWithAnyUmask) {
     for (const mode_t mask : {0000U, 0022U, 0777U}) {
         const TemporaryFolder root;
         const auto before = umask(mask);

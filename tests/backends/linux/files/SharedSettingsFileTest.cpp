@@ -1,5 +1,5 @@
-// Tests a settings file that several processes use, for example one for each display. Covers killed
-// writers and unexpected files next to the settings file.
+// Tests a settings file that several processes share, for example one for each display. Includes
+// killed writers and unexpected files next to the settings file.
 
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/files/IniDefaultsStore.h"
@@ -30,7 +30,7 @@ namespace fs = std::filesystem;
 class SharedSettingsFileTest : public ::testing::Test {
 protected:
     TemporaryFolder folder;
-    ImmediateRunLoop runLoop; // each change gets its own run-loop turn
+    ImmediateRunLoop runLoop; // each change gets a separate turn
     std::string file = folder.path() + "/nocta.conf";
 
     /// Returns the ID of a process that has exited.
@@ -56,7 +56,7 @@ TEST_F(SharedSettingsFileTest, WriterKeepsTheChangesOfOtherWriters) {
     EXPECT_EQ(contentOf(file), "[General]\na=2\nb=2\nc=3\nd=3\n");
 }
 
-TEST_F(SharedSettingsFileTest, LastWriterOfAKeyWinsWhetherItSetsOrRemoves) {
+TEST_F(SharedSettingsFileTest, LastChangeOfAKeyWins) {
     writeFile(file, "[General]\na=1\n");
     IniDefaultsStore first(file, runLoop);
     IniDefaultsStore second(file, runLoop);
@@ -73,7 +73,7 @@ TEST_F(SharedSettingsFileTest, LastWriterOfAKeyWinsWhetherItSetsOrRemoves) {
         << "the first store should not remove the key again";
 }
 
-TEST_F(SharedSettingsFileTest, KeyThatOnlyAnotherProcessHasSetCanBeRemoved) {
+TEST_F(SharedSettingsFileTest, KeySetByAnotherProcessCanBeRemoved) {
     IniDefaultsStore first(file, runLoop);
     IniDefaultsStore second(file, runLoop);
     second.setInteger(1, "a");
@@ -112,7 +112,7 @@ TEST_F(SharedSettingsFileTest, MissingFileIsWrittenCompletely) {
     EXPECT_EQ(contentOf(file), "[General]\na=1\nb=1\n");
 }
 
-TEST_F(SharedSettingsFileTest, FileThatIsDamagedInTheMeantimeIsMovedAside) {
+TEST_F(SharedSettingsFileTest, FileDamagedAfterReadingIsMovedAside) {
     writeFile(file, "[General]\na=1\n");
     IniDefaultsStore store(file, runLoop);
     writeFile(file, "[General]\nb=1\ngarbage");
@@ -124,7 +124,7 @@ TEST_F(SharedSettingsFileTest, FileThatIsDamagedInTheMeantimeIsMovedAside) {
     EXPECT_EQ(contentOf(file + ".damaged"), "[General]\nb=1\ngarbage");
 }
 
-TEST_F(SharedSettingsFileTest, ProcessesThatWriteAtTheSameTimeLoseNothing) {
+TEST_F(SharedSettingsFileTest, ConcurrentWritersDoNotLoseChanges) {
     constexpr int writers = 3;
     constexpr int keys = 100;
     std::vector<pid_t> children;
@@ -145,7 +145,7 @@ TEST_F(SharedSettingsFileTest, ProcessesThatWriteAtTheSameTimeLoseNothing) {
     EXPECT_EQ(IniDocument::parse(contentOf(file)).values().size(), std::size_t{writers * keys});
 }
 
-TEST_F(SharedSettingsFileTest, LockThatIsNeverReleasedDoesNotBlock) {
+TEST_F(SharedSettingsFileTest, UnreleasedLockDoesNotBlock) {
     const auto lock = open((file + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     ASSERT_EQ(flock(lock, LOCK_EX | LOCK_NB), 0);
     IniDefaultsStore store(file, runLoop);
@@ -154,7 +154,7 @@ TEST_F(SharedSettingsFileTest, LockThatIsNeverReleasedDoesNotBlock) {
     close(lock);
 }
 
-TEST_F(SharedSettingsFileTest, OtherFileWithTheNameOfTheLockDoesNotBlock) {
+TEST_F(SharedSettingsFileTest, UnexpectedFileInPlaceOfTheLockDoesNotBlock) {
     const auto lock = file + ".lock";
     const auto other = folder.path() + "/other";
     writeFile(other, "other");
@@ -177,7 +177,7 @@ TEST_F(SharedSettingsFileTest, OtherFileWithTheNameOfTheLockDoesNotBlock) {
         << "the target of the link should not be created";
 }
 
-TEST_F(SharedSettingsFileTest, NeighboringFilesAreNotWrittenAndDoNotBlock) {
+TEST_F(SharedSettingsFileTest, UnexpectedFilesBesideTheSettingsAreNotWrittenAndDoNotBlock) {
     const auto other = folder.path() + "/other";
     writeFile(other, "other");
     fs::create_hard_link(other, file);
@@ -198,7 +198,7 @@ TEST_F(SharedSettingsFileTest, NeighboringFilesAreNotWrittenAndDoNotBlock) {
     EXPECT_EQ(contentOf(other), "other");
 }
 
-TEST_F(SharedSettingsFileTest, NameOfATemporaryFileContainsItsWritersId) {
+TEST_F(SharedSettingsFileTest, TemporaryFileNameContainsTheProcessId) {
     IniDefaultsStore store(file, runLoop);
     const FileDescriptor watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     inotify_add_watch(watch.get(), folder.path().c_str(), IN_MOVED_FROM);
@@ -242,7 +242,7 @@ TEST_F(SharedSettingsFileTest, OnlyTemporaryFilesOfKilledWritersAreRemoved) {
     EXPECT_TRUE(fs::is_symlink(dead + "-links1"));
 }
 
-TEST_F(SharedSettingsFileTest, TemporaryFileStaysWhileAnotherProcessWrites) {
+TEST_F(SharedSettingsFileTest, TemporaryFileIsKeptWhileAnotherProcessWrites) {
     const auto left = file + ".new-" + std::to_string(endedProcess()) + "-abcdef";
     writeFile(left, "left");
     const auto lock = open((file + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);

@@ -26,9 +26,9 @@ std::vector<std::uint16_t> curve(std::size_t size, double exponent) {
 }
 
 class GammaRampSizes : public ::testing::TestWithParam<std::size_t> {};
-INSTANTIATE_TEST_SUITE_P(InTheField, GammaRampSizes, ::testing::Values(256, 1024, 2048, 4096));
+INSTANTIATE_TEST_SUITE_P(TypicalSizes, GammaRampSizes, ::testing::Values(256, 1024, 2048, 4096));
 
-TEST_P(GammaRampSizes, NeutralTableGivesTheCalibrationItself) {
+TEST_P(GammaRampSizes, NeutralTableReproducesTheCalibration) {
     const auto calibration = curve(GetParam(), 0.8);
     const auto ramp = laidOver(line(1), calibration, GetParam());
     ASSERT_EQ(ramp.size(), GetParam());
@@ -37,7 +37,7 @@ TEST_P(GammaRampSizes, NeutralTableGivesTheCalibrationItself) {
     }
 }
 
-TEST_P(GammaRampSizes, TableIsEvaluatedFirstAndThenTheCalibration) {
+TEST_P(GammaRampSizes, TableIsAppliedBeforeTheCalibration) {
     const auto ramp = laidOver(line(0.5F), curve(GetParam(), 2), GetParam());
     for (std::size_t i = 0; i < ramp.size(); ++i) {
         const auto level = static_cast<double>(i) / static_cast<double>(ramp.size() - 1);
@@ -47,7 +47,7 @@ TEST_P(GammaRampSizes, TableIsEvaluatedFirstAndThenTheCalibration) {
     }
 }
 
-TEST_P(GammaRampSizes, WithoutACalibrationTheTableIsResampled) {
+TEST_P(GammaRampSizes, TableIsResampledWithoutACalibration) {
     const auto ramp = laidOver(line(0.75F), {}, GetParam());
     for (std::size_t i = 0; i < ramp.size(); ++i) {
         const auto level = static_cast<double>(i) / static_cast<double>(ramp.size() - 1);
@@ -68,7 +68,7 @@ TEST(GammaRamp, SmallestSizesAreSupported) {
               (std::vector<std::uint16_t>{7, 7}));
 }
 
-TEST(GammaRamp, CalibrationNeverDecreasesAndIsNotAllZero) {
+TEST(GammaRamp, DecreasingOrAllZeroRampIsNotACalibration) {
     const GammaRamp rising{{0, 1, 2}, {0, 0, 5}, {3, 3, 3}};
     EXPECT_TRUE(rising.isCalibration());
     const GammaRamp falling{{0, 1, 2}, {0, 5, 4}, {0, 1, 2}};

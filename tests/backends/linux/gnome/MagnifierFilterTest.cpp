@@ -55,7 +55,7 @@ TEST_F(MagnifierFilterTest, IsUnavailableOnOtherDesktops) {
     EXPECT_FALSE(MagnifierFilter(stateFile).isAvailable());
 }
 
-TEST_F(MagnifierFilterTest, MagnifierThatWasOffRemovesTheColorWithoutMagnifying) {
+TEST_F(MagnifierFilterTest, MagnifierThatWasOffTurnsGrayWithoutMagnifying) {
     gnome.set(GnomeSettings::magnifier, "mag-factor", "3.5");
     gnome.set(GnomeSettings::magnifier, "lens-mode", "true");
     gnome.set(GnomeSettings::magnifier, "screen-position", "'left-half'");
@@ -80,7 +80,7 @@ TEST_F(MagnifierFilterTest, MagnifierThatWasOffRemovesTheColorWithoutMagnifying)
     EXPECT_EQ(gnome.everything(), before);
 }
 
-TEST_F(MagnifierFilterTest, ValuesThatTheUserHasNeverSetAreResetToDefaults) {
+TEST_F(MagnifierFilterTest, UnsetValuesAreResetToDefaults) {
     filter.emplace(stateFile);
     turnGray();
     turnColored();
@@ -100,14 +100,14 @@ TEST_F(MagnifierFilterTest, MagnifierThatWasOnKeepsItsOtherSettings) {
     EXPECT_EQ(gnome.everything(), before);
 }
 
-TEST_F(MagnifierFilterTest, GrayThatTheUserSetIsRecognized) {
+TEST_F(MagnifierFilterTest, GraySetByTheUserIsDetected) {
     gnome.set(GnomeSettings::applications, "screen-magnifier-enabled", "true");
     gnome.set(GnomeSettings::magnifier, "color-saturation", "0.0");
     filter.emplace(stateFile);
     EXPECT_TRUE(filter->isOn());
 }
 
-TEST_F(MagnifierFilterTest, LastOfSeveralQuickChangesCounts) {
+TEST_F(MagnifierFilterTest, LastOfSeveralQuickChangesWins) {
     const auto before = gnome.everything();
     filter.emplace(stateFile);
     for (int i = 0; i < 5; ++i) {
@@ -121,7 +121,7 @@ TEST_F(MagnifierFilterTest, LastOfSeveralQuickChangesCounts) {
     EXPECT_EQ(gnome.everything(), before);
 }
 
-TEST_F(MagnifierFilterTest, DelayedHelperDoesNotBlockAndTurnsGrayWhenItCan) {
+TEST_F(MagnifierFilterTest, DelayedHelperDoesNotBlockAndTurnsTheScreenGrayLater) {
     const auto before = gnome.everything();
     filter.emplace(stateFile);
     const auto folder = open(stateFile.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -136,7 +136,7 @@ TEST_F(MagnifierFilterTest, DelayedHelperDoesNotBlockAndTurnsGrayWhenItCan) {
     EXPECT_TRUE(waitUntil([&] { return gnome.everything() == before; }));
 }
 
-TEST_F(MagnifierFilterTest, HangingHelperDoesNotBlockDestruction) {
+TEST_F(MagnifierFilterTest, StoppedHelperDoesNotBlockDestruction) {
     const auto before = gnome.everything();
     filter.emplace(stateFile);
     filter->setOn(true);
@@ -151,7 +151,7 @@ TEST_F(MagnifierFilterTest, HangingHelperDoesNotBlockDestruction) {
     EXPECT_TRUE(waitUntil([&] { return gnome.everything() == before; }));
 }
 
-TEST_F(MagnifierFilterTest, EditedStateFileDoesNoHarm) {
+TEST_F(MagnifierFilterTest, InvalidStateFileIsDiscarded) {
     const auto before = gnome.everything();
     std::filesystem::create_directories(stateFile.parent_path());
     writeFile(stateFile, "[org.gnome.desktop.a11y.magnifier]\nmag-factor='x'\nno-such-key=1\n"

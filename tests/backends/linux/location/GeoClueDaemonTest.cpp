@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-// Tests with the real GeoClue. It gets its location from a server in the test.
+// Tests with a real GeoClue daemon, which gets its location from a server in the test.
 
 namespace nocta {
 namespace {
@@ -20,7 +20,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Location berlin{52.52, 13.405};
-constexpr auto noRight = "this machine does not allow mounts in a private namespace";
+constexpr auto skipReason = "this machine does not allow mounts in a private namespace";
 
 class GeoClueDaemonTest : public DesktopOnX11 {
 protected:
@@ -34,7 +34,7 @@ protected:
 
     void SetUp() override {
         if (!daemon.canStart()) {
-            GTEST_SKIP() << noRight;
+            GTEST_SKIP() << skipReason;
         }
         daemon.setPlace(berlin.latitude, berlin.longitude);
         locationManager = &geoClue;
@@ -56,7 +56,7 @@ protected:
     }
 };
 
-TEST_F(GeoClueDaemonTest, GrantMovesTheScheduleFromTheDefaultTimesToLocalOnes) {
+TEST_F(GeoClueDaemonTest, GrantReplacesTheDefaultTimesWithLocalOnes) {
     startDaemonForAUserWho(true);
     settings().unifiedBrightness.set(1);
     desktop.runLoop.setWallClock(at(19, 30));
@@ -82,7 +82,7 @@ TEST_F(GeoClueDaemonTest, GrantMovesTheScheduleFromTheDefaultTimesToLocalOnes) {
     quit();
 }
 
-TEST_F(GeoClueDaemonTest, TurnedOffLocationServiceCountsAsADenial) {
+TEST_F(GeoClueDaemonTest, DisabledLocationServiceCountsAsADenial) {
     startDaemonForAUserWho(false);
     launch();
     settings().locationEnabled.set(true);
@@ -109,11 +109,11 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaWithGeoClueTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaWithGeoClueTest, LocationIsRequestedOnLaunchAfterARememberedGrant) {
+TEST_P(NoctaWithGeoClueTest, LocationIsRequestedOnLaunchAfterAStoredGrant) {
     const PrivateBus bus("DBUS_SYSTEM_BUS_ADDRESS");
     GeoClueDaemon daemon;
     if (!daemon.canStart()) {
-        GTEST_SKIP() << noRight;
+        GTEST_SKIP() << skipReason;
     }
     daemon.start();
     LocationAgent agent(true);
@@ -126,11 +126,11 @@ TEST_P(NoctaWithGeoClueTest, LocationIsRequestedOnLaunchAfterARememberedGrant) {
     EXPECT_EQ(nocta->wait(), 0);
 }
 
-TEST_P(NoctaWithGeoClueTest, LocationIsRequestedOnceALateBusAnswers) {
+TEST_P(NoctaWithGeoClueTest, LocationIsRequestedAsSoonAsALateBusAnswers) {
     const PrivateBus bus("DBUS_SYSTEM_BUS_ADDRESS");
     GeoClueDaemon daemon;
     if (!daemon.canStart()) {
-        GTEST_SKIP() << noRight;
+        GTEST_SKIP() << skipReason;
     }
     daemon.start();
     LocationAgent agent(true);
@@ -139,7 +139,7 @@ TEST_P(NoctaWithGeoClueTest, LocationIsRequestedOnceALateBusAnswers) {
     startWithGrant(bus);
     bus.signal(SIGCONT);
     EXPECT_TRUE(serveUntil([&] { return daemon.isAsked(); }))
-        << "the location should be requested without the delay of a minute";
+        << "the location should be requested without waiting a minute";
 }
 
 } // namespace

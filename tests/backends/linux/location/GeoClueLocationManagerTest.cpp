@@ -119,7 +119,7 @@ TEST_F(GeoClueLocationManagerTest, NotDeterminedIsReportedOnceWithoutAskingTheSe
     EXPECT_EQ(service.calls, Calls{});
 }
 
-TEST_F(GeoClueLocationManagerTest, GrantIsReportedAndRememberedAndGivesOneLocation) {
+TEST_F(GeoClueLocationManagerTest, GrantIsReportedAndStoredAndYieldsOneLocation) {
     MockGeoClue service;
     makeManager();
     manager->requestWhenInUseAuthorization();
@@ -147,7 +147,7 @@ TEST_F(GeoClueLocationManagerTest, GrantIsReportedAndRememberedAndGivesOneLocati
     EXPECT_TRUE(serveUntil([&] { return places.size() == 2; }));
 }
 
-TEST_F(GeoClueLocationManagerTest, RememberedGrantIsReportedFromTheRunLoopAndGivesALocation) {
+TEST_F(GeoClueLocationManagerTest, StoredGrantIsReportedFromTheRunLoopAndYieldsALocation) {
     rememberGrant();
     MockGeoClue service;
     manager.emplace(runLoop, grantFile);
@@ -162,7 +162,7 @@ TEST_F(GeoClueLocationManagerTest, RememberedGrantIsReportedFromTheRunLoopAndGiv
     EXPECT_EQ(reports.size(), 1U);
 }
 
-TEST_F(GeoClueLocationManagerTest, AfterARefusalTheServiceIsNotAskedAgain) {
+TEST_F(GeoClueLocationManagerTest, ServiceIsNotAskedAgainAfterARefusal) {
     MockGeoClue service;
     service.start = MockGeoClue::Start::refuses;
     makeManager();
@@ -180,7 +180,7 @@ TEST_F(GeoClueLocationManagerTest, AfterARefusalTheServiceIsNotAskedAgain) {
     EXPECT_EQ(reports.size(), 2U);
 }
 
-TEST_F(GeoClueLocationManagerTest, RefusalRevokesARememberedGrant) {
+TEST_F(GeoClueLocationManagerTest, RefusalRevokesAStoredGrant) {
     rememberGrant();
     MockGeoClue service;
     service.start = MockGeoClue::Start::refuses;
@@ -190,7 +190,7 @@ TEST_F(GeoClueLocationManagerTest, RefusalRevokesARememberedGrant) {
     EXPECT_FALSE(std::filesystem::exists(grantFile));
 }
 
-TEST_F(GeoClueLocationManagerTest, WithoutTheServiceLocationIsRestricted) {
+TEST_F(GeoClueLocationManagerTest, LocationIsRestrictedWithoutTheService) {
     makeManager();
     manager->requestWhenInUseAuthorization();
     ASSERT_TRUE(serveUntil([&] { return reports.size() == 2; }));
@@ -198,7 +198,7 @@ TEST_F(GeoClueLocationManagerTest, WithoutTheServiceLocationIsRestricted) {
     EXPECT_TRUE(failures.empty());
 }
 
-TEST_F(GeoClueLocationManagerTest, WithoutTheBusLocationIsRestrictedAndTheGrantIsKept) {
+TEST_F(GeoClueLocationManagerTest, LocationIsRestrictedWithoutTheBusAndTheGrantIsKept) {
     rememberGrant();
     bus.reset();
     ASSERT_TRUE(serveUntil([] { return !systemBus().isConnected(); }));
@@ -208,7 +208,7 @@ TEST_F(GeoClueLocationManagerTest, WithoutTheBusLocationIsRestrictedAndTheGrantI
     EXPECT_TRUE(std::filesystem::exists(grantFile));
 }
 
-TEST_F(GeoClueLocationManagerTest, BusThatDoesNotAnswerIsRetriedLater) {
+TEST_F(GeoClueLocationManagerTest, UnresponsiveBusIsRetriedLater) {
     rememberGrant();
     bus->signal(SIGSTOP);
     makeManager();
@@ -263,7 +263,7 @@ TEST_F(GeoClueLocationManagerTest, ServiceThatDiesWhileLocatingIsRetriedWithGrow
     }
 }
 
-TEST_F(GeoClueLocationManagerTest, LocationIsRestrictedIfTheBusGoesAwayWhileLocating) {
+TEST_F(GeoClueLocationManagerTest, LocationIsRestrictedIfTheBusIsLostWhileLocating) {
     rememberGrant();
     MockGeoClue service;
     makeManager();
@@ -275,7 +275,7 @@ TEST_F(GeoClueLocationManagerTest, LocationIsRestrictedIfTheBusGoesAwayWhileLoca
     EXPECT_TRUE(std::filesystem::exists(grantFile));
 }
 
-TEST_F(GeoClueLocationManagerTest, NothingIsReportedOnceUpdatesAreStopped) {
+TEST_F(GeoClueLocationManagerTest, NothingIsReportedAfterUpdatesAreStopped) {
     rememberGrant();
     MockGeoClue service;
     service.start = MockGeoClue::Start::waits;
@@ -289,7 +289,7 @@ TEST_F(GeoClueLocationManagerTest, NothingIsReportedOnceUpdatesAreStopped) {
     EXPECT_TRUE(service.hasSeen("DeleteClient /org/freedesktop/GeoClue2/Client/1"));
 }
 
-TEST_F(GeoClueLocationManagerTest, LocationsThatAreNotOnEarthAreNotReported) {
+TEST_F(GeoClueLocationManagerTest, InvalidCoordinatesAreNotReported) {
     rememberGrant();
     MockGeoClue service;
     makeManager();

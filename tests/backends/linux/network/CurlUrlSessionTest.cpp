@@ -106,7 +106,7 @@ TEST_F(CurlUrlSessionTest, EncryptedRedirectIsFollowed) {
     EXPECT_EQ(post(server.address()).statusCode, 200);
 }
 
-TEST_F(CurlUrlSessionTest, UnencryptedRedirectIsRefused) {
+TEST_F(CurlUrlSessionTest, UnencryptedRedirectIsRejected) {
     const PlainServer plain;
     server.answer("302 Found", "Location: " + QByteArray::fromStdString(plain.address()) + "\r\n");
     EXPECT_EQ(post(server.address()).error, "The address is not encrypted");
@@ -119,26 +119,26 @@ TEST_F(CurlUrlSessionTest, UnencryptedRedirectIsRefused) {
     EXPECT_EQ(plain.connections, 0);
 }
 
-TEST_F(CurlUrlSessionTest, EndlessRedirectsAreAnError) {
+TEST_F(CurlUrlSessionTest, RedirectLoopIsAnError) {
     server.answer("302 Found", "Location: /api/feedback\r\n");
     EXPECT_EQ(post(server.address()).error, "Too many redirects");
 }
 
-TEST_F(CurlUrlSessionTest, UnencryptedAddressIsRefused) {
+TEST_F(CurlUrlSessionTest, UnencryptedAddressIsRejected) {
     for (const auto* const address : {"http://localhost/", "ftp://localhost/", "nonsense", "",
                                       "file:///etc/passwd", "https//localhost"}) {
         EXPECT_EQ(post(address).error, "The address is not encrypted") << address;
     }
 }
 
-TEST_F(CurlUrlSessionTest, UnknownCertificateIsRefused) {
-    CurlUrlSession unknowing(runLoop);
+TEST_F(CurlUrlSessionTest, UntrustedCertificateIsRejected) {
+    CurlUrlSession distrustful(runLoop);
     server.answer("200 OK");
-    EXPECT_EQ(postBy(unknowing, server.address()).error, "The server cannot be trusted");
+    EXPECT_EQ(postBy(distrustful, server.address()).error, "The server cannot be trusted");
     EXPECT_EQ(server.request, "") << "the client should not send anything";
 }
 
-TEST_F(CurlUrlSessionTest, MissingServerIsAnError) {
+TEST_F(CurlUrlSessionTest, UnreachableServerIsAnError) {
     EXPECT_EQ(post("https://nocta.invalid/").error, "The server was not found");
     EXPECT_EQ(post("https://localhost:1/").error, "The server cannot be reached");
 }
@@ -148,7 +148,7 @@ TEST_F(CurlUrlSessionTest, SilentServerTimesOut) {
     EXPECT_EQ(completions, 1);
 }
 
-TEST_F(CurlUrlSessionTest, ServerThatSendsTooSlowlyTimesOut) {
+TEST_F(CurlUrlSessionTest, SlowServerTimesOut) {
     server.respond = [](QTcpSocket& socket) {
         socket.write("HTTP/1.1 200 OK\r\nX-Drip: ");
         QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, [&socket] {
@@ -158,7 +158,7 @@ TEST_F(CurlUrlSessionTest, ServerThatSendsTooSlowlyTimesOut) {
     EXPECT_EQ(post(server.address(), 500ms).error, "It took too long");
 }
 
-TEST_F(CurlUrlSessionTest, EndlessBodyThatIsIgnoredDoesNotDelayTheCompletion) {
+TEST_F(CurlUrlSessionTest, IgnoredEndlessBodyDoesNotDelayTheCompletion) {
     server.respond = [](QTcpSocket& socket) {
         socket.write("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
         pour(socket, QByteArray(1 << 16, 'x'));

@@ -8,7 +8,7 @@
 namespace nocta {
 namespace {
 
-TEST(HelperProtocol, HelpersOfAnotherVersionExitWithoutAnAnswer) {
+TEST(HelperProtocol, HelpersExitWithoutAnAnswerIfTheVersionDiffers) {
     for (const auto* const helper : {"nocta-fetch", "nocta-guardian", "nocta-magnifier"}) {
         const TemporaryFolder folder;
         const auto program = programFolder() + "/" + helper;
@@ -26,12 +26,12 @@ TEST(HelperProtocol, HelpersOfAnotherVersionExitWithoutAnAnswer) {
     }
 }
 
-/// A copy of the program next to a guardian of another version, as after a package update.
+/// Runs a copy of the program next to a guardian of another version, as after a package update.
 class HelperOfAnotherVersionTest : public NoctaProcess {};
 INSTANTIATE_TEST_SUITE_P(Servers, HelperOfAnotherVersionTest,
                          ::testing::Values(XServer::Kind::xvfb), serverName);
 
-TEST_P(HelperOfAnotherVersionTest, ScreenIsDimmedAndOneLineWarnsThatACrashWouldLeaveItDim) {
+TEST_P(HelperOfAnotherVersionTest, ScreenIsDimmedAndOneLineWarnsAboutCrashes) {
     const auto program = home.path() + "/nocta";
     const auto guardian = home.path() + "/nocta-guardian";
     std::filesystem::copy_file(programFolder() + "/nocta", program);

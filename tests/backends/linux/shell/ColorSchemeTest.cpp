@@ -23,7 +23,7 @@ constexpr auto groups = std::to_array({QPalette::Active, QPalette::Inactive, QPa
 const QColor lightWindow(0xf4, 0xf0, 0xe8);
 const QColor darkWindow(0x10, 0x18, 0x20);
 
-/// Imitates the theme of a desktop. The style makes the last change to Qt's default palette.
+/// Imitates the theme of a desktop. The style is the last to change Qt's default palette.
 class Theme final : public QProxyStyle {
 public:
     explicit Theme(const QColor& window) : QProxyStyle("Fusion"), window_(window) {}
@@ -45,7 +45,7 @@ protected:
     static void setTheme(const QColor& window) { QApplication::setStyle(new Theme(window)); }
 
     static QColor windowColor() { return QApplication::palette().color(QPalette::Window); }
-    /// Whether the palette is dark and not from a theme.
+    /// Returns whether the palette is dark and not from a theme.
     static bool isOurs() {
         return windowColor() != darkWindow &&
                windowColor().lightness() <
@@ -76,7 +76,7 @@ TEST_F(ColorSchemeTest, DarkPreferenceIsAppliedOnLaunch) {
     }));
 }
 
-TEST_F(ColorSchemeTest, FollowsThePreferenceBothWays) {
+TEST_F(ColorSchemeTest, FollowsThePreferenceInBothDirections) {
     SettingsPortal portal(bus);
     const ColorScheme scheme;
     ASSERT_TRUE(serveUntil([&] { return portal.questions == 1; }));
@@ -90,9 +90,9 @@ TEST_F(ColorSchemeTest, FollowsThePreferenceBothWays) {
     portal.settings.clear();
     portal.sayThatASettingHasChanged();
     EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }))
-        << "without the setting the theme should apply";
+        << "without the setting, the theme should apply";
     EXPECT_EQ(QApplication::palette(), QPalette(lightWindow, lightWindow));
-    EXPECT_EQ(QApplication::palette().resolveMask(), 0U) << "none of our colors should be left";
+    EXPECT_EQ(QApplication::palette().resolveMask(), 0U) << "all of our colors should be removed";
 }
 
 TEST_F(ColorSchemeTest, LightPreferenceChangesNothing) {
@@ -111,7 +111,7 @@ TEST_F(ColorSchemeTest, LightPreferenceChangesNothing) {
     waitForOurs(portal); // the program still follows the setting
 }
 
-TEST_F(ColorSchemeTest, ThemeThatIsAlreadyDarkStays) {
+TEST_F(ColorSchemeTest, DarkThemeIsKept) {
     SettingsPortal portal(bus);
     prefer(portal, 1U);
     setTheme(darkWindow);
@@ -142,7 +142,7 @@ TEST_F(ColorSchemeTest, ThemeThatTurnsDarkReplacesOurPalette) {
     EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }));
 }
 
-TEST_F(ColorSchemeTest, ThemeThatChangesUnderOurPaletteAppliesLater) {
+TEST_F(ColorSchemeTest, ThemeChangeAppliesAfterOurPaletteIsRemoved) {
     SettingsPortal portal(bus);
     const ColorScheme scheme;
     waitForOurs(portal);
@@ -168,8 +168,8 @@ TEST_F(ColorSchemeTest, OtherSettingsDoNotChangeThePalette) {
     };
     SettingsPortal portal(bus);
     const ColorScheme scheme;
-    // Wait for the first answer. Otherwise it might already be the dark one, and the answer to the
-    // change might still arrive during the count.
+    // Wait for the first answer. Otherwise the first answer might already be dark, and the answer
+    // to the change might still arrive while the events are counted.
     ASSERT_TRUE(serveUntil([&] { return portal.questions == 1; }));
     waitForOurs(portal);
     Counter counter;
@@ -181,7 +181,7 @@ TEST_F(ColorSchemeTest, OtherSettingsDoNotChangeThePalette) {
     EXPECT_EQ(counter.changes, 1);
 }
 
-TEST_F(ColorSchemeTest, PortalThatStartsAfterTheProgramIsRead) {
+TEST_F(ColorSchemeTest, PortalThatStartsLateIsUsed) {
     const ColorScheme scheme;
     QCoreApplication::processEvents();
     EXPECT_EQ(windowColor(), lightWindow);
@@ -190,7 +190,7 @@ TEST_F(ColorSchemeTest, PortalThatStartsAfterTheProgramIsRead) {
     EXPECT_TRUE(serveUntil(isOurs));
 }
 
-TEST_F(ColorSchemeTest, InvalidValueIsNoPreference) {
+TEST_F(ColorSchemeTest, InvalidValueMeansNoPreference) {
     SettingsPortal portal(bus);
     const ColorScheme scheme;
     for (const auto& value : {QVariant("1"), QVariant(1), QVariant(true), QVariant(7U)}) {
@@ -208,7 +208,7 @@ TEST_F(ColorSchemeTest, InvalidValueIsNoPreference) {
     }
 }
 
-TEST_F(ColorSchemeTest, EveryRoleIsDarkAndTextIsReadable) {
+TEST_F(ColorSchemeTest, PaletteIsDarkAndTextIsReadable) {
     SettingsPortal portal(bus);
     const ColorScheme scheme;
     waitForOurs(portal);

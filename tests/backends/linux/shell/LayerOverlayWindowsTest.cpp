@@ -14,7 +14,7 @@
 #include <memory>
 #include <vector>
 
-// Tests the covers in layers, as the compositor sees them. All tests use virtual time.
+// Tests the layer-shell covers, as seen by the compositor. All tests use virtual time.
 
 namespace nocta {
 namespace {
@@ -26,7 +26,7 @@ constexpr std::uint32_t allEdges =
     ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM |
     ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT | ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT;
 
-/// The alphas of the visible windows' content, in order of size.
+/// Returns the alpha values of the content of all visible windows, in ascending order.
 std::vector<int> paintedAlphas() {
     std::vector<int> alphas;
     for (const auto* const window : QApplication::topLevelWidgets()) {
@@ -54,7 +54,7 @@ bool isPainted(const std::vector<TestLayer>& layers) {
 
 } // namespace
 
-/// Outputs have 1280 × 720 points.
+/// Each output has 1280 × 720 points.
 class LayerOverlayWindowsHarness : protected QtOnLayers {
 public:
     OverlayWindows& overlayWindows() { return windows; }
@@ -159,7 +159,7 @@ protected:
         ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE;
 };
 
-TEST_F(LayerOverlayWindowsTest, CoversAreOnTopOfEverythingOnTheirOutputs) {
+TEST_F(LayerOverlayWindowsTest, CoversAreInTheOverlayLayerOfTheirOutputs) {
     plug();
     const auto covers = showAll();
     const auto layers = compositor.mapped();
@@ -174,14 +174,14 @@ TEST_F(LayerOverlayWindowsTest, CoversAreOnTopOfEverythingOnTheirOutputs) {
     }
 }
 
-TEST_F(LayerOverlayWindowsTest, OnlyTheNewestCoverWantsTheKeyboard) {
+TEST_F(LayerOverlayWindowsTest, OnlyTheNewestCoverRequestsKeyboardFocus) {
     plug();
     const auto covers = showAll();
     EXPECT_EQ(keyboards(), (std::vector{none, exclusive}));
     EXPECT_EQ(compositor.keyboardFocus(), 1U);
 }
 
-TEST_F(LayerOverlayWindowsTest, AnotherCoverGetsTheKeyboardWhenOneIsClosedOrOrderedOut) {
+TEST_F(LayerOverlayWindowsTest, AnotherCoverGetsKeyboardFocusWhenOneIsClosedOrOrderedOut) {
     plug();
     auto covers = showAll();
     covers.push_back(show(windows.screens().at(0)));
@@ -198,7 +198,7 @@ TEST_F(LayerOverlayWindowsTest, AnotherCoverGetsTheKeyboardWhenOneIsClosedOrOrde
     EXPECT_TRUE(press());
 }
 
-TEST_F(LayerOverlayWindowsTest, ClosedCoverIsGoneAndCanBeShownAgain) {
+TEST_F(LayerOverlayWindowsTest, ClosedCoverCanBeShownAgain) {
     const auto covers = showAll();
     compositor.close(0);
     EXPECT_TRUE(serveUntil([&] { return paintedAlphas().empty(); }));
@@ -211,7 +211,7 @@ TEST_F(LayerOverlayWindowsTest, ClosedCoverIsGoneAndCanBeShownAgain) {
     EXPECT_EQ(seen(), (SeenOverlays{{frameOf("DP-1"), 1}}));
 }
 
-TEST_F(LayerOverlayWindowsTest, RemovedOutputTakesItsCoverAway) {
+TEST_F(LayerOverlayWindowsTest, RemovingAnOutputRemovesItsCover) {
     plug();
     const auto covers = showAll();
     for (const auto& cover : covers) {
@@ -221,7 +221,7 @@ TEST_F(LayerOverlayWindowsTest, RemovedOutputTakesItsCoverAway) {
     unplug();
     letPass(200ms);
     EXPECT_EQ(seen(), (SeenOverlays{{frameOf("DP-1"), 1}}));
-    EXPECT_TRUE(press()) << "the cover that is left should have the keyboard";
+    EXPECT_TRUE(press()) << "the remaining cover should have keyboard focus";
     plug();
     covers[1]->makeKeyAndOrderFront();
     covers[1]->orderOut();
@@ -229,8 +229,8 @@ TEST_F(LayerOverlayWindowsTest, RemovedOutputTakesItsCoverAway) {
     EXPECT_EQ(seen().size(), 0U);
 }
 
-// A compositor may also tell first that the output is gone.
-TEST_F(LayerOverlayWindowsTest, OutputMayGoBeforeItsCoverIsClosed) {
+// A compositor may also remove the output before it closes the cover.
+TEST_F(LayerOverlayWindowsTest, OutputCanBeRemovedBeforeItsCoverIsClosed) {
     plug();
     const auto covers = showAll();
     compositor.outputs().removeOutput();
@@ -246,7 +246,7 @@ TEST_F(LayerOverlayWindowsTest, OutputMayGoBeforeItsCoverIsClosed) {
     EXPECT_EQ(seen().size(), 0U);
 }
 
-TEST_F(LayerOverlayWindowsTest, OutputMayGoBeforeItsCoverHasAppeared) {
+TEST_F(LayerOverlayWindowsTest, OutputCanBeRemovedBeforeItsCoverAppears) {
     plug();
     const auto first = show(windows.screens().at(0));
     const auto second = show(windows.screens().at(1));
@@ -257,7 +257,7 @@ TEST_F(LayerOverlayWindowsTest, OutputMayGoBeforeItsCoverHasAppeared) {
     EXPECT_EQ(seen(), (SeenOverlays{{frameOf("DP-1"), 0}}));
 }
 
-TEST_F(LayerOverlayWindowsTest, CoverFollowsANewSize) {
+TEST_F(LayerOverlayWindowsTest, CoverIsResized) {
     const auto covers = showAll();
     compositor.configure(0, 1920, 1080);
     expectSoon([](const auto& layers) {
@@ -265,7 +265,7 @@ TEST_F(LayerOverlayWindowsTest, CoverFollowsANewSize) {
     });
 }
 
-TEST_F(LayerOverlayWindowsTest, SizeThatCannotBeLeavesTheCoverAsItWas) {
+TEST_F(LayerOverlayWindowsTest, InvalidSizeIsIgnored) {
     for (const auto size : {0U, 32768U, 0xFFFFFFFFU}) {
         SCOPED_TRACE(size);
         compositor.configureNew(size, size);
@@ -277,7 +277,7 @@ TEST_F(LayerOverlayWindowsTest, SizeThatCannotBeLeavesTheCoverAsItWas) {
         compositor.configure(0, size, 100);
         settle();
         expectFullSize();
-        compositor.configure(0, 32767, 32767); // more than a picture can have
+        compositor.configure(0, 32767, 32767); // too large for an image
         settle();
         expectFullSize();
     }
@@ -296,7 +296,7 @@ TEST_F(LayerOverlayWindowsTest, FadeIsPainted) {
     EXPECT_EQ(alpha, opaque);
 }
 
-TEST_F(LayerOverlayWindowsTest, EndOfAllCoversLeavesNothingBehind) {
+TEST_F(LayerOverlayWindowsTest, DestroyingAllCoversRemovesTheirSurfaces) {
     const auto surfaces = compositor.surfaceCount();
     {
         plug();

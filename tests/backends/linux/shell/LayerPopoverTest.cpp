@@ -9,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-// Tests the popover in a layer, as the compositor sees it.
+// Tests the layer-shell popover, as seen by the compositor.
 
 namespace nocta {
 namespace {
@@ -23,7 +23,7 @@ constexpr std::uint32_t allEdges = top | bottom | left | right;
 /// A button with a tool tip.
 class ButtonView final : public View {
 public:
-    ButtonView() { button_.setToolTip(QStringLiteral("What this does")); }
+    ButtonView() { button_.setToolTip(QStringLiteral("Tool tip")); }
     void* nativeView() override { return &button_; }
 
 private:
@@ -45,14 +45,15 @@ protected:
     NoStatusItem item;
     QtPopover popover{layerShell, nullptr};
 
-    /// Shows the popover, up to the transparent windows that find out where the pointer is.
+    /// Starts to show the popover: opens the transparent windows that locate the pointer.
     void open() {
         popover.setContentSize(contentWidth, contentHeight);
         popover.setBehavior(PopoverBehavior::transient);
         popover.setContentView(std::make_unique<ButtonView>());
         popover.show(item);
     }
-    /// The popover is the last surface, above a transparent window for each output.
+    /// Shows the popover and returns its layer. It is the last one, above a transparent window for
+    /// each output.
     TestLayer openInCorner(std::size_t outputs = 1) {
         open();
         expectSoon([&](const auto& layers) { return layers.size() == outputs + 1; });
@@ -64,10 +65,11 @@ protected:
     }
 };
 
-TEST_F(LayerPopoverTest, WithoutAPointerItIsAtTheTopRightWhereTheCompositorChooses) {
+TEST_F(LayerPopoverTest, OpensAtTheTopRightWithoutAPointer) {
     const auto layer = openInCorner();
     EXPECT_EQ(layer.output, "");
-    EXPECT_EQ(layer.layer, ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY) << "above the transparent windows";
+    EXPECT_EQ(layer.layer, ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY)
+        << "the popover should be above the transparent windows";
     EXPECT_EQ(layer.anchors, top | right);
     EXPECT_EQ(layer.exclusiveZone, 0) << "panels should not be covered";
     EXPECT_EQ(compositor.keyboardFocus(), 1U);
@@ -79,10 +81,10 @@ TEST_F(LayerPopoverTest, WithoutAPointerItIsAtTheTopRightWhereTheCompositorChoos
     EXPECT_TRUE(popover.isShown());
 }
 
-TEST_F(LayerPopoverTest, EachOutputHasATransparentWindowThatFillsIt) {
+TEST_F(LayerPopoverTest, TransparentWindowFillsEachOutput) {
     compositor.outputs().addOutput();
     EXPECT_TRUE(serveUntil([] { return QGuiApplication::screens().size() == 2; }));
-    compositor.configureNew(0, 0); // the program may choose
+    compositor.configureNew(0, 0); // the client chooses the size
     openInCorner(2);
     for (std::size_t output = 0; output < 2; ++output) {
         const auto layer = compositor.mapped().at(output);
@@ -96,7 +98,7 @@ TEST_F(LayerPopoverTest, EachOutputHasATransparentWindowThatFillsIt) {
     }
 }
 
-TEST_F(LayerPopoverTest, OpensInTheCornerThatIsNearestToThePointer) {
+TEST_F(LayerPopoverTest, OpensInTheCornerNearestToThePointer) {
     struct Case {
         int x;
         int y;
@@ -127,14 +129,14 @@ TEST_F(LayerPopoverTest, EscapeClosesIt) {
     expectClosed();
 }
 
-TEST_F(LayerPopoverTest, LosingTheKeyboardClosesIt) {
+TEST_F(LayerPopoverTest, LosingKeyboardFocusClosesIt) {
     openInCorner();
     EXPECT_TRUE(serveUntil([] { return QGuiApplication::focusWindow() != nullptr; }));
     compositor.takeKeyboard();
     expectClosed();
 }
 
-TEST_F(LayerPopoverTest, IsClosedWhenTheCompositorClosesIt) {
+TEST_F(LayerPopoverTest, ClosesWhenTheCompositorClosesItsSurface) {
     openInCorner();
     compositor.close(1);
     expectClosed();
@@ -142,14 +144,14 @@ TEST_F(LayerPopoverTest, IsClosedWhenTheCompositorClosesIt) {
     EXPECT_TRUE(popover.isShown());
 }
 
-TEST_F(LayerPopoverTest, IsClosedWhenTheCompositorNeverShowsIt) {
+TEST_F(LayerPopoverTest, ClosesIfTheCompositorNeverShowsItsSurface) {
     compositor.closeNew();
     open();
     EXPECT_TRUE(popover.isShown());
     expectClosed();
 }
 
-TEST_F(LayerPopoverTest, OutputMayGoWhileItIsOpen) {
+TEST_F(LayerPopoverTest, OutputCanBeRemovedWhileItIsOpen) {
     compositor.outputs().addOutput();
     EXPECT_TRUE(serveUntil([] { return QGuiApplication::screens().size() == 2; }));
     openInCorner(2);
@@ -160,14 +162,14 @@ TEST_F(LayerPopoverTest, OutputMayGoWhileItIsOpen) {
     expectClosed();
 }
 
-TEST_F(LayerPopoverTest, ClosesBeforeItHasAppeared) {
+TEST_F(LayerPopoverTest, CanBeClosedBeforeItAppears) {
     open();
     popover.close();
     expectClosed();
     openInCorner();
 }
 
-TEST_F(LayerPopoverTest, CanBeShownAgainAtOnce) {
+TEST_F(LayerPopoverTest, CanBeShownAgainImmediately) {
     openInCorner();
     popover.close();
     EXPECT_FALSE(popover.isShown());

@@ -76,7 +76,7 @@ TEST_F(QtApplicationTest, NoTimerFiresAfterTermination) {
     EXPECT_GE(ticks, 3);
 }
 
-TEST_F(QtApplicationTest, SecondStartIsAnsweredAndReopensTheFirst) {
+TEST_F(QtApplicationTest, SecondStartReopensTheFirstInstance) {
     Timer later;
     delegate.whenLaunched = [&] {
         later.start(runLoop, 1ms, Repeat::no, [&] {
@@ -98,7 +98,7 @@ TEST_F(QtApplicationTest, SecondStartIsAnsweredAndReopensTheFirst) {
     EXPECT_EQ(delegate.calls, "launch reopen terminate ");
 }
 
-TEST_F(QtApplicationTest, WithoutATrayItReopensItselfOnce) {
+TEST_F(QtApplicationTest, ReopensOnceWithoutATray) {
     hasTray = false;
     Timer end;
     delegate.whenLaunched = [&] {
@@ -108,7 +108,7 @@ TEST_F(QtApplicationTest, WithoutATrayItReopensItselfOnce) {
     EXPECT_EQ(delegate.calls, "launch reopen terminate ");
 }
 
-TEST_F(QtApplicationTest, WithATrayItDoesNotReopenItself) {
+TEST_F(QtApplicationTest, DoesNotReopenWithATray) {
     Timer end;
     delegate.whenLaunched = [&] {
         end.start(runLoop, 2500ms, Repeat::no, [&] { application.terminate(); });
@@ -117,7 +117,7 @@ TEST_F(QtApplicationTest, WithATrayItDoesNotReopenItself) {
     EXPECT_EQ(delegate.calls, "launch terminate ");
 }
 
-TEST_F(QtApplicationTest, FirstInstanceThatDoesNotAnswerIsLeftAlone) {
+TEST_F(QtApplicationTest, UnresponsiveFirstInstanceIsNotReplaced) {
     const SingleInstance second(":0", folder.path());
     EXPECT_EQ(second.role(), SingleInstance::Role::unanswered);
     instance.close();

@@ -17,7 +17,7 @@
 
 namespace nocta {
 
-/// An opaque view, so that the alpha of a picture is that of its window.
+/// An opaque view. The alpha of its pixels is the alpha of its window.
 class OpaqueView final : public View {
 public:
     OpaqueView() { widget_.setAutoFillBackground(true); }
@@ -27,7 +27,8 @@ private:
     QWidget widget_;
 };
 
-/// Qt on a compositor of the test. Fails the test if Qt warns, or if the protocol was violated.
+/// Qt connected to a test compositor. Fails the test if Qt prints a warning or violates the
+/// protocol.
 class QtOnLayers {
 public:
     QtOnLayers() = default;
@@ -51,7 +52,7 @@ public:
     QApplication application{argumentCount_, arguments_};
     LayerShell layerShell;
 
-    /// Returns when the compositor has read everything that Qt has sent.
+    /// Returns once the compositor has read everything that Qt has sent.
     static void synchronize() {
         auto* const display = static_cast<wl_display*>(
             QGuiApplication::platformNativeInterface()->nativeResourceForIntegration("wl_display"));
@@ -60,7 +61,7 @@ public:
         wl_event_queue_destroy(queue);
     }
 
-    /// Runs Qt until every window in a layer has been painted in its newest size.
+    /// Runs Qt until every layer has been painted at its latest size.
     void settle() {
         EXPECT_TRUE(serveUntil([&] {
             synchronize();
@@ -68,7 +69,7 @@ public:
         }));
     }
 
-    /// Runs Qt until the surfaces on screen are as wanted; fails the test if that never happens.
+    /// Runs Qt until the mapped layers meet the condition. Fails the test if they never do.
     void expectSoon(const std::function<bool(const std::vector<TestLayer>&)>& condition) {
         EXPECT_TRUE(serveUntil([&] {
             synchronize();

@@ -23,7 +23,7 @@
 #include <memory>
 #include <vector>
 
-// Tests Qt's windows on a private X server, as another client sees them. Most tests use virtual
+// Tests Qt's windows on a private X server, as seen by another client. Most tests use virtual
 // time.
 
 namespace nocta {
@@ -64,7 +64,7 @@ struct QtOnPrivateServer {
 
 } // namespace
 
-/// Uses virtual time and a simulated record of the typing.
+/// Uses virtual time and simulated typing.
 class QtOverlayWindowsHarness : QtOnPrivateServer {
 public:
     QtOverlayWindowsHarness() : QtOnPrivateServer(XServer::Kind::xorgDummy) {}
@@ -121,7 +121,7 @@ private:
     PressCounter gotten_{application};
     X11Connection connection_{desktop.runLoop};
     Typing typing_;
-    LayerShell layerShell_; // not offered
+    LayerShell layerShell_; // unavailable on X11
     QtOverlayWindows windows_{desktop.runLoop, desktop.displays, layerShell_, &connection_,
                               &typing_};
     PressCounter all_{application};
@@ -136,7 +136,7 @@ class QtOverlayWindowsTest : public ::testing::Test, protected QtOnPrivateServer
 protected:
     QtOverlayWindowsTest() : QtOnPrivateServer(XServer::Kind::xvfb) {}
 
-    LayerShell layerShell; // not offered
+    LayerShell layerShell; // unavailable on X11
     QtOverlayWindows windows{desktop.runLoop, desktop.displays, layerShell, nullptr, nullptr};
     std::unique_ptr<OverlayWindow> window;
     std::vector<std::int64_t> keys;
@@ -191,7 +191,7 @@ TEST_F(QtOverlayWindowsTest, EachStepOfAFadeReachesTheServerUnderACompositor) {
     expectEachStepOnTheServer(0, 300ms, 18);
 }
 
-TEST_F(QtOverlayWindowsTest, KeyHeldBeforeTheWindowOpensIsDiscardedUntilItIsPressedAgain) {
+TEST_F(QtOverlayWindowsTest, KeyHeldBeforeTheWindowOpensIsIgnoredUntilPressedAgain) {
     QtRunLoop runLoop;
     X11Connection connection(runLoop);
     X11KeyEvents keyEvents(connection, runLoop);
@@ -207,7 +207,7 @@ TEST_F(QtOverlayWindowsTest, KeyHeldBeforeTheWindowOpensIsDiscardedUntilItIsPres
     EXPECT_TRUE(serveUntil([&] { return counter.presses >= 10; }));
     EXPECT_EQ(keys, (std::vector<std::int64_t>{}));
     client.release(space);
-    ASSERT_TRUE(serveUntil([&] { // there has been a pause in the typing
+    ASSERT_TRUE(serveUntil([&] { // wait for a pause in the typing
         return runLoop.monotonicNow() - *keyEvents.typing().last() > Typing::pause;
     }));
     client.press(space);
@@ -218,13 +218,13 @@ TEST_F(QtOverlayWindowsTest, KeyHeldBeforeTheWindowOpensIsDiscardedUntilItIsPres
     window.reset();
 }
 
-TEST_F(QtOverlayWindowsTest, WithoutTypingDataOnlyRepeatsAreDiscarded) {
+TEST_F(QtOverlayWindowsTest, OnlyRepeatsAreIgnoredWithoutTypingData) {
     const auto monitor = listen(windows);
     QKeyEvent press(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier);
     QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, " ", true);
     QWindow other;
     QCoreApplication::sendEvent(&other, &repeat);
-    EXPECT_EQ(keys.size(), 1U) << "without a cover, repeats should get through as well";
+    EXPECT_EQ(keys.size(), 1U) << "without a cover, repeats should not be ignored";
     show(windows);
     auto* const cover = QGuiApplication::focusWindow();
     QCoreApplication::sendEvent(cover, &repeat);

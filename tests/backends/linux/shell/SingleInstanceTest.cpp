@@ -52,7 +52,7 @@ protected:
     }
 };
 
-TEST_F(SingleInstanceTest, EveryServerAndEveryFolderHasItsOwnFirstInstance) {
+TEST_F(SingleInstanceTest, EachServerAndFolderHasAFirstInstance) {
     const SingleInstance one(":0", folder);
     const SingleInstance another(":1", folder);
     const SingleInstance remote("remote:0", folder);
@@ -76,8 +76,8 @@ TEST_F(SingleInstanceTest, NoOtherUserCanOpenItsFiles) {
     }
 }
 
-TEST_F(SingleInstanceTest, AbstractSocketOfAnotherUserNeitherBlocksAStartNorAllowsTwo) {
-    // Any user of the machine could take this name.
+TEST_F(SingleInstanceTest, AbstractSocketOfAnotherUserIsIgnored) {
+    // Any user of the machine can bind this name.
     const auto server = "a server of this test " + std::to_string(getpid());
     const auto name = "nocta-" + std::to_string(geteuid()) + "-" + server;
     sockaddr_un address{};
@@ -108,7 +108,7 @@ TEST_F(SingleInstanceTest, FilesOfAKilledProcessAreTakenOver) {
     EXPECT_EQ(next->role(), Role::first);
 }
 
-TEST_F(SingleInstanceTest, FirstInstanceThatExitsLeavesNoSocket) {
+TEST_F(SingleInstanceTest, FirstInstanceRemovesItsSocketOnExit) {
     SingleInstance first(":0", folder);
     EXPECT_EQ(filesInFolder().size(), 2U);
     first.close();
@@ -118,7 +118,7 @@ TEST_F(SingleInstanceTest, FirstInstanceThatExitsLeavesNoSocket) {
     EXPECT_EQ(next.role(), Role::first);
 }
 
-TEST_F(SingleInstanceTest, LaterInstanceThatExitsRemovesNothing) {
+TEST_F(SingleInstanceTest, LaterInstanceRemovesNothingOnExit) {
     const SingleInstance first(":0", folder);
     const auto status = statusOf([&] {
         SingleInstance later(":0", folder, 50ms);
@@ -129,7 +129,7 @@ TEST_F(SingleInstanceTest, LaterInstanceThatExitsRemovesNothing) {
     EXPECT_EQ(filesInFolder().size(), 2U);
 }
 
-TEST_F(SingleInstanceTest, LongPathsDoNotMatter) {
+TEST_F(SingleInstanceTest, LongPathsAreSupported) {
     const auto deep = folder / std::string(200, 'a') / std::string(200, 'b');
     const std::string server = "/" + std::string(200, 'c') + "/wayland-0";
     const SingleInstance first(server, deep);
@@ -137,7 +137,7 @@ TEST_F(SingleInstanceTest, LongPathsDoNotMatter) {
     EXPECT_EQ(SingleInstance(server, deep, 50ms).role(), Role::unanswered);
 }
 
-TEST_F(SingleInstanceTest, OtherFileWithTheNameOfTheSocketDoesNotPreventAStart) {
+TEST_F(SingleInstanceTest, UnexpectedFileInPlaceOfTheSocketDoesNotPreventAStart) {
     { SingleInstance(":0", folder).close(); }
     const auto lock = filesInFolder().front();
     const auto socket = fs::path(lock).replace_extension(".socket");
@@ -156,7 +156,7 @@ TEST_F(SingleInstanceTest, OtherFileWithTheNameOfTheSocketDoesNotPreventAStart) 
     EXPECT_NE(said.find("nocta: cannot listen for later starts"), std::string::npos) << said;
 }
 
-TEST_F(SingleInstanceTest, LinkWithTheNameOfTheLockIsNotFollowed) {
+TEST_F(SingleInstanceTest, LinkInPlaceOfTheLockIsNotFollowed) {
     { SingleInstance(":0", folder).close(); }
     const auto lock = filesInFolder().front();
     fs::remove(lock);

@@ -17,7 +17,7 @@
 namespace nocta {
 namespace {
 
-/// A fake StatusNotifierWatcher like the one that a panel provides.
+/// A fake StatusNotifierWatcher, as provided by a panel.
 class Watcher final : public QDBusVirtualObject {
 public:
     explicit Watcher(const PrivateBus& bus)
@@ -59,7 +59,7 @@ protected:
 
 // One test covers all cases, because the D-Bus library connects to the session bus only once per
 // process.
-TEST_F(SystemTrayTest, HostThatStartsAfterTheProgramIsReportedOnce) {
+TEST_F(SystemTrayTest, HostThatStartsLateIsReportedOnce) {
     SystemTray tray(nullptr);
     listenTo(tray);
     EXPECT_FALSE(tray.isAvailable());
@@ -80,7 +80,7 @@ TEST_F(SystemTrayTest, HostThatStartsAfterTheProgramIsReportedOnce) {
     EXPECT_EQ(told, 2);
 }
 
-TEST(SystemTray, XEmbedTrayThatStartsAfterTheProgramIsReported) {
+TEST(SystemTray, XEmbedTrayThatStartsLateIsReported) {
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
     const XServer server(XServer::Kind::xvfb);
     QtRunLoop runLoop;

@@ -1,4 +1,4 @@
-// Tests the steps from the offer of a release to the start of the installer.
+// Tests every step from offering a release to starting the installer.
 
 #include "support/UpdaterOnVirtualDesktop.h"
 
@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 
 using AppcastDownloadTest = UpdaterOnVirtualDesktop;
 
-TEST_F(AppcastDownloadTest, VerifiedFileIsHandedToTheInstaller) {
+TEST_F(AppcastDownloadTest, VerifiedFileIsPassedToTheInstaller) {
     start();
     updater->checkForUpdates();
     answerFeed(release().item());
@@ -43,7 +43,7 @@ TEST_F(AppcastDownloadTest, VerifiedFileIsHandedToTheInstaller) {
               std::filesystem::perms::owner_all);
 }
 
-TEST_F(AppcastDownloadTest, FileThatThePublisherDidNotSignIsNeverOpened) {
+TEST_F(AppcastDownloadTest, FileNotSignedByThePublisherIsNeverOpened) {
     start();
     const auto stranger = Publisher().sign(file);
     const auto load = [this](const Release& offered, const std::string& content) {
@@ -74,7 +74,7 @@ TEST_F(AppcastDownloadTest, FileThatThePublisherDidNotSignIsNeverOpened) {
     EXPECT_EQ(cycles.back(), "The file is not signed");
 }
 
-TEST_F(AppcastDownloadTest, FileThatCannotBeValidIsNotDownloaded) {
+TEST_F(AppcastDownloadTest, InvalidFileIsNotDownloaded) {
     start();
     const auto refused = [this](const Release& offered) {
         updater->checkForUpdates();
@@ -162,7 +162,7 @@ TEST_F(AppcastDownloadTest, FailureToStartTheInstallerIsAnError) {
         << "a late answer from the installer should not interrupt a check";
 }
 
-TEST_F(AppcastDownloadTest, ReleaseHandedToTheInstallerIsNotOfferedAgainAutomatically) {
+TEST_F(AppcastDownloadTest, ReleasePassedToTheInstallerIsNotOfferedAgainAutomatically) {
     startChecking();
     answerFeed(release().item());
     updater->install();
@@ -177,7 +177,7 @@ TEST_F(AppcastDownloadTest, ReleaseHandedToTheInstallerIsNotOfferedAgainAutomati
     EXPECT_NE(shown<UpdateFound>(), nullptr);
 }
 
-TEST_F(AppcastDownloadTest, TwoInstancesOfOneUserDoNotMixTheirFiles) {
+TEST_F(AppcastDownloadTest, TwoInstancesUseSeparateFiles) {
     const auto length = static_cast<std::int64_t>(file.size());
     const auto signature = *ed25519Signature(publisher.sign(file));
     UpdateFile good(package, length, publisher.key(), signature);
@@ -208,7 +208,7 @@ TEST_F(AppcastDownloadTest, FilesOfOldUpdatesAreRemovedOnLaunch) {
     EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_FALSE(std::filesystem::exists(killed));
     EXPECT_TRUE(std::filesystem::exists(young))
-        << "a file that an installer may still read should stay";
+        << "a file that an installer may still be reading should be kept";
 }
 
 TEST_F(AppcastDownloadTest, TurningAutomaticChecksOffStopsOnlyAutomaticDownloads) {
@@ -223,7 +223,7 @@ TEST_F(AppcastDownloadTest, TurningAutomaticChecksOffStopsOnlyAutomaticDownloads
     EXPECT_EQ(asked(), bundle.feedUrl) << "a check that the user requested should continue";
 }
 
-TEST_F(AppcastDownloadTest, AutomaticDownloadIsOfferedOnceItIsVerified) {
+TEST_F(AppcastDownloadTest, AutomaticDownloadIsOfferedAfterItIsVerified) {
     startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
     answerFeed(release().item());
     EXPECT_EQ(asked(), "https://updates.example/nocta.deb");
@@ -245,7 +245,7 @@ TEST_F(AppcastDownloadTest, AutomaticDownloadIsOfferedOnceItIsVerified) {
         << "a deleted file should be downloaded again";
 }
 
-TEST_F(AppcastDownloadTest, AutomaticDownloadThatFailsIsOnlyReported) {
+TEST_F(AppcastDownloadTest, FailedAutomaticDownloadIsOnlyReported) {
     startWith(R"({"checksAutomatically":true,"downloadsAutomatically":true})");
     answerFeed(release().item());
     answer("the old Nocta");

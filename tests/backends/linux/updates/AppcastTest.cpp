@@ -42,7 +42,7 @@ TEST(Appcast, ReleaseIsRead) {
     EXPECT_EQ(item.releaseNotes, "Darker nights");
 }
 
-TEST(Appcast, VersionsMayBeInTheEnclosure) {
+TEST(Appcast, VersionsCanBeInTheEnclosure) {
     const auto appcast =
         parseAppcast(feed(R"(<item><enclosure url="https://a.example/b" sparkle:version="7"
                              sparkle:shortVersionString="0.7"/></item>
@@ -55,7 +55,7 @@ TEST(Appcast, VersionsMayBeInTheEnclosure) {
     EXPECT_EQ(appcast.items[1].length, 0);
 }
 
-TEST(Appcast, PrefixOfTheNamespaceDoesNotMatter) {
+TEST(Appcast, AnyNamespacePrefixIsAccepted) {
     const auto appcast = parseAppcast(
         R"(<rss xmlns:s="http://www.andymatuschak.org/xml-namespaces/sparkle"><channel><item>
            <s:version>8</s:version><sparkle xmlns="x"/><enclosure url="u"/></item>
@@ -108,7 +108,7 @@ TEST(Appcast, InvalidLengthCountsAsMissing) {
     }
 }
 
-TEST(Appcast, InvalidFeedIsRefusedInOneLine) {
+TEST(Appcast, InvalidFeedIsAOneLineError) {
     for (const auto& text :
          {std::string(), std::string("hello"), std::string("{}"), std::string("<html></html>"),
           std::string("<rss>"), feed(whole).substr(0, 400), feed(whole) + "<rss/>",
@@ -122,7 +122,7 @@ TEST(Appcast, InvalidFeedIsRefusedInOneLine) {
     }
 }
 
-TEST(Appcast, EntityBombsAreRefused) {
+TEST(Appcast, EntityBombsAreRejected) {
     const std::string laughs = R"(<!DOCTYPE rss [<!ENTITY a "ha"><!ENTITY b "&a;&a;&a;&a;&a;&a;">
         <!ENTITY c "&b;&b;&b;&b;&b;&b;"><!ENTITY d "&c;&c;&c;&c;&c;&c;">]>)";
     const std::string outside = R"(<!DOCTYPE rss [<!ENTITY f SYSTEM "file:///etc/passwd">]>)";

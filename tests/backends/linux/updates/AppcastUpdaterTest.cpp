@@ -37,7 +37,7 @@ TEST_F(AppcastUpdaterTest, PermissionIsRequestedOnce) {
     EXPECT_EQ(asked(), "");
 }
 
-TEST_F(AppcastUpdaterTest, OnceAllowedItChecksImmediatelyAndThenDaily) {
+TEST_F(AppcastUpdaterTest, ChecksImmediatelyAndThenDailyAfterPermission) {
     startWith("{}");
     updater->setAutomaticallyChecksForUpdates(true);
     EXPECT_TRUE(showsNothing());
@@ -67,7 +67,7 @@ TEST_F(AppcastUpdaterTest, SettingTheClockBackDoesNotDelayChecks) {
     EXPECT_EQ(asked(), bundle.feedUrl);
 }
 
-TEST_F(AppcastUpdaterTest, AutomaticCheckThatFailsIsReportedAndRetried) {
+TEST_F(AppcastUpdaterTest, FailedAutomaticCheckIsReportedAndRetried) {
     startChecking();
     desktop.urlSession.answer({.error = "Host not found"});
     EXPECT_TRUE(showsNothing());
@@ -80,7 +80,7 @@ TEST_F(AppcastUpdaterTest, AutomaticCheckThatFailsIsReportedAndRetried) {
     EXPECT_EQ(asked(), "");
 }
 
-TEST_F(AppcastUpdaterTest, TogglesAreRememberedEvenIfNothingCanBeChecked) {
+TEST_F(AppcastUpdaterTest, TogglesAreStoredEvenIfChecksAreImpossible) {
     for (const auto& [feedUrl, isPackageManaged, availability] :
          {std::tuple{"", false, Updater::Availability::noFeed},
           std::tuple{"", true, Updater::Availability::packageManager},
@@ -103,7 +103,7 @@ TEST_F(AppcastUpdaterTest, TogglesAreRememberedEvenIfNothingCanBeChecked) {
     }
 }
 
-TEST_F(AppcastUpdaterTest, InvalidKeyPreventsTheStart) {
+TEST_F(AppcastUpdaterTest, InvalidKeyIsAStartError) {
     for (const auto* const text :
          {"", "nonsense", "AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA="}) {
         bundle.publicEdKey = text;
@@ -166,7 +166,7 @@ TEST_F(AppcastUpdaterTest, UserCanJoinARunningCheck) {
     EXPECT_EQ(asked(), "") << "both requests should share one check";
 }
 
-TEST_F(AppcastUpdaterTest, NewestForThisSystemIsOffered) {
+TEST_F(AppcastUpdaterTest, NewestReleaseForThisSystemIsOffered) {
     start();
     const auto with = [this](const char* version, const char* more) {
         auto one = release();
@@ -186,7 +186,7 @@ TEST_F(AppcastUpdaterTest, NewestForThisSystemIsOffered) {
     EXPECT_EQ(shown<UpdateFound>()->releaseNotes, "Darker nights");
 }
 
-TEST_F(AppcastUpdaterTest, ReleaseThatIsNotNewerIsNotOffered) {
+TEST_F(AppcastUpdaterTest, OlderOrEqualReleaseIsNotOffered) {
     start();
     for (const auto* const version : {"45", "45.0", "44.9", "45b1", "1", "", "v46"}) {
         auto old = release();
@@ -260,7 +260,7 @@ TEST_F(AppcastUpdaterTest, DismissedReleaseIsOfferedAgainByTheNextCheck) {
     EXPECT_EQ(asked(), "") << "no check should start while a release is shown";
 }
 
-TEST_F(AppcastUpdaterTest, FeedThatIsTooLongIsAnError) {
+TEST_F(AppcastUpdaterTest, OverlongFeedIsAnError) {
     start();
     updater->checkForUpdates();
     desktop.urlSession.send(std::string(1 << 17, ' '));

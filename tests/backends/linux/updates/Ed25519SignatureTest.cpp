@@ -30,8 +30,8 @@ bool isValid(const Ed25519PublicKey& key, const Ed25519Signature& signature,
 }
 
 /// Verifies a complete message in memory with libsodium's own function.
-bool isValidToSodium(const Ed25519PublicKey& key, const Ed25519Signature& signature,
-                     const std::string& message) {
+bool isValidWithSodium(const Ed25519PublicKey& key, const Ed25519Signature& signature,
+                       const std::string& message) {
     return crypto_sign_verify_detached(signature.data(),
                                        reinterpret_cast<const unsigned char*>(message.data()),
                                        message.size(), key.data()) == 0;
@@ -76,7 +76,7 @@ TEST(Ed25519Signature, AgreesWithLibsodiumOnMessagesInMemory) {
         EXPECT_FALSE(isValid(signer.key(), tampered, message));
         auto key = signer.key();
         key.at(random() % key.size()) ^= static_cast<unsigned char>(1U << random() % 8);
-        EXPECT_EQ(isValid(key, signature, message), isValidToSodium(key, signature, message));
+        EXPECT_EQ(isValid(key, signature, message), isValidWithSodium(key, signature, message));
         if (!message.empty()) {
             message.at(random() % message.size()) ^= static_cast<char>(1 << random() % 8);
             EXPECT_FALSE(isValid(signer.key(), signature, message));
@@ -84,7 +84,7 @@ TEST(Ed25519Signature, AgreesWithLibsodiumOnMessagesInMemory) {
     }
 }
 
-TEST(Ed25519Signature, SecondFormOfASignatureIsRefused) {
+TEST(Ed25519Signature, NonCanonicalSignatureIsRejected) {
     // S plus the order of the group gives the same point as S.
     const auto order =
         fromHex<32>("edd3f55c1a631258d69cf7a2def9de1400000000000000000000000000000010");
@@ -97,10 +97,10 @@ TEST(Ed25519Signature, SecondFormOfASignatureIsRefused) {
         carry >>= 8;
     }
     EXPECT_FALSE(isValid(signer.key(), signature, "message"));
-    EXPECT_FALSE(isValidToSodium(signer.key(), signature, "message"));
+    EXPECT_FALSE(isValidWithSodium(signer.key(), signature, "message"));
 }
 
-TEST(Ed25519Signature, EmptySignatureIsRefused) {
+TEST(Ed25519Signature, EmptySignatureIsRejected) {
     EXPECT_FALSE(isValid(Publisher().key(), {}, "message"));
     EXPECT_FALSE(isValid({}, {}, "message"));
 }
@@ -120,7 +120,7 @@ TEST(Ed25519Signature, OnlyCompleteBase64OfTheRightLengthIsAccepted) {
     }
 }
 
-TEST(Ed25519Signature, PointsThatCannotBeHonestKeysAreRefused) {
+TEST(Ed25519Signature, InvalidOrLowOrderPointsAreRejected) {
     for (const auto* const hex :
          {"0000000000000000000000000000000000000000000000000000000000000000",
           "0100000000000000000000000000000000000000000000000000000000000000",

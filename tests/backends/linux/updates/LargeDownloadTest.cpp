@@ -25,7 +25,7 @@ constexpr std::int64_t gibibyte = 1LL << 30;
 constexpr std::int64_t maxGrowth = 16LL << 20;     // bytes
 constexpr std::int64_t maxHelperSize = 32LL << 20; // bytes, for the whole process
 
-/// The peak memory of this process, in bytes.
+/// Returns the peak memory of this process, in bytes.
 std::int64_t peakMemory() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -89,14 +89,14 @@ private:
                     output_};
 };
 
-/// The largest peak memory of all child processes that have exited, in bytes.
+/// Returns the largest peak memory of all child processes that have exited, in bytes.
 std::int64_t peakMemoryOfHelpers() {
     rusage usage{};
     getrusage(RUSAGE_CHILDREN, &usage);
     return std::int64_t{1024} * usage.ru_maxrss;
 }
 
-/// A gibibyte of zeros that takes no memory.
+/// Generates a gibibyte of zeros without storing it.
 class Zeros {
 public:
     Zeros()

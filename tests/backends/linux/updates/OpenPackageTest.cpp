@@ -43,18 +43,18 @@ protected:
     }
 };
 
-TEST_F(OpenPackageTest, DesktopGetsTheFile) {
+TEST_F(OpenPackageTest, FileIsPassedToTheDesktop) {
     openAndWait("echo \"$#$1\" > " + folder.path() + "/seen");
     EXPECT_FALSE(error);
     EXPECT_EQ(contentOf(folder.path() + "/seen"), "1" + folder.path() + "/a b;c.deb\n");
 }
 
-TEST_F(OpenPackageTest, DesktopWithoutAnInstallerIsAnError) {
+TEST_F(OpenPackageTest, MissingInstallerIsAnError) {
     openAndWait("exit 3");
     EXPECT_EQ(error, "The package could not be opened: " + folder.path() + "/a b;c.deb");
 }
 
-TEST_F(OpenPackageTest, OpenerThatIsMissingOrKilledIsAnError) {
+TEST_F(OpenPackageTest, MissingOrKilledOpenerIsAnError) {
     openAndWait("");
     EXPECT_TRUE(error);
     answers = 0;

@@ -14,7 +14,7 @@ std::string ofPlain(const char* text) {
     return releaseNotes(QString::fromUtf8(text), NotesFormat::plainText);
 }
 
-TEST(ReleaseNotes, HtmlIsReadAsText) {
+TEST(ReleaseNotes, HtmlIsConvertedToText) {
     EXPECT_EQ(ofHtml("<h2>What is new</h2><ul><li>Darker <b>nights</b></li>\n  <li>Fish &amp; "
                      "chips &#8211; &#x263A;</li></ul><p>Thanks</p>"),
               "What is new\n\n• Darker nights\n• Fish & chips – ☺\n\nThanks");
@@ -32,7 +32,7 @@ TEST(ReleaseNotes, ActiveAndHiddenContentIsRemoved) {
     EXPECT_EQ(ofPlain("a\u202E\u200B\x07\x1B[31mb"), "a[31mb");
 }
 
-TEST(ReleaseNotes, MalformedMarkupIsTextOrNothing) {
+TEST(ReleaseNotes, MalformedMarkupIsKeptAsTextOrRemoved) {
     EXPECT_EQ(ofHtml("a < b"), "a");
     EXPECT_EQ(ofHtml("a &lt; b & c &nothing; &#xD800; &#99999999; &#; &"),
               "a < b & c &nothing; &#xD800; &#99999999; &#; &");
@@ -43,7 +43,7 @@ TEST(ReleaseNotes, MalformedMarkupIsTextOrNothing) {
     EXPECT_EQ(ofHtml("a<script>&amp;<i></script >b"), "ab");
 }
 
-TEST(ReleaseNotes, PlainTextKeepsItsLines) {
+TEST(ReleaseNotes, PlainTextKeepsItsLineBreaks) {
     EXPECT_EQ(ofPlain("\r\n one \t two \r\n\n\n\n <b>three</b> &amp; \n"),
               "one two\n\n<b>three</b> &amp;");
 }

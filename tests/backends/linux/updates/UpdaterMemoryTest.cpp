@@ -18,7 +18,7 @@ const UpdaterRecord decided = {.checksAutomatically = false,
                                .lastCheck = WallTime(1795262400s),
                                .skippedVersion = "46\n\"🌙"};
 
-TEST(UpdaterMemory, IsStoredInItsOwnFile) {
+TEST(UpdaterMemory, RecordIsStoredInAFile) {
     const TemporaryFolder folder;
     const auto file = folder.path() + "/new/updates.json";
     {

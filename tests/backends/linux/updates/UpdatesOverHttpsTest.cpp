@@ -1,4 +1,4 @@
-// Tests the updater with a real HTTPS server, and releases that the test signs.
+// Tests the updater with a real HTTPS server and with releases that the test signs.
 
 #include "backends/linux/network/CurlUrlSession.h"
 #include "backends/linux/shell/QtRunLoop.h"
@@ -24,7 +24,7 @@ protected:
     HttpsServer server;
     QtRunLoop runLoop;
     CurlUrlSession session{runLoop, server.certificate.file()};
-    CurlUrlSession unknowing{runLoop};
+    CurlUrlSession distrustful{runLoop};
     Publisher publisher;
     std::string key = publisher.publicKey();
     std::string feedUrl = server.address("/appcast.xml");
@@ -130,7 +130,7 @@ TEST_F(UpdatesOverHttpsTest, EncryptedRedirectsAreFollowed) {
     EXPECT_EQ(opened, std::vector{file});
 }
 
-TEST_F(UpdatesOverHttpsTest, UnencryptedOrEndlessRedirectIsRefused) {
+TEST_F(UpdatesOverHttpsTest, UnencryptedOrEndlessRedirectIsRejected) {
     const PlainServer plain;
     for (const auto& address : {plain.address() + "appcast.xml", std::string("/appcast.xml"),
                                 std::string("file:///etc/passwd"), std::string("https://")}) {
@@ -143,7 +143,7 @@ TEST_F(UpdatesOverHttpsTest, UnencryptedOrEndlessRedirectIsRefused) {
     EXPECT_EQ(plain.connections, 0);
 }
 
-TEST_F(UpdatesOverHttpsTest, InvalidFeedIsRefused) {
+TEST_F(UpdatesOverHttpsTest, InvalidFeedIsRejected) {
     for (const auto& feed :
          {std::string(), std::string("hello"), std::string("<html><p>Log in to the network"),
           std::string("<!DOCTYPE rss [<!ENTITY a \"ha\"><!ENTITY b \"&a;&a;\">]><rss>&b;</rss>"),
@@ -163,14 +163,14 @@ TEST_F(UpdatesOverHttpsTest, InvalidFeedIsRefused) {
     }
 }
 
-TEST_F(UpdatesOverHttpsTest, ServerWithAnUntrustedCertificateIsRefused) {
+TEST_F(UpdatesOverHttpsTest, ServerWithAnUntrustedCertificateIsRejected) {
     serve("/appcast.xml", appcast(release().item()));
-    startWith(unknowing);
+    startWith(distrustful);
     expectRefused();
     EXPECT_TRUE(asked.empty());
 }
 
-TEST_F(UpdatesOverHttpsTest, FileOtherThanTheSignedOneIsRefused) {
+TEST_F(UpdatesOverHttpsTest, FileThatDiffersFromTheSignedOneIsRejected) {
     serve("/appcast.xml", appcast(release().item()));
     for (const auto& other : {std::string(), file + "x", file.substr(1), "x" + file.substr(1)}) {
         serve("/nocta.deb", other);
@@ -190,7 +190,7 @@ TEST_F(UpdatesOverHttpsTest, FileOtherThanTheSignedOneIsRefused) {
     expectRefused();
 }
 
-TEST_F(UpdatesOverHttpsTest, HostileNamesAndNotesDoNoHarm) {
+TEST_F(UpdatesOverHttpsTest, MaliciousNamesAndNotesAreHarmless) {
     auto item = release();
     item.more = "<description>&lt;script&gt;x&lt;/script&gt;&lt;img src='file:///etc/passwd'&gt;"
                 "Seen</description>";

@@ -50,7 +50,7 @@ protected:
             return compositor.isSettled() && condition(compositor.mapped());
         }));
     }
-    /// Expects layers of these alphas, in the order of the outputs.
+    /// Expects layers with these alpha values, in the order of the outputs.
     void expectAlphas(const std::vector<int>& wanted) {
         std::vector<int> alphas;
         expectSoon([&](const auto& layers) {
@@ -85,7 +85,7 @@ TEST_F(TintGammaOutputTest, CoversEachOutputAndLetsClicksThrough) {
     }
 }
 
-TEST_F(TintGammaOutputTest, IsAsDarkAsTheHighestLevelOfTheTables) {
+TEST_F(TintGammaOutputTest, DarknessFollowsTheHighestLevelOfTheTables) {
     const std::vector<float> red = {0, 0.5F};
     const std::vector<float> green = {0, 0.4F};
     const std::vector<float> blue = {0, 0.2F};
@@ -99,7 +99,7 @@ TEST_F(TintGammaOutputTest, IsAsDarkAsTheHighestLevelOfTheTables) {
     expectAlphas({halfAlpha});
 }
 
-TEST_F(TintGammaOutputTest, FullHeightRemovesTheLayer) {
+TEST_F(TintGammaOutputTest, FullLevelRemovesTheLayer) {
     plug();
     setLevel(1, 0.5F);
     setLevel(2, 0.5F);
@@ -110,7 +110,7 @@ TEST_F(TintGammaOutputTest, FullHeightRemovesTheLayer) {
     EXPECT_EQ(compositor.surfaceCount(), 1U);
 }
 
-TEST_F(TintGammaOutputTest, RestoringRemovesAllLayersAtOnce) {
+TEST_F(TintGammaOutputTest, RestoringRemovesAllLayersImmediately) {
     plug();
     setLevel(1, 0.5F);
     setLevel(2, 0.5F);
@@ -121,7 +121,7 @@ TEST_F(TintGammaOutputTest, RestoringRemovesAllLayersAtOnce) {
     expectAlphas({halfAlpha});
 }
 
-TEST_F(TintGammaOutputTest, RemovedOutputTakesItsLayerAway) {
+TEST_F(TintGammaOutputTest, RemovingAnOutputRemovesItsLayer) {
     plug();
     setLevel(1, 0.5F);
     setLevel(2, 0.5F);
@@ -140,12 +140,12 @@ TEST_F(TintGammaOutputTest, RemovedOutputTakesItsLayerAway) {
     expectAlphas({halfAlpha, 191});
 }
 
-TEST_F(TintGammaOutputTest, OutputMayGoBeforeItsLayerHasAppeared) {
+TEST_F(TintGammaOutputTest, OutputCanBeRemovedBeforeItsLayerAppears) {
     setLevel(1, 0.5F);
     for (const auto isReadBefore : {false, true}) {
         plug();
         if (!isReadBefore) {
-            compositor.removeOutput(); // which the program does not know yet
+            compositor.removeOutput(); // before the program reads the event
         }
         setLevel(2, 0.5F);
         if (isReadBefore) {
@@ -157,7 +157,7 @@ TEST_F(TintGammaOutputTest, OutputMayGoBeforeItsLayerHasAppeared) {
     }
 }
 
-TEST_F(TintGammaOutputTest, ClosedLayerComesBackAtTheNextTable) {
+TEST_F(TintGammaOutputTest, ClosedLayerIsRecreatedByTheNextTable) {
     setLevel(1, 0.5F);
     expectAlphas({halfAlpha});
     compositor.close(0);
@@ -168,7 +168,7 @@ TEST_F(TintGammaOutputTest, ClosedLayerComesBackAtTheNextTable) {
     EXPECT_EQ(compositor.surfaceCount(), 1U);
 }
 
-TEST_F(TintGammaOutputTest, LayerFollowsANewSize) {
+TEST_F(TintGammaOutputTest, LayerIsResized) {
     setLevel(1, 0.5F);
     expectAlphas({halfAlpha});
     compositor.configure(0, 1920, 1080);
@@ -177,7 +177,7 @@ TEST_F(TintGammaOutputTest, LayerFollowsANewSize) {
     });
 }
 
-TEST_F(TintGammaOutputTest, SizeThatCannotBeIsReplacedByThatOfTheDisplay) {
+TEST_F(TintGammaOutputTest, InvalidSizeIsReplacedByTheDisplaySize) {
     const auto expectFullSize = [&] {
         expectSoon([](const auto& layers) {
             return layers.size() == 1 && layers[0].width == 1280 && layers[0].height == 720 &&
@@ -195,7 +195,7 @@ TEST_F(TintGammaOutputTest, SizeThatCannotBeIsReplacedByThatOfTheDisplay) {
     }
 }
 
-TEST(TintGammaOutputAvailabilityTest, NeedsLayersAndScaling) {
+TEST(TintGammaOutput, IsUnavailableWithoutARequiredProtocol) {
     int argumentCount = 0;
     const QCoreApplication application(argumentCount, nullptr);
     for (const auto* const withheld :

@@ -22,8 +22,8 @@ constexpr Rect right{1280, 0, 1280, 720};
 const Application inZoom = RunningApplication{"us.zoom.xos", "zoom"};
 const Application inEditor = RunningApplication{"Editor", "Editor"};
 
-/// The workspace on a compositor that sends whatever a test chooses. It has two outputs, and the
-/// main display is the left one.
+/// The workspace on a compositor whose events the test chooses. The compositor has two outputs; the
+/// left one is the main display.
 class ToplevelEventsTest : public ::testing::Test {
 protected:
     ToplevelCompositor compositor;
@@ -60,7 +60,7 @@ protected:
             ASSERT_TRUE(serveUntil([&] { return passed; }));
         }
     }
-    /// Events that open a window.
+    /// Sends the events that open a window.
     void open(std::size_t window, const std::string& appId, const std::vector<State>& states,
               const std::string& output) {
         compositor.open();
@@ -79,7 +79,7 @@ protected:
     }
 };
 
-TEST_F(ToplevelEventsTest, DescriptionTakesEffectAsAWhole) {
+TEST_F(ToplevelEventsTest, DescriptionIsAppliedWhenItIsComplete) {
     send([this] {
         compositor.open();
         compositor.setAppId(0, "zoom");
@@ -95,7 +95,7 @@ TEST_F(ToplevelEventsTest, DescriptionTakesEffectAsAWhole) {
     EXPECT_EQ(activated, (std::vector{inZoom}));
 }
 
-TEST_F(ToplevelEventsTest, ChangesThatArriveTogetherAreOneActivation) {
+TEST_F(ToplevelEventsTest, SimultaneousChangesCauseOneActivation) {
     send([this] {
         open(0, "zoom", {State::activated}, "DP-1");
         open(1, "Editor", {}, "DP-1");
@@ -115,11 +115,12 @@ TEST_F(ToplevelEventsTest, ChangesThatArriveTogetherAreOneActivation) {
     EXPECT_EQ(activated, (std::vector{inZoom, inEditor, inZoom}));
 }
 
-TEST_F(ToplevelEventsTest, NewTitleIsNoActivation) {
+TEST_F(ToplevelEventsTest, NewTitleDoesNotCauseAnActivation) {
     send([this] { open(0, "", {State::activated}, "DP-1"); });
     EXPECT_EQ(activated, (std::vector<Application>{}));
     send([this] { compositor.setTitle(0, "Page 1"); });
-    EXPECT_EQ(workspace->frontmostApplication(), std::nullopt) << "it is not complete yet";
+    EXPECT_EQ(workspace->frontmostApplication(), std::nullopt)
+        << "the description should not be complete yet";
     send([this] { compositor.finishDescription(0); });
     EXPECT_EQ(workspace->frontmostApplication(), (RunningApplication{std::nullopt, "Page 1"}));
     EXPECT_EQ(activated, (std::vector<Application>{}));
@@ -127,10 +128,11 @@ TEST_F(ToplevelEventsTest, NewTitleIsNoActivation) {
         compositor.setAppId(0, "zoom");
         compositor.finishDescription(0);
     });
-    EXPECT_EQ(activated, (std::vector{inZoom})) << "a new application ID is one";
+    EXPECT_EQ(activated, (std::vector{inZoom}))
+        << "a new application ID should cause an activation";
 }
 
-TEST_F(ToplevelEventsTest, TextThatIsNotUtf8DoesNoHarm) {
+TEST_F(ToplevelEventsTest, InvalidUtf8IsKeptUnchanged) {
     send([this] {
         open(0, "\xFF\xFEzoom", {State::activated}, "DP-1");
         compositor.setTitle(0, "\xC3");
@@ -140,7 +142,7 @@ TEST_F(ToplevelEventsTest, TextThatIsNotUtf8DoesNoHarm) {
     EXPECT_EQ(workspace->frontmostApplication()->localizedName, "\xFF\xFEzoom");
 }
 
-TEST_F(ToplevelEventsTest, MinimizedWindowsAreNotOnScreen) {
+TEST_F(ToplevelEventsTest, MinimizedWindowsAreNotListed) {
     send([this] {
         open(0, "Film", {State::minimized, State::fullScreen}, "DP-1");
         open(1, "Editor", {State::maximized}, "DP-1");
@@ -163,7 +165,7 @@ TEST_F(ToplevelEventsTest, WindowOnBothScreensIsOnTheMainDisplay) {
     EXPECT_EQ(workspace->mainScreenFrame(), left);
 }
 
-TEST_F(ToplevelEventsTest, OutputMayBeRemovedUnderAWindow) {
+TEST_F(ToplevelEventsTest, OutputCanBeRemovedWhileItShowsAWindow) {
     send([this] { open(0, "Film", {State::activated, State::fullScreen}, "DP-2"); });
     EXPECT_EQ(workspace->mainScreenFrame(), right);
     send([this] { compositor.removeOutput("DP-2"); });
@@ -171,7 +173,8 @@ TEST_F(ToplevelEventsTest, OutputMayBeRemovedUnderAWindow) {
     EXPECT_EQ(widths(), (std::vector<std::optional<double>>{std::nullopt}));
     send([this] { compositor.addOutput("DP-3", 1280); });
     EXPECT_EQ(displays->ids().size(), 2U);
-    EXPECT_EQ(workspace->mainScreenFrame(), left) << "the window has not entered the new output";
+    EXPECT_EQ(workspace->mainScreenFrame(), left)
+        << "the window should not be on the new output yet";
     send([this] {
         compositor.enter(0, "DP-3");
         compositor.finishDescription(0);
@@ -179,7 +182,7 @@ TEST_F(ToplevelEventsTest, OutputMayBeRemovedUnderAWindow) {
     EXPECT_EQ(workspace->mainScreenFrame(), right);
 }
 
-TEST_F(ToplevelEventsTest, WindowMayEnterAnOutputThatWasRemoved) {
+TEST_F(ToplevelEventsTest, WindowCanEnterARemovedOutput) {
     send([this] {
         compositor.removeOutput("DP-1");
         compositor.removeOutput("DP-2");
@@ -190,7 +193,7 @@ TEST_F(ToplevelEventsTest, WindowMayEnterAnOutputThatWasRemoved) {
     EXPECT_EQ(widths(), (std::vector<std::optional<double>>{std::nullopt}));
 }
 
-TEST_F(ToplevelEventsTest, CompositorMayStopItsReports) {
+TEST_F(ToplevelEventsTest, CompositorCanStopReportingWindows) {
     send([this] {
         open(0, "zoom", {State::activated}, "DP-2");
         open(1, "Editor", {}, "DP-1");

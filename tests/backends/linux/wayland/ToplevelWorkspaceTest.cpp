@@ -16,9 +16,9 @@ namespace nocta {
 namespace {
 
 using Application = std::optional<RunningApplication>;
-using Size = std::optional<std::pair<double, double>>; ///< none if it is not known
+using Size = std::optional<std::pair<double, double>>; ///< empty if unknown
 
-/// The applications on a private sway.
+/// The workspace on a private sway.
 struct WorkspaceOnSway {
     Sway sway;
     QtRunLoop runLoop;
@@ -28,7 +28,7 @@ struct WorkspaceOnSway {
     bool reducesMotion = false;
     ToplevelWorkspace workspace{connection, displays, runLoop, [this] { return reducesMotion; }};
 
-    /// Opens a window and returns once the workspace lists it. It comes to the front.
+    /// Opens a window in front and returns once the workspace lists it.
     std::unique_ptr<Process> open(const std::string& appId, const std::string& title = "Title") {
         const auto before = workspace.copyWindowInfo().value().size();
         auto window = std::make_unique<Process>(
@@ -40,17 +40,17 @@ struct WorkspaceOnSway {
     }
     void close(const std::unique_ptr<Process>& window) {
         const auto before = workspace.copyWindowInfo().value().size();
-        order(window, {"kill"});
+        command(window, {"kill"});
         EXPECT_TRUE(
             serveUntil([&] { return workspace.copyWindowInfo().value().size() == before - 1; }));
     }
-    /// Gives sway an order about a window.
-    void order(const std::unique_ptr<Process>& window, std::vector<std::string> words) const {
+    /// Runs a sway command on a window.
+    void command(const std::unique_ptr<Process>& window, std::vector<std::string> words) const {
         words.insert(words.begin(), "[pid=" + std::to_string(window->id()) + "]");
         sway.message(words);
     }
     /// Returns once the workspace has reported everything that has happened in sway.
-    void hear() {
+    void settle() {
         // One turn each for the events, the deferred check, and requests that follow from them.
         for (int turn = 0; turn < 3; ++turn) {
             EXPECT_TRUE(connection.synchronize());
@@ -66,7 +66,7 @@ struct WorkspaceOnSway {
 
 } // namespace
 
-/// A harness with the windows of other processes. Sizes are known of full-screen windows only.
+/// A harness with windows of other processes. Only full-screen windows have known sizes.
 class SwayWorkspaceHarness : WorkspaceOnSway {
 public:
     const RunningApplication editor{"Editor", "Editor"};
@@ -79,12 +79,12 @@ public:
         if (!application) {
             sway.message({"workspace", "empty"});
         } else if (auto& window = application == editor ? editorWindow_ : playerWindow_) {
-            order(window, {"focus"});
+            command(window, {"focus"});
         } else {
             window = open(application->localizedName);
         }
         EXPECT_TRUE(waitForFrontmost(application));
-        hear();
+        settle();
     }
     void setWindows(const WindowSizes& sizes) {
         while (windows_.size() > sizes.size()) {
@@ -93,7 +93,7 @@ public:
         }
         while (windows_.size() < sizes.size()) {
             windows_.push_back(open("Film"));
-            order(windows_.back(), {"fullscreen", "enable"});
+            command(windows_.back(), {"fullscreen", "enable"});
         }
         EXPECT_TRUE(serveUntil([this] {
             return std::ranges::all_of(
@@ -140,7 +140,7 @@ protected:
     }
 };
 
-TEST_F(ToplevelWorkspaceTest, ApplicationIdsOfMeetingsBecomeBundleIdentifiers) {
+TEST_F(ToplevelWorkspaceTest, ApplicationIdsMapToBundleIdentifiers) {
     EXPECT_TRUE(workspace.isAvailable());
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"zoom", "us.zoom.xos"},
@@ -167,32 +167,32 @@ TEST_F(ToplevelWorkspaceTest, EachActivationIsReportedOnce) {
     ASSERT_TRUE(waitForFrontmost(inZoom));
     const auto editor = open("Editor");
     ASSERT_TRUE(waitForFrontmost(inEditor));
-    order(zoom, {"focus"});
+    command(zoom, {"focus"});
     ASSERT_TRUE(waitForFrontmost(inZoom));
     close(zoom);
     ASSERT_TRUE(waitForFrontmost(inEditor));
     close(editor);
     ASSERT_TRUE(waitForFrontmost(std::nullopt));
-    hear();
+    settle();
     std::erase(activated, std::nullopt); // no window is active between two windows
     EXPECT_EQ(activated, (std::vector{inZoom, inEditor, inZoom, inEditor}));
 }
 
 TEST_F(ToplevelWorkspaceTest, AnotherWindowOfTheSameApplicationIsNotReported) {
     const auto one = open("zoom");
-    hear();
-    const auto other = open("us.zoom.Zoom"); // its bundle identifier is the same
+    settle();
+    const auto other = open("us.zoom.Zoom"); // has the same bundle identifier
     ASSERT_TRUE(waitForFrontmost(RunningApplication{"us.zoom.xos", "us.zoom.Zoom"}));
-    order(one, {"focus"});
+    command(one, {"focus"});
     ASSERT_TRUE(waitForFrontmost(RunningApplication{"us.zoom.xos", "zoom"}));
-    hear();
+    settle();
     std::erase(activated, std::nullopt);
     EXPECT_EQ(activated, (std::vector<Application>{RunningApplication{"us.zoom.xos", "zoom"}}));
 }
 
-TEST_F(ToplevelWorkspaceTest, WindowsOfBeforeAreKnownAtTheStart) {
+TEST_F(ToplevelWorkspaceTest, ExistingWindowsAreReadAtStartup) {
     const auto window = open("zoom");
-    order(window, {"fullscreen", "enable"});
+    command(window, {"fullscreen", "enable"});
     ASSERT_TRUE(waitForSizes({Size({1280, 720})}));
     ToplevelWorkspace late(connection, displays, runLoop, [] { return false; });
     EXPECT_EQ(late.frontmostApplication(), (RunningApplication{"us.zoom.xos", "zoom"}));
@@ -200,68 +200,69 @@ TEST_F(ToplevelWorkspaceTest, WindowsOfBeforeAreKnownAtTheStart) {
     int reports = 0;
     const auto observation =
         late.observeDidActivateApplication([&](const Application& /*application*/) { ++reports; });
-    hear();
-    EXPECT_EQ(reports, 0) << "nothing has changed since the start";
+    settle();
+    EXPECT_EQ(reports, 0) << "nothing should be reported without a change";
 }
 
 TEST_F(ToplevelWorkspaceTest, OnlyFullScreenWindowsHaveASize) {
     const auto editor = open("Editor");
     const auto film = open("Film");
-    hear();
+    settle();
     EXPECT_EQ(sizes(), (std::vector<Size>{std::nullopt, std::nullopt}));
-    order(film, {"fullscreen", "enable"});
+    command(film, {"fullscreen", "enable"});
     EXPECT_TRUE(waitForSizes({std::nullopt, Size({1280, 720})}));
-    order(film, {"fullscreen", "disable"});
+    command(film, {"fullscreen", "disable"});
     EXPECT_TRUE(waitForSizes({std::nullopt, std::nullopt}));
 }
 
 TEST_F(ToplevelWorkspaceTest, MainScreenIsTheScreenOfTheActiveWindow) {
     addOutput();
-    EXPECT_EQ(workspace.mainScreenFrame(), left) << "without a window it is the main display";
+    EXPECT_EQ(workspace.mainScreenFrame(), left)
+        << "it should be the main display if no window is active";
     const auto editor = open("Editor");
     const auto film = open("Film");
-    order(film, {"move", "container", "to", "output", "HEADLESS-2"});
-    order(film, {"focus"});
+    command(film, {"move", "container", "to", "output", "HEADLESS-2"});
+    command(film, {"focus"});
     EXPECT_TRUE(serveUntil([&] { return workspace.mainScreenFrame() == right; }));
-    order(editor, {"focus"});
+    command(editor, {"focus"});
     EXPECT_TRUE(serveUntil([&] { return workspace.mainScreenFrame() == left; }));
 }
 
-TEST_F(ToplevelWorkspaceTest, FullScreenOnAnotherScreenHasNoSize) {
+TEST_F(ToplevelWorkspaceTest, FullScreenWindowOnAnotherScreenHasNoSize) {
     addOutput();
     const auto editor = open("Editor");
     const auto film = open("Film");
-    order(film, {"move", "container", "to", "output", "HEADLESS-2"});
-    order(film, {"fullscreen", "enable"});
-    order(film, {"focus"});
+    command(film, {"move", "container", "to", "output", "HEADLESS-2"});
+    command(film, {"fullscreen", "enable"});
+    command(film, {"focus"});
     EXPECT_TRUE(waitForSizes({std::nullopt, Size({1280, 720})}));
-    order(editor, {"focus"});
+    command(editor, {"focus"});
     EXPECT_TRUE(waitForSizes({std::nullopt, std::nullopt}))
-        << "both screens have the same size, but this is not the main one";
+        << "only windows on the main screen should have a size";
 }
 
-TEST_F(ToplevelWorkspaceTest, WindowWithoutAnIdHasItsTitleAsName) {
+TEST_F(ToplevelWorkspaceTest, TitleIsTheNameOfAWindowWithoutAnId) {
     const auto untitled = open("", "Untitled – 1");
     EXPECT_TRUE(waitForFrontmost(RunningApplication{std::nullopt, "Untitled – 1"}));
     close(untitled);
     const auto silent = open("", "");
-    hear();
+    settle();
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     EXPECT_EQ(sizes(), (std::vector<Size>{std::nullopt}));
 }
 
-TEST_F(ToplevelWorkspaceTest, LongNamesDoNoHarm) {
-    const std::string longText(4000, '/'); // about as much as the protocol can carry
+TEST_F(ToplevelWorkspaceTest, LongNamesAreSupported) {
+    const std::string longText(4000, '/'); // nearly the maximum message size of the protocol
     const auto window = open(longText + "zoom.desktop", longText);
     EXPECT_TRUE(waitForFrontmost(RunningApplication{"us.zoom.xos", longText + "zoom.desktop"}));
     close(window);
-    hear();
+    settle();
     EXPECT_EQ(activated.back(), std::nullopt);
 }
 
-TEST_F(ToplevelWorkspaceTest, NothingIsReportedOnceTheCompositorIsGone) {
+TEST_F(ToplevelWorkspaceTest, NothingIsReportedAfterTheCompositorExits) {
     const auto window = open("zoom");
-    hear();
+    settle();
     bool isLost = false;
     connection.onLost = [&] { isLost = true; };
     const auto before = activated;

@@ -6,7 +6,7 @@
 namespace nocta {
 namespace {
 
-TEST(WaylandConnection, CompositorThatEndsIsReportedOnce) {
+TEST(WaylandConnection, CompositorExitIsReportedOnce) {
     Sway sway;
     WaylandSession session;
     WlrGammaOutput gamma(session.connection, session.displays, session.runLoop);
@@ -21,7 +21,7 @@ TEST(WaylandConnection, CompositorThatEndsIsReportedOnce) {
     EXPECT_EQ(losses, 1);
 }
 
-TEST(WaylandConnection, CompositorThatIsNotThereIsReportedOnce) {
+TEST(WaylandConnection, MissingCompositorIsReportedOnce) {
     const TemporaryFolder folder;
     setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1);
     setenv("WAYLAND_DISPLAY", "none", 1);
@@ -37,7 +37,7 @@ TEST(WaylandConnection, CompositorThatIsNotThereIsReportedOnce) {
     EXPECT_FALSE(gamma.isAvailable());
 }
 
-TEST(WaylandConnection, CompositorThatDoesNotAnswerDoesNotHoldAnyone) {
+TEST(WaylandConnection, UnresponsiveCompositorDoesNotBlock) {
     TestCompositor compositor;
     WaylandSession session;
     compositor.pause();
@@ -45,7 +45,7 @@ TEST(WaylandConnection, CompositorThatDoesNotAnswerDoesNotHoldAnyone) {
     compositor.resume();
 }
 
-TEST(WaylandConnection, BusyCompositorIsWaitedForAtTheStart) {
+TEST(WaylandConnection, StartWaitsForABusyCompositor) {
     TestCompositor compositor;
     compositor.pause();
     std::thread busy([&] {

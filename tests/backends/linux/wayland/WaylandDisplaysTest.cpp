@@ -23,7 +23,7 @@ TEST(WaylandDisplays, DisplaysAreNamedAndPlacedByTheCompositor) {
     EXPECT_EQ(session.displays.displayBounds(2).x, session.displays.displayBounds(1).width);
 }
 
-TEST(WaylandDisplays, BuiltInDisplayIsTheMainOneWhileItIsOn) {
+TEST(WaylandDisplays, BuiltInDisplayIsTheMainDisplayWhileItIsOn) {
     TestCompositor compositor;
     compositor.addOutput("eDP-1", 1280);
     WaylandSession session;
@@ -35,7 +35,7 @@ TEST(WaylandDisplays, BuiltInDisplayIsTheMainOneWhileItIsOn) {
     EXPECT_TRUE(session.displays.displayIsMain(1));
 }
 
-TEST(WaylandDisplays, ConnectorKeepsItsIdAmongOthers) {
+TEST(WaylandDisplays, ConnectorKeepsItsIdWhenDisplaysChange) {
     TestCompositor compositor;
     compositor.addOutput("DP-2");
     WaylandSession session;

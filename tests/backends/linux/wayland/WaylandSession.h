@@ -15,7 +15,7 @@
 
 namespace nocta {
 
-/// The Wayland part of the program on a compositor that a test has started.
+/// The Wayland ports on a compositor that a test has started.
 struct WaylandSession {
     QtRunLoop runLoop;
     NotificationCenter notificationCenter;
@@ -27,8 +27,8 @@ struct WaylandSession {
         return output.setDisplayTransferByTable(display, table, table, table);
     }
 
-    /// Lets the program do everything that it does without further events. A write that waits for
-    /// the one before is sent in the turn after it.
+    /// Runs the program until all pending requests and events are processed. A write that waits for
+    /// an earlier write is sent one turn later.
     void settle() {
         for (int turn = 0; turn < 3; ++turn) {
             QCoreApplication::processEvents();

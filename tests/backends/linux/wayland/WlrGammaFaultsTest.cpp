@@ -8,7 +8,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-// Compositors that misbehave. The time limits of the program are simulated.
+// Tests with compositors that misbehave. Timeouts use virtual time.
 
 namespace nocta {
 namespace {
@@ -26,7 +26,7 @@ protected:
     std::optional<WaylandSession> session;
     std::optional<WlrGammaOutput> gamma;
 
-    /// Starts the program. The compositor offers what it has been told to.
+    /// Starts the program. Configure the compositor before this call.
     void start() {
         session.emplace();
         gamma.emplace(session->connection, session->displays, time);
@@ -39,7 +39,7 @@ protected:
         }
         session->settle();
     }
-    /// The levels of the last table of DP-1; empty if its own table is shown.
+    /// Returns the levels of the last table of DP-1, or nothing if the original table is restored.
     std::vector<std::uint16_t> shown() {
         session->settle();
         const auto events = compositor.gammaOf("DP-1");
@@ -51,7 +51,7 @@ protected:
     }
 };
 
-TEST_F(WlrGammaFaultsTest, OutputMayBeRemovedBetweenAnyTwoRequests) {
+TEST_F(WlrGammaFaultsTest, OutputCanBeRemovedBetweenAnyTwoRequests) {
     const auto useEverything = [&](TestCompositor& any) {
         WaylandSession current;
         WlrGammaOutput output(current.connection, current.displays, current.runLoop);
@@ -70,7 +70,7 @@ TEST_F(WlrGammaFaultsTest, OutputMayBeRemovedBetweenAnyTwoRequests) {
     compositor.addOutput();
     useEverything(compositor);
     const auto requests = compositor.outputRequests();
-    EXPECT_GE(requests, 14) << "bind, place, power, control and three tables for each output";
+    EXPECT_GE(requests, 14) << "there should be at least seven requests for each output";
     for (int request = 1; request <= requests; ++request) {
         TestCompositor other;
         other.addOutput();
@@ -80,7 +80,7 @@ TEST_F(WlrGammaFaultsTest, OutputMayBeRemovedBetweenAnyTwoRequests) {
     }
 }
 
-TEST_F(WlrGammaFaultsTest, TablesFitEverySize) {
+TEST_F(WlrGammaFaultsTest, TablesHaveTheRequestedSize) {
     for (const std::uint32_t size : {1U, 3U, 256U, 65536U}) {
         TestCompositor other;
         other.respond("DP-1", TestCompositor::Response::size, size);
@@ -101,7 +101,7 @@ TEST_F(WlrGammaFaultsTest, TablesFitEverySize) {
     }
 }
 
-TEST_F(WlrGammaFaultsTest, SizesThatMakeNoSenseAreRefused) {
+TEST_F(WlrGammaFaultsTest, InvalidSizesAreRejected) {
     for (const std::uint32_t size : {0U, 65537U, 0xFFFFFFFFU}) {
         TestCompositor other;
         other.respond("DP-1", TestCompositor::Response::size, size);
@@ -130,14 +130,15 @@ TEST_F(WlrGammaFaultsTest, MissingResponseIsAFailureAfterASecond) {
     EXPECT_EQ(compositor.gammaRequests("DP-1"), 1);
     compositor.respond("DP-1", TestCompositor::Response::size);
     wait(20ms);
-    EXPECT_EQ(compositor.gammaRequests("DP-1"), 1) << "there should be a pause";
+    EXPECT_EQ(compositor.gammaRequests("DP-1"), 1)
+        << "there should be a pause before the next request";
     wait(1s);
     EXPECT_EQ(compositor.gammaRequests("DP-1"), 2);
     EXPECT_EQ(top(), half);
     EXPECT_TRUE(gamma->isAvailable());
 }
 
-TEST_F(WlrGammaFaultsTest, PausesGrowAndTriesEndWithOneLine) {
+TEST_F(WlrGammaFaultsTest, RetriesSlowDownAndEndWithOneLine) {
     compositor.respond("DP-1", TestCompositor::Response::none);
     start();
     ::testing::internal::CaptureStderr();
@@ -151,7 +152,7 @@ TEST_F(WlrGammaFaultsTest, PausesGrowAndTriesEndWithOneLine) {
             instants.push_back(now + 500ms);
         }
     }
-    // each second without a response is followed by a pause of one, two and four seconds
+    // Each request times out after a second. Pauses of one, two and four seconds follow.
     EXPECT_EQ(instants, (std::vector<Duration>{2s, 5s, 10s}));
     gamma->sendAgain();
     compositor.setPower("DP-1", false);
@@ -162,7 +163,7 @@ TEST_F(WlrGammaFaultsTest, PausesGrowAndTriesEndWithOneLine) {
     EXPECT_NE(setLevel(0.5F), statusSuccess);
 }
 
-TEST_F(WlrGammaFaultsTest, LateResponseShowsTheNewestTable) {
+TEST_F(WlrGammaFaultsTest, NewestTableIsSentAfterALateResponse) {
     compositor.respond("DP-1", TestCompositor::Response::none);
     start();
     setLevel(0.75F);
@@ -178,7 +179,7 @@ TEST_F(WlrGammaFaultsTest, LateResponseShowsTheNewestTable) {
     EXPECT_EQ(compositor.gammaOf("DP-1").size(), 1U);
 }
 
-TEST_F(WlrGammaFaultsTest, OutputWithoutGammaDoesNotHarmOthers) {
+TEST_F(WlrGammaFaultsTest, OutputWithoutGammaDoesNotAffectOthers) {
     compositor.addOutput();
     compositor.respond("DP-2", TestCompositor::Response::refusal);
     start();
@@ -189,7 +190,7 @@ TEST_F(WlrGammaFaultsTest, OutputWithoutGammaDoesNotHarmOthers) {
     EXPECT_TRUE(compositor.gammaOf("DP-2").empty());
 }
 
-TEST_F(WlrGammaFaultsTest, ControlThatIsTakenAwayIsAskedForAgain) {
+TEST_F(WlrGammaFaultsTest, RevokedControlIsRequestedAgain) {
     start();
     setLevel(0.5F);
     session->settle();
@@ -199,12 +200,12 @@ TEST_F(WlrGammaFaultsTest, ControlThatIsTakenAwayIsAskedForAgain) {
     EXPECT_EQ(top(), half);
 }
 
-TEST_F(WlrGammaFaultsTest, ControlLostFromTimeToTimeIsNotGivenUp) {
+TEST_F(WlrGammaFaultsTest, OccasionalLossOfControlIsAlwaysRetried) {
     start();
     ::testing::internal::CaptureStderr();
     for (int loss = 0; loss < 10; ++loss) {
         setLevel(0.5F);
-        wait(61s); // long enough to have been stable
+        wait(61s); // long enough to count as stable
         compositor.revokeGamma("DP-1");
         wait(10s);
         EXPECT_EQ(top(), half);
@@ -212,7 +213,7 @@ TEST_F(WlrGammaFaultsTest, ControlLostFromTimeToTimeIsNotGivenUp) {
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
 }
 
-TEST_F(WlrGammaFaultsTest, GivenUpOutputIsTriedAgainWhenItComesBack) {
+TEST_F(WlrGammaFaultsTest, AbandonedOutputIsRetriedWhenItReturns) {
     compositor.respond("DP-1", TestCompositor::Response::refusal);
     start();
     ::testing::internal::CaptureStderr();
@@ -227,7 +228,7 @@ TEST_F(WlrGammaFaultsTest, GivenUpOutputIsTriedAgainWhenItComesBack) {
     EXPECT_EQ(top(), half);
 }
 
-TEST_F(WlrGammaFaultsTest, WithdrawnManagerMakesEveryWriteFailUntilItIsOfferedAgain) {
+TEST_F(WlrGammaFaultsTest, WritesFailWhileTheManagerIsWithdrawn) {
     start();
     setLevel(0.5F);
     EXPECT_EQ(top(), half);
@@ -245,7 +246,7 @@ TEST_F(WlrGammaFaultsTest, WithdrawnManagerMakesEveryWriteFailUntilItIsOfferedAg
     EXPECT_TRUE(gamma->isAvailable());
 }
 
-TEST_F(WlrGammaFaultsTest, ConnectionMayBreakInTheMiddleOfAWrite) {
+TEST_F(WlrGammaFaultsTest, ConnectionCanBreakDuringAWrite) {
     start();
     int losses = 0;
     session->connection.onLost = [&] { ++losses; };
@@ -263,7 +264,7 @@ TEST_F(WlrGammaFaultsTest, ConnectionMayBreakInTheMiddleOfAWrite) {
     EXPECT_TRUE(compositor.gammaOf("DP-1").empty());
 }
 
-TEST_F(WlrGammaFaultsTest, WriteWithoutFreeDescriptorsIsHealedByTheNext) {
+TEST_F(WlrGammaFaultsTest, WriteSucceedsAfterOneWithoutFreeDescriptors) {
     start();
     setLevel(0.25F);
     EXPECT_EQ(top(), 16384);
@@ -271,7 +272,7 @@ TEST_F(WlrGammaFaultsTest, WriteWithoutFreeDescriptorsIsHealedByTheNext) {
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
     const auto firstFree = static_cast<rlim_t>(dup(STDERR_FILENO));
     close(static_cast<int>(firstFree));
-    for (const rlim_t free : {0, 1, 2}) { // none at all, for the file, for sending it too
+    for (const rlim_t free : {0, 1, 2}) { // the file needs one, sending it another
         const rlimit low{.rlim_cur = firstFree + free, .rlim_max = limit.rlim_max};
         ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &low), 0);
         EXPECT_EQ(setLevel(0.75F), statusSuccess);
@@ -283,17 +284,17 @@ TEST_F(WlrGammaFaultsTest, WriteWithoutFreeDescriptorsIsHealedByTheNext) {
     }
 }
 
-TEST_F(WlrGammaFaultsTest, RestoringDoesNotWaitForACompositorThatHangs) {
+TEST_F(WlrGammaFaultsTest, RestoringDoesNotWaitForAnUnresponsiveCompositor) {
     start();
     setLevel(0.5F);
     EXPECT_EQ(top(), half);
     compositor.pause();
-    gamma->displayRestoreColorSyncSettings(); // returns
+    gamma->displayRestoreColorSyncSettings(); // must not block
     compositor.resume();
     EXPECT_EQ(top(), 65535);
 }
 
-TEST_F(WlrGammaFaultsTest, CompositorThatHangsGetsOnlyTheNewestTableAfterward) {
+TEST_F(WlrGammaFaultsTest, OnlyTheNewestTableIsSentAfterAnUnresponsivePeriod) {
     start();
     setLevel(0.9F);
     EXPECT_NE(top(), 65535);
@@ -305,7 +306,8 @@ TEST_F(WlrGammaFaultsTest, CompositorThatHangsGetsOnlyTheNewestTableAfterward) {
     setLevel(0.5F);
     compositor.resume();
     EXPECT_EQ(top(), half);
-    EXPECT_EQ(compositor.gammaOf("DP-1").size(), 3U) << "the one under way and the newest";
+    EXPECT_EQ(compositor.gammaOf("DP-1").size(), 3U)
+        << "only the pending and the newest table should follow the first";
 }
 
 } // namespace

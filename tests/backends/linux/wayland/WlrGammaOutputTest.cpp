@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 constexpr std::uint16_t half = 32768;
 
-/// The tables of a real compositor.
+/// Tests with a real compositor.
 class WlrGammaOnSwayTest : public ::testing::Test {
 protected:
     Sway sway;
@@ -42,9 +42,9 @@ TEST_F(WlrGammaOnSwayTest, OnlyTheNewestOfManyTablesIsSentAfterTheFirst) {
     EXPECT_EQ(events[1].back(), half);
 }
 
-// This version of the compositor takes the control from whoever has it, gives it to nobody, and
-// answers the next request.
-TEST_F(WlrGammaOnSwayTest, AnotherGammaProgramIsNotFoughtForever) {
+// When a second program requests control, this version of sway revokes the control of the first and
+// rejects the second. It accepts the next request.
+TEST_F(WlrGammaOnSwayTest, RetriesEndWhileAnotherGammaProgramRuns) {
     VirtualRunLoop time;
     WlrGammaOutput gamma(session.connection, session.displays, time);
     ASSERT_EQ(session.setLevel(gamma, 1, 0.5F), statusSuccess);
@@ -56,7 +56,7 @@ TEST_F(WlrGammaOnSwayTest, AnotherGammaProgramIsNotFoughtForever) {
             session.settle();
             time.advance(500ms);
         }
-        EXPECT_TRUE(other.connection.synchronize()) << "the other program should go on";
+        EXPECT_TRUE(other.connection.synchronize()) << "the other program should stay connected";
     }
     EXPECT_NE(session.setLevel(gamma, 1, 0.5F), statusSuccess);
     gamma.sendAgain();
@@ -65,7 +65,7 @@ TEST_F(WlrGammaOnSwayTest, AnotherGammaProgramIsNotFoughtForever) {
               "nocta: cannot set the gamma of HEADLESS-1: another program seems to control it\n");
 }
 
-/// Tables of a compositor that does what it is told.
+/// Tests with the test compositor.
 class WlrGammaOutputTest : public ::testing::Test {
 protected:
     TestCompositor compositor;
@@ -89,7 +89,7 @@ TEST_F(WlrGammaOutputTest, EqualTablesAreSentAgain) {
     EXPECT_EQ(lastTops(), (std::vector{half, half}));
 }
 
-TEST_F(WlrGammaOutputTest, NothingIsSentBeforeTheFirstWriteOrAfterTheLastRestoring) {
+TEST_F(WlrGammaOutputTest, NothingIsSentBeforeTheFirstWriteOrAfterRestoring) {
     gamma.sendAgain();
     compositor.setPower("DP-1", false);
     compositor.setPower("DP-1", true);
@@ -103,7 +103,7 @@ TEST_F(WlrGammaOutputTest, NothingIsSentBeforeTheFirstWriteOrAfterTheLastRestori
     EXPECT_EQ(lastTops(), (std::vector<std::uint16_t>{half, 0}));
 }
 
-TEST_F(WlrGammaOutputTest, OutputIsRestoredWhenRestoringReturns) {
+TEST_F(WlrGammaOutputTest, RestoringIsSynchronous) {
     session.setLevel(gamma, 1, 0.5F);
     session.settle();
     gamma.displayRestoreColorSyncSettings();
@@ -117,7 +117,7 @@ TEST_F(WlrGammaOutputTest, TablesAreSentAgainAfterSleep) {
     EXPECT_EQ(lastTops(), (std::vector{half, half}));
 }
 
-TEST_F(WlrGammaOutputTest, TablesAreSentAgainWhenTheOutputIsOnAgain) {
+TEST_F(WlrGammaOutputTest, TablesAreSentAgainWhenTheOutputIsTurnedOn) {
     session.setLevel(gamma, 1, 0.5F);
     session.settle();
     compositor.setPower("DP-1", false);
@@ -125,10 +125,11 @@ TEST_F(WlrGammaOutputTest, TablesAreSentAgainWhenTheOutputIsOnAgain) {
     compositor.setPower("DP-1", true);
     EXPECT_EQ(lastTops(), (std::vector{half, half}));
     compositor.setPower("DP-1", true);
-    EXPECT_EQ(lastTops(), (std::vector{half, half})) << "the output was on already";
+    EXPECT_EQ(lastTops(), (std::vector{half, half}))
+        << "nothing should be sent if the output is already on";
 }
 
-TEST(WlrGammaOutput, OutputThatWasOffAtTheStartGetsItsTablesAgainWhenItIsOn) {
+TEST(WlrGammaOutput, TablesAreSentAgainToAnOutputThatWasOffAtStartup) {
     TestCompositor compositor;
     compositor.setPower("DP-1", false);
     WaylandSession session;

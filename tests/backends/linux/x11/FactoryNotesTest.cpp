@@ -47,7 +47,7 @@ protected:
         std::ranges::generate(bytes, [&] { return static_cast<std::uint8_t>(below(256)); });
         return bytes;
     }
-    /// Returns the note with a random flipped bit or without its end.
+    /// Returns the note with a random bit flipped or the end cut off.
     Bytes damaged(Bytes note) {
         if (below(2) == 0) {
             note[below(static_cast<std::uint32_t>(note.size()))] ^=
@@ -78,7 +78,7 @@ protected:
         const auto shown = session.client.ramp(crtc);
         EXPECT_NEAR(shown[1].back(), (factory[1][127] + factory[1][128]) / 2.0, 1);
         const auto kept = readFactoryRamps(x, root);
-        EXPECT_EQ(kept.size(), 1U) << "only the note for this CRTC should be left";
+        EXPECT_EQ(kept.size(), 1U) << "only the note for this CRTC should remain";
         EXPECT_TRUE(kept.contains(crtc) && kept.at(crtc).red == factory[0]);
         session.gammaOutput.displayRestoreColorSyncSettings();
         EXPECT_EQ(session.client.ramp(crtc), factory);
@@ -111,7 +111,7 @@ INSTANTIATE_TEST_SUITE_P(Servers, FactoryNotesTest,
                              return instance.param == XServer::Kind::xvfb ? "Xvfb" : "XorgDummy";
                          });
 
-TEST_P(FactoryNotesTest, RampsAreReadAsStoredAndReplaceEarlierOnes) {
+TEST_P(FactoryNotesTest, RampsAreReadAsStoredAndReplaceEarlierRamps) {
     storeFactoryRamps(x, root, {{crtc, rampOf(factory)}});
     auto zeros = rampOf(factory);
     for (auto* const channel : {&zeros.red, &zeros.green, &zeros.blue}) {
@@ -121,13 +121,13 @@ TEST_P(FactoryNotesTest, RampsAreReadAsStoredAndReplaceEarlierOnes) {
     const auto kept = readFactoryRamps(x, root);
     ASSERT_EQ(kept.size(), 1U);
     EXPECT_EQ(kept.at(crtc).red, zeros.red)
-        << "a ramp of zeros should be read as stored, because a new server may have one";
+        << "a ramp of zeros should be read as stored, because a new server can have one";
     storeFactoryRamps(x, root, {});
     EXPECT_TRUE(readFactoryRamps(x, root).empty());
     EXPECT_TRUE(session.client.rootProperty(rampsProperty).empty());
 }
 
-TEST_P(FactoryNotesTest, OnlyTheRampThatDoesNotFitItsCrtcIsIgnored) {
+TEST_P(FactoryNotesTest, OnlyRampsOfTheWrongSizeAreIgnored) {
     const GammaRamp small = {.red = {0, 65535}, .green = {0, 65535}, .blue = {0, 65535}};
     const xcb_randr_crtc_t unknown = crtc + 1000;
     storeFactoryRamps(x, root, {{crtc, rampOf(factory)}, {unknown, rampOf(factory)}});
@@ -138,7 +138,7 @@ TEST_P(FactoryNotesTest, OnlyTheRampThatDoesNotFitItsCrtcIsIgnored) {
     expectJunkToBeHarmless();
 }
 
-TEST_P(FactoryNotesTest, NoteOfAnotherFormatVersionOrLengthIsJunk) {
+TEST_P(FactoryNotesTest, NoteOfAnotherFormatVersionOrLengthIsIgnored) {
     const auto note = rampNote({{crtc, rampOf(factory)}});
     auto otherVersion = note;
     ++otherVersion[0];
@@ -162,7 +162,7 @@ TEST_P(FactoryNotesTest, NoteOfAnotherFormatVersionOrLengthIsJunk) {
     }
 }
 
-TEST_P(FactoryNotesTest, RandomJunkIsNeverReadAsANote) {
+TEST_P(FactoryNotesTest, RandomBytesAreNeverReadAsANote) {
     const auto ramps = rampNote({{crtc, rampOf(factory)}});
     ColorMatrix matrix{};
     matrix.fill(7);

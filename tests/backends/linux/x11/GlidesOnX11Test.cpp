@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-// Tests what another client of the X server sees during gradual changes of the screen.
+// Tests gradual changes of the screen, as seen by another client of the X server.
 
 namespace nocta {
 namespace {
@@ -63,15 +63,15 @@ TEST_F(GlidesOnX11Test, SwitchingAutomaticWarmthOnAndOffChangesTheScreenWithoutJ
     quit();
 }
 
-TEST_F(GlidesOnX11Test, EyeReliefFadesTheTintOutBeforeTheMatricesTurnGrayAndInAfterThem) {
-    // The weights of red, green and blue in the brightness of a pixel, times 2^32.
+TEST_F(GlidesOnX11Test, EyeReliefFadesTheTintOutBeforeGrayAndInAfterGray) {
+    // The luminance weights of red, green and blue, times 2^32.
     std::vector<std::uint32_t> gray;
     for (int row = 0; row < 3; ++row) {
         gray.insert(gray.end(), {913110047, 0, 3071760610, 0, 310096639, 0});
     }
     const auto output = x.client.activeOutputs().at(0);
     const auto matrix = [&] { return x.client.outputProperty("CTM", output); };
-    // How far white is from neutral: the difference between its largest and smallest channel.
+    // The tint of white: the difference between its largest and smallest channels.
     const auto tint = [&] {
         const auto white = shownWhite();
         return std::ranges::max(white) - std::ranges::min(white);
@@ -91,7 +91,7 @@ TEST_F(GlidesOnX11Test, EyeReliefFadesTheTintOutBeforeTheMatricesTurnGrayAndInAf
     }
     desktop.runLoop.advance(step);
     EXPECT_NEAR(tint(), whole, 1e-4)
-        << "the tint should return, because the matrix removes the color now";
+        << "the tint should return, because the matrix now removes the color";
     EXPECT_EQ(matrix(), gray);
 
     settings().grayscaleEnabled.set(false);

@@ -54,7 +54,7 @@ INSTANTIATE_TEST_SUITE_P(Servers, X11ColorMatrixFilterTest,
                                                                           : "XorgWithTwoOutputs";
                          });
 
-TEST(ColorMatrices, GrayKeepsWhiteWhite) {
+TEST(ColorMatrices, GrayMatrixPreservesWhite) {
     const auto matrix = grayMatrix();
     for (std::size_t row = 0; row < 3; ++row) {
         std::uint64_t sum = 0;
@@ -83,14 +83,14 @@ TEST_P(X11ColorMatrixFilterTest, OnTurnsEveryDisplayGrayAndOffRestoresTheOldMatr
     EXPECT_EQ(shown(), everywhere(previous));
 }
 
-TEST_P(X11ColorMatrixFilterTest, ScreenThatIsAlreadyGrayIsRecognized) {
+TEST_P(X11ColorMatrixFilterTest, ExistingGrayIsDetected) {
     x.client.setOutputProperty("CTM", gray);
     EXPECT_TRUE(filter->isOn());
     filter->setOn(false);
-    EXPECT_EQ(shown(), everywhere(gray)) << "gray that Nocta did not set should stay";
+    EXPECT_EQ(shown(), everywhere(gray)) << "gray that Nocta did not set should be kept";
 }
 
-TEST_P(X11ColorMatrixFilterTest, PropertyThatIsNotAMatrixIsLeftAlone) {
+TEST_P(X11ColorMatrixFilterTest, InvalidMatrixPropertyIsNotChanged) {
     for (const auto& numbers : {Numbers{}, Numbers(17, 1), Numbers(19, 1)}) {
         x.client.setOutputProperty("CTM", numbers);
         EXPECT_FALSE(filter->isAvailable());
@@ -110,13 +110,13 @@ TEST_P(X11ColorMatrixFilterTest, WarmthCanChangeWhileTheScreenIsGray) {
     EXPECT_EQ(x.client.ramp(crtc), factory);
     EXPECT_EQ(shown(), everywhere(gray));
 
-    x.client.disconnect(x.connection.window()); // so the guardian has to restore the matrices
+    x.client.disconnect(x.connection.window()); // the guardian restores the matrices
     EXPECT_TRUE(serveUntil([&] { return !x.connection.isOpen(); }));
     filter.reset();
     EXPECT_TRUE(serveUntil([&] { return shown() == everywhere(previous); }));
 }
 
-TEST_P(X11ColorMatrixFilterTest, ScreenThatADeadProgramLeftGrayIsRestoredByTheNext) {
+TEST_P(X11ColorMatrixFilterTest, GrayLeftByADeadProgramIsRestoredByTheNext) {
     ColorMatrix matrix{};
     std::ranges::copy(previous, matrix.begin());
     FactoryMatrices matrices;
@@ -153,7 +153,7 @@ TEST_P(X11ColorMatrixFilterTest, OnlyTheNewestChangeWaitsForTheGuardian) {
 class HotplugOfGrayTest : public X11ColorMatrixFilterTest {};
 INSTANTIATE_TEST_SUITE_P(Servers, HotplugOfGrayTest, ::testing::Values(XServer::Kind::xorgDummy));
 
-TEST_P(HotplugOfGrayTest, DisplayThatIsPluggedInTurnsGrayToo) {
+TEST_P(HotplugOfGrayTest, NewDisplayTurnsGray) {
     x.server.unplugSecondOutput();
     ASSERT_TRUE(serveUntil([&] { return x.list().size() == 1; }));
     filter->setOn(true);

@@ -59,7 +59,7 @@ TEST(X11Displays, ServerWithoutRandRHasNoDisplaysAndIsReported) {
     session.gammaOutput.displayRestoreColorSyncSettings();
 }
 
-TEST(X11Displays, ServerWithoutAnOutputInUseHasNoDisplays) {
+TEST(X11Displays, ServerWithoutActiveOutputsHasNoDisplays) {
     X11Session session(XServer::Kind::xorgDummy);
     session.server.xrandr({"--output", "DUMMY0", "--off"});
     EXPECT_TRUE(serveUntil([&] { return session.list().empty(); }));
@@ -88,7 +88,7 @@ TEST(X11Displays, BuiltInIsDetectedByTheNameOfTheOutput) {
     }
 }
 
-TEST(X11Displays, PanelUnderAnotherNameIsBuiltIn) {
+TEST(X11Displays, PanelWithAnotherNameIsBuiltIn) {
     const XServer server(XServer::Kind::xorgDummy, {}, {"DP-2"});
     XClient client;
     const auto isBuiltIn = [&](const std::vector<std::uint32_t>& connectorType) {

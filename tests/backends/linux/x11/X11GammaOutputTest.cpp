@@ -73,7 +73,7 @@ INSTANTIATE_TEST_SUITE_P(Servers, X11GammaOutputTest,
                              return instance.param == XServer::Kind::xvfb ? "Xvfb" : "XorgDummy";
                          });
 
-TEST_P(X11GammaOutputTest, TablesApplyToTheCalibration) {
+TEST_P(X11GammaOutputTest, TablesAreAppliedToTheCalibration) {
     const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
     session.client.setRamp(crtc, factory);
     std::array const tops = {1.0F, 0.75F, 0.4F};
@@ -110,7 +110,7 @@ TEST_P(X11GammaOutputTest, RampThatIsNotACalibrationCountsAsTheIdentityAndIsStil
     }
 }
 
-TEST_P(X11GammaOutputTest, EqualTablesRepairARampThatAnotherProgramHasReset) {
+TEST_P(X11GammaOutputTest, EqualTablesOverwriteARampThatAnotherProgramReset) {
     const auto tables = X11Session::tables({0.5F, 0.5F, 0.5F});
     session.set(display, tables);
     const auto ours = ramp();
@@ -120,7 +120,7 @@ TEST_P(X11GammaOutputTest, EqualTablesRepairARampThatAnotherProgramHasReset) {
     EXPECT_EQ(ramp(), ours);
 }
 
-TEST_P(X11GammaOutputTest, LastRampsAreSentAgainWhileTheyApply) {
+TEST_P(X11GammaOutputTest, LastRampsAreSentAgainUntilTheyAreRestored) {
     const auto factory = ramp();
     session.gammaOutput.sendAgain();
     EXPECT_EQ(ramp(), factory) << "without a write nothing should be sent again";
@@ -132,10 +132,10 @@ TEST_P(X11GammaOutputTest, LastRampsAreSentAgainWhileTheyApply) {
     EXPECT_EQ(ramp(), ours);
     session.gammaOutput.displayRestoreColorSyncSettings();
     session.gammaOutput.sendAgain();
-    EXPECT_EQ(ramp(), factory) << "nothing should be sent again once the screen is given back";
+    EXPECT_EQ(ramp(), factory) << "nothing should be sent again after the screen is given back";
 }
 
-TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBackToo) {
+TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBack) {
     const auto factory = ramp();
     {
         X11GammaOutput output(session.connection, session.displays, session.guardian);
@@ -148,7 +148,7 @@ TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBackToo) {
     EXPECT_EQ(ramp(), factory);
 }
 
-TEST_P(X11GammaOutputTest, TablesWaitForTheGuardianAndOnlyTheNewestApply) {
+TEST_P(X11GammaOutputTest, TablesWaitForTheGuardianAndOnlyTheNewestAreApplied) {
     const auto factory = ramp();
     const auto set = [&](float top) {
         const auto tables = X11Session::tables({top, top, top});
@@ -181,7 +181,7 @@ TEST_P(X11GammaOutputTest, WaitingTablesAreDroppedWhenTheScreenIsGivenBack) {
     EXPECT_EQ(ramp(), factory);
 }
 
-TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay) {
+TEST_P(X11GammaOutputTest, SecondProgramIsRejectedWhileTheFirstControlsTheDisplay) {
     session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
     const auto ours = ramp();
     OtherProgram other{session};
@@ -199,7 +199,7 @@ TEST_P(X11GammaOutputTest, SecondProgramIsRefusedWhileTheFirstControlsTheDisplay
     session.gammaOutput.displayRestoreColorSyncSettings();
     const auto factory = ramp();
     EXPECT_EQ(other.set(display, 0.5F), statusSuccess)
-        << "the second program should succeed once the first gives the display back";
+        << "the second program should succeed after the first releases the display";
     EXPECT_EQ(session.client.ramp(crtc), ours);
     other.output.displayRestoreColorSyncSettings();
     EXPECT_EQ(session.client.ramp(crtc), factory);
@@ -215,7 +215,7 @@ TEST_P(X11GammaOutputTest, DisplayOfAFrozenGuardianGoesToTheNextProgramPermanent
     ::testing::internal::CaptureStderr();
     kill(frozen, SIGCONT);
     EXPECT_TRUE(serveUntil([&] { return kill(frozen, 0) != 0; }));
-    session.settle(); // a new guardian has started and has been refused the display
+    session.settle(); // a new guardian has started and failed to get the display
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
               "nocta: another Nocta controls the gamma of this display\n");
     EXPECT_NE(session.set(display, X11Session::tables({1.0F, 1.0F, 1.0F})), statusSuccess);
@@ -225,7 +225,7 @@ TEST_P(X11GammaOutputTest, DisplayOfAFrozenGuardianGoesToTheNextProgramPermanent
     EXPECT_EQ(session.client.ramp(crtc), factory);
 }
 
-TEST_P(X11GammaOutputTest, ProgramThatDoesNotKnowThatItLostTheDisplayDoesNotGiveItBack) {
+TEST_P(X11GammaOutputTest, ProgramThatLostTheDisplayDoesNotRestoreIt) {
     const auto factory = ramp();
     const auto frozen = dimAndFreezeGuardian();
     OtherProgram other{session};
@@ -241,7 +241,7 @@ TEST_P(X11GammaOutputTest, ProgramThatDoesNotKnowThatItLostTheDisplayDoesNotGive
     EXPECT_EQ(session.client.ramp(crtc), factory);
 }
 
-TEST_P(X11GammaOutputTest, ScreenOfADeadProgramIsRestoredEvenIfTheNextExitsImmediately) {
+TEST_P(X11GammaOutputTest, ScreenOfADeadProgramIsRestoredEvenIfTheNextProgramExitsImmediately) {
     const auto factory = calibration(256, 0.8, {0.97, 1.0, 0.9});
     storeFactoryRamps(session.connection.get(), session.connection.root(),
                       {{crtc, {.red = factory[0], .green = factory[1], .blue = factory[2]}}});
@@ -273,7 +273,7 @@ TEST_P(X11GammaOutputTest, GuardianThatDiesAsSoonAsItIsReadyIsReplaced) {
     }));
 }
 
-TEST_P(X11GammaOutputTest, DyingServerFailsWithoutACrash) {
+TEST_P(X11GammaOutputTest, WritesFailWithoutACrashWhenTheServerDies) {
     session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
     int lost = 0;
     session.connection.onLost = [&] { ++lost; };
@@ -284,7 +284,7 @@ TEST_P(X11GammaOutputTest, DyingServerFailsWithoutACrash) {
     EXPECT_EQ(lost, 1);
 }
 
-TEST_P(X11GammaOutputTest, GuardianActsIfOnlyTheConnectionIsLost) {
+TEST_P(X11GammaOutputTest, GuardianRestoresTheScreenIfOnlyTheConnectionIsLost) {
     const auto factory = ramp();
     session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
     ASSERT_NE(ramp(), factory);
@@ -312,7 +312,7 @@ TEST_P(X11GammaOutputTest, FactoryRampIsKeptOnTheServerWhileItIsReplaced) {
     EXPECT_TRUE(readFactoryRamps(session.connection.get(), root).empty());
 }
 
-TEST(X11GammaOutput, RampThatVanishesBetweenListingAndWritingDoesNotAffectOthers) {
+TEST(X11GammaOutput, OutputRemovedBeforeAWriteDoesNotAffectOthers) {
     X11Session session(XServer::Kind::xorgDummy);
     session.server.plugSecondOutput();
     ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
@@ -370,7 +370,7 @@ protected:
     }
 };
 
-TEST_F(CalibrationTest, RampThatTheServerKeptWhileADisplayWasOffIsNotACalibration) {
+TEST_F(CalibrationTest, RampKeptByTheServerWhileADisplayWasOffIsNotACalibration) {
     const auto dimmed = session.client.ramp(crtc);
     unplug();
     plug();
@@ -392,7 +392,7 @@ TEST_F(CalibrationTest, RampThatTheServerKeptWhileADisplayWasOffIsNotACalibratio
     expectGivenBackAs(first);
 }
 
-TEST_F(CalibrationTest, CalibrationThatIsLoadedWhileADisplayIsOffCounts) {
+TEST_F(CalibrationTest, CalibrationLoadedWhileADisplayIsOffIsUsed) {
     unplug();
     session.client.setRamp(crtc, second);
     plug();
@@ -403,7 +403,7 @@ TEST_F(CalibrationTest, CalibrationThatIsLoadedWhileADisplayIsOffCounts) {
     expectGivenBackAs(second);
 }
 
-TEST_F(CalibrationTest, CalibrationThatIsLoadedWhenADisplayComesBackCounts) {
+TEST_F(CalibrationTest, CalibrationLoadedWhenADisplayReturnsIsUsed) {
     session.server.unplugSecondOutput();
     session.server.plugSecondOutput(); // before the program has noticed that the output was gone
     session.client.setRamp(crtc, second);
@@ -421,7 +421,7 @@ TEST_F(CalibrationTest, CalibrationIsNotOverwrittenWhenTheScreenIsGivenBackWitho
     expectGivenBackAs(second);
 }
 
-TEST_F(CalibrationTest, DisplayThatWasOffWaitsForTheNextTablesAfterAWake) {
+TEST_F(CalibrationTest, DisplayThatWasOffIsNotSentAgainAfterAWake) {
     unplug();
     session.client.setRamp(crtc, second);
     plug();
@@ -436,7 +436,7 @@ TEST_F(CalibrationTest, DisplayThatWasOffWaitsForTheNextTablesAfterAWake) {
     expectDimmed(second);
 }
 
-TEST_F(CalibrationTest, RampThatIsSetWhileTheDisplayStaysOnIsNotACalibration) {
+TEST_F(CalibrationTest, RampSetWhileTheDisplayIsOnIsNotACalibration) {
     session.client.setRamp(crtc, second); // as another program would; the next write repairs it
     dim();
     expectDimmed(first);

@@ -10,7 +10,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(X11, KeyEventsContract, X11Harness);
 
 namespace {
 
-TEST(X11KeyEvents, RemappedKeyboardIsNoticed) {
+TEST(X11KeyEvents, RemappedKeyboardIsDetected) {
     X11Harness harness; // maps the two symbols to free keys on the first press
     std::vector<std::int64_t> keys;
     const auto tap = harness.keyEvents().createKeyDownTap(
@@ -44,7 +44,7 @@ TEST(X11KeyEvents, HeldKeyRepeatsAtTheKeyboardsRateUntilItIsReleased) {
     EXPECT_EQ(heard, whenReleased);
 }
 
-TEST(X11KeyEvents, HeldKeyDoesNotRepeatIfRepeatingIsOff) {
+TEST(X11KeyEvents, HeldKeyDoesNotRepeatIfKeyRepeatIsOff) {
     X11Harness harness;
     harness.pressBrightnessUp();
     harness.pressBrightnessDown();
@@ -63,7 +63,7 @@ TEST(X11KeyEvents, HeldKeyDoesNotRepeatIfRepeatingIsOff) {
     EXPECT_EQ(heard, 1);
 }
 
-TEST(X11KeyEvents, OtherKeysAreNotPassedOn) {
+TEST(X11KeyEvents, OtherKeysAreIgnored) {
     X11Harness harness;
     std::vector<std::int64_t> keys;
     const auto tap = harness.keyEvents().createKeyDownTap(

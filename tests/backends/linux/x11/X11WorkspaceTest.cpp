@@ -31,7 +31,7 @@ struct WorkspaceOnX11 {
                            processes.path()};
 
     /// Returns once the workspace has reported everything that has happened on the server.
-    void hear() {
+    void settle() {
         x.connection.synchronize();
         // One turn each for the events, the deferred check, and events that arrive during the
         // check.
@@ -43,10 +43,10 @@ struct WorkspaceOnX11 {
     }
 };
 
-/// Sets the properties that a window manager sets.
-class Words {
+/// Sets the properties of a window manager.
+class FakeWindowManager {
 public:
-    Words() : sign_(application_.make()) {
+    FakeWindowManager() : sign_(application_.make()) {
         for (const auto window : {application_.root(), sign_}) {
             application_.setNumbers(window, "_NET_SUPPORTING_WM_CHECK", {sign_}, "WINDOW");
         }
@@ -73,7 +73,7 @@ public:
     const RunningApplication player{"Player", "Player"};
     const WindowSizes windowSizes{{200, 100}, {400, 300}};
 
-    X11WorkspaceHarness() : WorkspaceOnX11(XServer::Kind::xvfb) { words_.setWindows({}); }
+    X11WorkspaceHarness() : WorkspaceOnX11(XServer::Kind::xvfb) { manager_.setWindows({}); }
 
     Workspace& workspace() { return WorkspaceOnX11::workspace; }
     Rect displayFrame() {
@@ -82,22 +82,22 @@ public:
                 static_cast<double>(frame.width), static_cast<double>(frame.height)};
     }
     void bringToFront(const std::optional<RunningApplication>& application) {
-        words_.setActiveWindow(!application            ? xcb_window_t{XCB_NONE}
-                               : application == editor ? editorWindow_
-                                                       : playerWindow_);
-        hear();
+        manager_.setActiveWindow(!application            ? xcb_window_t{XCB_NONE}
+                                 : application == editor ? editorWindow_
+                                                         : playerWindow_);
+        settle();
     }
     void setWindows(const std::vector<std::pair<double, double>>& sizes) {
         std::vector<xcb_window_t> windows;
         for (const auto& [width, height] : sizes) {
             windows.push_back(editorProcess_.open({0, 0, width, height}));
         }
-        words_.setWindows(windows);
+        manager_.setWindows(windows);
     }
     void setReducesMotion(bool isOn) { reducesMotion = isOn; }
 
 private:
-    Words words_;
+    FakeWindowManager manager_;
     XApplication editorProcess_{"editor", "Editor"};
     XApplication playerProcess_{"player", "Player"};
     xcb_window_t editorWindow_ = editorProcess_.open();
@@ -150,7 +150,7 @@ protected:
     }
 };
 
-TEST_F(X11WorkspaceInOpenboxTest, ApplicationThatComesToTheFrontIsReported) {
+TEST_F(X11WorkspaceInOpenboxTest, ActivatedApplicationIsReported) {
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     XApplication zoom("zoom", "zoom");
     XApplication editor("editor", "Editor");
@@ -210,7 +210,7 @@ TEST_F(X11WorkspaceInOpenboxTest, FullScreenWindowHasExactlyTheSizeOfTheMainScre
     EXPECT_EQ(workspace.mainScreenFrame(), (Rect{0, 0, 1280, 800}));
 }
 
-TEST_F(X11WorkspaceInOpenboxTest, WindowManagerThatDiesLeavesNothingInFrontUntilTheNextOne) {
+TEST_F(X11WorkspaceInOpenboxTest, NothingIsInFrontBetweenWindowManagers) {
     XApplication zoom("zoom", "zoom");
     const auto window = zoom.open();
     zoom.activate(window);
@@ -219,7 +219,7 @@ TEST_F(X11WorkspaceInOpenboxTest, WindowManagerThatDiesLeavesNothingInFrontUntil
     openbox->signal(SIGKILL);
     openbox->wait();
     EXPECT_NE(zoom.rootNumber("_NET_ACTIVE_WINDOW"), 0U)
-        << "the dead window manager should have left the property set";
+        << "the property should still be set after the window manager dies";
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     EXPECT_EQ(workspace.copyWindowInfo(), std::nullopt);
     EXPECT_EQ(workspace.mainScreenFrame(), (Rect{0, 0, 1280, 800}));
@@ -241,29 +241,29 @@ TEST_F(X11WorkspaceOnTwoScreensTest, MainScreenIsTheScreenOfTheActiveWindow) {
     const auto right = x.displays.displayBounds(x.list()[1]);
     ASSERT_NE(left, right);
     x.server.xrandr({"--output", "DUMMY0", "--primary"});
-    Words words;
+    FakeWindowManager manager;
     XApplication application("editor", "Editor");
     EXPECT_EQ(workspace.mainScreenFrame(), left)
         << "it should be the main display if no window is active";
 
-    words.setActiveWindow(application.open({right.x + 50, 50, 300, 200}));
+    manager.setActiveWindow(application.open({right.x + 50, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), right);
-    words.setActiveWindow(application.open({right.x - 100, 50, 300, 200}));
+    manager.setActiveWindow(application.open({right.x - 100, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), right)
         << "it should be the display that contains most of the window";
-    words.setActiveWindow(application.open({right.x - 200, 50, 300, 200}));
+    manager.setActiveWindow(application.open({right.x - 200, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), left);
 
     x.server.xrandr({"--output", "DUMMY1", "--primary"});
     ASSERT_TRUE(serveUntil([&] { return x.displays.displayIsMain(x.list()[1]); }));
-    words.setActiveWindow(application.open({-500, -500, 300, 200}));
+    manager.setActiveWindow(application.open({-500, -500, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), right)
         << "it should be the main display if the window is on neither";
-    words.setActiveWindow(XCB_NONE);
+    manager.setActiveWindow(XCB_NONE);
     EXPECT_EQ(workspace.mainScreenFrame(), right);
 }
 
-TEST_F(X11WorkspaceTest, WithoutAWindowManagerNothingIsInFrontAndNoWindowsAreListed) {
+TEST_F(X11WorkspaceTest, NothingIsInFrontOrListedWithoutAWindowManager) {
     XApplication application("zoom", "zoom");
     const auto window = application.open();
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
@@ -276,7 +276,7 @@ TEST_F(X11WorkspaceTest, WithoutAWindowManagerNothingIsInFrontAndNoWindowsAreLis
 }
 
 TEST_F(X11WorkspaceTest, AnotherWindowOfTheSameApplicationIsNotReported) {
-    Words words;
+    FakeWindowManager manager;
     XApplication zoom("zoom", "zoom");
     const auto first = zoom.open();
     const auto second = zoom.open();
@@ -284,25 +284,25 @@ TEST_F(X11WorkspaceTest, AnotherWindowOfTheSameApplicationIsNotReported) {
     zoom.setText(second, "_GTK_APPLICATION_ID", "us.zoom.Zoom");
     const Application inFirst = RunningApplication{"us.zoom.xos", "zoom"};
     const Application inSecond = RunningApplication{"us.zoom.xos", "Meeting"};
-    words.setActiveWindow(first);
+    manager.setActiveWindow(first);
     ASSERT_TRUE(waitForActivation(inFirst));
     for (const auto window : {second, first, first}) {
-        words.setActiveWindow(window);
-        hear();
+        manager.setActiveWindow(window);
+        settle();
         EXPECT_EQ(workspace.frontmostApplication(), window == first ? inFirst : inSecond);
     }
-    words.setActiveWindow(XCB_NONE);
+    manager.setActiveWindow(XCB_NONE);
     ASSERT_TRUE(waitForActivation(std::nullopt));
-    words.setActiveWindow(second);
+    manager.setActiveWindow(second);
     ASSERT_TRUE(waitForActivation(inSecond));
     EXPECT_EQ(activated, (std::vector{inFirst, Application(), inSecond}));
 }
 
-TEST_F(X11WorkspaceTest, ApplicationIsIdentifiedByAnythingItsWindowReports) {
-    Words words;
+TEST_F(X11WorkspaceTest, ApplicationIsIdentifiedByItsWindowProperties) {
+    FakeWindowManager manager;
     XApplication silent;
     const auto window = silent.open();
-    words.setActiveWindow(window);
+    manager.setActiveWindow(window);
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     silent.setText(window, "_NET_WM_NAME", "Untitled – 1");
     EXPECT_EQ(workspace.frontmostApplication(),
@@ -318,21 +318,21 @@ TEST_F(X11WorkspaceTest, ApplicationIsIdentifiedByAnythingItsWindowReports) {
               (Application{RunningApplication{"com.tinyspeck.slackmacgap", "Café"}}));
 }
 
-TEST_F(X11WorkspaceTest, SandboxOfAnApplicationIsFoundThroughItsConnection) {
+TEST_F(X11WorkspaceTest, SandboxIsFoundThroughTheConnectionOfTheApplication) {
     const auto root = processes.path() + "/" + std::to_string(getpid()) + "/root";
     std::filesystem::create_directories(root);
     writeFile(root + "/.flatpak-info", "[Application]\nname=com.discordapp.Discord\n");
-    Words words;
+    FakeWindowManager manager;
     XApplication application("electron", "Electron");
     const auto window = application.open();
     application.setNumbers(window, "_NET_WM_PID", {2}, "CARDINAL"); // the PID inside the sandbox
-    words.setActiveWindow(window);
+    manager.setActiveWindow(window);
     EXPECT_EQ(workspace.frontmostApplication(),
               (Application{RunningApplication{"com.discord.Discord", "Electron"}}));
 }
 
-TEST_F(X11WorkspaceTest, MappedWindowsThatAreNotVisibleAreNotListed) {
-    Words words;
+TEST_F(X11WorkspaceTest, MappedButInvisibleWindowsAreNotListed) {
+    FakeWindowManager manager;
     XApplication application("editor", "Editor");
     application.setNumbers(application.root(), "_NET_CURRENT_DESKTOP", {2}, "CARDINAL");
     const auto hidden = application.open({0, 0, 201, 100});
@@ -346,27 +346,27 @@ TEST_F(X11WorkspaceTest, MappedWindowsThatAreNotVisibleAreNotListed) {
     application.setNumbers(elsewhere, "_NET_WM_DESKTOP", {1}, "CARDINAL");
     application.setNumbers(here, "_NET_WM_DESKTOP", {2}, "CARDINAL");
     application.setNumbers(everywhere, "_NET_WM_DESKTOP", {0xFFFFFFFF}, "CARDINAL");
-    words.setWindows({hidden, elsewhere, here, everywhere});
+    manager.setWindows({hidden, elsewhere, here, everywhere});
     EXPECT_EQ(sizesOnScreen(), (std::vector<Size>{{203, 100}, {204, 100}}));
 }
 
 TEST_F(X11WorkspaceTest, ClosedWindowsAreNotReported) {
-    Words words;
+    FakeWindowManager manager;
     XApplication application("zoom", "zoom");
     const auto window = application.open();
     const auto gone = application.open({0, 0, 100, 100});
-    words.setActiveWindow(window);
+    manager.setActiveWindow(window);
     ASSERT_TRUE(waitForActivation(RunningApplication{"us.zoom.xos", "zoom"}));
     application.close(gone);
-    words.setWindows({window, gone});
+    manager.setWindows({window, gone});
     EXPECT_EQ(sizesOnScreen(), (std::vector<Size>{{400, 300}}));
-    words.setActiveWindow(gone);
+    manager.setActiveWindow(gone);
     ASSERT_TRUE(waitForActivation(std::nullopt));
     EXPECT_EQ(workspace.mainScreenFrame(), (Rect{0, 0, 1280, 800}));
 }
 
 TEST_F(X11WorkspaceTest, InvalidPropertiesAreIgnored) {
-    Words words;
+    FakeWindowManager manager;
     XApplication application("zoom", "zoom");
     const auto root = application.root();
     const auto window = application.open();
@@ -387,13 +387,13 @@ TEST_F(X11WorkspaceTest, InvalidPropertiesAreIgnored) {
 
     std::vector<xcb_window_t> many(50000, 0xFFFFFFFF);
     many.front() = window;
-    words.setWindows(many);
+    manager.setWindows(many);
     EXPECT_EQ(sizesOnScreen(), (std::vector<Size>{{400, 300}}));
 
-    words.setActiveWindow(window);
+    manager.setActiveWindow(window);
     application.setText(window, "WM_CLASS", "zoom", "STRING");
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt)
-        << "an instance without a class should not count";
+        << "an instance name without a class should be ignored";
     application.setNumbers(window, "WM_CLASS", {1, 2, 3}, "CARDINAL");
     EXPECT_EQ(workspace.frontmostApplication(), std::nullopt);
     application.setText(window, "WM_CLASS", std::string("a\0", 2) + std::string(200000, 'b'),
@@ -404,18 +404,18 @@ TEST_F(X11WorkspaceTest, InvalidPropertiesAreIgnored) {
 TEST_F(X11WorkspaceTest, EventsStillArriveWhileATrayObservesTheRootWindow) {
     setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
     SystemTray tray(&x.connection);
-    Words words;
+    FakeWindowManager manager;
     XApplication application("zoom", "zoom");
-    words.setActiveWindow(application.open());
+    manager.setActiveWindow(application.open());
     EXPECT_TRUE(waitForActivation(RunningApplication{"us.zoom.xos", "zoom"}));
     x.client.becomeSystemTray();
     EXPECT_TRUE(serveUntil([&] { return tray.isAvailable(); }));
 }
 
-TEST_F(X11WorkspaceTest, NothingIsReportedOnceTheServerIsGone) {
-    Words words;
+TEST_F(X11WorkspaceTest, NothingIsReportedAfterTheServerExits) {
+    FakeWindowManager manager;
     XApplication application("zoom", "zoom");
-    words.setActiveWindow(application.open());
+    manager.setActiveWindow(application.open());
     ASSERT_TRUE(waitForActivation(RunningApplication{"us.zoom.xos", "zoom"}));
     bool isLost = false;
     x.connection.onLost = [&] { isLost = true; };
