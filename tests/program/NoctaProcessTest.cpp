@@ -72,10 +72,10 @@ TEST_P(NoctaProcessTest, WindowFollowsTheUsersColorScheme) {
     };
     ASSERT_TRUE(serveUntil([&] { return levelIsIn(0x20, 0x30); })) << contentOf(output);
     scheme = 2U;
-    portal.sayThatASettingHasChanged();
+    portal.emitSettingChanged();
     ASSERT_TRUE(serveUntil([&] { return levelIsIn(0xE0, 0xFF); })) << contentOf(output);
     scheme = 1U;
-    portal.sayThatASettingHasChanged();
+    portal.emitSettingChanged();
     EXPECT_TRUE(serveUntil([&] { return levelIsIn(0x20, 0x30); }));
 }
 

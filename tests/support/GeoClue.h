@@ -198,7 +198,7 @@ public:
     ~LocationAgent() override { QDBusConnection::disconnectFromBus("location-agent"); }
 
     /// Registers with the daemon. Returns false if it is not running or refuses this agent.
-    bool introduceItself() {
+    bool registerWithDaemon() {
         auto call = QDBusMessage::createMethodCall("org.freedesktop.GeoClue2",
                                                    "/org/freedesktop/GeoClue2/Manager",
                                                    "org.freedesktop.GeoClue2.Manager", "AddAgent");

@@ -32,9 +32,9 @@ public:
 
     int questions = 0;
     std::map<std::string, QVariantMap> settings;
-    std::optional<QVariant> nonsense; ///< if set, sent as the answer instead of the settings
+    std::optional<QVariant> invalidAnswer; ///< if set, sent as the answer instead of the settings
 
-    void sayThatASettingHasChanged() {
+    void emitSettingChanged() {
         auto signal = QDBusMessage::createSignal(
             "/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings", "SettingChanged");
         signal << "org.freedesktop.appearance"
@@ -43,10 +43,10 @@ public:
     }
     /// Returns once the program has processed the answer. The program reads the settings again
     /// after a second change only if it has processed the first answer.
-    void sayThatASettingHasChangedAndIsHeard() {
+    void emitSettingChangedAndWait() {
         for (int i = 0; i < 2; ++i) {
             const auto before = questions;
-            sayThatASettingHasChanged();
+            emitSettingChanged();
             ASSERT_TRUE(serveUntil([&] { return questions == before + 1; }));
         }
     }
@@ -56,8 +56,8 @@ public:
         }
         ++questions;
         EXPECT_EQ(message.member(), "ReadAll");
-        if (nonsense) {
-            return bus.send(message.createReply(*nonsense));
+        if (invalidAnswer) {
+            return bus.send(message.createReply(*invalidAnswer));
         }
         QDBusArgument answer;
         answer.beginMap(QMetaType::fromType<QString>(), QMetaType::fromType<QVariantMap>());

@@ -24,15 +24,15 @@ TEST_F(ReducedMotionTest, FollowsTheMotionAndAnimationSettings) {
     ASSERT_TRUE(serveUntil([&] { return motion.isRequested(); }));
 
     portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 0U;
-    portal.sayThatASettingHasChanged();
+    portal.emitSettingChanged();
     ASSERT_TRUE(serveUntil([&] { return !motion.isRequested(); }));
 
     portal.settings["org.gnome.desktop.interface"]["enable-animations"] = false;
-    portal.sayThatASettingHasChanged();
+    portal.emitSettingChanged();
     ASSERT_TRUE(serveUntil([&] { return motion.isRequested(); }));
 
     portal.settings["org.gnome.desktop.interface"]["enable-animations"] = true;
-    portal.sayThatASettingHasChanged();
+    portal.emitSettingChanged();
     EXPECT_TRUE(serveUntil([&] { return !motion.isRequested(); }));
 }
 
@@ -50,18 +50,18 @@ TEST_F(ReducedMotionTest, InvalidAnswersAreIgnoredAndInvalidValuesMeanNoPreferen
     ASSERT_TRUE(serveUntil([&] { return motion.isRequested(); }));
     for (const auto& nonsense :
          {QVariant("text"), QVariant(0U), QVariant(QVariantMap{{"reduced-motion", 0U}})}) {
-        portal.nonsense = nonsense;
-        portal.sayThatASettingHasChangedAndIsHeard();
+        portal.invalidAnswer = nonsense;
+        portal.emitSettingChangedAndWait();
         EXPECT_TRUE(motion.isRequested());
     }
-    portal.nonsense.reset();
+    portal.invalidAnswer.reset();
     for (const auto& value : {QVariant("1"), QVariant(2U)}) {
         portal.settings["org.freedesktop.appearance"]["reduced-motion"] = value;
-        portal.sayThatASettingHasChanged();
+        portal.emitSettingChanged();
         EXPECT_TRUE(serveUntil([&] { return !motion.isRequested(); }))
             << "an invalid value should count as no preference";
         portal.settings["org.freedesktop.appearance"]["reduced-motion"] = 1U;
-        portal.sayThatASettingHasChanged();
+        portal.emitSettingChanged();
         EXPECT_TRUE(serveUntil([&] { return motion.isRequested(); }));
     }
 }

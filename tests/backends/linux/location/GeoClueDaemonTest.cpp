@@ -43,7 +43,7 @@ protected:
     void startDaemonForAUserWho(bool allows) {
         daemon.start();
         agent.emplace(allows);
-        ASSERT_TRUE(serveUntil([&] { return agent->introduceItself(); }));
+        ASSERT_TRUE(serveUntil([&] { return agent->registerWithDaemon(); }));
     }
 
     /// A time on the longest day of the year, in Berlin's time zone.
@@ -117,7 +117,7 @@ TEST_P(NoctaWithGeoClueTest, LocationIsRequestedOnLaunchAfterAStoredGrant) {
     }
     daemon.start();
     LocationAgent agent(true);
-    ASSERT_TRUE(serveUntil([&] { return agent.introduceItself(); }));
+    ASSERT_TRUE(serveUntil([&] { return agent.registerWithDaemon(); }));
     startWithGrant(bus);
     ASSERT_TRUE(serveUntil([&] { return daemon.isAsked(); }));
     EXPECT_TRUE(waitUntil(
@@ -134,7 +134,7 @@ TEST_P(NoctaWithGeoClueTest, LocationIsRequestedAsSoonAsALateBusAnswers) {
     }
     daemon.start();
     LocationAgent agent(true);
-    ASSERT_TRUE(serveUntil([&] { return agent.introduceItself(); }));
+    ASSERT_TRUE(serveUntil([&] { return agent.registerWithDaemon(); }));
     bus.signal(SIGSTOP);
     startWithGrant(bus);
     bus.signal(SIGCONT);

@@ -58,7 +58,7 @@ protected:
     /// Sets a dark preference, and returns once our palette is set.
     static void waitForOurs(SettingsPortal& portal) {
         prefer(portal, 1U);
-        portal.sayThatASettingHasChanged();
+        portal.emitSettingChanged();
         ASSERT_TRUE(serveUntil(isOurs));
     }
 };
@@ -83,12 +83,12 @@ TEST_F(ColorSchemeTest, FollowsThePreferenceInBothDirections) {
     for (const auto other : {0U, 2U}) {
         waitForOurs(portal);
         prefer(portal, other);
-        portal.sayThatASettingHasChanged();
+        portal.emitSettingChanged();
         EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }));
     }
     waitForOurs(portal);
     portal.settings.clear();
-    portal.sayThatASettingHasChanged();
+    portal.emitSettingChanged();
     EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }))
         << "without the setting, the theme should apply";
     EXPECT_EQ(QApplication::palette(), QPalette(lightWindow, lightWindow));
@@ -103,7 +103,7 @@ TEST_F(ColorSchemeTest, LightPreferenceChangesNothing) {
         setTheme(window);
         for (const auto preference : {0U, 2U}) {
             prefer(portal, preference);
-            portal.sayThatASettingHasChangedAndIsHeard();
+            portal.emitSettingChangedAndWait();
             EXPECT_EQ(windowColor(), window);
         }
     }
@@ -117,7 +117,7 @@ TEST_F(ColorSchemeTest, DarkThemeIsKept) {
     setTheme(darkWindow);
     const ColorScheme scheme;
     ASSERT_TRUE(serveUntil([&] { return portal.questions == 1; }));
-    portal.sayThatASettingHasChangedAndIsHeard();
+    portal.emitSettingChangedAndWait();
     EXPECT_EQ(windowColor(), darkWindow);
     EXPECT_EQ(QApplication::palette().resolveMask(), 0U);
 
@@ -138,7 +138,7 @@ TEST_F(ColorSchemeTest, ThemeThatTurnsDarkReplacesOurPalette) {
     setTheme(lightWindow);
     EXPECT_TRUE(isOurs());
     prefer(portal, 0U);
-    portal.sayThatASettingHasChanged();
+    portal.emitSettingChanged();
     EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }));
 }
 
@@ -150,7 +150,7 @@ TEST_F(ColorSchemeTest, ThemeChangeAppliesAfterOurPaletteIsRemoved) {
     setTheme(another);
     EXPECT_TRUE(isOurs());
     prefer(portal, 2U);
-    portal.sayThatASettingHasChanged();
+    portal.emitSettingChanged();
     EXPECT_TRUE(serveUntil([&] { return windowColor() == another; }));
 }
 
@@ -174,10 +174,10 @@ TEST_F(ColorSchemeTest, OtherSettingsDoNotChangeThePalette) {
     waitForOurs(portal);
     Counter counter;
     QCoreApplication::instance()->installEventFilter(&counter);
-    portal.sayThatASettingHasChangedAndIsHeard();
+    portal.emitSettingChangedAndWait();
     EXPECT_EQ(counter.changes, 0);
     prefer(portal, 0U);
-    portal.sayThatASettingHasChangedAndIsHeard();
+    portal.emitSettingChangedAndWait();
     EXPECT_EQ(counter.changes, 1);
 }
 
@@ -196,14 +196,14 @@ TEST_F(ColorSchemeTest, InvalidValueMeansNoPreference) {
     for (const auto& value : {QVariant("1"), QVariant(1), QVariant(true), QVariant(7U)}) {
         waitForOurs(portal);
         prefer(portal, value);
-        portal.sayThatASettingHasChanged();
+        portal.emitSettingChanged();
         EXPECT_TRUE(serveUntil([&] { return windowColor() == lightWindow; }));
     }
     waitForOurs(portal);
     for (const auto& nonsense :
          {QVariant("text"), QVariant(2U), QVariant(QVariantMap{{"color-scheme", 2U}})}) {
-        portal.nonsense = nonsense;
-        portal.sayThatASettingHasChangedAndIsHeard();
+        portal.invalidAnswer = nonsense;
+        portal.emitSettingChangedAndWait();
         EXPECT_TRUE(isOurs()) << "an invalid answer should change nothing";
     }
 }
