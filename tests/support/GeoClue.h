@@ -42,7 +42,7 @@ public:
     QVariantMap place = {{"Latitude", 52.5}, {"Longitude", 13.4}};
     std::vector<std::string> calls; ///< the methods, each with its last argument, if any
 
-    void sayThatThePlaceHasChanged() {
+    void emitLocationUpdated() {
         auto signal = QDBusMessage::createSignal(client(), "org.freedesktop.GeoClue2.Client",
                                                  "LocationUpdated");
         signal << QVariant::fromValue(QDBusObjectPath("/"))

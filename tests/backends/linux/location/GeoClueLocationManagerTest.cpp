@@ -50,7 +50,7 @@ public:
     }
     void move(Location location) {
         service_.place = {{"Latitude", location.latitude}, {"Longitude", location.longitude}};
-        service_.sayThatThePlaceHasChanged();
+        service_.emitLocationUpdated();
     }
     void settle() {
         constexpr int maxSteps = 6; // a client starts or reads its location in at most 6 steps
@@ -129,7 +129,7 @@ TEST_F(GeoClueLocationManagerTest, GrantIsReportedAndStoredAndYieldsOneLocation)
     EXPECT_TRUE(std::filesystem::exists(grantFile));
     EXPECT_EQ(service.calls, (Calls{"CreateClient", "Set nocta", "Set 4", "Start"}));
 
-    service.sayThatThePlaceHasChanged();
+    service.emitLocationUpdated();
     ASSERT_TRUE(serveUntil([&] { return !places.empty(); }));
     EXPECT_EQ(places, (std::vector<Location>{{52.5, 13.4}}));
     ASSERT_TRUE(serveUntil(
@@ -143,7 +143,7 @@ TEST_F(GeoClueLocationManagerTest, GrantIsReportedAndStoredAndYieldsOneLocation)
     manager->startUpdatingLocation();
     ASSERT_TRUE(serveUntil(
         [&] { return std::count(service.calls.begin(), service.calls.end(), "Start") == 2; }));
-    service.sayThatThePlaceHasChanged();
+    service.emitLocationUpdated();
     EXPECT_TRUE(serveUntil([&] { return places.size() == 2; }));
 }
 
@@ -157,7 +157,7 @@ TEST_F(GeoClueLocationManagerTest, StoredGrantIsReportedFromTheRunLoopAndYieldsA
     runLoop.advance(0s);
     EXPECT_EQ(reports, (std::vector{AuthorizationStatus::authorized}));
     ASSERT_TRUE(serveUntil([&] { return service.hasSeen("Start"); }));
-    service.sayThatThePlaceHasChanged();
+    service.emitLocationUpdated();
     EXPECT_TRUE(serveUntil([&] { return !places.empty(); }));
     EXPECT_EQ(reports.size(), 1U);
 }
@@ -241,7 +241,7 @@ TEST_F(GeoClueLocationManagerTest, ServiceThatHangsAndDiesIsRetriedLater) {
     EXPECT_EQ(service->calls, Calls{});
     runLoop.advance(1s);
     ASSERT_TRUE(serveUntil([&] { return service->hasSeen("Start"); }));
-    service->sayThatThePlaceHasChanged();
+    service->emitLocationUpdated();
     EXPECT_TRUE(serveUntil([&] { return places.size() == 1; }));
 }
 
@@ -283,7 +283,7 @@ TEST_F(GeoClueLocationManagerTest, NothingIsReportedAfterUpdatesAreStopped) {
     ASSERT_TRUE(serveUntil([&] { return service.hasSeen("Start"); }));
     manager->stopUpdatingLocation();
     service.answerStart();
-    service.sayThatThePlaceHasChanged();
+    service.emitLocationUpdated();
     settle();
     EXPECT_TRUE(places.empty());
     EXPECT_TRUE(service.hasSeen("DeleteClient /org/freedesktop/GeoClue2/Client/1"));
@@ -301,7 +301,7 @@ TEST_F(GeoClueLocationManagerTest, InvalidCoordinatesAreNotReported) {
                               QVariantMap{{"Latitude", std::nan("")}, {"Longitude", 13.4}},
                               QVariantMap{{"Latitude", "52.5"}, {"Longitude", 13.4}}}) {
         service.place = place;
-        service.sayThatThePlaceHasChanged();
+        service.emitLocationUpdated();
         ++asked;
         const auto isAsked = [&] {
             return std::ranges::count_if(service.calls, [](const std::string& call) {
@@ -313,7 +313,7 @@ TEST_F(GeoClueLocationManagerTest, InvalidCoordinatesAreNotReported) {
     }
     EXPECT_TRUE(places.empty());
     service.place = {{"Latitude", -90.0}, {"Longitude", 180.0}};
-    service.sayThatThePlaceHasChanged();
+    service.emitLocationUpdated();
     ASSERT_TRUE(serveUntil([&] { return !places.empty(); }));
     EXPECT_EQ(places[0], (Location{-90, 180}));
 }
