@@ -549,7 +549,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>This build of Nocta does not know where to look for updates.</source>
+        <source>This build of Nocta has no address for updates.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>

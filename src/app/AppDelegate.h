@@ -35,7 +35,7 @@ public:
     /// Called when the user clicks the status item.
     void togglePopover();
 
-    /// Called at the end of an update cycle. A failure is only logged.
+    /// Called at the end of an update cycle. Logs the error, if any.
     static void updaterDidFinishUpdateCycle(const std::optional<std::string>& error);
 
 private:

@@ -22,7 +22,7 @@
 
 namespace nocta {
 
-/// Has one instance of every service for one desktop. Each instance is created on first access.
+/// Holds one instance of each service for one desktop. Each instance is created on first access.
 /// `main` creates this object after the desktop and destroys it before the desktop. While it
 /// exists, the `shared()` functions of the services return its instances. Tests may create any
 /// number of these objects, but only one at a time.

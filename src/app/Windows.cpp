@@ -14,7 +14,7 @@ constexpr AppWindows::Style preferencesStyle = {
 constexpr AppWindows::Style updateStyle = {.title = translatable("Nocta", "Software Update"),
                                            .styleMask = AppWindows::titled | AppWindows::closable};
 
-/// Whether the stage is the result of a request that the user has just made.
+/// Returns whether the stage is the result of a request that the user has just made.
 bool isRequested(const UpdateStage& stage) {
     return std::holds_alternative<UpdateCheckInProgress>(stage) ||
            std::holds_alternative<UpdateDownload>(stage);

@@ -22,7 +22,7 @@ public:
     /// Brings the preferences window to the front.
     void showPreferences();
 
-    /// From now on, shows a window for each stage of the updater that has something to show.
+    /// Starts showing a window for each stage of the updater that has something to show.
     void followUpdater();
 
 private:

@@ -27,8 +27,8 @@ struct Calendar {
 
     /// Returns the instant of a local time, with 0 seconds. If the local time occurs twice, returns
     /// the first instant. If the clock skips the local time, moves it forward by the length of the
-    /// gap: when the clock goes from 02:00 to 03:00, 02:30 means 03:30. Returns none if the C
-    /// library cannot represent the instant.
+    /// gap: when the clock goes from 02:00 to 03:00, 02:30 means 03:30. Returns `std::nullopt` if
+    /// the C library cannot represent the instant.
     static std::optional<WallTime> instantAt(CalendarDay day, int hour, int minute);
 
     /// Returns how far local time is ahead of GMT at an instant.

@@ -32,13 +32,13 @@ public:
         callWhile([] { return true; }, args...);
     }
 
-    /// Calls `goOn` before each callback and stops when it returns false. A callback may destroy
-    /// the list itself if `goOn` can still be called afterward.
+    /// Calls `keepGoing` before each callback and stops when it returns false. A callback may
+    /// destroy the list itself if `keepGoing` can still be called afterward.
     template <class Predicate>
-    void callWhile(Predicate goOn, const Args&... args) const {
+    void callWhile(Predicate keepGoing, const Args&... args) const {
         const auto entries = *entries_;
         for (const auto& entry : entries) {
-            if (!goOn()) {
+            if (!keepGoing()) {
                 return;
             }
             if (entry->active) {

@@ -8,7 +8,7 @@
 
 namespace nocta {
 
-/// A stored value that a calculation starts from.
+/// A stored value that a calculation depends on.
 struct Origin {
     std::string_view key;
     std::variant<std::int64_t, double> value;
@@ -33,8 +33,8 @@ private:
     const FaultContext* outer_;
 };
 
-/// Sets a text to append to each message that names an origin. The text explains where to correct
-/// the stored values.
+/// Sets the advice to append to each message that names an origin. The advice explains where to
+/// correct the stored values.
 void setOriginAdvice(std::string advice);
 
 /// Prints a message and aborts. Call it when arithmetic would overflow or a conversion is out of

@@ -21,8 +21,8 @@ using DefaultsMap = std::map<std::string, DefaultsValue, std::less<>>;
 
 /// Typed values by key on top of a layer of registered defaults. Every defaults store shares these
 /// rules. A getter returns the stored value, or else the registered value, or else zero, false or
-/// none. Numbers and booleans convert to each other. If the types do not match otherwise, or a
-/// number does not fit, the getter also returns zero, false or none.
+/// `std::nullopt`. Numbers and booleans convert to each other. If the types do not match otherwise,
+/// or a number does not fit, the getter also returns zero, false or `std::nullopt`.
 class DefaultsTable {
 public:
     void registerDefaults(const DefaultsMap& defaults);

@@ -8,10 +8,10 @@ namespace nocta {
 
 /// An object that is created on first use.
 ///
-///     Lazy<Bell> bell{[this](auto& made) { made.emplace(tower()); }};
-///     bell().ring();
+///     Lazy<Cache> cache{[this](auto& object) { object.emplace(store()); }};
+///     cache().clear();
 ///
-/// Not supported: objects that need each other, because neither can be created first.
+/// Two objects must not depend on each other, because neither could be created first.
 template <class T>
 class Lazy {
 public:

@@ -51,8 +51,8 @@ private:
                      [this, movement] { advance(movement); });
     }
 
-    /// The callbacks that this function calls last may destroy or restart this object. The run loop
-    /// keeps the movement alive until the function returns.
+    /// The callbacks are called last because they may destroy or restart this object. The run loop
+    /// keeps the movement alive until this function returns.
     void advance(const std::shared_ptr<const Movement>& movement) {
         const auto step = movement->stepNow();
         if (step < movement->steps) {

@@ -2,11 +2,11 @@
 
 namespace nocta {
 
-/// Marks an English text that views show with `Text::of`. The translators' tools find it by the
-/// name of this function and its first argument, "Nocta". Untranslated details may follow the text,
-/// after ": ".
+/// Marks an English string that views show with `Text::of`. The translation tools find it by the
+/// name of this function and its first argument, "Nocta". Untranslated details may follow the
+/// string, after ": ".
 ///
-///     return translatable("Nocta", "The file cannot be kept") + (": " + reason);
+///     return translatable("Nocta", "The file cannot be opened") + (": " + reason);
 constexpr const char* translatable(const char* /*context*/, const char* text) {
     return text;
 }

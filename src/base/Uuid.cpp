@@ -27,7 +27,7 @@ Uuid Uuid::fromRandomBytes(std::array<std::uint8_t, 16> bytes) {
 }
 
 std::string Uuid::toString() const {
-    std::array<char, textLength + 1> text{}; // with the terminating zero
+    std::array<char, textLength + 1> text{}; // with the terminating null
     uuid_unparse_upper(bytes.data(), text.data());
     return {text.data(), textLength};
 }

@@ -14,8 +14,8 @@ namespace nocta {
 struct Uuid {
     std::array<std::uint8_t, 16> bytes{};
 
-    /// Parses the 36-character hyphenated form, in upper or lower case. Returns none for any other
-    /// text.
+    /// Parses the 36-character hyphenated form, in upper or lower case. Returns `std::nullopt` for
+    /// any other string.
     static std::optional<Uuid> parse(std::string_view text);
 
     /// Makes a version 4 (random) identifier from 16 random bytes.

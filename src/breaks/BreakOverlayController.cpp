@@ -72,8 +72,7 @@ void BreakOverlayController::snooze() {
     hideWithoutBreak();
 }
 
-/// The end of a break hides the covers. If the break was stopped, there is no such end, so hide the
-/// covers here.
+/// Hides the covers after the break timer was stopped. Otherwise, the end of the break hides them.
 void BreakOverlayController::hideWithoutBreak() {
     if (!isFading_ && !std::holds_alternative<Active>(breakTimer_.state.get())) {
         hide();

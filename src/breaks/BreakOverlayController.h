@@ -47,7 +47,7 @@ private:
     bool isFading_ = false;
     std::size_t fading_ = 0; ///< number of windows that are still fading
     std::map<std::uint64_t, std::unique_ptr<OverlayWindow>> overlayWindows_; ///< by screen
-    Subscription keyMonitor_;                                                ///< while showing
+    Subscription keyMonitor_; ///< while covers are shown
     Deferred finish_;
     Cancellables cancellables_;
 };

@@ -28,10 +28,10 @@ inline constexpr std::int64_t snoozeMinutes = 5;
 /// above. It exists for the lifetime of the process.
 ///
 /// It counts timer ticks, and timers do not run while the machine sleeps, so a countdown, a break
-/// or a snooze resumes where it was when the machine wakes. Records use the wall clock: if the
+/// or a snooze resumes where it left off when the machine wakes. Records use the wall clock: if the
 /// machine sleeps during a break that the user then completes, the total break time includes the
-/// time asleep. If it sleeps during a snooze, the snooze ends later than the published time, by the
-/// time asleep.
+/// time asleep. If the machine sleeps during a snooze, the snooze ends later than the published
+/// time.
 ///
 /// Calling `stop` during a break does not end the break: it posts no notification and records
 /// nothing, and the covers stay up until the user dismisses them or a later break ends. The end of

@@ -18,7 +18,7 @@ public:
 
     virtual LocationManager& locationManager() = 0;
 
-    /// None until the first fix. The location is kept only in memory.
+    /// `std::nullopt` until the first fix. The location is kept only in memory.
     Published<std::optional<Location>> currentLocation;
     Published<AuthorizationStatus> authorizationStatus{AuthorizationStatus::notDetermined};
 };

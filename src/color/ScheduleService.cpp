@@ -22,8 +22,8 @@ std::optional<WallTime> instantAt(CalendarDay day, std::chrono::minutes time) {
                                static_cast<int>(time % 1h / 1min));
 }
 
-/// The progress of the transition around `event`, or none outside the transition. Both ends are
-/// part of the transition.
+/// Returns the progress of the transition around `event`, or `std::nullopt` outside the transition.
+/// Both ends are part of the transition.
 std::optional<double> progress(WallTime now, WallTime event) {
     const auto start = event - transitionHalfWidth;
     const auto end = event + transitionHalfWidth;
@@ -99,7 +99,7 @@ void ScheduleService::useDefaultTimes() {
 void ScheduleService::updateSunPosition() {
     const auto now = runLoop_.wallNow();
     if (!lastCalculationDate_ || Calendar::dayOf(*lastCalculationDate_) != Calendar::dayOf(now)) {
-        // Set this first: calculateTimes calls this function, which must not see the old day again.
+        // Set this first, because calculateTimes calls this function again.
         lastCalculationDate_ = now;
         calculateTimes();
     }

@@ -26,7 +26,7 @@ public:
 
     virtual bool isAvailable() const = 0;
 
-    /// Returns the backlight level (0.0–1.0), or none if it cannot be read.
+    /// Returns the backlight level (0.0–1.0), or `std::nullopt` if it cannot be read.
     virtual std::optional<float> readBrightness() = 0;
 };
 

@@ -8,11 +8,11 @@
 
 namespace nocta {
 
-/// Converts the single brightness value into a backlight level for each built-in display and a
-/// gamma dimming for every display. If there is a backlight, the upper half of the range changes
-/// only the backlight, so external displays stay at full brightness. The lower half dims every
-/// display equally through the gamma tables. Without a backlight, the gamma tables cover the whole
-/// range. The class is stateless.
+/// Converts the single brightness value into a backlight level for each built-in display and gamma
+/// dimming for every display. If there is a backlight, the upper half of the range changes only the
+/// backlight, so external displays stay at full brightness. The lower half dims every display
+/// equally through the gamma tables. Without a backlight, the gamma tables cover the whole range.
+/// The class is stateless.
 class UnifiedBrightnessApplier {
 public:
     UnifiedBrightnessApplier(SettingsManager& settingsManager, GammaController& gammaController,
@@ -24,7 +24,7 @@ public:
     static UnifiedBrightnessApplier& shared();
 
     /// Applies a brightness (0.0–1.0) immediately. Unless `allowFullBlack` is on, it dims by at
-    /// most 90 %. A change to that setting takes effect at the next call.
+    /// most 90%. A change to that setting takes effect at the next call.
     void apply(double brightness);
 
 private:

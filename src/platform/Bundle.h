@@ -8,7 +8,7 @@ namespace nocta {
 /// NSBundle.mainBundle on macOS.
 struct Bundle {
     std::string_view shortVersionString; ///< as shown to the user
-    std::string_view version;            ///< of this build; newer builds have greater ones
+    std::string_view version;            ///< of this build; higher in newer builds
     std::string_view apiBase;            ///< server that receives feedback: https://HOST, or empty
     std::string_view feedUrl;            ///< URL of the appcast: https, or empty
     std::string_view publicEdKey;        ///< verifies updates: 32 bytes in Base64

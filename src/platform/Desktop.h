@@ -27,8 +27,8 @@
 
 namespace nocta {
 
-/// The ports: everything that Nocta needs from the desktop that it runs on. No port is ever
-/// missing: if a desktop cannot do something, the port for it reports that. Most ports have the
+/// The ports: everything that Nocta needs from the desktop that it runs on. Every port exists on
+/// every desktop: if a desktop cannot do something, the port reports that. Most ports have the
 /// names and signatures of macOS functions, and their comments name these functions.
 struct Desktop {
     const Bundle& bundle;

@@ -42,7 +42,7 @@ class Displays {
 public:
     virtual ~Displays() = default;
 
-    /// Writes as many ids as fit into `ids`, and sets `count` to the number written. If `ids` is
+    /// Writes as many IDs as fit into `ids`, and sets `count` to the number written. If `ids` is
     /// empty, sets `count` to the number of active displays. On failure, sets `count` to 0.
     /// Corresponds to CGGetActiveDisplayList on macOS, which is also called twice and has the same
     /// output parameter.
@@ -57,7 +57,8 @@ public:
     /// Corresponds to CGDisplayIsBuiltin on macOS.
     virtual bool displayIsBuiltin(DisplayId display) = 0;
 
-    /// Returns none if the display has no mode. Corresponds to CGDisplayCopyDisplayMode on macOS.
+    /// Returns `std::nullopt` if the display has no mode. Corresponds to CGDisplayCopyDisplayMode
+    /// on macOS.
     virtual std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) = 0;
 };
 

@@ -11,7 +11,7 @@ namespace nocta {
 /// must.
 ///
 ///     const std::vector<float> half = {0.0F, 0.5F};
-///     gammaOutput.setDisplayTransferByTable(display, half, half, half); // dims to 50 %
+///     gammaOutput.setDisplayTransferByTable(display, half, half, half); // dims to 50%
 ///     gammaOutput.displayRestoreColorSyncSettings();
 class GammaOutput {
 public:

@@ -24,7 +24,7 @@ struct SystemDefinedEvent {
     std::int64_t data1 = 0;
 };
 
-/// The press of a key, identified by its virtual key code.
+/// A key press, identified by its virtual key code.
 struct KeyDownEvent {
     std::int64_t keyCode = 0;
 };

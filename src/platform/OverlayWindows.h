@@ -62,7 +62,7 @@ public:
     /// Calls `handler` for every key press in a window of this program, before the window gets the
     /// event. If the handler returns true, the window does not get it. If the user is typing when
     /// overlay windows appear, they may not have seen the windows yet. Until they pause, their key
-    /// presses reach neither the handler nor a window. Auto-repeated key presses never do.
+    /// presses reach neither the handler nor a window. Auto-repeated key presses never reach them.
     /// Corresponds to addLocalMonitorForEventsMatchingMask for key-down events (mask 1 << 10) on
     /// macOS.
     virtual Subscription

@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// When a popover closes: a `transient` one also closes when the user clicks elsewhere, an
-/// `applicationDefined` one only when `close` is called.
+/// When a popover closes. An `applicationDefined` popover closes only when `close` is called; a
+/// `transient` popover also closes when the user clicks outside it.
 enum class PopoverBehavior { applicationDefined, transient };
 
 /// The small window next to the status item. Corresponds to NSPopover on macOS.

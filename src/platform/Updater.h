@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-// The stages that an updater shows to the user. Texts are plain UTF-8.
+// The stages that an updater shows to the user. Strings are plain UTF-8.
 
 struct UpdatePermissionRequest {}; ///< asks whether to check automatically
 struct UpdateCheckInProgress {};

@@ -20,7 +20,7 @@ struct UrlRequest {
     std::chrono::milliseconds timeout{};
 };
 
-/// Has exactly one of its members: the status of an HTTP response, or the reason why there is no
+/// Exactly one member has a value: the status of an HTTP response, or the reason why there is no
 /// response.
 struct UrlResponse {
     std::optional<int> statusCode{};

@@ -26,7 +26,7 @@ public:
     virtual std::unique_ptr<View> makeOnboardingView(std::function<void()> onComplete) = 0;
     /// Shows the current stage of the updater.
     virtual std::unique_ptr<View> makeUpdateView() = 0;
-    /// Has the controls of the popover in the form of a menu.
+    /// Shows the controls of the popover as a menu.
     virtual std::unique_ptr<View> makeStatusMenu(std::function<void()> showPreferences) = 0;
     virtual std::unique_ptr<View> makeBreakOverlayView(std::function<void()> onSkip,
                                                        std::function<void()> onSnooze) = 0;

@@ -18,7 +18,8 @@ struct RunningApplication {
     bool operator==(const RunningApplication&) const = default;
 };
 
-/// The size of a window on screen, in points. A value is none if the desktop does not provide it.
+/// The size of a window on screen, in points. A member is `std::nullopt` if the desktop does not
+/// provide it.
 struct WindowInfo {
     std::optional<double> width;
     std::optional<double> height;
@@ -34,16 +35,16 @@ public:
     virtual ~Workspace() = default;
 
     /// Calls `callback` from the run loop whenever another application comes to the front. The
-    /// argument is none if the desktop does not identify the application. Corresponds to
+    /// argument is `std::nullopt` if the desktop does not identify the application. Corresponds to
     /// NSWorkspaceDidActivateApplicationNotification on macOS.
     virtual Subscription observeDidActivateApplication(
         std::function<void(const std::optional<RunningApplication>&)> callback) = 0;
 
     virtual std::optional<RunningApplication> frontmostApplication() = 0;
 
-    /// Returns the windows of all applications that are on screen, or none if the desktop cannot
-    /// list them. Corresponds to CGWindowListCopyWindowInfo on macOS, with the option for on-screen
-    /// windows only.
+    /// Returns the windows of all applications that are on screen, or `std::nullopt` if the desktop
+    /// cannot list them. Corresponds to CGWindowListCopyWindowInfo on macOS, with the option for
+    /// on-screen windows only.
     virtual std::optional<std::vector<WindowInfo>> copyWindowInfo() = 0;
 
     /// Returns the frame of the screen that has keyboard focus. Corresponds to

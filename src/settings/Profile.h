@@ -36,7 +36,7 @@ struct Profile {
     /// Returns the name of the profile's symbol, which depends only on the name of the profile.
     std::string_view icon() const;
 
-    /// Returns a one-line description of a built-in profile, or an empty text for any other name.
+    /// Returns a one-line description of a built-in profile, or an empty string for any other name.
     std::string_view description() const;
 
     bool operator==(const Profile&) const = default;

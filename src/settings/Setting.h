@@ -28,7 +28,7 @@ void save(DefaultsStore& store, std::string_view key, std::int64_t value);
 void save(DefaultsStore& store, std::string_view key, MenuBarIcon value);
 void save(DefaultsStore& store, std::string_view key, const std::optional<Uuid>& value);
 
-/// Returns the value to register as the default, or none if the setting has no value by default.
+/// Returns the value to register as the default, or `std::nullopt` if the setting has no default.
 template <class T>
 std::optional<DefaultsValue> registeredValue(const T& value) {
     return value;
@@ -42,7 +42,7 @@ inline std::optional<DefaultsValue> registeredValue(const std::optional<Uuid>& v
 
 /// A published value that is stored under a key in the defaults store. `set` publishes the value
 /// first and then stores it, so that if a subscriber calls `set` again, the last value is stored. A
-/// setting is a member of a `SettingGroup`; see the sample there.
+/// setting is a member of a `SettingGroup`; see the example there.
 template <class T>
 class Setting final : public AnySetting {
 public:

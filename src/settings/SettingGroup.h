@@ -12,7 +12,7 @@ class AnySetting {
 public:
     virtual ~AnySetting() = default;
 
-    /// Adds the default value to `defaults`, unless the setting has no value by default.
+    /// Adds the default value to `defaults` if the setting has one.
     virtual void addDefault(DefaultsMap& defaults) const = 0;
 
     /// Reads the stored value without writing it back.

@@ -15,7 +15,7 @@ void AppMonitorService::startMonitoring() {
                 updateFullscreen();
             }
         });
-    // Our own windows post these notifications.
+    // The program's own windows post these notifications.
     fullscreenObserver_ = notificationCenter_.observe(windowDidEnterFullScreenNotification,
                                                       [this] { isFullscreen.set(true); });
     exitFullscreenObserver_ = notificationCenter_.observe(windowDidExitFullScreenNotification,

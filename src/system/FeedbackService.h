@@ -20,8 +20,8 @@ std::string_view key(FeedbackType type);
 /// The label in English.
 std::string_view label(FeedbackType type);
 
-/// Holds the content of the feedback form and sends it. It keeps what the user wrote until that is
-/// sent, even if the user closes the window. It exists for the lifetime of the process.
+/// Holds the content of the feedback form and sends it. It keeps the content until it is sent, even
+/// if the user closes the window. It exists for the lifetime of the process.
 class FeedbackService {
 public:
     /// `apiBase` is the scheme and host of the vendor's web service, without a trailing slash, or
@@ -32,7 +32,7 @@ public:
 
     static FeedbackService& shared();
 
-    // Texts are UTF-8.
+    // Strings are UTF-8.
     Published<std::string> message;
     Published<std::string> email; ///< optional
     Published<FeedbackType> feedbackType{FeedbackType::suggestion};
@@ -44,7 +44,7 @@ public:
     /// Returns false if the message is empty or is being sent.
     bool canSend() const;
 
-    /// Sends the message. On failure, sets `errorMessage` and keeps what the user wrote.
+    /// Sends the message. On failure, sets `errorMessage` and keeps the content.
     void send();
 
     /// Shows an empty form again, for another message.

@@ -19,8 +19,8 @@ public:
 
     static ShortcutsManager& shared();
 
-    /// Installs the event tap if it is not installed. If the desktop refuses, prints one line on
-    /// standard output, and the shortcuts stay off.
+    /// Installs the event tap if it is not already installed. If the desktop refuses, prints one
+    /// line on standard output, and the shortcuts stay off.
     void startMonitoring();
 
     bool isMonitoring() const { return static_cast<bool>(eventTap_); }

@@ -19,14 +19,13 @@ constexpr qreal gap = 10;
 
 constexpr std::array meetingApplications = {"us.zoom.xos", "com.apple.FaceTime"};
 
-/// Sample text that shows whether text in a picture is still readable.
+/// Sample text that shows whether text in a picture is readable.
 constexpr auto page =
-    "The evening\n\nAs the sun goes down, what is left of its light is red: the way through the "
-    "air is longer, and the blue of it is scattered elsewhere. A screen knows nothing of this. It "
-    "shows at ten in the evening the noon that it was made for, and whoever looks at it sits in "
-    "two times of day at once.\n\nIt need not be so. A lamp can be turned down, and a candle is "
-    "warm by itself. What the screen lacks is somebody to ask the clock, and a hand that is "
-    "lighter than its own buttons allow.";
+    "Meeting notes\n\nThe new version is ready for testing. The team reviewed the open tasks and "
+    "assigned each of them to a developer. The documentation will be updated before the release, "
+    "and the test results will be collected in a shared document. Please report any problems by "
+    "the end of the week.\n\nThe next meeting is on Thursday at ten. The agenda includes the "
+    "release date, the schedule for the next quarter, and the budget for new equipment.";
 
 QRectF cell(const QRectF& area, int columns, int rows, int column, int row) {
     const auto width = (area.width() - gap * (columns - 1)) / columns;

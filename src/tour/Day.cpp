@@ -22,7 +22,7 @@ void start(Tour& tour) {
                 "the welcome window is shown");
     tour.take(
         "The first launch",
-        "Nocta already works while its welcome window is open. The brightness starts at 75 %.");
+        "Nocta already works while its welcome window is open. The brightness starts at 75%.");
     tour.press("continueButton");
     tour.press("allowButton");
     tour.desktop.location.answer(AuthorizationStatus::authorized);
@@ -33,7 +33,7 @@ void start(Tour& tour) {
               "With your location, Nocta uses the actual times of sunrise and sunset.");
     tour.press("continueButton");
     tour.press("Everyday");
-    tour.take("A style to start with", "It sets five settings. You can change each of them later.");
+    tour.take("The style", "It sets five settings. You can change each of them later.");
     tour.press("continueButton");
     tour.press("continueButton");
     tour.expect(!tour.desktop.appWindows.isOnScreen("Welcome to Nocta"),
@@ -46,30 +46,30 @@ void start(Tour& tour) {
 void dim(Tour& tour) {
     tour.settings().unifiedBrightness.set(1.0);
     tour.desktop.statusBar.click();
-    tour.take("100 %", "The backlight is at 100 %, and no picture is dimmed.");
+    tour.take("100%", "The backlight is at 100%, and the picture is not dimmed on any display.");
     tour.settings().unifiedBrightness.set(0.6);
     tour.expect(tour.topOf(Tour::external) == 1,
-                "the upper half leaves the external display alone");
+                "the upper half does not change the external display");
     tour.expect(tour.desktop.displays.display(Tour::builtIn).backlight < 0.5F,
                 "the upper half changes the backlight");
     tour.take(
-        "60 %",
+        "60%",
         "The upper half changes only the backlight. The external display has no backlight that "
         "Nocta can change, so it stays at full brightness.");
     tour.settings().unifiedBrightness.set(0.25);
     tour.expect(std::abs(tour.topOf(Tour::external) - 0.5) < 0.01,
                 "the lower half dims all displays");
-    tour.take("25 %", "The lower half also dims the picture on every display, below what the "
-                      "hardware allows.");
+    tour.take("25%", "The lower half also dims the picture on every display, below what the "
+                     "hardware allows.");
     tour.settings().unifiedBrightness.set(0.0);
     tour.expect(std::abs(tour.topOf(Tour::external) - 0.1) < 0.01, "a faint glow remains");
-    tour.take("0 %, with the faint glow",
-              "Every picture keeps a tenth of its brightness, so that you can still see it. The "
+    tour.take("0%, with the faint glow",
+              "The picture keeps a tenth of its brightness, so that you can still see it. The "
               "backlight of the built-in display is at its lowest level.");
     tour.settings().allowFullBlack.set(true);
     tour.settings().unifiedBrightness.set(0.0);
     tour.expect(tour.topOf(Tour::external) == 0, "the display is black if the user allows it");
-    tour.take("0 %, with black allowed",
+    tour.take("0%, with black allowed",
               "The displays turn black only if you allow it in the preferences.");
     tour.settings().allowFullBlack.set(false);
 
@@ -94,11 +94,11 @@ void pressKeys(Tour& tour) {
     tour.expect(std::abs(before - 0.25 - tour.settings().unifiedBrightness.get()) < 1e-9,
                 "four key presses lower the brightness by four sixteenths");
     tour.take("The brightness keys",
-              "Each press changes the brightness by a sixteenth, in any application.");
+              "Each press changes the brightness by one sixteenth, in any application.");
     tour.settings().unifiedBrightness.set(before);
 }
 
-void plug(Tour& tour) {
+void connectDisplay(Tour& tour) {
     constexpr DisplayId projector = 3;
     tour.settings().unifiedBrightness.set(0.3);
     tour.desktop.displays.plug({.id = projector, .bounds = {1984, 0, 640, 480}});
@@ -108,16 +108,16 @@ void plug(Tour& tour) {
     tour.settings().unifiedBrightness.set(0.29);
     tour.expect(!tour.desktop.displays.display(projector).red.empty(),
                 "the next change applies to the new display");
-    tour.take("The next change", "Now it changes like the other displays.");
+    tour.take("The next change", "The new display now changes like the others.");
     tour.desktop.displays.unplug(projector);
     tour.settings().unifiedBrightness.set(0.75);
 }
 
-void takeTheColorAway(Tour& tour) {
+void useGrayscale(Tour& tour) {
     tour.settings().grayscaleEnabled.set(true);
     tour.desktop.runLoop.advance(1s);
     tour.expect(tour.desktop.filter.isOn, "the grayscale filter is on");
-    tour.take("Eye Relief", "The displays without color.");
+    tour.take("Eye Relief", "All displays are gray.");
     tour.settings().grayscaleEnabled.set(false);
     tour.desktop.runLoop.advance(1s);
     tour.expect(!tour.desktop.filter.isOn, "the grayscale filter is off");
@@ -169,8 +169,9 @@ void takeBreaks(Tour& tour) {
     settings.breakTimerEnabled.set(false);
     settings.breakTimerEnabled.set(true);
     tour.expect(!isPaused(tour), "turning breaks off and on again resumes the countdown");
-    tour.take("Breaks again", "After a meeting, the countdown stays paused until the user turns "
-                              "breaks off and on again.");
+    tour.take("Breaks turned on again",
+              "After a meeting, the countdown stays paused until the user turns "
+              "breaks off and on again.");
     tour.desktop.popover.clickElsewhere();
     settings.breakTimerEnabled.set(false);
 }
@@ -184,7 +185,7 @@ TourCurve rampOf(Tour& tour, const char* name) {
     return curve;
 }
 
-void seeTheSunSet(Tour& tour) {
+void waitForSunset(Tour& tour) {
     auto& temperature = tour.instances().colorTemperatureService().currentTemperature;
     const auto day = tour.settings().colorTemperatureDay.get();
     const auto night = tour.settings().colorTemperatureNight.get();
@@ -199,17 +200,16 @@ void seeTheSunSet(Tour& tour) {
     tour.expect(std::abs(temperature.get() - (day + night) / 2) < 200,
                 "the temperature is halfway at sunset");
     tour.ramps.push_back(rampOf(tour, "sunset"));
-    tour.take("The sun sets",
-              "Over half an hour, the colors become warmer, like the light outside.");
+    tour.take("Sunset", "Over half an hour, the colors become warmer, like the light outside.");
     tour.waitUntil(sunset + 16min);
     tour.expect(temperature.get() == night,
                 "the night temperature is reached 15 minutes after sunset");
     tour.waitUntil(tour.next(22, 0));
     tour.ramps.push_back(rampOf(tour, "night"));
-    tour.take("Night", "Most of the blue is gone.");
+    tour.take("Night", "Most of the blue light is gone.");
     tour.settings().unifiedBrightness.set(0.3);
-    tour.ramps.push_back(rampOf(tour, "night, at 30 %"));
-    tour.take("Late", "The displays are warm and dim.");
+    tour.ramps.push_back(rampOf(tour, "night, at 30%"));
+    tour.take("Late evening", "The displays are warm and dim.");
 }
 
 void reset(Tour& tour) {
@@ -233,14 +233,14 @@ void end(Tour& tour) {
 
 } // namespace
 
-void spendADay(Tour& tour) {
+void simulateDay(Tour& tour) {
     start(tour);
     dim(tour);
     pressKeys(tour);
-    plug(tour);
-    takeTheColorAway(tour);
+    connectDisplay(tour);
+    useGrayscale(tour);
     takeBreaks(tour);
-    seeTheSunSet(tour);
+    waitForSunset(tour);
     reset(tour);
     end(tour);
 }

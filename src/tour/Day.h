@@ -4,8 +4,8 @@
 
 namespace nocta {
 
-/// Plays one day with Nocta, from its first launch until it quits. Every scene checks what it
-/// shows.
-void spendADay(Tour& tour);
+/// Simulates one day with Nocta, from its first launch until it quits. Each scene checks the state
+/// that it shows.
+void simulateDay(Tour& tour);
 
 } // namespace nocta

@@ -125,8 +125,8 @@ private:
     QRectF area_;
 };
 
-/// What a desktop draws around a window: a background, a shadow, and, if the window has a title, a
-/// title bar.
+/// The parts that a desktop draws around a window: a background, a shadow, and, if the window has a
+/// title, a title bar.
 class DesktopScene::Frame final : public QGraphicsItem {
 public:
     Frame(VirtualDesktop& desktop, QGraphicsProxyWidget& window, QString title)
@@ -183,7 +183,7 @@ private:
 
 DesktopScene::DesktopScene(VirtualDesktop& desktop) : desktop_(desktop) {}
 
-/// Leaves the widgets alone, because their views own them.
+/// Does not delete the widgets, because their views own them.
 DesktopScene::~DesktopScene() {
     for (const auto& [widget, proxy] : windows_) {
         if (proxy != nullptr) {

@@ -23,7 +23,7 @@ public:
     /// Updates the scene from the desktop. Call it before showing the scene.
     void refresh();
 
-    /// Returns a picture of a display as the eye sees it, in the display's own size.
+    /// Returns a picture of a display as the user sees it, in the display's own size.
     QImage picture(DisplayId id);
 
 private:

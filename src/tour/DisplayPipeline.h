@@ -9,12 +9,12 @@
 
 namespace nocta {
 
-/// Converts the picture that a display receives into the picture that the eye sees. It applies the
+/// Converts the picture that a display receives into the picture that the user sees. It applies the
 /// color filter, then the gamma tables, and then the backlight.
 class DisplayPipeline {
 public:
     /// `isGray` is true if the color filter removes all color. The backlight of an external display
-    /// is assumed to be at 100 %.
+    /// is assumed to be at 100%.
     DisplayPipeline(const VirtualDisplays::Display& display, bool isGray);
 
     /// Converts the picture in place. Its format must be RGB32.

@@ -12,7 +12,7 @@
 
 namespace nocta {
 
-/// Runs Nocta on a virtual desktop with a built-in and an external display, and has the scene that
+/// Runs Nocta on a virtual desktop with a built-in and an external display, and owns the scene that
 /// shows the desktop. The desktop outlives the program.
 class LiveDesktop {
 public:
@@ -32,7 +32,7 @@ public:
     DesktopScene& scene() { return *scene_; }
 
     void launch();
-    /// Returns a picture of all displays side by side, as the eye sees them.
+    /// Returns a picture of all displays side by side, as the user sees them.
     QImage picture();
     /// Ends the program and removes its windows from the scene.
     void quit();

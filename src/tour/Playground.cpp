@@ -27,7 +27,7 @@ const RunningApplication browser{"com.google.Chrome", "Google Chrome"};
 
 } // namespace
 
-/// Shows the scene as the eye sees it and passes mouse events to it.
+/// Shows the scene as the user sees it and passes mouse events to it.
 class Playground::Displays final : public QGraphicsView {
 public:
     explicit Displays(LiveDesktop& live) : QGraphicsView(&live.scene()), live_(live) {

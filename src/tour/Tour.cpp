@@ -85,11 +85,11 @@ void Tour::take(const QString& title, const QString& text) {
     scenes_.push_back({file, timeOfDay(), title, text});
 }
 
-void Tour::expect(bool holds, const QString& promise) {
+void Tour::expect(bool holds, const QString& expectation) {
     if (!holds) {
-        std::cerr << "nocta-tour: at " << timeOfDay().toStdString() << " it is not true that "
-                  << promise.toStdString() << std::endl;
-        isAsPromised_ = false;
+        std::cerr << "nocta-tour: at " << timeOfDay().toStdString()
+                  << ", this expectation was not met: " << expectation.toStdString() << std::endl;
+        passed_ = false;
     }
 }
 

@@ -23,8 +23,8 @@ struct TourCurve {
     std::vector<std::pair<double, double>> points;
 };
 
-/// A day on a live desktop, with a record of what happened. The tour fails if an expectation is not
-/// met.
+/// Simulates a day on a live desktop and records its scenes. The tour fails if an expectation is
+/// not met.
 class Tour : public LiveDesktop {
 public:
     /// Writes its pictures to the folder, which must exist.
@@ -41,14 +41,14 @@ public:
     void press(const char* identifier);
 
     void take(const QString& title, const QString& text);
-    void expect(bool holds, const QString& promise);
+    void expect(bool holds, const QString& expectation);
 
     /// Returns the highest red level in a display's tables, which does not depend on the warmth.
     double topOf(DisplayId id);
 
     const QString& folder() const { return folder_; }
     const std::vector<TourScene>& scenes() const { return scenes_; }
-    bool isAsPromised() const { return isAsPromised_; }
+    bool passed() const { return passed_; }
 
     std::vector<TourCurve> brightnessCurves;
     std::vector<TourCurve> ramps;
@@ -61,7 +61,7 @@ private:
 
     QString folder_;
     std::vector<TourScene> scenes_;
-    bool isAsPromised_ = true;
+    bool passed_ = true;
     Cancellables cancellables_;
 };
 

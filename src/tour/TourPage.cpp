@@ -23,7 +23,7 @@ svg { background: #fff; font: 12px system-ui, sans-serif; }
 table { border-collapse: collapse; } td { padding: .1rem 1rem .1rem 0; }
 </style></head><body>
 <h1>A day with Nocta</h1>
-<p>The pictures show two displays as the eye would see them: a laptop's built-in display on the left
+<p>The pictures show two displays as a user would see them: a laptop's built-in display on the left
 and an external display on the right. Every picture includes the effect of the filter, the gamma
 tables and the backlight at that moment. The windows are the program's own. The file
 <a href="trace.jsonl">trace.jsonl</a> lists every call that the desktop received.</p>
@@ -64,7 +64,7 @@ QString page(const Tour& tour) {
     html += plotSection("Blue gamma ramp at five moments", tour.ramps,
                         {"level sent to the display", 0, 255, 51}, {"level shown", 0, 1, 0.25});
     html +=
-        QStringLiteral("<h2>What the break timer did</h2>\n"
+        QStringLiteral("<h2>States of the break timer</h2>\n"
                        "<p>Breaks were turned off for the evening. The reset at the end of the day "
                        "turned them on again.</p>\n") +
         breakTable(tour);

@@ -19,29 +19,29 @@ bool hasScreen() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-/// Drops warnings, because Qt's offscreen platform prints one for every window.
+/// Ignores warnings, because Qt's offscreen platform prints one for every window.
 void printErrorsOnly(QtMsgType type, const QMessageLogContext& /*place*/, const QString& message) {
     if (type == QtCriticalMsg || type == QtFatalMsg) {
         std::cerr << "nocta-tour: " << message.toStdString() << std::endl;
     }
 }
 
-int spendADay() {
-    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1); // the same day on every machine
+int simulateDay() {
+    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1); // independent of the time zone of the machine
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 10));
     QApplication::setCursorFlashTime(0);
     const auto folder = QDir::current().absoluteFilePath(QStringLiteral("nocta-tour"));
-    QDir(folder).removeRecursively(); // the pictures of an earlier run
+    QDir(folder).removeRecursively(); // remove the pictures of an earlier run
     if (!QDir().mkpath(folder)) {
-        std::cerr << "nocta-tour: cannot make " << folder.toStdString() << std::endl;
+        std::cerr << "nocta-tour: cannot create " << folder.toStdString() << std::endl;
         return EXIT_FAILURE;
     }
     nocta::Tour tour(folder);
-    nocta::spendADay(tour);
+    nocta::simulateDay(tour);
     tour.expect(nocta::writeTour(tour), QStringLiteral("the page can be written"));
     std::cout << "A day with Nocta: " << folder.toStdString() << "/index.html" << std::endl;
-    return tour.isAsPromised() ? EXIT_SUCCESS : EXIT_FAILURE;
+    return tour.passed() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 } // namespace
@@ -53,7 +53,7 @@ int main(int argumentCount, char** arguments) {
     }
     const QApplication application(argumentCount, arguments);
     if (!hasScreen()) {
-        return spendADay();
+        return simulateDay();
     }
     nocta::Playground playground;
     playground.show();

@@ -1,5 +1,5 @@
 // nocta-pictures: draws the program's own views on the virtual desktop. It makes the pictures in
-// the documents, and sheets with all views in every look, for comparison.
+// the documents, and sheets with all views in every color scheme, for comparison.
 
 #include "app/SharedInstances.h"
 #include "backends/virtual/VirtualDesktop.h"
@@ -133,7 +133,7 @@ Scenes preferences() {
         {"preferences-feedback", [](Stage& stage) { openPreferences(stage, 4); }},
         {"preferences-feedback-failed",
          [](Stage& stage) {
-             stage.instances.feedbackService().message.set("The moon is too bright.");
+             stage.instances.feedbackService().message.set("The menu bar icon is hard to see.");
              stage.instances.feedbackService().send();
              openPreferences(stage, 4);
          }},
@@ -169,11 +169,12 @@ Scenes updates() {
         {"update-none", [](Stage& stage) { openUpdate(stage, UpdateNotFound{}); }},
         {"update-found",
          [](Stage& stage) {
-             openUpdate(stage, UpdateFound{.version = "1.3",
-                                           .releaseNotes =
-                                               "Darker nights\n\n• The faint glow is fainter.\n• "
-                                               "Breaks wait for the end of a meeting that is "
-                                               "held in a browser."});
+             openUpdate(stage,
+                        UpdateFound{.version = "1.3",
+                                    .releaseNotes =
+                                        "Changes\n\n• The lowest brightness is now darker.\n• "
+                                        "Breaks now wait for the end of a meeting that is "
+                                        "held in a browser."});
          }},
         {"update-download",
          [](Stage& stage) { openUpdate(stage, UpdateDownload{.version = "1.3"}); }},
@@ -366,7 +367,7 @@ int main(int argumentCount, char** arguments) {
     }
     const auto documents = QString::fromLocal8Bit(arguments[1]);
     const auto sheets = QString::fromLocal8Bit(arguments[2]);
-    setenv("TZ", "UTC0", 1); // the same pictures on every machine
+    setenv("TZ", "UTC0", 1); // independent of the time zone of the machine
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     const QApplication application(argumentCount, arguments);
     QDir().mkpath(sheets);

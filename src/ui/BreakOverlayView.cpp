@@ -43,7 +43,7 @@ constexpr qreal footnoteScale = 10.0 / 13;
 
 constexpr Duration movementDuration = 1s;
 constexpr int movementSteps = 30;
-constexpr std::int64_t tellingInterval = 10; // seconds
+constexpr std::int64_t announcementInterval = 10; // seconds
 
 QColor withOpacity(QColor color, qreal opacity) {
     color.setAlphaF(static_cast<float>(opacity));
@@ -98,7 +98,7 @@ void BreakProgressRing::setProgress(double progress) {
 void BreakProgressRing::setSeconds(std::int64_t seconds) {
     seconds_ = seconds;
     update();
-    if (seconds % tellingInterval == 0) {
+    if (seconds % announcementInterval == 0) {
         announceSeconds();
     }
 }

@@ -22,7 +22,7 @@ std::int64_t secondsLeft(const BreakState& state);
 double breakProgress(double remaining, double duration);
 
 /// The ring that fills up during the break, with the remaining seconds in its center. It announces
-/// these to screen readers every ten seconds.
+/// the remaining time to screen readers every ten seconds.
 class BreakProgressRing final : public QWidget {
 public:
     explicit BreakProgressRing(std::int64_t seconds);

@@ -15,7 +15,7 @@ double contrastRatio(const QColor& a, const QColor& b);
 inline constexpr double readableContrast = 4.5;
 inline constexpr double visibleContrast = 3;
 
-/// An amber for shapes, as bright as possible while its contrast with the window is visible.
+/// An amber for shapes, as bright as possible while still visible against the window.
 QColor accentColor(const QPalette& palette);
 
 /// A color for text on the accent color.

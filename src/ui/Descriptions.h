@@ -10,7 +10,7 @@
 
 namespace nocta {
 
-// Texts that describe a value, in the user's language.
+// Functions that describe a value in the user's language.
 
 /// Formats a fraction as a whole percentage, truncated: 0.755 gives "75%".
 QString percentage(double fraction);
@@ -28,7 +28,8 @@ QString warmthWord(double warmth);
 /// Formats the completed breaks as a whole percentage of all breaks, or 0% if there were none.
 QString completionRate(const BreakStatistics& statistics);
 
-/// Explains where the times of sunrise and sunset come from. The text depends only on the setting.
+/// Explains where the times of sunrise and sunset come from. The result depends only on the
+/// setting.
 QString sunTimesLine(bool locationEnabled);
 
 /// Clamps the number to the range of int, for plural forms.

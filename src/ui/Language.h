@@ -6,7 +6,7 @@
 namespace nocta {
 
 /// Installs the translations of the program and of the toolkit for a language, and removes them
-/// when it is destroyed. A text without a translation is shown in English.
+/// when it is destroyed. A string without a translation is shown in English.
 class Language {
 public:
     explicit Language(const QLocale& locale = QLocale());

@@ -37,7 +37,7 @@ QString missingForLocation(SharedInstances& instances) {
 QString missingForUpdates(SharedInstances& instances) {
     switch (instances.desktop().updater.availability()) {
     case Updater::Availability::noFeed:
-        return Text::tr("This build of Nocta does not know where to look for updates.");
+        return Text::tr("This build of Nocta has no address for updates.");
     case Updater::Availability::packageManager:
         return Text::tr("The system's package manager updates Nocta.");
     default:

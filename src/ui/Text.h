@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// Translates the texts on screen. `Text::tr` translates the texts of the views. `Text::of`
-/// translates English texts from services and ports up to ": "; the details after it are not
+/// Translates the strings on screen. `Text::tr` translates the strings of the views. `Text::of`
+/// translates English strings from services and ports up to ": "; the details after it are not
 /// translated. Both functions use one context, so that each language needs only one file.
 ///
 ///     new Label(Text::tr("Warmth"));

@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// A flat button with a symbol above a small text.
+/// A flat button with a symbol above a small label.
 class FooterButton final : public Button {
 public:
     FooterButton(QString symbol, const QString& text);

@@ -13,7 +13,7 @@ enum class TextStyle {
     note,      ///< small, in the secondary color, wrapped
 };
 
-/// A text in the desktop's font and colors. It updates when they change.
+/// Text in the desktop's font and colors. It updates when they change.
 class Label final : public QLabel {
 public:
     explicit Label(const QString& text, TextStyle style = TextStyle::body);

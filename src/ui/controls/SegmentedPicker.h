@@ -11,7 +11,8 @@
 
 namespace nocta {
 
-/// The content of a segment: either a text, or the name of a symbol and a text for screen readers.
+/// The content of a segment: either a label, or the name of a symbol and a label for screen
+/// readers.
 struct SegmentLook {
     QString text;
     QString symbol{};

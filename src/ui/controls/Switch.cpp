@@ -11,9 +11,9 @@
 namespace nocta {
 
 namespace {
-constexpr int trackWidth = 34; // points, without the text
+constexpr int trackWidth = 34; // points, without the label
 constexpr int trackHeight = 20;
-constexpr int gap = 8; // between text and switch
+constexpr int gap = 8; // between label and switch
 constexpr qreal knobInset = 2;
 constexpr double offPart = 0.45; // fraction of the text color in the track
 constexpr qreal disabledOpacity = 0.4;

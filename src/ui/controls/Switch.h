@@ -4,7 +4,7 @@
 
 namespace nocta {
 
-/// A toggle that shows a text and then a switch. A click anywhere on it toggles the switch.
+/// A toggle that shows a label and then a switch. A click anywhere on it toggles the switch.
 class Switch final : public QCheckBox {
 public:
     explicit Switch(const QString& text);

@@ -15,7 +15,7 @@ namespace {
 constexpr qreal trackHeight = 6; // points
 constexpr qreal knobSize = 18;
 constexpr qreal reach = knobSize / 2 + focusRingRoom; // from the end of the slider to the knob
-constexpr int least = 100;                            // the width at which 1 % is 1 point
+constexpr int least = 100;                            // the width at which 1% is 1 point
 constexpr int pageStepSize = 10;                      // percent
 constexpr qreal disabledOpacity = 0.4;
 } // namespace

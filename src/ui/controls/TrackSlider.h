@@ -5,8 +5,8 @@
 namespace nocta {
 
 /// A horizontal slider in whole percent with a knob on a track, which a subclass paints. Pressing
-/// the mouse button anywhere on the slider moves the knob there. The arrow keys move the knob by 1
-/// %, the page keys by 10 %, and the wheel by 1 % per line.
+/// the mouse button anywhere on the slider moves the knob there. The arrow keys move the knob by
+/// 1%, the page keys by 10%, and the wheel by 1% per line.
 class TrackSlider : public QSlider {
 public:
     /// `name` is for screen readers.

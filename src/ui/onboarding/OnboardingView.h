@@ -11,7 +11,7 @@
 namespace nocta {
 
 /// Guides the user through the first launch in four steps. Every choice takes effect immediately,
-/// so the user loses nothing by leaving early.
+/// so closing the window early loses nothing.
 class OnboardingView final : public QWidget {
 public:
     OnboardingView(SharedInstances& instances, std::function<void()> onComplete);

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// Shows the feedback form, and a thank-you after the user has sent it.
+/// Shows the feedback form, and a thank-you message after the user has sent it.
 class FeedbackPreferencesView final : public QWidget {
 public:
     explicit FeedbackPreferencesView(FeedbackService& service);
