@@ -317,7 +317,7 @@ TEST(X11GammaOutput, OutputRemovedBeforeAWriteDoesNotAffectOthers) {
     session.server.plugSecondOutput();
     ASSERT_TRUE(serveUntil([&] { return session.list().size() == 2; }));
     const auto list = session.list();
-    session.server.unplugSecondOutput(); // the program does not know this yet
+    session.server.unplugSecondOutput(); // before the program reads the event
     session.set(list[1], X11Session::tables({0.5F, 0.5F, 0.5F}));
     EXPECT_EQ(session.set(list[0], X11Session::tables({0.5F, 0.5F, 0.5F})), statusSuccess);
     EXPECT_NEAR(session.client.top(session.client.crtcOf(list[0])), 0.5 * 65280 / 65535, 2e-5);
@@ -405,7 +405,7 @@ TEST_F(CalibrationTest, CalibrationLoadedWhileADisplayIsOffIsUsed) {
 
 TEST_F(CalibrationTest, CalibrationLoadedWhenADisplayReturnsIsUsed) {
     session.server.unplugSecondOutput();
-    session.server.plugSecondOutput(); // before the program has noticed that the output was gone
+    session.server.plugSecondOutput(); // before the program detects that the output was removed
     session.client.setRamp(crtc, second);
     session.connection.synchronize();
     QCoreApplication::processEvents();
