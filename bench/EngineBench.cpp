@@ -26,7 +26,7 @@ void plugDisplays(VirtualDesktop& desktop) {
     }
 }
 
-/// Only stores as many bytes as three tables have: the lower limit for building them.
+/// Only stores as many bytes as three tables contain, as a lower bound for building them.
 void storeThreeTables(benchmark::State& state) {
     float value = 0;
     for (auto _ : state) {

@@ -28,9 +28,9 @@ constexpr int goodBus = -2;
 constexpr auto watched = 4s; // the popover opens after two seconds
 
 /// Measures the time from the start of the process until the screen is dimmed, and the longest time
-/// from a brightness key to the gamma ramp while the popover opens. The argument selects how the
-/// session bus and the system bus behave: there is none, they work, or they stop answering after
-/// this point.
+/// from a brightness key to the gamma ramp while the popover opens. The argument selects the
+/// behavior of the session bus and the system bus: both are missing, both work, or both stop
+/// answering after the given step.
 void startBesideBuses(benchmark::State& state) {
     const XServer server(XServer::Kind::xorgDummy);
     XClient client;

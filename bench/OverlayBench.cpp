@@ -42,8 +42,8 @@ void useOutputs(const XServer& server, std::int64_t count) {
     });
 }
 
-/// Measures the time from the start of a break until another client sees every window mapped and
-/// painted once.
+/// Measures the time from the start of a break until every window is mapped and has been painted
+/// once, as observed by another client.
 void breakStartToLastWindow(benchmark::State& state, const XServer& server) {
     useOutputs(server, state.range(0));
     XClient client;
@@ -77,7 +77,7 @@ void breakStartToLastWindow(benchmark::State& state, const XServer& server) {
     }
 }
 
-/// Measures how long a whole fade-in takes, and how many of its 24 steps a waiting client sees.
+/// Measures how long a whole fade-in takes, and how many of its 24 steps another client observes.
 void fadeIn(benchmark::State& state, const XServer& server) {
     useOutputs(server, 1);
     XClient client;

@@ -1,4 +1,4 @@
-// Measures painting a virtual display as the eye would see it.
+// Measures painting a virtual display as the user would see it.
 
 #include "backends/virtual/VirtualDesktop.h"
 #include "tour/DisplayPipeline.h"

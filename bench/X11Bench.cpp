@@ -134,7 +134,7 @@ double processorSeconds() {
 }
 
 /// Measures the processor time that this process uses from the moment automatic warmth is switched
-/// until the fifteenth step of the transition has been sent, at its normal speed.
+/// on or off until the fifteenth step of the transition has been sent, at its normal speed.
 void glideToServer(benchmark::State& state) {
     SessionOnX11 session(state.range(0));
     auto& settings = session.instances.settingsManager();
@@ -351,7 +351,8 @@ private:
     std::unique_ptr<Process> nocta_;
 };
 
-/// Measures the time from a click on the icon until another client sees the popover's slider.
+/// Measures the time from a click on the icon until the popover's slider is visible to another
+/// client.
 void clickToPopover(benchmark::State& state) {
     Person person;
     person.openPopover(); // so that the fonts are loaded

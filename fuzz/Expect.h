@@ -5,10 +5,10 @@
 
 namespace nocta {
 
-/// Aborts if a promise is broken. The fuzzer records that like any other crash.
-inline void expect(bool holds, const char* promise) {
-    if (!holds) {
-        std::fprintf(stderr, "broken promise: %s\n", promise);
+/// Aborts if an expectation is not met. The fuzzer records that like any other crash.
+inline void expect(bool isMet, const char* expectation) {
+    if (!isMet) {
+        std::fprintf(stderr, "expectation not met: %s\n", expectation);
         std::abort();
     }
 }

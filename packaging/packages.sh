@@ -1,8 +1,7 @@
 # Sourced by ./run, ./check and ./package from the top of the tree.
 
 # install_packages STAGE...: installs the packages that packages.txt marks with one of the stages
-# and that are missing. It remembers a list that is installed, so that the next call can skip the
-# check.
+# and that are missing. It records the installed list, so that the next call can skip the check.
 install_packages() {
     local stages wanted missing stamp as_root=()
     stages=$(IFS='|'; echo "$*")

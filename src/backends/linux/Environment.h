@@ -5,7 +5,7 @@
 
 namespace nocta {
 
-/// An environment variable of the process; empty if it is not set.
+/// The value of an environment variable; empty if it is not set.
 inline std::string environment(const char* name) {
     const auto* const value = std::getenv(name);
     return value == nullptr ? "" : value;

@@ -2,8 +2,8 @@
 
 namespace nocta {
 
-/// A way to turn the whole screen of this session gray. The earlier colors return when the filter
-/// is switched off or destroyed, and when the process dies.
+/// Turns the whole screen of this session gray. The previous colors return when the filter is
+/// switched off or destroyed, and when the process dies.
 class GrayscaleFilter {
 public:
     virtual ~GrayscaleFilter() = default;

@@ -67,7 +67,7 @@ std::filesystem::path settingsFile() {
     return configFolder() / "nocta" / "nocta.conf";
 }
 
-/// The folder for data that Nocta remembers but that is not a setting.
+/// The folder for persistent data other than settings.
 std::filesystem::path stateFolder() {
     return baseDirectory("XDG_STATE_HOME", ".local/state") / "nocta";
 }
@@ -76,7 +76,7 @@ std::filesystem::path stateFolder() {
 std::filesystem::path runtimeFolder() {
     const std::filesystem::path folder = environment("XDG_RUNTIME_DIR");
     if (folder.is_absolute()) {
-        createPrivateFolders(folder); // as Qt will; every start must use the same folder
+        createPrivateFolders(folder); // Qt does this later; every start must use the same folder
     }
     return folder.is_absolute() && isPrivateFolder(folder) ? folder : stateFolder();
 }
@@ -93,7 +93,8 @@ bool hasEnoughDescriptors() {
 }
 
 /// Opens /dev/null for each standard stream that the parent process closed. Otherwise the next file
-/// or connection would get its number, along with everything printed to it.
+/// or connection would get the stream's number, and everything printed to the stream would go
+/// there.
 void keepStandardStreams() {
     int descriptor = open("/dev/null", O_RDWR);
     while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
@@ -102,7 +103,7 @@ void keepStandardStreams() {
     close(descriptor);
 }
 
-/// The address of the accessibility bus that the X server publishes, or empty if it publishes none.
+/// Returns the address of the accessibility bus that the X server publishes, or an empty string.
 std::string accessibilityBus(X11Connection& connection) {
     constexpr std::uint32_t maxLength = 256; // in units of four bytes
     auto* const x = connection.get();

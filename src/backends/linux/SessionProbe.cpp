@@ -51,8 +51,8 @@ bool canConnectToWayland() {
     return connect(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
-/// Whether Qt can run on Wayland, or was told to run on something else. Its plugin for Wayland is
-/// in a package of its own, and Qt aborts if it finds no plugin.
+/// Whether Qt can run on Wayland, or was told to run on something else. Qt's Wayland plugin is in a
+/// separate package, and Qt aborts if it finds no plugin.
 bool hasQtForWayland() {
     const auto folders = QCoreApplication::libraryPaths();
     return !environment("QT_QPA_PLATFORM").empty() ||
@@ -77,7 +77,7 @@ SessionPorts probeX11(const SessionContext& context) {
     if (displays->isEmulation()) {
         std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
         ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();
-        // This X server sees keys only while an X window has the focus.
+        // This X server receives key events only while an X window has the focus.
         ports.keyEvents = std::make_unique<UnavailableKeyEvents>();
     } else {
         auto keyEvents = std::make_unique<X11KeyEvents>(*ports.x11, context.runLoop);
@@ -120,8 +120,8 @@ SessionPorts probeWayland(const SessionContext& context) {
         std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
         ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();
     }
-    ports.keyEvents = std::make_unique<UnavailableKeyEvents>(); // compositors keep them
-    // Without the protocol for it, it reports no applications.
+    ports.keyEvents = std::make_unique<UnavailableKeyEvents>(); // not observable on Wayland
+    // If the compositor lacks the protocol, this reports no applications.
     ports.workspace = std::make_unique<ToplevelWorkspace>(
         *ports.wayland, *displays, context.runLoop, context.shouldReduceMotion);
     ports.outputName = [names = displays.get()](DisplayId id) { return names->outputName(id); };

@@ -21,18 +21,19 @@
 
 namespace nocta {
 
-/// What shows Nocta's windows.
+/// The window system that shows Nocta's windows.
 enum class WindowSystem { x11, wayland };
 
-/// Chooses the window system of this session. With a Wayland compositor, X is left alone, because
-/// connecting to it would start an Xwayland that nobody may need; except on GNOME, whose compositor
-/// lets only X clients cover the screen. If no window can be shown, this prints the reason.
+/// Chooses the window system of this session. If there is a Wayland compositor, this does not
+/// connect to X, because that could start an Xwayland that no other program needs. GNOME is the
+/// exception, because its compositor lets only X clients cover the screen. If no window can be
+/// shown, this prints the reason.
 std::optional<WindowSystem> probeWindowSystem();
 
 /// The canonical name of the display server.
 std::string serverName(WindowSystem system);
 
-/// The name by which Qt knows the window system; empty if the user has chosen one for Qt.
+/// Qt's name for the window system; empty if the user has chosen one for Qt.
 std::string qtPlatform(WindowSystem system);
 
 /// The ports that depend on the display server: displays, gamma, grayscale, keys and applications.
@@ -49,11 +50,11 @@ struct SessionPorts {
     const Typing* typing = nullptr; ///< null if keys cannot be observed
     std::unique_ptr<Workspace> workspace;
 
-    /// Calls back, after printing a line, when the display server is gone.
+    /// When the connection to the display server is lost, prints a line and calls `lost`.
     void observeLoss(const std::function<void()>& lost) const;
 };
 
-/// What the ports need from the rest of the desktop.
+/// The parts of the desktop that the ports depend on.
 struct SessionContext {
     RunLoop& runLoop;
     NotificationCenter& notificationCenter;
@@ -62,8 +63,8 @@ struct SessionContext {
     std::filesystem::path magnifierState; ///< a file
 };
 
-/// Makes the ports that this session supports. What the display server offers decides, not the name
-/// of the desktop.
+/// Makes the ports that this session supports. The choice depends on what the display server
+/// offers, not on the name of the desktop.
 SessionPorts probeSession(WindowSystem system, const SessionContext& context);
 
 } // namespace nocta

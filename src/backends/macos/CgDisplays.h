@@ -15,7 +15,7 @@ public:
         : screenParameters_(passOn(NSApplicationDidChangeScreenParametersNotification,
                                    notificationCenter, didChangeScreenParametersNotification)) {}
 
-    /// CoreGraphics returns the count if it gets no space for a list.
+    /// CoreGraphics returns only the count if `ids` is empty.
     Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) override {
         const CGError error = CGGetActiveDisplayList(static_cast<std::uint32_t>(ids.size()),
                                                      ids.empty() ? nullptr : ids.data(), &count);

@@ -22,7 +22,7 @@
 namespace nocta {
 
 /// Sparkle's standard updater, with its own windows. Its feed and its key are in Info.plist. Until
-/// it is started nothing is checked, and every setting reads as off.
+/// it is started, it checks nothing, and every setting is off.
 class MacUpdater final : public Updater {
 public:
     MacUpdater() = default;

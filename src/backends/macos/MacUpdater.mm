@@ -6,8 +6,8 @@
 
 /// Nobody reads the standard error of a program that was started from its icon, so errors go only
 /// to the log. Sparkle also ends a cycle with an error when there is no update or the user
-/// postpones one. These errors are logged too, because someone who is looking for a missing update
-/// wants to see every cycle.
+/// postpones one. These errors are logged too, because every cycle matters when a missing update is
+/// investigated.
 - (void)updater:(SPUUpdater*)source
     didFinishUpdateCycleForUpdateCheck:(SPUUpdateCheck)updateCheck
                                  error:(NSError*)error {

@@ -11,7 +11,7 @@
 namespace nocta {
 
 /// The main run loop in its common modes, so that timers and posts continue while a menu or a modal
-/// panel is open. Qt runs the same loop, so nothing has to be forwarded to Qt, and it also serves
+/// panel is open. Qt runs the same loop, so nothing has to be forwarded to Qt. The loop also serves
 /// Sparkle, the event tap and the notification centers.
 class MainRunLoop final : public RunLoop {
 public:

@@ -20,10 +20,10 @@ static_assert(notificationAlert == UNAuthorizationOptionAlert);
 static_assert(notificationSound == UNNotificationPresentationOptionSound);
 static_assert(notificationBanner == UNNotificationPresentationOptionBanner);
 
-/// Uses UNUserNotificationCenter, which answers on its own threads; everything is moved to the run
-/// loop. A program without a bundle, such as a development build, has no notification center:
-/// asking for it would throw and end the program. In that case nothing is shown and nothing is
-/// allowed.
+/// Uses UNUserNotificationCenter, which answers on its own threads; this class moves all answers to
+/// the run loop. A program without a bundle, such as a development build, has no notification
+/// center: asking for it would throw and end the program. In that case nothing is shown and nothing
+/// is allowed.
 class UserNotifications final : public UserNotificationCenter {
 public:
     explicit UserNotifications(RunLoop& runLoop) { delegate_.runLoop = &runLoop; }

@@ -9,9 +9,9 @@
 
 namespace nocta {
 
-/// Gives its content as much space as it needs. If the screen is too small for that, it scrolls. It
-/// fills a window with a title bar, which owns it. The window does not own the content, which is
-/// destroyed first.
+/// Gives its content as much space as the content needs, or scrolls it if the screen is too small.
+/// The scroller fills a window with a title bar and is owned by that window. The window does not
+/// own the content, which is destroyed first.
 class Scroller final : public QScrollArea {
 public:
     explicit Scroller(QWidget& content) {

@@ -22,7 +22,7 @@
 namespace nocta {
 
 /// A whole desktop in memory. A test controls its parts as a user would (it plugs in a display,
-/// presses a key, lets time pass) and checks them. The program sees only the ports.
+/// presses a key, lets time pass) and checks them. The program has access only to the ports.
 ///
 ///     VirtualDesktop desktop;
 ///     desktop.displays.plug({.id = 1, .isBuiltIn = true, .isMain = true});

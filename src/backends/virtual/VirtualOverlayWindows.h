@@ -30,7 +30,7 @@ public:
 
     // For tests: what the user does and sees.
     std::vector<Shown> windows() const;
-    /// The screen whose window has keyboard focus; none if no window of the program has focus.
+    /// The screen whose window has keyboard focus; empty if no window of the program has focus.
     std::optional<std::uint64_t> keyScreen;
     /// Presses a key. Returns whether the focused window gets the event. It does not get it if a
     /// monitor swallows it, or if the user has been typing since before the first window appeared.
@@ -56,7 +56,7 @@ private:
     const VirtualDisplays& displays_;
     std::list<Window*> windows_;
     Typing typing_;
-    std::optional<MonotonicTime> shownSince_; ///< none if no window is on screen
+    std::optional<MonotonicTime> shownSince_; ///< empty if no window is on screen
     CallbackList<Press> monitors_;
 };
 

@@ -10,13 +10,13 @@ namespace nocta {
 
 namespace {
 
-/// Names are in lowercase, because applications change the case of their names between releases. A
-/// Snap has its own name before the name of the application, with an underscore between them.
+/// Names are in lowercase, because applications change the case of their names between releases. In
+/// a Snap, the name of the Snap and an underscore come before the name of the application.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 23> bundleIdentifiers = {{
     {"zoom", "us.zoom.xos"},
     {"us.zoom.zoom", "us.zoom.xos"},
     {"zoom-client_zoom-client", "us.zoom.xos"},
-    // Release channels and the maker's other browsers have their own names.
+    // Release channels and the vendor's other browsers have different names.
     {"google-chrome", "com.google.Chrome"},
     {"com.google.chrome", "com.google.Chrome"},
     {"teams", "com.microsoft.teams"},

@@ -7,7 +7,8 @@
 
 namespace nocta {
 
-/// What a window reports about its application. A member is empty if the window does not report it.
+/// The properties by which a window identifies its application. A member is empty if the window
+/// does not report it.
 struct ApplicationIdentity {
     std::string flatpak;     ///< the ID of its Flatpak sandbox
     std::string desktopFile; ///< the ID of its desktop file, or the file's path

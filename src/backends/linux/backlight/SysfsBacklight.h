@@ -28,7 +28,7 @@ public:
     Status setBrightness(DisplayId display, float level) override;
 
 private:
-    /// Looks up the device each time, because drivers come and go.
+    /// Looks up the device each time, because drivers may be loaded and unloaded.
     std::optional<std::filesystem::path> device(DisplayId display) const;
 
     Displays& displays_;

@@ -73,7 +73,7 @@ FileDescriptor connected(std::string_view address) {
     return socket;
 }
 
-/// The EXTERNAL mechanism names the user by the digits of the user ID, each in hexadecimal.
+/// The EXTERNAL mechanism identifies the user by the digits of the user ID, each in hexadecimal.
 std::string greeting() {
     std::string text(1, '\0'); // required first; some systems attach credentials to it
     text += "AUTH EXTERNAL ";

@@ -22,7 +22,7 @@ namespace nocta {
 class BusProbe {
 public:
     enum class State {
-        pending,  ///< not answered yet, perhaps never
+        pending,  ///< no answer yet
         answered, ///< an error counts as an answer
         failed    ///< nothing is listening there, or it is not a message bus that accepts this user
     };

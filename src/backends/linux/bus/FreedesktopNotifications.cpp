@@ -146,7 +146,7 @@ void FreedesktopNotifications::show(const UserNotification& notification,
                 shown_.emplace(owner, id.value());
             }
         },
-        noTimeout); // we need the ID even of a notification that is shown late
+        noTimeout); // the ID is needed even if the notification is shown late
 }
 
 } // namespace nocta

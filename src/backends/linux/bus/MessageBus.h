@@ -35,7 +35,7 @@ public:
     std::string address() const { return keptAddress_ ? *keptAddress_ : environmentAddress_(); }
     void keepAddress() { keptAddress_ = address(); }
 
-    /// Whether the bus still owes an answer.
+    /// Whether an answer from the bus is still outstanding.
     bool isMute() const { return isExpected_; }
 
     /// The connection is not open while the bus is missing. After the first call, it is opened as
@@ -54,7 +54,7 @@ private:
     std::optional<std::string> keptAddress_;
     std::unique_ptr<BusProbe> probe_;
     std::chrono::steady_clock::time_point askedAt_;
-    bool isExpected_ = false; ///< the event loop will see the answer
+    bool isExpected_ = false; ///< the event loop will receive the answer
     CallbackList<QDBusConnection> observers_;
 };
 

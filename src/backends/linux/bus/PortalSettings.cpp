@@ -16,8 +16,8 @@ const auto path = QStringLiteral("/org/freedesktop/portal/desktop");
 const auto interface = QStringLiteral("org.freedesktop.portal.Settings");
 } // namespace
 
-PortalSettings::PortalSettings(QStringList namespaces, std::function<void(Settings)> told)
-    : namespaces_(std::move(namespaces)), changed_(std::move(told)) {
+PortalSettings::PortalSettings(QStringList namespaces, std::function<void(Settings)> changed)
+    : namespaces_(std::move(namespaces)), changed_(std::move(changed)) {
     portal_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
     portal_.addWatchedService(service);
     QObject::connect(&portal_, &QDBusServiceWatcher::serviceRegistered,

@@ -21,9 +21,9 @@ class PortalSettings {
 public:
     using Settings = QMap<QString, QVariantMap>; ///< by namespace and key
 
-    /// Calls `told` with the settings of these namespaces when they are known, and after each
+    /// Calls `changed` with the settings of these namespaces when they are known, and after each
     /// change, but never before this constructor returns.
-    PortalSettings(QStringList namespaces, std::function<void(Settings)> told);
+    PortalSettings(QStringList namespaces, std::function<void(Settings)> changed);
     PortalSettings(const PortalSettings&) = delete;
     PortalSettings& operator=(const PortalSettings&) = delete;
 

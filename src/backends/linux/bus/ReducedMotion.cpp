@@ -4,8 +4,8 @@ namespace nocta {
 
 namespace {
 
-// The portal's namespaces: desktops keep the setting in the first one. Desktops without the setting
-// keep a switch for animations in the second one.
+// The portal's namespaces. The first contains the setting. The second contains a switch for
+// animations, for desktops that do not have the setting.
 const auto appearance = QStringLiteral("org.freedesktop.appearance");
 const auto gnomeInterface = QStringLiteral("org.gnome.desktop.interface");
 

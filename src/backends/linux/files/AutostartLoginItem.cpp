@@ -84,7 +84,7 @@ std::optional<std::string> AutostartLoginItem::registerItem() {
     set("Exec", execArgument(program_));
     set("Terminal", "false");
     g_autofree char* text = g_key_file_to_data(entry, nullptr, nullptr);
-    QSaveFile file(QString::fromStdString(entry_.string())); // replaces in one step
+    QSaveFile file(QString::fromStdString(entry_.string())); // replaces the file atomically
     // Some write errors occur only when the buffer is flushed, and `commit` does not report them.
     if (!file.open(QIODevice::WriteOnly) || file.write(text) < 0 || !file.flush() ||
         !file.commit()) {

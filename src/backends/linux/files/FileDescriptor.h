@@ -5,7 +5,7 @@
 
 namespace nocta {
 
-/// Owns a file descriptor; -1 owns nothing.
+/// Owns a file descriptor, or nothing if the descriptor is -1.
 class FileDescriptor {
 public:
     FileDescriptor() = default;

@@ -26,10 +26,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Much more than all settings and any sections of other programs need.
+/// Far more than all settings and the sections of other programs need.
 constexpr std::size_t maxFileSize = 1 << 20; // bytes
 
-/// In the name of a temporary file, before the ID of the process that writes it.
+/// Precedes the ID of the writing process in the name of a temporary file.
 constexpr auto temporaryMark = ".new-";
 
 bool writeAll(int file, std::string_view text) {
@@ -43,7 +43,7 @@ bool writeAll(int file, std::string_view text) {
     return true;
 }
 
-/// Whether this is one of our temporary files whose writer is gone. The name is `prefix`, the
+/// Whether this is one of our temporary files whose writer has exited. The name is `prefix`, the
 /// writer's process ID, a dash and six characters.
 bool isLeftTemporary(const std::filesystem::path& path, std::string_view prefix) {
     const auto name = path.filename().string();
@@ -166,7 +166,7 @@ void IniDefaultsStore::writeChanges() {
     // sets the key again. If the lock's holder is suspended, only the first write waits for it.
     const FileLock lock(lockFile());
     isLockFree_ = lock.acquire(isLockFree_ ? lockTimeout_ : 0ms);
-    // If the file is missing or damaged, we write what this process knows.
+    // If the file is missing or damaged, we write the values in this process's memory.
     if (auto content = read(); !content.isMissing && !content.isDamaged) {
         document_ = std::move(content.document);
     }

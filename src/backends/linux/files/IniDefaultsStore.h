@@ -23,7 +23,7 @@ namespace nocta {
 ///
 /// A file that cannot be read as INI is moved aside at the first write, under an unused name; the
 /// values that could be read from it are used. If the file cannot be written, the values stay in
-/// memory, and standard error gets one line about it, once.
+/// memory, and one line about it is printed to standard error.
 ///
 /// The values in memory are those from the start plus this process's own changes. Changes that
 /// another process writes to the file take effect at the next start. A write changes only the keys

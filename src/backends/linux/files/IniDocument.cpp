@@ -45,7 +45,7 @@ std::optional<Number> parseNumber(std::string_view text, Base... base) {
     return number;
 }
 
-/// The text between quotes, or nothing if it is not quoted the way this class quotes.
+/// The text between quotes, or nothing if it is not quoted in the format of this class.
 std::optional<std::string> parseQuoted(std::string_view text) {
     if (text.size() < 2 || text.front() != '"' || text.back() != '"') {
         return std::nullopt;

@@ -8,9 +8,10 @@
 
 namespace nocta {
 
-/// The text of an INI file. A damaged line makes only that line unreadable; GLib's key files and
-/// Qt's settings lose more. The keys under [General] (or before any section) are ours. Everything
-/// else, including other sections and comments, stays in place when the text is written back.
+/// The text of an INI file. A damaged line makes only that line unreadable; with GLib's key files
+/// or Qt's settings, more would be lost. The keys under [General] (or before any section) are ours.
+/// Everything else, including other sections and comments, stays in place when the text is written
+/// back.
 ///
 /// Values are `true`, `false`, numbers in C notation, and text. Text that would be read as
 /// something else is written in double quotes with the escapes \\, \", \n, \r, \t and \xHH. Data
@@ -20,11 +21,11 @@ public:
     /// Parses any text, and reads as much of it as possible.
     static IniDocument parse(std::string_view text);
 
-    /// Returns false if some line is not blank, a comment, a section or an assignment, or if the
-    /// text is not plain text at all.
+    /// Returns false if any line is not blank, a comment, a section or an assignment, or if the
+    /// input is not plain text.
     bool isWellFormed() const { return isWellFormed_; }
 
-    /// Our keys. If one is assigned twice, the last one counts.
+    /// Our keys. If one is assigned twice, the last assignment counts.
     DefaultsMap values() const;
 
     void set(std::string_view key, const DefaultsValue& value);

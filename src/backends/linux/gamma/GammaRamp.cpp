@@ -41,7 +41,7 @@ std::vector<std::uint16_t> laidOver(std::span<const float> table,
         const auto position =
             size < 2 ? 1.0 : static_cast<double>(i) / static_cast<double>(size - 1);
         const auto level = interpolated(table, position);
-        const auto limited = level > 0 ? std::min(level, 1.0) : 0.0; // not a number gives 0
+        const auto limited = level > 0 ? std::min(level, 1.0) : 0.0; // NaN gives 0
         const auto output =
             calibration.empty() ? limited * highestLevel : interpolated(calibration, limited);
         ramp[i] = static_cast<std::uint16_t>(std::lround(output));

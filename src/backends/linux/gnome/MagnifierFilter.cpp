@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 
 constexpr auto programName = "nocta-magnifier";
 constexpr auto startTimeout = 2s;  // enough to start a process on a busy machine
-constexpr auto endTimeout = 500ms; // after that the helper finishes on its own
+constexpr auto endTimeout = 500ms; // after that, the helper finishes on its own
 constexpr int maxReplacements = 3;
 
 /// Whether the session's list of desktops, most specific first, means that GNOME Shell is running.

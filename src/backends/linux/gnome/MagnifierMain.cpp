@@ -1,8 +1,8 @@
 // nocta-magnifier: turns the screen of a GNOME session gray with the shell's magnifier, until the
-// Nocta that started it wants the colors back or dies. See `MagnifierProtocol.h` for the messages.
-// The first argument is the file in which it saves the user's settings while its own are in effect.
-// If that file exists at the start, an earlier helper was killed, and the settings in the file are
-// restored first.
+// Nocta that started it asks for the colors back or dies. See `MagnifierProtocol.h` for the
+// messages. The first argument is the file in which it saves the user's settings while its own are
+// in effect. If that file exists at the start, an earlier helper was killed, and the settings in
+// the file are restored first.
 
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/files/PrivateFolder.h"
@@ -80,7 +80,7 @@ bool isGray() {
     return isMagnifierOn() && g_settings_get_double(settings, withoutColor.key) == 0;
 }
 
-/// Sets a key. An empty text means that the user had not set a value, so it resets the key.
+/// Sets a key. An empty text resets the key, because the user had not set a value.
 void set(const char* schema, const char* key, const std::string& text) {
     g_autoptr(GSettings) settings = settingsWith(schema, key);
     if (settings == nullptr) {
@@ -150,8 +150,8 @@ void putBack(const std::string& stateFile) {
     unlink(stateFile.c_str());
 }
 
-/// Allows one helper at a time; a new one waits until the last one has exited. Held until the
-/// process exits.
+/// Takes the lock that allows only one helper at a time. A new helper waits until the previous one
+/// has exited. The lock is held until the process exits.
 FileDescriptor lock(const std::filesystem::path& folder) {
     createPrivateFolders(folder);
     FileDescriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));

@@ -13,10 +13,10 @@
 namespace nocta {
 
 /// The location manager on GeoClue 2. The service has no separate permission request: it decides
-/// whether a program may know the location when the program's client starts. So this class
-/// remembers a grant in a file, and after the next start the program gets a location without
-/// asking. After a refusal, the user is asked again in the next session at the earliest. The
-/// service is not contacted until there is a grant or a request.
+/// whether a program may use the location when the program's client starts. So this class remembers
+/// a grant in a file, and after the next start the program gets a location without asking. After a
+/// refusal, the user is asked again in the next session at the earliest. The service is not
+/// contacted until there is a grant or a request.
 class GeoClueLocationManager final : public LocationManager {
 public:
     /// `grantFile` exists while the user's last answer was yes.

@@ -120,7 +120,7 @@ private:
         case FetchKind::status:
             status_ = static_cast<int>(message.value);
             if (didReceiveData_ == nullptr) {
-                finish({.statusCode = status_}); // the caller does not want the body
+                finish({.statusCode = status_}); // the caller ignores the body
             }
             return sizeof message;
         case FetchKind::data:

@@ -8,8 +8,8 @@
 namespace nocta {
 
 /// Loads data from the network through nocta-fetch, with one process for each task. Only HTTPS with
-/// verified certificates is allowed. The memory of this process does not grow with what a server
-/// sends, in the header or the body.
+/// verified certificates is allowed. The memory of this process does not grow, no matter how much
+/// the server sends in the header or the body.
 class CurlUrlSession final : public UrlSession {
 public:
     /// `certificates` is a file of trusted authorities that replaces the system's.

@@ -1,6 +1,6 @@
 // nocta-fetch: downloads one address for Nocta and exits. Everything that a server sends is parsed
-// here first, in a process that has nothing to lose; Nocta reads the result as fast as it can
-// handle it.
+// here first, so that a flaw in that code does not affect Nocta's own process. Nocta reads the
+// result at its own speed.
 
 #include "backends/linux/network/FetchProtocol.h"
 #include "backends/linux/process/HelperProtocol.h"
@@ -159,7 +159,7 @@ int main(int argumentCount, char** arguments) {
     if (!isOfHelperProtocol(argumentCount, arguments)) {
         return otherProtocolStatus;
     }
-    prctl(PR_SET_PDEATHSIG, SIGKILL); // only that Nocta needs the answer
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // no other process needs the answer
     std::signal(SIGPIPE, SIG_IGN);
     curl_global_init(CURL_GLOBAL_DEFAULT);
     const auto request = nlohmann::json::parse(readAll(), nullptr, false);

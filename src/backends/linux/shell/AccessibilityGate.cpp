@@ -97,8 +97,8 @@ void AccessibilityGate::askRegistry(const std::string& bus, std::function<void()
         [next = std::move(next)](const BusProbe& /*probe*/) { next(); });
 }
 
-/// Asks the bus that the display server names. Qt also connects to this bus, even if it already
-/// knows another one.
+/// Asks the bus that the display server names. Qt also connects to this bus, even if it already has
+/// the address of another one.
 void AccessibilityGate::askServerBus() {
     askRegistry(serverBus_, [this] { open(); });
 }
@@ -110,7 +110,7 @@ void AccessibilityGate::open() {
     } else {
         unsetenv(variable);
     }
-    QAccessible::isActive(); // makes Qt connect while the answers are fresh
+    QAccessible::isActive(); // makes Qt connect right after the services have answered
 }
 
 } // namespace nocta

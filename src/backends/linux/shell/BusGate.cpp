@@ -23,7 +23,7 @@ constexpr auto noBus = "unix:path=/dev/null"; // connections are refused immedia
 constexpr auto inputMethodVariable = "QT_IM_MODULE";
 constexpr auto inputMethodsVariable = "QT_IM_MODULES"; // takes precedence in newer versions of Qt
 constexpr auto maxInputMethodWait = 100ms;
-constexpr auto inputMethodOfNobody = "compose"; // handles dead keys only, and needs no service
+constexpr auto fallbackInputMethod = "compose"; // handles dead keys only, and needs no service
 
 void setAddress(const std::string& address) {
     setenv(variable, address.c_str(), 1);
@@ -67,7 +67,7 @@ BusGate::BusGate() {
         return;
     }
     if (usesInputMethodPortal() && isInputMethodPortalMute(bus.address())) {
-        setenv(inputMethodVariable, inputMethodOfNobody, 1);
+        setenv(inputMethodVariable, fallbackInputMethod, 1);
         unsetenv(inputMethodsVariable);
     }
 }

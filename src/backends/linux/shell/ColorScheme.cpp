@@ -22,8 +22,8 @@ struct DarkColor {
     QRgb disabled;
 };
 
-/// Sets every role, so that none keeps its color from a light palette. The style derives edges and
-/// gradients from these colors, and expects the button color to be halfway between `Light` and
+/// Sets every role, so that no role keeps its color from a light palette. The style derives edges
+/// and gradients from these colors, and expects the button color to be halfway between `Light` and
 /// `Dark`.
 constexpr auto darkColors = std::to_array<DarkColor>({
     {QPalette::Window, 0x2a2a2a, 0x2a2a2a},      {QPalette::WindowText, 0xeeeeee, 0x8c8c8c},

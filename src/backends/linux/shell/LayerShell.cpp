@@ -20,7 +20,7 @@ namespace {
 constexpr std::uint32_t newestVersion = 4;
 constexpr std::uint32_t destroyVersion = 3;
 constexpr std::int32_t coverPanels = -1;
-// In points. A picture of this size fits in a Wayland buffer up to a scale factor of 3.
+// In points. A Wayland buffer can hold an image of this size up to a scale factor of 3.
 constexpr std::uint32_t maxLength = 16384;
 constexpr std::uint32_t maxArea = 1U << 25U;
 
@@ -42,7 +42,7 @@ wl_output* outputOf(const QScreen* screen) {
                                    "output", const_cast<QScreen*>(screen)));
 }
 
-/// An empty size if there can be no picture of the given one.
+/// Returns the size, or an empty size if no buffer can be that large.
 QSize checkedSize(std::uint32_t width, std::uint32_t height) {
     const auto fits = width <= maxLength && height <= maxLength && width * height <= maxArea;
     return fits ? QSize(static_cast<int>(width), static_cast<int>(height)) : QSize();
@@ -86,7 +86,7 @@ LayerShell::LayerShell() {
         .global_remove = [](void* /*data*/, wl_registry* /*registry*/, std::uint32_t /*name*/) {}};
     auto* const display =
         static_cast<wl_display*>(native().nativeResourceForIntegration("wl_display"));
-    // In a queue of its own, because Qt may not get its events in the middle of this.
+    // This uses a separate queue, because Qt must not receive its events during the round trip.
     auto* const queue = wl_display_create_queue(display);
     auto* const wrapper = static_cast<wl_display*>(wl_proxy_create_wrapper(display));
     wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(wrapper), queue);
@@ -135,7 +135,7 @@ LayerSurface::LayerSurface(const LayerShell& shell, QWidget& widget, const QScre
         widget_.resize(fillsWidth ? screen->geometry().width() : widget_.width(),
                        fillsHeight ? screen->geometry().height() : widget_.height());
     }
-    // The surface of a window that was shown before has gone with its window.
+    // Create a new surface even if the widget was shown before.
     if (auto* const window = widget_.windowHandle()) {
         window->destroy();
     }
@@ -174,13 +174,13 @@ void LayerSurface::setTakesKeyboard(bool takesKeyboard) {
     wl_surface_commit(surfaceOf(widget_.windowHandle()));
 }
 
-/// An empty size leaves the choice to the widget.
+/// If the size is empty, the widget keeps its size.
 void LayerSurface::configure(QSize size) {
     if (!size.isEmpty()) {
         widget_.resize(size);
     }
     widget_.show();
-    widget_.update(); // the compositor waits for a picture of this size
+    widget_.update(); // the compositor waits for a frame of this size
 }
 
 void LayerSurface::close() {

@@ -15,15 +15,16 @@ struct zwlr_layer_surface_v1_listener;
 
 namespace nocta {
 
-/// The compositor's layers above and below the ordinary windows, on Qt's connection. Qt itself does
-/// not know them.
+/// Access to the compositor's layers above and below the ordinary windows, over Qt's connection. Qt
+/// itself does not support them.
 class LayerShell {
 public:
-    /// Lets windows with Qt::BypassWindowManagerHint have a layer. Call this before Qt starts.
+    /// Allows windows with Qt::BypassWindowManagerHint to be shown in a layer. Call this before Qt
+    /// starts.
     static void prepare();
 
-    /// Asks the compositor, which Qt must already be connected to. Without Wayland there are no
-    /// layers.
+    /// Checks whether the compositor offers layers. Qt must already be connected to it. Without
+    /// Wayland, there are no layers.
     LayerShell();
     LayerShell(const LayerShell&) = delete;
     LayerShell& operator=(const LayerShell&) = delete;
@@ -38,22 +39,22 @@ private:
 };
 
 /// Shows a hidden top-level widget with Qt::BypassWindowManagerHint in a layer of one screen. The
-/// widget appears when the compositor has told its size. Destroying the surface hides the widget;
-/// closing the widget ends the surface.
+/// widget appears when the compositor has sent its size. Destroying the surface hides the widget;
+/// closing the widget releases the surface.
 class LayerSurface final : public QObject {
 public:
     enum class Layer : std::uint32_t { top = 2, overlay = 3 };
 
     struct Style {
         Layer layer = Layer::overlay;
-        bool takesKeyboard = false; ///< no other window then has the keyboard
+        bool takesKeyboard = false; ///< no other window then has keyboard focus
         Qt::Edges edges;            ///< the edges of the screen that the surface is attached to
         int margin = 0;             ///< the distance from `edges` in points; negative beyond them
         bool avoidsPanels = false;
     };
 
-    /// Between opposite `edges`, the surface gets the size of the screen; otherwise it has the
-    /// widget's. The compositor chooses the screen if `screen` is null.
+    /// If `edges` contains two opposite edges, the surface fills the screen between them; otherwise
+    /// it has the size of the widget. If `screen` is null, the compositor chooses the screen.
     LayerSurface(const LayerShell& shell, QWidget& widget, const QScreen* screen,
                  const Style& style);
     LayerSurface(const LayerSurface&) = delete;

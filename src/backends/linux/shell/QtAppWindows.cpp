@@ -28,7 +28,7 @@ Qt::WindowFlags flagsOf(const AppWindows::Style& style) {
     return flags;
 }
 
-/// Reports when the user has closed it.
+/// A widget that reports when the user has closed it.
 class ClosingWidget final : public QWidget {
 public:
     explicit ClosingWidget(std::function<void()> onClose) : onClose_(std::move(onClose)) {}

@@ -12,7 +12,8 @@ namespace nocta {
 /// Runs the process on Qt's event loop. SIGINT, SIGTERM, SIGHUP and the end of the session shut it
 /// down in an orderly way. If the user starts the program again, the running process is reopened.
 /// It is also reopened, once, if the desktop shows no tray, because otherwise the user would not
-/// see that the program is running. A panel that is still starting gets a moment first.
+/// see that the program is running. Before that, a panel that is still starting has a moment to
+/// show its tray.
 class QtApplication final : public Application {
 public:
     /// `hasTray` returns whether the desktop shows a tray now.

@@ -20,8 +20,8 @@ namespace nocta {
 
 namespace {
 
-/// The limit for each break. There is a limit because another program may insist on the focus as
-/// well.
+/// The limit for each break. Without a limit, two programs could take the focus from each other
+/// forever.
 constexpr int maxTakenBack = 10;
 
 /// The key code of a key that a monitor handles; -1 for all others.
@@ -166,7 +166,7 @@ private:
     AlphaFade fade_;
 };
 
-/// Sees every key press before the focused window does.
+/// Filters every key press before the focused window receives it.
 class QtOverlayWindows::KeyFilter final : public QObject {
 public:
     explicit KeyFilter(QtOverlayWindows& owner) : owner_(owner) {
@@ -233,8 +233,8 @@ QtOverlayWindows::addLocalMonitorForKeyDown(std::function<bool(const KeyDownEven
     });
 }
 
-/// The newest window is the one with the keyboard. The first takes it from a window of another
-/// program, and remembers that window.
+/// The newest window gets the keyboard focus. When the first window appears, this remembers which
+/// window of another program had the focus.
 void QtOverlayWindows::windowComes(Window& window) {
     std::erase(shown_, &window);
     for (auto* const other : shown_) {
@@ -288,8 +288,8 @@ std::optional<Rect> QtOverlayWindows::pixelsOf(const QScreen& screen) {
     return std::nullopt;
 }
 
-/// Qt does not know the windows of other programs: a null window means that one of them has the
-/// focus. A compositor with layers leaves it no choice.
+/// Qt does not track the windows of other programs, so a null window means that one of them has the
+/// focus. If the compositor offers layers, it keeps the focus on the overlay window by itself.
 void QtOverlayWindows::keyboardHasGoneTo(const QWindow* window) {
     if (window == nullptr && !layerShell_.isAvailable() && ++timesTakenBack_ <= maxTakenBack) {
         takeKeyboard();
@@ -302,8 +302,8 @@ void QtOverlayWindows::takeKeyboard() {
     }
 }
 
-/// The next window gets the keyboard. The last one returns it to the window that had it; if that
-/// window is gone, this does nothing.
+/// The next window gets the keyboard focus. The last window returns the focus to the window that
+/// had it before, if that window still exists.
 void QtOverlayWindows::windowGoes(Window& window) {
     if (std::erase(shown_, &window) == 0) {
         return;

@@ -20,13 +20,13 @@ namespace nocta {
 /// Overlay windows in Qt. On X11 they bypass the window manager, so that they cover their screens
 /// exactly, on every workspace and above full-screen windows, with any window manager or none. They
 /// take the keyboard focus themselves, and take it back if a window opens below them, so that the
-/// user does not type into a hidden window. When the last overlay window is hidden, it returns the
-/// focus to the window that had it before. Whatever the user was still typing when the overlay
-/// windows appeared is discarded. Without a compositor they are dark and opaque.
+/// user does not type into a hidden window. When the last overlay window is hidden, this class
+/// returns the focus to the window that had it before. Whatever the user was still typing when the
+/// overlay windows appeared is discarded. Without a compositor they are dark and opaque.
 ///
-/// On Wayland they are in the topmost layer, where the compositor offers layers, and it gives the
-/// newest of them the keyboard until they are gone. On other compositors each is an ordinary
-/// full-screen window.
+/// On Wayland, if the compositor offers layers, they are in the topmost layer, and the compositor
+/// gives the keyboard focus to the newest of them. On other compositors, each of them is an
+/// ordinary full-screen window.
 class QtOverlayWindows final : public OverlayWindows {
 public:
     /// `connection` and `typing` are null without an X server. Without `typing`, only the

@@ -30,7 +30,7 @@ constexpr auto attemptInterval = 10ms;
 /// The sticky bit protects the socket from cleanup of unused files in the runtime folder.
 constexpr mode_t socketMode = S_ISVTX | S_IRUSR | S_IWUSR;
 
-/// A server's name may be long and may be a path; the 64-bit FNV-1a hash of it is neither.
+/// The 64-bit FNV-1a hash of a server's name. The name itself may be long or contain slashes.
 std::string hashed(std::string_view text) {
     std::uint64_t hash = 0xcbf29ce484222325;
     for (const auto character : text) {

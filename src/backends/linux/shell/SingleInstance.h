@@ -19,8 +19,8 @@ namespace nocta {
 /// connects to the socket, and exits once it has an answer. If the first process is already
 /// exiting, the later one takes its place.
 ///
-/// If the folder cannot be used, every process counts as the first, and standard error gets one
-/// line about it.
+/// If the folder cannot be used, every process counts as the first, and one line about it is
+/// printed to standard error.
 class SingleInstance {
 public:
     enum class Role { first, answered, unanswered };

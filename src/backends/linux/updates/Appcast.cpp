@@ -18,7 +18,7 @@ constexpr auto sparkle = "http://www.andymatuschak.org/xml-namespaces/sparkle"_L
 constexpr qsizetype maxValueLength = 2048; // bytes; addresses are the longest values
 constexpr qsizetype maxVersionLength = 64;
 
-/// The trimmed text; empty if it is longer than any honest value.
+/// The trimmed text; empty if it is longer than any valid value.
 std::string value(QStringView text, qsizetype maxLength = maxValueLength) {
     const auto bytes = text.trimmed().toUtf8();
     return bytes.size() <= maxLength ? bytes.toStdString() : std::string();

@@ -86,8 +86,7 @@ std::optional<std::string> AppcastUpdater::startUpdater(DidFinishUpdateCycle did
     return std::nullopt;
 }
 
-/// Asks the user for permission on the second launch, because the first launch already shows enough
-/// that is new.
+/// Asks the user for permission on the second launch, to keep the first launch simple.
 void AppcastUpdater::begin() {
     removeOldFiles();
     if (memory_.record().checksAutomatically) {

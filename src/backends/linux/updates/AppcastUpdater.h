@@ -29,7 +29,7 @@ public:
 
     struct Places {
         std::filesystem::path memory;    ///< a file
-        std::filesystem::path downloads; ///< a folder with no other use
+        std::filesystem::path downloads; ///< a folder that is used for nothing else
     };
 
     AppcastUpdater(RunLoop& runLoop, UrlSession& urlSession, const Bundle& bundle,

@@ -11,7 +11,7 @@ namespace nocta {
 using Ed25519PublicKey = std::array<unsigned char, 32>;
 using Ed25519Signature = std::array<unsigned char, 64>;
 
-/// Decodes Base64. Returns nothing for a point that cannot be an honest key.
+/// Decodes Base64. Returns nothing for a point that cannot be a valid key.
 std::optional<Ed25519PublicKey> ed25519PublicKey(std::string_view base64);
 /// Decodes Base64.
 std::optional<Ed25519Signature> ed25519Signature(std::string_view base64);

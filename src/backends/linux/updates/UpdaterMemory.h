@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// What the updater remembers between runs.
+/// The data that the updater keeps between runs.
 struct UpdaterRecord {
     std::optional<bool> checksAutomatically{}; ///< empty until the user has decided
     bool downloadsAutomatically = false;

@@ -2,7 +2,7 @@
 
 #include <wayland-client.h>
 
-// One of the protocol's arguments has a name that C++ reserves.
+// One of the protocol's arguments is named `namespace`, which is a keyword in C++.
 #define namespace name_space
 #include <wlr-layer-shell-unstable-v1-client-protocol.h>
 #undef namespace

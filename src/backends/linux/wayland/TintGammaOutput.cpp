@@ -23,7 +23,7 @@ constexpr std::uint32_t allEdges =
 constexpr std::int32_t coverPanels = -1;
 constexpr std::uint32_t maxLength = 32767; // of a side, in points
 
-/// A file with a black pixel of each alpha, as ARGB.
+/// Creates a file with a black ARGB pixel for every alpha value.
 FileDescriptor filePixels() {
     std::array<std::uint32_t, alphas> pixels{};
     for (std::uint32_t alpha = 0; alpha < alphas; ++alpha) {
@@ -77,7 +77,7 @@ public:
         wl_surface_destroy(surface_);
     }
 
-    /// Whether the compositor has closed it for good.
+    /// Whether the compositor has closed the layer. A closed layer cannot be shown again.
     bool isClosed() const { return isClosed_; }
 
     void setAlpha(std::uint8_t alpha) {
@@ -146,7 +146,7 @@ TintGammaOutput::~TintGammaOutput() {
     if (pool_ != nullptr) {
         wl_shm_pool_destroy(pool_);
     }
-    // In version 1 only some of these have a request to destroy them.
+    // In version 1, only some of these interfaces have a destroy request.
     for (void* const global : {static_cast<void*>(compositor_), static_cast<void*>(memory_),
                                static_cast<void*>(shell_)}) {
         if (global != nullptr) {
@@ -168,7 +168,7 @@ Status TintGammaOutput::setDisplayTransferByTable(DisplayId display, std::span<c
     const auto height = std::clamp(std::max({red.back(), green.back(), blue.back()}), 0.0F, 1.0F);
     const auto alpha = static_cast<std::uint8_t>(std::lround((1 - height) * (alphas - 1)));
     if (alpha == 0) {
-        layers_.erase(display); // a full-screen program can then have the output to itself again
+        layers_.erase(display); // allows direct scanout of a full-screen program again
     } else {
         auto& layer = layers_[display];
         if (layer == nullptr || layer->isClosed()) {

@@ -17,10 +17,10 @@ struct zwlr_layer_shell_v1;
 
 namespace nocta {
 
-/// Dims by covering each output with a translucent black layer, for compositors that have no gamma
-/// control. The layer lets clicks through. It is as dark as the highest level of the tables, so it
-/// cannot show warmth, and a screenshot shows it. It disappears with the process, however that
-/// ends.
+/// Dims each output by covering it with a translucent black layer, for compositors without gamma
+/// control. Clicks pass through the layer. It is as dark as the highest level of the tables, so it
+/// cannot show warmth, and it appears in screenshots. It disappears when the process ends for any
+/// reason.
 class TintGammaOutput final : public GammaOutput {
 public:
     TintGammaOutput(WaylandConnection& connection, WaylandDisplays& displays);
@@ -47,9 +47,9 @@ private:
     wl_shm* memory_;
     wp_viewporter* viewporter_;
     zwlr_layer_shell_v1* shell_;
-    wl_shm_pool* pool_ = nullptr; ///< a black pixel of each alpha
+    wl_shm_pool* pool_ = nullptr; ///< a black pixel for every alpha value
     std::map<std::uint8_t, wl_buffer*> pixels_;
-    std::map<DisplayId, std::unique_ptr<Layer>> layers_; ///< of the displays that are dimmed
+    std::map<DisplayId, std::unique_ptr<Layer>> layers_; ///< for each dimmed display
     Subscription removal_;
 };
 

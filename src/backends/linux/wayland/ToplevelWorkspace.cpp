@@ -161,7 +161,7 @@ void ToplevelWorkspace::remove(const Toplevel& toplevel) {
     noticeActivation_.request();
 }
 
-/// Releases everything: the compositor reports no more windows.
+/// Releases everything, because the compositor reports no more windows.
 void ToplevelWorkspace::removeAll() {
     while (!toplevels_.empty()) {
         remove(*toplevels_.back());
@@ -174,12 +174,12 @@ void ToplevelWorkspace::apply(Toplevel& toplevel) {
     const auto isSame = toplevel.current.isActivated == toplevel.pending.isActivated &&
                         toplevel.current.appId == toplevel.pending.appId;
     toplevel.current = toplevel.pending;
-    if (!isSame) { // a new title is no activation
+    if (!isSame) { // a new title is not an activation
         noticeActivation_.request();
     }
 }
 
-/// A new output may get the address of one that was removed.
+/// Forgets removed outputs, because a new output may get the address of a removed one.
 void ToplevelWorkspace::forgetRemovedOutputs() {
     std::vector<wl_output*> outputs;
     for (const auto display : displays_.ids()) {
@@ -208,8 +208,9 @@ const ToplevelWorkspace::Description* ToplevelWorkspace::activeWindow() const {
     return active == toplevels_.end() ? nullptr : &(*active)->current;
 }
 
-/// Returns the display of the active window, or else the main display. The protocol does not tell
-/// which of several displays contains most of a window; then it is the main display or the first.
+/// Returns the display of the active window, or else the main display. The protocol does not report
+/// which of several displays contains most of a window. If there are several, this returns the main
+/// display if it is one of them, or else the first one.
 std::optional<DisplayId> ToplevelWorkspace::mainScreen() const {
     auto ids = displays_.ids();
     std::stable_partition(ids.begin(), ids.end(),

@@ -15,11 +15,11 @@
 
 namespace nocta {
 
-/// The applications of compositors with the protocol wlr-foreign-toplevel-management. It reports
-/// the application, the state and the outputs of each window, but neither its size nor its process.
-/// Only the size of a window that is full screen on the main screen is known. Windows on a
-/// workspace that is not shown count as well, because the protocol does not tell them apart.
-/// Nothing polls.
+/// The applications of a compositor that supports the protocol wlr-foreign-toplevel-management. The
+/// protocol reports the application, the state and the outputs of each window, but neither its size
+/// nor its process. The size is known only for a window that is full screen on the main screen.
+/// Windows on a workspace that is not shown count as well, because the protocol does not
+/// distinguish them. This class never polls.
 class ToplevelWorkspace final : public Workspace {
 public:
     ToplevelWorkspace(WaylandConnection& connection, WaylandDisplays& displays, RunLoop& runLoop,
@@ -48,7 +48,7 @@ private:
         bool isFullScreen = false;
     };
 
-    /// A window, with the description that is in force and the one that `done` puts in force.
+    /// A window, with its current description and the one that the next `done` event applies.
     struct Toplevel {
         ToplevelWorkspace* workspace;
         zwlr_foreign_toplevel_handle_v1* handle;

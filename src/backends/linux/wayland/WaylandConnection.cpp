@@ -8,14 +8,15 @@ namespace nocta {
 
 namespace {
 
-/// Flushes, waits for events at most this long, and delivers them.
+/// Flushes, waits for events for at most `time`, and delivers them.
 void dispatch(wl_display* display, std::chrono::milliseconds time) {
     while (wl_display_prepare_read(display) != 0) {
         if (wl_display_dispatch_pending(display) < 0) {
-            return; // after an error, the events that are left stay where they are
+            return; // after an error, the remaining events stay in the queue
         }
     }
-    wl_display_flush(display); // what a busy compositor does not take now goes with the next turn
+    // Requests that a busy compositor does not accept now are sent in the next turn.
+    wl_display_flush(display);
     pollfd readable{.fd = wl_display_get_fd(display), .events = POLLIN, .revents = 0};
     if (poll(&readable, 1, static_cast<int>(time.count())) > 0) {
         wl_display_read_events(display);
@@ -119,7 +120,7 @@ void WaylandConnection::readEvents() {
     if (isOpen()) {
         dispatch(display_, {});
     }
-    if (!isOpen() && !std::exchange(lossIsTold_, true)) {
+    if (!isOpen() && !std::exchange(lossIsReported_, true)) {
         if (readable_ != nullptr) {
             readable_->setEnabled(false);
         }

@@ -24,7 +24,8 @@ namespace nocta {
 class WaylandConnection {
 public:
     static constexpr std::chrono::milliseconds maxWait{200};
-    /// When the session starts, compositors are busy, and what they offer decides what Nocta does.
+    /// Longer, because compositors are busy when the session starts, and Nocta's features depend on
+    /// what they offer.
     static constexpr std::chrono::seconds maxWaitAtStart{5};
 
     struct Global {
@@ -43,7 +44,7 @@ public:
     /// What the compositor offers now, by name.
     const std::map<std::uint32_t, Global>& globals() const { return globals_; }
 
-    /// Binds a global in the given version, or the lower one that the compositor has.
+    /// Binds a global in the given version, or in the compositor's version if that is lower.
     template <class Proxy>
     Proxy* bind(std::uint32_t name, const wl_interface& interface, std::uint32_t version) {
         return static_cast<Proxy*>(bindAny(name, interface, version));
@@ -71,8 +72,8 @@ public:
     /// subscription ends first.
     Subscription whenProcessed(std::function<void()> done);
 
-    /// Flushes, and waits until the compositor has processed every request; false if it has not
-    /// within this time.
+    /// Flushes, and waits until the compositor has processed every request. Returns false on a
+    /// timeout or if the connection is lost.
     bool synchronize(std::chrono::milliseconds maxTime = maxWait);
 
     std::function<void()> onLost;
@@ -85,7 +86,7 @@ private:
     wl_registry* registry_ = nullptr;
     std::map<std::uint32_t, Global> globals_;
     CallbackList<> observers_;
-    bool lossIsTold_ = false;
+    bool lossIsReported_ = false;
     std::unique_ptr<QSocketNotifier> readable_;
     Deferred finishTurn_;
 };

@@ -18,9 +18,9 @@ Data& of(void* data) {
 
 } // namespace
 
-// Each description ends with `done`. The logical position and size say where an output is in the
-// coordinates of windows; compositors without them get the mode's size at the place that the output
-// names.
+// Each description ends with `done`. The bounds of an output in window coordinates are its logical
+// position and size. If the compositor does not send those, the bounds are the output's own
+// position and the size of its mode.
 const wl_output_listener WaylandDisplays::outputListener = {
     .geometry =
         [](void* data, wl_output* /*proxy*/, std::int32_t x, std::int32_t y, std::int32_t /*width*/,
@@ -169,7 +169,7 @@ void WaylandDisplays::updateOutputs() {
 void WaylandDisplays::add(std::uint32_t name) {
     auto* const proxy = connection_.bind<wl_output>(name, wl_output_interface, namedOutputVersion);
     auto output = std::make_unique<Output>(Output{.displays = this, .proxy = proxy});
-    // Without a name, the number of the global has to tell the outputs apart.
+    // If the compositor sends no name, the number of the global identifies the output.
     output->description.name = std::to_string(name);
     wl_output_add_listener(proxy, &outputListener, output.get());
     if (logicalManager_ != nullptr) {

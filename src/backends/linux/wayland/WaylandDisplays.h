@@ -13,9 +13,9 @@
 namespace nocta {
 
 /// The outputs of a Wayland compositor. A connector keeps its ID while the program runs, so that a
-/// display that comes back has the ID that it had. A connector of type eDP, LVDS or DSI is built
-/// in. The main display is the one that is built in, or else the one at the origin: Wayland has no
-/// primary output.
+/// display that is reconnected has the same ID as before. A connector of type eDP, LVDS or DSI is
+/// built in. The main display is the built-in one, or else the one at the origin, because Wayland
+/// has no primary output.
 class WaylandDisplays final : public Displays {
 public:
     WaylandDisplays(WaylandConnection& connection, RunLoop& runLoop,
@@ -39,7 +39,8 @@ public:
     /// The output of a display; null if it is gone.
     wl_output* outputOf(DisplayId display) const;
 
-    /// Calls back when the output of a display is gone. A display that comes back has a new one.
+    /// Calls back when the output of a display is gone. A display that is reconnected has a new
+    /// output.
     Subscription observeRemoval(std::function<void(DisplayId)> callback) {
         return removed_.add([callback = std::move(callback)](DisplayId id) { callback(id); });
     }
@@ -53,7 +54,7 @@ private:
         bool operator==(const Description&) const = default;
     };
 
-    /// An output of the compositor, with what it has said about it so far.
+    /// An output of the compositor, with the description that has been received so far.
     struct Output {
         WaylandDisplays* displays;
         wl_output* proxy;

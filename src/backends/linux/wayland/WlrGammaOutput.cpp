@@ -16,12 +16,13 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::uint32_t maxSize = 65536; // entries for each channel
-constexpr auto maxAnswerTime = 1s;       // for a control object; some compositors never refuse one
+constexpr auto maxAnswerTime = 1s;       // for a control object; some compositors never answer
 constexpr auto firstPause = 1s;          // doubled after each failure
 constexpr int maxFailures = 3;
 constexpr auto stableTime = 1min; // a control that was held for longer was not contested
 
-/// A file with the levels of all channels, positioned at its start. Empty if it cannot be made.
+/// A file with the levels of all channels, positioned at its start. Empty if the file cannot be
+/// created.
 FileDescriptor fileWith(const std::vector<std::uint16_t>& levels) {
     FileDescriptor file(memfd_create("nocta-gamma", MFD_CLOEXEC | MFD_ALLOW_SEALING));
     const auto size = levels.size() * sizeof levels[0];
@@ -34,8 +35,8 @@ FileDescriptor fileWith(const std::vector<std::uint16_t>& levels) {
     return file;
 }
 
-/// Whether there is a file and a free descriptor: the library duplicates the descriptor that it
-/// sends, and gives up the connection if it cannot.
+/// Whether there is a file and a free descriptor. The library duplicates the descriptor that it
+/// sends, and the connection fails if no descriptor is free.
 bool canSend(const FileDescriptor& file) {
     return static_cast<bool>(FileDescriptor(fcntl(file.get(), F_DUPFD_CLOEXEC, 0)));
 }
@@ -130,8 +131,8 @@ void WlrGammaOutput::sendAgain(Control& control) {
     advance(control);
 }
 
-/// Binds the manager, or drops it with everything that came from it when the compositor withdraws
-/// it.
+/// Binds the manager. If the compositor has withdrawn it, releases the manager and all objects that
+/// it created.
 void WlrGammaOutput::updateManager() {
     const auto name = connection_.firstGlobal(zwlr_gamma_control_manager_v1_interface);
     if (name == managerName_) {
@@ -167,11 +168,11 @@ void WlrGammaOutput::request(Control& control) {
     connection_.finishTurn();
 }
 
-/// Does the next step toward showing the newest tables.
+/// Performs the next step toward showing the newest tables.
 void WlrGammaOutput::advance(Control& control) {
     if (!control.isDue || control.isBusy || control.timer.isValid() ||
         control.failures > maxFailures) {
-        return; // the pending answer or the end of the pause comes back here
+        return; // the pending answer or the end of the pause calls this again
     }
     if (control.object == nullptr) {
         request(control);
@@ -200,7 +201,7 @@ void WlrGammaOutput::send(Control& control) {
     });
 }
 
-/// The compositor does not give us the object, or has taken it away.
+/// Handles a control object that the compositor has refused or revoked.
 void WlrGammaOutput::fail(Control& control) {
     const auto wasStable =
         control.size > 0 && runLoop_.monotonicNow() - control.grantedAt > stableTime;

@@ -15,16 +15,16 @@
 
 namespace nocta {
 
-/// The gamma tables of compositors with the protocol wlr-gamma-control. The compositor restores an
-/// output's own tables when the control object of the output is destroyed, and when this process
-/// dies, so no helper is needed. The tables that were there before cannot be read: a calibration is
-/// replaced while Nocta runs.
+/// The gamma tables of a compositor that supports the protocol wlr-gamma-control. The compositor
+/// restores an output's own tables when the control object of the output is destroyed, and when
+/// this process dies, so no helper is needed. The previous tables cannot be read, so a calibration
+/// is replaced while Nocta runs.
 ///
-/// An output has one control object at most, and only one program can have it. If the compositor
-/// refuses it, we ask a few more times, and then leave the output to the other program. At most one
-/// write to an output is under way; only the newest of the tables that come meanwhile is sent then,
-/// so a compositor that is busy never falls behind. Equal tables are sent too, because another
-/// program may have reset the display.
+/// An output has at most one control object, and only one program can have it. If the compositor
+/// refuses it, this class retries a few times, and then leaves the output to the other program.
+/// Each output has at most one pending write. When that write has been processed, only the newest
+/// tables are sent, so that writes do not pile up while the compositor is busy. Equal tables are
+/// sent too, because another program may have reset the display.
 class WlrGammaOutput final : public GammaOutput {
 public:
     WlrGammaOutput(WaylandConnection& connection, WaylandDisplays& displays, RunLoop& runLoop);
@@ -32,7 +32,7 @@ public:
     WlrGammaOutput& operator=(const WlrGammaOutput&) = delete;
     ~WlrGammaOutput() override;
 
-    /// Whether the compositor has given a control object for at least one output so far.
+    /// Whether the compositor has granted a control object for at least one output so far.
     bool isAvailable() const override { return isAvailable_; }
     Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
                                      std::span<const float> green,
@@ -45,7 +45,7 @@ public:
 private:
     using Tables = std::array<std::vector<float>, 3>;
 
-    /// An output's control object and what is to be done with it.
+    /// An output's control object and its state.
     struct Control {
         WlrGammaOutput* output;
         DisplayId display;
@@ -57,7 +57,7 @@ private:
         int failures = 0;
         MonotonicTime grantedAt{};
         std::unique_ptr<WlrOutputPower> power{};
-        Timer timer{}; ///< until the compositor has to have answered, or until the next try
+        Timer timer{}; ///< until the answer is overdue, or until the next attempt
         Subscription processed{};
     };
 

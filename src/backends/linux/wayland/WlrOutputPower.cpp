@@ -13,7 +13,7 @@ const zwlr_output_power_v1_listener WlrOutputPower::listener = {
                 power.onTurnedOn_();
             }
         },
-    .failed = [](void* /*data*/, zwlr_output_power_v1* /*object*/) {}}; // tells nothing more
+    .failed = [](void* /*data*/, zwlr_output_power_v1* /*object*/) {}}; // no more events follow
 
 WlrOutputPower::WlrOutputPower(zwlr_output_power_manager_v1* manager, wl_output* output,
                                std::function<void()> onTurnedOn)

@@ -6,11 +6,11 @@
 
 namespace nocta {
 
-/// Watches the power of one output: compositors may lose the gamma tables of an output that is off.
-/// Never changes it.
+/// Watches the power mode of one output, because compositors may lose the gamma tables of an output
+/// that is off. This class never changes the mode.
 class WlrOutputPower {
 public:
-    /// Calls `onTurnedOn` whenever the output, having been off, is on again.
+    /// Calls `onTurnedOn` whenever the output is turned on after it was off.
     WlrOutputPower(zwlr_output_power_manager_v1* manager, wl_output* output,
                    std::function<void()> onTurnedOn);
     WlrOutputPower(const WlrOutputPower&) = delete;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view propertyOfOutputs = "CTM";
 
-/// Returns XCB_ATOM_NONE if no output of the server has such a property.
+/// Returns XCB_ATOM_NONE if no output of the server has this property.
 xcb_atom_t matrixAtom(xcb_connection_t* connection) {
     return internAtom(connection, propertyOfOutputs, true);
 }

@@ -15,7 +15,7 @@ RootProperty property(xcb_connection_t* connection, xcb_window_t root) {
     return {connection, root, "_NOCTA_FACTORY_RAMPS"};
 }
 
-/// Returns 0 if the server has no such CRTC.
+/// Returns 0 if the server does not have this CRTC.
 std::size_t sizeOf(xcb_connection_t* connection, xcb_randr_crtc_t crtc) {
     const XcbReply<xcb_randr_get_crtc_gamma_size_reply_t> reply(xcb_randr_get_crtc_gamma_size_reply(
         connection, xcb_randr_get_crtc_gamma_size(connection, crtc), nullptr));

@@ -54,7 +54,7 @@ void Guardian::dismiss(const void* writer) {
     if (permission_ == Permission::granted) {
         helper_.kill();
     }
-    wake(); // a helper that has not answered yet restores what a dead Nocta left
+    wake(); // a helper that has not answered yet restores what an earlier Nocta left
 }
 
 /// Leaves the helper running without this process. The helper then does the same as when this
@@ -94,7 +94,7 @@ void Guardian::answer(char byte) {
     timeout_.invalidate();
     if (byte == static_cast<char>(GuardianAnswer::ready)) {
         wasReady_ = true;
-        helperWindow_ = owner(); // none if it has died since
+        helperWindow_ = owner(); // XCB_NONE if it has died since
         change(Permission::granted);
         return;
     }
@@ -134,7 +134,7 @@ void Guardian::change(Permission permission) {
     }
 }
 
-/// Reports once what is wrong with the helper.
+/// Reports a problem with the helper, but only once.
 void Guardian::complain(const char* before, const char* after) {
     if (!std::exchange(hasComplained_, true)) {
         std::cerr << "nocta: " << before << HelperProcess::path(programName) << after

@@ -32,9 +32,9 @@ public:
     Guardian& operator=(const Guardian&) = delete;
     ~Guardian() { wake(); }
 
-    /// Every writer calls this before it writes. This starts the helper unless one is running. If
-    /// the helper cannot be started, standard error gets a line about it, and the display stays
-    /// unguarded.
+    /// Every writer must call this before it writes. This starts the helper unless one is running.
+    /// If the helper cannot be started, a line about it is printed to standard error, and the
+    /// display stays unguarded.
     Permission request(const void* writer);
 
     /// Calls back when the permission changes.
@@ -42,7 +42,7 @@ public:
         return changed_.add(std::move(callback));
     }
 
-    /// Every writer that has called `request` calls this at the end. It calls `restore`, which
+    /// Every writer that has called `request` must call this at the end. It calls `restore`, which
     /// undoes the writer's changes, unless another Nocta has taken over the display. After the last
     /// writer, the helper exits without doing anything. If the server cannot be reached, the helper
     /// does the restoring.

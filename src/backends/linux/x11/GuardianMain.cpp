@@ -1,7 +1,7 @@
 // nocta-guardian: restores the gamma ramps and color matrices of an X server's displays when the
-// Nocta that started it has died. Only Nocta starts it; they talk over its standard input as
-// described in `GuardianProtocol.h`. It has just one connection to the X server, so that it costs
-// only a few hundred kilobytes.
+// Nocta that started it has died. Only Nocta starts it; they communicate over its standard input as
+// described in `GuardianProtocol.h`. It uses no libraries except xcb, so it needs only a few
+// hundred kilobytes of memory.
 
 #include "backends/linux/process/HelperProtocol.h"
 #include "backends/linux/x11/ColorMatrices.h"
@@ -149,7 +149,7 @@ xcb_window_t selectionOwner() {
 /// Takes the guardians' selection if it has no owner or still belongs to `frozen`. Returns the
 /// previous owner.
 xcb_window_t takeSelection(xcb_window_t frozen) {
-    xcb_grab_server(x); // no other client may take the selection between check and change
+    xcb_grab_server(x); // no other client may take the selection after the check
     const auto owner = selectionOwner();
     if (owner == XCB_NONE || owner == frozen) {
         xcb_set_selection_owner(x, ownWindow, selection, XCB_CURRENT_TIME);

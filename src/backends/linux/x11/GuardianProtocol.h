@@ -8,9 +8,9 @@ namespace nocta {
 // standard input. Both run on one machine, so numbers are in native byte order.
 //
 // Nocta sends a `GuardianHello`, and the guardian answers with one `GuardianAnswer`: immediately if
-// no other guardian is running, otherwise as soon as it knows whether the other guardian exits.
-// When the socket closes, Nocta has died or could not give the screen back, so the guardian does.
-// Once Nocta has given the screen back, it kills its guardian.
+// no other guardian is running, otherwise as soon as it is known whether the other guardian exits.
+// When the socket closes, Nocta has died or could not give the screen back, so the guardian gives
+// it back. Once Nocta has given the screen back, it kills its guardian.
 
 struct GuardianHello {
     std::uint32_t window; ///< exists as long as the server still handles Nocta's requests

@@ -21,7 +21,7 @@ std::string nameOf(const std::filesystem::path& process) {
     return name;
 }
 
-/// Returns an empty string if the process has no such variable or belongs to another user.
+/// Returns an empty string if the process does not have this variable or belongs to another user.
 std::string displayOf(const std::filesystem::path& process) {
     constexpr std::string_view name = "DISPLAY=";
     std::ifstream file(process / "environ");

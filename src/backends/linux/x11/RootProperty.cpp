@@ -7,7 +7,7 @@ namespace nocta {
 namespace {
 
 // The property contains the version, the checksum and the numbers, 32 bits each.
-constexpr std::uint32_t version = 1; // changes if the numbers get another meaning
+constexpr std::uint32_t version = 1; // increase it when the meaning of the numbers changes
 constexpr std::size_t headerLength = 2;
 constexpr std::uint8_t format = 32;
 

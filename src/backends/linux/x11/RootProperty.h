@@ -10,7 +10,7 @@
 namespace nocta {
 
 /// A list of numbers that is kept on the X server itself, in a property of a root window, so that
-/// it outlives the process that wrote it. Any client may write to such a property, so it contains a
+/// it outlives the process that wrote it. Any client may write to this property, so it contains a
 /// version and a checksum, and `read` ignores a property that does not match them. Each function
 /// sends its requests without flushing; only reading waits for the answer.
 class RootProperty {

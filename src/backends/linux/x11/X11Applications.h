@@ -28,7 +28,7 @@ private:
     std::filesystem::path processes_;
     xcb_atom_t wmName_ = connection_.atom("_NET_WM_NAME");
     xcb_atom_t utf8String_ = connection_.atom("UTF8_STRING");
-    /// The name of the desktop file; each toolkit uses a property of its own.
+    /// The name of the desktop file; each toolkit uses a different property.
     std::array<xcb_atom_t, 3> desktopFile_ = {connection_.atom("_GTK_APPLICATION_ID"),
                                               connection_.atom("_KDE_NET_WM_DESKTOP_FILE"),
                                               connection_.atom("_BAMF_DESKTOP_FILE")};

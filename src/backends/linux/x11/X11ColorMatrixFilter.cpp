@@ -16,7 +16,8 @@ X11ColorMatrixFilter::X11ColorMatrixFilter(X11Connection& connection, X11Display
                                               }
                                           })),
       permission_(guardian.observe([this](Guardian::Permission permission) { take(permission); })) {
-    // Restores what an earlier Nocta left gray when it died together with its guardian.
+    // Restores the colors if an earlier Nocta died together with its guardian while the screen was
+    // gray.
     if (!readFactoryMatrices(connection_.get(), connection_.root()).empty()) {
         isWaiting_ = true;
         take(guardian_.request(this));
@@ -55,7 +56,7 @@ void X11ColorMatrixFilter::setOn(bool on) {
     }
 }
 
-/// Once the permission to write is known, carries out what was waiting for it.
+/// Carries out the pending changes once the permission to write is known.
 void X11ColorMatrixFilter::take(Guardian::Permission permission) {
     if (permission == Guardian::Permission::pending) {
         return;

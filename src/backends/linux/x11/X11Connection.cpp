@@ -56,7 +56,7 @@ void X11Connection::readEvents() {
     while (const XcbReply<Event> event{xcb_poll_for_event(connection_)}) {
         observers_.call(*event);
     }
-    if (!isOpen() && !std::exchange(lossIsTold_, true)) {
+    if (!isOpen() && !std::exchange(lossIsReported_, true)) {
         readable_->setEnabled(false);
         if (onLost) {
             onLost();

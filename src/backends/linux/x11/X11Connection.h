@@ -49,7 +49,7 @@ public:
 
     xcb_atom_t atom(std::string_view name) const { return internAtom(connection_, name); }
 
-    /// The window of the client that owns the selection, or none.
+    /// The window of the client that owns the selection, or XCB_NONE.
     xcb_window_t ownerOf(xcb_atom_t selection);
     bool isOwned(xcb_atom_t selection) { return ownerOf(selection) != XCB_NONE; }
 
@@ -82,7 +82,7 @@ private:
     xcb_window_t window_ = XCB_NONE;
     std::uint32_t rootEvents_ = 0;
     CallbackList<Event> observers_;
-    bool lossIsTold_ = false;
+    bool lossIsReported_ = false;
     std::unique_ptr<QSocketNotifier> readable_;
     Deferred finishTurn_;
 };

@@ -16,8 +16,8 @@ namespace nocta {
 
 /// The outputs of an X server that have a CRTC, from RandR. A display's ID is its output's XID, and
 /// the primary output is the main display. A connector of type eDP, LVDS or DSI is built in, and so
-/// is an output that the server calls a panel. The list is reread when the server reports a change;
-/// nothing polls.
+/// is an output that the server marks as a panel. The list is reread only when the server reports a
+/// change.
 class X11Displays final : public Displays {
 public:
     X11Displays(X11Connection& connection, RunLoop& runLoop,
@@ -35,7 +35,7 @@ public:
     /// The name of a display's output, which RandR takes from the connector: "eDP-1", "HDMI-2".
     std::string outputName(DisplayId display) const;
 
-    /// The CRTC that drives a display, or none.
+    /// The CRTC that drives a display, or XCB_NONE.
     xcb_randr_crtc_t crtcOf(DisplayId display) const;
 
     /// Whether the server only emulates RandR, as one inside a Wayland session does: its gamma

@@ -88,8 +88,8 @@ void X11GammaOutput::displayRestoreColorSyncSettings() {
     crtcs_.clear();
 }
 
-/// Writes the tables that were waiting for the permission, or forgets everything about the displays
-/// if another Nocta controls them.
+/// Writes the tables that were waiting for the permission, or discards the state of the displays if
+/// another Nocta controls them.
 void X11GammaOutput::take(Guardian::Permission permission) {
     const auto waiting = std::exchange(waiting_, {});
     if (permission == Guardian::Permission::refused) {
@@ -138,8 +138,8 @@ void X11GammaOutput::send(xcb_randr_crtc_t id, const GammaRamp& ramp) {
     connection_.finishTurn();
 }
 
-/// Before the first write, loads what an earlier Nocta left when it died together with its
-/// guardian.
+/// Before the first write, loads the factory ramps that an earlier Nocta left if it died together
+/// with its guardian.
 void X11GammaOutput::arm() {
     if (std::exchange(isArmed_, true)) {
         return;

@@ -18,9 +18,9 @@ namespace nocta {
 /// over a calibration. At the end this process restores the factory ramp, or its guardian does if
 /// this process dies. A CRTC that was off or now drives another display may have been recalibrated:
 /// its ramp is read again before the next write. Until the guardian is ready, only the newest
-/// tables of each display are kept. Apart from these cases no write waits for the server. Tables
-/// are written even if they have not changed, because this repairs a display that another program
-/// has reset, which no event reports.
+/// tables of each display are kept. Apart from these cases, no write waits for the server. Tables
+/// are written even if they have not changed, because another program may have reset the display,
+/// and no event reports that.
 class X11GammaOutput final : public GammaOutput {
 public:
     X11GammaOutput(X11Connection& connection, X11Displays& displays, Guardian& guardian);

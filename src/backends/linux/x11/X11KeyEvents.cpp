@@ -144,8 +144,8 @@ void X11KeyEvents::repeatWhileHeld(std::int64_t keyCode) {
                   });
 }
 
-/// Asks XKB to report changes of the mapping. The server reports them in no other way to a client
-/// that uses XKB, and this client needs XKB for the repeat rate.
+/// Asks XKB to report changes of the mapping. There is no other way for a client that uses XKB to
+/// receive these changes, and this client needs XKB for the repeat rate.
 void X11KeyEvents::followKeyboard() {
     auto* const x = connection_.get();
     const auto* const extension = xcb_get_extension_data(x, &xcb_xkb_id);

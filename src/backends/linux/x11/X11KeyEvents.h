@@ -14,10 +14,10 @@
 namespace nocta {
 
 /// The brightness keys, from raw XInput 2 events on the root window. Raw events need no grab, and
-/// arrive no matter which client has the focus or a grab of its own. Each press of a brightness key
-/// becomes a system-defined event and a key-down event, as on other platforms; for other keys only
-/// the time of the press is kept. Raw events do not repeat while a key is held, so this class
-/// repeats them at the keyboard's own rate.
+/// arrive no matter which client has the focus or a grab. Each press of a brightness key becomes a
+/// system-defined event and a key-down event, as on other platforms; for other keys only the time
+/// of the press is kept. Raw events do not repeat while a key is held, so this class repeats them
+/// at the keyboard's own rate.
 class X11KeyEvents final : public KeyEvents {
 public:
     X11KeyEvents(X11Connection& connection, RunLoop& runLoop);

@@ -11,7 +11,7 @@ namespace nocta {
 
 namespace {
 
-// The maximum that is read of a property, in units of 32 bits.
+// The maximum length that is read of a property, in units of 32 bits.
 constexpr std::uint32_t maxWindows = 1024;
 constexpr std::uint32_t maxAtoms = 64;
 

@@ -16,7 +16,7 @@
 namespace nocta {
 
 /// The applications of an X11 session, as its window manager reports them through EWMH. Everything
-/// is read on demand and nothing polls. Without a window manager there is no frontmost application,
+/// is read on demand, without polling. Without a window manager there is no frontmost application,
 /// and windows cannot be listed.
 class X11Workspace final : public Workspace {
 public:

@@ -23,7 +23,7 @@ inline xcb_atom_t internAtom(xcb_connection_t* connection, std::string_view name
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
-/// The window that owns a selection, or none.
+/// The window that owns a selection, or XCB_NONE.
 inline xcb_window_t selectionOwner(xcb_connection_t* connection, xcb_atom_t selection) {
     const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
         connection, xcb_get_selection_owner(connection, selection), nullptr));

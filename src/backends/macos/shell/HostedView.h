@@ -52,7 +52,7 @@ public:
 
     NSView* view() const { return container_; }
 
-    /// Called whenever the content may need another size, or when its colors have changed.
+    /// Called whenever the content may need a different size or its colors have changed.
     std::function<void()> contentChanged;
 
     /// The size that the content needs, in points.
@@ -83,7 +83,7 @@ private:
 
     QWidget& contentWidget_;
     std::unique_ptr<Scroller> scroller_;
-    QWidget& widget_; ///< the outermost
+    QWidget& widget_; ///< the outermost widget
     NoctaContainerView* container_ = nil;
     std::unique_ptr<View> content_; // destroyed before its scroller
 };

@@ -28,7 +28,7 @@ public:
         NSApplication.sharedApplication.delegate = delegate_;
         // Same as in Info.plist; otherwise a program without a bundle may not show windows.
         [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
-        // Qt would bring a program that starts in the menu bar to the front of the user's work.
+        // Without this, Qt would bring a program that starts in the menu bar to the front.
         qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
         for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
             std::signal(number, SIG_IGN); // the dispatch source receives it anyway

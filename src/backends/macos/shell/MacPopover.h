@@ -13,8 +13,8 @@ namespace nocta {
 
 /// The popover below the status item. It opens without making Nocta the active program, so that a
 /// meeting stays in front. AppKit does not document which interactions close a transient popover,
-/// especially for an inactive program. So this class watches for two that must close it while it is
-/// shown.
+/// especially for an inactive program. So while the popover is shown, this class watches for two
+/// interactions that must close it.
 class MacPopover final : public Popover {
 public:
     explicit MacPopover(RunLoop& runLoop)
@@ -78,7 +78,7 @@ private:
     }
 
     /// Watches for another window of this program, and for a click in another program, for example
-    /// on its item in the menu bar. AppKit does not report such a click otherwise. On some systems
+    /// on its item in the menu bar. AppKit does not report these clicks otherwise. On some systems
     /// a click on this program's own item arrives here too; then the item's action closes the
     /// popover.
     void watch(NSWindow* item) {

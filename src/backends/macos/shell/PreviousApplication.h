@@ -10,8 +10,8 @@
 namespace nocta {
 
 /// The program that the user worked in before Nocta. When the last window of a program that is not
-/// in the Dock closes, AppKit leaves the program active, and then keys go nowhere. So this class
-/// activates the previous program after a break and after the last window has closed.
+/// in the Dock closes, AppKit leaves the program active, and then key presses have no effect. So
+/// this class activates the previous program after a break and after the last window has closed.
 class PreviousApplication {
 public:
     explicit PreviousApplication(RunLoop& runLoop) : runLoop_(runLoop) {
@@ -47,7 +47,8 @@ private:
         });
     }
 
-    /// A window that the user works in: an alert, but no cover, popover or status item.
+    /// Whether there is a window that the user works in, such as an alert. Covers, popovers and
+    /// status items do not count.
     static bool hasWindow() {
         if (NSApp.modalWindow != nil) {
             return true;
@@ -60,8 +61,8 @@ private:
         return false;
     }
 
-    /// Remembers only regular programs. The system's own agents become active too, for a question
-    /// or while the screen is locked.
+    /// Remembers only regular programs. The system's own agents also become active, for example to
+    /// ask a question or while the screen is locked.
     void remember(NSRunningApplication* application) {
         if (application.activationPolicy == NSApplicationActivationPolicyRegular) {
             application_ = application;
