@@ -5,13 +5,20 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <sys/wait.h>
 
 namespace nocta {
 namespace {
+
+bool hasNoChildren() {
+    siginfo_t child{};
+    return waitid(P_ALL, 0, &child, WEXITED | WNOHANG | WNOWAIT | __WALL) != 0 && errno == ECHILD;
+}
 
 /// Opens packages on a desktop whose `xdg-open` is a script.
 class OpenPackageTest : public ::testing::Test {
@@ -67,6 +74,8 @@ TEST_F(OpenPackageTest, CanceledCallbackIsNotCalled) {
     open("exit 0");
     opening.cancel();
     openAndWait("exit 3");
+    EXPECT_TRUE(serveUntil(hasNoChildren)) << "the first opener should end too";
+    EXPECT_EQ(answers, 1);
     EXPECT_TRUE(error);
 }
 
