@@ -2,6 +2,7 @@
 #include "backends/linux/LibUuidSource.h"
 #include "backends/linux/SessionFilter.h"
 #include "backends/linux/SessionProbe.h"
+#include "backends/linux/backlight/SysfsBacklight.h"
 #include "backends/linux/bus/FreedesktopNotifications.h"
 #include "backends/linux/bus/ReducedMotion.h"
 #include "backends/linux/files/AutostartLoginItem.h"
@@ -171,7 +172,9 @@ private:
                         .wake = wake_,
                         .shouldReduceMotion = [this] { return reducedMotion_.isRequested(); },
                         .magnifierState = stateFolder() / "magnifier"});
-    SysfsBacklight backlight_{*session_.displays, session_.outputName, setBrightnessThroughLogind};
+    SysfsBacklight backlight_{*session_.displays,
+                              [this](DisplayId id) { return session_.displays->outputName(id); },
+                              setBrightnessThroughLogind};
     GeoClueLocationManager locationManager_{runLoop_, stateFolder() / "location-granted"};
     AutostartLoginItem loginItem_{configFolder() / "autostart" / "nocta.desktop",
                                   QCoreApplication::applicationFilePath().toStdString()};

@@ -95,7 +95,6 @@ SessionPorts probeX11(const SessionContext& context) {
     }
     ports.workspace = std::make_unique<X11Workspace>(*ports.x11, *displays, context.runLoop,
                                                      context.shouldReduceMotion);
-    ports.outputName = [names = displays.get()](DisplayId id) { return names->outputName(id); };
     ports.displays = std::move(displays);
     return ports;
 }
@@ -124,7 +123,6 @@ SessionPorts probeWayland(const SessionContext& context) {
     // If the compositor lacks the protocol, this reports no applications.
     ports.workspace = std::make_unique<ToplevelWorkspace>(
         *ports.wayland, *displays, context.runLoop, context.shouldReduceMotion);
-    ports.outputName = [names = displays.get()](DisplayId id) { return names->outputName(id); };
     ports.displays = std::move(displays);
     return ports;
 }

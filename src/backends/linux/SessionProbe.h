@@ -1,14 +1,13 @@
 #pragma once
 
 #include "backends/linux/GrayscaleFilter.h"
-#include "backends/linux/backlight/SysfsBacklight.h"
+#include "backends/linux/SessionDisplays.h"
 #include "backends/linux/bus/SystemWake.h"
 #include "backends/linux/wayland/WaylandConnection.h"
 #include "backends/linux/x11/Guardian.h"
 #include "backends/linux/x11/X11Connection.h"
 #include "base/NotificationCenter.h"
 #include "base/Typing.h"
-#include "platform/Displays.h"
 #include "platform/GammaOutput.h"
 #include "platform/KeyEvents.h"
 #include "platform/Workspace.h"
@@ -41,8 +40,7 @@ struct SessionPorts {
     std::unique_ptr<WaylandConnection> wayland; ///< null on X11
     std::unique_ptr<X11Connection> x11;         ///< null on Wayland
     std::unique_ptr<Guardian> guardian;
-    std::unique_ptr<Displays> displays;
-    SysfsBacklight::OutputName outputName;
+    std::unique_ptr<SessionDisplays> displays;
     std::unique_ptr<GammaOutput> gammaOutput;
     Subscription gammaAfterWake;
     std::unique_ptr<GrayscaleFilter> grayscale;

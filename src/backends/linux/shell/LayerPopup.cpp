@@ -16,7 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto maxPaintTime = 1s;
-/// Until a compositor that has a pointer tells that it is in a new window.
+/// How long a compositor with a pointer may take to report which new window contains it.
 constexpr auto maxPointerTime = 100ms;
 constexpr Qt::Edges allEdges = Qt::TopEdge | Qt::BottomEdge | Qt::LeftEdge | Qt::RightEdge;
 constexpr int tipMargin = 6; // points
@@ -89,8 +89,8 @@ void LayerPopup::open(const QScreen* screen, Qt::Edges corner) {
         return;
     }
     withoutPointer_.stop();
-    // Compositors differ in which surface of one layer is on top. Some give a surface that wants
-    // the keyboard on demand none before a click, so Escape would not close it.
+    // Compositors differ in which surface of one layer is on top. Some give a surface with on-demand
+    // keyboard focus no focus before a click, so Escape would not close it.
     surface_.emplace(shell_, widget_, screen,
                      LayerSurface::Style{.layer = LayerSurface::Layer::overlay,
                                          .takesKeyboard = true,
@@ -136,7 +136,7 @@ void LayerPopup::showTip(const QWidget& control) {
     tip_.show();
 }
 
-/// Later, because the event that causes this is for an object that this destroys.
+/// Deferred, because this destroys the object that is handling the event.
 void LayerPopup::dismissLater() {
     QTimer::singleShot(0, this, [this] { dismiss_(); });
 }

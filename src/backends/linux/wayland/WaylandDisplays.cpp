@@ -75,14 +75,14 @@ const zxdg_output_v1_listener WaylandDisplays::logicalListener = {
 
 WaylandDisplays::WaylandDisplays(WaylandConnection& connection, RunLoop& runLoop,
                                  NotificationCenter& notificationCenter)
-    : connection_(connection), notificationCenter_(notificationCenter),
+    : SessionDisplays(notificationCenter), connection_(connection),
       logicalManager_(
           connection.bindFirst<zxdg_output_manager_v1>(zxdg_output_manager_v1_interface)),
-      publish_(runLoop, [this] { publish(); }),
+      publish_(runLoop, [this] { publishDescribed(); }),
       globals_(connection.observeGlobals([this] { updateOutputs(); })) {
     updateOutputs();
     connection_.synchronize(WaylandConnection::maxWaitAtStart);
-    publish();
+    publishDescribed();
 }
 
 WaylandDisplays::~WaylandDisplays() {
@@ -92,52 +92,6 @@ WaylandDisplays::~WaylandDisplays() {
     if (logicalManager_ != nullptr) {
         zxdg_output_manager_v1_destroy(logicalManager_);
     }
-}
-
-Status WaylandDisplays::getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) {
-    const auto number = ids.empty() ? published_.size() : std::min(ids.size(), published_.size());
-    std::ranges::transform(std::span(published_).first(std::min(ids.size(), number)), ids.begin(),
-                           &Description::id);
-    count = static_cast<std::uint32_t>(number);
-    return statusSuccess;
-}
-
-Rect WaylandDisplays::displayBounds(DisplayId display) {
-    const auto* const output = find(display);
-    return output == nullptr ? Rect{} : output->bounds;
-}
-
-bool WaylandDisplays::displayIsMain(DisplayId display) {
-    const auto isBuiltIn = [](const Description& output) {
-        return ConnectorName(output.name).isBuiltIn();
-    };
-    auto main = std::ranges::find_if(published_, isBuiltIn);
-    if (main == published_.end()) {
-        main = std::ranges::find_if(published_, [](const Description& output) {
-            return output.bounds.x == 0 && output.bounds.y == 0;
-        });
-    }
-    return main != published_.end() && main->id == display;
-}
-
-bool WaylandDisplays::displayIsBuiltin(DisplayId display) {
-    return ConnectorName(outputName(display)).isBuiltIn();
-}
-
-std::optional<DisplayMode> WaylandDisplays::displayCopyDisplayMode(DisplayId display) {
-    const auto* const output = find(display);
-    return output == nullptr ? std::nullopt : output->mode;
-}
-
-std::vector<DisplayId> WaylandDisplays::ids() const {
-    std::vector<DisplayId> ids(published_.size());
-    std::ranges::transform(published_, ids.begin(), &Description::id);
-    return ids;
-}
-
-std::string WaylandDisplays::outputName(DisplayId display) const {
-    const auto* const output = find(display);
-    return output == nullptr ? std::string() : output->name;
 }
 
 wl_output* WaylandDisplays::outputOf(DisplayId display) const {
@@ -188,8 +142,8 @@ void WaylandDisplays::remove(Output& output) {
     connection_.finishTurn();
 }
 
-void WaylandDisplays::publish() {
-    std::vector<Description> described;
+void WaylandDisplays::publishDescribed() {
+    std::vector<Display> displays;
     for (const auto& [name, output] : outputs_) {
         auto& description = output->description;
         if (output->isDescribed && description.mode) {
@@ -198,18 +152,20 @@ void WaylandDisplays::publish() {
                     idsOfConnectors_.try_emplace(description.name, idsOfConnectors_.size() + 1)
                         .first->second;
             }
-            described.push_back(description);
+            displays.push_back(description);
+            displays.back().isBuiltIn = ConnectorName(description.name).isBuiltIn();
         }
     }
-    if (described != published_) {
-        published_ = std::move(described);
-        notificationCenter_.post(didChangeScreenParametersNotification);
+    auto main = std::ranges::find_if(displays, &Display::isBuiltIn);
+    if (main == displays.end()) {
+        main = std::ranges::find_if(displays, [](const Display& display) {
+            return display.bounds.x == 0 && display.bounds.y == 0;
+        });
     }
-}
-
-const WaylandDisplays::Description* WaylandDisplays::find(DisplayId display) const {
-    const auto found = std::ranges::find(published_, display, &Description::id);
-    return found == published_.end() ? nullptr : &*found;
+    if (main != displays.end()) {
+        main->isMain = true;
+    }
+    publish(std::move(displays));
 }
 
 } // namespace nocta

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "backends/linux/SessionDisplays.h"
 #include "backends/linux/wayland/WaylandConnection.h"
-#include "base/NotificationCenter.h"
-#include "platform/Displays.h"
 
 #include <map>
 #include <memory>
@@ -16,25 +15,13 @@ namespace nocta {
 /// display that is reconnected has the same ID as before. A connector of type eDP, LVDS or DSI is
 /// built in. The main display is the built-in one, or else the one at the origin, because Wayland
 /// has no primary output.
-class WaylandDisplays final : public Displays {
+class WaylandDisplays final : public SessionDisplays {
 public:
     WaylandDisplays(WaylandConnection& connection, RunLoop& runLoop,
                     NotificationCenter& notificationCenter);
     WaylandDisplays(const WaylandDisplays&) = delete;
     WaylandDisplays& operator=(const WaylandDisplays&) = delete;
     ~WaylandDisplays() override;
-
-    Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) override;
-    Rect displayBounds(DisplayId display) override;
-    bool displayIsMain(DisplayId display) override;
-    bool displayIsBuiltin(DisplayId display) override;
-    std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) override;
-
-    /// The IDs of all displays, for the other parts of this backend.
-    std::vector<DisplayId> ids() const;
-
-    /// The name of a display's connector, such as "eDP-1".
-    std::string outputName(DisplayId display) const;
 
     /// The output of a display; null if it is gone.
     wl_output* outputOf(DisplayId display) const;
@@ -46,38 +33,27 @@ public:
     }
 
 private:
-    struct Description {
-        DisplayId id = 0;
-        std::string name;
-        Rect bounds;
-        std::optional<DisplayMode> mode;
-        bool operator==(const Description&) const = default;
-    };
-
     /// An output of the compositor, with the description that has been received so far.
     struct Output {
         WaylandDisplays* displays;
         wl_output* proxy;
         zxdg_output_v1* logical = nullptr;
-        Description description{};
+        Display description{};
         bool isDescribed = false; ///< once the first description is complete
     };
 
     void updateOutputs();
     void add(std::uint32_t name);
     void remove(Output& output);
-    void publish();
-    const Description* find(DisplayId display) const;
+    void publishDescribed();
 
     static const wl_output_listener outputListener;
     static const zxdg_output_v1_listener logicalListener;
 
     WaylandConnection& connection_;
-    NotificationCenter& notificationCenter_;
     zxdg_output_manager_v1* logicalManager_;
     std::map<std::uint32_t, std::unique_ptr<Output>> outputs_; ///< by the name of the global
     std::map<std::string, DisplayId> idsOfConnectors_;
-    std::vector<Description> published_;
     CallbackList<DisplayId> removed_;
     Deferred publish_;
     Subscription globals_;

@@ -35,7 +35,7 @@ std::optional<DisplayMode> modeOf(const xcb_randr_get_screen_resources_current_r
 
 X11Displays::X11Displays(X11Connection& connection, RunLoop& runLoop,
                          NotificationCenter& notificationCenter)
-    : connection_(connection), notificationCenter_(notificationCenter),
+    : SessionDisplays(notificationCenter), connection_(connection),
       refresh_(runLoop, [this] { refresh(); }) {
     auto* const x = connection_.get();
     const auto* const extension = findExtension(x, xcb_randr_id);
@@ -52,7 +52,7 @@ X11Displays::X11Displays(X11Connection& connection, RunLoop& runLoop,
     xcb_randr_select_input(x, connection_.root(),
                            XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
                                XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
-    outputs_ = readOutputs();
+    publish(readDisplays());
     events_ = connection_.observeEvents([this](const X11Connection::Event& event) {
         auto const type = event.response_type & 0x7f;
         if (type == firstEvent_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
@@ -61,50 +61,6 @@ X11Displays::X11Displays(X11Connection& connection, RunLoop& runLoop,
         }
     });
     connection_.finishTurn();
-}
-
-Status X11Displays::getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) {
-    const auto number = ids.empty() ? outputs_.size() : std::min(ids.size(), outputs_.size());
-    std::ranges::transform(std::span(outputs_).first(std::min(ids.size(), number)), ids.begin(),
-                           &Output::id);
-    count = static_cast<std::uint32_t>(number);
-    return statusSuccess;
-}
-
-Rect X11Displays::displayBounds(DisplayId display) {
-    const auto* const output = find(display);
-    return output == nullptr ? Rect{} : output->bounds;
-}
-
-bool X11Displays::displayIsMain(DisplayId display) {
-    const auto* const output = find(display);
-    return output != nullptr && output->isPrimary;
-}
-
-bool X11Displays::displayIsBuiltin(DisplayId display) {
-    const auto* const output = find(display);
-    return output != nullptr && output->isBuiltIn;
-}
-
-std::optional<DisplayMode> X11Displays::displayCopyDisplayMode(DisplayId display) {
-    const auto* const output = find(display);
-    return output == nullptr ? std::nullopt : output->mode;
-}
-
-std::vector<DisplayId> X11Displays::ids() const {
-    std::vector<DisplayId> ids(outputs_.size());
-    std::ranges::transform(outputs_, ids.begin(), &Output::id);
-    return ids;
-}
-
-std::string X11Displays::outputName(DisplayId display) const {
-    const auto* const output = find(display);
-    return output == nullptr ? std::string() : output->name;
-}
-
-xcb_randr_crtc_t X11Displays::crtcOf(DisplayId display) const {
-    const auto* const output = find(display);
-    return output == nullptr ? XCB_NONE : output->crtc;
 }
 
 bool X11Displays::isEmulation() const {
@@ -125,7 +81,7 @@ bool X11Displays::isEmulation() const {
            });
 }
 
-std::vector<X11Displays::Output> X11Displays::readOutputs() const {
+std::vector<SessionDisplays::Display> X11Displays::readDisplays() const {
     auto* const x = connection_.get();
     const auto root = connection_.root();
     const auto primaryRequest = xcb_randr_get_output_primary(x, root);
@@ -145,7 +101,7 @@ std::vector<X11Displays::Output> X11Displays::readOutputs() const {
         return xcb_randr_get_output_info(x, id, resources->config_timestamp);
     });
 
-    std::vector<Output> outputs;
+    std::vector<Display> displays;
     std::vector<xcb_randr_get_crtc_info_cookie_t> crtcRequests;
     for (std::size_t i = 0; i < ids.size(); ++i) {
         const XcbReply<xcb_randr_get_output_info_reply_t> info(
@@ -154,26 +110,26 @@ std::vector<X11Displays::Output> X11Displays::readOutputs() const {
             continue; // unplugged in the meantime, or off
         }
         const auto name = nameOf(*info);
-        outputs.push_back({.id = ids[i],
-                           .crtc = info->crtc,
-                           .name = name,
-                           .isPrimary = primary && primary->output == ids[i],
-                           .isBuiltIn = ConnectorName(name).isBuiltIn() || isPanel(ids[i]),
-                           .bounds = {},
-                           .mode = {}});
+        displays.push_back({.id = ids[i],
+                            .name = name,
+                            .isMain = primary && primary->output == ids[i],
+                            .isBuiltIn = ConnectorName(name).isBuiltIn() || isPanel(ids[i]),
+                            .bounds = {},
+                            .mode = {},
+                            .crtc = info->crtc});
         crtcRequests.push_back(xcb_randr_get_crtc_info(x, info->crtc, resources->config_timestamp));
     }
-    for (std::size_t i = 0; i < outputs.size(); ++i) {
+    for (std::size_t i = 0; i < displays.size(); ++i) {
         const XcbReply<xcb_randr_get_crtc_info_reply_t> crtc(
             xcb_randr_get_crtc_info_reply(x, crtcRequests[i], nullptr));
         if (crtc) {
-            outputs[i].bounds = {static_cast<double>(crtc->x), static_cast<double>(crtc->y),
-                                 static_cast<double>(crtc->width),
-                                 static_cast<double>(crtc->height)};
-            outputs[i].mode = modeOf(*resources, crtc->mode);
+            displays[i].bounds = {static_cast<double>(crtc->x), static_cast<double>(crtc->y),
+                                  static_cast<double>(crtc->width),
+                                  static_cast<double>(crtc->height)};
+            displays[i].mode = modeOf(*resources, crtc->mode);
         }
     }
-    return outputs;
+    return displays;
 }
 
 /// Some drivers name a laptop's panel like any other output, and mark it as a panel with a
@@ -196,17 +152,9 @@ bool X11Displays::isPanel(xcb_randr_output_t output) const {
 }
 
 void X11Displays::refresh() {
-    auto outputs = readOutputs();
+    auto displays = readDisplays();
     connection_.finishTurn();
-    if (outputs != outputs_) {
-        outputs_ = std::move(outputs);
-        notificationCenter_.post(didChangeScreenParametersNotification);
-    }
-}
-
-const X11Displays::Output* X11Displays::find(DisplayId display) const {
-    const auto found = std::ranges::find(outputs_, display, &Output::id);
-    return found == outputs_.end() ? nullptr : &*found;
+    publish(std::move(displays));
 }
 
 } // namespace nocta

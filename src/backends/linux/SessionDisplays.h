@@ -1,0 +1,58 @@
+#pragma once
+
+#include "base/NotificationCenter.h"
+#include "platform/Displays.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace nocta {
+
+/// The list of displays that a subclass, which asks the display server, has published last.
+class SessionDisplays : public Displays {
+public:
+    explicit SessionDisplays(NotificationCenter& notificationCenter)
+        : notificationCenter_(notificationCenter) {}
+
+    Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) override;
+    Rect displayBounds(DisplayId display) override { return find(display).bounds; }
+    bool displayIsMain(DisplayId display) override { return find(display).isMain; }
+    bool displayIsBuiltin(DisplayId display) override { return find(display).isBuiltIn; }
+    std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) override {
+        return find(display).mode;
+    }
+
+    /// The IDs of all displays.
+    std::vector<DisplayId> ids() const;
+
+    /// The name of a display's output, which the server takes from the connector: "eDP-1",
+    /// "HDMI-2". Empty if the display is gone.
+    const std::string& outputName(DisplayId display) const { return find(display).name; }
+
+protected:
+    struct Display {
+        DisplayId id = 0;
+        std::string name; ///< of the output
+        bool isMain = false;
+        bool isBuiltIn = false;
+        Rect bounds;
+        std::optional<DisplayMode> mode;
+        std::uint32_t crtc = 0; ///< drives the display; 0 if the server does not say
+        bool operator==(const Display&) const = default;
+    };
+
+    /// Posts `didChangeScreenParametersNotification` if anything differs from before.
+    void publish(std::vector<Display> displays);
+
+    /// Returns an empty description if the display is gone.
+    const Display& find(DisplayId display) const;
+
+private:
+    NotificationCenter& notificationCenter_;
+    std::vector<Display> displays_;
+};
+
+} // namespace nocta
