@@ -89,8 +89,8 @@ void LayerPopup::open(const QScreen* screen, Qt::Edges corner) {
         return;
     }
     withoutPointer_.stop();
-    // Compositors differ in which surface of one layer is on top. Some give a surface with on-demand
-    // keyboard focus no focus before a click, so Escape would not close it.
+    // Compositors differ in which surface of one layer is on top. Some give a surface with
+    // on-demand keyboard focus no focus before a click, so Escape would not close it.
     surface_.emplace(shell_, widget_, screen,
                      LayerSurface::Style{.layer = LayerSurface::Layer::overlay,
                                          .takesKeyboard = true,
