@@ -1,4 +1,4 @@
-// Fuzzes the record of the updater, whose file may be damaged.
+// Fuzzes the parser of the updater's record, because the file may be damaged.
 
 #include "Expect.h"
 #include "backends/linux/updates/UpdaterMemory.h"

@@ -17,7 +17,7 @@ struct CalendarDay {
     auto operator<=>(const CalendarDay&) const = default;
 };
 
-/// The user's calendar and time zone. Every call reads the time zone again, so that a change of the
+/// The user's calendar and time zone. Every call reads the time zone again, so that a change to the
 /// zone takes effect while the program runs. `Calendar` does not read a clock.
 struct Calendar {
     static CalendarDay dayOf(WallTime instant);

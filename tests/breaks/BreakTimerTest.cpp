@@ -29,7 +29,7 @@ protected:
         settings().breakIntervalMinutes.set(minutes);
         settings().breakDurationSeconds.set(seconds);
         settings().suspendDuringMeetings.set(true);
-        runSeconds(0); // delivers the change of the interval
+        runSeconds(0); // delivers the change to the interval
         for (const auto name : {breakDidStartNotification, breakDidEndNotification}) {
             posts_.push_back(desktop.notificationCenter.observe(
                 name, [this, name] { posted.emplace_back(name); }));

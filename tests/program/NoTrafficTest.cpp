@@ -243,7 +243,7 @@ void NoTrafficTest::useTheMenu() {
         change(key, keys);
         await("end of the menu", isClosed);
     };
-    changeByMenu("unifiedBrightness", {down, rightArrow, down, down, enter}); // 50 %
+    changeByMenu("unifiedBrightness", {down, rightArrow, down, down, enter}); // 50%
     EXPECT_TRUE(waitUntil([&] { return stored("unifiedBrightness") == "0.5"; }));
     changeByMenu("autoWarmthEnabled", {down, down, rightArrow, down, enter}); // "Manual"
     changeByMenu("autoWarmthEnabled", {down, down, rightArrow, enter});       // "Auto"

@@ -133,7 +133,7 @@ protected:
     bool shows(const std::string& name, int level) const {
         return brightnessOf(sway.colorAt(name, 100, 600)) == level;
     }
-    /// Whether a white pixel is dimmed by the cover, which reduces it to 30 %.
+    /// Whether a white pixel is dimmed by the cover, which reduces it to 30%.
     bool isCovered(const std::string& name) const {
         return std::abs(brightnessOf(sway.colorAt(name, 100, 600)) - 0.3 * 255) < 1;
     }

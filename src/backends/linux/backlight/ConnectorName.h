@@ -14,7 +14,7 @@ public:
     explicit ConnectorName(std::string_view name)
         : type_(typeOf(name)), number_(name.substr(name.find_last_not_of("0123456789") + 1)) {}
 
-    /// Empty if it is not the type of a built-in display.
+    /// The type of the connector, or empty if no built-in display uses this type.
     std::string_view type() const { return type_; }
     /// The last number in the name, or empty.
     std::string_view number() const { return number_; }

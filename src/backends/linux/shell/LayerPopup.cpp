@@ -69,7 +69,8 @@ LayerPopup::LayerPopup(const LayerShell& shell, QWidget& widget, int margin,
         surroundings_.push_back(std::make_unique<Surroundings>(*this, screen));
     }
     connect(&withoutPointer_, &QTimer::timeout, this, [this] {
-        // After the events that are waiting, because Qt loads its pointers at the first one.
+        // Deferred until the pending events have been handled: when the mouse pointer first enters
+        // a window, Qt takes time to load its cursors.
         QTimer::singleShot(0, this, [this] { open(nullptr, usualCorner); });
     });
     withoutPointer_.setSingleShot(true);

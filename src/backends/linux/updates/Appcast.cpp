@@ -43,7 +43,7 @@ public:
         while (!xml_.atEnd()) {
             switch (xml_.readNext()) {
             case QXmlStreamReader::DTD:
-                return refused("it has a document type");
+                return refused("it contains a document type declaration");
             case QXmlStreamReader::StartElement:
                 if (!std::exchange(hasRoot_, true)) {
                     if (!is({}, "rss"_L1)) {

@@ -128,7 +128,7 @@ TEST(Appcast, EntityBombsAreRejected) {
     const std::string outside = R"(<!DOCTYPE rss [<!ENTITY f SYSTEM "file:///etc/passwd">]>)";
     for (const auto& bomb : {laughs, outside, std::string("<!DOCTYPE rss>")}) {
         EXPECT_EQ(parseAppcast(bomb + "<rss><channel>&d;&f;</channel></rss>").error,
-                  "The feed cannot be read: it has a document type");
+                  "The feed cannot be read: it contains a document type declaration");
     }
 }
 
