@@ -65,7 +65,7 @@ public:
     void displayRestoreColorSyncSettings() override {}
 };
 
-/// Calls one setter for four virtual displays, down to the call of the port.
+/// Calls one setter for four virtual displays, including the calls to the port.
 void setDimmingOnFourDisplays(benchmark::State& state) {
     VirtualDesktop desktop;
     plugDisplays(desktop);
@@ -112,7 +112,7 @@ void calculateSun(benchmark::State& state) {
 }
 BENCHMARK(calculateSun);
 
-/// Makes only the calendar calls of that computation.
+/// Makes only the calendar calls that this computation makes.
 void calendarCallsOfTheSun(benchmark::State& state) {
     const TimeZone zone(zone::berlin);
     auto now = noon;

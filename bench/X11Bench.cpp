@@ -256,7 +256,7 @@ void startToTrayIcon(benchmark::State& state) {
 }
 BENCHMARK(startToTrayIcon)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
 
-/// Runs the program with a window manager and a panel, and uses the mouse like a person.
+/// Runs the program with a window manager and a panel, and simulates a person who uses the mouse.
 class Person {
 public:
     Person() {
@@ -311,12 +311,13 @@ private:
             return w.width < 64 && w.height < 64 && client_.hasProperty(w.id, "_XEMBED_INFO");
         });
     }
-    /// The popover is the topmost window on the root window.
+    /// Returns the topmost window if it has the size of the popover.
     std::optional<XClient::TopWindow> popover() {
         const auto top = client_.topWindows().back();
         return top.width == 300 && top.height == 280 ? std::optional(top) : std::nullopt;
     }
-    /// The filled track is the only colored part of that line.
+    /// Returns whether the filled part of the slider's track, the only color in its row, is
+    /// visible.
     bool isSliderSeen() {
         const auto found = popover();
         if (!found) {

@@ -17,7 +17,7 @@
 
 namespace nocta {
 
-/// Starts every service in a fixed order, owns the status item and its popover, passes changes of
+/// Starts every service in a fixed order, owns the status item and its popover, passes changed
 /// settings to the services, and restores the screen when the program ends. `NoctaApp` creates it,
 /// and it exists for the lifetime of the process.
 class AppDelegate final : public ApplicationDelegate {
@@ -35,7 +35,7 @@ public:
     /// Called when the user clicks the status item.
     void togglePopover();
 
-    /// Called at the end of an update cycle. Logs the error, if any.
+    /// Called when an update cycle ends. Logs the error, if any.
     static void updaterDidFinishUpdateCycle(const std::optional<std::string>& error);
 
 private:

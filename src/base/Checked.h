@@ -14,8 +14,9 @@ struct Origin {
     std::variant<std::int64_t, double> value;
 };
 
-/// While a context exists, the message of `stopProgram` names these values, so that the user can
-/// correct the value that causes the fault. If contexts are nested, the innermost context is used.
+/// While a context exists, the message of `stopProgram` names the context's values, so that the
+/// user can correct the value that caused the fault. If contexts are nested, the innermost context
+/// is used.
 ///
 ///     const FaultContext context({settings.breakIntervalMinutes.origin()});
 ///     const auto interval = checkedProduct(settings.breakIntervalMinutes.get(), 60);

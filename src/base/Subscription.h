@@ -6,9 +6,9 @@
 
 namespace nocta {
 
-/// Keeps a callback registered for as long as the subscription exists. It may outlive the object
-/// that the callback is registered with. Classes keep their subscriptions in a member named
-/// `cancellables_`, declared last, so that no callback can run on an object that is being
+/// Keeps a callback registered for as long as the subscription exists. A subscription may outlive
+/// the object that its callback is registered with. Classes keep their subscriptions in a member
+/// named `cancellables_`, declared last, so that no callback can run on an object that is being
 /// destroyed.
 ///
 ///     cancellables_.push_back(level.subscribe([this](int value) { show(value); }));

@@ -72,7 +72,8 @@ void BreakOverlayController::snooze() {
     hideWithoutBreak();
 }
 
-/// Hides the covers after the break timer was stopped. Otherwise, the end of the break hides them.
+/// Hides the covers if the break timer was stopped. If it was not stopped, the notification that
+/// the break has ended hides the covers.
 void BreakOverlayController::hideWithoutBreak() {
     if (!isFading_ && !std::holds_alternative<Active>(breakTimer_.state.get())) {
         hide();

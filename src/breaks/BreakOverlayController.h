@@ -16,8 +16,8 @@ namespace nocta {
 
 /// Covers every screen during a break and removes the covers afterward. While covers are shown or
 /// are still fading, it ignores the start of another break and screens that are added or removed.
-/// If the break was stopped while its covers were shown, skip and snooze only remove the covers. It
-/// exists for the lifetime of the process.
+/// If the break was stopped while its covers were shown, skip and snooze only remove the covers.
+/// The controller exists for the lifetime of the process.
 class BreakOverlayController {
 public:
     BreakOverlayController(BreakTimer& breakTimer, OverlayWindows& windows,

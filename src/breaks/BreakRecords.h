@@ -45,7 +45,7 @@ struct Idle {
 
 using BreakState = std::variant<Counting, Active, Paused, Snoozed, Idle>;
 
-/// One break. At its end exactly one of the three outcomes is true.
+/// One break. After it has ended, exactly one of the three outcomes is true.
 struct BreakSession {
     Uuid id;
     WallTime startTime;

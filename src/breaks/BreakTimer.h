@@ -25,7 +25,7 @@ inline constexpr std::int64_t snoozeMinutes = 5;
 
 /// The state machine of the break reminders. It counts down the work interval and then the break,
 /// second by second, and keeps the totals. Code that shows a break observes the two notifications
-/// above. It exists for the lifetime of the process.
+/// above. The timer exists for the lifetime of the process.
 ///
 /// It counts timer ticks, and timers do not run while the machine sleeps, so a countdown, a break
 /// or a snooze resumes where it left off when the machine wakes. Records use the wall clock: if the

@@ -17,8 +17,8 @@ inline constexpr std::string_view meetingDidEndNotification = "NoctaMeetingDidEn
 
 /// Detects whether a meeting application is in front. It checks only the bundle identifier, not
 /// window titles, the camera or the microphone. Google Chrome always counts as a meeting, because
-/// this service cannot distinguish a meeting in a tab from any other page. It exists for the
-/// lifetime of the process.
+/// this service cannot distinguish a meeting in a tab from any other page. The service exists for
+/// the lifetime of the process.
 class MeetingDetectorService {
 public:
     MeetingDetectorService(Workspace& workspace, NotificationCenter& notificationCenter,

@@ -19,7 +19,7 @@ std::int64_t temperatureOfWarmth(double warmth);
 
 /// Sets the color temperature of the displays. In manual mode it follows the warmth slider, in
 /// automatic mode the daylight schedule. Switching between the modes takes 0.3 seconds; everything
-/// else takes effect immediately. It exists for the lifetime of the process.
+/// else takes effect immediately. The service exists for the lifetime of the process.
 class ColorTemperatureService {
 public:
     ColorTemperatureService(SettingsManager& settingsManager, GammaController& gammaController,

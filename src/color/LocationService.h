@@ -20,8 +20,8 @@ public:
 
 /// Gets the machine's coarse location, for sunrise and sunset. Each fix stops the updates until
 /// they are started again. Granting or denying the permission sets `locationEnabled`; turning that
-/// setting off neither stops the updates nor clears the location. It exists for the lifetime of the
-/// process.
+/// setting off neither stops the updates nor clears the location. The service exists for the
+/// lifetime of the process.
 class LocationService final : public LocationProviding, private LocationManagerDelegate {
 public:
     /// Does not ask for permission and does not start updates.

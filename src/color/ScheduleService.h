@@ -13,8 +13,8 @@ namespace nocta {
 
 /// Keeps today's sunrise and sunset and publishes the position of the sun once a minute. Once the
 /// location is known, it uses the sun calculator; until then, it uses 06:30 and 18:30. The
-/// transitions at sunrise and sunset last 30 minutes each. It stores nothing on disk. It exists for
-/// the lifetime of the process.
+/// transitions at sunrise and sunset last 30 minutes each. The service stores nothing on disk. The
+/// service exists for the lifetime of the process.
 ///
 /// It reads only the wall clock. If the clock or the time zone changes, or the machine sleeps, the
 /// next tick corrects the position, at most a minute after the change or after waking.

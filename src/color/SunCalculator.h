@@ -7,7 +7,7 @@ namespace nocta {
 /// Calculates sunrise and sunset at a location with the method of the Almanac for Computers (United
 /// States Naval Observatory, 1990) and the official zenith of 90.833 degrees. It differs from the
 /// printed method in one respect: it computes the position of the sun only once, for local noon,
-/// and uses that for both events. It is stateless.
+/// and uses this position for both events. The calculator is stateless.
 struct SunCalculator {
     /// Both times are on the requested calendar day, in whole minutes.
     struct SunTimes {

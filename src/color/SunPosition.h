@@ -4,13 +4,13 @@
 
 namespace nocta {
 
-/// During the transition around sunrise; `progress` goes from 0 to 1.
+/// The transition around sunrise; `progress` goes from 0 to 1.
 struct Sunrise {
     double progress = 0;
     bool operator==(const Sunrise&) const = default;
 };
 
-/// During the transition around sunset; `progress` goes from 0 to 1.
+/// The transition around sunset; `progress` goes from 0 to 1.
 struct Sunset {
     double progress = 0;
     bool operator==(const Sunset&) const = default;
@@ -24,7 +24,7 @@ struct Night {
     bool operator==(const Night&) const = default;
 };
 
-/// The position of the sun, as the part of the day.
+/// The position of the sun, expressed as a part of the day.
 using SunPosition = std::variant<Sunrise, Sunset, Day, Night>;
 
 } // namespace nocta

@@ -10,7 +10,7 @@
 
 namespace nocta {
 
-/// Is notified of every press of a brightness key. `raises` is true for the key that raises the
+/// Is notified whenever a brightness key is pressed. `raises` is true for the key that raises the
 /// brightness; `level` is the backlight level (0.0–1.0) before the system handles the key.
 class BrightnessKeyboardDelegate {
 public:
@@ -31,7 +31,7 @@ public:
 };
 
 /// Checks whether the main display's backlight can be read, reads it, and watches the brightness
-/// keys. It exists for the lifetime of the process.
+/// keys. The controller exists for the lifetime of the process.
 class BrightnessController final : public BrightnessControlling {
 public:
     /// Calls `probe`. Until the list of displays is first refreshed, the probe finds no backlight,

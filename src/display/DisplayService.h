@@ -11,8 +11,8 @@
 namespace nocta {
 
 /// The list of active displays. It is empty until the application refreshes it at launch. From then
-/// on, the desktop's screen-parameter notification refreshes it. It exists for the lifetime of the
-/// process.
+/// on, the desktop's screen-parameter notification refreshes it. The service exists for the
+/// lifetime of the process.
 class DisplayService {
 public:
     explicit DisplayService(Displays& platform) : platform_(platform) {}

@@ -19,10 +19,10 @@ enum class GammaError { displayNotFound, setTableFailed, invalidTable };
 /// Owns the transfer tables of every active display. It combines dimming, color temperature and
 /// saturation: a change to any of them rebuilds and writes the tables of every display.
 ///
-/// The tables of a newly connected display are not written until the next call of a setter, which
-/// adds the display only to the map of the value that it sets. Displays stay in the maps while the
-/// program runs, so a display that is connected again gets its previous values. It exists for the
-/// lifetime of the process.
+/// The tables of a newly connected display are not written until a setter is next called. The
+/// setter adds the display only to the map of the value that it sets. Displays stay in the maps
+/// while the program runs, so a display that is connected again gets its previous values. The
+/// controller exists for the lifetime of the process.
 class GammaController {
 public:
     GammaController(DisplayService& displayService, GammaOutput& output);

@@ -24,7 +24,7 @@ public:
     static UnifiedBrightnessApplier& shared();
 
     /// Applies a brightness (0.0–1.0) immediately. Unless `allowFullBlack` is on, it dims by at
-    /// most 90%. A change to that setting takes effect at the next call.
+    /// most 90%. A change to that setting takes effect on the next call.
     void apply(double brightness);
 
 private:

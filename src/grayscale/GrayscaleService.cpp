@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 
 constexpr std::int32_t colorCategory = 1;
 constexpr std::int32_t grayscaleType = 1;
-constexpr std::int32_t filtersChanged = 8; // the value for a change to the filters
+constexpr std::int32_t filtersChanged = 8; // means that the filters have changed
 
 constexpr Duration animationDuration = 300ms;
 constexpr int animationSteps = 15;

@@ -13,7 +13,7 @@ namespace nocta {
 /// Turns every display gray with the desktop's own filter. The filter switches abruptly, so the
 /// service fades out the tint of the gamma tables before it switches the filter on, and fades it
 /// back in after it switches the filter off. Does nothing if the system lacks the entry point that
-/// makes the filter take effect immediately. It exists for the lifetime of the process.
+/// makes the filter take effect immediately. The service exists for the lifetime of the process.
 class GrayscaleService {
 public:
     /// Detects whether the user has switched the filter on elsewhere.

@@ -9,14 +9,14 @@ public:
 
     virtual void applicationDidFinishLaunching() = 0;
 
-    /// The user started the program while it was already running.
+    /// Called when the user starts the program while it is already running.
     virtual void applicationDidReopen() = 0;
 
-    /// The user opened the preferences with a key or menu of the desktop, if it has one.
+    /// Called when the user opens the preferences with a key or menu that the desktop provides.
     /// Corresponds to the action showPreferencesWindow: on macOS.
     virtual void showPreferencesWindow() = 0;
 
-    /// The last call to the delegate. After it, no timer fires and no event arrives.
+    /// The last call to the delegate. After this call, no timer fires and no event arrives.
     virtual void applicationWillTerminate() = 0;
 };
 

@@ -12,8 +12,8 @@ inline constexpr std::int64_t spaceKeyCode = 49;
 inline constexpr std::int64_t brightnessDownKeyCode = 144;
 inline constexpr std::int64_t brightnessUpKeyCode = 145;
 
-// The subtype of the system-defined events of auxiliary control buttons, and the state in their
-// data when a button is pressed.
+// The subtype of system-defined events for auxiliary control buttons, and the state that their data
+// contains when a button is pressed.
 inline constexpr std::int16_t auxiliaryControlButtonsSubtype = 8;
 inline constexpr std::int64_t auxiliaryControlButtonDown = 0xA00;
 

@@ -43,7 +43,7 @@ public:
     virtual void setDelegate(LocationManagerDelegate* delegate) = 0;
     virtual AuthorizationStatus authorizationStatus() const = 0;
 
-    /// Asks the user for permission. If the user has already answered, it does nothing and reports
+    /// Asks the user for permission. If the user has already answered, does nothing and reports
     /// nothing.
     virtual void requestWhenInUseAuthorization() = 0;
     virtual void startUpdatingLocation() = 0;

@@ -21,7 +21,7 @@ public:
     virtual void setBehavior(PopoverBehavior behavior) = 0;
     virtual void setAnimates(bool animates) = 0;
 
-    /// The popover owns the view until it has closed.
+    /// The popover owns the view until the popover has closed.
     virtual void setContentView(std::unique_ptr<View> view) = 0;
 
     /// Shows the content next to the item, on the side that faces the middle of the screen, and

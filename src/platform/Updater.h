@@ -43,7 +43,7 @@ public:
         noFeed,        ///< this build has no feed URL
         packageManager ///< the system's package manager updates the program
     };
-    /// `error` describes why the cycle failed, unless the updater has already logged it.
+    /// `error` describes why the cycle failed, unless the updater has already logged the error.
     using DidFinishUpdateCycle = std::function<void(const std::optional<std::string>& error)>;
 
     Published<bool> canCheckForUpdates{false};
@@ -55,8 +55,9 @@ public:
 
     virtual Availability availability() const = 0;
 
-    /// Call it once. If the updater cannot check for updates, returns a description of the error.
-    /// Corresponds to startUpdater: and updater:didFinishUpdateCycleForUpdateCheck:error: on macOS.
+    /// Call this function once. If the updater cannot check for updates, returns a description of
+    /// the error. Corresponds to startUpdater: and
+    /// updater:didFinishUpdateCycleForUpdateCheck:error: on macOS.
     virtual std::optional<std::string> startUpdater(DidFinishUpdateCycle didFinishUpdateCycle) = 0;
 
     // These settings are stored even if the updater cannot check for updates.

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-// Bits for the permissions of a program and for how a notification is shown.
+// Bits for a program's permissions and for the presentation of a notification.
 inline constexpr std::uint32_t notificationSound = 2;
 inline constexpr std::uint32_t notificationAlert = 4;
 inline constexpr std::uint32_t notificationBanner = 16;

@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// The symbol shown in the menu bar. The raw value is the name of the symbol, and it is also what
-/// is stored.
+/// The symbol shown in the menu bar. The raw value, which is also the stored value, is the name of
+/// the symbol.
 enum class MenuBarIcon { eye, leaf, sparkles };
 
 inline constexpr std::array allMenuBarIcons = {MenuBarIcon::eye, MenuBarIcon::leaf,

@@ -12,7 +12,8 @@ namespace nocta {
 
 /// The single source of truth for the user's settings, stored in the defaults store. Writing a
 /// setting publishes and stores its value; the key is the setting's name. Nothing is clamped here:
-/// code that writes a setting must clamp the value. It exists for the lifetime of the process.
+/// code that writes a setting must clamp the value. The manager exists for the lifetime of the
+/// process.
 class SettingsManager : SettingGroup {
 public:
     explicit SettingsManager(DefaultsStore& userDefaults);

@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// Publishes which application is in front and whether a window fills the screen. It exists for the
-/// lifetime of the process.
+/// Publishes which application is in front and whether a window fills the screen. The service
+/// exists for the lifetime of the process.
 class AppMonitorService {
 public:
     AppMonitorService(Workspace& workspace, NotificationCenter& notificationCenter);
@@ -21,7 +21,7 @@ public:
     Published<std::optional<RunningApplication>> frontmostApp;
     Published<bool> isFullscreen;
 
-    /// Call it once.
+    /// Call this function once.
     void startMonitoring();
 
     /// Sets `isFullscreen` to whether any window on screen, of any application, has exactly the

@@ -21,7 +21,7 @@ std::string_view key(FeedbackType type);
 std::string_view label(FeedbackType type);
 
 /// Holds the content of the feedback form and sends it. It keeps the content until it is sent, even
-/// if the user closes the window. It exists for the lifetime of the process.
+/// if the user closes the window. The service exists for the lifetime of the process.
 class FeedbackService {
 public:
     /// `apiBase` is the scheme and host of the vendor's web service, without a trailing slash, or

@@ -6,7 +6,7 @@
 namespace nocta {
 
 /// Turns launch at login on or off. It reads the state from the desktop when it is created; the
-/// setting `launchAtLogin` is not used. It exists for the lifetime of the process.
+/// setting `launchAtLogin` is not used. The service exists for the lifetime of the process.
 class LaunchAtLoginService {
 public:
     explicit LaunchAtLoginService(LoginItem& loginItem);

@@ -6,8 +6,8 @@
 namespace nocta {
 
 /// Registers the notification category for break reminders, with its two buttons, which skip or
-/// snooze the break. It does not post notifications itself. It exists for the lifetime of the
-/// process.
+/// snooze the break. It does not post notifications itself. The service exists for the lifetime of
+/// the process.
 class NotificationService final : private UserNotificationCenterDelegate {
 public:
     NotificationService(UserNotificationCenter& center, BreakTimer& breakTimer);

@@ -9,7 +9,7 @@ namespace nocta {
 
 /// Changes the unified brightness with the keyboard's brightness keys in any application, by a
 /// sixteenth per press. It only observes the keys: the system and the focused application get them
-/// too. It exists for the lifetime of the process.
+/// too. The manager exists for the lifetime of the process.
 class ShortcutsManager {
 public:
     ShortcutsManager(SettingsManager& settingsManager, UnifiedBrightnessApplier& brightnessApplier,

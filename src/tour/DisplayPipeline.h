@@ -21,8 +21,8 @@ public:
     void apply(QImage& picture) const;
 
 private:
-    /// Has the visible level for each input level of one channel, shifted to the channel's position
-    /// in a QRgb.
+    /// Contains the visible level for each input level of one channel, shifted to the channel's
+    /// position in a QRgb.
     using Table = std::array<QRgb, 256>;
 
     Table red_{};

@@ -5,8 +5,7 @@
 
 namespace nocta {
 
-/// A slider for a warmth of 0.0–1.0. Its track shows the color that white has on screen at each
-/// value.
+/// A slider for a warmth of 0.0–1.0. Its track shows how white looks on screen at each value.
 class WarmthSlider final : public TrackSlider {
 public:
     WarmthSlider(const QString& name, Setting<double>& value);
