@@ -39,12 +39,12 @@ const std::map<std::string, Folders> allowed = {
     {"tour", with(services, {"base", "platform", "app", "symbols", "ui", "backends/virtual"})},
 };
 
-/// The main file may include everything, because it connects the desktop to the user interface.
+/// The main file may include any header, because it connects the desktop to the user interface.
 bool isMain(const std::filesystem::path& file) {
     return file == "main.cpp";
 }
 
-/// Folders that must not use Qt, so that they can be built and tested without it.
+/// Folders that must not use Qt, so that they can be built and tested without Qt.
 const Folders withoutQt = with(services, {"base", "platform", "app", "backends/virtual"});
 
 std::string folderOf(const std::string& path) {

@@ -75,7 +75,7 @@ TEST_F(AppDelegateTest, ServicesAreCreatedInOrder) {
         for (const auto* const first :
              {"registerDefaults", "getBrightness", "open", "dataForKey", "setLocationDelegate",
               "setNotificationCategories", "loginItem"}) {
-            if (call.starts_with(first)) { // without the count of registerDefaults
+            if (call.starts_with(first)) { // ignores the number of defaults
                 made.push_back(call.starts_with("registerDefaults") ? first : call);
             }
         }

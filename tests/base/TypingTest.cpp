@@ -31,7 +31,7 @@ TEST(Typing, PauseOfHalfASecondEndsTyping) {
     EXPECT_FALSE(typing.isFromBefore(moment));
     typing.press(moment + 500ms);
     EXPECT_FALSE(typing.isFromBefore(moment))
-        << "typing that began after the moment should not be from before it";
+        << "typing that began after the moment should not count as earlier typing";
 }
 
 TEST(Typing, FirstKeyAtTheMomentIsNotFromBefore) {

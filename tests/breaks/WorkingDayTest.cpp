@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-// Compares whole days of breaks on the virtual clock with a model, second by second.
+// Compares whole days of breaks on the virtual clock with a model, one second at a time.
 
 namespace nocta {
 namespace {

@@ -13,8 +13,8 @@
 #include <ostream>
 #include <string>
 
-// Compares every published position and temperature of a simulated year with an independent
-// computation, minute by minute.
+// Compares every position and temperature published in a simulated year with an independent
+// computation, one minute at a time.
 
 namespace nocta {
 namespace {

@@ -7,7 +7,7 @@
 namespace nocta {
 
 /// The contract of every backlight. `Harness` has a `backlight()` and the display IDs `builtIn` and
-/// `external`. After `fail()` nothing can be read or written.
+/// `external`. After `fail()`, nothing can be read or written.
 template <class Harness>
 class BacklightContract : public ::testing::Test {
 protected:

@@ -20,7 +20,7 @@ protected:
 
     DisplayFilter& filter() { return harness.displayFilter(); }
 
-    /// Applies the preferences the way the service does.
+    /// Applies the preferences as the service does.
     void apply() {
         auto& libraries = harness.dynamicLibraries();
         const auto library = libraries.open("/usr/lib/libUniversalAccess.dylib");

@@ -10,7 +10,7 @@
 namespace nocta {
 
 /// The contract of every login item. `Harness` has a `loginItem()` that is not registered at first.
-/// `switchOff()` disables the item as a user does in the desktop's own settings. After `refuse()`
+/// `switchOff()` disables the item as a user does in the desktop's own settings. After `refuse()`,
 /// the desktop refuses to register anything.
 template <class Harness>
 class LoginItemContract : public ::testing::Test {

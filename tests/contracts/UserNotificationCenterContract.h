@@ -16,7 +16,7 @@ namespace nocta {
 /// The contract of the notifications on every desktop. `Harness` has a `center()`. `shown()`
 /// returns the notifications that were shown, each as its title, its body and the titles of its
 /// buttons. `press(index, actionIdentifier)` presses a button of the notification at `index`. After
-/// `deny()` the desktop allows no notifications. `settle()` returns once the program and the
+/// `deny()`, the desktop allows no notifications. `settle()` returns once the program and the
 /// desktop have processed all messages from each other.
 template <class Harness>
 class UserNotificationCenterContract : public ::testing::Test,

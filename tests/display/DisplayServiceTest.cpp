@@ -127,7 +127,8 @@ TEST_F(DisplayServiceTest, ListIsPublishedBeforeTheMainDisplay) {
     EXPECT_EQ(published, (std::vector<std::string>{"1 displays", "main 1"}));
 }
 
-/// Behaves as if a display were unplugged between the count and the list.
+/// Behaves as if a display were unplugged after the displays are counted and before they are
+/// listed.
 class ShrinkingDisplays final : public Displays {
 public:
     Status getActiveDisplayList(std::span<DisplayId> ids, std::uint32_t& count) override {

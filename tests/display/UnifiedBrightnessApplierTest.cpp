@@ -57,7 +57,7 @@ TEST_F(UnifiedBrightnessApplierTest, BacklightAndDimmingFollowTheCurve) {
 }
 
 /// The expected bits were calculated by hand: the formulas were evaluated in decimal, and the
-/// results rounded to double and then to single precision.
+/// results were rounded to double precision and then to single precision.
 TEST_F(UnifiedBrightnessApplierTest, LevelsAreRoundedToSinglePrecisionOnce) {
     plugBuiltIn();
     plugExternal();

@@ -20,7 +20,7 @@ protected:
     }
     float saturation() { return gamma().currentSaturation().at(external); }
 
-    /// Returns the calls that switch the filter, without the tables written in between.
+    /// Returns the calls that switch the filter, without the table writes in between.
     Calls switches() {
         Calls found;
         for (const auto& call : calls()) {

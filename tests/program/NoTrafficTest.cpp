@@ -70,7 +70,7 @@ protected:
     PrivateBus sessionBus{"DBUS_SESSION_BUS_ADDRESS"};
     PrivateBus systemBus{"DBUS_SYSTEM_BUS_ADDRESS"};
     std::string trace = home.path() + "/trace";
-    std::optional<std::ptrdiff_t> linesOfAnswer; ///< the line count while the error is visible
+    std::optional<std::ptrdiff_t> linesOfAnswer; ///< the number of lines while the error is visible
 
     void SetUp() override {
         NoctaWithPanel::SetUp();
@@ -257,8 +257,8 @@ void NoTrafficTest::useTheMenu() {
     awaitEnd("Preferences — Nocta");
 }
 
-/// Begins at the tab bar. It has focus at first, and gets focus again after the last control of
-/// each tab.
+/// Begins at the tab bar. The tab bar has focus at first, and gets focus again after the last
+/// control in each tab.
 void NoTrafficTest::useThePreferences() {
     const auto window = awaitWindow("Preferences — Nocta");
     useGeneral();

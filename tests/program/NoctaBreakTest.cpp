@@ -71,7 +71,7 @@ protected:
         }
         return true;
     }
-    /// Whether no unmanaged window of the size of an output is shown.
+    /// Whether no unmanaged window of an output's size is shown.
     bool isUncovered() {
         const auto frames = client.activeFrames();
         return std::ranges::none_of(client.topWindows(), [&](const XClient::TopWindow& window) {
@@ -280,7 +280,7 @@ TEST_P(NoctaTypingTest, MouseClicksWorkWhileTheUserTypes) {
     const auto frame = client.activeFrames().at(0);
     for (int y = frame.y + frame.height; y > frame.y && total("snoozed") == 0; y -= 10) {
         client.press('a');
-        client.click(frame.x + frame.width / 2 + 60, y); // moves up until it hits "Snooze 5 min"
+        client.click(frame.x + frame.width / 2 + 60, y); // moves up until it reaches "Snooze 5 min"
     }
     EXPECT_TRUE(waitUntil([&] { return total("snoozed") == 1; })) << contentOf(settings);
 }

@@ -103,7 +103,7 @@ TEST_P(NoctaDeathTest, KilledGuardianIsReplaced) {
     EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }));
 }
 
-/// Kills guardians until the program stops starting new ones for a while.
+/// Kills guardians until the program pauses before it starts a new one.
 class NoctaWithoutGuardianTest : public NoctaDeathTest {
 protected:
     std::vector<pid_t> guardians() { return guardiansOf(nocta->id()); }
@@ -191,8 +191,8 @@ TEST_P(NoctaDeathTest, KilledServerEndsTheProgramWithOneLineAndNoCrash) {
     const auto status = nocta->wait();
     ASSERT_TRUE(WIFEXITED(status)) << "the program should not crash";
     EXPECT_EQ(WEXITSTATUS(status), 1);
-    // Nocta and Qt each have a connection. The one that detects the error first ends the program;
-    // the other may still print its message.
+    // Nocta and Qt each have a connection. The connection that detects the error first ends the
+    // program; the other may still print its message.
     const auto said = contentOf(output).substr(atStart.size());
     const std::string ours = "nocta: the X server has closed the connection\n";
     const std::string theirs = "The X11 connection broke (error 1). Did the X11 server die?\n";

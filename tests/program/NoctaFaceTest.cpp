@@ -101,7 +101,7 @@ TEST_P(NoctaFaceTest, OnboardingCanBeCompletedWithTheKeyboard) {
     EXPECT_TRUE(waitUntil([&] {
         return isClose(client.ramp(client.activeCrtcs().at(0)), expected(0.4, 3460));
     })) << contentOf(settings);
-    press(tab); // moves to the adjustments; the next two go to "Back" and "Continue"
+    press(tab); // moves to the adjustments; the next two move to "Back" and "Continue"
     press(tab);
     press(tab);
     press(space);

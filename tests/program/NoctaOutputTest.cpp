@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-// Printing must never block or end the program.
+// Tests that printing never blocks or ends the program.
 
 namespace nocta {
 namespace {
@@ -45,8 +45,8 @@ protected:
         writer = ends[1];
     }
 
-    /// Expects the program to run normally. It prints at least a line about the missing session
-    /// bus.
+    /// Expects the program to run normally. The program prints at least a line about the missing
+    /// session bus.
     void expectToRun() {
         const auto descriptor = std::to_string(writer);
         nocta = std::make_unique<Process>(std::vector<std::string>{"bash", "-c",

@@ -13,7 +13,7 @@ namespace {
 
 class NoctaProcessTest : public NoctaProcess {
 protected:
-    /// Waits, because the program writes the file after it updates the screen.
+    /// Waits for the content, because the program writes the file after it updates the screen.
     bool waitForSettings(const std::string& content) {
         return waitUntil([&] { return contentOf(settings) == content; });
     }
@@ -143,7 +143,7 @@ TEST_P(NoctaProcessTest, OtherNamesOfTheDisplayDoNotStartASecondInstance) {
     startAndWaitFor(0.75);
     auto variables = environment();
     std::vector<std::string> names{server.display() + ".0"};
-    // Newer versions of libxcb interpret "unix:" as the start of a socket path.
+    // Newer versions of libxcb interpret "unix:" as the prefix of a socket path.
     if (const auto name = "unix" + server.display(); canConnect(name)) {
         names.insert(names.end(), {name, name + ".0"});
     }

@@ -26,7 +26,7 @@ struct Row {
     T defaultValue;
 };
 
-/// Every setting, in the order of loading.
+/// Every setting, in the order in which the settings are loaded.
 const std::tuple rows = {
     Row<double>{&SettingsManager::unifiedBrightness, "unifiedBrightness", 0.75},
     Row<double>{&SettingsManager::warmthLevel, "warmthLevel", 0.5},

@@ -14,7 +14,7 @@ struct wl_event_source;
 
 namespace nocta {
 
-/// Runs the event loop of a Wayland compositor in a thread of the test. While this object exists,
+/// Runs the event loop of a Wayland compositor in a separate thread. While this object exists,
 /// WAYLAND_DISPLAY and XDG_RUNTIME_DIR contain the address of the compositor. The compositor's
 /// objects may be used only inside `call`.
 class CompositorThread {
@@ -26,7 +26,7 @@ public:
 
     wl_display* display() const { return display_; }
 
-    /// Runs the action in the thread of the compositor, and returns when it is done.
+    /// Runs the action in the compositor's thread, and returns when the action is done.
     void call(const std::function<void()>& action);
 
     /// Suspends the compositor until `resume` is called.

@@ -10,8 +10,8 @@
 
 namespace nocta {
 
-/// Whether a ramp of 256 entries (all levels of red, then of green, then of blue) is the one of
-/// this brightness (0.0–1.0) and white point, within one 16-bit step.
+/// Whether a ramp of 256 entries (all levels of red, then of green, then of blue) matches this
+/// brightness (0.0–1.0) and white point, within one 16-bit step.
 inline bool isEngineTable(const std::vector<std::uint16_t>& levels, double brightness,
                           double kelvin) {
     constexpr std::size_t size = 256;

@@ -8,7 +8,7 @@
 
 namespace nocta {
 
-/// Runs Qt's event loop until the condition holds; returns false after a generous timeout.
+/// Runs Qt's event loop until the condition holds. Returns false after a generous timeout.
 inline bool serveUntil(const std::function<bool()>& condition) {
     const QDeadlineTimer ample(30000);
     while (!condition() && !ample.hasExpired()) {

@@ -21,7 +21,7 @@ protected:
     WidgetViews realViews{instances()};
     std::unique_ptr<View> view;
 
-    /// Shows a view at the size that it has in its window.
+    /// Shows a view at the size that the view has in its window.
     void open(std::unique_ptr<View> newView, const QSize& least = {}) {
         view = std::move(newView);
         fit(least);

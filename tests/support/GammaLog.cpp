@@ -1,8 +1,8 @@
-// Preloaded into a headless sway, whose outputs do not support gamma. Gives each output ramps of
-// 256 entries and logs the ramps that the compositor sets. Each line of the file GAMMA_LOG contains
-// the number of an output and its ramps: all red levels, then green, then blue. Outputs are
-// numbered in the order in which their ramp sizes were first requested. If the original ramps are
-// restored, the line contains only the number.
+// Preloaded into a headless sway, whose outputs do not support gamma. This library gives each
+// output ramps of 256 entries and logs the ramps that the compositor sets. Each line of the file
+// GAMMA_LOG contains the number of an output and its ramps: all red levels, then green, then blue.
+// Outputs are numbered in the order in which their ramp sizes were first requested. If the original
+// ramps are restored, the line contains only the number.
 
 #include <algorithm>
 #include <cstddef>

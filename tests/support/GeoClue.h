@@ -23,7 +23,8 @@
 
 namespace nocta {
 
-/// A mock location service. It records every call; the test chooses which calls it answers.
+/// A mock location service. It records every call; the test chooses which calls the service
+/// answers.
 class MockGeoClue final : public QDBusVirtualObject {
 public:
     enum class Start { agrees, refuses, waits };
@@ -50,7 +51,7 @@ public:
         bus_.send(signal);
     }
 
-    // These answer a pending `Start`.
+    // These functions answer a pending `Start`.
     void answerStart() { bus_.send(waitingStart_.createReply()); }
     void refuseStart() {
         bus_.send(waitingStart_.createErrorReply(QDBusError::AccessDenied, "refused"));
@@ -131,10 +132,11 @@ public:
                                        std::to_string(server_.serverPort()) + "/\n");
     }
 
-    /// Whether this machine allows a process to mount its own configuration file in a namespace.
+    /// Whether this machine allows a process to mount a configuration file in a namespace.
     bool canStart() const { return runToEnd(inNamespace("true")) == 0; }
 
-    /// Starts the daemon without cached locations. If it is already running, it is restarted.
+    /// Starts the daemon without cached locations. If the daemon is already running, it is
+    /// restarted.
     void start() {
         process_.reset();
         isAsked_ = false;
@@ -142,10 +144,10 @@ public:
                          folder_.path() + "/output");
     }
 
-    /// Leaves location requests unanswered from now on.
+    /// From now on, leaves location requests unanswered.
     void hidePlace() { place_.clear(); }
 
-    /// Answers every location request with this location from now on, including pending ones.
+    /// From now on, answers every location request with this location, including pending ones.
     void setPlace(double latitude, double longitude) {
         place_ = QString(R"({"location":{"lat":%1,"lng":%2},"accuracy":1000})")
                      .arg(latitude)
@@ -197,7 +199,7 @@ public:
     LocationAgent& operator=(const LocationAgent&) = delete;
     ~LocationAgent() override { QDBusConnection::disconnectFromBus("location-agent"); }
 
-    /// Registers with the daemon. Returns false if it is not running or refuses this agent.
+    /// Registers with the daemon. Returns false if the daemon is not running or refuses this agent.
     bool registerWithDaemon() {
         auto call = QDBusMessage::createMethodCall("org.freedesktop.GeoClue2",
                                                    "/org/freedesktop/GeoClue2/Manager",

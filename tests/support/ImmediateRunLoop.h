@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-/// A run loop in which posted actions run immediately. It has no timers.
+/// A run loop that runs posted actions immediately. It has no timers.
 class ImmediateRunLoop final : public RunLoop {
 public:
     WallTime wallNow() const override { return {}; }

@@ -6,7 +6,8 @@
 namespace nocta {
 
 /// A second implementation of the sun calculation. It uses long double and normalizes angles with
-/// remainders. The times are in minutes after midnight; there are none on polar days and nights.
+/// remainders. The times are in minutes after midnight. During polar day and polar night, there are
+/// no times.
 struct IndependentSun {
     long double sunrise = 0;
     long double sunset = 0;

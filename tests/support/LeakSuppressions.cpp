@@ -1,5 +1,5 @@
-// Suppresses leaks in libraries. Linked into every program that is built with the address
-// sanitizer.
+// Suppresses reports of leaks in libraries. This file is linked into every program that is built
+// with the address sanitizer.
 
 extern "C" const char* __lsan_default_options();
 extern "C" const char* __lsan_default_suppressions();

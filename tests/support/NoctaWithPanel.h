@@ -40,13 +40,13 @@ protected:
         panel.emplace(std::vector<std::string>{"tint2"}, variables, home.path() + "/tint2");
     }
 
-    /// Finds the window with that title.
+    /// Finds the window with the given title.
     std::optional<Window> find(const std::string& title) {
         const auto found =
             client.windows([&](const Window& window) { return client.nameOf(window.id) == title; });
         return found.empty() ? std::nullopt : std::optional(found.front());
     }
-    /// Waits until the window manager has placed the window and given it the focus.
+    /// Waits until the window manager has placed and focused the window.
     Window waitFor(const std::string& title) {
         EXPECT_TRUE(waitUntil([&] {
             const auto window = find(title);

@@ -1,6 +1,6 @@
 // Preloaded into Xorg with the dummy driver. The driver prints the name of each output into a
-// buffer; this library replaces the first names with those in OUTPUT_NAMES. Each name there ends
-// with a space.
+// buffer; this library replaces the first names with those in OUTPUT_NAMES. Each name in
+// OUTPUT_NAMES ends with a space.
 
 #include <cstdarg>
 #include <cstdio>
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Returns the name for the output with that number, or null.
+/// Returns the name for the output with the given number, or null.
 const char* nameOf(unsigned int output) {
     const auto* name = std::getenv("OUTPUT_NAMES");
     for (; name != nullptr && *name != '\0'; --output) {
@@ -23,7 +23,7 @@ const char* nameOf(unsigned int output) {
 
 } // namespace
 
-// The driver calls this instead of `snprintf` if it was built with buffer checks.
+// The driver calls this function instead of `snprintf` if the driver was built with buffer checks.
 extern "C" int __snprintf_chk(char* buffer, std::size_t size, int /*flag*/, std::size_t /*room*/,
                               const char* format, ...) {
     std::va_list arguments;

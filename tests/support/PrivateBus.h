@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// A private message bus for the test. An environment variable contains its address. All buses for
-/// one variable share an address, because the D-Bus library reads the variable only once.
+/// A private message bus for the test. An environment variable contains the address of the bus. All
+/// buses for one variable share an address, because the D-Bus library reads the variable only once.
 class PrivateBus {
 public:
     /// `variable` is DBUS_SYSTEM_BUS_ADDRESS or DBUS_SESSION_BUS_ADDRESS.
@@ -16,7 +16,7 @@ public:
 
     const std::string& address() const { return address_; }
 
-    /// SIGSTOP makes the bus stop answering, SIGCONT lets it continue.
+    /// SIGSTOP makes the bus stop answering; SIGCONT lets the bus continue.
     void signal(int number) const { process_->signal(number); }
 
 private:

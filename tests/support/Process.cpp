@@ -43,7 +43,7 @@ Process::Process(const std::vector<std::string>& command, const Environment& var
     if (id_ != 0) {
         return;
     }
-    prctl(PR_SET_PDEATHSIG, SIGKILL); // if the test program dies, its children die too
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // if the test program dies, the child dies too
     for (const auto& [name, value] : variables) {
         if (value.empty()) {
             unsetenv(name.c_str());

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// Polls until the condition holds; returns false after a timeout that is long enough for a busy
+/// Polls until the condition holds. Returns false after a timeout that is long enough for a busy
 /// machine.
 bool waitUntil(const std::function<bool()>& condition);
 

@@ -32,7 +32,7 @@ public:
 
     int questions = 0;
     std::map<std::string, QVariantMap> settings;
-    std::optional<QVariant> invalidAnswer; ///< if set, sent as the answer instead of the settings
+    std::optional<QVariant> invalidAnswer; ///< if set, this value is sent instead of the settings
 
     void emitSettingChanged() {
         auto signal = QDBusMessage::createSignal(

@@ -20,7 +20,7 @@ struct TestLayer {
     std::uint32_t layer = 0;
     std::uint32_t anchors = 0;
     std::int32_t exclusiveZone = 0;
-    std::int32_t margin = 0; ///< at the top
+    std::int32_t margin = 0; ///< the top margin
     std::uint32_t keyboard = 0;
     std::uint32_t wantedWidth = 0;
     std::uint32_t wantedHeight = 0;
@@ -36,10 +36,10 @@ struct TestSurface;
 
 /// A Wayland compositor for tests that supports layer surfaces. It gives keyboard focus to the
 /// newest surface that requests it exclusively. The index of a surface is its position in
-/// `mapped()`. Each function returns after the compositor has run it.
+/// `mapped()`. Each function returns after its action has run in the compositor.
 class ShellCompositor {
 public:
-    /// Does not offer the interfaces in `withheld`.
+    /// The compositor does not offer the interfaces in `withheld`.
     explicit ShellCompositor(const std::set<std::string>& withheld = {});
     ShellCompositor(const ShellCompositor&) = delete;
     ShellCompositor& operator=(const ShellCompositor&) = delete;

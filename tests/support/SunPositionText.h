@@ -6,7 +6,7 @@
 
 namespace nocta {
 
-// GoogleTest prints these in the messages of failed expectations.
+// GoogleTest prints these texts in the messages of failed expectations.
 
 inline void PrintTo(const Sunrise& sunrise, std::ostream* stream) {
     *stream << "sunrise, " << sunrise.progress << " of the span";

@@ -20,7 +20,8 @@ constexpr uid_t nobody = 65534;
 
 Sway::Sway() {
     const auto& folder = folder_.path();
-    // Sway refuses to run as root, and another user may not have access to this program's folder.
+    // Sway refuses to run as root, and another user may not have access to the test program's
+    // folder.
     const auto user = geteuid() == 0 ? nobody : geteuid();
     std::filesystem::copy(programFolder() + "/libnocta_gamma_log.so", folder);
     writeFile(folder + "/config", "xwayland disable\noutput * resolution 1280x720\n");

@@ -10,13 +10,13 @@
 
 namespace nocta {
 
-/// A private headless sway. WAYLAND_DISPLAY and XDG_RUNTIME_DIR contain its address. It starts with
-/// one output, HEADLESS-1, and without Xwayland.
+/// A private headless sway. WAYLAND_DISPLAY and XDG_RUNTIME_DIR contain its address. Sway starts
+/// with one output, HEADLESS-1, and without Xwayland.
 class Sway {
 public:
     Sway();
 
-    /// Whether gamma tables can be logged. This is not possible with versions of wlroots after
+    /// Whether gamma tables can be logged. Logging does not work with versions of wlroots after
     /// 0.16.
     static bool canLogGamma();
 
@@ -32,9 +32,9 @@ public:
     /// Kills the compositor.
     void kill();
 
-    /// The history of an output's ramps. Each entry contains all red levels, then green, then blue;
-    /// it is empty if the original ramps were restored. A client must have requested the outputs'
-    /// ramp sizes in the order of their names.
+    /// The history of an output's ramps. Each entry contains all red levels, then green, then blue.
+    /// An entry is empty if the original ramps were restored. A client must have requested the
+    /// outputs' ramp sizes in the order of their names.
     std::vector<std::vector<std::uint16_t>> gammaOf(const std::string& output) const;
 
     /// The folder of the socket, which is private to this user.

@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    /// Adds a device with a link to its parent, and its entry in its class.
+    /// Adds a device with a link to its parent, and adds the device to its class.
     std::string add(const std::string& device, const std::string& ofClass) const {
         std::filesystem::create_directories(path() + "/" + device);
         std::filesystem::create_symlink("..", path() + "/" + device + "/device");

@@ -14,9 +14,10 @@ namespace nocta {
 
 struct TestOutput;
 
-/// A small Wayland compositor for tests. WAYLAND_DISPLAY contains its name while it exists. It
-/// supports outputs with gamma control and power management, records the clients' requests, and can
-/// simulate failures. Each function returns after the compositor has run it.
+/// A small Wayland compositor for tests. WAYLAND_DISPLAY contains its name while the compositor
+/// exists. The compositor supports outputs with gamma control and power management, records the
+/// clients' requests, and can simulate failures. Each function returns after its action has run in
+/// the compositor.
 class TestCompositor {
 public:
     /// An output's response to a request for gamma control.
@@ -33,11 +34,11 @@ public:
     void removeOutput(const std::string& name = "DP-2");
 
     /// Removes the output just before the compositor reads the given request about outputs, gamma
-    /// or power, counted from 1. Does nothing if fewer are made.
+    /// or power, counted from 1. Does nothing if fewer requests are made.
     void removeOutputAtRequest(const std::string& name, int request);
     int outputRequests() const;
 
-    /// Applies to every later request for a gamma control of this output.
+    /// Sets the response to every later request for gamma control of this output.
     void respond(const std::string& name, Response response, std::uint32_t size = 256);
     /// Sends the size to a client that is still waiting for a response.
     void respondLate(const std::string& name);
@@ -57,8 +58,8 @@ public:
     /// For other parts of the compositor. The user data of an output resource is a `TestOutput`.
     CompositorThread& thread() { return thread_; }
 
-    /// The history of an output's ramps. Each entry contains all red levels, then green, then blue;
-    /// it is empty if the original ramps were restored.
+    /// The history of an output's ramps. Each entry contains all red levels, then green, then blue.
+    /// An entry is empty if the original ramps were restored.
     std::vector<std::vector<std::uint16_t>> gammaOf(const std::string& name) const;
     /// The number of requests for gamma control of the output.
     int gammaRequests(const std::string& name) const;

@@ -67,7 +67,7 @@ protected:
         instances_.reset();
     }
 
-    /// The dimming that a display shows. It is read from the red table, which 6500 K does not tint.
+    /// The dimming that a display shows, read from the red table, which 6500 K does not tint.
     float shownDimming(DisplayId id) {
         const auto& red = desktop.displays.display(id).red;
         return red.empty() ? 0.0F : 1.0F - red.back();

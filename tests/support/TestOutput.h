@@ -24,7 +24,7 @@ struct TestOutput {
     bool isOn = true;
     TestCompositor::Response response = TestCompositor::Response::size;
     std::uint32_t size = 256;
-    wl_resource* control = nullptr; ///< of the client that has or requests gamma control
+    wl_resource* control = nullptr; ///< belongs to the client that has or requests gamma control
     std::vector<std::vector<std::uint16_t>> gamma{};
     int gammaRequests = 0;
     std::vector<wl_resource*> powers{};

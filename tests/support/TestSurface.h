@@ -19,7 +19,7 @@ struct TestSurface {
     TestLayer pending{};
     TestLayer current{};
     std::optional<std::uint32_t> attached{}; ///< the pending buffer; 0 for none
-    std::pair<int, int> destination{};       ///< of the viewport
+    std::pair<int, int> destination{};       ///< the size of the viewport
     std::vector<wl_resource*> frames{};
     std::uint32_t configured = 0; ///< the latest serial
     std::uint32_t acknowledged = 0;

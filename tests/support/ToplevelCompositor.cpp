@@ -23,7 +23,7 @@ struct ToplevelCompositor::Output {
     std::string name;
     int x;
     wl_global* global = nullptr;
-    wl_resource* resource = nullptr; ///< of the client
+    wl_resource* resource = nullptr; ///< the client's object for this output
 };
 
 struct ToplevelCompositor::Interfaces {

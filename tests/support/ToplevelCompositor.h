@@ -17,7 +17,7 @@ namespace nocta {
 
 /// A small Wayland compositor for tests. It has outputs, and reports windows to one client with the
 /// wlr-foreign-toplevel-management protocol. A test chooses the exact events and their order. The
-/// events of one `send` reach the client together.
+/// events from one call to `send` reach the client together.
 class ToplevelCompositor {
 public:
     enum class State : std::uint32_t { maximized, minimized, activated, fullScreen };
@@ -45,7 +45,7 @@ public:
     void finishDescription(std::size_t window);
     void close(std::size_t window);
 
-    /// Sends the `finished` event, after which no windows are reported.
+    /// Sends the `finished` event. Afterward, no windows are reported.
     void finish();
 
 private:

@@ -54,7 +54,7 @@ std::vector<std::string> underWatch(const std::vector<std::string>& command,
                                     const std::string& traceFile) {
     std::vector<std::string> watched = {"strace",
                                         "--follow-forks",
-                                        "--seccomp-bpf", // without this, every system call is slow
+                                        "--seccomp-bpf", // otherwise every system call is slow
                                         "--trace=network,io_uring_setup",
                                         "--signal=none",
                                         "--quiet=all",

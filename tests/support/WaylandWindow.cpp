@@ -1,6 +1,6 @@
 // A program with one white window, for tests: nocta_wayland_window APP_ID TITLE. If APP_ID is
-// empty, the window has no app ID. Each key press in the window prints a line with the number of
-// the key. The program exits when its window is closed or the compositor exits.
+// empty, the window has no app ID. For each key press in the window, the program prints a line with
+// the number of the key. The program exits when its window is closed or the compositor exits.
 
 #include <cstdint>
 #include <cstdlib>

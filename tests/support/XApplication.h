@@ -10,12 +10,13 @@
 
 namespace nocta {
 
-/// An application on the X server in DISPLAY, with its own connection and windows. It can send the
-/// window manager the requests that user actions cause, for example to minimize a window. It can
-/// also write any property, including properties of the root window.
+/// An application on the X server in DISPLAY, with its own connection and windows. The application
+/// can send the window manager the requests that user actions cause, for example to minimize a
+/// window. It can also write any property, including properties of the root window.
 class XApplication {
 public:
-    /// Sets the instance and the class of its windows; without a class, they have no WM_CLASS.
+    /// Sets the instance and the class of its windows. Without a class, the windows have no
+    /// WM_CLASS.
     explicit XApplication(std::string instance = {}, std::string windowClass = {});
     XApplication(const XApplication&) = delete;
     XApplication& operator=(const XApplication&) = delete;

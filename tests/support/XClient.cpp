@@ -28,7 +28,7 @@ Owned<Reply> needed(Reply* reply) {
     return Owned<Reply>(reply);
 }
 
-/// A key code that no keyboard uses.
+/// A key code that no real key uses.
 constexpr xcb_keycode_t spareKey = 248;
 
 /// Milliseconds before a key event. A key that is released and pressed in the same millisecond

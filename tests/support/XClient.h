@@ -13,8 +13,8 @@
 
 namespace nocta {
 
-/// Another client of the X server, with its own connection: it reads what the program under test
-/// has written, calibrates displays before the program starts, and types.
+/// Another client of the X server, with its own connection. It reads data that the program under
+/// test has written, calibrates displays before the program starts, and simulates input.
 class XClient {
 public:
     /// Red, green and blue levels.
@@ -26,7 +26,7 @@ public:
     XClient& operator=(const XClient&) = delete;
     ~XClient();
 
-    /// The CRTCs in use, by output, in the server's order.
+    /// The CRTCs in use, in the server's order of outputs.
     std::vector<xcb_randr_crtc_t> activeCrtcs();
     xcb_randr_crtc_t crtcOf(xcb_randr_output_t output);
 
@@ -41,8 +41,8 @@ public:
     /// The pixel of a translucent window at a point, as 0xAARRGGBB.
     std::uint32_t translucentPixel(xcb_window_t window, std::int16_t x, std::int16_t y);
 
-    /// Presses and releases the key with this symbol. If the symbol has no key, it is first
-    /// mapped to a free one.
+    /// Presses and releases the key with this symbol. If no key has the symbol, a free key is
+    /// mapped to it first.
     void press(xcb_keysym_t symbol);
     void hold(xcb_keysym_t symbol);
     void release(xcb_keysym_t symbol);
@@ -56,10 +56,10 @@ public:
     /// Makes the server close the connection of the client that owns a window.
     void disconnect(xcb_window_t window);
 
-    /// Takes ownership of the selection of XEmbed trays and announces itself, as a panel does.
+    /// Takes ownership of the XEmbed tray selection and announces itself, as a panel does.
     void becomeSystemTray();
 
-    /// Takes ownership of the compositors' selection without compositing anything.
+    /// Takes ownership of the compositor selection without compositing anything.
     void becomeCompositor();
 
     /// Sets a property of the root window to a list of numbers of 8, 16 or 32 bits, depending on
@@ -70,7 +70,7 @@ public:
     std::vector<std::uint8_t> rootProperty(const std::string& name);
     void setRootText(const std::string& name, const std::string& text);
 
-    /// Writes a property of numbers, or of atoms, to every output.
+    /// Writes a property that contains numbers or atoms to every output.
     void setOutputProperty(const std::string& name, const std::vector<std::uint32_t>& numbers,
                            xcb_atom_t type = XCB_ATOM_INTEGER);
     std::vector<std::uint32_t> outputProperty(const std::string& name, xcb_randr_output_t output);
@@ -114,7 +114,7 @@ public:
     xcb_atom_t atom(const std::string& name);
     /// The first number in a property, or 0.
     std::uint32_t number(xcb_window_t window, const std::string& property);
-    /// Counts writes to the properties of the window from now on.
+    /// From now on, counts writes to the properties of the window.
     void countWrites(xcb_window_t window);
     int writesTo(const std::string& property);
 

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// A private X server. DISPLAY contains its name.
+/// A private X server. DISPLAY contains the server's name.
 class XServer {
 public:
     /// Xvfb has one output, whose ramp is all zeros at first. Xorg with the dummy driver has

@@ -49,7 +49,7 @@ protected:
         view.show();
         QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, view.mapFromScene(place));
     }
-    /// Returns the fraction of the pixels in which two pictures differ.
+    /// Returns the fraction of pixels that differ between two pictures.
     static double difference(const QImage& a, const QImage& b) {
         int count = 0;
         for (int y = 0; y < a.height(); ++y) {

@@ -80,7 +80,7 @@ class BreakOverlayLookTest : public ShownBreak {
 protected:
     static constexpr int backdropAlpha = 179; // 0.7
     static constexpr int white = 255;
-    static constexpr int faint = 51; // white at 0.2
+    static constexpr int faint = 51; // white with alpha 0.2
 
     void SetUp() override {
         desktop.workspace.reducesMotion = true; // the ring moves in steps

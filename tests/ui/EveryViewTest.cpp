@@ -1,4 +1,4 @@
-// Checks every view in several languages and both directions: nothing is cut off or untranslated,
+// Checks every view in several languages and both directions: no text is cut off or untranslated,
 // and every control has a name and can be reached with the keyboard.
 
 #include "support/Face.h"

@@ -13,7 +13,7 @@ TEST(Percent, FractionsAreTruncated) {
     EXPECT_EQ(wholePercent(0.999), 99);
     EXPECT_EQ(wholePercent(1.0), 100);
     EXPECT_EQ(wholePercent(0.29), 28)
-        << "the double nearest to 0.29 is less than 0.29 and should be truncated";
+        << "the double nearest to 0.29 is less than 0.29, so the percentage should be 28";
     EXPECT_EQ(wholePercent(0.57), 56);
     EXPECT_EQ(wholePercent(0.58), 57);
 }

@@ -60,8 +60,8 @@ protected:
         Face::TearDown();
     }
 
-    /// Returns the content of the view in order: texts unchanged, symbols in angle brackets, and
-    /// each control with its kind in front.
+    /// Returns the content of the view in order. Texts are unchanged, symbols are in angle
+    /// brackets, and each control is preceded by its kind.
     Lines shown() {
         drawnSymbols.clear();
         widget().grab();
@@ -125,8 +125,8 @@ private:
         }
     }
 
-    /// Checks that the layout is in reading order: each part is to the right of the previous one or
-    /// below it.
+    /// Checks that the layout is in reading order: each part is to the right of the previous part
+    /// or below it.
     void expectAfterTheLast(const QWidget& part, const std::string& line) {
         constexpr int tolerance = 8; // points
         const QRect place(part.mapTo(&widget(), QPoint()), part.size());

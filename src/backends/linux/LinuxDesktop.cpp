@@ -73,7 +73,7 @@ std::filesystem::path stateFolder() {
     return baseDirectory("XDG_STATE_HOME", ".local/state") / "nocta";
 }
 
-/// The folder of the lock and the socket that belong to the running process.
+/// The folder for the lock and the socket of the running process.
 std::filesystem::path runtimeFolder() {
     const std::filesystem::path folder = environment("XDG_RUNTIME_DIR");
     if (folder.is_absolute()) {

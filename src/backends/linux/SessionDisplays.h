@@ -11,7 +11,7 @@
 
 namespace nocta {
 
-/// The list of displays that a subclass, which asks the display server, has published last.
+/// The displays that a subclass has most recently read from the display server and published.
 class SessionDisplays : public Displays {
 public:
     explicit SessionDisplays(NotificationCenter& notificationCenter)
@@ -28,14 +28,14 @@ public:
     /// The IDs of all displays.
     std::vector<DisplayId> ids() const;
 
-    /// The name of a display's output, which the server takes from the connector: "eDP-1",
-    /// "HDMI-2". Empty if the display is gone.
+    /// The name of a display's output, which the server derives from the name of its connector:
+    /// "eDP-1", "HDMI-2". Empty if the display is gone.
     const std::string& outputName(DisplayId display) const { return find(display).name; }
 
 protected:
     struct Display {
         DisplayId id = 0;
-        std::string name; ///< of the output
+        std::string name; ///< the name of the output
         bool isMain = false;
         bool isBuiltIn = false;
         Rect bounds;
@@ -44,7 +44,7 @@ protected:
         bool operator==(const Display&) const = default;
     };
 
-    /// Posts `didChangeScreenParametersNotification` if anything differs from before.
+    /// Posts `didChangeScreenParametersNotification` if anything has changed.
     void publish(std::vector<Display> displays);
 
     /// Returns an empty description if the display is gone.

@@ -8,10 +8,10 @@
 
 namespace nocta {
 
-/// The display filter of a Linux session, which uses the session's `GrayscaleFilter`. On macOS, the
-/// entry point that applies a change comes from a library that is loaded at run time. This class
-/// imitates that library on purpose, so that the service looks for the entry point in the same way
-/// on every desktop. Opening the library succeeds only if the session can turn its screen gray.
+/// The display filter for Linux, which uses the session's `GrayscaleFilter`. On macOS, the entry
+/// point that applies a change comes from a library that is loaded at run time. This class imitates
+/// that library on purpose, so that the service looks for the entry point in the same way on every
+/// desktop. Opening the library succeeds only if the session can turn its screen gray.
 class SessionFilter final : public DisplayFilter, public DynamicLibraries {
 public:
     /// `grayscale` is null if the session has no way to turn gray.

@@ -51,8 +51,8 @@ bool canConnectToWayland() {
     return connect(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
-/// Whether Qt can run on Wayland, or was told to run on something else. Qt's Wayland plugin is in a
-/// separate package, and Qt aborts if it finds no plugin.
+/// Whether Qt can run on Wayland, or has been configured to use another platform. Qt's Wayland
+/// plugin is in a separate package, and Qt aborts if it finds no plugin.
 bool hasQtForWayland() {
     const auto folders = QCoreApplication::libraryPaths();
     return !environment("QT_QPA_PLATFORM").empty() ||

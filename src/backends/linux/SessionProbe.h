@@ -32,7 +32,7 @@ std::optional<WindowSystem> probeWindowSystem();
 /// The canonical name of the display server.
 std::string serverName(WindowSystem system);
 
-/// Qt's name for the window system; empty if the user has chosen one for Qt.
+/// Qt's name for the window system; empty if the user has already chosen a platform for Qt.
 std::string qtPlatform(WindowSystem system);
 
 /// The ports that depend on the display server: displays, gamma, grayscale, keys and applications.
@@ -61,7 +61,7 @@ struct SessionContext {
     std::filesystem::path magnifierState; ///< a file
 };
 
-/// Makes the ports that this session supports. The choice depends on what the display server
+/// Creates the ports that this session supports. The choice depends on what the display server
 /// offers, not on the name of the desktop.
 SessionPorts probeSession(WindowSystem system, const SessionContext& context);
 

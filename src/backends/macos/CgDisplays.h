@@ -8,7 +8,7 @@
 
 namespace nocta {
 
-/// A change to the displays is posted on the program's notification center.
+/// Changes to the displays are posted on the program's notification center.
 class CgDisplays final : public Displays {
 public:
     explicit CgDisplays(NotificationCenter& notificationCenter)

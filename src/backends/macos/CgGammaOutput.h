@@ -13,9 +13,9 @@
 namespace nocta {
 
 /// The window server restores the factory tables when the process dies. It also drops the tables
-/// when the displays change and when the machine or its displays sleep, so this class sends the
-/// last ones again. The window server may drop them for a few more seconds after the system
-/// wakes, without any notification.
+/// when the displays change and when the machine or its displays sleep, so this class resends the
+/// last tables. The window server may drop them for a few more seconds after the system wakes,
+/// without any notification.
 class CgGammaOutput final : public GammaOutput {
 public:
     explicit CgGammaOutput(RunLoop& runLoop) : runLoop_(runLoop) {}

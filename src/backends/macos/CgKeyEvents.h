@@ -14,9 +14,9 @@ static_assert(tapDisabledByTimeoutEventType == kCGEventTapDisabledByTimeout);
 static_assert(tapDisabledByUserInputEventType == kCGEventTapDisabledByUserInput);
 
 /// The system refuses the tap until the user has allowed the program to watch the keyboard, in the
-/// privacy settings. When the user withdraws the permission, the system reports no error. It
-/// disables the tap after a key has waited for the tap too long, and enabling the tap again would
-/// delay the next keys as well.
+/// privacy settings. When the user withdraws the permission, the system reports no error. Instead,
+/// the system disables the tap after a key has waited for the tap too long, and enabling the tap
+/// again would delay the next keys as well.
 class CgKeyEvents final : public KeyEvents {
 public:
     Subscription addGlobalMonitorForSystemDefinedEvents(
@@ -52,7 +52,7 @@ public:
     }
 
 private:
-    /// The callback's user info points to this.
+    /// The callback's user info points to this struct.
     struct Tap {
         std::function<void(const KeyDownEvent&)> handler;
         CFMachPortRef port = nullptr;

@@ -6,7 +6,7 @@
 
 #import <CoreLocation/CoreLocation.h>
 
-/// Forwards the manager's calls.
+/// Forwards the location manager's calls to `receiver`.
 @interface NoctaLocationDelegate : NSObject <CLLocationManagerDelegate>
 @property(nonatomic) nocta::LocationManagerDelegate* receiver; // not owned; null if none
 @end

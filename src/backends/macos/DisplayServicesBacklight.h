@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// Uses a private framework that is looked up at run time and stays loaded. Without it, or without
-/// one of its functions, every call fails.
+/// Uses a private framework that is looked up at run time and stays loaded. If the framework or one
+/// of its functions is missing, every call fails.
 class DisplayServicesBacklight final : public Backlight {
 public:
     Status getBrightness(DisplayId display, float& level) override {

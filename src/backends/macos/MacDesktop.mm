@@ -107,7 +107,7 @@ public:
 };
 
 /// When a bundle is started a second time, the system reopens the first process. A terminal can
-/// start a second process, which does the same here.
+/// start a second process; in that case, this function reopens the first process.
 bool reopenRunningProcess() {
     NSString* const identifier = NSBundle.mainBundle.bundleIdentifier;
     if (identifier == nil) {

@@ -21,8 +21,9 @@
 
 namespace nocta {
 
-/// Sparkle's standard updater, with its own windows. Its feed and its key are in Info.plist. Until
-/// it is started, it checks nothing, and every setting is off.
+/// Sparkle's standard updater, with its own windows. The feed's address and the public key are in
+/// Info.plist. Until the updater is started, it does not check for updates, and every setting is
+/// off.
 class MacUpdater final : public Updater {
 public:
     MacUpdater() = default;
@@ -74,7 +75,7 @@ private:
     NoctaUpdaterDelegate* delegate_ = [[NoctaUpdaterDelegate alloc] init]; // retained
     SPUStandardUpdaterController* controller_ = nil;
     /// This program is not in the Dock, so Sparkle would show the result of a scheduled check
-    /// behind the windows of other programs. Opening the popover therefore starts a user's check,
+    /// behind the windows of other programs. So opening the popover starts a user-initiated check,
     /// which brings the result to the front.
     Subscription popoverDidShow_ =
         observe(NSNotificationCenter.defaultCenter, NSPopoverDidShowNotification, nil,

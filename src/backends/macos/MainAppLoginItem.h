@@ -15,7 +15,7 @@ static_assert(loginItemStatus(SMAppServiceStatusRequiresApproval) ==
 static_assert(loginItemStatus(SMAppServiceStatusNotFound) == LoginItem::Status::notFound);
 
 /// The login item of this bundle. The system reports an error when a registered item is registered
-/// again or an unregistered item is unregistered; this class does not.
+/// again or an unregistered item is unregistered; this class reports no error in these cases.
 class MainAppLoginItem final : public LoginItem {
 public:
     Status status() override { return loginItemStatus(SMAppService.mainAppService.status); }

@@ -10,9 +10,9 @@
 
 namespace nocta {
 
-/// The main run loop in its common modes, so that timers and posts continue while a menu or a modal
-/// panel is open. Qt runs the same loop, so nothing has to be forwarded to Qt. The loop also serves
-/// Sparkle, the event tap and the notification centers.
+/// The main run loop in its common modes, so that timers and posted actions continue to run while a
+/// menu or a modal panel is open. Qt runs the same loop, so nothing has to be forwarded to Qt. The
+/// loop also serves Sparkle, the event tap and the notification centers.
 class MainRunLoop final : public RunLoop {
 public:
     MainRunLoop() = default;
@@ -35,8 +35,8 @@ public:
 
     TimerId schedule(Duration interval, Repeat repeat, std::function<void()> action) override {
         const auto id = ++lastId_;
-        // The action is shared, not copied for each firing, because it may have state. It may also
-        // end its own timer.
+        // The action is shared, not copied for each firing, because it may have state. The action
+        // may also end its own timer.
         const auto kept = std::make_shared<std::function<void()>>(std::move(action));
         NSTimer* const timer =
             [NSTimer timerWithTimeInterval:std::chrono::duration<double>(interval).count()

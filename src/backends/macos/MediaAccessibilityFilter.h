@@ -5,8 +5,8 @@
 #include <cstdint>
 
 // MediaAccessibility exports these functions without a header. The references are weak, that is,
-// null on a system that no longer has the functions. With strong references the program would not
-// start there.
+// null on a system that no longer has the functions. With strong references, the program would not
+// start on such a system.
 extern "C" {
 [[gnu::weak]] void MADisplayFilterPrefSetType(std::int32_t category, std::int32_t type);
 [[gnu::weak]] void MADisplayFilterPrefSetCategoryEnabled(std::int32_t category,
@@ -18,7 +18,7 @@ extern "C" {
 namespace nocta {
 
 /// The filters of the accessibility settings, which belong to the user and stay as they are when
-/// the process ends. A missing function does nothing and returns 0.
+/// the process ends. Calling a missing function does nothing and returns 0.
 class MediaAccessibilityFilter final : public DisplayFilter {
 public:
     void setType(std::int32_t category, std::int32_t type) override {

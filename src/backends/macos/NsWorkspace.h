@@ -9,7 +9,8 @@
 
 namespace nocta {
 
-/// Full-screen changes of the program's own windows are posted on its notification center.
+/// When one of the program's own windows enters or leaves full screen, this class posts on the
+/// program's notification center.
 class NsWorkspace final : public Workspace {
 public:
     explicit NsWorkspace(NotificationCenter& notificationCenter)

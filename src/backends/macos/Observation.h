@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// Calls the block on the main queue for each notification of that name from the object, or from
-/// any object if it is nil.
+/// Calls the block on the main queue for each notification with that name from the object, or from
+/// any object if `object` is nil.
 inline Subscription observe(NSNotificationCenter* center, NSNotificationName name, id object,
                             void (^block)(NSNotification* notification)) {
     const id<NSObject> token = [center addObserverForName:name
@@ -17,8 +17,8 @@ inline Subscription observe(NSNotificationCenter* center, NSNotificationName nam
     return Subscription([center, token] { [center removeObserver:token]; });
 }
 
-/// Posts `posted` on the program's notification center for each notification of that name on the
-/// default one.
+/// Posts `posted` on the program's notification center for each notification with that name on the
+/// default notification center.
 inline Subscription passOn(NSNotificationName name, NotificationCenter& to,
                            std::string_view posted) {
     return observe(NSNotificationCenter.defaultCenter, name, nil,

@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// The body is delivered in one piece, at the end. For a program in a bundle, the system itself
-/// refuses addresses that are not encrypted.
+/// The body is delivered in one piece when the task is complete. For a program in a bundle, the
+/// system itself refuses addresses that are not encrypted.
 class SharedUrlSession final : public UrlSession {
 public:
     explicit SharedUrlSession(RunLoop& runLoop) : runLoop_(runLoop) {}

@@ -9,7 +9,7 @@
 
 namespace nocta {
 
-/// Converts from UTF-8. Invalid UTF-8 gives the empty string.
+/// Converts from UTF-8. Returns an empty string for invalid UTF-8.
 inline NSString* nsString(std::string_view text) {
     NSString* const string = [[NSString alloc] initWithBytes:text.data()
                                                       length:text.size()
@@ -17,7 +17,7 @@ inline NSString* nsString(std::string_view text) {
     return string != nil ? string : @"";
 }
 
-/// Converts to UTF-8. Nil gives the empty string.
+/// Converts to UTF-8. Returns an empty string for nil.
 inline std::string stdString(NSString* string) {
     const char* const text = string.UTF8String;
     return text != nullptr ? text : "";

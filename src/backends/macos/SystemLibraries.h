@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// Looks up the entry point that makes a change to the display filters take effect immediately.
+/// Looks up the entry point that applies display filter changes immediately.
 class SystemLibraries final : public DynamicLibraries {
 public:
     Handle open(std::string_view path) override {

@@ -13,8 +13,8 @@ inline constexpr std::uint32_t tapDisabledByUserInputEventType = 0xFFFFFFFF;
 enum class TapEvent { keyDown, disabled, other };
 
 /// The system disables a tap if its callback is too slow even once, or if it interferes with the
-/// user's input. The system reports this with a special event, and the tap stays disabled until it
-/// is enabled again.
+/// user's input. The system sends a special event when it disables a tap, and the tap stays
+/// disabled until it is enabled again.
 constexpr TapEvent tapEvent(std::uint32_t type) {
     switch (type) {
     case keyDownEventType:

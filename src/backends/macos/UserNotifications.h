@@ -7,7 +7,7 @@
 #import <UserNotifications/UserNotifications.h>
 #include <utility>
 
-/// Forwards the center's calls, from the run loop.
+/// Forwards the notification center's calls to `receiver` from the run loop.
 @interface NoctaNotificationDelegate : NSObject <UNUserNotificationCenterDelegate>
 @property(nonatomic) nocta::RunLoop* runLoop;
 @property(nonatomic) nocta::UserNotificationCenterDelegate* receiver; // not owned; null if none
@@ -22,8 +22,8 @@ static_assert(notificationBanner == UNNotificationPresentationOptionBanner);
 
 /// Uses UNUserNotificationCenter, which answers on its own threads; this class moves all answers to
 /// the run loop. A program without a bundle, such as a development build, has no notification
-/// center: asking for it would throw and end the program. In that case nothing is shown and nothing
-/// is allowed.
+/// center: requesting it would throw an exception and end the program. Such a program shows no
+/// notifications, and authorization is refused.
 class UserNotifications final : public UserNotificationCenter {
 public:
     explicit UserNotifications(RunLoop& runLoop) { delegate_.runLoop = &runLoop; }

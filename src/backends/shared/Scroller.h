@@ -11,12 +11,12 @@ namespace nocta {
 
 /// Gives its content as much space as the content needs, or scrolls it if the screen is too small.
 /// The scroller fills a window with a title bar and is owned by that window. The window does not
-/// own the content, which is destroyed first.
+/// own the content, which is destroyed before the scroller.
 class Scroller final : public QScrollArea {
 public:
     explicit Scroller(QWidget& content) {
         setFrameShape(QFrame::NoFrame);
-        setFocusPolicy(Qt::NoFocus); // the controls get focus; it scrolls to the focused one
+        setFocusPolicy(Qt::NoFocus); // the controls get focus; the area scrolls to the focused one
         setWidgetResizable(true);
         setWidget(&content);
         viewport()->setAutoFillBackground(false);

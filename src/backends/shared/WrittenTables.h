@@ -10,9 +10,9 @@
 namespace nocta {
 
 /// Keeps the tables that were last written to each display, for a gamma output whose operating
-/// system loses them, for example while the machine sleeps. It is a member of the output. The
-/// output calls it after every write, whenever the displays change, and when the screen is
-/// restored. It determines which tables the output must send again.
+/// system loses them, for example while the machine sleeps. An output has an object of this class
+/// as a member, and calls it after every write, whenever the displays change, and when the screen
+/// is restored. The object determines which tables the output must resend.
 ///
 ///     written_.keep(display, red, green, blue);          // after a write that succeeded
 ///     written_.keepOnly(onlineDisplays());               // after the displays have changed
@@ -29,14 +29,14 @@ public:
     }
 
     /// Removes the tables of all other displays. A display that was unplugged or switched off gets
-    /// new tables at the first write after it is connected again.
+    /// new tables on the first write after it is connected again.
     void keepOnly(std::span<const DisplayId> displays) {
         std::erase_if(tables_, [displays](const auto& entry) {
             return std::ranges::find(displays, entry.first) == displays.end();
         });
     }
 
-    /// Removes all tables, so that the output does not send them again after it has restored the
+    /// Removes all tables, so that the output does not resend them after it has restored the
     /// screen.
     void clear() { tables_.clear(); }
 

@@ -10,8 +10,8 @@ class MemoryDefaultsStore final : public DefaultsStore {
 public:
     explicit MemoryDefaultsStore(Trace& trace) : trace_(trace) {}
 
-    /// The stored values. Tests read and prepare them here; direct writes to the table are not
-    /// traced.
+    /// The stored values. Tests can read and prepare the values here. Direct writes to the table
+    /// are not traced.
     DefaultsTable table;
 
     void registerDefaults(const DefaultsMap& defaults) override;

@@ -7,8 +7,8 @@
 
 namespace nocta {
 
-/// Records every call to the virtual desktop, in order. Each entry is one line of text with the
-/// simulated time.
+/// Records every call to the virtual desktop, in order. Each entry consists of one line of text and
+/// the simulated time.
 class Trace {
 public:
     struct Entry {

@@ -21,8 +21,9 @@
 
 namespace nocta {
 
-/// A whole desktop in memory. A test controls its parts as a user would (it plugs in a display,
-/// presses a key, lets time pass) and checks them. The program has access only to the ports.
+/// A whole desktop in memory. A test controls the parts of the desktop as a user would (it plugs in
+/// a display, presses a key, lets time pass) and checks their state. The program has access only to
+/// the ports.
 ///
 ///     VirtualDesktop desktop;
 ///     desktop.displays.plug({.id = 1, .isBuiltIn = true, .isMain = true});

@@ -32,7 +32,7 @@ void append(std::string& text, Number number) {
     text.append(digits.data(), end);
 }
 
-/// Joins the words of a traced call with spaces. Fractions have four decimals.
+/// Joins the words of a traced call with spaces. Fractions have up to four significant digits.
 template <class... Words>
 std::string line(const Words&... words) {
     std::string text;

@@ -9,12 +9,12 @@
 
 namespace nocta {
 
-/// The screen's filter, in memory, and the library that makes a change to the filter take effect.
+/// The screen's filter, in memory, and the library that applies changes to the filter.
 class VirtualFilter final : public DisplayFilter, public DynamicLibraries {
 public:
     explicit VirtualFilter(Trace& trace) : trace_(trace) {}
 
-    // For tests: what the system has, and what the user sees.
+    // For tests: the system's features, and what the user sees.
     bool hasLibrary = true;
     bool hasEntryPoint = true;
     std::int32_t type = 0;

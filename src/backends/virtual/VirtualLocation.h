@@ -22,7 +22,7 @@ public:
         isAsking = false;
         report();
     }
-    /// The locations reach the program only if it is authorized and has started updates.
+    /// The program receives the locations only if it is authorized and has started updates.
     void send(std::span<const Location> locations) {
         if (delegate_ != nullptr && isUpdating && status_ == AuthorizationStatus::authorized) {
             delegate_->didUpdateLocations(locations);

@@ -13,20 +13,20 @@
 
 namespace nocta {
 
-/// A notification center in memory. It keeps the notifications that were shown, and a test clicks
-/// their buttons.
+/// A notification center in memory. It keeps the notifications that were shown, and a test can
+/// click their buttons.
 class VirtualNotifications final : public UserNotificationCenter {
 public:
     VirtualNotifications(Trace& trace, RunLoop& runLoop) : trace_(trace), runLoop_(runLoop) {}
 
-    // For tests: what the system has, and what the user does and sees.
+    // For tests: the system's features, and what the user does and sees.
     bool isGranted = true;
     std::optional<std::string> error;
     std::vector<UserNotificationCategory> categories;
     struct Shown {
         UserNotification notification;
         std::uint32_t presentation = 0;
-        bool isAnswered = false; ///< then it is no longer on screen
+        bool isAnswered = false; ///< if true, the notification is no longer on screen
     };
     std::vector<Shown> shown;
     /// Clicks a button of a notification. Returns whether the program called the completion

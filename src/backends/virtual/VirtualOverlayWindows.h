@@ -32,8 +32,9 @@ public:
     std::vector<Shown> windows() const;
     /// The screen whose window has keyboard focus; empty if no window of the program has focus.
     std::optional<std::uint64_t> keyScreen;
-    /// Presses a key. Returns whether the focused window gets the event. It does not get it if a
-    /// monitor swallows it, or if the user has been typing since before the first window appeared.
+    /// Presses a key. Returns whether the focused window gets the event. The window does not get
+    /// the event if a monitor swallows it, or if the user has been typing since before the first
+    /// window appeared.
     bool press(std::int64_t keyCode);
 
     // For the program: the functions of the port.

@@ -60,7 +60,7 @@ void VirtualRunLoop::moveClocksTo(MonotonicTime instant) {
 
 void VirtualRunLoop::fire(TimerId id) {
     const auto timer = timers_.find(id);
-    const auto action = timer->second.action; // keep it alive: it may cancel its own timer
+    const auto action = timer->second.action; // a copy: it may cancel its own timer
     if (timer->second.repeat == Repeat::yes) {
         timer->second.deadline += timer->second.interval;
     } else {

@@ -9,10 +9,10 @@
 
 namespace nocta {
 
-/// A run loop with virtual time, which passes only when a test advances it. A simulated day takes
-/// milliseconds and is the same every time. Timers fire in order of deadline; timers with equal
-/// deadlines fire in order of scheduling. Neither clock starts at zero, to expose code that treats
-/// zero as "unset".
+/// A run loop whose virtual time moves only when a test advances it. A simulated day takes
+/// milliseconds and is the same every time. Timers fire in the order of their deadlines; timers
+/// with equal deadlines fire in the order in which they were scheduled. Neither clock starts at
+/// zero, to expose code that treats zero as "unset".
 class VirtualRunLoop final : public RunLoop {
 public:
     WallTime wallNow() const override { return wall_; }
@@ -25,7 +25,7 @@ public:
     /// `duration` is zero, runs the posted actions and the timers that are due now.
     void advance(Duration duration);
 
-    /// Puts the machine to sleep: the wall clock continues, and the timers stop.
+    /// Simulates sleep: the wall clock advances by `duration`, and the timers do not.
     void suspend(Duration duration) { wall_ += duration; }
 
     /// Sets the wall clock, as the user or the network does.
@@ -51,7 +51,7 @@ private:
     WallTime wall_{std::chrono::sys_days{std::chrono::year{2026} / 3 / 20} + std::chrono::hours{9}};
     MonotonicTime monotonic_{std::chrono::hours{1}};
     TimerId lastId_ = 0;
-    std::map<TimerId, ScheduledTimer> timers_; // in order of scheduling
+    std::map<TimerId, ScheduledTimer> timers_; // in the order in which they were scheduled
     std::deque<std::function<void()>> posted_;
     bool stopped_ = false;
 };

@@ -15,8 +15,8 @@ class VirtualUrlSession final : public UrlSession {
 public:
     explicit VirtualUrlSession(Trace& trace) : trace_(trace) {}
 
-    /// Returns the last pending request, or null if there is none. `send` and `answer` apply to
-    /// this request.
+    /// Returns the last pending request, or null if no request is pending. `send` and `answer`
+    /// apply to this request.
     const UrlRequest* waiting() const { return tasks_.empty() ? nullptr : &tasks_.back()->request; }
     /// Delivers a piece of the body before the response is complete.
     void send(std::string_view data) const {

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// Makes the same identifiers in every run.
+/// Generates the same identifiers in every run.
 class VirtualUuidSource final : public UuidSource {
 public:
     explicit VirtualUuidSource(std::uint32_t seed = 1) : random_(seed) {}

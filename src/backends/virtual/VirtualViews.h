@@ -8,8 +8,8 @@
 
 namespace nocta {
 
-/// Makes views without a toolkit. The views paint nothing, and a test can call the actions of their
-/// buttons.
+/// Creates views without a toolkit. The views paint nothing, and a test can call the actions of
+/// their buttons.
 class VirtualViews final : public Views {
 public:
     int popoversMade = 0;

@@ -23,7 +23,7 @@ public:
             activated_.call(frontmost);
         }
     }
-    /// Assign a value to change the application without notifying anyone, as some desktops do.
+    /// Assigning a value changes the application without a notification, as some desktops do.
     std::optional<RunningApplication> frontmost;
     std::optional<std::vector<WindowInfo>> windows = std::vector<WindowInfo>{};
     bool reducesMotion = false;

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-// The backlight must only use the functions of the framework. A symbol lookup in the whole program
-// would find these functions instead. They return success, so the test fails if they are called.
+// The backlight must use only the framework's functions. A symbol lookup in the whole program would
+// find the functions below instead. They return success, so the test fails if they are called.
 extern "C" {
 __attribute__((visibility("default"), used)) int
 DisplayServicesGetBrightness(std::uint32_t /*display*/, float* level) {

@@ -17,7 +17,7 @@ protected:
         written.keep(display, std::array{level}, std::array{level + 1}, std::array{level + 2});
     }
 
-    /// Returns a line for each display that is sent again, with its ID and the entries of its
+    /// Returns a line for each display whose tables are resent, with its ID and the entries of its
     /// tables.
     std::string sentAgain() {
         std::string sent;
@@ -47,7 +47,7 @@ TEST_F(WrittenTablesTest, LastTablesOfEachDisplayAreSentAgain) {
     write(panel, 30);
     EXPECT_EQ(sentAgain(), "1: 30 31 32\n2: 20 21 22\n");
     EXPECT_EQ(sentAgain(), "1: 30 31 32\n2: 20 21 22\n")
-        << "the tables should be sent again at every wake";
+        << "the tables should be resent after every wake";
 }
 
 TEST_F(WrittenTablesTest, DisplayWithoutAWriteIsNotSentAgain) {

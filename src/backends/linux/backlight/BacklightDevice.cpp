@@ -16,7 +16,7 @@ namespace {
 
 using std::filesystem::path;
 
-/// From the most to the least trusted, as the kernel's documentation of class/backlight recommends.
+/// From most to least trusted, as the kernel's documentation for class/backlight recommends.
 constexpr std::array<std::string_view, 3> types = {"firmware", "platform", "raw"};
 
 enum class Relation { ofConnector, ofCard, ofNone, ofAnother };
@@ -37,7 +37,7 @@ std::string wordIn(const path& file) {
     return word;
 }
 
-/// The target of a link in sysfs; empty if there is none.
+/// The target of a link in sysfs; empty if the link or its target does not exist.
 path targetOf(const path& link) {
     std::error_code error;
     auto target = std::filesystem::canonical(link, error);

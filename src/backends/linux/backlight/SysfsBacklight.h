@@ -17,8 +17,8 @@ class SysfsBacklight final : public Backlight {
 public:
     /// Returns the display server's name for a display's output, or an empty string.
     using OutputName = std::function<std::string(DisplayId)>;
-    /// Requests a raw level for the backlight device with that name. Returns false if the request
-    /// cannot be sent.
+    /// Requests a raw level for the backlight device with the given name. Returns false if the
+    /// request cannot be sent.
     using SessionWriter = std::function<bool(const std::string& device, std::uint32_t level)>;
 
     SysfsBacklight(Displays& displays, OutputName outputName, SessionWriter sessionWriter,
@@ -28,7 +28,7 @@ public:
     Status setBrightness(DisplayId display, float level) override;
 
 private:
-    /// Looks up the device each time, because drivers may be loaded and unloaded.
+    /// Looks up the device on every call, because drivers may be loaded and unloaded.
     std::optional<std::filesystem::path> device(DisplayId display) const;
 
     Displays& displays_;

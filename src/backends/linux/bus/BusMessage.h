@@ -35,7 +35,8 @@ public:
     bool isError() const { return type_ == error; }
     std::uint32_t replySerial() const { return replySerial_; }
 
-    /// The message's value, if it has only one and that value has this type.
+    /// The message's only value. Returns nothing if the message has several values, or if the value
+    /// has another type.
     std::optional<std::string> string() const;
     std::optional<bool> booleanInVariant() const;
 

@@ -23,7 +23,7 @@ constexpr auto usualSystemBus = "unix:path=/run/dbus/system_bus_socket";
 constexpr std::uint32_t helloSerial = 1;
 constexpr std::uint32_t questionSerial = 2;
 
-/// The value of a key in an address, unescaped; empty if there is none.
+/// The unescaped value of a key in an address; empty if the address does not contain the key.
 std::string valueOf(std::string_view pairs, std::string_view key) {
     while (!pairs.empty()) {
         const auto pair = pairs.substr(0, pairs.find(','));
@@ -73,7 +73,8 @@ FileDescriptor connected(std::string_view address) {
     return socket;
 }
 
-/// The EXTERNAL mechanism identifies the user by the digits of the user ID, each in hexadecimal.
+/// The EXTERNAL mechanism identifies the user by the decimal user ID, with each character encoded
+/// in hexadecimal.
 std::string greeting() {
     std::string text(1, '\0'); // required first; some systems attach credentials to it
     text += "AUTH EXTERNAL ";

@@ -17,14 +17,14 @@ namespace nocta {
 /// Sends one method call to a message bus, and never waits longer than the caller allows. It uses
 /// its own connection, which closes with this object. The D-Bus libraries block on a bus that
 /// accepts a connection and then stays silent, and Qt blocks on a service that stays silent. So
-/// neither of them may connect until the bus or the service has answered a probe. Only Unix sockets
-/// are supported, which is what desktops use. The call does not start a service.
+/// neither the libraries nor Qt may connect until the bus or the service has answered a probe. Only
+/// Unix sockets are supported, which is what desktops use. The call does not start a service.
 class BusProbe {
 public:
     enum class State {
         pending,  ///< no answer yet
         answered, ///< an error counts as an answer
-        failed    ///< nothing is listening there, or it is not a message bus that accepts this user
+        failed    ///< there is no message bus at the address, or it rejects this user
     };
 
     /// `addresses` has the format of the environment variable: one or more, separated by
@@ -63,7 +63,7 @@ private:
 };
 
 /// The addresses of the user's session bus and of the system bus: from the environment, or the
-/// default. Empty if there is none. This never starts a bus.
+/// default. Empty if there is no address. Never starts a bus.
 std::string sessionBusAddress();
 std::string systemBusAddress();
 

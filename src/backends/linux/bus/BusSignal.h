@@ -9,10 +9,10 @@
 
 namespace nocta {
 
-/// Receives a D-Bus signal whose arguments do not matter. Signals that arrive in the same turn
-/// cause one call. They are accepted from any sender: if it were given a service name, Qt would
-/// block while it asks the bus which process owns the name. So `received` should only query the
-/// service.
+/// Receives a D-Bus signal whose arguments do not matter. Signals that arrive in the same turn of
+/// the event loop cause one call. Signals are accepted from any sender: given a service name, Qt
+/// would block while it asks the bus which process owns the name. So `received` should only query
+/// the service.
 class BusSignal final : public QTimer { // a base with a slot, so that moc is not needed
 public:
     explicit BusSignal(std::function<void()> received) {

@@ -58,7 +58,7 @@ FreedesktopNotifications::FreedesktopNotifications() {
 void FreedesktopNotifications::follow(const QDBusConnection& bus) {
     bus_ = bus;
     // Signals are accepted from any sender: given a service name, Qt would block while it asks the
-    // bus which process owns the name. A signal counts only if its sender showed that notification.
+    // bus which process owns the name. A signal counts only if its sender showed the notification.
     bus_.connect(QString(), path, service, QStringLiteral("ActionInvoked"), &signals_,
                  SLOT(actionInvoked(unsigned int, QString, QDBusMessage)));
     bus_.connect(QString(), path, service, QStringLiteral("NotificationClosed"), &signals_,
@@ -93,7 +93,7 @@ void FreedesktopNotifications::add(const UserNotification& notification) {
     if ((presentation & (notificationAlert | notificationBanner)) == 0 || !bus_.isConnected()) {
         return;
     }
-    // Ask each time, because another service may have replaced the previous one.
+    // Ask every time, because another service may have replaced the previous one.
     callAsync(bus_, methodCall(QStringLiteral("GetCapabilities")), &signals_,
               [this, notification, presentation](const QDBusMessage& answer) {
                   const QDBusPendingReply<QStringList> capabilities(answer);
@@ -132,10 +132,10 @@ void FreedesktopNotifications::show(const UserNotification& notification,
     if ((presentation & notificationSound) != 0) {
         hints.insert(QStringLiteral("sound-name"), soundName);
     }
-    // Send it to the process, not to the service name, because only this process's answers will
-    // count.
+    // Send the call to the process, not to the service name, because only answers from that process
+    // will count.
     auto message = QDBusMessage::createMethodCall(owner, path, service, QStringLiteral("Notify"));
-    message << applicationName << 0U /* replaces none */ << QString() /* the desktop entry's icon */
+    message << applicationName << 0U /* new */ << QString() /* the desktop entry's icon */
             << translated(notification.title)
             << (capabilities.contains(QStringLiteral("body-markup")) ? body.toHtmlEscaped() : body)
             << actions << hints << -1 /* the service chooses the timeout */;

@@ -20,8 +20,9 @@ namespace nocta {
 
 /// The notification service of a Linux desktop, org.freedesktop.Notifications on the session bus.
 /// No call waits for the service, which may be absent, start late or die. Each notification is sent
-/// only once, even if it is lost. The user can answer it once, and only through the process that
-/// showed it. Authorization is never refused: if there is a service, Nocta may use it.
+/// only once, even if it is lost. The user can answer a notification only once, and only through
+/// the process that showed it. Authorization is never refused: if there is a service, Nocta may use
+/// it.
 class FreedesktopNotifications final : public UserNotificationCenter {
 public:
     FreedesktopNotifications();
@@ -43,8 +44,8 @@ private:
     QDBusConnection bus_{QString()};
     UserNotificationCenterDelegate* delegate_ = nullptr;
     std::vector<UserNotificationCategory> categories_;
-    /// The notifications that wait for an answer: each entry is the process that shows the
-    /// notification, and the notification's ID there.
+    /// The notifications that wait for an answer. Each entry contains the process that shows the
+    /// notification, and the ID that this process has given the notification.
     std::set<std::pair<QString, unsigned int>> shown_;
     NotificationSignals signals_;
     Subscription sessionBus_;

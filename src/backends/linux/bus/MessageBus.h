@@ -27,11 +27,12 @@ public:
     MessageBus(const MessageBus&) = delete;
     MessageBus& operator=(const MessageBus&) = delete;
 
-    /// Waits for the bus to answer, but not longer than `time`. It works before the application
+    /// Waits for the bus to answer, but no longer than `time`. Works even before the application
     /// object exists.
     BusProbe::State waitFor(std::chrono::milliseconds time);
 
-    /// The address of the bus, from the environment as it is now or as it was at `keepAddress`.
+    /// The address of the bus: the one that `keepAddress` has saved, or else the one in the
+    /// environment.
     std::string address() const { return keptAddress_ ? *keptAddress_ : environmentAddress_(); }
     void keepAddress() { keptAddress_ = address(); }
 
@@ -42,7 +43,8 @@ public:
     /// soon as the bus answers.
     QDBusConnection connection();
 
-    /// Calls back each time a connection has been made, and immediately if one exists.
+    /// Calls `callback` whenever a connection has been made, and immediately if a connection
+    /// exists.
     Subscription whenConnected(std::function<void(const QDBusConnection&)> callback);
 
 private:

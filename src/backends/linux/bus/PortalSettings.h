@@ -21,8 +21,8 @@ class PortalSettings {
 public:
     using Settings = QMap<QString, QVariantMap>; ///< by namespace and key
 
-    /// Calls `changed` with the settings of these namespaces when they are known, and after each
-    /// change, but never before this constructor returns.
+    /// Calls `changed` with the settings of these namespaces once the settings are known and
+    /// whenever they change, but never before this constructor returns.
     PortalSettings(QStringList namespaces, std::function<void(Settings)> changed);
     PortalSettings(const PortalSettings&) = delete;
     PortalSettings& operator=(const PortalSettings&) = delete;

@@ -4,9 +4,9 @@
 
 namespace nocta {
 
-/// Whether the user wants less movement on the screen: the desktop's portal reports either that
-/// setting or that animations are off. The value is false until the portal answers, and no call
-/// waits for the answer. Later changes update the value.
+/// Whether the user wants less movement on the screen. The desktop's portal reports either a
+/// setting for reduced motion or that animations are off. The value is false until the portal
+/// answers, and no call waits for the answer. Later changes update the value.
 class ReducedMotion {
 public:
     ReducedMotion();

@@ -9,7 +9,7 @@
 namespace nocta {
 
 /// Calls its observers when the machine has woken up, according to logind on the system bus.
-/// Without logind they are never called. It lives as long as the desktop.
+/// Without logind the observers are never called. This object lives as long as the desktop.
 class SystemWake {
 public:
     SystemWake();

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 constexpr auto attemptInterval = 1ms;
 
-/// The sticky bit protects the file from cleanup of unused files in the runtime folder.
+/// The sticky bit keeps programs that clean up the runtime folder from deleting the file.
 constexpr mode_t lockMode = S_ISVTX | S_IRUSR | S_IWUSR;
 
 } // namespace

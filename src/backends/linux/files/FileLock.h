@@ -14,11 +14,11 @@ class FileLock {
 public:
     FileLock() = default;
 
-    /// Opens the file, and creates it if it is missing. It neither follows a link nor waits for a
+    /// Opens the file, and creates it if it is missing. Neither follows a link nor waits for a
     /// named pipe.
     explicit FileLock(const std::filesystem::path& file);
 
-    /// Returns false if the file could not be opened; `errno` then has the reason.
+    /// Returns false if the file could not be opened; `errno` then contains the reason.
     bool isOpen() const { return static_cast<bool>(file_); }
 
     /// Takes the lock. Returns false if another process holds it for all of `timeout`, or if the

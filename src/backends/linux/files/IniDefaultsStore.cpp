@@ -61,7 +61,7 @@ bool isLeftTemporary(const std::filesystem::path& path, std::string_view prefix)
 
 } // namespace
 
-/// The current content of the file.
+/// The content read from the file.
 struct IniDefaultsStore::Content {
     IniDocument document;
     bool isMissing = false;
@@ -72,7 +72,7 @@ IniDefaultsStore::IniDefaultsStore(std::filesystem::path file, RunLoop& runLoop,
                                    std::chrono::milliseconds lockTimeout)
     : file_(std::move(file)), lockTimeout_(lockTimeout),
       write_(runLoop, [this] { writeChanges(); }), endTurn_(runLoop, [this] { write_.request(); }) {
-    // If the settings file is a link, it stays one: we replace its target.
+    // If the settings file is a link, the link stays, and we replace its target.
     std::error_code error;
     if (auto target = std::filesystem::canonical(file_, error); !error) {
         file_ = std::move(target);
@@ -162,8 +162,9 @@ void IniDefaultsStore::writeChanges() {
     }
     createPrivateFolders(file_.parent_path()); // after an error, opening the file fails
     // Without the lock, the file is still complete, because it is replaced in one step. Only a
-    // change that another process writes between our read and that step is lost, until that process
-    // sets the key again. If the lock's holder is suspended, only the first write waits for it.
+    // change that another process writes between our read and the replacement is lost, until that
+    // process sets the key again. If the lock's holder is suspended, only the first write waits for
+    // it.
     const FileLock lock(lockFile());
     isLockFree_ = lock.acquire(isLockFree_ ? lockTimeout_ : 0ms);
     // If the file is missing or damaged, we write the values in this process's memory.

@@ -19,14 +19,14 @@ namespace nocta {
 /// once at the end of the run-loop turn, after everything that the turn has posted for the screen,
 /// no matter how many values were set. The file is replaced atomically: no matter when the process
 /// is killed, the file has the content from the end of some turn. `synchronize` writes pending
-/// changes and waits until they are on the disk; the destructor writes pending changes.
+/// changes and waits until they are on disk; the destructor writes pending changes.
 ///
-/// A file that cannot be read as INI is moved aside at the first write, under an unused name; the
-/// values that could be read from it are used. If the file cannot be written, the values stay in
-/// memory, and one line about it is printed to standard error.
+/// A file that cannot be read as INI is moved aside on the first write, under an unused name. The
+/// values that could be read from the file are used. If the file cannot be written, the values stay
+/// in memory, and one line about the error is printed to standard error.
 ///
-/// The values in memory are those from the start plus this process's own changes. Changes that
-/// another process writes to the file take effect at the next start. A write changes only the keys
+/// The values in memory are those read at startup plus this process's own changes. Changes that
+/// another process writes to the file take effect on the next launch. A write changes only the keys
 /// that this process has set or removed since its last write, so for each key the last writer wins.
 /// A lock next to the file allows one writer at a time.
 class IniDefaultsStore final : public DefaultsStore {

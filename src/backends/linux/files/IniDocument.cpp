@@ -45,7 +45,7 @@ std::optional<Number> parseNumber(std::string_view text, Base... base) {
     return number;
 }
 
-/// The text between quotes, or nothing if it is not quoted in the format of this class.
+/// The text between the quotes, or nothing if `text` is not quoted in the format of this class.
 std::optional<std::string> parseQuoted(std::string_view text) {
     if (text.size() < 2 || text.front() != '"' || text.back() != '"') {
         return std::nullopt;
@@ -103,7 +103,7 @@ DefaultsValue parseValue(std::string_view text) {
     if (const auto integer = parseNumber<std::int64_t>(text)) {
         return *integer;
     }
-    // NaN and infinity are read as text: no setting needs them.
+    // NaN and infinity are read as text, because no setting uses them.
     if (const auto number = parseNumber<double>(text); number && std::isfinite(*number)) {
         return *number;
     }

@@ -9,7 +9,7 @@
 namespace nocta {
 
 /// The text of an INI file. A damaged line makes only that line unreadable; with GLib's key files
-/// or Qt's settings, more would be lost. The keys under [General] (or before any section) are ours.
+/// or Qt's settings, more would be lost. Our keys are those under [General] or before any section.
 /// Everything else, including other sections and comments, stays in place when the text is written
 /// back.
 ///
@@ -25,7 +25,7 @@ public:
     /// input is not plain text.
     bool isWellFormed() const { return isWellFormed_; }
 
-    /// Our keys. If one is assigned twice, the last assignment counts.
+    /// Our keys and their values. If a key is assigned twice, the last assignment counts.
     DefaultsMap values() const;
 
     void set(std::string_view key, const DefaultsValue& value);

@@ -9,7 +9,8 @@ namespace {
 
 constexpr double highestLevel = 65535;
 
-/// The value at `position` (0.0–1.0) along evenly spaced points, at least one.
+/// The interpolated value at `position` (0.0–1.0) along evenly spaced points. There is at least one
+/// point.
 template <class Point>
 double interpolated(std::span<const Point> points, double position) {
     const auto place = position * static_cast<double>(points.size() - 1);

@@ -7,7 +7,8 @@
 
 namespace nocta {
 
-/// The gamma ramp of an output: 16-bit output levels, one list per channel, all of the same size.
+/// The gamma ramp of an output: 16-bit output levels in one list per channel. All lists have the
+/// same size.
 struct GammaRamp {
     std::vector<std::uint16_t> red;
     std::vector<std::uint16_t> green;
@@ -21,8 +22,8 @@ struct GammaRamp {
 };
 
 /// Lays one channel of a transfer table over a calibration: evaluates the calibration at the
-/// table's levels and resamples the result to `size` entries. Both are evenly spaced points joined
-/// by straight lines; the table's levels are limited to 0.0–1.0. An empty calibration is the
+/// table's levels and resamples the result to `size` entries. Both curves are evenly spaced points
+/// joined by straight lines. The table's levels are limited to 0.0–1.0. An empty calibration is the
 /// identity.
 std::vector<std::uint16_t> laidOver(std::span<const float> table,
                                     std::span<const std::uint16_t> calibration, std::size_t size);

@@ -20,7 +20,7 @@ constexpr auto startTimeout = 2s;  // enough to start a process on a busy machin
 constexpr auto endTimeout = 500ms; // after that, the helper finishes on its own
 constexpr int maxReplacements = 3;
 
-/// Whether the session's list of desktops, most specific first, means that GNOME Shell is running.
+/// Whether GNOME Shell is running, according to the session's list of desktops.
 bool isGnomeShellSession() {
     const auto* const list = std::getenv("XDG_CURRENT_DESKTOP");
     const auto desktops = ":" + std::string(list == nullptr ? "" : list) + ":";

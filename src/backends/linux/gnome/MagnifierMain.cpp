@@ -1,8 +1,8 @@
 // nocta-magnifier: turns the screen of a GNOME session gray with the shell's magnifier, until the
-// Nocta that started it asks for the colors back or dies. See `MagnifierProtocol.h` for the
-// messages. The first argument is the file in which it saves the user's settings while its own are
-// in effect. If that file exists at the start, an earlier helper was killed, and the settings in
-// the file are restored first.
+// Nocta process that started it dies or asks it to restore the colors. See `MagnifierProtocol.h`
+// for the messages. The first argument is the file in which this program saves the user's settings
+// while its own are in effect. If that file exists at the start, an earlier helper was killed, and
+// the settings in the file are restored first.
 
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/files/PrivateFolder.h"
@@ -54,7 +54,7 @@ constexpr auto asItIs = std::to_array<Setting>({
 });
 
 /// Returns null if the schema or the key is not installed, because GLib aborts a program that uses
-/// a missing one. The caller owns the result.
+/// a missing schema or key. The caller owns the result.
 GSettings* settingsWith(const char* schemaId, const char* key) {
     auto* const source = g_settings_schema_source_get_default();
     g_autoptr(GSettingsSchema) schema =
@@ -80,7 +80,7 @@ bool isGray() {
     return isMagnifierOn() && g_settings_get_double(settings, withoutColor.key) == 0;
 }
 
-/// Sets a key. An empty text resets the key, because the user had not set a value.
+/// Sets a key. An empty text means that the user had not set a value, so the key is reset.
 void set(const char* schema, const char* key, const std::string& text) {
     g_autoptr(GSettings) settings = settingsWith(schema, key);
     if (settings == nullptr) {
@@ -144,7 +144,7 @@ void putBack(const std::string& stateFile) {
             set(schema, *key, value == nullptr ? "" : value);
         }
     };
-    putBackGroup(applicationsSchema); // off first, so that the user does not see the other changes
+    putBackGroup(applicationsSchema); // switched off first, to hide the other changes
     putBackGroup(magnifierSchema);
     g_settings_sync();
     unlink(stateFile.c_str());

@@ -30,7 +30,7 @@ const auto locationInterface = QStringLiteral("org.freedesktop.GeoClue2.Location
 const auto propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
 const auto desktopId = QStringLiteral("nocta");
-constexpr auto cityAccuracy = 4U; // a few kilometers, which change the sun's times by seconds
+constexpr auto cityAccuracy = 4U; // a few kilometers, which shift sunrise and sunset by seconds
 
 // Without an agent that can ask the user, the service does not answer at all.
 constexpr int answerTime = std::chrono::milliseconds(30s).count();

@@ -19,12 +19,12 @@ namespace nocta {
 class GeoClueClient : public std::enable_shared_from_this<GeoClueClient> {
 public:
     struct Callbacks {
-        /// The user, or the agent on the user's behalf, has agreed. Locations follow.
+        /// The user, or the agent on the user's behalf, has granted access. Locations follow.
         std::function<void()> started;
         std::function<void(Location)> located;
         /// The user has refused.
         std::function<void()> refused;
-        /// This system has no location service, or no bus to reach it.
+        /// This system has no location service, or no bus through which to reach the service.
         std::function<void()> absent;
         /// Any other failure; no more callbacks follow.
         std::function<void(const std::string& description)> failed;

@@ -12,11 +12,11 @@
 
 namespace nocta {
 
-/// The location manager on GeoClue 2. The service has no separate permission request: it decides
-/// whether a program may use the location when the program's client starts. So this class remembers
-/// a grant in a file, and after the next start the program gets a location without asking. After a
-/// refusal, the user is asked again in the next session at the earliest. The service is not
-/// contacted until there is a grant or a request.
+/// The location manager on GeoClue 2. The service has no separate permission request: when a
+/// program's client starts, the service decides whether the program may use the location. So this
+/// class remembers a grant in a file, and after the next start the program gets a location without
+/// asking. After a refusal, the user is asked again in the next session at the earliest. The
+/// service is not contacted until there is a grant or a request.
 class GeoClueLocationManager final : public LocationManager {
 public:
     /// `grantFile` exists while the user's last answer was yes.
@@ -47,7 +47,7 @@ private:
     std::shared_ptr<GeoClueClient> client_;
     Duration retryDelay_;
     Timer retry_;
-    Subscription systemBus_; ///< while a silent bus may still answer
+    Subscription systemBus_; ///< active while a silent bus may still answer
     Deferred report_;
 };
 

@@ -21,7 +21,7 @@ namespace nocta {
 
 namespace {
 
-// Indexed by FetchError. None of them contains text from the server.
+// Indexed by FetchError. No error text contains text from the server.
 constexpr std::array errorTexts = {
     translatable("Nocta", "The connection was lost"),
     translatable("Nocta", "The server was not found"),
@@ -51,7 +51,7 @@ std::string serialized(const UrlRequest& request, const std::string& certificate
         .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
-/// One task, from the request to its completion. The callbacks may destroy it.
+/// One task, from the request to its completion. The callbacks may destroy the task.
 class Task : public std::enable_shared_from_this<Task> {
 public:
     Task(RunLoop& runLoop, UrlSession::Completion completion,
@@ -75,7 +75,7 @@ public:
                        [this] { finish({.error = translatable("Nocta", "It took too long")}); });
     }
 
-    /// Ends the task. No callback is called after this.
+    /// Ends the task. No callback is called afterward.
     void end() {
         timeout_.invalidate();
         helper_.kill();

@@ -1,6 +1,6 @@
-// nocta-fetch: downloads one address for Nocta and exits. Everything that a server sends is parsed
-// here first, so that a flaw in that code does not affect Nocta's own process. Nocta reads the
-// result at its own speed.
+// nocta-fetch: downloads from one address for Nocta and exits. Everything that a server sends is
+// parsed here first, so that a flaw in the parsing code does not affect Nocta's own process. Nocta
+// reads the result at its own speed.
 
 #include "backends/linux/network/FetchProtocol.h"
 #include "backends/linux/process/HelperProtocol.h"

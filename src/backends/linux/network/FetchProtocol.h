@@ -6,8 +6,8 @@ namespace nocta {
 
 // The messages between Nocta and nocta-fetch. Nocta sends one JSON object (url, method, headers as
 // an array of lines, body, certificates) and closes its side. The helper answers with messages: the
-// status once the response header is complete, the body in pieces, and `end`. It may send an error
-// at any time, which is then the last message.
+// status once the response header is complete, the body in pieces, and `end`. The helper may send
+// an error at any time; an error is always the last message.
 
 enum class FetchKind : std::uint32_t { status, data, end, error };
 

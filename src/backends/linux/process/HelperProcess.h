@@ -14,9 +14,8 @@
 
 namespace nocta {
 
-/// One of Nocta's own helper programs, which are installed next to it. Its standard input and
-/// output are a socket to this process, so each process notices when the other exits, for whatever
-/// reason.
+/// One of the helper programs that are installed next to Nocta. Its standard input and output are a
+/// socket to this process, so each process notices when the other exits, for whatever reason.
 class HelperProcess {
 public:
     HelperProcess() = default;
@@ -27,7 +26,7 @@ public:
 
     static std::string path(const char* name);
 
-    /// Returns false if it cannot be started.
+    /// Returns false if the helper cannot be started.
     bool start(const char* name, const std::vector<std::string>& arguments = {});
 
     /// Whether a helper was started and has not been waited for, killed or released since.
@@ -41,8 +40,7 @@ public:
     /// Sends the helper an end of file; nothing more can be sent after it.
     void endInput() const;
 
-    /// Calls `action` from the event loop whenever there is something to receive, including the end
-    /// of file.
+    /// Calls `action` from the event loop whenever data or an end of file can be received.
     void whenReadable(std::function<void()> action);
 
     /// Reads at most `size` bytes without waiting. Returns what `recv` returns: 0 at the end of
@@ -55,8 +53,8 @@ public:
     /// Kills the helper before it can react to anything.
     void kill();
 
-    /// Leaves the helper running without this process. The helper then does the same as when this
-    /// process dies.
+    /// Leaves the helper running without this process. The helper then behaves as if this process
+    /// had died.
     void release();
 
 private:

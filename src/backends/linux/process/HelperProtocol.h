@@ -11,7 +11,7 @@ namespace nocta {
 /// helpers while Nocta is running, and a helper of another version must exit without an answer.
 inline constexpr char helperProtocol[] = "1";
 
-/// The exit status of a helper that has another version.
+/// The exit status of a helper that uses another version.
 inline constexpr int otherProtocolStatus = 3;
 
 /// Whether the Nocta that started this helper, with these arguments, uses the same version.

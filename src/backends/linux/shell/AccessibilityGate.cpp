@@ -47,7 +47,7 @@ void AccessibilityGate::start(const std::string& serverBus) {
         }
     });
     if (!isOpen_ && probe_ == nullptr && !bus.isMute()) {
-        open(); // there is no bus, and Qt notices that immediately
+        open(); // there is no bus, so Qt does not wait
     }
 }
 

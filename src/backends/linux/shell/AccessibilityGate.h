@@ -12,11 +12,11 @@
 namespace nocta {
 
 /// When Qt shows its first window, it blocks on three services: the service that reports whether a
-/// screen reader is running, the accessibility bus itself, and the registry on it. This class keeps
-/// Qt away from that bus until all three have answered, and then makes Qt connect immediately. If a
-/// window is shown before these services have answered, the program has no screen reader support
-/// until its next start. Create this object before the application object; it lives as long as the
-/// application object.
+/// screen reader is running, the accessibility bus itself, and the registry on that bus. This class
+/// keeps Qt away from the accessibility bus until all three have answered, and then makes Qt
+/// connect immediately. If a window is shown before these services have answered, the program has
+/// no screen reader support until its next start. Create this object before the application object;
+/// it lives as long as the application object.
 class AccessibilityGate {
 public:
     AccessibilityGate();

@@ -29,8 +29,8 @@ void setAddress(const std::string& address) {
     setenv(variable, address.c_str(), 1);
 }
 
-/// Whether Qt may use the portal of IBus, as it does inside a sandbox and if the user configures
-/// it.
+/// Whether Qt may use the portal of IBus, as it does inside a sandbox or when configured by the
+/// user.
 bool usesInputMethodPortal() {
     return std::ranges::any_of(
         std::array{inputMethodVariable, inputMethodsVariable}, [](const char* name) {
@@ -48,7 +48,7 @@ bool isInputMethodPortalMute(const std::string& bus) {
     return portal.waitFor(maxInputMethodWait) == BusProbe::State::pending;
 }
 
-/// Makes the connection that Qt itself uses. `ConnectLimit` is safe here: before the application
+/// Opens the connection that Qt itself uses. `ConnectLimit` is safe here: before the application
 /// object exists, nothing else opens a socket.
 bool connectQt() {
     const ConnectLimit limit;

@@ -8,8 +8,9 @@ namespace nocta {
 
 /// Makes the windows dark if the user prefers that and Qt does not detect it: Qt needs a plugin for
 /// the desktop, and many desktops have no plugin. The preference comes from the desktop's portal.
-/// Until it is known, or if the user has no preference, the windows keep Qt's palette. If Qt's
-/// palette is dark or becomes dark, it is left alone. This object lives as long as the application.
+/// Until the preference is known, or if the user has no preference, the windows keep Qt's palette.
+/// If Qt's palette is dark or becomes dark, this class does not change it. This object lives as
+/// long as the application.
 class ColorScheme final : public QObject {
 public:
     ColorScheme();

@@ -14,8 +14,8 @@ namespace nocta {
 /// Turns SIGINT, SIGTERM and SIGHUP into a call from the event loop while this object lives.
 /// Signals that the process inherited as ignored, as from `nohup`, stay ignored. If this object
 /// still exists a second after a signal, because the event loop or the shutdown is stuck, the
-/// signal ends the process anyway. Before and after the life of this object, the signals have their
-/// default effect. Only one object may exist at a time.
+/// signal ends the process anyway. While no object exists, the signals have their default effect.
+/// Only one object may exist at a time.
 class EndingSignals {
 public:
     explicit EndingSignals(std::function<void()> received);

@@ -16,7 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto maxPaintTime = 1s;
-/// How long a compositor with a pointer may take to report which new window contains it.
+/// How long the compositor may take to report which of the new windows contains the pointer.
 constexpr auto maxPointerTime = 100ms;
 constexpr Qt::Edges allEdges = Qt::TopEdge | Qt::BottomEdge | Qt::LeftEdge | Qt::RightEdge;
 constexpr int tipMargin = 6; // points
@@ -49,7 +49,7 @@ protected:
 
 private:
     LayerPopup& popup_;
-    QPointer<QScreen> screen_; ///< null once it is removed
+    QPointer<QScreen> screen_; ///< null after the screen is removed
     std::optional<LayerSurface> surface_;
 };
 
@@ -122,7 +122,7 @@ bool LayerPopup::eventFilter(QObject* watched, QEvent* event) {
     }
 }
 
-/// Below the control, or above it if it would not fit there.
+/// Shows the tool tip below the control, or above it if there is not enough room below.
 void LayerPopup::showTip(const QWidget& control) {
     tip_.setText(control.toolTip());
     const auto space = widget_.contentsRect();
@@ -137,7 +137,7 @@ void LayerPopup::showTip(const QWidget& control) {
     tip_.show();
 }
 
-/// Deferred, because this destroys the object that is handling the event.
+/// Dismisses the popup later, because dismissing it destroys the object that is handling the event.
 void LayerPopup::dismissLater() {
     QTimer::singleShot(0, this, [this] { dismiss_(); });
 }

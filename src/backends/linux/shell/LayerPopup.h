@@ -16,11 +16,11 @@ namespace nocta {
 
 /// Shows a widget in the corner of a screen that is nearest to the pointer, until the user clicks
 /// elsewhere. A Wayland program does not know where the pointer is outside its own windows. So this
-/// first covers every screen with a transparent window: the one that the pointer enters determines
-/// the screen and the corner, and a click on any of them is a click elsewhere. Without a pointer,
-/// the compositor chooses the screen, and the corner is at the top right. The tool tips of the
-/// widget are shown inside it, because Qt cannot open a window for them that belongs to one in a
-/// layer.
+/// class first covers every screen with a transparent window. The window that the pointer enters
+/// determines the screen and the corner, and a click on any of these windows counts as a click
+/// elsewhere. Without a pointer, the compositor chooses the screen, and the corner is at the top
+/// right. The tool tips of the widget are shown inside the widget, because Qt cannot open a tool
+/// tip window whose parent is in a layer.
 class LayerPopup final : public QObject {
 public:
     /// `margin` is the distance in points from the edges of the screen, or from panels there; it

@@ -20,7 +20,7 @@ namespace {
 constexpr std::uint32_t newestVersion = 4;
 constexpr std::uint32_t destroyVersion = 3;
 constexpr std::int32_t coverPanels = -1;
-// In points. A Wayland buffer can hold an image of this size up to a scale factor of 3.
+// In points. Up to a scale factor of 3, a Wayland buffer can hold an image of this size.
 constexpr std::uint32_t maxLength = 16384;
 constexpr std::uint32_t maxArea = 1U << 25U;
 
@@ -86,7 +86,8 @@ LayerShell::LayerShell() {
         .global_remove = [](void* /*data*/, wl_registry* /*registry*/, std::uint32_t /*name*/) {}};
     auto* const display =
         static_cast<wl_display*>(native().nativeResourceForIntegration("wl_display"));
-    // This uses a separate queue, because Qt must not receive its events during the round trip.
+    // This code uses a separate queue, because Qt must not handle its own events during the round
+    // trip.
     auto* const queue = wl_display_create_queue(display);
     auto* const wrapper = static_cast<wl_display*>(wl_proxy_create_wrapper(display));
     wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(wrapper), queue);

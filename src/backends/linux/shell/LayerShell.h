@@ -16,15 +16,15 @@ struct zwlr_layer_surface_v1_listener;
 namespace nocta {
 
 /// Access to the compositor's layers above and below the ordinary windows, over Qt's connection. Qt
-/// itself does not support them.
+/// itself does not support layers.
 class LayerShell {
 public:
     /// Allows windows with Qt::BypassWindowManagerHint to be shown in a layer. Call this before Qt
     /// starts.
     static void prepare();
 
-    /// Checks whether the compositor offers layers. Qt must already be connected to it. Without
-    /// Wayland, there are no layers.
+    /// Checks whether the compositor offers layers. Qt must already be connected to the compositor.
+    /// Without Wayland, there are no layers.
     LayerShell();
     LayerShell(const LayerShell&) = delete;
     LayerShell& operator=(const LayerShell&) = delete;

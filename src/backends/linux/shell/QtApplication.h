@@ -9,14 +9,13 @@
 
 namespace nocta {
 
-/// Runs the process on Qt's event loop. SIGINT, SIGTERM, SIGHUP and the end of the session shut it
-/// down in an orderly way. If the user starts the program again, the running process is reopened.
-/// It is also reopened, once, if the desktop shows no tray, because otherwise the user would not
-/// see that the program is running. Before that, a panel that is still starting has a moment to
-/// show its tray.
+/// Runs the process on Qt's event loop. SIGINT, SIGTERM, SIGHUP and the end of the session shut the
+/// process down cleanly. If the user starts the program again, the running process is reopened. The
+/// process is also reopened, once, if the desktop still shows no tray a moment after launch,
+/// because otherwise the user would not see that the program is running.
 class QtApplication final : public Application {
 public:
-    /// `hasTray` returns whether the desktop shows a tray now.
+    /// `hasTray` returns whether the desktop currently shows a tray.
     QtApplication(RunLoop& runLoop, SingleInstance& instance, std::function<bool()> hasTray);
 
     int run(ApplicationDelegate& delegate) override;

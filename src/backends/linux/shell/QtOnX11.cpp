@@ -38,8 +38,8 @@ void afterEventsOfQt(const QObject& context, std::function<void()> action) {
         action();
         return;
     }
-    // With this reply, Qt has received everything; after two turns of the event loop, it has
-    // handled it too.
+    // When this reply arrives, Qt has received all earlier events. After two turns of the event
+    // loop, Qt has also handled them.
     const XcbReply<xcb_get_input_focus_reply_t> received(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     QTimer::singleShot(0, &context, [&context, action = std::move(action)] {

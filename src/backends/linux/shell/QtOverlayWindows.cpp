@@ -20,8 +20,8 @@ namespace nocta {
 
 namespace {
 
-/// The limit for each break. Without a limit, two programs could take the focus from each other
-/// forever.
+/// The maximum number of times that the focus is taken back during a break. Without a limit, two
+/// programs could take the focus from each other forever.
 constexpr int maxTakenBack = 10;
 
 /// The key code of a key that a monitor handles; -1 for all others.
@@ -67,7 +67,8 @@ public:
             view->setGraphicsEffect(paintedAlpha_ = new QGraphicsOpacityEffect);
         }
         showAlpha();
-        // Geometry is in the scale factor of the window's screen, so the screen is set first.
+        // Qt applies the scale factor of the window's screen to the geometry, so the screen is set
+        // first.
         widget_.winId();
         if (screen_ != nullptr) {
             widget_.windowHandle()->setScreen(screen_);
@@ -233,8 +234,8 @@ QtOverlayWindows::addLocalMonitorForKeyDown(std::function<bool(const KeyDownEven
     });
 }
 
-/// The newest window gets the keyboard focus. When the first window appears, this remembers which
-/// window of another program had the focus.
+/// The newest window gets the keyboard focus. When the first window appears, this function
+/// remembers which window of another program had the focus.
 void QtOverlayWindows::windowComes(Window& window) {
     std::erase(shown_, &window);
     for (auto* const other : shown_) {

@@ -18,15 +18,15 @@ class QWindow;
 namespace nocta {
 
 /// Overlay windows in Qt. On X11 they bypass the window manager, so that they cover their screens
-/// exactly, on every workspace and above full-screen windows, with any window manager or none. They
-/// take the keyboard focus themselves, and take it back if a window opens below them, so that the
-/// user does not type into a hidden window. When the last overlay window is hidden, this class
+/// exactly, on every workspace and above full-screen windows, with or without a window manager.
+/// They take the keyboard focus themselves, and take it back if a window opens below them, so that
+/// the user does not type into a hidden window. When the last overlay window is hidden, this class
 /// returns the focus to the window that had it before. Whatever the user was still typing when the
-/// overlay windows appeared is discarded. Without a compositor they are dark and opaque.
+/// overlay windows appeared is discarded. Without a compositor, the windows are dark and opaque.
 ///
-/// On Wayland, if the compositor offers layers, they are in the topmost layer, and the compositor
-/// gives the keyboard focus to the newest of them. On other compositors, each of them is an
-/// ordinary full-screen window.
+/// On Wayland, if the compositor offers layers, the windows are in the topmost layer, and the
+/// compositor gives the keyboard focus to the newest one. On other compositors, each overlay window
+/// is an ordinary full-screen window.
 class QtOverlayWindows final : public OverlayWindows {
 public:
     /// `connection` and `typing` are null without an X server. Without `typing`, only the

@@ -70,7 +70,7 @@ public:
         }
     }
 
-    /// Takes the size that the content needs, but at least `contentSize`.
+    /// Resizes the window to the size that the content needs, but at least to `contentSize`.
     void fit(bool isComposited) {
         shadowWidth_ = isComposited ? shadowReach : 0;
         layout()->setContentsMargins(shadowWidth_, shadowWidth_, shadowWidth_, shadowWidth_);
@@ -81,7 +81,7 @@ public:
         setFixedSize(body + QSize(2 * shadowWidth_, 2 * shadowWidth_));
     }
 
-    /// Moves next to the anchor.
+    /// Moves the window next to the anchor.
     void place(const QRect& anchor, const QRect& available) {
         move(placed(body().size().toSize(), anchor, available) -
              QPoint(shadowWidth_, shadowWidth_));
@@ -147,7 +147,7 @@ private:
         return QRectF(rect()).adjusted(shadowWidth_, shadowWidth_, -shadowWidth_, -shadowWidth_);
     }
 
-    /// Draws rounded rectangles on top of each other, each a little smaller than the last.
+    /// Draws rounded rectangles on top of each other, each slightly smaller than the previous one.
     void paintShadow(QPainter& painter) const {
         painter.setPen(Qt::NoPen);
         painter.setBrush(QColor(0, 0, 0, shadowLayerAlpha));

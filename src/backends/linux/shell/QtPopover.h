@@ -13,9 +13,9 @@ namespace nocta {
 
 /// The popover as a separate window that closes when the user clicks elsewhere or presses Escape.
 /// It opens at the status item, or at the pointer if the panel does not report the item's position.
-/// It appears without a fade, because only a compositor could fade it. With a compositor it has
-/// rounded corners and a shadow. On Wayland it opens in the corner of the screen that is nearest to
-/// the pointer or, if the compositor offers no layers, as an ordinary window.
+/// The popover appears without a fade, because only a compositor could fade it. With a compositor,
+/// the popover has rounded corners and a shadow. On Wayland it opens in the corner of the screen
+/// that is nearest to the pointer or, if the compositor offers no layers, as an ordinary window.
 class QtPopover final : public Popover {
 public:
     /// `connection` is null without an X server.

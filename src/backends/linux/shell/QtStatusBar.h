@@ -11,8 +11,8 @@
 
 namespace nocta {
 
-/// The icon in the system tray: a StatusNotifierItem, or an XEmbed window if no panel hosts such
-/// items. It is shown as soon as there is a tray.
+/// The icon in the system tray: a StatusNotifierItem, or an XEmbed window if no panel hosts
+/// StatusNotifierItems. The icon is shown as soon as there is a tray.
 class QtStatusItem final : public QObject, public StatusItem {
 public:
     explicit QtStatusItem(SystemTray& tray);

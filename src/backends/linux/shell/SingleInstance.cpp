@@ -27,7 +27,7 @@ using namespace std::chrono_literals;
 constexpr int maxWaitingStarts = 16;
 constexpr auto attemptInterval = 10ms;
 
-/// The sticky bit protects the socket from cleanup of unused files in the runtime folder.
+/// The sticky bit keeps programs that clean up the runtime folder from deleting the socket.
 constexpr mode_t socketMode = S_ISVTX | S_IRUSR | S_IWUSR;
 
 /// The 64-bit FNV-1a hash of a server's name. The name itself may be long or contain slashes.

@@ -33,8 +33,8 @@ SystemTray::SystemTray(X11Connection* connection) : connection_(connection) {
             connection_->atom("_NET_SYSTEM_TRAY_S" + std::to_string(connection_->screenNumber()));
         events_ = connection_->observeEvents([this](const X11Connection::Event& event) {
             if ((event.response_type & 0x7f) == XCB_CLIENT_MESSAGE) {
-                // Qt recreates an existing icon when it detects the tray, and a tray may fail on
-                // the old icon.
+                // Qt recreates an existing icon when it detects the tray, and a tray may not handle
+                // the old icon correctly.
                 afterEventsOfQt(watcher_, [this] { lookForXEmbedTray(); });
             }
         });

@@ -14,10 +14,10 @@ namespace nocta {
 
 /// Finds out whether the desktop has a place for icons: a host of StatusNotifierItems on the
 /// session bus, or an XEmbed tray on the X server. A panel often starts after the programs of a
-/// session, and Qt looks only once, so no icon may be created before there is a place for it. Even
-/// for an icon in an XEmbed tray, Qt asks the watcher of StatusNotifierItems and blocks until it
-/// answers, so a watcher that does not answer must delay the icon in both cases. This class never
-/// blocks, and asks again only if something has changed.
+/// session, and Qt looks for a tray only once, so no icon may be created before there is a place
+/// for it. Even for an icon in an XEmbed tray, Qt queries the watcher of StatusNotifierItems and
+/// blocks until the watcher answers, so the icon must wait for the watcher in both cases. This
+/// class never blocks, and queries the watcher again only after a change.
 class SystemTray {
 public:
     /// `connection` is null without an X server.
@@ -25,8 +25,8 @@ public:
 
     bool isAvailable() const { return isAvailable_; }
 
-    /// Calls `action` once: as soon as there is a place for icons, or immediately if there already
-    /// is one.
+    /// Calls `action` once, as soon as there is a place for icons. If there already is one, calls
+    /// `action` immediately.
     void whenAvailable(std::function<void()> action);
 
 private:
@@ -41,7 +41,7 @@ private:
     X11Connection* connection_;
     xcb_atom_t selection_ = XCB_ATOM_NONE;
     bool isAvailable_ = false;
-    bool isWatcherMute_ = false; ///< while its answer is outstanding
+    bool isWatcherMute_ = false; ///< the watcher's answer is outstanding
     bool hasXEmbedTray_ = false;
     std::function<void()> action_;
     QDBusServiceWatcher watcher_;

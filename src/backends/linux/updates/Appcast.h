@@ -8,16 +8,16 @@
 
 namespace nocta {
 
-/// One release of an appcast, as the feed describes it, in UTF-8. Nothing in it is trusted.
+/// One release in an appcast, as described by the feed, in UTF-8. Its values are not trusted.
 struct AppcastItem {
     std::string version{};            ///< used to compare releases
-    std::string shortVersionString{}; ///< shown to users; same as `version` if the feed has none
+    std::string shortVersionString{}; ///< shown to users; `version` if the feed has none
     std::string minimumSystemVersion{};
     std::string channel{}; ///< empty for the default channel
-    std::string os{};      ///< empty for any
+    std::string os{};      ///< empty for any system
     std::string url{};
     std::string edSignature{};  ///< in Base64
-    std::int64_t length = 0;    ///< of the file, in bytes; 0 if the feed has none
+    std::int64_t length = 0;    ///< the file's size in bytes; 0 if the feed has none
     std::string releaseNotes{}; ///< plain text
 };
 
@@ -28,7 +28,7 @@ struct Appcast {
 };
 
 /// Reads RSS 2.0 with the `sparkle` namespace. Items without a version or an enclosure are skipped.
-/// A document with a document type is refused, because the only thing it could add is entities.
+/// A document with a document type declaration is refused, because feeds need no entities.
 Appcast parseAppcast(std::string_view xml);
 
 } // namespace nocta

@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr Duration checkInterval = 24h;
-constexpr Duration lookInterval = 1h; // of the wall clock, which continues during sleep
+constexpr Duration lookInterval = 1h; // on the wall clock, which continues during sleep
 constexpr auto feedTimeout = 60s;
 constexpr auto fileTimeout = 1h;
 constexpr std::size_t maxFeedSize = 1 << 17;    // bytes
@@ -42,7 +42,8 @@ bool isForThisSystem(const AppcastItem& item, const std::string& systemVersion) 
            std::is_lteq(compareVersions(item.minimumSystemVersion, systemVersion));
 }
 
-/// Returns why a release cannot be offered, as far as that is known before its file is downloaded.
+/// Returns why a release cannot be offered, or nothing if its description shows no problem. The
+/// file has not been downloaded yet.
 std::optional<std::string> problemWith(const AppcastItem& item) {
     if (!item.url.starts_with("https://")) {
         return translatable("Nocta", "The file's address is not encrypted");
@@ -148,7 +149,7 @@ void AppcastUpdater::removeOldFiles() const {
 void AppcastUpdater::checkIfDue() {
     const auto now = runLoop_.wallNow();
     const auto& last = memory_.record().lastCheck;
-    // A last check in the future means that the clock was set back.
+    // If the last check is in the future, the clock was set back.
     const auto isDue = !last || now < *last || now - *last >= checkInterval;
     if (isDue && !isShown() && !isLoading()) {
         isUserInitiated_ = false;
@@ -234,7 +235,7 @@ void AppcastUpdater::offer(const AppcastItem& item) {
     }
 }
 
-/// The path of the offered file, downloaded or not.
+/// The path of the offered file, whether or not it has been downloaded.
 std::filesystem::path AppcastUpdater::package() const {
     return downloads_ / *packageName(offered_.url);
 }
@@ -310,7 +311,7 @@ void AppcastUpdater::finishFile() {
     }
 }
 
-/// Ends the cycle: the rest is up to the installer.
+/// Ends the cycle, because the installer takes over.
 void AppcastUpdater::handOver() {
     handedOverVersion_ = offered_.version;
     finish(UpdateHandedOver{offered_.shortVersionString});

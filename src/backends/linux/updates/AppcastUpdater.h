@@ -17,9 +17,9 @@
 
 namespace nocta {
 
-/// A standard updater. It reads the publisher's appcast, daily if the user has allowed that, and
-/// passes files that the publisher has signed to the desktop's installer. It downloads one feed or
-/// file at a time. A cycle is a check and everything that follows from it.
+/// A standard updater. It reads the publisher's appcast, daily if the user has allowed automatic
+/// checks, and passes files that the publisher has signed to the desktop's installer. It downloads
+/// one feed or file at a time. A cycle is a check and everything that follows from it.
 class AppcastUpdater final : public Updater {
 public:
     /// Works like `openPackage`.

@@ -17,8 +17,8 @@ std::optional<Ed25519PublicKey> ed25519PublicKey(std::string_view base64);
 std::optional<Ed25519Signature> ed25519Signature(std::string_view base64);
 
 /// Checks the signature of a message that does not fit in memory. It follows RFC 8032, section
-/// 5.1.7, where the message is hashed once and in order. Like libsodium's own check, it does not
-/// use the cofactor.
+/// 5.1.7, which hashes the message once and in order. Like libsodium's own check, it does not use
+/// the cofactor.
 ///
 ///     Ed25519Verification verification(key, signature);
 ///     verification.update(piece); // for each piece

@@ -11,8 +11,8 @@ namespace nocta {
 
 namespace {
 
-/// Deletes an opener only after it has exited, because a running opener may be the installer
-/// itself.
+/// Delays the deletion of an opener until it has exited, because a running opener may be the
+/// installer itself.
 struct Later {
     void operator()(QProcess* opener) const {
         opener->disconnect();

@@ -144,7 +144,7 @@ bool isHidden(char32_t character) {
     }
 }
 
-/// Trims the lines and leaves at most one empty line between two.
+/// Trims the lines and leaves at most one empty line between paragraphs.
 QString tidy(const QString& text) {
     QString lines;
     int newLines = 0;

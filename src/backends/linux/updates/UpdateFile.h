@@ -23,11 +23,11 @@ public:
     UpdateFile(const UpdateFile&) = delete;
     UpdateFile& operator=(const UpdateFile&) = delete;
 
-    // Each returns why the file is refused, or nothing.
+    // Each function returns the reason if the file is refused, or nothing.
     std::optional<std::string> add(std::string_view piece);
     std::optional<std::string> finish();
 
-    /// The part that has arrived, 0.0–1.0.
+    /// The fraction that has arrived, 0.0–1.0.
     double progress() const;
 
 private:

@@ -83,8 +83,8 @@ UpdaterMemory::UpdaterMemory(std::filesystem::path file) : file_(std::move(file)
 void UpdaterMemory::keep() {
     std::error_code error;
     createPrivateFolders(file_.parent_path());
-    // Replaces the file atomically. This does not wait for the disk, because that would delay
-    // updates of the screen.
+    // Replaces the file atomically. Does not wait for the disk, because a wait would delay screen
+    // updates.
     const auto next = file_.string() + ".new";
     const auto isWritten =
         static_cast<bool>(std::ofstream(next) << serialized(record_) << std::flush);

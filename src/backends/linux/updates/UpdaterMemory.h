@@ -19,7 +19,7 @@ struct UpdaterRecord {
     bool operator==(const UpdaterRecord&) const = default;
 };
 
-/// A value that is missing, unreadable or of the wrong type gets its default.
+/// A value that is missing, unreadable or of the wrong type is replaced with its default.
 UpdaterRecord parseUpdaterRecord(std::string_view json);
 std::string serialized(const UpdaterRecord& record);
 
@@ -28,7 +28,7 @@ class UpdaterMemory {
 public:
     explicit UpdaterMemory(std::filesystem::path file);
 
-    /// Whether there was a record before this run.
+    /// Whether a record existed before this run.
     bool isKept() const { return isKept_; }
     const UpdaterRecord& record() const { return record_; }
 
@@ -37,7 +37,7 @@ public:
         change(record_);
         keep();
     }
-    /// Saves the record, so that there is one from now on.
+    /// Saves the record, so that one exists from now on.
     void keep();
 
 private:

@@ -21,7 +21,7 @@ constexpr std::uint32_t allEdges =
     ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM |
     ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT | ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT;
 constexpr std::int32_t coverPanels = -1;
-constexpr std::uint32_t maxLength = 32767; // of a side, in points
+constexpr std::uint32_t maxLength = 32767; // for each side, in points
 
 /// Creates a file with a black ARGB pixel for every alpha value.
 FileDescriptor filePixels() {

@@ -18,9 +18,9 @@ struct zwlr_layer_shell_v1;
 namespace nocta {
 
 /// Dims each output by covering it with a translucent black layer, for compositors without gamma
-/// control. Clicks pass through the layer. It is as dark as the highest level of the tables, so it
-/// cannot show warmth, and it appears in screenshots. It disappears when the process ends for any
-/// reason.
+/// control. Clicks pass through the layer. The layer's darkness follows the highest level in the
+/// tables, so the layer cannot show warmth. It also appears in screenshots. It disappears when the
+/// process ends for any reason.
 class TintGammaOutput final : public GammaOutput {
 public:
     TintGammaOutput(WaylandConnection& connection, WaylandDisplays& displays);

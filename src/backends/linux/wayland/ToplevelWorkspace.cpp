@@ -11,7 +11,7 @@ namespace nocta {
 
 namespace {
 
-constexpr std::uint32_t fullScreenVersion = 2; // the first one that reports full screen
+constexpr std::uint32_t fullScreenVersion = 2; // the first version that reports full screen
 
 template <class Data>
 Data& of(void* data) {
@@ -24,7 +24,7 @@ bool contains(const wl_array& states, std::uint32_t state) {
     return std::ranges::find(numbers, state) != numbers.end();
 }
 
-/// By convention, the ID of an application is the name of its desktop file.
+/// By convention, an application's ID is the name of its desktop file.
 std::optional<RunningApplication> applicationOf(const std::string& appId,
                                                 const std::string& title) {
     const RunningApplication application{
@@ -209,8 +209,8 @@ const ToplevelWorkspace::Description* ToplevelWorkspace::activeWindow() const {
 }
 
 /// Returns the display of the active window, or else the main display. The protocol does not report
-/// which of several displays contains most of a window. If there are several, this returns the main
-/// display if it is one of them, or else the first one.
+/// which of several displays contains most of a window. If the window is on several displays, this
+/// function returns the main display if it is among them, or else the first one.
 std::optional<DisplayId> ToplevelWorkspace::mainScreen() const {
     auto ids = displays_.ids();
     std::stable_partition(ids.begin(), ids.end(),

@@ -15,11 +15,11 @@
 
 namespace nocta {
 
-/// The applications of a compositor that supports the protocol wlr-foreign-toplevel-management. The
+/// The applications on a compositor that supports the wlr-foreign-toplevel-management protocol. The
 /// protocol reports the application, the state and the outputs of each window, but neither its size
 /// nor its process. The size is known only for a window that is full screen on the main screen.
 /// Windows on a workspace that is not shown count as well, because the protocol does not
-/// distinguish them. This class never polls.
+/// distinguish them from visible windows. This class never polls.
 class ToplevelWorkspace final : public Workspace {
 public:
     ToplevelWorkspace(WaylandConnection& connection, WaylandDisplays& displays, RunLoop& runLoop,

@@ -19,13 +19,13 @@ namespace nocta {
 
 /// Nocta's own connection to the Wayland compositor, separate from Qt's. Requests are queued and
 /// flushed once at the end of the run-loop turn. No call waits for the compositor longer than
-/// `maxWait`, except at the start. If the compositor goes away, `onLost` is called once; from then
-/// on every request does nothing.
+/// `maxWait`, except at the start. If the connection to the compositor is lost, `onLost` is called
+/// once, and later requests do nothing.
 class WaylandConnection {
 public:
     static constexpr std::chrono::milliseconds maxWait{200};
-    /// Longer, because compositors are busy when the session starts, and Nocta's features depend on
-    /// what they offer.
+    /// Longer than `maxWait`, because compositors are busy when the session starts, and Nocta's
+    /// features depend on what the compositor offers.
     static constexpr std::chrono::seconds maxWaitAtStart{5};
 
     struct Global {
@@ -33,7 +33,7 @@ public:
         std::uint32_t version = 0;
     };
 
-    /// Connects to the compositor that the environment names, and reads what it offers.
+    /// Connects to the compositor that the environment names, and reads its globals.
     explicit WaylandConnection(RunLoop& runLoop);
     WaylandConnection(const WaylandConnection&) = delete;
     WaylandConnection& operator=(const WaylandConnection&) = delete;
@@ -41,7 +41,7 @@ public:
 
     bool isOpen() const { return display_ != nullptr && wl_display_get_error(display_) == 0; }
 
-    /// What the compositor offers now, by name.
+    /// The globals that the compositor currently offers, by name.
     const std::map<std::uint32_t, Global>& globals() const { return globals_; }
 
     /// Binds a global in the given version, or in the compositor's version if that is lower.
@@ -50,17 +50,18 @@ public:
         return static_cast<Proxy*>(bindAny(name, interface, version));
     }
 
-    /// The name of the first global of this interface.
+    /// The name of the first global with this interface.
     std::optional<std::uint32_t> firstGlobal(const wl_interface& interface) const;
 
-    /// Binds the first global of this interface in version 1; null if there is none.
+    /// Binds the first global with this interface in version 1. Returns null if there is no such
+    /// global.
     template <class Proxy>
     Proxy* bindFirst(const wl_interface& interface) {
         const auto name = firstGlobal(interface);
         return name ? bind<Proxy>(*name, interface, 1) : nullptr;
     }
 
-    /// Calls back when a global has been added or removed.
+    /// Calls `callback` when a global has been added or removed.
     Subscription observeGlobals(std::function<void()> callback) {
         return observers_.add(std::move(callback));
     }
@@ -68,7 +69,7 @@ public:
     /// Call this after sending requests. They are flushed at the end of the run-loop turn.
     void finishTurn() { finishTurn_.request(); }
 
-    /// Calls `done` when the compositor has processed all requests up to now, unless the returned
+    /// Calls `done` when the compositor has processed all requests made so far, unless the returned
     /// subscription ends first.
     Subscription whenProcessed(std::function<void()> done);
 

@@ -19,7 +19,7 @@ Data& of(void* data) {
 } // namespace
 
 // Each description ends with `done`. The bounds of an output in window coordinates are its logical
-// position and size. If the compositor does not send those, the bounds are the output's own
+// position and size. If the compositor does not send these values, the bounds are the output's own
 // position and the size of its mode.
 const wl_output_listener WaylandDisplays::outputListener = {
     .geometry =

@@ -23,11 +23,11 @@ public:
     WaylandDisplays& operator=(const WaylandDisplays&) = delete;
     ~WaylandDisplays() override;
 
-    /// The output of a display; null if it is gone.
+    /// The output of a display; null if the display is gone.
     wl_output* outputOf(DisplayId display) const;
 
-    /// Calls back when the output of a display is gone. A display that is reconnected has a new
-    /// output.
+    /// Calls `callback` when the output of a display is gone. A display that is reconnected has a
+    /// new output.
     Subscription observeRemoval(std::function<void(DisplayId)> callback) {
         return removed_.add([callback = std::move(callback)](DisplayId id) { callback(id); });
     }
@@ -39,7 +39,7 @@ private:
         wl_output* proxy;
         zxdg_output_v1* logical = nullptr;
         Display description{};
-        bool isDescribed = false; ///< once the first description is complete
+        bool isDescribed = false; ///< the first description is complete
     };
 
     void updateOutputs();

@@ -19,10 +19,10 @@ constexpr std::uint32_t maxSize = 65536; // entries for each channel
 constexpr auto maxAnswerTime = 1s;       // for a control object; some compositors never answer
 constexpr auto firstPause = 1s;          // doubled after each failure
 constexpr int maxFailures = 3;
-constexpr auto stableTime = 1min; // a control that was held for longer was not contested
+constexpr auto stableTime = 1min; // a control held for longer than this was not contested
 
-/// A file with the levels of all channels, positioned at its start. Empty if the file cannot be
-/// created.
+/// Creates a file with the levels of all channels, positioned at its start. Returns an empty
+/// descriptor if the file cannot be created.
 FileDescriptor fileWith(const std::vector<std::uint16_t>& levels) {
     FileDescriptor file(memfd_create("nocta-gamma", MFD_CLOEXEC | MFD_ALLOW_SEALING));
     const auto size = levels.size() * sizeof levels[0];
@@ -35,7 +35,7 @@ FileDescriptor fileWith(const std::vector<std::uint16_t>& levels) {
     return file;
 }
 
-/// Whether there is a file and a free descriptor. The library duplicates the descriptor that it
+/// Whether there is a file and a free descriptor. The library duplicates each descriptor that it
 /// sends, and the connection fails if no descriptor is free.
 bool canSend(const FileDescriptor& file) {
     return static_cast<bool>(FileDescriptor(fcntl(file.get(), F_DUPFD_CLOEXEC, 0)));
@@ -190,7 +190,7 @@ void WlrGammaOutput::send(Control& control) {
     }
     const auto file = fileWith(levels);
     if (!canSend(file)) {
-        return; // no descriptors or no memory left: the next write tries again
+        return; // out of descriptors or memory: the next write tries again
     }
     zwlr_gamma_control_v1_set_gamma(control.object, file.get());
     control.isDue = false;

@@ -15,16 +15,17 @@
 
 namespace nocta {
 
-/// The gamma tables of a compositor that supports the protocol wlr-gamma-control. The compositor
+/// The gamma tables on a compositor that supports the wlr-gamma-control protocol. The compositor
 /// restores an output's own tables when the control object of the output is destroyed, and when
 /// this process dies, so no helper is needed. The previous tables cannot be read, so a calibration
 /// is replaced while Nocta runs.
 ///
-/// An output has at most one control object, and only one program can have it. If the compositor
-/// refuses it, this class retries a few times, and then leaves the output to the other program.
-/// Each output has at most one pending write. When that write has been processed, only the newest
-/// tables are sent, so that writes do not pile up while the compositor is busy. Equal tables are
-/// sent too, because another program may have reset the display.
+/// An output has at most one control object, and only one program can have this object. If the
+/// compositor refuses the object, this class retries a few times, and then leaves the output to the
+/// other program. Each output has at most one pending write. When that write has been processed,
+/// only the newest tables are sent, so that writes do not pile up while the compositor is busy.
+/// Tables are sent even if they have not changed, because another program may have reset the
+/// display.
 class WlrGammaOutput final : public GammaOutput {
 public:
     WlrGammaOutput(WaylandConnection& connection, WaylandDisplays& displays, RunLoop& runLoop);
@@ -39,7 +40,7 @@ public:
                                      std::span<const float> blue) override;
     void displayRestoreColorSyncSettings() override;
 
-    /// Sends the last tables once more, because compositors may lose them while the machine sleeps.
+    /// Resends the last tables, because compositors may lose them while the machine sleeps.
     void sendAgain();
 
 private:
@@ -51,7 +52,7 @@ private:
         DisplayId display;
         zwlr_gamma_control_v1* object = nullptr;
         std::uint32_t size = 0;       ///< entries for each channel; 0 until the compositor answers
-        std::optional<Tables> tables; ///< the newest
+        std::optional<Tables> tables; ///< the newest tables
         bool isDue = false;           ///< `tables` have not been sent yet
         bool isBusy = false;          ///< the last write has not been processed yet
         int failures = 0;
@@ -76,7 +77,7 @@ private:
     WaylandConnection& connection_;
     WaylandDisplays& displays_;
     RunLoop& runLoop_;
-    std::optional<std::uint32_t> managerName_; ///< of the global
+    std::optional<std::uint32_t> managerName_; ///< the name of the global
     zwlr_gamma_control_manager_v1* manager_ = nullptr;
     zwlr_output_power_manager_v1* powerManager_;
     bool isAvailable_ = false;

@@ -6,8 +6,8 @@
 
 namespace nocta {
 
-/// Watches the power mode of one output, because compositors may lose the gamma tables of an output
-/// that is off. This class never changes the mode.
+/// Watches the power mode of one output, because compositors may lose an output's gamma tables
+/// while the output is off. This class never changes the mode.
 class WlrOutputPower {
 public:
     /// Calls `onTurnedOn` whenever the output is turned on after it was off.

@@ -18,7 +18,7 @@ xcb_atom_t matrixAtom(xcb_connection_t* connection) {
     return internAtom(connection, propertyOfOutputs, true);
 }
 
-/// One record after the other: the output and its matrix.
+/// The property contains a record for each output: the output and its matrix.
 RootProperty property(xcb_connection_t* connection, xcb_window_t root) {
     return {connection, root, "_NOCTA_FACTORY_MATRICES"};
 }

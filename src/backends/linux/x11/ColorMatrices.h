@@ -17,7 +17,8 @@ using ColorMatrix = std::array<std::uint32_t, 18>;
 /// The matrices that outputs had before Nocta wrote to them, by output.
 using FactoryMatrices = std::map<xcb_randr_output_t, ColorMatrix>;
 
-/// Sets every channel to the luma of the picture, with the weights of ITU-R Recommendation BT.709.
+/// A matrix that sets every channel to the picture's luma, with the weights from ITU-R
+/// Recommendation BT.709.
 ColorMatrix grayMatrix();
 
 /// The current matrix of an output, or nothing if it has no such property.
@@ -26,16 +27,17 @@ std::optional<ColorMatrix> readMatrix(xcb_connection_t* connection, xcb_randr_ou
 void writeMatrix(xcb_connection_t* connection, xcb_randr_output_t output,
                  const ColorMatrix& matrix);
 
-// Like the factory ramps, the matrices are kept on the server while Nocta's own matrices are set.
+// Like the factory ramps, the factory matrices are kept on the server while Nocta's own matrices
+// are set.
 
 /// The stored matrices.
 FactoryMatrices readFactoryMatrices(xcb_connection_t* connection, xcb_window_t root);
 
-/// Replaces the stored matrices. Later readers see the new ones immediately.
+/// Replaces the stored matrices. Later reads return the new ones immediately.
 void storeFactoryMatrices(xcb_connection_t* connection, xcb_window_t root,
                           const FactoryMatrices& matrices);
 
-/// Writes all these matrices to their outputs and removes the stored ones.
+/// Writes the given matrices to their outputs and removes the stored ones.
 void restore(xcb_connection_t* connection, xcb_window_t root, const FactoryMatrices& matrices);
 
 } // namespace nocta

@@ -7,8 +7,8 @@ namespace nocta {
 
 namespace {
 
-// One record after the other: the CRTC, the size, and then `size` levels each of red, green and
-// blue.
+// The property contains a record for each CRTC: the CRTC, the size, and then `size` levels each for
+// red, green and blue.
 constexpr std::size_t headerLength = 2;
 
 RootProperty property(xcb_connection_t* connection, xcb_window_t root) {

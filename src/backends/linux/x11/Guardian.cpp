@@ -57,8 +57,8 @@ void Guardian::dismiss(const void* writer) {
     wake(); // a helper that has not answered yet restores what an earlier Nocta left
 }
 
-/// Leaves the helper running without this process. The helper then does the same as when this
-/// process dies.
+/// Leaves the helper running without this process. The helper then behaves as if this process had
+/// died.
 void Guardian::wake() {
     timeout_.invalidate();
     pause_.invalidate();

@@ -11,11 +11,11 @@
 namespace nocta {
 
 /// Manages the helper process that gives the screen back if this process dies without doing so. An
-/// X server keeps gamma ramps and color matrices after the client that wrote them is gone, no
-/// matter how it ended. So Nocta starts the small helper before the first write. If the socket to
-/// Nocta closes while the helper is running, the helper restores what was there before the first
+/// X server keeps gamma ramps and color matrices after the client that wrote them has exited or
+/// died. So Nocta starts the small helper before the first write. If the socket to Nocta closes
+/// while the helper is running, the helper restores the ramps and matrices from before the first
 /// write. If the helper dies, it is replaced: immediately, or, if it keeps dying, after a pause or
-/// at the next write. No call waits until the helper is ready, because the helper may have to wait
+/// on the next write. No call waits until the helper is ready, because the helper may have to wait
 /// for the guardian of a Nocta that has died.
 class Guardian {
 public:
@@ -32,20 +32,20 @@ public:
     Guardian& operator=(const Guardian&) = delete;
     ~Guardian() { wake(); }
 
-    /// Every writer must call this before it writes. This starts the helper unless one is running.
-    /// If the helper cannot be started, a line about it is printed to standard error, and the
-    /// display stays unguarded.
+    /// Every writer must call this before it writes. This function starts the helper unless one is
+    /// running. If the helper cannot be started, a line about it is printed to standard error, and
+    /// the display stays unguarded.
     Permission request(const void* writer);
 
-    /// Calls back when the permission changes.
+    /// Calls `callback` when the permission changes.
     Subscription observe(std::function<void(const Permission&)> callback) {
         return changed_.add(std::move(callback));
     }
 
-    /// Every writer that has called `request` must call this at the end. It calls `restore`, which
-    /// undoes the writer's changes, unless another Nocta has taken over the display. After the last
-    /// writer, the helper exits without doing anything. If the server cannot be reached, the helper
-    /// does the restoring.
+    /// Every writer that has called `request` must call this function when it is done. The function
+    /// calls `restore`, which undoes the writer's changes, unless another Nocta has taken over the
+    /// display. After the last writer, the helper exits without doing anything. If the server
+    /// cannot be reached, the helper does the restoring.
     void restore(const void* writer, const std::function<void()>& restore);
 
     /// Ends a writer that has called `request` but written nothing.
@@ -70,9 +70,9 @@ private:
     Permission permission_ = Permission::pending;
     std::set<const void*> writers_;
     CallbackList<Permission> changed_;
-    bool wasReady_ = false;                ///< a helper can be started; one that ends is replaced
+    bool wasReady_ = false;                ///< a helper was ready; it is replaced if it dies
     xcb_window_t helperWindow_ = XCB_NONE; ///< the window of the last helper that was ready
-    int replacements_ = 0;                 ///< without a pause
+    int replacements_ = 0;                 ///< since the last pause
     MonotonicTime lastDeath_;
     bool hasComplained_ = false;
     HelperProcess helper_;

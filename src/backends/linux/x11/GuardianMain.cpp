@@ -1,7 +1,7 @@
 // nocta-guardian: restores the gamma ramps and color matrices of an X server's displays when the
-// Nocta that started it has died. Only Nocta starts it; they communicate over its standard input as
-// described in `GuardianProtocol.h`. It uses no libraries except xcb, so it needs only a few
-// hundred kilobytes of memory.
+// Nocta process that started it has died. Only Nocta starts the guardian. The two communicate over
+// the guardian's standard input as described in `GuardianProtocol.h`. The guardian uses no
+// libraries except xcb, so it needs only a few hundred kilobytes of memory.
 
 #include "backends/linux/process/HelperProtocol.h"
 #include "backends/linux/x11/ColorMatrices.h"
@@ -47,7 +47,7 @@ bool predecessorLives = false;         // the other guardian has answered
     std::_Exit(status);
 }
 
-/// Selects a window's structure events. Returns false if the window is gone already.
+/// Selects a window's structure events. Returns false if the window is already gone.
 bool watch(xcb_window_t window) {
     std::uint32_t const structure = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     auto* const error = xcb_request_check(
@@ -73,7 +73,8 @@ void connect(xcb_window_t window) {
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
 }
 
-/// Sends a message to another guardian: a question contains our window, an answer contains none.
+/// Sends a message to another guardian. A question contains our window; an answer contains no
+/// window.
 void send(xcb_window_t guardian, xcb_window_t asking) {
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
@@ -125,8 +126,8 @@ bool readEvents() {
     return any;
 }
 
-/// Waits for an event from the server or, if `listen` is set, for the end of Nocta. Returns false
-/// if Nocta has ended or the deadline has passed.
+/// Waits for an event from the server or, if `listen` is set, for Nocta to exit. Returns false if
+/// Nocta has exited or the deadline has passed.
 bool waitForServer(Clock::time_point deadline, bool listen) {
     xcb_flush(x);
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();

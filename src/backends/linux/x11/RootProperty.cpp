@@ -11,7 +11,7 @@ constexpr std::uint32_t version = 1; // increase it when the meaning of the numb
 constexpr std::size_t headerLength = 2;
 constexpr std::uint8_t format = 32;
 
-/// In numbers; more than all displays of a server can need.
+/// In numbers. This is more than a server's displays can need.
 constexpr std::uint32_t maxLength = 1U << 22;
 
 /// The 32-bit FNV-1a hash of the numbers' bytes, lowest byte of each first.

@@ -12,8 +12,9 @@
 namespace nocta {
 
 /// A property of another client's window. The constructor sends the request, and reading waits for
-/// the reply, so several requests can be sent before the first wait. Read it exactly once. A window
-/// that is gone has no properties, and a property of an unexpected type counts as missing.
+/// the reply, so several requests can be sent before the first wait. Read the property exactly
+/// once. A window that is gone has no properties, and a property of an unexpected type counts as
+/// missing.
 class WindowProperty {
 public:
     /// `length` is the maximum to read, in units of 32 bits.
@@ -32,7 +33,7 @@ public:
         return std::vector(numbers, numbers + reply->value_len);
     }
 
-    /// The strings in it, separated by null characters.
+    /// The strings in the property, which are separated by null characters.
     std::vector<std::string> texts() const {
         const auto reply = answer();
         if (!reply || reply->format != 8) {

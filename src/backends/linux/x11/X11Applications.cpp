@@ -14,7 +14,7 @@ namespace nocta {
 
 namespace {
 
-constexpr std::uint32_t maxTextLength = 256; // of a property, in units of 32 bits
+constexpr std::uint32_t maxTextLength = 256; // for each property, in units of 32 bits
 
 std::string textAt(const std::vector<std::string>& texts, std::size_t index) {
     return index < texts.size() ? texts[index] : std::string();

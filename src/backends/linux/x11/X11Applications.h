@@ -17,7 +17,7 @@ public:
     /// `processes` is the folder where the kernel lists the processes of the system.
     X11Applications(X11Connection& connection, std::filesystem::path processes);
 
-    /// Returns nothing for no window, or for a window that reports nothing about its application.
+    /// Returns nothing if `window` is XCB_NONE, or if the window does not identify its application.
     /// Waits for the server.
     std::optional<RunningApplication> applicationOf(xcb_window_t window) const;
 

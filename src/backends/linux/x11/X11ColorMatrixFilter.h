@@ -14,8 +14,8 @@ namespace nocta {
 
 /// Turns the screen gray with the color transformation matrices of the outputs. Graphics drivers
 /// apply these before the gamma ramps, so dimming and warmth stay in effect. A display that is
-/// plugged in while the filter is on turns gray as well. A display whose driver has no matrix stays
-/// in color.
+/// plugged in while the filter is on turns gray as well. A display whose driver does not support
+/// the matrix stays in color.
 class X11ColorMatrixFilter final : public GrayscaleFilter {
 public:
     X11ColorMatrixFilter(X11Connection& connection, X11Displays& displays,

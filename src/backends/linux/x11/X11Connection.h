@@ -17,8 +17,8 @@
 namespace nocta {
 
 /// Nocta's own connection to the X server, separate from Qt's. Requests are queued and flushed once
-/// at the end of the run-loop turn; errors that the server reports later are ignored. If the server
-/// goes away, `onLost` is called once; from then on every request does nothing.
+/// at the end of the run-loop turn; errors that the server reports later are ignored. If the
+/// connection to the server is lost, `onLost` is called once, and later requests do nothing.
 class X11Connection {
 public:
     using Event = xcb_generic_event_t;
@@ -33,7 +33,7 @@ public:
     xcb_connection_t* get() const { return connection_; }
     xcb_window_t root() const { return screen_ == nullptr ? XCB_NONE : screen_->root; }
 
-    /// An input-only window that exists exactly as long as the server serves this connection.
+    /// An input-only window that exists as long as the server keeps this connection.
     xcb_window_t window() const { return window_; }
 
     int screenNumber() const { return screenNumber_; }
@@ -42,7 +42,7 @@ public:
     /// mask per window, so no other code may set the mask of the root window.
     void selectRootEvents(std::uint32_t mask);
 
-    /// Returns XCB_ATOM_NONE if the server has no atom of that name.
+    /// Returns XCB_ATOM_NONE if the server has no atom with that name.
     xcb_atom_t existingAtom(std::string_view name) const {
         return internAtom(connection_, name, true);
     }
@@ -64,8 +64,8 @@ public:
     /// of the run-loop turn it flushes, and delivers the events that arrived with the replies.
     void finishTurn() { finishTurn_.request(); }
 
-    /// Flushes, and returns once the server has processed every request; false if the server is
-    /// gone.
+    /// Flushes, and returns once the server has processed every request. Returns false if the
+    /// server is gone.
     bool synchronize();
 
     /// Delivers the events for everything that has happened on the server so far.

@@ -22,8 +22,8 @@ public:
     /// The CRTC that drives a display, or XCB_NONE.
     xcb_randr_crtc_t crtcOf(DisplayId display) const { return find(display).crtc; }
 
-    /// Whether the server only emulates RandR, as one inside a Wayland session does: its gamma
-    /// ramps can be written but have no effect.
+    /// Whether the server only emulates RandR, as an X server inside a Wayland session does. On
+    /// such a server, gamma ramps can be written but have no effect.
     bool isEmulation() const;
 
 private:

@@ -14,13 +14,13 @@
 namespace nocta {
 
 /// The gamma ramps of the CRTCs that drive the displays. Each CRTC's factory ramp is read before
-/// the first write to the CRTC and kept on the server. Tables are laid over the factory ramp as
-/// over a calibration. At the end this process restores the factory ramp, or its guardian does if
-/// this process dies. A CRTC that was off or now drives another display may have been recalibrated:
-/// its ramp is read again before the next write. Until the guardian is ready, only the newest
-/// tables of each display are kept. Apart from these cases, no write waits for the server. Tables
-/// are written even if they have not changed, because another program may have reset the display,
-/// and no event reports that.
+/// the first write to the CRTC and kept on the server. The factory ramp is treated as a
+/// calibration, over which tables are laid. On exit this process restores the factory ramp. If this
+/// process dies, its guardian restores it. A CRTC that was off or now drives another display may
+/// have been recalibrated: its ramp is read again before the next write. Until the guardian is
+/// ready, only the newest tables of each display are kept. Apart from these cases, no write waits
+/// for the server. Tables are written even if they have not changed, because another program may
+/// have reset the display, and no event reports that.
 class X11GammaOutput final : public GammaOutput {
 public:
     X11GammaOutput(X11Connection& connection, X11Displays& displays, Guardian& guardian);
@@ -34,16 +34,16 @@ public:
                                      std::span<const float> blue) override;
     void displayRestoreColorSyncSettings() override;
 
-    /// Sends the last ramps once more, because drivers may lose them while the machine sleeps.
-    /// Skips displays that have been off or have moved to another CRTC since.
+    /// Resends the last ramps, because drivers may lose them while the machine sleeps. Skips
+    /// displays that have been off or have moved to another CRTC since.
     void sendAgain();
 
 private:
     struct Crtc {
         GammaRamp factory;
         bool isCalibration = false; ///< the factory ramp is a calibration
-        GammaRamp written;          ///< the last ramp; empty before the first
-        DisplayId display = 0;      ///< the display that it was written for
+        GammaRamp written;          ///< the last ramp; empty before the first write
+        DisplayId display = 0;      ///< the display that `written` was for
         bool wasOff = false;        ///< off since the last write
 
         void setFactory(GammaRamp ramp) {

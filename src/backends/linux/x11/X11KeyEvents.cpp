@@ -76,7 +76,7 @@ Subscription X11KeyEvents::createKeyDownTap(std::function<void(const KeyDownEven
 void X11KeyEvents::handle(const X11Connection::Event& event) {
     const auto type = event.response_type & 0x7f;
     if (type == XCB_MAPPING_NOTIFY || type == firstKeyboardEvent_) {
-        mappingIsRead_ = false; // reread at the next key press
+        mappingIsRead_ = false; // reread on the next key press
     } else if (type == XCB_GE_GENERIC) {
         const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
         if (raw.extension != inputExtension_) {
@@ -144,8 +144,8 @@ void X11KeyEvents::repeatWhileHeld(std::int64_t keyCode) {
                   });
 }
 
-/// Asks XKB to report changes of the mapping. There is no other way for a client that uses XKB to
-/// receive these changes, and this client needs XKB for the repeat rate.
+/// Asks XKB to report changes of the mapping. A client that uses XKB cannot receive these changes
+/// in any other way, and this client needs XKB for the repeat rate.
 void X11KeyEvents::followKeyboard() {
     auto* const x = connection_.get();
     const auto* const extension = xcb_get_extension_data(x, &xcb_xkb_id);

@@ -26,7 +26,7 @@ public:
         std::function<void(const SystemDefinedEvent&)> handler) override;
     Subscription createKeyDownTap(std::function<void(const KeyDownEvent&)> handler) override;
 
-    /// The times at which keys were typed, in any window. Without XInput 2 there are none.
+    /// The times at which keys were typed in any window. Without XInput 2, no times are recorded.
     const Typing& typing() const { return typing_; }
 
 private:
@@ -49,12 +49,12 @@ private:
     RunLoop& runLoop_;
     std::uint8_t inputExtension_ = 0; ///< the major opcode; 0 if the server has no XInput 2
     std::vector<BrightnessKey> keys_;
-    std::uint8_t firstKeyboardEvent_ = 0; ///< of the XKB extension; 0 if the server has none
+    std::uint8_t firstKeyboardEvent_ = 0; ///< XKB's first event; 0 without XKB
     bool mappingIsRead_ = false;
     CallbackList<SystemDefinedEvent> monitors_;
     CallbackList<KeyDownEvent> taps_;
     Typing typing_;
-    std::uint32_t lastServerTime_ = 0; ///< milliseconds, of the last key press
+    std::uint32_t lastServerTime_ = 0; ///< the time of the last key press, in milliseconds
     Subscription events_;
     xcb_keycode_t heldCode_ = 0;
     Timer repeat_;

@@ -11,7 +11,7 @@ namespace nocta {
 
 namespace {
 
-// The maximum length that is read of a property, in units of 32 bits.
+// The maximum length to read from a property, in units of 32 bits.
 constexpr std::uint32_t maxWindows = 1024;
 constexpr std::uint32_t maxAtoms = 64;
 
@@ -134,7 +134,7 @@ void X11Workspace::noticeActivation() {
 }
 
 /// Returns what the window manager reports on the root window. Returns nothing if no window manager
-/// is running, because one that was killed leaves its properties behind.
+/// is running, because a killed window manager leaves its properties behind.
 std::optional<std::vector<xcb_window_t>> X11Workspace::managedWindows(xcb_atom_t property,
                                                                       std::uint32_t most) const {
     const WindowProperty wanted(connection_, connection_.root(), property, XCB_ATOM_WINDOW, most);

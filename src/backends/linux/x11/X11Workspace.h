@@ -15,7 +15,7 @@
 
 namespace nocta {
 
-/// The applications of an X11 session, as its window manager reports them through EWMH. Everything
+/// The applications of an X11 session, as reported by its window manager through EWMH. Everything
 /// is read on demand, without polling. Without a window manager there is no frontmost application,
 /// and windows cannot be listed.
 class X11Workspace final : public Workspace {

@@ -10,7 +10,7 @@ struct FreeDeleter {
     void operator()(void* memory) const { std::free(memory); }
 };
 
-/// A reply, event or error from xcb; null if there was none.
+/// Owns a reply, event or error from xcb, or is null.
 template <class Reply>
 using XcbReply = std::unique_ptr<Reply, FreeDeleter>;
 

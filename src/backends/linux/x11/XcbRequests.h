@@ -9,10 +9,9 @@
 
 namespace nocta {
 
-// The requests to an X server that the program and the guardian share. Each call waits for the
-// server.
+// X requests that both the program and the guardian use. Each call waits for the server.
 
-/// Returns XCB_ATOM_NONE if the server is gone, or if it has no such atom and `onlyIfExists` is
+/// Returns XCB_ATOM_NONE if the server is gone, or if the atom does not exist and `onlyIfExists` is
 /// set.
 inline xcb_atom_t internAtom(xcb_connection_t* connection, std::string_view name,
                              bool onlyIfExists = false) {
@@ -30,7 +29,7 @@ inline xcb_window_t selectionOwner(xcb_connection_t* connection, xcb_atom_t sele
     return reply ? reply->owner : xcb_window_t{XCB_NONE};
 }
 
-/// The screen with that number, or the last one.
+/// The screen with the given number, or else the last screen.
 inline xcb_screen_t* screenOf(xcb_connection_t* connection, int number) {
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
     for (; number > 0 && screens.rem > 1; --number) {

@@ -18,14 +18,14 @@
 
 namespace nocta {
 
-/// A Qt view for a native window or popover. Qt's own native view is inside a plain view: if Qt's
-/// view were the content view of a window, Qt would take over that window and change its sizes and
-/// its buttons.
+/// A Qt view for a native window or popover. Qt's native view is inside a plain view. If Qt's view
+/// were the content view of a window, Qt would take over that window and change its size and its
+/// buttons.
 class HostedView : QObject {
 public:
     enum class Kind {
-        window, ///< painted like the desktop's windows; scrolls if the screen is too small
-        clear   ///< shows what is behind it
+        window, ///< has a window background; scrolls if the screen is too small
+        clear   ///< has a transparent background
     };
 
     /// `least` is the minimum size of the content, in points.
@@ -44,7 +44,7 @@ public:
             [[NoctaContainerView alloc] initWithFrame:NSMakeRect(0, 0, size.width, size.height)];
         [container_ addSubview:qtView()];
         widget_.show();
-        qtView().frame = container_.bounds; // showing it may have moved it
+        qtView().frame = container_.bounds; // showing the widget may have moved it
     }
 
     /// The container stays with its window; Qt destroys only its own view.
@@ -78,7 +78,7 @@ protected:
     }
 
 private:
-    /// Qt owns it.
+    /// Qt owns this view.
     NSView* qtView() const { return (__bridge NSView*)reinterpret_cast<void*>(widget_.winId()); }
 
     QWidget& contentWidget_;

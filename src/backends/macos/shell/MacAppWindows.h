@@ -58,8 +58,8 @@ public:
     void orderFrontRegardless() override { [window_ orderFrontRegardless]; }
 
 private:
-    /// Resizes the window to its content. The title bar stays where it is if there is space below
-    /// it.
+    /// Resizes the window to fit its content. The title bar does not move if there is enough space
+    /// below it.
     void fitContent() {
         const NSSize size = content_.fittingSize();
         const NSRect old = window_.frame;
@@ -68,7 +68,7 @@ private:
             return; // otherwise a window that the user has moved partly off the screen would move
         }
         frame.origin = NSMakePoint(old.origin.x, NSMaxY(old) - frame.size.height);
-        if (NSScreen* const screen = window_.screen) { // nil while it is on no screen
+        if (NSScreen* const screen = window_.screen) { // nil if the window is on no screen
             frame.origin.y = std::max(frame.origin.y, NSMinY(screen.visibleFrame));
         }
         [window_ setFrame:frame display:YES];

@@ -13,7 +13,7 @@
 
 @interface NoctaApplicationDelegate : NSObject <NSApplicationDelegate> {
 @public
-    nocta::ApplicationDelegate* receiver; // not owned; null after it has been notified of the end
+    nocta::ApplicationDelegate* receiver; // not owned; null after the program's end
 }
 - (void)showPreferencesWindow:(id)sender;
 @end
@@ -21,12 +21,13 @@
 namespace nocta {
 
 /// NSApplication on Qt's event loop, which is NSApplication's own. Qt installs its own delegate in
-/// front of the existing one, and forwards the system's calls to that.
+/// front of the existing one, and forwards the system's calls to the existing delegate.
 class MacApplication final : public Application {
 public:
     explicit MacApplication(RunLoop& runLoop) : runLoop_(runLoop) {
         NSApplication.sharedApplication.delegate = delegate_;
-        // Same as in Info.plist; otherwise a program without a bundle may not show windows.
+        // This is the policy in Info.plist. Without it, a program outside a bundle may not show
+        // windows.
         [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory];
         // Without this, Qt would bring a program that starts in the menu bar to the front.
         qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
@@ -43,7 +44,7 @@ public:
     }
 
     /// AppKit ends the process itself. If Qt's loop ends instead, this notifies the delegate. The
-    /// menu replaces the one that Qt has made, whose item for the preferences does nothing.
+    /// main menu replaces the menu that Qt creates, whose item for the preferences does nothing.
     int run(ApplicationDelegate& delegate) override {
         delegate_->receiver = &delegate;
         NSApp.mainMenu = makeMainMenu(delegate_);

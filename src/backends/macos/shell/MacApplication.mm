@@ -1,6 +1,6 @@
 #include "backends/macos/shell/MacApplication.h"
 
-// Nothing is forwarded after the receiver has been notified of the end.
+// Nothing is forwarded after the receiver has been notified that the program is ending.
 @implementation NoctaApplicationDelegate
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {

@@ -66,7 +66,7 @@ public:
     void animateAlpha(double target, Duration duration, TimingFunction curve,
                       std::function<void()> completion) override {
         fade_ = std::make_shared<std::function<void()>>(std::move(completion));
-        const std::weak_ptr fade(fade_); // expires when it is replaced, or with the window
+        const std::weak_ptr fade(fade_); // expires when a new fade starts or the window is gone
         NSWindow* const window = window_;
         const CAMediaTimingFunctionName name = curve == TimingFunction::easeIn
                                                    ? kCAMediaTimingFunctionEaseIn
@@ -96,7 +96,7 @@ class MacOverlayWindows final : public OverlayWindows {
 public:
     explicit MacOverlayWindows(RunLoop& runLoop) : previousApplication_(runLoop) {}
 
-    /// The frames are in AppKit's coordinates, the ones that place windows.
+    /// The frames are in AppKit's window coordinates.
     std::vector<Screen> screens() override {
         std::vector<Screen> screens;
         for (NSScreen* screen in NSScreen.screens) {
@@ -115,8 +115,8 @@ public:
                                                   previousApplication_);
     }
 
-    /// Call this after the windows are shown. Event times use the clock of systemUptime, and so
-    /// does the time of the last key before that moment. The system does not document what it
+    /// Call this after the windows are shown. Event times and the time of the last key before that
+    /// moment are both measured on the clock of systemUptime. The system does not document what it
     /// returns if no key has been pressed since login.
     Subscription
     addLocalMonitorForKeyDown(std::function<bool(const KeyDownEvent&)> handler) override {

@@ -19,7 +19,7 @@ class MacPopover final : public Popover {
 public:
     explicit MacPopover(RunLoop& runLoop)
         : dropContent_(runLoop, [this] {
-              if (!isShown()) { // it may have been reopened by now
+              if (!isShown()) { // the popover may have been reopened
                   setContentView(nullptr);
               }
           }) {}
@@ -70,17 +70,17 @@ public:
 
 private:
     /// The menu bar is light or dark depending on what is behind it, and a popover takes its
-    /// appearance from its anchor; but Qt draws the content in the colors of the program's
-    /// appearance.
+    /// appearance from its anchor. But Qt draws the content in the colors of the program's
+    /// appearance, so the popover must use that appearance too.
     void fitContent() {
         popover_.appearance = NSApp.effectiveAppearance;
         popover_.contentSize = content_->fittingSize();
     }
 
-    /// Watches for another window of this program, and for a click in another program, for example
-    /// on its item in the menu bar. AppKit does not report these clicks otherwise. On some systems
-    /// a click on this program's own item arrives here too; then the item's action closes the
-    /// popover.
+    /// Closes the popover when another window of this program becomes key, and when the user clicks
+    /// in another program, for example on its menu bar item. AppKit does not report these clicks
+    /// otherwise. On some systems, a click on this program's own item is reported here too. This
+    /// function ignores such a click, because the item's action closes the popover.
     void watch(NSWindow* item) {
         didBecomeKey_ =
             observe(NSNotificationCenter.defaultCenter, NSWindowDidBecomeKeyNotification, nil,
@@ -125,8 +125,8 @@ private:
     NSSize contentSize_ = NSZeroSize;
     std::unique_ptr<HostedView> content_;
     Deferred dropContent_;
-    Subscription didBecomeKey_; ///< while it is shown
-    Subscription clicks_;       ///< while it is shown
+    Subscription didBecomeKey_; ///< while the popover is shown
+    Subscription clicks_;       ///< while the popover is shown
     Subscription didClose_ =
         observe(NSNotificationCenter.defaultCenter, NSPopoverDidCloseNotification, popover_,
                 ^(NSNotification* /*notification*/) {

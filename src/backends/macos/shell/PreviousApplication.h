@@ -20,7 +20,7 @@ public:
     PreviousApplication(const PreviousApplication&) = delete;
     PreviousApplication& operator=(const PreviousApplication&) = delete;
 
-    /// Call this before the cover takes the keyboard focus.
+    /// Call this function before the cover takes the keyboard focus.
     void coverComes() {
         if (covers_++ == 0) {
             windowMayKeepKeyboard_ = NSApp.active || !hasWindow();
@@ -37,8 +37,8 @@ public:
 private:
     static constexpr auto nextWindowTime = std::chrono::milliseconds(300);
 
-    /// Checks a moment later, because a window that is about to close is still visible, and Sparkle
-    /// may show another window right after it.
+    /// Checks for windows a moment later, because a window that is about to close is still visible,
+    /// and Sparkle may show another window right after it.
     void checkLater() {
         check_.start(runLoop_, nextWindowTime, Repeat::no, [this] {
             if (covers_ == 0 && NSApp.keyWindow == nil && !hasWindow()) { // a popover may be key
@@ -47,7 +47,7 @@ private:
         });
     }
 
-    /// Whether there is a window that the user works in, such as an alert. Covers, popovers and
+    /// Whether there is a window that the user can work in, such as an alert. Covers, popovers and
     /// status items do not count.
     static bool hasWindow() {
         if (NSApp.modalWindow != nil) {
@@ -61,8 +61,8 @@ private:
         return false;
     }
 
-    /// Remembers only regular programs. The system's own agents also become active, for example to
-    /// ask a question or while the screen is locked.
+    /// Remembers only regular programs. System agents also become active, for example to ask the
+    /// user a question or while the screen is locked.
     void remember(NSRunningApplication* application) {
         if (application.activationPolicy == NSApplicationActivationPolicyRegular) {
             application_ = application;
@@ -96,7 +96,7 @@ private:
                 ^(NSNotification* /*notification*/) {
                   checkLater();
                 });
-    /// When an alert ends, it resigns key but does not close.
+    /// When an alert ends, it resigns key status but does not close.
     Subscription didResignKey_ =
         observe(NSNotificationCenter.defaultCenter, NSWindowDidResignKeyNotification, nil,
                 ^(NSNotification* /*notification*/) {

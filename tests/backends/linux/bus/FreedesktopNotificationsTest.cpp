@@ -29,7 +29,7 @@ QDBusMessage signalOf(const QString& name) {
     return QDBusMessage::createSignal("/org/freedesktop/Notifications", serviceName, name);
 }
 
-/// A mock notification service. It records every call; a test sets which calls it answers.
+/// A mock notification service. It records every call; a test sets which calls the service answers.
 class MockService final : public QDBusVirtualObject {
 public:
     explicit MockService(const PrivateBus& bus)

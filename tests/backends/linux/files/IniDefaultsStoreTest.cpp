@@ -79,7 +79,7 @@ TEST_F(IniDefaultsStoreTest, ChangesInOneTurnAreWrittenOnceAfterTheScreenIsUpdat
     IniDefaultsStore store(file, loop);
     bool screenIsUpToDate = false;
     store.setDouble(0.75, "unifiedBrightness");
-    loop.post([&] { // requests to the screen may follow the first change
+    loop.post([&] { // screen updates may follow the first change
         screenIsUpToDate = true;
         EXPECT_FALSE(fs::exists(file));
     });
@@ -288,7 +288,7 @@ TEST_F(IniDefaultsStoreTest, UnsearchableFolderIsReported) {
     fs::permissions(folder.path() + "/nocta", fs::perms::owner_read);
     constexpr uid_t nobody = 65534;
     const auto self = geteuid();
-    ASSERT_TRUE(self != 0 || seteuid(nobody) == 0); // root can search every folder
+    ASSERT_TRUE(self != 0 || seteuid(nobody) == 0); // root can search all folders
     const auto said = saidWhenUsed();
     ASSERT_EQ(seteuid(self), 0);
     fs::permissions(folder.path() + "/nocta", fs::perms::owner_all);
@@ -299,7 +299,7 @@ TEST_F(IniDefaultsStoreTest, UnsearchableFolderIsReported) {
 TEST_F(IniDefaultsStoreTest, SynchronizeWritesOnlyPendingChanges) {
     IniDefaultsStore store(file, runLoop);
     store.setInteger(1, "a");
-    writeFile(file, "[General]\na=5\n"); // as another program would
+    writeFile(file, "[General]\na=5\n"); // as another program might do
     store.synchronize();
     EXPECT_EQ(contentOf(file), "[General]\na=5\n");
     {

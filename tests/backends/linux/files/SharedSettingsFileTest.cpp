@@ -1,5 +1,5 @@
-// Tests a settings file that several processes share, for example one for each display. Includes
-// killed writers and unexpected files next to the settings file.
+// Tests a settings file that several processes share, for example one process for each display. The
+// tests include killed writers and unexpected files next to the settings file.
 
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/files/IniDefaultsStore.h"
@@ -182,7 +182,7 @@ TEST_F(SharedSettingsFileTest, UnexpectedFilesBesideTheSettingsAreNotWrittenAndD
     writeFile(other, "other");
     fs::create_hard_link(other, file);
     IniDefaultsStore store(file, runLoop);
-    ::testing::internal::CaptureStderr(); // hides the message that this is not an INI file
+    ::testing::internal::CaptureStderr(); // hides the warning about the damaged file
     store.setInteger(1, "a");
     ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(contentOf(other), "other");

@@ -23,7 +23,7 @@ constexpr auto groups = std::to_array({QPalette::Active, QPalette::Inactive, QPa
 const QColor lightWindow(0xf4, 0xf0, 0xe8);
 const QColor darkWindow(0x10, 0x18, 0x20);
 
-/// Imitates the theme of a desktop. The style is the last to change Qt's default palette.
+/// Imitates a desktop theme. Qt lets the style change the default palette last.
 class Theme final : public QProxyStyle {
 public:
     explicit Theme(const QColor& window) : QProxyStyle("Fusion"), window_(window) {}
@@ -55,7 +55,7 @@ protected:
     static void prefer(SettingsPortal& portal, const QVariant& scheme) {
         portal.settings["org.freedesktop.appearance"]["color-scheme"] = scheme;
     }
-    /// Sets a dark preference, and returns once our palette is set.
+    /// Sets the preference to dark, and returns once our palette is set.
     static void waitForOurs(SettingsPortal& portal) {
         prefer(portal, 1U);
         portal.emitSettingChanged();
@@ -108,7 +108,7 @@ TEST_F(ColorSchemeTest, LightPreferenceChangesNothing) {
         }
     }
     setTheme(lightWindow);
-    waitForOurs(portal); // the program still follows the setting
+    waitForOurs(portal); // the program should still follow the setting
 }
 
 TEST_F(ColorSchemeTest, DarkThemeIsKept) {

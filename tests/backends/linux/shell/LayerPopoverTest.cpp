@@ -45,15 +45,15 @@ protected:
     NoStatusItem item;
     QtPopover popover{layerShell, nullptr};
 
-    /// Starts to show the popover: opens the transparent windows that locate the pointer.
+    /// Begins to show the popover by opening the transparent windows that locate the pointer.
     void open() {
         popover.setContentSize(contentWidth, contentHeight);
         popover.setBehavior(PopoverBehavior::transient);
         popover.setContentView(std::make_unique<ButtonView>());
         popover.show(item);
     }
-    /// Shows the popover and returns its layer. It is the last one, above a transparent window for
-    /// each output.
+    /// Shows the popover and returns its layer. The popover's layer is the last one, above a
+    /// transparent window for each output.
     TestLayer openInCorner(std::size_t outputs = 1) {
         open();
         expectSoon([&](const auto& layers) { return layers.size() == outputs + 1; });

@@ -69,7 +69,8 @@ public:
         }));
     }
 
-    /// Runs Qt until the mapped layers meet the condition. Fails the test if they never do.
+    /// Runs Qt until the mapped layers meet the condition. Fails the test if the condition is never
+    /// met.
     void expectSoon(const std::function<bool(const std::vector<TestLayer>&)>& condition) {
         EXPECT_TRUE(serveUntil([&] {
             synchronize();

@@ -158,8 +158,8 @@ protected:
             return true;
         });
     }
-    /// Expects each step of a fade to reach the server. Qt's event loop does not run here, so steps
-    /// that Qt does not send immediately never arrive.
+    /// Expects every step of a fade to reach the server. Qt's event loop does not run here, so
+    /// steps that are not sent immediately never arrive.
     void expectEachStepOnTheServer(double target, Duration duration, int steps) {
         const auto id = client.topWindows().at(0).id;
         client.countWrites(id);

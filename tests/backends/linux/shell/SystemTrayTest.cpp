@@ -17,7 +17,7 @@
 namespace nocta {
 namespace {
 
-/// A fake StatusNotifierWatcher, as provided by a panel.
+/// A fake StatusNotifierWatcher, which a panel usually provides.
 class Watcher final : public QDBusVirtualObject {
 public:
     explicit Watcher(const PrivateBus& bus)

@@ -1,4 +1,4 @@
-// Tests every step from offering a release to starting the installer.
+// Tests every step, from offering a release to starting the installer.
 
 #include "support/UpdaterOnVirtualDesktop.h"
 

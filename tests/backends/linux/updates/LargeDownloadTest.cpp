@@ -25,7 +25,7 @@ constexpr std::int64_t gibibyte = 1LL << 30;
 constexpr std::int64_t maxGrowth = 16LL << 20;     // bytes
 constexpr std::int64_t maxHelperSize = 32LL << 20; // bytes, for the whole process
 
-/// Returns the peak memory of this process, in bytes.
+/// Returns the peak memory usage of this process, in bytes.
 std::int64_t peakMemory() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -36,7 +36,7 @@ std::int64_t peakMemory() {
     return 0;
 }
 
-/// Resets the peak and returns the current memory of this process.
+/// Resets the peak and returns the current memory usage of this process.
 std::int64_t forgetPeak() {
     std::ofstream("/proc/self/clear_refs") << 5;
     return peakMemory();
@@ -89,7 +89,7 @@ private:
                     output_};
 };
 
-/// Returns the largest peak memory of all child processes that have exited, in bytes.
+/// Returns the largest peak memory usage among the child processes that have exited, in bytes.
 std::int64_t peakMemoryOfHelpers() {
     rusage usage{};
     getrusage(RUSAGE_CHILDREN, &usage);

@@ -86,7 +86,7 @@ protected:
     bool shows() const {
         return std::holds_alternative<Stage>(updater->stage.get());
     }
-    /// Checks for updates as the user does, and waits for the end of the check.
+    /// Checks for updates as the user does, and waits until the check is complete.
     void check() {
         updater->checkForUpdates();
         EXPECT_TRUE(serveUntil([this] { return !shows<UpdateCheckInProgress>(); }));

@@ -51,7 +51,7 @@ struct WorkspaceOnSway {
     }
     /// Returns once the workspace has reported everything that has happened in sway.
     void settle() {
-        // One turn each for the events, the deferred check, and requests that follow from them.
+        // One turn each for the events, the deferred check, and the resulting requests.
         for (int turn = 0; turn < 3; ++turn) {
             EXPECT_TRUE(connection.synchronize());
             bool passed = false;
@@ -66,7 +66,7 @@ struct WorkspaceOnSway {
 
 } // namespace
 
-/// A harness with windows of other processes. Only full-screen windows have known sizes.
+/// A harness whose windows belong to other processes. Only full-screen windows have known sizes.
 class SwayWorkspaceHarness : WorkspaceOnSway {
 public:
     const RunningApplication editor{"Editor", "Editor"};
@@ -218,7 +218,7 @@ TEST_F(ToplevelWorkspaceTest, OnlyFullScreenWindowsHaveASize) {
 TEST_F(ToplevelWorkspaceTest, MainScreenIsTheScreenOfTheActiveWindow) {
     addOutput();
     EXPECT_EQ(workspace.mainScreenFrame(), left)
-        << "it should be the main display if no window is active";
+        << "the main display should be the main screen if no window is active";
     const auto editor = open("Editor");
     const auto film = open("Film");
     command(film, {"move", "container", "to", "output", "HEADLESS-2"});

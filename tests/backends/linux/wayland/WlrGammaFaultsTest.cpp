@@ -39,7 +39,7 @@ protected:
         }
         session->settle();
     }
-    /// Returns the levels of the last table of DP-1, or nothing if the original table is restored.
+    /// Returns the levels of DP-1's last table, or nothing if the original table has been restored.
     std::vector<std::uint16_t> shown() {
         session->settle();
         const auto events = compositor.gammaOf("DP-1");
@@ -272,7 +272,7 @@ TEST_F(WlrGammaFaultsTest, WriteSucceedsAfterOneWithoutFreeDescriptors) {
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
     const auto firstFree = static_cast<rlim_t>(dup(STDERR_FILENO));
     close(static_cast<int>(firstFree));
-    for (const rlim_t free : {0, 1, 2}) { // the file needs one, sending it another
+    for (const rlim_t free : {0, 1, 2}) { // one for the file, and one for sending it
         const rlimit low{.rlim_cur = firstFree + free, .rlim_max = limit.rlim_max};
         ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &low), 0);
         EXPECT_EQ(setLevel(0.75F), statusSuccess);

@@ -7,7 +7,8 @@
 #include <cstring>
 #include <random>
 
-// Tests the notes in properties of the root window. Any client can write to these properties.
+// Tests the notes, which are stored in properties of the root window. Any client can write to these
+// properties.
 
 namespace nocta {
 namespace {

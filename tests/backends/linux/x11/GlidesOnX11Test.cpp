@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-// Tests gradual changes of the screen, as seen by another client of the X server.
+// Tests gradual screen changes, as seen by another client of the X server.
 
 namespace nocta {
 namespace {

@@ -57,7 +57,7 @@ protected:
         return guardians.at(0);
     }
 
-    /// The expected value of entry `i` of 256, if a linear table up to `top` is applied to a
+    /// The expected value of entry `i` of 256 after a linear table up to `top` is applied to a
     /// calibration. Interpolates linearly between the entries of the calibration.
     static double expected(const std::vector<std::uint16_t>& calibration, double top, int i) {
         const auto place = top * i / 255 * 255;
@@ -123,7 +123,7 @@ TEST_P(X11GammaOutputTest, EqualTablesOverwriteARampThatAnotherProgramReset) {
 TEST_P(X11GammaOutputTest, LastRampsAreSentAgainUntilTheyAreRestored) {
     const auto factory = ramp();
     session.gammaOutput.sendAgain();
-    EXPECT_EQ(ramp(), factory) << "without a write nothing should be sent again";
+    EXPECT_EQ(ramp(), factory) << "without a write, nothing should be resent";
     session.set(display, X11Session::tables({0.5F, 0.5F, 0.5F}));
     session.set(display, X11Session::tables({0.25F, 0.25F, 0.25F}));
     const auto ours = ramp();
@@ -132,7 +132,7 @@ TEST_P(X11GammaOutputTest, LastRampsAreSentAgainUntilTheyAreRestored) {
     EXPECT_EQ(ramp(), ours);
     session.gammaOutput.displayRestoreColorSyncSettings();
     session.gammaOutput.sendAgain();
-    EXPECT_EQ(ramp(), factory) << "nothing should be sent again after the screen is given back";
+    EXPECT_EQ(ramp(), factory) << "nothing should be resent after the screen is given back";
 }
 
 TEST_P(X11GammaOutputTest, DestructionGivesTheScreenBack) {
@@ -437,7 +437,7 @@ TEST_F(CalibrationTest, DisplayThatWasOffIsNotSentAgainAfterAWake) {
 }
 
 TEST_F(CalibrationTest, RampSetWhileTheDisplayIsOnIsNotACalibration) {
-    session.client.setRamp(crtc, second); // as another program would; the next write repairs it
+    session.client.setRamp(crtc, second); // as another program would; the next write overwrites it
     dim();
     expectDimmed(first);
     expectGivenBackAs(first);

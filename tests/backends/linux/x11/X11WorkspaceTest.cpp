@@ -244,13 +244,13 @@ TEST_F(X11WorkspaceOnTwoScreensTest, MainScreenIsTheScreenOfTheActiveWindow) {
     FakeWindowManager manager;
     XApplication application("editor", "Editor");
     EXPECT_EQ(workspace.mainScreenFrame(), left)
-        << "it should be the main display if no window is active";
+        << "the main display should be the main screen if no window is active";
 
     manager.setActiveWindow(application.open({right.x + 50, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), right);
     manager.setActiveWindow(application.open({right.x - 100, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), right)
-        << "it should be the display that contains most of the window";
+        << "the display that contains most of the window should be the main screen";
     manager.setActiveWindow(application.open({right.x - 200, 50, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), left);
 
@@ -258,7 +258,7 @@ TEST_F(X11WorkspaceOnTwoScreensTest, MainScreenIsTheScreenOfTheActiveWindow) {
     ASSERT_TRUE(serveUntil([&] { return x.displays.displayIsMain(x.list()[1]); }));
     manager.setActiveWindow(application.open({-500, -500, 300, 200}));
     EXPECT_EQ(workspace.mainScreenFrame(), right)
-        << "it should be the main display if the window is on neither";
+        << "the main display should be the main screen if the window is on neither";
     manager.setActiveWindow(XCB_NONE);
     EXPECT_EQ(workspace.mainScreenFrame(), right);
 }
