@@ -119,7 +119,7 @@ void sliderToServer(benchmark::State& state) {
         QCoreApplication::processEvents(); // writes the file
         session.desktop.trace.clear();
         session.connection
-            .synchronize(); // the next step finds an idle server, as it does with a real mouse
+            .synchronize(); // the next step finds an idle server, as a step with a real mouse does
     }
 }
 BENCHMARK(sliderToServer)

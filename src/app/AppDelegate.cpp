@@ -120,8 +120,8 @@ void AppDelegate::startServices() {
         breakTimer_.start();
     }
 
-    // First dim immediately, as in the lower half of the range. The applier then sets the backlight
-    // and limits the dimming.
+    // First dim immediately, with the formula for the lower half of the range. The applier then
+    // sets the backlight and limits the dimming.
     const auto brightness = settingsManager_.unifiedBrightness.get();
     gammaController_.setDimming(brightness < 0.5 ? static_cast<float>(1 - 2 * brightness) : 0.0F);
     brightnessApplier_.apply(brightness);

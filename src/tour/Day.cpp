@@ -33,7 +33,7 @@ void start(Tour& tour) {
               "With your location, Nocta uses the actual times of sunrise and sunset.");
     tour.press("continueButton");
     tour.press("Everyday");
-    tour.take("The style", "It sets five settings. You can change each of them later.");
+    tour.take("The style", "The style sets five settings. You can change each of them later.");
     tour.press("continueButton");
     tour.press("continueButton");
     tour.expect(!tour.desktop.appWindows.isOnScreen("Welcome to Nocta"),
@@ -104,7 +104,8 @@ void connectDisplay(Tour& tour) {
     tour.desktop.displays.plug({.id = projector, .bounds = {1984, 0, 640, 480}});
     tour.expect(tour.desktop.displays.display(projector).red.empty(),
                 "a newly connected display does not change immediately");
-    tour.take("A display is connected", "It does not change until you change a setting.");
+    tour.take("A display is connected",
+              "The new display does not change until you change a setting.");
     tour.settings().unifiedBrightness.set(0.29);
     tour.expect(!tour.desktop.displays.display(projector).red.empty(),
                 "the next change applies to the new display");

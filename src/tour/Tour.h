@@ -52,7 +52,7 @@ public:
 
     std::vector<TourCurve> brightnessCurves;
     std::vector<TourCurve> ramps;
-    TourCurve temperature{QStringLiteral("of the screen"), {}};
+    TourCurve temperature{QStringLiteral("screen"), {}};
     std::vector<std::pair<QString, QString>> breakStates; ///< time and state of each change
 
 private:
