@@ -585,7 +585,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>The address is not encrypted</source>
+        <source>The address does not use HTTPS</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -597,7 +597,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>The file&apos;s address is not encrypted</source>
+        <source>The file&apos;s address does not use HTTPS</source>
         <translation type="unfinished"></translation>
     </message>
     <message>
@@ -741,7 +741,7 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>The file cannot be kept</source>
+        <source>The file cannot be saved</source>
         <translation type="unfinished"></translation>
     </message>
     <message>

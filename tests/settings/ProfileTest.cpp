@@ -115,10 +115,10 @@ TEST_F(ProfileTest, NumberThatDoesNotFitItsFieldIsRejected) {
     EXPECT_EQ(read("breakInterval", "9223372036854775807").breakInterval,
               std::numeric_limits<std::int64_t>::max());
     EXPECT_EQ(read("breakInterval", "-3").breakInterval, -3)
-        << "an unusual value should be read as it is";
+        << "an unusual value should be read as is";
     EXPECT_EQ(read("brightness", "1").brightness, 1.0)
         << "a whole number should be a valid fraction";
-    EXPECT_EQ(read("warmth", "7.5").warmth, 7.5) << "an unusual value should be read as it is";
+    EXPECT_EQ(read("warmth", "7.5").warmth, 7.5) << "an unusual value should be read as is";
 }
 
 TEST_F(ProfileTest, JsonThatIsNotAProfileIsRejected) {

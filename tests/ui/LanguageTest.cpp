@@ -111,9 +111,9 @@ TEST_F(LanguageTest, TranslationFileContainsEveryTextThatIsShown) {
 
 TEST_F(LanguageTest, DetailsInATextAreNotTranslated) {
     const Recorder recorder;
-    EXPECT_EQ(Text::of("The file cannot be kept: /tmp: No space left on device"),
-              "The file cannot be kept: /tmp: No space left on device");
-    EXPECT_EQ(recorder.asked, (std::set<QString>{"The file cannot be kept", "%1: %2"}));
+    EXPECT_EQ(Text::of("The file cannot be saved: /tmp: No space left on device"),
+              "The file cannot be saved: /tmp: No space left on device");
+    EXPECT_EQ(recorder.asked, (std::set<QString>{"The file cannot be saved", "%1: %2"}));
     for (const auto& text : recorder.asked) {
         EXPECT_TRUE(textsInFile().contains(text)) << text.toStdString();
     }

@@ -80,7 +80,7 @@ bool isGray() {
     return isMagnifierOn() && g_settings_get_double(settings, withoutColor.key) == 0;
 }
 
-/// Sets a key. An empty text means that the user had not set a value, so the key is reset.
+/// Sets a key. An empty string means that the user had not set a value, so the key is reset.
 void set(const char* schema, const char* key, const std::string& text) {
     g_autoptr(GSettings) settings = settingsWith(schema, key);
     if (settings == nullptr) {

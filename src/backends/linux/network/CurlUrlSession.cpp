@@ -28,7 +28,7 @@ constexpr std::array errorTexts = {
     translatable("Nocta", "The server cannot be reached"),
     translatable("Nocta", "The server cannot be trusted"),
     translatable("Nocta", "Too many redirects"),
-    translatable("Nocta", "The address is not encrypted"),
+    translatable("Nocta", "The address does not use HTTPS"),
 };
 static_assert(errorTexts.size() == static_cast<std::size_t>(FetchError::count));
 

@@ -46,7 +46,7 @@ bool isForThisSystem(const AppcastItem& item, const std::string& systemVersion) 
 /// file has not been downloaded yet.
 std::optional<std::string> problemWith(const AppcastItem& item) {
     if (!item.url.starts_with("https://")) {
-        return translatable("Nocta", "The file's address is not encrypted");
+        return translatable("Nocta", "The file's address does not use HTTPS");
     }
     if (!ed25519Signature(item.edSignature)) {
         return translatable("Nocta", "The file is not signed");

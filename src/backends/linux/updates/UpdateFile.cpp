@@ -10,7 +10,7 @@ namespace nocta {
 namespace {
 
 std::string cannotKeep(const std::string& reason) {
-    return translatable("Nocta", "The file cannot be kept") + (": " + reason);
+    return translatable("Nocta", "The file cannot be saved") + (": " + reason);
 }
 
 } // namespace

@@ -15,7 +15,7 @@ bool isLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-/// A number without its leading zeros, or a word. An empty text means zero.
+/// A number without its leading zeros, or a word. An empty string means zero.
 struct Part {
     std::string_view text;
     bool isWord = false;

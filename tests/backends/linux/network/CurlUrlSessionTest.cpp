@@ -109,7 +109,7 @@ TEST_F(CurlUrlSessionTest, EncryptedRedirectIsFollowed) {
 TEST_F(CurlUrlSessionTest, UnencryptedRedirectIsRejected) {
     const PlainServer plain;
     server.answer("302 Found", "Location: " + QByteArray::fromStdString(plain.address()) + "\r\n");
-    EXPECT_EQ(post(server.address()).error, "The address is not encrypted");
+    EXPECT_EQ(post(server.address()).error, "The address does not use HTTPS");
     for (const auto* const address :
          {"file:///etc/passwd", "ftp://localhost/", "dict://localhost/"}) {
         server.request.clear();
@@ -127,7 +127,7 @@ TEST_F(CurlUrlSessionTest, RedirectLoopIsAnError) {
 TEST_F(CurlUrlSessionTest, UnencryptedAddressIsRejected) {
     for (const auto* const address : {"http://localhost/", "ftp://localhost/", "nonsense", "",
                                       "file:///etc/passwd", "https//localhost"}) {
-        EXPECT_EQ(post(address).error, "The address is not encrypted") << address;
+        EXPECT_EQ(post(address).error, "The address does not use HTTPS") << address;
     }
 }
 

@@ -89,7 +89,7 @@ TEST_F(AppcastDownloadTest, InvalidFileIsNotDownloaded) {
           "ftp://updates.example/nocta.deb", "nocta.deb", "HTTPS:nocta.deb"}) {
         auto offered = release();
         offered.url = url;
-        EXPECT_EQ(refused(offered), "The file's address is not encrypted") << url;
+        EXPECT_EQ(refused(offered), "The file's address does not use HTTPS") << url;
     }
     for (const auto* const url : {"https://updates.example/nocta.sh", "https://updates.example/",
                                   "https://updates.example/nocta.deb?x", "https://deb"}) {
@@ -140,7 +140,7 @@ TEST_F(AppcastDownloadTest, FolderThatCannotBeWrittenIsAnError) {
     answerFeed(release().item());
     updater->install();
     answer(file);
-    EXPECT_TRUE(shownError().starts_with("The file cannot be kept: ")) << shownError();
+    EXPECT_TRUE(shownError().starts_with("The file cannot be saved: ")) << shownError();
     EXPECT_TRUE(opened.empty());
 }
 
