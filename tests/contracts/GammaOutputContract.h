@@ -83,15 +83,19 @@ TYPED_TEST_P(GammaOutputContract, EveryDisplayHasItsOwnTables) {
 }
 
 TYPED_TEST_P(GammaOutputContract, RestoringSetsTheFactoryTablesAndAllowsLaterWrites) {
-    const auto id = this->list().at(0);
-    const auto factory = this->harness.factoryTop(id);
-    this->setRamp(id, 0.5F);
-    this->harness.gammaOutput().displayRestoreColorSyncSettings();
-    EXPECT_EQ(this->harness.top(id), factory);
-    this->setRamp(id, 0.25F);
-    this->expectTop(id, 0.25);
-    this->harness.gammaOutput().displayRestoreColorSyncSettings();
-    EXPECT_EQ(this->harness.top(id), factory);
+    this->harness.plug();
+    const auto ids = this->list();
+    ASSERT_EQ(ids.size(), 2U);
+    for (const auto level : {0.5F, 0.25F}) {
+        for (const auto id : ids) {
+            this->setRamp(id, level);
+            this->expectTop(id, level);
+        }
+        this->harness.gammaOutput().displayRestoreColorSyncSettings();
+        for (const auto id : ids) {
+            EXPECT_EQ(this->harness.top(id), this->harness.factoryTop(id)) << id;
+        }
+    }
 }
 
 TYPED_TEST_P(GammaOutputContract, RestoringWithoutAWriteLeavesTheFactoryTables) {

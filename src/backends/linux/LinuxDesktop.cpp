@@ -171,7 +171,7 @@ private:
                         .notificationCenter = notificationCenter_,
                         .wake = wake_,
                         .shouldReduceMotion = [this] { return reducedMotion_.isRequested(); },
-                        .magnifierState = stateFolder() / "magnifier"});
+                        .stateFolder = stateFolder()});
     SysfsBacklight backlight_{*session_.displays,
                               [this](DisplayId id) { return session_.displays->outputName(id); },
                               setBrightnessThroughLogind};

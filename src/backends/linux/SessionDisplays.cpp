@@ -26,6 +26,10 @@ void SessionDisplays::publish(std::vector<Display> displays) {
     }
 }
 
+DisplayId SessionDisplays::idOf(const std::string& connector) {
+    return idsOfConnectors_.try_emplace(connector, idsOfConnectors_.size() + 1).first->second;
+}
+
 const SessionDisplays::Display& SessionDisplays::find(DisplayId display) const {
     static const Display none;
     const auto found = std::ranges::find(displays_, display, &Display::id);

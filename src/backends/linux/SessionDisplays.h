@@ -4,6 +4,7 @@
 #include "platform/Displays.h"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -40,12 +41,15 @@ protected:
         bool isBuiltIn = false;
         Rect bounds;
         std::optional<DisplayMode> mode;
-        std::uint32_t crtc = 0; ///< drives the display; 0 if the server does not say
+        std::optional<std::uint32_t> crtc{}; ///< drives the display
         bool operator==(const Display&) const = default;
     };
 
     /// Posts `didChangeScreenParametersNotification` if anything has changed.
     void publish(std::vector<Display> displays);
+
+    /// Returns the ID of a connector, which stays the same while the program runs.
+    DisplayId idOf(const std::string& connector);
 
     /// Returns an empty description if the display is gone.
     const Display& find(DisplayId display) const;
@@ -53,6 +57,7 @@ protected:
 private:
     NotificationCenter& notificationCenter_;
     std::vector<Display> displays_;
+    std::map<std::string, DisplayId> idsOfConnectors_;
 };
 
 } // namespace nocta

@@ -3,8 +3,11 @@
 #include "backends/linux/DisplayServerName.h"
 #include "backends/linux/Environment.h"
 #include "backends/linux/Unavailable.h"
+#include "backends/linux/bus/MessageBus.h"
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/gnome/MagnifierFilter.h"
+#include "backends/linux/gnome/MutterDisplays.h"
+#include "backends/linux/gnome/MutterGammaOutput.h"
 #include "backends/linux/wayland/TintGammaOutput.h"
 #include "backends/linux/wayland/ToplevelWorkspace.h"
 #include "backends/linux/wayland/WaylandDisplays.h"
@@ -68,34 +71,55 @@ bool isGnome() {
     return desktops.split(QLatin1Char(':')).contains(QStringLiteral("GNOME"));
 }
 
+void probeRealX(SessionPorts& ports, std::unique_ptr<X11Displays> displays,
+                const SessionContext& context) {
+    auto keyEvents = std::make_unique<X11KeyEvents>(*ports.x11, context.runLoop);
+    ports.typing = &keyEvents->typing();
+    ports.keyEvents = std::move(keyEvents);
+    auto gamma = std::make_unique<X11GammaOutput>(*ports.x11, *displays, *ports.guardian);
+    ports.gammaAfterWake = context.wake.observe([output = gamma.get()] { output->sendAgain(); });
+    ports.gammaOutput = std::move(gamma);
+    auto matrices = std::make_unique<X11ColorMatrixFilter>(
+        *ports.x11, *displays, context.notificationCenter, *ports.guardian);
+    if (matrices->isAvailable()) {
+        ports.grayscale = std::move(matrices);
+    }
+    ports.displays = std::move(displays);
+}
+
+/// An X server inside a Wayland session has no hardware, but on GNOME the compositor can be asked.
+void probeXwayland(SessionPorts& ports, std::unique_ptr<X11Displays> displays,
+                   const SessionContext& context) {
+    const auto bus = sessionBus();
+    auto monitors = std::make_unique<MutterDisplays>(bus, context.notificationCenter);
+    if (monitors->isAvailable()) {
+        auto gamma = std::make_unique<MutterGammaOutput>(bus, *monitors, context.runLoop,
+                                                         context.stateFolder / "ramps");
+        ports.gammaAfterWake =
+            context.wake.observe([output = gamma.get()] { output->sendAgain(); });
+        ports.gammaOutput = std::move(gamma);
+        ports.displays = std::move(monitors);
+    } else {
+        ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();
+        ports.displays = std::move(displays);
+    }
+    if (!ports.gammaOutput->isAvailable()) {
+        std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
+    }
+    // This X server receives key events only while an X window has the focus.
+    ports.keyEvents = std::make_unique<UnavailableKeyEvents>();
+}
+
 SessionPorts probeX11(const SessionContext& context) {
     SessionPorts ports;
     ports.x11 = std::make_unique<X11Connection>(context.runLoop);
     ports.guardian = std::make_unique<Guardian>(*ports.x11, context.runLoop);
     auto displays =
         std::make_unique<X11Displays>(*ports.x11, context.runLoop, context.notificationCenter);
-    if (displays->isEmulation()) {
-        std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
-        ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();
-        // This X server receives key events only while an X window has the focus.
-        ports.keyEvents = std::make_unique<UnavailableKeyEvents>();
-    } else {
-        auto keyEvents = std::make_unique<X11KeyEvents>(*ports.x11, context.runLoop);
-        ports.typing = &keyEvents->typing();
-        ports.keyEvents = std::move(keyEvents);
-        auto gamma = std::make_unique<X11GammaOutput>(*ports.x11, *displays, *ports.guardian);
-        ports.gammaAfterWake =
-            context.wake.observe([output = gamma.get()] { output->sendAgain(); });
-        ports.gammaOutput = std::move(gamma);
-        auto matrices = std::make_unique<X11ColorMatrixFilter>(
-            *ports.x11, *displays, context.notificationCenter, *ports.guardian);
-        if (matrices->isAvailable()) {
-            ports.grayscale = std::move(matrices);
-        }
-    }
-    ports.workspace = std::make_unique<X11Workspace>(*ports.x11, *displays, context.runLoop,
+    const auto probe = displays->isEmulation() ? probeXwayland : probeRealX;
+    probe(ports, std::move(displays), context);
+    ports.workspace = std::make_unique<X11Workspace>(*ports.x11, *ports.displays, context.runLoop,
                                                      context.shouldReduceMotion);
-    ports.displays = std::move(displays);
     return ports;
 }
 
@@ -182,7 +206,7 @@ void SessionPorts::observeLoss(const std::function<void()>& lost) const {
 
 SessionPorts probeSession(WindowSystem system, const SessionContext& context) {
     auto ports = system == WindowSystem::x11 ? probeX11(context) : probeWayland(context);
-    if (auto magnifier = std::make_unique<MagnifierFilter>(context.magnifierState);
+    if (auto magnifier = std::make_unique<MagnifierFilter>(context.stateFolder / "magnifier");
         magnifier->isAvailable()) {
         ports.grayscale = std::move(magnifier);
     }

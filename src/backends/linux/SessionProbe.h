@@ -58,7 +58,7 @@ struct SessionContext {
     NotificationCenter& notificationCenter;
     SystemWake& wake;
     std::function<bool()> shouldReduceMotion;
-    std::filesystem::path magnifierState; ///< a file
+    std::filesystem::path stateFolder; ///< for what a later start has to find
 };
 
 /// Creates the ports that this session supports. The choice depends on what the display server

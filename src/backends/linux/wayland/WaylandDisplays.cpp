@@ -148,9 +148,7 @@ void WaylandDisplays::publishDescribed() {
         auto& description = output->description;
         if (output->isDescribed && description.mode) {
             if (description.id == 0) {
-                description.id =
-                    idsOfConnectors_.try_emplace(description.name, idsOfConnectors_.size() + 1)
-                        .first->second;
+                description.id = idOf(description.name);
             }
             displays.push_back(description);
             displays.back().isBuiltIn = ConnectorName(description.name).isBuiltIn();

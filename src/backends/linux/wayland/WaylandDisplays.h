@@ -53,7 +53,6 @@ private:
     WaylandConnection& connection_;
     zxdg_output_manager_v1* logicalManager_;
     std::map<std::uint32_t, std::unique_ptr<Output>> outputs_; ///< by the name of the global
-    std::map<std::string, DisplayId> idsOfConnectors_;
     CallbackList<DisplayId> removed_;
     Deferred publish_;
     Subscription globals_;

@@ -20,7 +20,9 @@ public:
                 NotificationCenter& notificationCenter);
 
     /// The CRTC that drives a display, or XCB_NONE.
-    xcb_randr_crtc_t crtcOf(DisplayId display) const { return find(display).crtc; }
+    xcb_randr_crtc_t crtcOf(DisplayId display) const {
+        return find(display).crtc.value_or(XCB_NONE);
+    }
 
     /// Whether the server only emulates RandR, as an X server inside a Wayland session does. On
     /// such a server, gamma ramps can be written but have no effect.

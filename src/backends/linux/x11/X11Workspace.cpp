@@ -40,7 +40,7 @@ struct WindowRequest {
 
 } // namespace
 
-X11Workspace::X11Workspace(X11Connection& connection, X11Displays& displays, RunLoop& runLoop,
+X11Workspace::X11Workspace(X11Connection& connection, SessionDisplays& displays, RunLoop& runLoop,
                            std::function<bool()> shouldReduceMotion,
                            std::filesystem::path processes)
     : connection_(connection), displays_(displays),

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "backends/linux/SessionDisplays.h"
 #include "backends/linux/x11/X11Applications.h"
 #include "backends/linux/x11/X11Connection.h"
-#include "backends/linux/x11/X11Displays.h"
 #include "base/CallbackList.h"
 #include "base/Deferred.h"
 #include "platform/Workspace.h"
@@ -21,7 +21,7 @@ namespace nocta {
 class X11Workspace final : public Workspace {
 public:
     /// `processes` is the folder where the kernel lists the processes of the system.
-    X11Workspace(X11Connection& connection, X11Displays& displays, RunLoop& runLoop,
+    X11Workspace(X11Connection& connection, SessionDisplays& displays, RunLoop& runLoop,
                  std::function<bool()> shouldReduceMotion,
                  std::filesystem::path processes = "/proc");
 
@@ -54,7 +54,7 @@ private:
     std::vector<Rect> screenFrames() const;
 
     X11Connection& connection_;
-    X11Displays& displays_;
+    SessionDisplays& displays_;
     std::function<bool()> shouldReduceMotion_;
     X11Applications applications_;
     Atoms atoms_{connection_};
