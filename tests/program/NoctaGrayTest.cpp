@@ -1,7 +1,10 @@
 #include "support/GnomeSettings.h"
 #include "support/NoctaProcess.h"
 
+#include <QLibraryInfo>
+
 #include <csignal>
+#include <filesystem>
 #include <optional>
 
 namespace nocta {
@@ -95,6 +98,16 @@ protected:
 };
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaOnGnomeTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
+
+TEST_P(NoctaOnGnomeTest, GtkIsNotLoaded) {
+    const auto theme =
+        QLibraryInfo::path(QLibraryInfo::PluginsPath).toStdString() + "/platformthemes/libqgtk3.so";
+    ASSERT_TRUE(std::filesystem::exists(theme)) << "Qt would not load GTK anyway";
+    startGray(false);
+    const auto libraries = contentOf("/proc/" + std::to_string(nocta->id()) + "/maps");
+    EXPECT_NE(libraries.find("libQt6Widgets"), std::string::npos);
+    EXPECT_EQ(libraries.find("libgtk"), std::string::npos);
+}
 
 TEST_P(NoctaOnGnomeTest, EveryExitRestoresTheMagnifier) {
     for (const auto ending : {SIGTERM, SIGKILL, SIGSEGV}) {

@@ -10,8 +10,6 @@ extern "C" const char* __lsan_default_options() {
 
 extern "C" const char* __lsan_default_suppressions() {
     // Since 6.8, Qt calls a desktop portal when a program with windows starts. It never deletes the
-    // pending call if the program exits before the answer arrives. On GNOME, Qt loads GTK if it is
-    // installed, and GTK never frees its fonts or GLX screens.
-    return "leak:QGenericUnixServices\nleak:libfontconfig\n"
-           "leak:libGLX_mesa\n";
+    // pending call if the program exits before the answer arrives.
+    return "leak:QGenericUnixServices\n";
 }

@@ -5,6 +5,7 @@
 #include "backends/linux/Unavailable.h"
 #include "backends/linux/bus/MessageBus.h"
 #include "backends/linux/files/FileDescriptor.h"
+#include "backends/linux/gnome/GnomeSession.h"
 #include "backends/linux/gnome/MagnifierFilter.h"
 #include "backends/linux/gnome/MutterDisplays.h"
 #include "backends/linux/gnome/MutterGammaOutput.h"
@@ -64,11 +65,6 @@ bool hasQtForWayland() {
                            .entryList({QStringLiteral("libqwayland*.so")})
                            .isEmpty();
            });
-}
-
-bool isGnome() {
-    const auto desktops = QString::fromStdString(environment("XDG_CURRENT_DESKTOP"));
-    return desktops.split(QLatin1Char(':')).contains(QStringLiteral("GNOME"));
 }
 
 void probeRealX(SessionPorts& ports, std::unique_ptr<X11Displays> displays,
@@ -154,7 +150,7 @@ SessionPorts probeWayland(const SessionContext& context) {
 } // namespace
 
 std::optional<WindowSystem> probeWindowSystem() {
-    const auto prefersX = isGnome() || environment("QT_QPA_PLATFORM").starts_with("xcb");
+    const auto prefersX = isGnomeSession() || environment("QT_QPA_PLATFORM").starts_with("xcb");
     const auto hasWayland = canConnectToWayland();
     if (hasWayland && !prefersX && hasQtForWayland()) {
         return WindowSystem::wayland;

@@ -1,10 +1,10 @@
 #include "backends/linux/gnome/MagnifierFilter.h"
 
+#include "backends/linux/gnome/GnomeSession.h"
 #include "backends/linux/gnome/MagnifierProtocol.h"
 
 #include <cerrno>
 #include <chrono>
-#include <cstdlib>
 #include <iostream>
 #include <string>
 #include <utility>
@@ -20,20 +20,11 @@ constexpr auto startTimeout = 2s;  // enough to start a process on a busy machin
 constexpr auto endTimeout = 500ms; // after that, the helper finishes on its own
 constexpr int maxReplacements = 3;
 
-/// Whether GNOME Shell is running, according to the session's list of desktops.
-bool isGnomeShellSession() {
-    const auto* const list = std::getenv("XDG_CURRENT_DESKTOP");
-    const auto desktops = ":" + std::string(list == nullptr ? "" : list) + ":";
-    // Budgie lists itself as GNOME but has its own shell.
-    return desktops.find(":GNOME:") != std::string::npos &&
-           desktops.find(":Budgie:") == std::string::npos;
-}
-
 } // namespace
 
 MagnifierFilter::MagnifierFilter(std::filesystem::path stateFile)
     : stateFile_(std::move(stateFile)) {
-    if (!isGnomeShellSession()) {
+    if (!isGnomeSession()) {
         return;
     }
     const auto answer = start() ? helper_.answer(startTimeout) : std::nullopt;

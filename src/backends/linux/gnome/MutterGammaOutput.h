@@ -46,7 +46,8 @@ public:
                                      std::span<const float> blue) override;
     void displayRestoreColorSyncSettings() override;
 
-    /// Whether the helper is running but has not answered yet. Only the newest tables are kept then.
+    /// Whether the helper is running but has not answered yet. Only the newest tables are kept
+    /// then.
     bool isStarting() const { return helper_.isRunning() && unanswered_ > 0; }
 
     /// Sends the last tables again, now and shortly after the last such call.
