@@ -9,7 +9,8 @@ namespace nocta {
 namespace {
 
 TEST(HelperProtocol, HelpersExitWithoutAnAnswerIfTheVersionDiffers) {
-    for (const auto* const helper : {"nocta-fetch", "nocta-guardian", "nocta-magnifier", "nocta-ramps"}) {
+    for (const auto* const helper :
+         {"nocta-fetch", "nocta-guardian", "nocta-magnifier", "nocta-ramps"}) {
         const TemporaryFolder folder;
         const auto program = programFolder() + "/" + helper;
         const auto file = folder.path() + "/state/file";
