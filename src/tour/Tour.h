@@ -11,8 +11,8 @@ namespace nocta {
 
 /// A picture of all displays at one moment of the day, with a description.
 struct TourScene {
-    QString file; ///< of the picture, in the tour's folder
-    QString time; ///< of the day
+    QString file; ///< the name of the picture's file in the tour's folder
+    QString time; ///< the time of day
     QString title;
     QString text;
 };

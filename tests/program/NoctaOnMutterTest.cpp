@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// Tests the real program in a session of GNOME whose compositor controls the gamma ramps.
+// Tests the real program in a GNOME session whose compositor controls the gamma ramps.
 
 namespace nocta {
 namespace {
@@ -132,6 +132,27 @@ TEST_P(NoctaOnMutterTest, WriteOfTheNightLightIsReplaced) {
     EXPECT_TRUE(waitForBrightness(0.75));
     kill();
     EXPECT_TRUE(waitUntil([&] { return isGivenBack(); }));
+}
+
+TEST_P(NoctaOnMutterTest, PopoverOpensAtTheTopRightWithoutATray) {
+    startAndWaitFor(0.75);
+    const auto first = std::move(nocta);
+    start(); // asks the first one to show its popover
+    EXPECT_EQ(nocta->wait(), 0);
+    const auto popovers = [&] {
+        return client.windows(
+            [&](const XClient::TopWindow& window) { return client.nameOf(window.id) == "Nocta"; });
+    };
+    ASSERT_TRUE(waitUntil([&] { return popovers().size() == 1; }));
+    const auto popover = popovers().at(0);
+    const auto screen = client.activeFrames().at(0);
+    constexpr int margin = 4;
+    constexpr int shadow = 16;
+    EXPECT_EQ(popover.x + popover.width - shadow, screen.x + screen.width - margin);
+    EXPECT_LT(popover.y, screen.y + 2 * shadow);
+    EXPECT_FALSE(popover.isOverrideRedirect) << "a popup does not see clicks on Wayland windows";
+    first->signal(SIGTERM);
+    EXPECT_EQ(first->wait(), 0);
 }
 
 } // namespace

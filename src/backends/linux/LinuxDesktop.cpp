@@ -142,8 +142,8 @@ public:
 
 private:
     /// Hides GNOME from Qt until the application object exists. On GNOME, Qt loads GTK for its
-    /// theme, which triples the memory of the program, for nothing that our windows use. If the
-    /// user has chosen a theme for Qt, it is loaded.
+    /// theme, which triples the program's memory use, although our windows use nothing from it. A
+    /// theme that the user has chosen for Qt is still loaded.
     static std::string hideGnome() {
         const auto hides = isGnomeSession() && environment("QT_QPA_PLATFORMTHEME").empty();
         const auto desktops = hides ? environment(desktopsVariable) : "";
@@ -215,7 +215,7 @@ private:
                                      session_.typing};
     SystemTray tray_{session_.x11.get()};
     QtStatusBar statusBar_{tray_};
-    QtPopover popover_{layerShell_, session_.x11.get()};
+    QtPopover popover_{layerShell_, session_.x11.get(), session_.seesPointer};
     QtAppWindows appWindows_;
     QtApplication application_{runLoop_, instance_, [this] { return tray_.isAvailable(); }};
 

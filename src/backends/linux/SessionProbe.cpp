@@ -71,6 +71,7 @@ void probeRealX(SessionPorts& ports, std::unique_ptr<X11Displays> displays,
                 const SessionContext& context) {
     auto keyEvents = std::make_unique<X11KeyEvents>(*ports.x11, context.runLoop);
     ports.typing = &keyEvents->typing();
+    ports.seesPointer = true;
     ports.keyEvents = std::move(keyEvents);
     auto gamma = std::make_unique<X11GammaOutput>(*ports.x11, *displays, *ports.guardian);
     ports.gammaAfterWake = context.wake.observe([output = gamma.get()] { output->sendAgain(); });

@@ -46,6 +46,7 @@ struct SessionPorts {
     std::unique_ptr<GrayscaleFilter> grayscale;
     std::unique_ptr<KeyEvents> keyEvents;
     const Typing* typing = nullptr; ///< null if keys cannot be observed
+    bool seesPointer = false;       ///< the X server sees the pointer everywhere
     std::unique_ptr<Workspace> workspace;
 
     /// When the connection to the display server is lost, prints a line and calls `lost`.

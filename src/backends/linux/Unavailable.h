@@ -5,7 +5,8 @@
 
 namespace nocta {
 
-// Ports for features that this session does not support. Each port reports that and does nothing.
+// Ports for features that this session does not support. Each port reports that its feature is
+// unsupported and otherwise does nothing.
 
 class UnavailableGammaOutput final : public GammaOutput {
 public:

@@ -7,7 +7,7 @@
 
 namespace nocta {
 
-/// Converts the number of a CLAuthorizationStatus. An unknown number allows nothing.
+/// Converts the raw value of a CLAuthorizationStatus. An unknown value is treated as a refusal.
 constexpr AuthorizationStatus authorizationStatus(std::int64_t native) {
     switch (native) {
     case 0:

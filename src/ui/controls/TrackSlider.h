@@ -4,9 +4,9 @@
 
 namespace nocta {
 
-/// A horizontal slider in whole percent with a knob on a track, which a subclass paints. Pressing
-/// the mouse button anywhere on the slider moves the knob there. The arrow keys move the knob by
-/// 1%, the page keys by 10%, and the wheel by 1% per line.
+/// A horizontal slider that moves in steps of one percent. A subclass paints its knob and its
+/// track. Pressing the mouse button anywhere on the slider moves the knob there. The arrow keys
+/// move the knob by 1%, the page keys by 10%, and the wheel by 1% per line.
 class TrackSlider : public QSlider {
 public:
     /// `name` is for screen readers.

@@ -133,7 +133,7 @@ void MutterDisplays::refresh() {
               });
 }
 
-/// Ignores replies that are errors or have other types.
+/// Ignores replies that are errors or have unexpected types.
 void MutterDisplays::read(const QDBusMessage& resources, const QDBusMessage& state) {
     if (resources.signature() != resourcesSignature || state.signature() != stateSignature) {
         return;

@@ -163,8 +163,9 @@ private:
     int shadowWidth_ = 0;
 };
 
-QtPopover::QtPopover(const LayerShell& layerShell, X11Connection* connection)
-    : layerShell_(layerShell), connection_(connection), window_(std::make_unique<Window>()) {
+QtPopover::QtPopover(const LayerShell& layerShell, X11Connection* connection, bool seesPointer)
+    : layerShell_(layerShell), connection_(connection), seesPointer_(seesPointer),
+      window_(std::make_unique<Window>()) {
     window_->onHidden = [this] { inCorner_.reset(); };
 }
 
@@ -175,8 +176,9 @@ void QtPopover::setContentSize(double width, double height) {
 }
 
 void QtPopover::setBehavior(PopoverBehavior behavior) {
-    // On Wayland a popup must belong to a window that the user has just clicked or typed in.
-    const auto isPopup = behavior == PopoverBehavior::transient && connection_ != nullptr;
+    // On Wayland a popup must belong to a window that the user has just clicked or typed in. On
+    // Xwayland a popup would not notice clicks on the windows of Wayland clients.
+    const auto isPopup = behavior == PopoverBehavior::transient && seesPointer_;
     Qt::WindowFlags flags = isPopup ? Qt::Popup : Qt::Tool;
     flags |= Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
     flags.setFlag(Qt::BypassWindowManagerHint, layerShell_.isAvailable());
@@ -196,12 +198,14 @@ void QtPopover::show(StatusItem& relativeTo) {
         return;
     }
     auto anchor = static_cast<QtStatusItem&>(relativeTo).geometry();
-    if (anchor.isEmpty()) {
+    const auto* screen = QGuiApplication::primaryScreen();
+    if (anchor.isEmpty() && !seesPointer_ && screen != nullptr) {
+        anchor = QRect(screen->availableGeometry().topRight(), QSize(1, 1));
+    } else if (anchor.isEmpty()) {
         anchor = QRect(QCursor::pos(), QSize(1, 1));
     }
-    const auto* screen = QGuiApplication::screenAt(anchor.center());
-    if (screen == nullptr) {
-        screen = QGuiApplication::primaryScreen();
+    if (const auto* const anchorScreen = QGuiApplication::screenAt(anchor.center())) {
+        screen = anchorScreen;
     }
     if (screen != nullptr) {
         window_->place(anchor, screen->availableGeometry());

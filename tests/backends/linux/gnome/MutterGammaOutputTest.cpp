@@ -56,7 +56,8 @@ private:
         MutterGammaOutput gammaOutput{sessionBus(), displays, runLoop, folder.path() + "/ramps"};
     };
 
-    /// Returns once the compositor has handled all writes: one is under way, and the newest waits.
+    /// Returns once the compositor has handled all writes. Each display has two at most: one that
+    /// is under way, and the newest one, which waits for it.
     void settle() {
         EXPECT_TRUE(serveUntil([this] { return !session_->gammaOutput.isStarting(); }));
         for (int turn = 0; turn < 3; ++turn) {

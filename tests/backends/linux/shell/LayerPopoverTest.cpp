@@ -43,7 +43,7 @@ protected:
     static constexpr int contentHeight = 200;
 
     NoStatusItem item;
-    QtPopover popover{layerShell, nullptr};
+    QtPopover popover{layerShell, nullptr, false};
 
     /// Begins to show the popover by opening the transparent windows that locate the pointer.
     void open() {
