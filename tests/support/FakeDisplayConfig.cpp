@@ -68,7 +68,11 @@ FakeDisplayConfig::FakeDisplayConfig(const std::string& busAddress) {
         serve(busAddress);
         isReady.set_value();
         g_main_loop_run(loop_);
+        g_dbus_connection_close_sync(connection_, nullptr, nullptr);
         g_object_unref(connection_);
+        while (g_main_context_iteration(context_, FALSE) != FALSE) { // frees what is registered
+        }
+        g_main_context_pop_thread_default(context_);
     });
     isReady.get_future().wait();
 }
@@ -158,10 +162,11 @@ void FakeDisplayConfig::answer(const std::string& method, GVariant* parameters,
             reply = g_variant_new("()");
         }
     }
+    g_autoptr(GVariant) body = g_variant_take_ref(reply);
     // Sent as a message, because the methods are described without replies.
     auto* const message =
         g_dbus_message_new_method_reply(g_dbus_method_invocation_get_message(invocation));
-    g_dbus_message_set_body(message, reply);
+    g_dbus_message_set_body(message, body);
     g_dbus_connection_send_message(g_dbus_method_invocation_get_connection(invocation), message,
                                    G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
     g_object_unref(message);
