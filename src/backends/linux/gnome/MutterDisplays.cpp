@@ -20,7 +20,8 @@ const auto path = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
 const auto resourcesSignature = QStringLiteral("ua(uxiiiiiuaua{sv})a(uxiausauaua{sv})a(uxuudu)ii");
 const auto stateSignature =
     QStringLiteral("ua((ssss)a(siiddada{sv})a{sv})a(iiduba(ssss)a{sv})a{sv}");
-constexpr int timeoutAtStart = 500; // milliseconds, for each of two calls
+constexpr int timeoutAtStart = 500; // milliseconds, for each call
+constexpr int attemptsAtStart = 2;
 constexpr auto logicalLayout = 1U;
 
 struct Monitor {
@@ -110,8 +111,11 @@ MutterDisplays::MutterDisplays(const QDBusConnection& bus, NotificationCenter& n
         return;
     }
     monitorsChanged_.connect(bus_, path, service, QStringLiteral("MonitorsChanged"));
-    const auto resources = bus_.call(methodCall("GetResources"), QDBus::Block, timeoutAtStart);
-    if (resources.type() == QDBusMessage::ReplyMessage) {
+    for (int attempt = 0; attempt < attemptsAtStart && !isAvailable_; ++attempt) {
+        const auto resources = bus_.call(methodCall("GetResources"), QDBus::Block, timeoutAtStart);
+        if (resources.type() != QDBusMessage::ReplyMessage) {
+            return;
+        }
         read(resources, bus_.call(methodCall("GetCurrentState"), QDBus::Block, timeoutAtStart));
     }
 }
@@ -133,9 +137,11 @@ void MutterDisplays::refresh() {
               });
 }
 
-/// Ignores replies that are errors or have unexpected types.
+/// Ignores replies that are errors or have unexpected types, and replies between which the
+/// configuration has changed: the compositor then announces the change.
 void MutterDisplays::read(const QDBusMessage& resources, const QDBusMessage& state) {
-    if (resources.signature() != resourcesSignature || state.signature() != stateSignature) {
+    if (resources.signature() != resourcesSignature || state.signature() != stateSignature ||
+        resources.arguments().at(0) != state.arguments().at(0)) {
         return;
     }
     isAvailable_ = true;

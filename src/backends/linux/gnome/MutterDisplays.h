@@ -20,7 +20,7 @@ namespace nocta {
 /// are also those of X clients. The list is reread when the compositor reports a change.
 class MutterDisplays final : public SessionDisplays {
 public:
-    /// Waits for the compositor's answer, but not longer than a second.
+    /// Waits for the compositor's answers, but no longer than two seconds.
     MutterDisplays(const QDBusConnection& bus, NotificationCenter& notificationCenter);
 
     /// Whether the compositor has answered.

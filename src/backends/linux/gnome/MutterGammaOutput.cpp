@@ -115,6 +115,12 @@ void MutterGammaOutput::displayRestoreColorSyncSettings() {
     }
 }
 
+bool MutterGammaOutput::isBusy() const {
+    return isStarting() || std::ranges::any_of(outputs_, [](const auto& entry) {
+               return entry.second.isDue || entry.second.write.has_value();
+           });
+}
+
 void MutterGammaOutput::sendAgain() {
     sendAllAgain();
     later_.start(runLoop_, sendAgainDelay, Repeat::no, [this] { sendAllAgain(); });
@@ -225,6 +231,7 @@ void MutterGammaOutput::finishWrite(DisplayId display, const QDBusMessage& answe
         output.hasFailed = false;
         advance(display, output);
     } else if (!std::exchange(output.hasFailed, true)) {
+        output.isDue = true;
         displays_.refresh(); // the configuration has changed; this also sends the tables again
     }
 }

@@ -46,9 +46,8 @@ public:
                                      std::span<const float> blue) override;
     void displayRestoreColorSyncSettings() override;
 
-    /// Whether the helper is running but has not answered yet. Only the newest tables are kept
-    /// then.
-    bool isStarting() const { return helper_.isRunning() && unanswered_ > 0; }
+    /// Whether tables are being sent or wait to be sent.
+    bool isBusy() const;
 
     /// Sends the last tables again, now and shortly after the last such call.
     void sendAgain();
@@ -64,6 +63,7 @@ private:
     };
 
     void probe();
+    bool isStarting() const { return helper_.isRunning() && unanswered_ > 0; }
     bool startHelper(RampKeeperCommand command);
     bool sendCommand(RampKeeperCommand command);
     void receive();
