@@ -38,7 +38,7 @@ BusProbe::State MessageBus::waitFor(std::chrono::milliseconds time) {
 }
 
 QDBusConnection MessageBus::connection() {
-    if (const QDBusConnection known(name_); known.isConnected()) {
+    if (QDBusConnection known(name_); known.isConnected()) {
         return known;
     }
     QDBusConnection::disconnectFromBus(name_);
