@@ -110,7 +110,8 @@ protected:
         const auto folder = home.path() + "/.config/nocta";
         std::filesystem::create_directories(folder);
         writeFile(folder + "/nocta.conf",
-                  "[General]\nautoWarmthEnabled=false\nwarmthLevel=0\nisFirstLaunch=false\n" +
+                  "[General]\nautoWarmthEnabled=false\nwarmthLevel=0\nisFirstLaunch=false\n"
+                  "unifiedBrightness=1\n" +
                       settings);
         nocta = std::make_unique<Process>(
             std::vector{programFolder() + "/nocta"},
@@ -164,7 +165,7 @@ TEST_F(NoctaWindowsOnWaylandTest, PopoverOpensInTheCornerAndEscapeClosesIt) {
     Panel panel(bus);
     start("breakTimerEnabled=false\n");
     ASSERT_TRUE(serveUntil([&] { return panel.hasIcon(); })) << contentOf(output);
-    constexpr int right = 1280 - 30;
+    constexpr int right = 1280 - 12; // in the margin of the popover
     constexpr int top = 50;
     const auto before = sway.colorAt(first, right, top);
     panel.click();

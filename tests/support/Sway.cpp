@@ -37,15 +37,17 @@ Sway::Sway() {
     }
     process_ = std::make_unique<Process>(
         command,
-        Process::Environment{{"XDG_RUNTIME_DIR", folder},
-                             {"WAYLAND_DISPLAY", ""},
-                             {"DISPLAY", ""},
-                             {"WLR_BACKENDS", "headless"},
-                             {"WLR_HEADLESS_OUTPUTS", "1"},
-                             {"WLR_RENDERER", "pixman"},
-                             {"WLR_LIBINPUT_NO_DEVICES", "1"},
-                             {"GAMMA_LOG", folder + "/gamma"},
-                             {"LD_PRELOAD", folder + "/libnocta_gamma_log.so"}},
+        Process::Environment{
+            {"XDG_RUNTIME_DIR", folder},
+            {"WAYLAND_DISPLAY", ""},
+            {"DISPLAY", ""},
+            {"WLR_BACKENDS", "headless"},
+            {"WLR_HEADLESS_OUTPUTS", "1"},
+            {"WLR_RENDERER", "pixman"},
+            {"WLR_LIBINPUT_NO_DEVICES", "1"},
+            {"GAMMA_LOG", folder + "/gamma"},
+            // A newer sway would take ramps that its outputs refuse, and show nothing more.
+            {"LD_PRELOAD", canLogGamma() ? folder + "/libnocta_gamma_log.so" : ""}},
         folder + "/output");
     commands_ = folder + "/sway-ipc." + std::to_string(user) + "." +
                 std::to_string(process_->id()) + ".sock";
