@@ -67,15 +67,21 @@ bool hasQtForWayland() {
            });
 }
 
+/// The ramps may be lost while the machine sleeps.
+template <class Output>
+void useGamma(SessionPorts& ports, std::unique_ptr<Output> output, SystemWake& wake) {
+    ports.gammaAfterWake = wake.observe([gamma = output.get()] { gamma->sendAgain(); });
+    ports.gammaOutput = std::move(output);
+}
+
 void probeRealX(SessionPorts& ports, std::unique_ptr<X11Displays> displays,
                 const SessionContext& context) {
     auto keyEvents = std::make_unique<X11KeyEvents>(*ports.x11, context.runLoop);
     ports.typing = &keyEvents->typing();
     ports.seesPointer = true;
     ports.keyEvents = std::move(keyEvents);
-    auto gamma = std::make_unique<X11GammaOutput>(*ports.x11, *displays, *ports.guardian);
-    ports.gammaAfterWake = context.wake.observe([output = gamma.get()] { output->sendAgain(); });
-    ports.gammaOutput = std::move(gamma);
+    useGamma(ports, std::make_unique<X11GammaOutput>(*ports.x11, *displays, *ports.guardian),
+             context.wake);
     auto matrices = std::make_unique<X11ColorMatrixFilter>(
         *ports.x11, *displays, context.notificationCenter, *ports.guardian);
     if (matrices->isAvailable()) {
@@ -90,11 +96,10 @@ void probeXwayland(SessionPorts& ports, std::unique_ptr<X11Displays> displays,
     const auto bus = sessionBus();
     auto monitors = std::make_unique<MutterDisplays>(bus, context.notificationCenter);
     if (monitors->isAvailable()) {
-        auto gamma = std::make_unique<MutterGammaOutput>(bus, *monitors, context.runLoop,
-                                                         context.stateFolder / "ramps");
-        ports.gammaAfterWake =
-            context.wake.observe([output = gamma.get()] { output->sendAgain(); });
-        ports.gammaOutput = std::move(gamma);
+        useGamma(ports,
+                 std::make_unique<MutterGammaOutput>(bus, *monitors, context.runLoop,
+                                                     context.stateFolder / "ramps"),
+                 context.wake);
         ports.displays = std::move(monitors);
     } else {
         ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();
@@ -128,9 +133,7 @@ SessionPorts probeWayland(const SessionContext& context) {
     auto gamma = std::make_unique<WlrGammaOutput>(*ports.wayland, *displays, context.runLoop);
     auto tint = std::make_unique<TintGammaOutput>(*ports.wayland, *displays);
     if (gamma->isAvailable()) {
-        ports.gammaAfterWake =
-            context.wake.observe([output = gamma.get()] { output->sendAgain(); });
-        ports.gammaOutput = std::move(gamma);
+        useGamma(ports, std::move(gamma), context.wake);
     } else if (tint->isAvailable()) {
         std::cerr << "nocta: this compositor has no gamma control; the displays are dimmed by a "
                      "layer, which cannot warm them"

@@ -35,6 +35,11 @@ bool GammaRamp::isCalibration() const {
     return rises;
 }
 
+TransferTables copyOf(std::span<const float> red, std::span<const float> green,
+                      std::span<const float> blue) {
+    return {{{red.begin(), red.end()}, {green.begin(), green.end()}, {blue.begin(), blue.end()}}};
+}
+
 std::vector<std::uint16_t> laidOver(std::span<const float> table,
                                     std::span<const std::uint16_t> calibration, std::size_t size) {
     std::vector<std::uint16_t> ramp(size);
@@ -48,6 +53,17 @@ std::vector<std::uint16_t> laidOver(std::span<const float> table,
         ramp[i] = static_cast<std::uint16_t>(std::lround(output));
     }
     return ramp;
+}
+
+GammaRamp laidOver(const TransferTables& tables, const GammaRamp& factory, bool isCalibration) {
+    const auto channel = [&](std::size_t index, const std::vector<std::uint16_t>& levels) {
+        const auto calibration = std::span(levels);
+        return laidOver(tables[index], isCalibration ? calibration : calibration.first(0),
+                        levels.size());
+    };
+    return {.red = channel(0, factory.red),
+            .green = channel(1, factory.green),
+            .blue = channel(2, factory.blue)};
 }
 
 } // namespace nocta

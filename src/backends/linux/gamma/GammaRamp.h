@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -21,11 +22,21 @@ struct GammaRamp {
     bool isCalibration() const;
 };
 
+/// The transfer tables of a display: red, green and blue.
+using TransferTables = std::array<std::vector<float>, 3>;
+
+TransferTables copyOf(std::span<const float> red, std::span<const float> green,
+                      std::span<const float> blue);
+
 /// Lays one channel of a transfer table over a calibration: evaluates the calibration at the
 /// table's levels and resamples the result to `size` entries. Both curves are evenly spaced points
 /// joined by straight lines. The table's levels are limited to 0.0–1.0. An empty calibration is the
 /// identity.
 std::vector<std::uint16_t> laidOver(std::span<const float> table,
                                     std::span<const std::uint16_t> calibration, std::size_t size);
+
+/// Lays tables over a factory ramp. The result has the size of the factory ramp, whose levels count
+/// only if it is a calibration.
+GammaRamp laidOver(const TransferTables& tables, const GammaRamp& factory, bool isCalibration);
 
 } // namespace nocta

@@ -30,12 +30,8 @@ const auto rampSignature = QStringLiteral("aqaqaq");
 
 using Levels = QList<quint16>;
 
-Levels laidOverFactory(std::span<const float> table, const std::vector<std::uint16_t>& factory,
-                       bool isCalibration) {
-    const auto calibration = std::span(factory);
-    const auto levels =
-        laidOver(table, isCalibration ? calibration : calibration.first(0), factory.size());
-    return {levels.begin(), levels.end()};
+QVariant argument(const std::vector<std::uint16_t>& channel) {
+    return QVariant::fromValue(Levels(channel.begin(), channel.end()));
 }
 
 } // namespace
@@ -49,15 +45,14 @@ MutterGammaOutput::MutterGammaOutput(const QDBusConnection& bus, MutterDisplays&
     if (!isAvailable_) {
         return;
     }
-    nightLight_.connect(bus_, QStringLiteral("/org/gnome/SettingsDaemon/Color"),
-                        QStringLiteral("org.freedesktop.DBus.Properties"),
-                        QStringLiteral("PropertiesChanged"));
+    mayHaveBeenOverwritten_.connect(bus_, QStringLiteral("/org/gnome/SettingsDaemon/Color"),
+                                    QStringLiteral("org.freedesktop.DBus.Properties"),
+                                    QStringLiteral("PropertiesChanged"));
     const auto colorManager = QStringLiteral("org.freedesktop.ColorManager");
     const auto colorManagerPath = QStringLiteral("/org/freedesktop/ColorManager");
-    deviceAdded_.connect(systemBus(), colorManagerPath, colorManager,
-                         QStringLiteral("DeviceAdded"));
-    deviceChanged_.connect(systemBus(), colorManagerPath, colorManager,
-                           QStringLiteral("DeviceChanged"));
+    for (const auto* const name : {"DeviceAdded", "DeviceChanged"}) {
+        mayHaveBeenOverwritten_.connect(systemBus(), colorManagerPath, colorManager, name);
+    }
 }
 
 MutterGammaOutput::~MutterGammaOutput() {
@@ -85,8 +80,7 @@ Status MutterGammaOutput::setDisplayTransferByTable(DisplayId display, std::span
         return statusFailure;
     }
     auto& output = outputs_[display];
-    output.tables = {
-        {{red.begin(), red.end()}, {green.begin(), green.end()}, {blue.begin(), blue.end()}}};
+    output.tables = copyOf(red, green, blue);
     output.isDue = true;
     output.hasFailed = false;
     if (!helper_.isRunning()) {
@@ -203,14 +197,9 @@ void MutterGammaOutput::advance(DisplayId display, Output& output) {
     if (factory == factory_.end()) {
         return;
     }
-    const auto& ramp = factory->second;
-    const auto isCalibration = ramp.isCalibration();
-    const auto levels = [&](std::size_t channel, const std::vector<std::uint16_t>& levelsBefore) {
-        return QVariant::fromValue(
-            laidOverFactory(output.tables[channel], levelsBefore, isCalibration));
-    };
+    const auto ramp = laidOver(output.tables, factory->second, factory->second.isCalibration());
     const auto message = displays_.call(
-        "SetCrtcGamma", {*crtc, levels(0, ramp.red), levels(1, ramp.green), levels(2, ramp.blue)});
+        "SetCrtcGamma", {*crtc, argument(ramp.red), argument(ramp.green), argument(ramp.blue)});
     output.write = bus_.asyncCall(message, writeTimeout);
     auto* const watcher = new QDBusPendingCallWatcher(*output.write, answers_.get());
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, answers_.get(),

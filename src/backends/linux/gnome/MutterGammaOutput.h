@@ -12,7 +12,6 @@
 #include <QDBusPendingCall>
 #include <QObject>
 
-#include <array>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -53,10 +52,8 @@ public:
     void sendAgain();
 
 private:
-    using Tables = std::array<std::vector<float>, 3>;
-
     struct Output {
-        Tables tables;          ///< the newest
+        TransferTables tables;  ///< the newest
         bool isDue = false;     ///< `tables` have not been sent yet
         bool hasFailed = false; ///< the last write; it is repeated once
         std::optional<QDBusPendingCall> write = std::nullopt; ///< under way
@@ -88,9 +85,7 @@ private:
     HelperProcess helper_;
     Timer later_;
     Subscription refreshed_;
-    BusSignal nightLight_{[this] { sendAgain(); }};
-    BusSignal deviceAdded_{[this] { sendAgain(); }};
-    BusSignal deviceChanged_{[this] { sendAgain(); }};
+    BusSignal mayHaveBeenOverwritten_{[this] { sendAgain(); }};
 };
 
 } // namespace nocta

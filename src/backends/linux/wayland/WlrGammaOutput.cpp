@@ -1,7 +1,6 @@
 #include "backends/linux/wayland/WlrGammaOutput.h"
 
 #include "backends/linux/files/FileDescriptor.h"
-#include "backends/linux/gamma/GammaRamp.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -106,8 +105,7 @@ Status WlrGammaOutput::setDisplayTransferByTable(DisplayId display, std::span<co
     if (control.failures > maxFailures) {
         return statusFailure;
     }
-    control.tables = Tables{
-        {{red.begin(), red.end()}, {green.begin(), green.end()}, {blue.begin(), blue.end()}}};
+    control.tables = copyOf(red, green, blue);
     control.isDue = true;
     advance(control);
     return statusSuccess;

@@ -1,16 +1,15 @@
 #pragma once
 
+#include "backends/linux/gamma/GammaRamp.h"
 #include "backends/linux/wayland/WaylandConnection.h"
 #include "backends/linux/wayland/WaylandDisplays.h"
 #include "backends/linux/wayland/WlrOutputPower.h"
 #include "base/Timer.h"
 #include "platform/GammaOutput.h"
 
-#include <array>
 #include <map>
 #include <memory>
 #include <optional>
-#include <vector>
 #include <wlr-gamma-control-unstable-v1-client-protocol.h>
 
 namespace nocta {
@@ -44,17 +43,15 @@ public:
     void sendAgain();
 
 private:
-    using Tables = std::array<std::vector<float>, 3>;
-
     /// An output's control object and its state.
     struct Control {
         WlrGammaOutput* output;
         DisplayId display;
         zwlr_gamma_control_v1* object = nullptr;
-        std::uint32_t size = 0;       ///< entries for each channel; 0 until the compositor answers
-        std::optional<Tables> tables; ///< the newest tables
-        bool isDue = false;           ///< `tables` have not been sent yet
-        bool isBusy = false;          ///< the last write has not been processed yet
+        std::uint32_t size = 0; ///< entries for each channel; 0 until the compositor answers
+        std::optional<TransferTables> tables; ///< the newest tables
+        bool isDue = false;                   ///< `tables` have not been sent yet
+        bool isBusy = false;                  ///< the last write has not been processed yet
         int failures = 0;
         MonotonicTime grantedAt{};
         std::unique_ptr<WlrOutputPower> power{};

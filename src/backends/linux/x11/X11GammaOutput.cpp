@@ -61,11 +61,9 @@ Status X11GammaOutput::setDisplayTransferByTable(DisplayId display, std::span<co
     }
     switch (guardian_.request(this)) {
     case Guardian::Permission::granted:
-        return write(display, red, green, blue);
+        return write(display, copyOf(red, green, blue));
     case Guardian::Permission::pending:
-        waiting_.insert_or_assign(display, Tables{{{red.begin(), red.end()},
-                                                   {green.begin(), green.end()},
-                                                   {blue.begin(), blue.end()}}});
+        waiting_.insert_or_assign(display, copyOf(red, green, blue));
         return statusSuccess;
     case Guardian::Permission::refused:
         break;
@@ -98,29 +96,20 @@ void X11GammaOutput::take(Guardian::Permission permission) {
         return;
     }
     for (const auto& [display, tables] : waiting) {
-        write(display, tables[0], tables[1], tables[2]);
+        write(display, tables);
     }
 }
 
-Status X11GammaOutput::write(DisplayId display, std::span<const float> red,
-                             std::span<const float> green, std::span<const float> blue) {
+Status X11GammaOutput::write(DisplayId display, const TransferTables& tables) {
     arm();
     const auto id = displays_.crtcOf(display);
     auto* const crtc = id == XCB_NONE ? nullptr : find(id);
     if (crtc == nullptr || crtc->factory.size() == 0) {
         return statusFailure;
     }
-    const auto channel = [&](std::span<const float> table,
-                             const std::vector<std::uint16_t>& factoryChannel) {
-        auto const calibration = std::span(factoryChannel);
-        return laidOver(table, crtc->isCalibration ? calibration : calibration.first(0),
-                        calibration.size());
-    };
-    const auto& ramp = crtc->written = {.red = channel(red, crtc->factory.red),
-                                        .green = channel(green, crtc->factory.green),
-                                        .blue = channel(blue, crtc->factory.blue)};
+    crtc->written = laidOver(tables, crtc->factory, crtc->isCalibration);
     crtc->display = display;
-    send(id, ramp);
+    send(id, crtc->written);
     return statusSuccess;
 }
 

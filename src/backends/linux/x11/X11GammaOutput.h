@@ -1,15 +1,14 @@
 #pragma once
 
+#include "backends/linux/gamma/GammaRamp.h"
 #include "backends/linux/x11/FactoryRamps.h"
 #include "backends/linux/x11/Guardian.h"
 #include "backends/linux/x11/X11Connection.h"
 #include "backends/linux/x11/X11Displays.h"
 #include "platform/GammaOutput.h"
 
-#include <array>
 #include <map>
 #include <utility>
-#include <vector>
 
 namespace nocta {
 
@@ -52,11 +51,8 @@ private:
         }
     };
 
-    using Tables = std::array<std::vector<float>, 3>;
-
     void take(Guardian::Permission permission);
-    Status write(DisplayId display, std::span<const float> red, std::span<const float> green,
-                 std::span<const float> blue);
+    Status write(DisplayId display, const TransferTables& tables);
     void arm();
     Crtc* find(xcb_randr_crtc_t id);
     void send(xcb_randr_crtc_t id, const GammaRamp& ramp);
@@ -69,7 +65,7 @@ private:
     Guardian& guardian_;
     bool isArmed_ = false;
     std::map<xcb_randr_crtc_t, Crtc> crtcs_;
-    std::map<DisplayId, Tables> waiting_;
+    std::map<DisplayId, TransferTables> waiting_;
     Subscription permission_;
     Subscription events_;
 };
