@@ -9,6 +9,7 @@
 #include "backends/linux/gnome/MagnifierFilter.h"
 #include "backends/linux/gnome/MutterDisplays.h"
 #include "backends/linux/gnome/MutterGammaOutput.h"
+#include "backends/linux/kde/KWinWorkspace.h"
 #include "backends/linux/wayland/TintGammaOutput.h"
 #include "backends/linux/wayland/ToplevelWorkspace.h"
 #include "backends/linux/wayland/WaylandDisplays.h"
@@ -144,9 +145,14 @@ SessionPorts probeWayland(const SessionContext& context) {
         ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();
     }
     ports.keyEvents = std::make_unique<UnavailableKeyEvents>(); // not observable on Wayland
-    // If the compositor lacks the protocol, this reports no applications.
-    ports.workspace = std::make_unique<ToplevelWorkspace>(
-        *ports.wayland, *displays, context.runLoop, context.shouldReduceMotion);
+    auto toplevels = std::make_unique<ToplevelWorkspace>(*ports.wayland, *displays, context.runLoop,
+                                                         context.shouldReduceMotion);
+    if (toplevels->isAvailable()) {
+        ports.workspace = std::move(toplevels);
+    } else { // without KWin either, this reports no applications
+        ports.workspace = std::make_unique<KWinWorkspace>(
+            *displays, context.stateFolder / "kwin.js", context.shouldReduceMotion);
+    }
     ports.displays = std::move(displays);
     return ports;
 }
