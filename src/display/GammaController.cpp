@@ -7,7 +7,6 @@ namespace nocta {
 namespace {
 
 constexpr float neutralDimming = 0.0F;
-constexpr std::int64_t neutralTemperature = 6500;
 constexpr float neutralSaturation = 1.0F;
 
 constexpr std::int64_t lowestTemperature = 1000;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/WhitePoint.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -14,20 +16,6 @@ struct GammaTables {
     std::array<float, gammaTableSize> green;
     std::array<float, gammaTableSize> blue;
 };
-
-/// The white point of a color temperature. Each channel is in 0.0–1.0.
-struct RGBMultipliers {
-    float red = 1.0F;
-    float green = 1.0F;
-    float blue = 1.0F;
-};
-
-/// Limits a value to 0.0–1.0.
-float clamp01(float value);
-
-/// Returns the white point of a black body at `kelvin`, which must be in 1000–10000. Source: Tanner
-/// Helland's fit to Mitchell Charity's black body table, with the constants in single precision.
-RGBMultipliers rgbMultipliers(std::int64_t kelvin);
 
 /// Makes linear ramps from black to the white point of `kelvin`. `dimming`, from 0.0 (none) to 1.0
 /// (black), scales the ramps down. As `saturation` decreases from 1.0 to 0.0, all three ramps
