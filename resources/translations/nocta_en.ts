@@ -752,5 +752,9 @@
         <source>Nocta can dim the displays of this desktop, but not warm them.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Nocta warms the displays through KDE&apos;s Night Light.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

@@ -6,6 +6,13 @@
 
 namespace nocta {
 
+/// What happens to the colors if tables give the channels different levels.
+enum class Warmth {
+    byTables,     ///< the levels are shown as they are
+    byNightLight, ///< the desktop's own night light shows a similar color
+    none          ///< only the highest level of all three is shown
+};
+
 /// The color transfer tables of the displays. The factory tables must be restored however the
 /// process ends, even if it crashes. If the operating system does not restore them, the backend
 /// must.
@@ -20,9 +27,7 @@ public:
     /// Returns whether this session supports setting tables at all.
     virtual bool isAvailable() const = 0;
 
-    /// Returns whether tables can give the channels different levels, and so make the colors
-    /// warmer. Otherwise only the highest level of all three is shown.
-    virtual bool canWarm() const { return true; }
+    virtual Warmth warmth() const { return Warmth::byTables; }
 
     /// Sets a display's tables: three lists of equal length, output levels in 0.0–1.0 for evenly
     /// spaced input levels. The status covers only errors that are known immediately, because the

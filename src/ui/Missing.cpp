@@ -12,9 +12,15 @@ QString missingForBrightness(SharedInstances& instances) {
 
 QString missingForWarmth(SharedInstances& instances) {
     const auto missing = missingForBrightness(instances);
-    return !missing.isEmpty() || instances.desktop().gammaOutput.canWarm()
+    return !missing.isEmpty() || instances.desktop().gammaOutput.warmth() != Warmth::none
                ? missing
                : Text::tr("Nocta can dim the displays of this desktop, but not warm them.");
+}
+
+QString noteOnWarmth(SharedInstances& instances) {
+    return instances.desktop().gammaOutput.warmth() == Warmth::byNightLight
+               ? Text::tr("Nocta warms the displays through KDE's Night Light.")
+               : missingForWarmth(instances);
 }
 
 QString missingForGrayscale(SharedInstances& instances) {

@@ -16,4 +16,7 @@ QString missingForGrayscale(SharedInstances& instances);
 QString missingForLocation(SharedInstances& instances);
 QString missingForUpdates(SharedInstances& instances);
 
+/// A remark on how the displays are warmed; empty if nothing is unusual.
+QString noteOnWarmth(SharedInstances& instances);
+
 } // namespace nocta

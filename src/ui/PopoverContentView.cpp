@@ -80,8 +80,8 @@ void PopoverContentView::addWarmth(QVBoxLayout& column) {
     follow(*caption, settings_.autoWarmthEnabled, [choice, caption, slider](bool isAutomatic) {
         choice->setCurrentWidget(isAutomatic ? static_cast<QWidget*>(caption) : slider);
     });
-    if (!instances_.desktop().gammaOutput.canWarm()) {
-        auto* const note = new Label(missingForWarmth(instances_), TextStyle::secondary);
+    if (instances_.desktop().gammaOutput.warmth() != Warmth::byTables) {
+        auto* const note = new Label(noteOnWarmth(instances_), TextStyle::secondary);
         note->setObjectName(QStringLiteral("warmthNote"));
         note->setWordWrap(true);
         column.addWidget(note);

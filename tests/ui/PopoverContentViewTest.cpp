@@ -246,5 +246,20 @@ TEST_F(PopoverContentViewTest, ToolTipNamesTheMissingFeatureAndTheSettingIsStill
     EXPECT_EQ(brightness(), 0.74);
 }
 
+TEST_F(PopoverContentViewTest, NoteSaysHowTheDisplaysAreWarmed) {
+    const auto note = [this] {
+        open(realViews.makePopoverContentView([] {}), QSize(300, 310));
+        const auto* const label = widget().findChild<QLabel*>("warmthNote");
+        return label == nullptr ? QString() : label->text();
+    };
+    EXPECT_EQ(note(), QString());
+    desktop.displays.shownWarmth = Warmth::none;
+    EXPECT_EQ(note(), "Nocta can dim the displays of this desktop, but not warm them.");
+    EXPECT_FALSE(warmth().toolTip().isEmpty());
+    desktop.displays.shownWarmth = Warmth::byNightLight;
+    EXPECT_EQ(note(), "Nocta warms the displays through KDE's Night Light.");
+    EXPECT_TRUE(warmth().toolTip().isEmpty()) << "nothing is missing";
+}
+
 } // namespace
 } // namespace nocta

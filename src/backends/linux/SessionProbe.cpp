@@ -10,6 +10,7 @@
 #include "backends/linux/gnome/MutterDisplays.h"
 #include "backends/linux/gnome/MutterGammaOutput.h"
 #include "backends/linux/kde/KWinWorkspace.h"
+#include "backends/linux/kde/NightLightGammaOutput.h"
 #include "backends/linux/wayland/TintGammaOutput.h"
 #include "backends/linux/wayland/ToplevelWorkspace.h"
 #include "backends/linux/wayland/WaylandDisplays.h"
@@ -126,24 +127,39 @@ SessionPorts probeX11(const SessionContext& context) {
     return ports;
 }
 
+/// KDE's compositor has no gamma control, but its Night Light warms what a layer dims.
+void probeWaylandGamma(SessionPorts& ports, WaylandDisplays& displays,
+                       const SessionContext& context) {
+    auto gamma = std::make_unique<WlrGammaOutput>(*ports.wayland, displays, context.runLoop);
+    if (gamma->isAvailable()) {
+        useGamma(ports, std::move(gamma), context.wake);
+        return;
+    }
+    auto tint = std::make_unique<TintGammaOutput>(*ports.wayland, displays);
+    if (!tint->isAvailable()) {
+        std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
+        ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();
+        return;
+    }
+    auto nightLight = std::make_unique<NightLight>(sessionBus(), context.runLoop,
+                                                   context.stateFolder / "night-light");
+    if (nightLight->isAvailable()) {
+        ports.gammaOutput =
+            std::make_unique<NightLightGammaOutput>(std::move(tint), std::move(nightLight));
+        return;
+    }
+    std::cerr << "nocta: this compositor has no gamma control; the displays are dimmed by a layer, "
+                 "which cannot warm them"
+              << std::endl;
+    ports.gammaOutput = std::move(tint);
+}
+
 SessionPorts probeWayland(const SessionContext& context) {
     SessionPorts ports;
     ports.wayland = std::make_unique<WaylandConnection>(context.runLoop);
     auto displays = std::make_unique<WaylandDisplays>(*ports.wayland, context.runLoop,
                                                       context.notificationCenter);
-    auto gamma = std::make_unique<WlrGammaOutput>(*ports.wayland, *displays, context.runLoop);
-    auto tint = std::make_unique<TintGammaOutput>(*ports.wayland, *displays);
-    if (gamma->isAvailable()) {
-        useGamma(ports, std::move(gamma), context.wake);
-    } else if (tint->isAvailable()) {
-        std::cerr << "nocta: this compositor has no gamma control; the displays are dimmed by a "
-                     "layer, which cannot warm them"
-                  << std::endl;
-        ports.gammaOutput = std::move(tint);
-    } else {
-        std::cerr << "nocta: gamma is not supported in this Wayland session yet" << std::endl;
-        ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();
-    }
+    probeWaylandGamma(ports, *displays, context);
     ports.keyEvents = std::make_unique<UnavailableKeyEvents>(); // not observable on Wayland
     auto toplevels = std::make_unique<ToplevelWorkspace>(*ports.wayland, *displays, context.runLoop,
                                                          context.shouldReduceMotion);

@@ -40,6 +40,7 @@ public:
     Display& display(DisplayId id);
     const std::vector<Display>& all() const { return displays_; }
     bool takesTables = true;
+    Warmth shownWarmth = Warmth::byTables;
     bool listFails = false;
     bool backlightReadFails = false;
     bool backlightWriteFails = false;
@@ -51,6 +52,7 @@ public:
     bool displayIsBuiltin(DisplayId display) override;
     std::optional<DisplayMode> displayCopyDisplayMode(DisplayId display) override;
     bool isAvailable() const override { return takesTables; }
+    Warmth warmth() const override { return shownWarmth; }
     Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
                                      std::span<const float> green,
                                      std::span<const float> blue) override;

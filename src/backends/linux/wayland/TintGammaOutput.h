@@ -30,7 +30,7 @@ public:
 
     /// Whether the compositor offers layers, and can scale a pixel to the size of an output.
     bool isAvailable() const override { return pool_ != nullptr; }
-    bool canWarm() const override { return false; }
+    Warmth warmth() const override { return Warmth::none; }
     Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
                                      std::span<const float> green,
                                      std::span<const float> blue) override;

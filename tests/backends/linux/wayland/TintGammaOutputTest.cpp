@@ -67,7 +67,7 @@ protected:
 TEST_F(TintGammaOutputTest, CoversEachOutputAndLetsClicksThrough) {
     plug();
     EXPECT_TRUE(gamma.isAvailable());
-    EXPECT_FALSE(gamma.canWarm());
+    EXPECT_EQ(gamma.warmth(), Warmth::none);
     setLevel(1, 0.5F);
     setLevel(2, 0.25F);
     expectAlphas({halfAlpha, 191});
