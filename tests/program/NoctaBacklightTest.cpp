@@ -1,4 +1,7 @@
+#include "support/EventLoop.h"
 #include "support/NoctaProcess.h"
+#include "support/PrivateBus.h"
+#include "support/ScreenBrightness.h"
 #include "support/Sysfs.h"
 
 #include <unistd.h>
@@ -25,8 +28,10 @@ protected:
         sysfs.addBacklight("second", "raw", Sysfs::connector("card0", "eDP-2"));
         sysfs.addBacklight("other", "firmware", Sysfs::connector("card1", "eDP-3"));
         NoctaProcess::SetUp();
+    }
+    void startHere(const Process::Environment& environment) {
         nocta = std::make_unique<Process>(onThisMachine("exec " + programFolder() + "/nocta"),
-                                          environment(), output);
+                                          environment, output);
     }
     /// Returns a command that runs `command` with `sysfs` in place of the kernel's files.
     std::vector<std::string> onThisMachine(const std::string& command) const {
@@ -42,12 +47,29 @@ INSTANTIATE_TEST_SUITE_P(Servers, NoctaBacklightTest, ::testing::Values(XServer:
                          serverName);
 
 TEST_P(NoctaBacklightTest, EveryPanelUsesItsOwnBacklight) {
+    startHere(environment());
     EXPECT_TRUE(waitForLevels("550")) << contentOf(output); // 75 % brightness
     EXPECT_TRUE(waitForBrightness(1)) << "the gamma tables should not dim the picture";
     client.press(brightnessDownSymbol);
     EXPECT_TRUE(waitForLevels("438"));
     EXPECT_EQ(sysfs.level("other"), "1000\n")
         << "the backlight of a display that is off should not change";
+}
+
+TEST_P(NoctaBacklightTest, PlasmaSetsTheLevelOfTheOnlyPanel) {
+    server.unplugSecondOutput();
+    const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
+    ScreenBrightness plasma(bus);
+    plasma.displays["display0"] = ScreenBrightness::display(true, 10000);
+    plasma.provide();
+    auto session = environment();
+    session["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+    startHere(session);
+    EXPECT_TRUE(serveUntil([&] { return plasma.level("display0") == 5500; })) << contentOf(output);
+    const auto ofDevice = sysfs.level("first");
+    client.press(brightnessDownSymbol);
+    EXPECT_TRUE(serveUntil([&] { return plasma.level("display0") == 4375; }));
+    EXPECT_EQ(sysfs.level("first"), ofDevice) << "only Plasma should change the device";
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include "backends/linux/files/IniDefaultsStore.h"
 #include "backends/linux/files/PrivateFolder.h"
 #include "backends/linux/gnome/GnomeSession.h"
+#include "backends/linux/kde/ScreenBrightnessBacklight.h"
 #include "backends/linux/location/GeoClueLocationManager.h"
 #include "backends/linux/network/CurlUrlSession.h"
 #include "backends/linux/process/StandardStreams.h"
@@ -194,9 +195,10 @@ private:
                         .wake = wake_,
                         .shouldReduceMotion = [this] { return reducedMotion_.isRequested(); },
                         .stateFolder = stateFolder()});
-    SysfsBacklight backlight_{*session_.displays,
-                              [this](DisplayId id) { return session_.displays->outputName(id); },
-                              setBrightnessThroughLogind};
+    SysfsBacklight sysfsBacklight_{
+        *session_.displays, [this](DisplayId id) { return session_.displays->outputName(id); },
+        setBrightnessThroughLogind};
+    ScreenBrightnessBacklight backlight_{*session_.displays, sysfsBacklight_};
     GeoClueLocationManager locationManager_{runLoop_, stateFolder() / "location-granted"};
     AutostartLoginItem loginItem_{configFolder() / "autostart" / "nocta.desktop",
                                   QCoreApplication::applicationFilePath().toStdString()};
