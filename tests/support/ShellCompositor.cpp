@@ -107,7 +107,12 @@ void ShellCompositor::press(std::uint32_t key) {
 }
 
 void ShellCompositor::takeKeyboard() {
-    call([&] { seat_.setKeyboardFocus(nullptr); });
+    call([&] {
+        for (auto* const surface : mappedSurfaces()) {
+            surface->hasLostKeyboard = true;
+        }
+        updateKeyboardFocus();
+    });
 }
 
 void ShellCompositor::movePointer(std::size_t surface, int x, int y) {
@@ -147,7 +152,8 @@ void ShellCompositor::appears(TestSurface& surface) {
 void ShellCompositor::updateKeyboardFocus() {
     auto surfaces = mappedSurfaces();
     const auto wants = [](const TestSurface* surface) {
-        return surface->current.keyboard == ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE;
+        return !surface->hasLostKeyboard &&
+               surface->current.keyboard == ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE;
     };
     const auto newest = std::ranges::find_if(surfaces.rbegin(), surfaces.rend(), wants);
     seat_.setKeyboardFocus(newest == surfaces.rend() ? nullptr : (*newest)->resource);

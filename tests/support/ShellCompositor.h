@@ -73,7 +73,8 @@ public:
     void close(std::size_t surface);
 
     void press(std::uint32_t key);
-    /// Moves keyboard focus to a window of another program.
+    /// Moves keyboard focus to a window of another program, which keeps it until a new surface
+    /// wants it.
     void takeKeyboard();
     void movePointer(std::size_t surface, int x, int y);
     /// Moves the pointer to this position in the next surface when that surface appears.
