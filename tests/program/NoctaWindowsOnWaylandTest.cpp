@@ -174,6 +174,9 @@ TEST_F(NoctaWindowsOnWaylandTest, PopoverOpensInTheCornerAndEscapeClosesIt) {
     EXPECT_TRUE(shows(first, 255)) << "the rest of the output should not change";
     press("Escape");
     EXPECT_TRUE(serveUntil([&] { return sway.colorAt(first, right, top) == before; }));
+    const auto libraries = contentOf("/proc/" + std::to_string(nocta->id()) + "/maps");
+    EXPECT_NE(libraries.find("libqwayland"), std::string::npos);
+    EXPECT_EQ(libraries.find("wayland-egl"), std::string::npos) << "OpenGL should not be loaded";
     stop();
 }
 

@@ -77,6 +77,9 @@ LayerShell::LayerShell() {
             [](void* data, wl_registry* registry, std::uint32_t name, const char* interface,
                std::uint32_t version) {
                 auto& self = *static_cast<LayerShell*>(data);
+                if (std::string_view(interface) == "zxdg_decoration_manager_v1") {
+                    qputenv("QT_WAYLAND_DISABLE_WINDOWDECORATION", "1");
+                }
                 if (std::string_view(interface) == zwlr_layer_shell_v1_interface.name) {
                     self.version_ = std::min(version, newestVersion);
                     self.shell_ = static_cast<zwlr_layer_shell_v1*>(wl_registry_bind(

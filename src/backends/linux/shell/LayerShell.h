@@ -24,7 +24,9 @@ public:
     static void prepare();
 
     /// Checks whether the compositor offers layers. Qt must already be connected to the compositor.
-    /// Without Wayland, there are no layers.
+    /// Without Wayland, there are no layers. If the compositor draws the frames of windows, Qt's
+    /// own frames are disabled, because Qt would load OpenGL for them, even for windows without a
+    /// frame, and more than double the program's memory.
     LayerShell();
     LayerShell(const LayerShell&) = delete;
     LayerShell& operator=(const LayerShell&) = delete;
