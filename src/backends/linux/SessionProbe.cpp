@@ -7,6 +7,7 @@
 #include "backends/linux/files/FileDescriptor.h"
 #include "backends/linux/gnome/GnomeSession.h"
 #include "backends/linux/gnome/MagnifierFilter.h"
+#include "backends/linux/gnome/MutterCalibration.h"
 #include "backends/linux/gnome/MutterDisplays.h"
 #include "backends/linux/gnome/MutterGammaOutput.h"
 #include "backends/linux/kde/KWinWorkspace.h"
@@ -98,10 +99,16 @@ void probeXwayland(SessionPorts& ports, std::unique_ptr<X11Displays> displays,
     const auto bus = sessionBus();
     auto monitors = std::make_unique<MutterDisplays>(bus, context.notificationCenter);
     if (monitors->isAvailable()) {
-        useGamma(ports,
-                 std::make_unique<MutterGammaOutput>(bus, *monitors, context.runLoop,
-                                                     context.stateFolder / "ramps"),
-                 context.wake);
+        auto ramps = std::make_unique<MutterGammaOutput>(bus, *monitors, context.runLoop,
+                                                         context.stateFolder / "ramps");
+        if (ramps->isAvailable()) {
+            useGamma(ports, std::move(ramps), context.wake);
+        } else {
+            // The second choice: the compositor of GNOME 51 crashes when a monitor that has a
+            // session is unplugged.
+            useGamma(ports, std::make_unique<MutterCalibration>(bus, *monitors, context.runLoop),
+                     context.wake);
+        }
         ports.displays = std::move(monitors);
     } else {
         ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "backends/linux/gamma/GammaRamp.h"
+#include "backends/linux/gnome/MutterDisplays.h"
+#include "base/Timer.h"
+#include "platform/GammaOutput.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <QString>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+
+namespace nocta {
+
+/// The gamma ramps of a GNOME session, through the calibration sessions that its compositor offers
+/// since GNOME 49.
+///
+/// A calibration session belongs to one monitor and one program. When it starts, the compositor
+/// loads the ramp of the monitor's color profile, which tables are laid over. While it lasts, the
+/// night light does not write. When it is stopped, and when this process dies, the compositor
+/// restores the monitor's ramp, so no helper is needed.
+///
+/// A session starts with the first tables for its monitor. If it fails, it is started again a few
+/// times, because the compositor knows the profile of a new monitor only after a moment, and ends
+/// the session when it rebuilds its list of monitors.
+///
+/// At most one call for a monitor is under way; only the newest of the tables that come meanwhile
+/// is sent then.
+class MutterCalibration final : public GammaOutput {
+public:
+    /// Waits for the compositor's answers, but not longer than one second.
+    MutterCalibration(const QDBusConnection& bus, MutterDisplays& displays, RunLoop& runLoop);
+    MutterCalibration(const MutterCalibration&) = delete;
+    MutterCalibration& operator=(const MutterCalibration&) = delete;
+    ~MutterCalibration() override;
+
+    /// Whether the main display can have a session.
+    bool isAvailable() const override { return isAvailable_; }
+    Status setDisplayTransferByTable(DisplayId display, std::span<const float> red,
+                                     std::span<const float> green,
+                                     std::span<const float> blue) override;
+    void displayRestoreColorSyncSettings() override;
+
+    /// Whether tables are being sent or wait to be sent.
+    bool isBusy() const;
+
+    /// Sends the last tables again, because they may be lost while the machine sleeps.
+    void sendAgain();
+
+private:
+    struct Monitor {
+        DisplayId display;
+        TransferTables tables{};            ///< the newest
+        bool isDue = false;                 ///< `tables` have not been sent yet
+        bool isBusy = false;                ///< a call is under way
+        int failures = 0;                   ///< since the last successful write
+        QString session{};                  ///< an object path; empty before the session starts
+        std::uint32_t size = 0;             ///< entries for each channel
+        std::optional<GammaRamp> factory{}; ///< its channels are empty without a calibration
+        Timer pause{};
+    };
+    using MonitorPointer = std::shared_ptr<Monitor>;
+    /// Takes what an answer brings. Returns false if that is of no use.
+    using Step = bool (*)(Monitor& monitor, const QDBusMessage& answer);
+
+    void probe();
+    void ask(const MonitorPointer& monitor, const QDBusMessage& question, Step take);
+    void advance(const MonitorPointer& monitor);
+    void write(const MonitorPointer& monitor);
+    void fail(const MonitorPointer& monitor);
+    void stop(const QString& session, QDBus::CallMode mode = QDBus::NoBlock);
+    void followMonitors();
+
+    QDBusConnection bus_;
+    MutterDisplays& displays_;
+    RunLoop& runLoop_;
+    bool isAvailable_ = false;
+    std::map<DisplayId, MonitorPointer> monitors_;
+    Subscription refreshed_;
+    QObject answers_; ///< the context of calls
+};
+
+} // namespace nocta

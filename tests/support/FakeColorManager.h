@@ -1,0 +1,65 @@
+#pragma once
+
+#include "support/FakeDisplayConfig.h"
+
+#include <cstdint>
+#include <functional>
+#include <gio/gio.h>
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace nocta {
+
+/// The calibration sessions of GNOME's compositor on the session bus. They change the ramp of a
+/// `FakeDisplayConfig`. A thread of the D-Bus library answers, as another process would. Tests can
+/// make it misbehave.
+class FakeColorManager {
+public:
+    FakeColorManager(const std::string& busAddress, FakeDisplayConfig& displays);
+    FakeColorManager(const FakeColorManager&) = delete;
+    FakeColorManager& operator=(const FakeColorManager&) = delete;
+    ~FakeColorManager();
+
+    struct State {
+        /// The ramp that is loaded when a session starts or is stopped, unless it is empty.
+        GammaRamp profile;
+        std::uint32_t size = 16;                     ///< of the ramps that sessions take
+        std::map<std::string, std::string> sessions; ///< connectors by path
+        std::map<std::string, std::string> errors;   ///< the names of errors, by method
+        std::map<std::string, std::string> replies;  ///< other replies than the usual, by method
+        std::set<std::string> mute;                  ///< methods that are never answered
+        std::vector<std::string> started;            ///< connectors, one for each request
+        std::map<std::string, int> calls;            ///< the number of calls of each method
+    };
+
+    /// Reads or changes the state.
+    void with(const std::function<void(State&)>& action) {
+        const std::scoped_lock lock(mutex_);
+        action(state_);
+    }
+    State state() {
+        const std::scoped_lock lock(mutex_);
+        return state_;
+    }
+    int calls(const std::string& method) { return state().calls[method]; }
+
+    /// Calls are answered only after `resume`.
+    void pause() { mutex_.lock(); }
+    void resume() { mutex_.unlock(); }
+
+private:
+    GDBusMessage* answer(GDBusMessage* call);
+    GVariant* perform(const std::string& method, const std::string& path, GVariant* arguments);
+    void load(const GammaRamp& ramp);
+
+    FakeDisplayConfig& displays_;
+    std::mutex mutex_;
+    State state_;
+    int lastSession_ = 0;
+    GDBusConnection* connection_ = nullptr;
+};
+
+} // namespace nocta
