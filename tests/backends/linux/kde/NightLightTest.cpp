@@ -7,6 +7,7 @@
 #include "support/KWin.h"
 #include "support/NoctaProcess.h"
 
+#include <QDeadlineTimer>
 #include <QLockFile>
 #include <QString>
 
@@ -67,6 +68,11 @@ protected:
                !std::filesystem::exists(notes);
     }
     static std::vector<pid_t> helpers() { return Helpers::childrenOf(getpid(), "nocta-warmth"); }
+    /// Gives the helper time for a change that it should not make.
+    static void serveBriefly() {
+        const QDeadlineTimer brief(300);
+        serveUntil([&] { return brief.hasExpired(); });
+    }
     /// Kills the only helper after it has written 3000 K and released its lock. A lock whose owner
     /// dies while taking it would stay for half a minute.
     void killHelper() {
@@ -122,6 +128,7 @@ TEST_F(NightLightTest, QuickChangesEndAtTheLast) {
         nightLight->setTemperature(kelvin);
         runLoop.advance(50ms);
     }
+    serveBriefly();
     EXPECT_TRUE(isWritten("5000"));
     runLoop.advance(999ms);
     EXPECT_TRUE(isWritten("5000"));
@@ -197,6 +204,7 @@ TEST_F(NightLightTest, WaitsForAnotherProgramThatWritesTheSettings) {
     ASSERT_TRUE(lock.lock());
     nightLight->setTemperature(3000);
     ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(notes); }));
+    serveBriefly();
     EXPECT_EQ(setting("Mode"), "Times");
     lock.unlock();
     EXPECT_TRUE(waitUntilWritten("3000"));
