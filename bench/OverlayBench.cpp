@@ -51,7 +51,8 @@ void breakStartToLastWindow(benchmark::State& state, const XServer& server) {
     QtRunLoop runLoop;
     X11Connection connection(runLoop);
     X11Displays displays(connection, runLoop, desktop.notificationCenter);
-    QtOverlayWindows windows(runLoop, displays, &connection, nullptr);
+    const LayerShell layerShell;
+    QtOverlayWindows windows(runLoop, displays, layerShell, &connection, nullptr);
     SharedInstances instances(desktop.ports);
     WidgetViews views(instances);
     BreakOverlayController overlay(instances.breakTimer(), windows, desktop.application, views,
@@ -83,7 +84,8 @@ void fadeIn(benchmark::State& state, const XServer& server) {
     XClient client;
     VirtualDesktop desktop;
     QtRunLoop runLoop;
-    QtOverlayWindows windows(runLoop, desktop.displays, nullptr, nullptr);
+    const LayerShell layerShell;
+    QtOverlayWindows windows(runLoop, desktop.displays, layerShell, nullptr, nullptr);
     SharedInstances instances(desktop.ports);
     WidgetViews views(instances);
     double seen = 0;
