@@ -213,8 +213,10 @@ private:
         {.memory = stateFolder() / "updates.json", .downloads = cacheFolder() / "updates"},
         openPackage};
     LayerShell layerShell_;
-    QtOverlayWindows overlayWindows_{runLoop_, *session_.displays, layerShell_, session_.x11.get(),
-                                     session_.typing};
+    QtOverlayWindows overlayWindows_{
+        runLoop_,        *session_.displays,
+        layerShell_,     session_.x11.get(),
+        session_.typing, [this] { return session_.workspace->mainScreenFrame(); }};
     SystemTray tray_{session_.x11.get()};
     QtStatusBar statusBar_{tray_};
     QtPopover popover_{layerShell_, session_.x11.get(), session_.seesPointer};

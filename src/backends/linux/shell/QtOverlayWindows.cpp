@@ -49,7 +49,8 @@ class QtOverlayWindows::Window final : public OverlayWindow {
 public:
     Window(QtOverlayWindows& owner, const Screen& screen, const Style& style,
            std::unique_ptr<View> content)
-        : owner_(owner), screen_(screenOf(screen.id)), content_(std::move(content)) {
+        : owner_(owner), frame_(screen.frame), screen_(screenOf(screen.id)),
+          content_(std::move(content)) {
         constexpr std::uint32_t allWorkspaces = 1;
         constexpr WindowLevel normalLevel = 0;
         Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
@@ -102,6 +103,8 @@ public:
         widget_.hide();
         owner_.windowGoes(*this);
     }
+
+    const Rect& frame() const { return frame_; }
 
     void takeKeyboard() {
         if (surface_) {
@@ -158,6 +161,7 @@ private:
     }
 
     QtOverlayWindows& owner_;
+    Rect frame_;
     QPointer<QScreen> screen_;
     double alpha_ = 0;
     QWidget widget_;
@@ -195,9 +199,10 @@ private:
 
 QtOverlayWindows::QtOverlayWindows(RunLoop& runLoop, Displays& displays,
                                    const LayerShell& layerShell, X11Connection* connection,
-                                   const Typing* typing)
+                                   const Typing* typing, FocusedScreen focusedScreen)
     : runLoop_(runLoop), displays_(displays), layerShell_(layerShell), connection_(connection),
-      typing_(typing), filter_(std::make_unique<KeyFilter>(*this)) {
+      typing_(typing), focusedScreen_(std::move(focusedScreen)),
+      filter_(std::make_unique<KeyFilter>(*this)) {
     QObject::connect(qApp, &QGuiApplication::focusWindowChanged, filter_.get(),
                      [this](const QWindow* window) { keyboardHasGoneTo(window); });
 }
@@ -234,19 +239,19 @@ QtOverlayWindows::addLocalMonitorForKeyDown(std::function<bool(const KeyDownEven
     });
 }
 
-/// The newest window gets the keyboard focus. When the first window appears, this function
-/// remembers which window of another program had the focus.
+/// When the first window appears, this function remembers which screen and which window of another
+/// program had the focus.
 void QtOverlayWindows::windowComes(Window& window) {
     std::erase(shown_, &window);
-    for (auto* const other : shown_) {
-        other->giveUpKeyboard();
-    }
     shown_.push_back(&window);
     if (shown_.size() > 1) {
         return;
     }
     shownSince_ = runLoop_.monotonicNow();
     timesTakenBack_ = 0;
+    if (focusedScreen_ && layerShell_.isAvailable()) {
+        focusedBefore_ = focusedScreen_();
+    }
     if (connection_ == nullptr) {
         return;
     }
@@ -297,10 +302,21 @@ void QtOverlayWindows::keyboardHasGoneTo(const QWindow* window) {
     }
 }
 
+/// Gives the keyboard focus to the window on the screen that had it before, because KWin may keep a
+/// focus for each screen. Without that window, the newest one gets the focus.
 void QtOverlayWindows::takeKeyboard() {
-    if (!shown_.empty()) {
-        shown_.back()->takeKeyboard();
+    if (shown_.empty()) {
+        return;
     }
+    const auto preferred = std::ranges::find_if(
+        shown_, [this](const Window* window) { return window->frame() == focusedBefore_; });
+    auto* const chosen = preferred == shown_.end() ? shown_.back() : *preferred;
+    for (auto* const window : shown_) {
+        if (window != chosen) {
+            window->giveUpKeyboard();
+        }
+    }
+    chosen->takeKeyboard();
 }
 
 /// The next window gets the keyboard focus. The last window returns the focus to the window that

@@ -25,14 +25,19 @@ namespace nocta {
 /// overlay windows appeared is discarded. Without a compositor, the windows are dark and opaque.
 ///
 /// On Wayland, if the compositor offers layers, the windows are in the topmost layer, and the
-/// compositor gives the keyboard focus to the newest one. On other compositors, each overlay window
-/// is an ordinary full-screen window.
+/// compositor gives the keyboard focus to the one on the focused screen. On other compositors, each
+/// overlay window is an ordinary full-screen window.
 class QtOverlayWindows final : public OverlayWindows {
 public:
+    /// The frame of the screen that has the keyboard focus, if it is known.
+    using FocusedScreen = std::function<std::optional<Rect>()>;
+
     /// `connection` and `typing` are null without an X server. Without `typing`, only the
-    /// auto-repeat of a held key counts as earlier typing.
+    /// auto-repeat of a held key counts as earlier typing. Without `focusedScreen`, the newest
+    /// window gets the keyboard focus.
     QtOverlayWindows(RunLoop& runLoop, Displays& displays, const LayerShell& layerShell,
-                     X11Connection* connection, const Typing* typing);
+                     X11Connection* connection, const Typing* typing,
+                     FocusedScreen focusedScreen = {});
     QtOverlayWindows(const QtOverlayWindows&) = delete;
     QtOverlayWindows& operator=(const QtOverlayWindows&) = delete;
     ~QtOverlayWindows() override;
@@ -63,9 +68,11 @@ private:
     const LayerShell& layerShell_;
     X11Connection* connection_;
     const Typing* typing_;
+    FocusedScreen focusedScreen_;
     std::vector<Window*> shown_; ///< in the order in which they were made key
     MonotonicTime shownSince_;   ///< when the first of the shown windows appeared
     int timesTakenBack_ = 0;
+    std::optional<Rect> focusedBefore_; ///< the screen
     xcb_window_t focusBefore_ = XCB_NONE;
     CallbackList<KeyPress> monitors_;
     std::unique_ptr<KeyFilter> filter_;

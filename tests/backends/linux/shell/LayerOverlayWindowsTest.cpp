@@ -111,7 +111,9 @@ private:
     PressCounter gotten_{application};
 
 protected:
-    QtOverlayWindows windows{desktop.runLoop, desktop.displays, layerShell, nullptr, nullptr};
+    std::optional<Rect> focusedScreen;
+    QtOverlayWindows windows{desktop.runLoop, desktop.displays, layerShell,
+                             nullptr,         nullptr,          [this] { return focusedScreen; }};
 
 private:
     PressCounter all_{application};
@@ -179,6 +181,20 @@ TEST_F(LayerOverlayWindowsTest, OnlyTheNewestCoverRequestsKeyboardFocus) {
     const auto covers = showAll();
     EXPECT_EQ(keyboards(), (std::vector{none, exclusive}));
     EXPECT_EQ(compositor.keyboardFocus(), 1U);
+}
+
+TEST_F(LayerOverlayWindowsTest, CoverOnTheFocusedScreenGetsKeyboardFocus) {
+    plug();
+    focusedScreen = frameOf("DP-1");
+    auto covers = showAll();
+    focusedScreen = frameOf("DP-2"); // the covers have changed the focus themselves
+    expectSoon([&](const auto&) { return keyboards() == std::vector{exclusive, none}; });
+    EXPECT_EQ(compositor.keyboardFocus(), 0U);
+    EXPECT_TRUE(press());
+    covers[0]->orderOut();
+    expectSoon([&](const auto& layers) {
+        return layers.size() == 1 && keyboards() == std::vector{exclusive};
+    });
 }
 
 TEST_F(LayerOverlayWindowsTest, AnotherCoverGetsKeyboardFocusWhenOneIsClosedOrOrderedOut) {
