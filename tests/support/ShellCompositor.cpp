@@ -74,6 +74,12 @@ std::optional<std::size_t> ShellCompositor::keyboardFocus() const {
     return index;
 }
 
+int ShellCompositor::focusGains() const {
+    int gains = 0;
+    call([&] { gains = seat_.focusGains(); });
+    return gains;
+}
+
 std::vector<std::string> ShellCompositor::violations() const {
     std::vector<std::string> violations;
     call([&] { violations = violations_; });

@@ -58,6 +58,8 @@ public:
 
     /// The surface with keyboard focus.
     std::optional<std::size_t> keyboardFocus() const;
+    /// How often a surface has gained keyboard focus.
+    int focusGains() const;
 
     /// Protocol violations by clients.
     std::vector<std::string> violations() const;

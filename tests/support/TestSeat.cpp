@@ -117,6 +117,7 @@ void TestSeat::setKeyboardFocus(wl_resource* surface) {
         wl_keyboard_send_leave(keyboard, nextSerial(keyboard), keyboardFocus_);
     });
     keyboardFocus_ = surface;
+    focusGains_ += surface == nullptr ? 0 : 1;
     toDevicesOf(surface, keyboards_, [&](wl_resource* keyboard) {
         wl_array pressed;
         wl_array_init(&pressed);

@@ -21,6 +21,8 @@ public:
     /// Gives a surface keyboard focus; null removes the focus from all surfaces.
     void setKeyboardFocus(wl_resource* surface);
     wl_resource* keyboardFocus() const { return keyboardFocus_; }
+    /// How often a surface has gained keyboard focus.
+    int focusGains() const { return focusGains_; }
 
     /// Moves the pointer to a position in a surface; null moves it out of all surfaces.
     void movePointer(wl_resource* surface, int x, int y);
@@ -39,6 +41,7 @@ private:
     Devices keyboards_;
     Devices pointers_;
     wl_resource* keyboardFocus_ = nullptr;
+    int focusGains_ = 0;
     wl_resource* pointerFocus_ = nullptr;
 };
 

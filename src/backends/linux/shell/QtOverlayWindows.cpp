@@ -9,20 +9,26 @@
 #include <QKeyEvent>
 #include <QPointer>
 #include <QScreen>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <QWidget>
 #include <QWindow>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace nocta {
 
 namespace {
 
+using namespace std::chrono_literals;
+
 /// The maximum number of times that the focus is taken back during a break. Without a limit, two
 /// programs could take the focus from each other forever.
 constexpr int maxTakenBack = 10;
+
+constexpr auto timeToGo = 100ms; // for all windows that fade out together
 
 /// The key code of a key that a monitor handles; -1 for all others.
 std::int64_t nativeKeyCode(int key) {
@@ -319,13 +325,14 @@ void QtOverlayWindows::takeKeyboard() {
     chosen->takeKeyboard();
 }
 
-/// The next window gets the keyboard focus. The last window returns the focus to the window that
-/// had it before, if that window still exists.
+/// Another window gets the keyboard focus if it does not go as well: if the focus went through the
+/// windows of all screens, KWin would lose track of the window that had it before. On X11, the last
+/// window returns the focus to that window, if it still exists.
 void QtOverlayWindows::windowGoes(Window& window) {
     if (std::erase(shown_, &window) == 0) {
         return;
     }
-    takeKeyboard();
+    QTimer::singleShot(timeToGo, filter_.get(), [this] { takeKeyboard(); });
     if (!shown_.empty() || connection_ == nullptr || focusBefore_ == XCB_NONE) {
         return;
     }

@@ -197,6 +197,18 @@ TEST_F(LayerOverlayWindowsTest, CoverOnTheFocusedScreenGetsKeyboardFocus) {
     });
 }
 
+TEST_F(LayerOverlayWindowsTest, NoCoverGetsKeyboardFocusWhileAllAreOrderedOut) {
+    plug();
+    focusedScreen = frameOf("DP-1");
+    const auto covers = showAll();
+    const auto before = compositor.focusGains();
+    for (const auto& cover : covers) {
+        cover->orderOut();
+    }
+    expectSoon([](const auto& layers) { return layers.empty(); });
+    EXPECT_EQ(compositor.focusGains(), before);
+}
+
 TEST_F(LayerOverlayWindowsTest, AnotherCoverGetsKeyboardFocusWhenOneIsClosedOrOrderedOut) {
     plug();
     auto covers = showAll();
@@ -237,7 +249,8 @@ TEST_F(LayerOverlayWindowsTest, RemovingAnOutputRemovesItsCover) {
     unplug();
     letPass(200ms);
     EXPECT_EQ(seen(), (SeenOverlays{{frameOf("DP-1"), 1}}));
-    EXPECT_TRUE(press()) << "the remaining cover should have keyboard focus";
+    EXPECT_TRUE(serveUntil([&] { return compositor.keyboardFocus() == 0U; }));
+    EXPECT_TRUE(press());
     plug();
     covers[1]->makeKeyAndOrderFront();
     covers[1]->orderOut();
@@ -256,6 +269,7 @@ TEST_F(LayerOverlayWindowsTest, OutputCanBeRemovedBeforeItsCoverIsClosed) {
     }
     expectSoon([](const auto& layers) { return layers.size() == 1; });
     EXPECT_EQ(compositor.mapped().at(0).output, "DP-1");
+    EXPECT_TRUE(serveUntil([&] { return compositor.keyboardFocus() == 0U; }));
     EXPECT_TRUE(press());
     covers[1]->orderOut();
     covers[0]->orderOut();
