@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::int64_t lowestTemperature = 1000; // kelvin
 
-/// Increases with the temperature up to the neutral one.
+/// Increases with the temperature, up to the neutral temperature.
 float coolness(const RGBMultipliers& white) {
     return (white.green + white.blue) / white.red;
 }

@@ -18,11 +18,11 @@ float clamp01(float value);
 /// Helland's fit to Mitchell Charity's black body table, with the constants in single precision.
 RGBMultipliers rgbMultipliers(std::int64_t kelvin);
 
-/// The color temperature that leaves white as it is.
+/// The color temperature that leaves white unchanged.
 inline constexpr std::int64_t neutralTemperature = 6500; // kelvin
 
-/// Returns the temperature in 1000–6500 K whose white point has the same color, no matter how
-/// bright it is. Black counts as neutral.
+/// Returns the temperature in 1000–6500 K whose white point has the same color as `white`,
+/// regardless of its brightness. Black is treated as neutral.
 std::int64_t temperatureOf(const RGBMultipliers& white);
 
 } // namespace nocta

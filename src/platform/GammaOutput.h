@@ -6,11 +6,11 @@
 
 namespace nocta {
 
-/// What happens to the colors if tables give the channels different levels.
+/// How tables that give the channels different levels are shown.
 enum class Warmth {
     byTables,     ///< the levels are shown as they are
     byNightLight, ///< the desktop's own night light shows a similar color
-    none          ///< only the highest level of all three is shown
+    none          ///< only the highest of the three levels is shown
 };
 
 /// The color transfer tables of the displays. The factory tables must be restored however the

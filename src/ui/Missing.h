@@ -16,7 +16,7 @@ QString missingForGrayscale(SharedInstances& instances);
 QString missingForLocation(SharedInstances& instances);
 QString missingForUpdates(SharedInstances& instances);
 
-/// A remark on how the displays are warmed; empty if nothing is unusual.
+/// Returns a note about how the displays are warmed; empty if they are warmed as usual.
 QString noteOnWarmth(SharedInstances& instances);
 
 } // namespace nocta

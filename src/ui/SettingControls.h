@@ -12,7 +12,7 @@ namespace nocta {
 // Functions that make the controls that several views use, each bound to its setting. The caller
 // owns the controls.
 
-/// Makes a label, the brightness as a whole percentage, and the slider below them.
+/// Makes a label and the brightness as a whole percentage, with the slider below them.
 QWidget* makeBrightnessField(SharedInstances& instances);
 
 WarmthSlider* makeWarmthSlider(SharedInstances& instances);

@@ -7,7 +7,7 @@
 namespace nocta {
 namespace {
 
-TEST(WhitePoint, TemperatureIsFoundAtEveryKelvinAndBrightness) {
+TEST(WhitePoint, TemperatureIsFoundAtEveryBrightness) {
     for (const auto brightness : {1.0F, 0.5F, 0.01F}) {
         for (std::int64_t kelvin = 1000; kelvin <= 6500; ++kelvin) {
             const auto white = rgbMultipliers(kelvin);

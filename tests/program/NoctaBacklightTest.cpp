@@ -56,7 +56,7 @@ TEST_P(NoctaBacklightTest, EveryPanelUsesItsOwnBacklight) {
         << "the backlight of a display that is off should not change";
 }
 
-TEST_P(NoctaBacklightTest, PlasmaSetsTheLevelOfTheOnlyPanel) {
+TEST_P(NoctaBacklightTest, LevelOfTheOnlyPanelIsSetThroughPlasma) {
     server.unplugSecondOutput();
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     ScreenBrightness plasma(bus);
@@ -69,7 +69,7 @@ TEST_P(NoctaBacklightTest, PlasmaSetsTheLevelOfTheOnlyPanel) {
     const auto ofDevice = sysfs.level("first");
     client.press(brightnessDownSymbol);
     EXPECT_TRUE(serveUntil([&] { return plasma.level("display0") == 4375; }));
-    EXPECT_EQ(sysfs.level("first"), ofDevice) << "only Plasma should change the device";
+    EXPECT_EQ(sysfs.level("first"), ofDevice) << "Nocta should not change the device itself";
 }
 
 } // namespace

@@ -26,7 +26,7 @@ protected:
         NoctaProcess::SetUp();
         writeFile(settings, neutralSettings("unifiedBrightness=0.5"));
         displays.with([](auto& state) { state.monitorProperties = "'is-builtin': <false>"; });
-        // Nocta then takes the server for one inside a Wayland session.
+        // This makes Nocta treat the X server as one inside a Wayland session.
         client.setOutputProperty("RANDR Emulation", {1});
     }
     void start() {
@@ -58,7 +58,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaGnomeGammaTest, ::testing::Values(XServer::Kind::xvfb),
                          serverName);
 
-TEST_P(NoctaGnomeGammaTest, RampsOfTheDisplayServiceAreTheFirstChoice) {
+TEST_P(NoctaGnomeGammaTest, RampsOfTheDisplayServiceArePreferred) {
     offerRamp();
     start();
     EXPECT_TRUE(waitForHalf()) << contentOf(output);
@@ -68,7 +68,7 @@ TEST_P(NoctaGnomeGammaTest, RampsOfTheDisplayServiceAreTheFirstChoice) {
     EXPECT_FALSE(saysUnsupported());
 }
 
-TEST_P(NoctaGnomeGammaTest, SessionsAreTheSecondChoice) {
+TEST_P(NoctaGnomeGammaTest, SessionsAreUsedIfTheDisplayServiceHasNoRamps) {
     start();
     EXPECT_TRUE(waitForHalf()) << contentOf(output);
     EXPECT_EQ(colors->state().sessions.size(), 1U);
@@ -78,7 +78,7 @@ TEST_P(NoctaGnomeGammaTest, SessionsAreTheSecondChoice) {
     EXPECT_FALSE(saysUnsupported());
 }
 
-TEST_P(NoctaGnomeGammaTest, NeitherRampsNorSessionsMeanNoGamma) {
+TEST_P(NoctaGnomeGammaTest, GammaIsUnsupportedWithoutRampsAndSessions) {
     colors.reset();
     start();
     EXPECT_TRUE(waitUntil([this] { return saysUnsupported(); })) << contentOf(output);

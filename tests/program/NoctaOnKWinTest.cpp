@@ -55,7 +55,7 @@ protected:
     }
 };
 
-TEST_F(NoctaOnKWinTest, EveryEndRestoresNightLight) {
+TEST_F(NoctaOnKWinTest, NightLightIsRestoredHoweverNoctaEnds) {
     for (const auto ending : {SIGTERM, SIGHUP, SIGKILL, SIGSEGV}) {
         startAndWaitForWarmth();
         nocta->signal(ending);
@@ -65,7 +65,7 @@ TEST_F(NoctaOnKWinTest, EveryEndRestoresNightLight) {
     EXPECT_TRUE(std::filesystem::is_symlink(home.path() + "/.config/kwinrc"));
 }
 
-TEST_F(NoctaOnKWinTest, NextStartRestoresNightLightIfTheHelperDiedToo) {
+TEST_F(NoctaOnKWinTest, NextLaunchRestoresNightLightIfTheHelperWasKilledToo) {
     startAndWaitForWarmth();
     const auto helpers = Helpers::childrenOf(nocta->id(), "nocta-warmth");
     ASSERT_EQ(helpers.size(), 1U);
@@ -73,7 +73,7 @@ TEST_F(NoctaOnKWinTest, NextStartRestoresNightLightIfTheHelperDiedToo) {
     nocta->signal(SIGKILL);
     nocta->wait();
     ::kill(helpers[0], SIGKILL);
-    EXPECT_EQ(setting("NightTemperature"), "2700") << "nothing is left to restore it";
+    EXPECT_EQ(setting("NightTemperature"), "2700") << "no process should be left to restore it";
     start("0");
     EXPECT_TRUE(waitUntil([&] { return isGivenBack(); })) << contentOf(output);
 }

@@ -165,7 +165,7 @@ TEST_F(NoctaWindowsOnWaylandTest, PopoverOpensInTheCornerAndEscapeClosesIt) {
     Panel panel(bus);
     start("breakTimerEnabled=false\n");
     ASSERT_TRUE(serveUntil([&] { return panel.hasIcon(); })) << contentOf(output);
-    constexpr int right = 1280 - 12; // in the margin of the popover
+    constexpr int right = 1280 - 12; // in the popover's margin
     constexpr int top = 50;
     const auto before = sway.colorAt(first, right, top);
     panel.click();

@@ -56,7 +56,7 @@ FakeColorManager::~FakeColorManager() {
     g_object_unref(connection_);
 }
 
-/// Returns nothing if the call is never answered.
+/// Returns null if the call should not be answered.
 GDBusMessage* FakeColorManager::answer(GDBusMessage* call) {
     const std::scoped_lock lock(mutex_);
     const std::string method = g_dbus_message_get_member(call);
@@ -85,7 +85,7 @@ GDBusMessage* FakeColorManager::answer(GDBusMessage* call) {
     return reply;
 }
 
-/// Returns nothing if the monitor already has a session, or if there is no such session.
+/// Returns null if the monitor already has a session, or if the session does not exist.
 GVariant* FakeColorManager::perform(const std::string& method, const std::string& path,
                                     GVariant* arguments) {
     if (method == "CalibrateMonitor") {

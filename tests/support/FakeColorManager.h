@@ -13,9 +13,9 @@
 
 namespace nocta {
 
-/// The calibration sessions of GNOME's compositor on the session bus. They change the ramp of a
-/// `FakeDisplayConfig`. A thread of the D-Bus library answers, as another process would. Tests can
-/// make it misbehave.
+/// Simulates the calibration sessions of GNOME's compositor on the session bus. The sessions change
+/// the ramp of a `FakeDisplayConfig`. Calls are answered on a thread of the D-Bus library, as if by
+/// another process. Tests can simulate faults.
 class FakeColorManager {
 public:
     FakeColorManager(const std::string& busAddress, FakeDisplayConfig& displays);
@@ -24,12 +24,12 @@ public:
     ~FakeColorManager();
 
     struct State {
-        /// The ramp that is loaded when a session starts or is stopped, unless it is empty.
+        /// The ramp that is loaded when a session starts or stops, unless this ramp is empty.
         GammaRamp profile;
-        std::uint32_t size = 16;                     ///< of the ramps that sessions take
+        std::uint32_t size = 16;                     ///< the size of the ramps that sessions accept
         std::map<std::string, std::string> sessions; ///< connectors by path
-        std::map<std::string, std::string> errors;   ///< the names of errors, by method
-        std::map<std::string, std::string> replies;  ///< other replies than the usual, by method
+        std::map<std::string, std::string> errors;   ///< error names by method
+        std::map<std::string, std::string> replies;  ///< replies to send instead, by method
         std::set<std::string> mute;                  ///< methods that are never answered
         std::vector<std::string> started;            ///< connectors, one for each request
         std::map<std::string, int> calls;            ///< the number of calls of each method
@@ -46,7 +46,7 @@ public:
     }
     int calls(const std::string& method) { return state().calls[method]; }
 
-    /// Calls are answered only after `resume`.
+    /// Delays all answers until `resume`.
     void pause() { mutex_.lock(); }
     void resume() { mutex_.unlock(); }
 

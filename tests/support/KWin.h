@@ -14,8 +14,8 @@
 
 namespace nocta {
 
-/// A private KWin without a screen, on the session bus of the test. It has one output of 1280 × 720
-/// points. While it exists, the environment refers to its display.
+/// A private KWin without a screen, on the test's session bus. It has one output of 1280 × 720
+/// points. While this object exists, the environment refers to KWin's display.
 class KWin {
 public:
     /// `settings` is the text of KWin's configuration file.
@@ -34,7 +34,8 @@ public:
     }
 
     void start() {
-        // A container may refuse the privileges that come with the installed file.
+        // Some containers refuse to grant the privileges of the installed file. A copy does not
+        // have them.
         const auto program = folder_.path() + "/kwin_wayland";
         std::filesystem::copy_file("/usr/bin/kwin_wayland", program,
                                    std::filesystem::copy_options::skip_existing);
@@ -62,7 +63,7 @@ public:
     std::string configFolder() const { return folder_.path() + "/.config"; }
     std::string configFile() const { return configFolder() + "/kwinrc"; }
 
-    /// The color temperature of the outputs now, in kelvin. KWin changes it gradually.
+    /// Returns the current color temperature of the outputs, in kelvin. KWin changes it gradually.
     static int temperature() {
         const auto property = [](const std::string& path, const std::string& interface) {
             return answer({"--object-path", path, "--method", "org.freedesktop.DBus.Properties.Get",
@@ -76,8 +77,8 @@ public:
         return text.starts_with(start) ? std::stoi(text.substr(start.size())) : 0;
     }
 
-    /// Runs a script inside KWin, whose `windows` are all windows. Both versions of KWin understand
-    /// `activate(window)`.
+    /// Runs a script inside KWin. In the script, `windows` contains all windows, and
+    /// `activate(window)` works in both KWin 5 and KWin 6.
     void run(const std::string& text) {
         const auto file = folder_.path() + "/" + std::to_string(++scripts_) + ".js";
         writeFile(file, "const isNew = workspace.windowActivated !== undefined;\n"
@@ -92,7 +93,7 @@ public:
         call({"start"});
     }
 
-    /// Calls a method of KWin's interface for scripts. Returns its answer.
+    /// Calls a method of KWin's scripting interface and returns the answer.
     static std::string call(std::vector<std::string> words) {
         words.at(0).insert(0, "org.kde.kwin.Scripting.");
         words.insert(words.begin(), {"--object-path", "/Scripting", "--method"});
@@ -104,7 +105,7 @@ private:
     static bool isServing() {
         return call({"isScriptLoaded", "none"}).find("false") != std::string::npos;
     }
-    /// Returns nothing after an error.
+    /// Returns an empty string after an error.
     static std::string answer(const std::vector<std::string>& words) {
         const TemporaryFolder folder;
         std::vector<std::string> command{"gdbus", "call", "--session", "--dest", "org.kde.KWin"};

@@ -18,9 +18,9 @@
 
 namespace nocta {
 
-/// Plasma's brightness service on the test's bus, with displays that the test chooses. As in
-/// Plasma, a level that is too high is limited, and a change is announced before the call is
-/// answered.
+/// Simulates Plasma's brightness service on the test's bus, with displays that the test chooses. As
+/// in Plasma, levels are limited to the display's maximum, and each change is announced before the
+/// call is answered.
 class ScreenBrightness final : public QDBusVirtualObject {
 public:
     explicit ScreenBrightness(const PrivateBus& bus)
@@ -41,14 +41,14 @@ public:
                 {"MaxBrightness", maxLevel}};
     }
 
-    std::map<QString, QVariantMap> displays; ///< by the name of their objects
+    std::map<QString, QVariantMap> displays; ///< by object name
     QVariant names;                          ///< if set, sent instead of the displays' names
     QVariant properties;                     ///< if set, sent instead of a display's properties
     QString emptyAnswers; ///< the name of a method that is answered without a value
     std::vector<int> written;
     std::vector<unsigned> flags;
     int readings = 0;
-    bool isAnswering = true; ///< otherwise calls are kept until `answerAll`
+    bool isAnswering = true; ///< if false, calls are kept until `answerAll`
 
     int level(const QString& name) { return displays[name]["Brightness"].toInt(); }
 
@@ -65,7 +65,7 @@ public:
     }
     std::size_t keptCalls() const { return kept_.size(); }
 
-    /// The user changes the level with the keys.
+    /// Changes the level as if the user had pressed the brightness keys.
     void change(const QString& name, int level) {
         displays[name]["Brightness"] = level;
         emitSignal("BrightnessChanged", {name, level, "", ""});
@@ -75,8 +75,8 @@ public:
         signal.setArguments(arguments);
         bus_.send(signal);
     }
-    /// Returns once the program has read the displays. The program starts a second reading only if
-    /// it has finished the first one.
+    /// Returns once the program has read the displays. The program starts the second reading only
+    /// after it has finished the first one.
     void announceAndWait(const QString& signal = "DisplayAdded") {
         for (int i = 0; i < 2; ++i) {
             const auto before = readings;
@@ -85,7 +85,7 @@ public:
         }
     }
 
-    /// Returns once everything that the service has sent is on its way from the bus to the program.
+    /// Returns once the bus has forwarded everything that the service has sent.
     void flush() {
         const auto bus = QStringLiteral("org.freedesktop.DBus");
         bus_.call(QDBusMessage::createMethodCall(bus, "/", bus + ".Peer", "Ping"));

@@ -58,7 +58,7 @@ public:
 
     /// The surface with keyboard focus.
     std::optional<std::size_t> keyboardFocus() const;
-    /// How often a surface has gained keyboard focus.
+    /// The number of times that a surface has gained keyboard focus.
     int focusGains() const;
 
     /// Protocol violations by clients.
@@ -75,8 +75,8 @@ public:
     void close(std::size_t surface);
 
     void press(std::uint32_t key);
-    /// Moves keyboard focus to a window of another program, which keeps it until a new surface
-    /// wants it.
+    /// Moves keyboard focus to a window of another program. That window keeps the focus until a new
+    /// surface requests it.
     void takeKeyboard();
     void movePointer(std::size_t surface, int x, int y);
     /// Moves the pointer to this position in the next surface when that surface appears.

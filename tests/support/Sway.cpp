@@ -46,7 +46,8 @@ Sway::Sway() {
             {"WLR_RENDERER", "pixman"},
             {"WLR_LIBINPUT_NO_DEVICES", "1"},
             {"GAMMA_LOG", folder + "/gamma"},
-            // A newer sway would take ramps that its outputs refuse, and show nothing more.
+            // Newer versions of sway would accept ramps that their outputs refuse, and then stop
+            // showing anything.
             {"LD_PRELOAD", canLogGamma() ? folder + "/libnocta_gamma_log.so" : ""}},
         folder + "/output");
     commands_ = folder + "/sway-ipc." + std::to_string(user) + "." +

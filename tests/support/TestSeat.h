@@ -21,7 +21,7 @@ public:
     /// Gives a surface keyboard focus; null removes the focus from all surfaces.
     void setKeyboardFocus(wl_resource* surface);
     wl_resource* keyboardFocus() const { return keyboardFocus_; }
-    /// How often a surface has gained keyboard focus.
+    /// The number of times that a surface has gained keyboard focus.
     int focusGains() const { return focusGains_; }
 
     /// Moves the pointer to a position in a surface; null moves it out of all surfaces.

@@ -26,7 +26,7 @@ struct TestSurface {
     std::uint32_t shown = 0; ///< the serial acknowledged before the latest buffer
     bool hasPicture = false;
     bool isClosed = false;
-    bool hasLostKeyboard = false; ///< for good, to a window of another program
+    bool hasLostKeyboard = false; ///< permanently, to a window of another program
 
     bool isMapped() const { return role != nullptr && !isClosed && hasPicture; }
     bool isSettled() const {

@@ -258,7 +258,7 @@ TEST_F(PopoverContentViewTest, NoteSaysHowTheDisplaysAreWarmed) {
     EXPECT_FALSE(warmth().toolTip().isEmpty());
     desktop.displays.shownWarmth = Warmth::byNightLight;
     EXPECT_EQ(note(), "Nocta warms the displays through KDE's Night Light.");
-    EXPECT_TRUE(warmth().toolTip().isEmpty()) << "nothing is missing";
+    EXPECT_TRUE(warmth().toolTip().isEmpty()) << "no feature is missing";
 }
 
 } // namespace

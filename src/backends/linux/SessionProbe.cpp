@@ -70,7 +70,8 @@ bool hasQtForWayland() {
            });
 }
 
-/// The ramps may be lost while the machine sleeps.
+/// Uses `output` for gamma. Resends its ramps after the system wakes, because they may be lost
+/// while the machine sleeps.
 template <class Output>
 void useGamma(SessionPorts& ports, std::unique_ptr<Output> output, SystemWake& wake) {
     ports.gammaAfterWake = wake.observe([gamma = output.get()] { gamma->sendAgain(); });
@@ -104,8 +105,8 @@ void probeXwayland(SessionPorts& ports, std::unique_ptr<X11Displays> displays,
         if (ramps->isAvailable()) {
             useGamma(ports, std::move(ramps), context.wake);
         } else {
-            // The second choice: the compositor of GNOME 51 crashes when a monitor that has a
-            // session is unplugged.
+            // Ramps are preferred, because the compositor of GNOME 51 crashes when a monitor that
+            // has a calibration session is unplugged.
             useGamma(ports, std::make_unique<MutterCalibration>(bus, *monitors, context.runLoop),
                      context.wake);
         }
@@ -134,7 +135,8 @@ SessionPorts probeX11(const SessionContext& context) {
     return ports;
 }
 
-/// KDE's compositor has no gamma control, but its Night Light warms what a layer dims.
+/// KDE's compositor has no gamma control; there, a layer dims the displays, and KDE's Night Light
+/// warms them.
 void probeWaylandGamma(SessionPorts& ports, WaylandDisplays& displays,
                        const SessionContext& context) {
     auto gamma = std::make_unique<WlrGammaOutput>(*ports.wayland, displays, context.runLoop);
@@ -172,7 +174,7 @@ SessionPorts probeWayland(const SessionContext& context) {
                                                          context.shouldReduceMotion);
     if (toplevels->isAvailable()) {
         ports.workspace = std::move(toplevels);
-    } else { // without KWin either, this reports no applications
+    } else { // without KWin, this reports no applications
         ports.workspace = std::make_unique<KWinWorkspace>(
             *displays, context.stateFolder / "kwin.js", context.shouldReduceMotion);
     }

@@ -22,7 +22,7 @@ struct GammaRamp {
     bool isCalibration() const;
 };
 
-/// The transfer tables of a display: red, green and blue.
+/// A display's transfer tables for red, green and blue.
 using TransferTables = std::array<std::vector<float>, 3>;
 
 TransferTables copyOf(std::span<const float> red, std::span<const float> green,
@@ -35,8 +35,8 @@ TransferTables copyOf(std::span<const float> red, std::span<const float> green,
 std::vector<std::uint16_t> laidOver(std::span<const float> table,
                                     std::span<const std::uint16_t> calibration, std::size_t size);
 
-/// Lays tables over a factory ramp. The result has the size of the factory ramp, whose levels count
-/// only if it is a calibration.
+/// Lays tables over a factory ramp. The result has the same size as the factory ramp. The levels of
+/// the factory ramp are used only if it is a calibration.
 GammaRamp laidOver(const TransferTables& tables, const GammaRamp& factory, bool isCalibration);
 
 } // namespace nocta

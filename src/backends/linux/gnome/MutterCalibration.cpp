@@ -23,8 +23,8 @@ using namespace std::chrono_literals;
 const auto service = QStringLiteral("org.gnome.Mutter.ColorManager");
 const auto sessionInterface = QStringLiteral("org.gnome.Mutter.ColorManager.Calibration");
 constexpr int maxWait = 500;        // milliseconds, for one answer
-constexpr int answerTimeout = 2000; // milliseconds, while nothing waits
-constexpr auto pauseStep = 500ms;   // no pause after the first failure
+constexpr int answerTimeout = 2000; // milliseconds, for calls that do not block
+constexpr auto pauseStep = 500ms;   // there is no pause after the first failure
 constexpr int maxFailures = 3;
 constexpr std::uint32_t maxSize = 65536; // entries for each channel
 
@@ -44,7 +44,8 @@ QDBusMessage startCall(const std::string& connector) {
                       {QString::fromStdString(connector)});
 }
 
-/// The session that an answer to `startCall` names. Empty if the session was refused.
+/// Returns the path of the session in an answer to `startCall`, or an empty string if the
+/// compositor refused the session.
 QString sessionIn(const QDBusMessage& answer) {
     return answer.signature() == QStringLiteral("o")
                ? answer.arguments().at(0).value<QDBusObjectPath>().path()
@@ -56,7 +57,7 @@ QDBusMessage sizeCall(const QString& session) {
                       {sessionInterface, QStringLiteral("GammaLutSize")});
 }
 
-/// The size that an answer to `sizeCall` contains; 0 if it cannot be used.
+/// Returns the size in an answer to `sizeCall`, or 0 if the size cannot be used.
 std::uint32_t sizeIn(const QDBusMessage& answer) {
     const auto value = answer.signature() == QStringLiteral("v")
                            ? answer.arguments().at(0).value<QDBusVariant>().variant()
@@ -64,7 +65,8 @@ std::uint32_t sizeIn(const QDBusMessage& answer) {
     return value.typeId() == QMetaType::UInt && value.toUInt() <= maxSize ? value.toUInt() : 0;
 }
 
-/// A ramp that tables are laid over. All channels are empty if the answer is not a calibration.
+/// Returns the ramp in an answer; tables are laid over this ramp. All channels are empty if the
+/// answer does not contain a calibration.
 GammaRamp rampIn(const QDBusMessage& answer) {
     if (answer.signature() != QStringLiteral("aqaqaq")) {
         return {};
@@ -90,8 +92,8 @@ MutterCalibration::~MutterCalibration() {
     MutterCalibration::displayRestoreColorSyncSettings();
 }
 
-/// Starts a session for the main display and stops it. Monitors without hardware gamma have none,
-/// or one whose ramps are empty.
+/// Checks availability by starting and stopping a session for the main display. A monitor without
+/// hardware gamma has no session, or a session whose ramps are empty.
 void MutterCalibration::probe() {
     for (const auto id : displays_.ids()) {
         if (displays_.displayIsMain(id)) {
@@ -141,8 +143,9 @@ void MutterCalibration::sendAgain() {
     }
 }
 
-/// After the monitors have changed, forgets those that are gone, and sends tables to the others.
-/// The compositor has ended the sessions whose monitors it has rebuilt; the write fails then.
+/// Called after the monitors have changed. Forgets the monitors that are gone, and resends the
+/// tables to the others. If the compositor has rebuilt a monitor, it has also ended that monitor's
+/// session, so the write fails.
 void MutterCalibration::followMonitors() {
     std::erase_if(monitors_, [this](const auto& entry) {
         const auto isGone = displays_.outputName(entry.first).empty();
@@ -152,7 +155,8 @@ void MutterCalibration::followMonitors() {
     sendAgain();
 }
 
-/// If nobody waits for the answer any more, a session that it brings is stopped.
+/// Sends `question` and passes the answer to `take`. If the monitor is no longer in use when the
+/// answer arrives, stops the session that the answer names, if any.
 void MutterCalibration::ask(const MonitorPointer& monitor, const QDBusMessage& question,
                             Step take) {
     monitor->isBusy = true;
@@ -170,8 +174,8 @@ void MutterCalibration::ask(const MonitorPointer& monitor, const QDBusMessage& q
 }
 
 /// Performs the next step toward showing the newest tables. The ramp that the compositor has loaded
-/// is read only in a monitor's first session: without a profile for the monitor, it would be our
-/// own later.
+/// is read only in a monitor's first session. In later sessions, if the monitor has no profile,
+/// that ramp would be our own.
 void MutterCalibration::advance(const MonitorPointer& monitor) {
     if (!monitor->isDue || monitor->isBusy || monitor->pause.isValid()) {
         return;
@@ -219,21 +223,23 @@ void MutterCalibration::write(const MonitorPointer& monitor) {
         });
 }
 
-/// Starts another session, after pauses that grow. Gives the monitor up in the end.
+/// Starts another session, after pauses of increasing length. Gives up on the monitor after too
+/// many failures.
 void MutterCalibration::fail(const MonitorPointer& monitor) {
     stop(std::exchange(monitor->session, {}));
     monitor->size = 0;
     monitor->isDue = ++monitor->failures <= maxFailures;
     if (!monitor->isDue) {
-        std::cerr << "nocta: the compositor refuses the ramps of "
-                  << displays_.outputName(monitor->display) << "; it is not dimmed" << std::endl;
+        std::cerr << "nocta: the compositor rejects the gamma ramps for "
+                  << displays_.outputName(monitor->display) << "; that display is not dimmed"
+                  << std::endl;
         return;
     }
     monitor->pause.start(runLoop_, pauseStep * (monitor->failures - 1), Repeat::no,
                          [this, waiting = std::weak_ptr(monitor)] { advance(waiting.lock()); });
 }
 
-/// Does nothing if there is no session.
+/// Stops a session. Does nothing if `session` is empty.
 void MutterCalibration::stop(const QString& session, QDBus::CallMode mode) {
     if (!session.isEmpty()) {
         bus_.call(methodCall(session, sessionInterface, "Stop"), mode, maxWait);

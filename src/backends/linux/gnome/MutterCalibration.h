@@ -17,23 +17,23 @@
 
 namespace nocta {
 
-/// The gamma ramps of a GNOME session, through the calibration sessions that its compositor offers
-/// since GNOME 49.
+/// Sets the gamma ramps of a GNOME session through the calibration sessions that its compositor has
+/// offered since GNOME 49.
 ///
-/// A calibration session belongs to one monitor and one program. When it starts, the compositor
-/// loads the ramp of the monitor's color profile, which tables are laid over. While it lasts, the
-/// night light does not write. When it is stopped, and when this process dies, the compositor
-/// restores the monitor's ramp, so no helper is needed.
+/// A calibration session belongs to one monitor and one program. When the session starts, the
+/// compositor loads the ramp of the monitor's color profile; the tables are laid over that ramp.
+/// During the session, the night light does not write ramps. When the session is stopped or this
+/// process dies, the compositor restores the monitor's ramp, so no helper is needed.
 ///
-/// A session starts with the first tables for its monitor. If it fails, it is started again a few
-/// times, because the compositor knows the profile of a new monitor only after a moment, and ends
-/// the session when it rebuilds its list of monitors.
+/// A session starts when tables are first set for its monitor. If the session fails, it is
+/// restarted a few times, because the compositor takes a moment to find the profile of a new
+/// monitor, and ends the session when it rebuilds its list of monitors.
 ///
-/// At most one call for a monitor is under way; only the newest of the tables that come meanwhile
-/// is sent then.
+/// At most one call is pending for each monitor. Of the tables that are set in the meantime, only
+/// the newest are sent afterward.
 class MutterCalibration final : public GammaOutput {
 public:
-    /// Waits for the compositor's answers, but not longer than one second.
+    /// Waits for the compositor's answers, but no longer than one second.
     MutterCalibration(const QDBusConnection& bus, MutterDisplays& displays, RunLoop& runLoop);
     MutterCalibration(const MutterCalibration&) = delete;
     MutterCalibration& operator=(const MutterCalibration&) = delete;
@@ -46,10 +46,10 @@ public:
                                      std::span<const float> blue) override;
     void displayRestoreColorSyncSettings() override;
 
-    /// Whether tables are being sent or wait to be sent.
+    /// Whether tables are being sent or are waiting to be sent.
     bool isBusy() const;
 
-    /// Sends the last tables again, because they may be lost while the machine sleeps.
+    /// Resends the latest tables, which may be lost while the machine sleeps.
     void sendAgain();
 
 private:
@@ -57,15 +57,15 @@ private:
         DisplayId display;
         TransferTables tables{};            ///< the newest
         bool isDue = false;                 ///< `tables` have not been sent yet
-        bool isBusy = false;                ///< a call is under way
+        bool isBusy = false;                ///< a call is pending
         int failures = 0;                   ///< since the last successful write
         QString session{};                  ///< an object path; empty before the session starts
         std::uint32_t size = 0;             ///< entries for each channel
-        std::optional<GammaRamp> factory{}; ///< its channels are empty without a calibration
+        std::optional<GammaRamp> factory{}; ///< empty channels if there is no calibration
         Timer pause{};
     };
     using MonitorPointer = std::shared_ptr<Monitor>;
-    /// Takes what an answer brings. Returns false if that is of no use.
+    /// Stores the contents of an answer. Returns false if they cannot be used.
     using Step = bool (*)(Monitor& monitor, const QDBusMessage& answer);
 
     void probe();
@@ -82,7 +82,7 @@ private:
     bool isAvailable_ = false;
     std::map<DisplayId, MonitorPointer> monitors_;
     Subscription refreshed_;
-    QObject answers_; ///< the context of calls
+    QObject answers_; ///< the context of the callbacks
 };
 
 } // namespace nocta

@@ -13,7 +13,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(start, text.find_last_not_of(space) + 1 - start);
 }
 
-/// Returns nothing if the line is not an entry with this key.
+/// Returns nullopt if the line is not an entry with this key.
 std::optional<std::string_view> valueIn(std::string_view line, std::string_view key) {
     const auto equals = line.find('=');
     return equals != std::string_view::npos && trimmed(line.substr(0, equals)) == key
@@ -32,7 +32,7 @@ ConfigGroup::ConfigGroup(std::string_view text, std::string_view name)
     }
 }
 
-/// Whether each line is inside the group. Headers are not.
+/// Returns, for each line, whether it is inside the group. Headers are not inside.
 std::vector<bool> ConfigGroup::membership() const {
     std::vector<bool> membership;
     auto isInside = false;

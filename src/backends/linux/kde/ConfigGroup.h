@@ -8,16 +8,16 @@
 namespace nocta {
 
 /// One group of entries in the text of a KDE configuration file. A value is the raw text after the
-/// equals sign. Everything that is not changed stays as it is, including groups and escapes that
-/// GLib's key files and Qt's settings cannot read. If a key appears more than once, the last entry
-/// counts, as it does for KDE.
+/// equals sign. All other text is preserved, including groups and escapes that GLib's key files and
+/// Qt's settings cannot read. If a key appears more than once, the last entry is used, as in KDE.
 class ConfigGroup {
 public:
     ConfigGroup(std::string_view text, std::string_view name);
 
     std::optional<std::string> value(std::string_view key) const;
 
-    /// Without a value, removes the key, and the group's header if no line of the group is left.
+    /// If `value` is nullopt, removes the key, and also the group's header if the group has no
+    /// lines left.
     void set(std::string_view key, const std::optional<std::string>& value);
 
     std::string text() const;

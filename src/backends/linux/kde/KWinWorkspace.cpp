@@ -27,9 +27,10 @@ const auto reportInterface = QStringLiteral("nocta.Windows");
 constexpr qsizetype maxReportSize = 1 << 20; // characters
 
 /// Reports the application in front, the screen of its window, and the sizes of all windows on the
-/// current desktop. KWin 6 has renamed most of what this uses. Wallpapers, panels and layers, which
-/// are not in the taskbar, do not count. The timer waits for the end of the turn, because no window
-/// is active between two windows.
+/// current desktop. KWin 6 renamed most of the signals, functions and properties that the script
+/// uses. Wallpapers, panels and layers are not in the taskbar, and are ignored. The timer delays
+/// the report until the current event has been processed, because no window is active for a moment
+/// when the user switches windows.
 constexpr auto script = R"(
 const isNew = workspace.windowActivated !== undefined;
 const changes = isNew
@@ -84,7 +85,7 @@ bool writeScript(const std::filesystem::path& file, const QString& receiver) {
     return output.good();
 }
 
-/// The names are those of the desktop file and the window class, and the title.
+/// `names` contains the name of the desktop file, the window class and the title.
 std::optional<RunningApplication> applicationOf(const std::array<std::string, 3>& names) {
     const auto& [desktopFile, windowClass, title] = names;
     const RunningApplication application{
@@ -96,7 +97,7 @@ std::optional<RunningApplication> applicationOf(const std::array<std::string, 3>
 
 } // namespace
 
-/// The object on the bus that the script calls.
+/// The D-Bus object that the script calls.
 class KWinWorkspace::Receiver final : public QDBusVirtualObject {
 public:
     explicit Receiver(KWinWorkspace& workspace) : workspace_(workspace) {}
@@ -168,9 +169,9 @@ void KWinWorkspace::follow(const QDBusConnection& bus) {
     });
 }
 
-/// Loads the script into the KWin with this unique name. A Nocta that was killed may have left a
-/// script there. KWin removes a script only after it has answered, so each call waits for the
-/// answer to the previous one.
+/// Loads the script into the KWin process with this unique name. If Nocta was killed earlier, its
+/// script may still be loaded there. KWin removes a script only after it has answered the call, so
+/// each call is made only after the previous one has been answered.
 void KWinWorkspace::load(const QString& owner) {
     owner_ = owner;
     take({});
@@ -203,7 +204,7 @@ QDBusMessage KWinWorkspace::message(const char* method, const QVariantList& argu
 
 void KWinWorkspace::receive(const QDBusMessage& message) {
     if (message.service() != owner_ || message.signature() != QStringLiteral("s")) {
-        return; // any program of the session can call us
+        return; // any program in the session can call us
     }
     if (auto report = parse(message.arguments().constFirst().toString())) {
         take(std::move(*report));
@@ -235,7 +236,7 @@ std::optional<KWinWorkspace::Report> KWinWorkspace::parse(const QString& text) {
     }
 }
 
-/// Announces the application in front if it is another one.
+/// Stores the report. Notifies the observers if the application in front has changed.
 void KWinWorkspace::take(Report report) {
     const auto isSame = isSameApplication(report.frontmost, report_.frontmost);
     report_ = std::move(report);

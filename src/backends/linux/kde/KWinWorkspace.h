@@ -19,12 +19,12 @@
 namespace nocta {
 
 /// The applications on KDE's compositor, KWin. A script that runs inside KWin reports them over the
-/// session bus whenever a window is activated. The windows and the main screen are known as of the
-/// last report. Without KWin, nothing is ever reported. No call waits for KWin, and a KWin that
-/// starts later, or again, gets the script too.
+/// session bus whenever a window is activated, added or removed. The windows and the main screen
+/// are those in the latest report. Without KWin, there are no reports. No call waits for KWin. If
+/// KWin starts later or restarts, the script is loaded then.
 class KWinWorkspace final : public Workspace {
 public:
-    /// The script is kept in `scriptFile`, because KWin loads scripts from files.
+    /// Writes the script to `scriptFile`, because KWin loads scripts from files.
     KWinWorkspace(SessionDisplays& displays, std::filesystem::path scriptFile,
                   std::function<bool()> shouldReduceMotion);
     KWinWorkspace(const KWinWorkspace&) = delete;

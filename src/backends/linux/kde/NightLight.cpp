@@ -22,10 +22,10 @@ constexpr auto programName = "nocta-warmth";
 constexpr auto endTimeout = 2s; // restoring takes a few milliseconds
 constexpr auto minPause = 2s;   // KWin needs this long to reach a temperature
 constexpr int maxReplacements = 3;
-constexpr std::int64_t largestIgnoredStep = 50; // kelvin; KWin ignores smaller differences
+constexpr std::int64_t largestIgnoredStep = 50; // kelvin; KWin ignores small differences
 constexpr int timeoutAtStart = 500;             // milliseconds
 
-/// Whether KWin's service, which version 6 has renamed, can change temperatures.
+/// Returns whether KWin can change the color temperature. KWin 6 renamed the service.
 bool canChangeTemperature(const QDBusConnection& bus) {
     const std::array<std::pair<QString, QString>, 2> services = {
         {{QStringLiteral("/org/kde/KWin/NightLight"), QStringLiteral("org.kde.KWin.NightLight")},
@@ -48,7 +48,7 @@ NightLight::NightLight(const QDBusConnection& bus, RunLoop& runLoop, std::filesy
     : runLoop_(runLoop), notes_(std::move(notes)), isAvailable_(canChangeTemperature(bus)) {
     std::error_code error;
     if (std::filesystem::exists(notes_, error) && start()) {
-        helper_.endInput(); // restores what an earlier helper has left
+        helper_.endInput(); // restores the settings that an earlier helper has changed
         isEnding_ = true;
     }
 }
@@ -78,15 +78,15 @@ void NightLight::restore() {
     if (helper_.isRunning()) {
         helper_.endInput();
         if (!helper_.waitForEnd(endTimeout)) {
-            helper_.release(); // it restores the settings later
+            helper_.release(); // the helper restores the settings later
         }
     }
 }
 
-/// Performs the next step toward what is wanted.
+/// Performs the next step toward the requested temperature.
 void NightLight::send() {
     if (wanted_ == sent_ || isEnding_) {
-        return; // the end of the helper calls this again
+        return; // `receive` calls this again when the helper has exited
     }
     if (!wanted_) {
         helper_.endInput();

@@ -13,14 +13,15 @@
 
 namespace nocta {
 
-/// Warms the screen through KDE's Night Light, which KWin keeps at one temperature meanwhile. A
-/// helper process, `nocta-warmth`, takes care of the user's own settings: it notes them,
-/// changes them, and restores them on request or when this process dies. While no warmth is wanted,
-/// the user's own settings are in effect.
+/// Warms the screen through KDE's Night Light, by making KWin show a constant temperature. A helper
+/// process, `nocta-warmth`, saves the user's own settings, changes them, and restores them on
+/// request or when this process dies. While no warmth is requested, the user's own settings are in
+/// effect.
 class NightLight {
 public:
-    /// The helper keeps its notes in the file `notes`. Waits for KWin's answer, but not longer than
-    /// half a second for each of the names that its service has had.
+    /// The helper saves the user's settings in the file `notes`. The constructor waits for KWin's
+    /// answer, but no longer than half a second for each of the two names that KWin's service has
+    /// had.
     NightLight(const QDBusConnection& bus, RunLoop& runLoop, std::filesystem::path notes);
     NightLight(const NightLight&) = delete;
     NightLight& operator=(const NightLight&) = delete;
@@ -29,11 +30,12 @@ public:
     /// Whether KWin can change the color temperature of the displays.
     bool isAvailable() const { return isAvailable_; }
 
-    /// Shows a temperature in kelvin. The neutral temperature restores the user's settings. Changes
-    /// that follow each other quickly are shown with pauses, the last one always.
+    /// Shows a temperature in kelvin. The neutral temperature restores the user's settings. If the
+    /// temperature changes quickly, some of the values are skipped, but the last one is always
+    /// shown.
     void setTemperature(std::int64_t kelvin);
 
-    /// Restores the user's settings at once.
+    /// Restores the user's settings immediately.
     void restore();
 
 private:
@@ -45,9 +47,9 @@ private:
     RunLoop& runLoop_;
     std::filesystem::path notes_;
     bool isAvailable_;
-    std::optional<NightLightTemperature> wanted_; ///< nothing for the user's own settings
-    std::optional<NightLightTemperature> sent_;   ///< to the running helper
-    bool isEnding_ = false;                       ///< the helper has been asked to restore
+    std::optional<NightLightTemperature> wanted_; ///< nullopt for the user's own settings
+    std::optional<NightLightTemperature> sent_;   ///< last sent to the running helper
+    bool isEnding_ = false;                       ///< the helper was asked to restore the settings
     int replacements_ = 0;
     bool hasComplained_ = false;
     HelperProcess helper_;

@@ -9,9 +9,9 @@
 
 namespace nocta {
 
-/// Shows tables on KDE, whose compositor lets no program set them. The layers of `TintGammaOutput`
-/// dim the displays, and Night Light warms them. Night Light has one temperature for all displays,
-/// which is that of the last tables.
+/// Shows tables on KDE, whose compositor does not let programs set them. The layers of
+/// `TintGammaOutput` dim the displays, and Night Light warms them. Night Light uses one temperature
+/// for all displays: the temperature of the latest tables.
 class NightLightGammaOutput final : public GammaOutput {
 public:
     NightLightGammaOutput(std::unique_ptr<TintGammaOutput> tint,

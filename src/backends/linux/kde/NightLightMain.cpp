@@ -1,7 +1,8 @@
-// nocta-warmth: lets KDE's Night Light show the temperatures that Nocta wants, until Nocta
-// closes its side or dies. KWin keeps its settings no matter what happens to the program that
-// changed them. See `NightLightProtocol.h` for the messages and arguments. If the notes exist at
-// the start, an earlier helper was killed, and the settings in the notes are restored first.
+// nocta-warmth: makes KDE's Night Light show the temperatures that Nocta sends, until Nocta closes
+// its end of the socket or dies. A separate program is needed because KWin keeps the changed
+// settings even if the program that changed them dies. See `NightLightProtocol.h` for the messages
+// and arguments. If the notes file exists at startup, an earlier helper was killed, and the
+// settings in that file are restored first.
 
 #include "backends/linux/files/FileContent.h"
 #include "backends/linux/files/FileLock.h"
@@ -36,7 +37,7 @@ using namespace std::chrono_literals;
 
 constexpr std::size_t maxFileSize = 1 << 24; // bytes
 constexpr auto lockTimeout = 5s;
-/// In milliseconds. A lock whose owner died while taking it is ignored after 30 s.
+/// In milliseconds. If the owner of the lock died while taking it, Qt ignores the lock after 30 s.
 constexpr int configLockTimeout = 40000;
 
 constexpr auto group = "NightColor";
@@ -51,14 +52,14 @@ std::string configFile() {
            "/kwinrc";
 }
 
-/// Returns an empty group if the file is missing, and nothing if it cannot be read.
+/// Returns an empty group if the file is missing, and nullopt if the file cannot be read.
 std::optional<ConfigGroup> readGroup(const std::string& file) {
     std::string text;
     const auto error = readFile(file, maxFileSize, text);
     return error == 0 || error == ENOENT ? std::optional(ConfigGroup(text, group)) : std::nullopt;
 }
 
-/// Replaces the file as a whole. Follows a link.
+/// Replaces the whole file. If the file is a symbolic link, replaces its target.
 bool save(const std::string& file, const ConfigGroup& settings) {
     QSaveFile output(QString::fromStdString(file));
     const auto text = QByteArray::fromStdString(settings.text());
@@ -66,7 +67,7 @@ bool save(const std::string& file, const ConfigGroup& settings) {
            output.commit();
 }
 
-/// Tells KWin to read its settings again. Returns once the bus has received the signal.
+/// Tells KWin to reread its settings. Returns once the bus has received the signal.
 void notifyKWin() {
     const auto bus = QDBusConnection::sessionBus();
     auto signal = QDBusMessage::createSignal(QStringLiteral("/kwinrc"),
@@ -80,12 +81,13 @@ void notifyKWin() {
                                             QStringLiteral("GetId")));
 }
 
-/// Changes KWin's settings. Other programs wait, and no change of theirs is lost. Returns false if
-/// the settings cannot be locked, read or written.
+/// Changes KWin's settings while holding their lock, so that no change made by another program is
+/// lost. Returns false if the settings cannot be locked, read or written.
 template <class Change>
 bool changeSettings(const Change& change) {
     const auto file = configFile();
-    QLockFile lock(QString::fromStdString(file) + QStringLiteral(".lock")); // as KDE's programs do
+    // KDE's programs use the same lock.
+    QLockFile lock(QString::fromStdString(file) + QStringLiteral(".lock"));
     if (!lock.tryLock(configLockTimeout)) {
         return false;
     }
@@ -104,7 +106,7 @@ void copy(const char* key, const ConfigGroup& from, ConfigGroup& to) {
     to.set(key, from.value(key));
 }
 
-/// Notes the user's settings unless the notes exist already.
+/// Saves the user's settings in the notes file, unless that file already exists.
 bool note(const std::string& notesFile) {
     if (std::filesystem::exists(notesFile)) {
         return true;
@@ -125,7 +127,8 @@ bool show(NightLightTemperature kelvin) {
     });
 }
 
-/// Restores the settings in the notes. Settings that the user has changed meanwhile stay.
+/// Restores the settings in the notes file. Keeps settings that the user has changed in the
+/// meantime.
 void restore(const std::string& notesFile) {
     if (!std::filesystem::exists(notesFile)) {
         return;
@@ -153,7 +156,7 @@ std::optional<NightLightTemperature> readTemperature() {
 
 void answer(bool isDone) {
     const auto byte = isDone ? NightLightAnswer::done : NightLightAnswer::failed;
-    // If Nocta is gone, the next temperature will be missing too.
+    // The result does not matter: if Nocta is gone, reading the next temperature fails too.
     [[maybe_unused]] const auto size = write(STDOUT_FILENO, &byte, 1);
 }
 

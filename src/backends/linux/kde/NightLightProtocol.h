@@ -4,16 +4,16 @@
 
 namespace nocta {
 
-// The messages between Nocta and `nocta-warmth`, over a stream socket that the helper gets as
-// its standard input and output. The helper's argument is the file for its notes. Nocta sends
-// temperatures, which the helper answers with one `NightLightAnswer` each. When Nocta closes its
-// side or dies, the helper restores the user's settings, removes the notes and exits.
+// Nocta and `nocta-warmth` exchange messages over a stream socket, which is the helper's standard
+// input and output. The helper's argument is the path of its notes file. Nocta sends temperatures,
+// and the helper answers each of them with one `NightLightAnswer`. When Nocta closes its end of the
+// socket or dies, the helper restores the user's settings, removes the notes file and exits.
 
 using NightLightTemperature = std::uint16_t; ///< kelvin
 
 enum class NightLightAnswer : char {
     done = 'd',
-    failed = 'f', ///< the settings cannot be noted or changed
+    failed = 'f', ///< the settings cannot be saved or changed
 };
 
 } // namespace nocta

@@ -31,7 +31,7 @@ QDBusMessage callTo(const QString& object, const QString& ofInterface, const QSt
     return call;
 }
 
-/// Returns -1 if the value has another type.
+/// Returns -1 if the value is not an `int`.
 int integerOf(const QVariant& value) {
     return value.typeId() == QMetaType::Int ? value.toInt() : -1;
 }
@@ -64,7 +64,7 @@ Status ScreenBrightnessBacklight::setBrightness(DisplayId display, float level) 
     if (!isOnlyBuiltIn(display)) {
         return fallback_.setBrightness(display, level);
     }
-    unsent_ = level; // until the service answers, it does not know of this level
+    unsent_ = level; // sent to the service later if it has not answered yet
     if (!panel_) {
         return fallback_.setBrightness(display, level);
     }
@@ -92,14 +92,14 @@ void ScreenBrightnessBacklight::follow(QDBusConnection bus) {
     restart();
 }
 
-/// Starts over, without the answers of the process that has provided the service until now.
+/// Starts over, and ignores late answers from the previous service process.
 void ScreenBrightnessBacklight::restart() {
     answers_ = std::make_unique<QObject>();
     panel_.reset();
     readNames();
 }
 
-/// Sends the next message, unless an answer is still expected.
+/// Sends the next message, unless an answer is still pending.
 void ScreenBrightnessBacklight::proceed() {
     if (isWaiting_) {
         return;
@@ -114,7 +114,7 @@ void ScreenBrightnessBacklight::proceed() {
 }
 
 void ScreenBrightnessBacklight::write(float level) {
-    // On a display with few levels, a low level must not be rounded to the lowest one.
+    // On a display with few levels, a low level must not be rounded down to 0.
     const auto lowest = level > 0 ? 1 : 0;
     panel_->level =
         std::max(static_cast<int>(std::lround(double{level} * panel_->maxLevel)), lowest);

@@ -18,15 +18,16 @@
 
 namespace nocta {
 
-/// The backlight of the built-in display through `org.kde.ScreenBrightness` on the session bus,
-/// which KDE Plasma offers since 6.2. Plasma remembers the level, so a level that was written past
-/// it would be lost when Plasma next writes its own.
+/// Sets the backlight of the built-in display through `org.kde.ScreenBrightness` on the session
+/// bus, which KDE Plasma has offered since version 6.2. Plasma remembers the level, so a level that
+/// was written without Plasma would be lost the next time Plasma writes its own.
 ///
-/// The service gives its displays labels for people, not the names of connectors. So it is used
-/// only while it has exactly one internal display and Nocta has exactly one built-in display. In
-/// every other case, and while the service is missing or has not answered yet, `fallback` is used.
+/// The service identifies its displays by human-readable labels, not by connector names. So the
+/// service is used only while it has exactly one internal display and Nocta has exactly one
+/// built-in display. In all other cases, and while the service is missing or has not answered yet,
+/// `fallback` is used.
 ///
-/// No call waits for the service. Only one message is on its way at a time, so an answer is never
+/// No call waits for the service. Only one message is pending at a time, so an answer is never
 /// older than the last level that was sent.
 class ScreenBrightnessBacklight final : public Backlight {
 public:
@@ -38,10 +39,10 @@ public:
     Status setBrightness(DisplayId display, float level) override;
 
 private:
-    /// An internal display of the service.
+    /// An internal display, as reported by the service.
     struct Panel {
         QString path;
-        int level = 0; ///< from 0, which is dim but not dark, to `maxLevel`
+        int level = 0; ///< from 0 (dim, but not dark) to `maxLevel`
         int maxLevel = 0;
     };
 
@@ -59,11 +60,11 @@ private:
     Backlight& fallback_;
     std::optional<Panel> panel_;       ///< the only internal display of the service
     std::optional<float> unsent_;      ///< the newest level, until it is sent to the service
-    bool isWaiting_ = false;           ///< for an answer
-    bool isStale_ = false;             ///< something has changed since the last question
-    QStringList unread_;               ///< the names of the displays that are still to be read
+    bool isWaiting_ = false;           ///< an answer is pending
+    bool isStale_ = false;             ///< the displays have changed since the last reading
+    QStringList unread_;               ///< the names of the displays that have not been read yet
     std::vector<Panel> internal_;      ///< the internal displays among those that have been read
-    std::unique_ptr<QObject> answers_; ///< the context of the answers that count
+    std::unique_ptr<QObject> answers_; ///< the context of the callbacks; replaced on restart
     QDBusServiceWatcher service_;
     BusSignal changes_;
     Subscription sessionBus_;

@@ -19,7 +19,7 @@ namespace nocta {
 /// service is not contacted until there is a grant or a request.
 class GeoClueLocationManager final : public LocationManager {
 public:
-    /// `grantFile` exists while the user's last answer was yes.
+    /// `grantFile` exists only if the user's last answer was yes.
     GeoClueLocationManager(RunLoop& runLoop, std::filesystem::path grantFile);
     GeoClueLocationManager(const GeoClueLocationManager&) = delete;
     GeoClueLocationManager& operator=(const GeoClueLocationManager&) = delete;

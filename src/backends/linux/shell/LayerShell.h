@@ -24,9 +24,9 @@ public:
     static void prepare();
 
     /// Checks whether the compositor offers layers. Qt must already be connected to the compositor.
-    /// Without Wayland, there are no layers. If the compositor draws the frames of windows, Qt's
-    /// own frames are disabled, because Qt would load OpenGL for them, even for windows without a
-    /// frame, and more than double the program's memory.
+    /// Without Wayland, there are no layers. If the compositor draws window frames, also disables
+    /// Qt's own frames: Qt would load OpenGL for them, even for windows without a frame, which
+    /// would more than double the program's memory use.
     LayerShell();
     LayerShell(const LayerShell&) = delete;
     LayerShell& operator=(const LayerShell&) = delete;

@@ -28,7 +28,7 @@ using namespace std::chrono_literals;
 /// programs could take the focus from each other forever.
 constexpr int maxTakenBack = 10;
 
-constexpr auto timeToGo = 100ms; // for all windows that fade out together
+constexpr auto timeToGo = 100ms; // enough for all windows that fade out together
 
 /// The key code of a key that a monitor handles; -1 for all others.
 std::int64_t nativeKeyCode(int key) {
@@ -245,8 +245,8 @@ QtOverlayWindows::addLocalMonitorForKeyDown(std::function<bool(const KeyDownEven
     });
 }
 
-/// When the first window appears, this function remembers which screen and which window of another
-/// program had the focus.
+/// When the first window appears, remembers the screen that had the keyboard focus, and which
+/// window of another program had it.
 void QtOverlayWindows::windowComes(Window& window) {
     std::erase(shown_, &window);
     shown_.push_back(&window);
@@ -308,8 +308,9 @@ void QtOverlayWindows::keyboardHasGoneTo(const QWindow* window) {
     }
 }
 
-/// Gives the keyboard focus to the window on the screen that had it before, because KWin may keep a
-/// focus for each screen. Without that window, the newest one gets the focus.
+/// Gives the keyboard focus to the overlay window on the screen that had the focus before, because
+/// KWin may track the focus separately for each screen. If no overlay window is on that screen, the
+/// newest one gets the focus.
 void QtOverlayWindows::takeKeyboard() {
     if (shown_.empty()) {
         return;
@@ -325,9 +326,10 @@ void QtOverlayWindows::takeKeyboard() {
     chosen->takeKeyboard();
 }
 
-/// Another window gets the keyboard focus if it does not go as well: if the focus went through the
-/// windows of all screens, KWin would lose track of the window that had it before. On X11, the last
-/// window returns the focus to that window, if it still exists.
+/// After a short delay, gives the keyboard focus to one of the remaining windows, if any. Without
+/// the delay, the focus would move through the windows of all screens while they disappear, and
+/// KWin would lose track of the window that had the focus before. On X11, when the last window
+/// disappears, the focus returns to that window if it still exists.
 void QtOverlayWindows::windowGoes(Window& window) {
     if (std::erase(shown_, &window) == 0) {
         return;

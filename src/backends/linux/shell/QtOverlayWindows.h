@@ -25,11 +25,12 @@ namespace nocta {
 /// overlay windows appeared is discarded. Without a compositor, the windows are dark and opaque.
 ///
 /// On Wayland, if the compositor offers layers, the windows are in the topmost layer, and the
-/// compositor gives the keyboard focus to the one on the focused screen. On other compositors, each
-/// overlay window is an ordinary full-screen window.
+/// compositor gives the keyboard focus to the overlay window on the focused screen. On other
+/// compositors, each overlay window is an ordinary full-screen window.
 class QtOverlayWindows final : public OverlayWindows {
 public:
-    /// The frame of the screen that has the keyboard focus, if it is known.
+    /// Returns the frame of the screen that has the keyboard focus, or nullopt if that screen is
+    /// not known.
     using FocusedScreen = std::function<std::optional<Rect>()>;
 
     /// `connection` and `typing` are null without an X server. Without `typing`, only the
@@ -72,7 +73,7 @@ private:
     std::vector<Window*> shown_; ///< in the order in which they were made key
     MonotonicTime shownSince_;   ///< when the first of the shown windows appeared
     int timesTakenBack_ = 0;
-    std::optional<Rect> focusedBefore_; ///< the screen
+    std::optional<Rect> focusedBefore_; ///< the frame of the screen that had the focus
     xcb_window_t focusBefore_ = XCB_NONE;
     CallbackList<KeyPress> monitors_;
     std::unique_ptr<KeyFilter> filter_;

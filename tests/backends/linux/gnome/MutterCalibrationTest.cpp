@@ -21,7 +21,7 @@ namespace {
 constexpr std::uint16_t highest = 65535;
 constexpr auto notReady = "org.freedesktop.DBus.Error.Failed";
 
-/// A square curve of 16 entries; blue has half the levels.
+/// A quadratic curve with 16 entries; the levels of blue are half as high.
 GammaRamp bentRamp() {
     GammaRamp ramp;
     for (int i = 0; i < 16; ++i) {
@@ -51,7 +51,7 @@ protected:
         displays.emplace(sessionBus(), notificationCenter);
         output.emplace(sessionBus(), *displays, runLoop);
     }
-    /// The first session, which is only tried, has been stopped when this returns.
+    /// Returns once the constructor's trial session has been stopped.
     void makeAvailable() {
         output.reset();
         mutter.with([](auto& state) { state.ramp = {}; });
@@ -82,7 +82,7 @@ protected:
     bool waitForTop(std::uint16_t level) {
         return serveUntil([&] { return top() == level; });
     }
-    /// What the compositor does when it rebuilds its list of monitors.
+    /// Ends the sessions as the compositor does when it rebuilds its list of monitors.
     void endSessions() {
         colors->with([](auto& state) { state.sessions.clear(); });
         mutter.with([](auto& state) { state.ramp = bentRamp(); });
@@ -106,7 +106,7 @@ protected:
     }
 };
 
-TEST_F(MutterCalibrationTest, SessionStartsOnceWithTheFirstTables) {
+TEST_F(MutterCalibrationTest, FirstTablesStartTheOnlySession) {
     makeAvailable();
     EXPECT_TRUE(output->isAvailable());
     EXPECT_EQ(colors->calls("CalibrateMonitor"), 0);
@@ -160,7 +160,7 @@ TEST_F(MutterCalibrationTest, TablesAreLaidOverTheRampOfTheProfile) {
     }
 }
 
-TEST_F(MutterCalibrationTest, RampThatCannotBeReadCountsAsStraight) {
+TEST_F(MutterCalibrationTest, UnreadableRampIsTreatedAsLinear) {
     colors->with([](auto& state) { state.profile = {}; });
     makeAvailable();
     EXPECT_EQ(dim(0.5F), statusSuccess);
@@ -170,7 +170,7 @@ TEST_F(MutterCalibrationTest, RampThatCannotBeReadCountsAsStraight) {
     EXPECT_NEAR(mutter.ramp().blue[5], highest / 6.0, 1);
 }
 
-TEST_F(MutterCalibrationTest, OnlyTheNewestTablesAreSentWhileAWriteIsUnderWay) {
+TEST_F(MutterCalibrationTest, OnlyTheNewestTablesAreSentAfterAPendingWrite) {
     makeAvailable();
     dim(1);
     settle();
@@ -207,7 +207,7 @@ TEST_F(MutterCalibrationTest, DestructorStopsTheSession) {
     EXPECT_EQ(top(), 60000);
 }
 
-TEST_F(MutterCalibrationTest, SessionThatStartsTooLateIsStopped) {
+TEST_F(MutterCalibrationTest, SessionThatStartsAfterRestoringIsStopped) {
     makeAvailable();
     colors->pause();
     dim(0);
@@ -218,7 +218,7 @@ TEST_F(MutterCalibrationTest, SessionThatStartsTooLateIsStopped) {
     EXPECT_EQ(colors->calls("SetCrtcGammaLut"), 0);
 }
 
-TEST_F(MutterCalibrationTest, SessionThatEndsWithTheListOfMonitorsIsStartedAgain) {
+TEST_F(MutterCalibrationTest, SessionRestartsAfterTheMonitorListIsRebuilt) {
     makeAvailable();
     dim(0);
     EXPECT_TRUE(waitForTop(0));
@@ -230,12 +230,12 @@ TEST_F(MutterCalibrationTest, SessionThatEndsWithTheListOfMonitorsIsStartedAgain
     }
 }
 
-TEST_F(MutterCalibrationTest, OwnRampIsNotTakenForTheFactoryRamp) {
+TEST_F(MutterCalibrationTest, OwnRampIsNotMistakenForTheFactoryRamp) {
     makeAvailable();
     dim(0.5F);
     settle();
     const auto level = top();
-    // A compositor without a profile leaves the ramp alone.
+    // Without a profile, the compositor leaves the ramp unchanged.
     colors->with([](auto& state) {
         state.profile = {};
         state.sessions.clear();
@@ -246,7 +246,7 @@ TEST_F(MutterCalibrationTest, OwnRampIsNotTakenForTheFactoryRamp) {
     EXPECT_EQ(top(), level);
 }
 
-TEST_F(MutterCalibrationTest, SessionThatGoesOnTakesTheTablesAgain) {
+TEST_F(MutterCalibrationTest, TablesAreResentInTheSameSession) {
     makeAvailable();
     dim(0);
     EXPECT_TRUE(waitForTop(0));
@@ -260,7 +260,7 @@ TEST_F(MutterCalibrationTest, SessionThatGoesOnTakesTheTablesAgain) {
     EXPECT_EQ(colors->calls("Stop"), 0);
 }
 
-TEST_F(MutterCalibrationTest, MonitorThatIsGoneLosesItsSession) {
+TEST_F(MutterCalibrationTest, RemovingAMonitorStopsItsSession) {
     makeAvailable();
     dim(0);
     EXPECT_TRUE(waitForTop(0));
@@ -280,7 +280,7 @@ TEST_F(MutterCalibrationTest, MonitorThatIsGoneLosesItsSession) {
     EXPECT_EQ(colors->calls("CalibrateMonitor"), 2);
 }
 
-TEST_F(MutterCalibrationTest, RefusalForAMomentIsNotFinal) {
+TEST_F(MutterCalibrationTest, RefusedSessionIsRequestedAgain) {
     makeAvailable();
     colors->with([](auto& state) { state.errors["CalibrateMonitor"] = notReady; });
     dim(0);
@@ -289,7 +289,7 @@ TEST_F(MutterCalibrationTest, RefusalForAMomentIsNotFinal) {
     EXPECT_TRUE(waitForTop(0));
 }
 
-TEST_F(MutterCalibrationTest, RampsHaveTheSizeOfTheSession) {
+TEST_F(MutterCalibrationTest, RampsHaveTheSizeThatTheSessionReports) {
     for (const auto size : {1U, 3U, 65536U}) {
         colors->with([&](auto& state) { state.size = size; });
         makeAvailable();
@@ -303,7 +303,7 @@ TEST_F(MutterCalibrationTest, RampsHaveTheSizeOfTheSession) {
     }
 }
 
-TEST_F(MutterCalibrationTest, RefusalsAndAnswersOfOtherTypesMeanThatItIsUnavailable) {
+TEST_F(MutterCalibrationTest, OutputIsUnavailableAfterARefusalOrInvalidAnswer) {
     const std::vector<std::pair<std::string, std::string>> answers = {
         {"CalibrateMonitor", "()"},
         {"CalibrateMonitor", "('/text',)"},
@@ -333,7 +333,7 @@ TEST_F(MutterCalibrationTest, RefusalsAndAnswersOfOtherTypesMeanThatItIsUnavaila
     EXPECT_FALSE(output->isAvailable());
 }
 
-TEST_F(MutterCalibrationTest, MonitorThatIsRefusedIsGivenUpAlone) {
+TEST_F(MutterCalibrationTest, RefusalOfOneMonitorDoesNotAffectTheOther) {
     const std::vector<std::pair<std::string, std::string>> answers = {
         {"CalibrateMonitor", "('/text',)"},
         {"Get", "(<uint32 65537>,)"},
@@ -353,8 +353,9 @@ TEST_F(MutterCalibrationTest, MonitorThatIsRefusedIsGivenUpAlone) {
         EXPECT_NE(dim(0), statusSuccess);
         output->sendAgain();
         settle();
-        EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-                  "nocta: the compositor refuses the ramps of DP-1; it is not dimmed\n");
+        EXPECT_EQ(
+            ::testing::internal::GetCapturedStderr(),
+            "nocta: the compositor rejects the gamma ramps for DP-1; that display is not dimmed\n");
         EXPECT_EQ(colors->calls(answer.first), 4) << answer.first;
         EXPECT_EQ(dim(0, 1), statusSuccess);
         EXPECT_TRUE(waitForTop(0));
@@ -371,7 +372,7 @@ TEST_F(MutterCalibrationTest, SessionThatRefusesRampsIsStopped) {
     EXPECT_TRUE(serveUntil([&] { return colors->calls("Stop") == 4; }));
 }
 
-TEST_F(MutterCalibrationTest, CallThatIsNotAnsweredIsRepeated) {
+TEST_F(MutterCalibrationTest, UnansweredCallIsRepeated) {
     for (const auto* const method : {"CalibrateMonitor", "Get", "SetCrtcGammaLut"}) {
         makeAvailable();
         colors->with([&](auto& state) { state.mute = {method}; });
@@ -382,7 +383,7 @@ TEST_F(MutterCalibrationTest, CallThatIsNotAnsweredIsRepeated) {
     }
 }
 
-TEST_F(MutterCalibrationTest, ServiceThatVanishesIsGivenUp) {
+TEST_F(MutterCalibrationTest, SettingTablesFailsAfterTheServiceDisappears) {
     makeAvailable();
     dim(1);
     settle();

@@ -198,7 +198,7 @@ TEST_F(MutterGammaOutputTest, ConfigurationThatIsAlwaysStaleIsGivenUp) {
     EXPECT_TRUE(serveUntil([&] { return mutter.calls("SetCrtcGamma") == 1; }));
     mutter.with([](auto& state) { state.isAlwaysStale = true; });
     dim(0);
-    // The write, its repetition, and the one that follows a change of the monitors later.
+    // The write, its retry, and another write later, after the monitors have changed.
     EXPECT_TRUE(serveUntil([&] { return mutter.calls("SetCrtcGamma") == 4; }));
     bool passed = false;
     Timer timer;

@@ -24,7 +24,7 @@ constexpr auto settings = "[Desktops]\n"
                           "Active[$i]=true\n"
                           "Mode=Automatic\n";
 
-TEST(ConfigGroup, LastEntryOfTheGroupCounts) {
+TEST(ConfigGroup, LastEntryForAKeyIsUsed) {
     const ConfigGroup group(settings, "NightColor");
     EXPECT_EQ(group.value("Mode"), "Automatic");
     EXPECT_EQ(group.value("NightTemperature"), "4100");
@@ -33,14 +33,14 @@ TEST(ConfigGroup, LastEntryOfTheGroupCounts) {
     EXPECT_EQ(ConfigGroup(settings, "Desktops").value("Number"), "1");
 }
 
-TEST(ConfigGroup, TextIsKeptAsItIs) {
+TEST(ConfigGroup, UnchangedTextIsPreserved) {
     for (const std::string text : {settings, "", "\n\n", "no group=1\n[\n]\n[]\n=\n"}) {
         EXPECT_EQ(ConfigGroup(text, "NightColor").text(), text);
     }
     EXPECT_EQ(ConfigGroup("[A]\nkey=no line end", "A").text(), "[A]\nkey=no line end\n");
 }
 
-TEST(ConfigGroup, ChangedKeyHasOneEntry) {
+TEST(ConfigGroup, SettingAKeyReplacesAllItsEntries) {
     ConfigGroup group(settings, "NightColor");
     group.set("NightTemperature", "3000");
     group.set("Mode", "Constant");
@@ -59,7 +59,7 @@ TEST(ConfigGroup, ChangedKeyHasOneEntry) {
                             "Active[$i]=true\n");
 }
 
-TEST(ConfigGroup, AddedGroupDisappearsWithItsLastEntry) {
+TEST(ConfigGroup, AddedGroupIsRemovedWithItsLastEntry) {
     const std::string before = "[Desktops]\nNumber=1\n";
     ConfigGroup group(before, "NightColor");
     group.set("Mode", "Constant");
@@ -73,7 +73,7 @@ TEST(ConfigGroup, AddedGroupDisappearsWithItsLastEntry) {
     EXPECT_EQ(group.text(), before);
 }
 
-TEST(ConfigGroup, GroupWithAnotherEntryStays) {
+TEST(ConfigGroup, GroupWithOtherEntriesIsKept) {
     ConfigGroup group("[NightColor]\nMode=Times\nMorning=06:00\n", "NightColor");
     group.set("Mode", std::nullopt);
     EXPECT_EQ(group.text(), "[NightColor]\nMorning=06:00\n");

@@ -31,7 +31,7 @@ std::string report(const std::string& application, const std::string& screen = "
            windows + "}";
 }
 
-/// The workspace on a private KWin.
+/// The workspace of a private KWin.
 struct WorkspaceOnKWin {
     PrivateBus bus{"DBUS_SESSION_BUS_ADDRESS"};
     KWin kwin;
@@ -127,7 +127,7 @@ TEST_F(KWinWorkspaceTest, ApplicationIdsMapToBundleIdentifiers) {
     EXPECT_TRUE(waitForFrontmost(RunningApplication{"us.zoom.xos", "us.zoom.Zoom"}));
 }
 
-TEST_F(KWinWorkspaceTest, NoReportComesBetweenTwoWindows) {
+TEST_F(KWinWorkspaceTest, SwitchingWindowsReportsOnlyTheNewApplication) {
     const auto one = open("One");
     ASSERT_TRUE(waitForFrontmost(RunningApplication{"One", "One"}));
     const auto observer = observe();
@@ -139,7 +139,7 @@ TEST_F(KWinWorkspaceTest, NoReportComesBetweenTwoWindows) {
 TEST_F(KWinWorkspaceTest, FullScreenWindowIsAsLargeAsItsScreen) {
     const auto film = open("Film");
     kwin.run("windows.forEach((window) => { window.fullScreen = true; });");
-    const auto other = open("Other"); // its activation brings the next report
+    const auto other = open("Other"); // its activation triggers the next report
     const auto windows = workspace->copyWindowInfo().value();
     const auto screen = workspace->mainScreenFrame();
     EXPECT_TRUE(std::ranges::any_of(windows, [&](const WindowInfo& window) {
@@ -147,14 +147,14 @@ TEST_F(KWinWorkspaceTest, FullScreenWindowIsAsLargeAsItsScreen) {
     }));
 }
 
-TEST_F(KWinWorkspaceTest, LayersAreNotWindows) {
+TEST_F(KWinWorkspaceTest, LayersAreNotReportedAsWindows) {
     const auto minimized = open("Minimized");
     TintGammaOutput tint(connection, displays);
     ASSERT_TRUE(tint.isAvailable());
     const std::vector<float> half = {0.0F, 0.5F};
     EXPECT_EQ(tint.setDisplayTransferByTable(displays.ids().at(0), half, half, half),
               statusSuccess);
-    ASSERT_TRUE(serveUntil([&] { // KWin has the layer
+    ASSERT_TRUE(serveUntil([&] { // until KWin lists the layer
         kwin.run("const layers = windows.filter((window) => window.skipTaskbar);\n"
                  "windows.forEach((window) => { window.minimized = layers.length === 1; });");
         return workspace->frontmostApplication() == std::nullopt;
@@ -164,18 +164,18 @@ TEST_F(KWinWorkspaceTest, LayersAreNotWindows) {
     EXPECT_EQ(workspace->copyWindowInfo().value().size(), 1U);
 }
 
-TEST_F(KWinWorkspaceTest, ScriptIsUnloadedAtTheEnd) {
+TEST_F(KWinWorkspaceTest, DestructorUnloadsTheScript) {
     EXPECT_TRUE(isScriptLoaded());
     workspace.reset();
     EXPECT_TRUE(waitUntil([] { return !isScriptLoaded(); }));
     EXPECT_FALSE(std::filesystem::exists(script));
 }
 
-TEST_F(KWinWorkspaceTest, ScriptOfAKilledNoctaIsReplaced) {
+TEST_F(KWinWorkspaceTest, ScriptLeftByAKilledProcessIsReplaced) {
     workspace.reset();
     ASSERT_TRUE(waitUntil([] { return !isScriptLoaded(); }));
     const auto stale = folder.path() + "/stale.js";
-    writeFile(stale, "// reports to nobody");
+    writeFile(stale, "// reports nothing");
     KWin::call({"loadScript", stale, "nocta"});
     KWin::call({"start"});
     ASSERT_TRUE(isScriptLoaded());
@@ -185,7 +185,7 @@ TEST_F(KWinWorkspaceTest, ScriptOfAKilledNoctaIsReplaced) {
     EXPECT_TRUE(waitForFrontmost(RunningApplication{"Editor", "Editor"}));
 }
 
-TEST_F(KWinWorkspaceTest, KWinThatStartsAgainGetsTheScriptAgain) {
+TEST_F(KWinWorkspaceTest, ScriptIsLoadedAgainAfterKWinRestarts) {
     {
         const auto window = open("Editor");
         ASSERT_TRUE(waitForFrontmost(RunningApplication{"Editor", "Editor"}));
@@ -199,7 +199,7 @@ TEST_F(KWinWorkspaceTest, KWinThatStartsAgainGetsTheScriptAgain) {
     EXPECT_TRUE(waitForFrontmost(RunningApplication{"Player", "Player"}));
 }
 
-TEST_F(KWinWorkspaceTest, ReportsOfOtherProgramsAreIgnored) {
+TEST_F(KWinWorkspaceTest, ReportsFromOtherProgramsAreIgnored) {
     const auto observer = observe();
     const auto receiver = QDBusConnection("nocta-session").baseService();
     ASSERT_FALSE(receiver.isEmpty());
@@ -207,12 +207,12 @@ TEST_F(KWinWorkspaceTest, ReportsOfOtherProgramsAreIgnored) {
                         "--dest=" + receiver.toStdString(), "/nocta/windows",
                         "nocta.Windows.report", "string:" + report("[\"a\", \"b\", \"c\"]")}),
               0);
-    const auto window = open("Editor"); // its report comes later
+    const auto window = open("Editor"); // its report arrives later
     EXPECT_TRUE(waitForFrontmost(RunningApplication{"Editor", "Editor"}));
     EXPECT_EQ(activated, (std::vector<Application>{RunningApplication{"Editor", "Editor"}}));
 }
 
-/// Another program that has KWin's name on the bus.
+/// Another program that owns KWin's name on the bus.
 class FakeKWin final : public QDBusVirtualObject {
 public:
     FakeKWin() {
@@ -244,14 +244,15 @@ private:
     QString caller_;
 };
 
-TEST(KWinWorkspaceFaultsTest, DamagedReportsAreIgnored) {
+TEST(KWinWorkspaceFaultsTest, InvalidReportsAreIgnored) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     const TemporaryFolder folder;
     NotificationCenter notificationCenter;
     SessionDisplays displays(notificationCenter);
     FakeKWin kwin;
     KWinWorkspace workspace(displays, folder.path() + "/kwin.js", [] { return false; });
-    EXPECT_TRUE(serveUntil([&] { return kwin.methods.contains("start"); })) << "despite the errors";
+    EXPECT_TRUE(serveUntil([&] { return kwin.methods.contains("start"); }))
+        << "the script should be started despite the errors";
     int reports = 0;
     const auto observer = workspace.observeDidActivateApplication([&](const auto&) { ++reports; });
     const auto names = R"(["a", "b", "c"])";

@@ -61,14 +61,14 @@ protected:
     bool waitUntilWritten(const std::string& kelvin) {
         return serveUntil([&] { return isWritten(kelvin); });
     }
-    /// KWin itself may have changed other groups of the file.
+    /// Does not check the other groups in the file, which KWin itself may have changed.
     bool areUserSettingsBack() const {
         return setting("Active") == "true" && setting("Mode") == "Times" &&
                setting("NightTemperature") == "4321" && setting("TransitionTime") == "7" &&
                !std::filesystem::exists(notes);
     }
     static std::vector<pid_t> helpers() { return Helpers::childrenOf(getpid(), "nocta-warmth"); }
-    /// Gives the helper time for a change that it should not make.
+    /// Gives the helper time to make a change that it should not make.
     static void serveBriefly() {
         const QDeadlineTimer brief(300);
         serveUntil([&] { return brief.hasExpired(); });
@@ -90,7 +90,7 @@ protected:
     }
 };
 
-TEST_F(NightLightTest, TemperatureIsShownUntilItIsNeutral) {
+TEST_F(NightLightTest, TemperatureIsShownUntilItBecomesNeutral) {
     EXPECT_TRUE(nightLight->isAvailable());
     EXPECT_TRUE(areUserSettingsBack());
     EXPECT_EQ(helpers().size(), 0U);
@@ -110,14 +110,14 @@ TEST_F(NightLightTest, TemperatureIsShownUntilItIsNeutral) {
     EXPECT_TRUE(areUserSettingsBack());
 }
 
-TEST_F(NightLightTest, TemperatureThatKWinWouldIgnoreIsNeutral) {
+TEST_F(NightLightTest, TemperatureThatKWinWouldIgnoreIsTreatedAsNeutral) {
     nightLight->setTemperature(6450);
     EXPECT_EQ(helpers().size(), 0U);
     nightLight->setTemperature(6449);
     EXPECT_TRUE(waitUntilWritten("6449"));
 }
 
-TEST_F(NightLightTest, QuickChangesEndAtTheLast) {
+TEST_F(NightLightTest, LastOfSeveralQuickChangesIsShown) {
     nightLight->setTemperature(5000);
     ASSERT_TRUE(waitUntilWritten("5000"));
     for (std::int64_t kelvin = 4900; kelvin >= 3000; kelvin -= 100) {
@@ -132,7 +132,7 @@ TEST_F(NightLightTest, QuickChangesEndAtTheLast) {
     EXPECT_TRUE(waitUntilWritten("3000"));
 }
 
-TEST_F(NightLightTest, WarmthThatReturnsQuicklyIsShown) {
+TEST_F(NightLightTest, TemperatureSetDuringRestorationIsShown) {
     nightLight->setTemperature(3000);
     ASSERT_TRUE(waitUntilWritten("3000"));
     runLoop.advance(2s);
@@ -153,7 +153,7 @@ TEST_F(NightLightTest, KilledHelperIsReplaced) {
     EXPECT_TRUE(waitUntilUserSettingsAreBack());
 }
 
-TEST_F(NightLightTest, HelperThatAlwaysDiesIsNotReplacedForever) {
+TEST_F(NightLightTest, HelperThatKeepsDyingIsNotReplacedForever) {
     nightLight->setTemperature(3000);
     ASSERT_TRUE(waitUntilWritten("3000"));
     for (int death = 0; death < 4; ++death) {
@@ -165,7 +165,7 @@ TEST_F(NightLightTest, HelperThatAlwaysDiesIsNotReplacedForever) {
     EXPECT_TRUE(waitUntilUserSettingsAreBack());
 }
 
-TEST_F(NightLightTest, ChangesOfTheUserStay) {
+TEST_F(NightLightTest, ChangesMadeByTheUserAreKept) {
     nightLight->setTemperature(3000);
     ASSERT_TRUE(waitUntilWritten("3000"));
     ConfigGroup settings(contentOf(kwin.configFile()), "NightColor");
@@ -186,7 +186,7 @@ TEST_F(NightLightTest, ChangesOfTheUserStay) {
     EXPECT_EQ(setting("NightTemperature"), "3900");
 }
 
-TEST_F(NightLightTest, SettingsThatWereNotSetAreRemoved) {
+TEST_F(NightLightTest, SettingsThatDidNotExistAreRemoved) {
     writeFile(kwin.configFile(), "[Desktops]\nNumber=1\n");
     nightLight->setTemperature(3000);
     ASSERT_TRUE(waitUntilWritten("3000"));
@@ -195,7 +195,7 @@ TEST_F(NightLightTest, SettingsThatWereNotSetAreRemoved) {
     EXPECT_NE(contentOf(kwin.configFile()).find("Number=1"), std::string::npos);
 }
 
-TEST_F(NightLightTest, WaitsForAnotherProgramThatWritesTheSettings) {
+TEST_F(NightLightTest, HelperWaitsWhileAnotherProgramLocksTheSettings) {
     QLockFile lock(QString::fromStdString(kwin.configFile() + ".lock"));
     ASSERT_TRUE(lock.lock());
     nightLight->setTemperature(3000);
@@ -206,7 +206,7 @@ TEST_F(NightLightTest, WaitsForAnotherProgramThatWritesTheSettings) {
     EXPECT_TRUE(waitUntilWritten("3000"));
 }
 
-TEST_F(NightLightTest, SettingsThatCannotBeReadAreNotReplaced) {
+TEST_F(NightLightTest, UnreadableSettingsAreNotReplaced) {
     std::filesystem::remove(kwin.configFile());
     std::filesystem::create_directory(kwin.configFile());
     ::testing::internal::CaptureStderr();
@@ -217,7 +217,7 @@ TEST_F(NightLightTest, SettingsThatCannotBeReadAreNotReplaced) {
     EXPECT_FALSE(std::filesystem::exists(notes));
 }
 
-TEST(NightLightWithoutKWinTest, IsNotAvailable) {
+TEST(NightLightWithoutKWinTest, NightLightIsUnavailable) {
     const PrivateBus bus("DBUS_SESSION_BUS_ADDRESS");
     const TemporaryFolder folder;
     VirtualRunLoop runLoop;

@@ -18,8 +18,8 @@
 
 namespace nocta {
 
-/// A laptop with an external display. The virtual displays are also the fallback, whose level
-/// differs from the service's.
+/// A laptop with an external display. The virtual displays are also the fallback; its level differs
+/// from the service's level.
 struct ScreenBrightnessHarness {
     static constexpr DisplayId builtIn = 1;
     static constexpr DisplayId external = 2;
@@ -47,7 +47,7 @@ struct ScreenBrightnessHarness {
         service.announceAndWait();
     }
 
-    /// The level of the built-in display, or -1.
+    /// Returns the level of the built-in display, or -1 if it cannot be read.
     float read() {
         float level = -1;
         port.getBrightness(builtIn, level);
@@ -68,8 +68,8 @@ namespace {
 
 class ScreenBrightnessBacklightTest : public ::testing::Test, protected ScreenBrightnessHarness {
 protected:
-    /// Returns once the program has received everything that the bus has for it at this moment. The
-    /// bus keeps the order of messages, so the answer to a new call comes last.
+    /// Returns once the program has received all messages that the bus currently has for it. The
+    /// bus preserves the order of messages, so the answer to a new call arrives last.
     static void receiveEverything() {
         auto isAnswered = false;
         QObject context;
@@ -79,9 +79,9 @@ protected:
     }
 };
 
-TEST_F(ScreenBrightnessBacklightTest, WritesTheInternalDisplayWithoutShowingTheLevel) {
+TEST_F(ScreenBrightnessBacklightTest, LevelIsSentForTheInternalDisplayWithoutAnIndicator) {
     set(0.55F);
-    EXPECT_EQ(read(), 0.55F) << "the new level should not wait for an answer";
+    EXPECT_EQ(read(), 0.55F) << "the new level should be readable before the service answers";
     ASSERT_TRUE(waitForWritten({5500}));
     EXPECT_EQ(service.level("display0"), 5500);
     EXPECT_EQ(service.flags, std::vector<unsigned>{1}) << "the desktop should not show the level";
@@ -89,7 +89,7 @@ TEST_F(ScreenBrightnessBacklightTest, WritesTheInternalDisplayWithoutShowingTheL
     EXPECT_EQ(levelOfFallback(), fallbackLevel);
 }
 
-TEST_F(ScreenBrightnessBacklightTest, NewestOfManyLevelsWins) {
+TEST_F(ScreenBrightnessBacklightTest, OnlyTheNewestOfTheWaitingLevelsIsSent) {
     service.isAnswering = false;
     set(0.5F);
     ASSERT_TRUE(serveUntil([&] { return service.keptCalls() == 1; }));
@@ -101,7 +101,7 @@ TEST_F(ScreenBrightnessBacklightTest, NewestOfManyLevelsWins) {
     EXPECT_EQ(read(), 0.2F);
 }
 
-TEST_F(ScreenBrightnessBacklightTest, AnswersToEarlierQuestionsDoNotHideTheNewestLevel) {
+TEST_F(ScreenBrightnessBacklightTest, AnswersToEarlierCallsDoNotReplaceTheNewestLevel) {
     service.isAnswering = false;
     service.change("display0", 6000);
     ASSERT_TRUE(serveUntil([&] { return service.keptCalls() == 1; }));
@@ -117,16 +117,16 @@ TEST_F(ScreenBrightnessBacklightTest, AnswersToEarlierQuestionsDoNotHideTheNewes
     EXPECT_EQ(service.written, std::vector{2000});
 }
 
-TEST_F(ScreenBrightnessBacklightTest, FollowsTheUsersKeys) {
+TEST_F(ScreenBrightnessBacklightTest, LevelFollowsChangesMadeByTheUser) {
     service.change("display0", 9500);
     EXPECT_TRUE(waitForLevel(0.95F));
     service.displays["display0"] = ScreenBrightness::display(true, 3, 4);
     service.emitSignal("BrightnessRangeChanged", {"display0", 4, 3});
     EXPECT_TRUE(waitForLevel(0.75F));
-    EXPECT_TRUE(service.written.empty()) << "nothing should be written without being set";
+    EXPECT_TRUE(service.written.empty()) << "no level should be written unless one is set";
 }
 
-TEST_F(ScreenBrightnessBacklightTest, LowLevelOnACoarseDisplayIsNotTheLowest) {
+TEST_F(ScreenBrightnessBacklightTest, LowLevelIsNotRoundedToZeroOnACoarseDisplay) {
     service.displays["display0"] = ScreenBrightness::display(true, 4, 4);
     service.announceAndWait();
     set(0.1F);
@@ -152,7 +152,7 @@ TEST_F(ScreenBrightnessBacklightTest, FallbackIsUsedWhileTheServiceIsMissing) {
     EXPECT_TRUE(service.written.empty());
 
     service.provide();
-    ASSERT_TRUE(waitForWritten({5000})) << "the service should learn the level that it missed";
+    ASSERT_TRUE(waitForWritten({5000})) << "the service should receive the level that it missed";
     service.change("display0", 8000);
     ASSERT_TRUE(waitForLevel(0.8F));
     service.withdraw();
@@ -163,27 +163,27 @@ TEST_F(ScreenBrightnessBacklightTest, FallbackIsUsedWhileTheServiceIsMissing) {
     EXPECT_EQ(service.written, std::vector{5000}) << "a level should not be sent twice";
 }
 
-TEST_F(ScreenBrightnessBacklightTest, ServiceThatEndsWithoutAnsweringIsReplaced) {
+TEST_F(ScreenBrightnessBacklightTest, ServiceThatRestartsWithoutAnsweringIsUsedAgain) {
     service.isAnswering = false;
     set(0.5F);
     ASSERT_TRUE(serveUntil([&] { return service.keptCalls() == 1; }));
     service.withdraw();
     service.provide();
-    ASSERT_TRUE(waitForLevel(fallbackLevel)) << "the service should count as missing";
+    ASSERT_TRUE(waitForLevel(fallbackLevel)) << "the service should be treated as missing";
     ASSERT_TRUE(serveUntil([&] { return service.keptCalls() > 1; }))
-        << "the first call should not be waited for";
+        << "no call should wait for the answer to the first call";
     service.displays["display0"] = ScreenBrightness::display(true, 6000);
     service.answerAll();
-    EXPECT_TRUE(waitForLevel(0.5F)) << "the first call is answered after all";
+    EXPECT_TRUE(waitForLevel(0.5F)) << "the first call should still take effect";
 }
 
-TEST_F(ScreenBrightnessBacklightTest, LateAnswerOfAServiceThatIsGoneIsIgnored) {
+TEST_F(ScreenBrightnessBacklightTest, LateAnswerFromAStoppedServiceIsIgnored) {
     service.displays.erase("display1");
     service.announceAndWait();
     service.isAnswering = false;
     service.change("display0", 6000);
     ASSERT_TRUE(serveUntil([&] { return service.keptCalls() == 1; }));
-    service.answerFirst(); // the names; the program now asks for the display's properties
+    service.answerFirst(); // with the names; the program then asks for the display's properties
     ASSERT_TRUE(serveUntil([&] { return service.keptCalls() == 1; }));
     service.withdraw();
     ASSERT_TRUE(waitForLevel(fallbackLevel));
@@ -195,10 +195,10 @@ TEST_F(ScreenBrightnessBacklightTest, LateAnswerOfAServiceThatIsGoneIsIgnored) {
     EXPECT_EQ(read(), fallbackLevel);
 }
 
-TEST_F(ScreenBrightnessBacklightTest, DisplayThatVanishesIsLeftToTheFallback) {
+TEST_F(ScreenBrightnessBacklightTest, FallbackIsUsedForADisplayThatDisappears) {
     const auto display = service.displays["display0"];
     service.displays.erase("display0");
-    set(0.5F); // is answered with an error
+    set(0.5F); // the service answers with an error
     ASSERT_TRUE(waitForLevel(fallbackLevel));
     service.displays["display0"] = display;
     service.emitSignal("DisplayAdded", {"display0"});
@@ -209,7 +209,7 @@ TEST_F(ScreenBrightnessBacklightTest, DisplayThatVanishesIsLeftToTheFallback) {
     EXPECT_TRUE(service.written.empty());
 }
 
-TEST_F(ScreenBrightnessBacklightTest, SeveralBuiltInDisplaysAreLeftToTheFallback) {
+TEST_F(ScreenBrightnessBacklightTest, FallbackIsUsedForSeveralBuiltInDisplays) {
     service.displays["display1"] = ScreenBrightness::display(true, 3000);
     service.announceAndWait();
     EXPECT_EQ(read(), fallbackLevel);
@@ -228,7 +228,7 @@ TEST_F(ScreenBrightnessBacklightTest, SeveralBuiltInDisplaysAreLeftToTheFallback
     EXPECT_TRUE(service.written.empty());
 }
 
-TEST_F(ScreenBrightnessBacklightTest, InvalidDisplaysAreLeftToTheFallback) {
+TEST_F(ScreenBrightnessBacklightTest, FallbackIsUsedForInvalidDisplays) {
     const std::vector<std::pair<QString, QVariant>> invalid = {
         {"IsInternal", false},  {"IsInternal", 1},       {"IsInternal", "true"},
         {"Brightness", "7000"}, {"Brightness", 7000U},   {"Brightness", -1},
@@ -248,7 +248,7 @@ TEST_F(ScreenBrightnessBacklightTest, InvalidDisplaysAreLeftToTheFallback) {
     EXPECT_EQ(read(), 1) << "a level above the maximum should read as 1";
 }
 
-TEST_F(ScreenBrightnessBacklightTest, InvalidAnswersAreLeftToTheFallback) {
+TEST_F(ScreenBrightnessBacklightTest, FallbackIsUsedAfterInvalidAnswers) {
     const QStringList unsafe{"display0/../x", "", "display 0"};
     const auto many = QStringList(32, "another") << "display0";
     for (const auto& names :

@@ -187,7 +187,7 @@ TEST_F(LayerOverlayWindowsTest, CoverOnTheFocusedScreenGetsKeyboardFocus) {
     plug();
     focusedScreen = frameOf("DP-1");
     auto covers = showAll();
-    focusedScreen = frameOf("DP-2"); // the covers have changed the focus themselves
+    focusedScreen = frameOf("DP-2"); // as if the covers had changed the focus
     expectSoon([&](const auto&) { return keyboards() == std::vector{exclusive, none}; });
     EXPECT_EQ(compositor.keyboardFocus(), 0U);
     EXPECT_TRUE(press());
