@@ -26,7 +26,7 @@ public:
     /// Checks whether the compositor offers layers. Qt must already be connected to the compositor.
     /// Without Wayland, there are no layers. If the compositor draws window frames, also disables
     /// Qt's own frames: Qt would load OpenGL for them, even for windows without a frame, which
-    /// would more than double the program's memory use.
+    /// would take about 15 MiB of memory.
     LayerShell();
     LayerShell(const LayerShell&) = delete;
     LayerShell& operator=(const LayerShell&) = delete;
