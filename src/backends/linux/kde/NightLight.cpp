@@ -22,8 +22,8 @@ constexpr auto programName = "nocta-warmth";
 constexpr auto endTimeout = 2s; // restoring takes a few milliseconds
 constexpr auto minPause = 2s;   // KWin needs this long to reach a temperature
 constexpr int maxReplacements = 3;
-constexpr std::int64_t largestIgnoredStep = 50; // kelvin; KWin ignores small differences
-constexpr int timeoutAtStart = 500;             // milliseconds
+constexpr std::int64_t maxIgnoredStep = 50; // kelvin; KWin ignores small differences
+constexpr int timeoutAtStart = 500;         // milliseconds
 
 /// Returns whether KWin can change the color temperature. KWin 6 renamed the service.
 bool canChangeTemperature(const QDBusConnection& bus) {
@@ -58,7 +58,7 @@ NightLight::~NightLight() {
 }
 
 void NightLight::setTemperature(std::int64_t kelvin) {
-    const auto wanted = kelvin < neutralTemperature - largestIgnoredStep
+    const auto wanted = kelvin < neutralTemperature - maxIgnoredStep
                             ? std::optional(static_cast<NightLightTemperature>(kelvin))
                             : std::nullopt;
     if (!isAvailable_ || wanted == wanted_) {
