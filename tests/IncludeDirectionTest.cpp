@@ -30,11 +30,12 @@ const std::map<std::string, Folders> allowed = {
     {"breaks", {"base", "platform", "settings"}},
     {"system", {"base", "platform", "settings", "display", "breaks"}},
     {"app", with(services, {"base", "platform"})},
+    {"updates", {"base", "platform"}},
     {"symbols", {}},
     {"ui", with(services, {"base", "platform", "app", "symbols"})},
     {"backends/virtual", {"base", "platform"}},
     {"backends/shared", {"base", "platform"}},
-    {"backends/linux", {"base", "platform", "symbols", "backends/shared"}},
+    {"backends/linux", {"base", "platform", "symbols", "updates", "backends/shared"}},
     {"backends/macos", {"base", "platform", "backends/shared"}},
     {"tour", with(services, {"base", "platform", "app", "symbols", "ui", "backends/virtual"})},
 };
@@ -45,7 +46,8 @@ bool isMain(const std::filesystem::path& file) {
 }
 
 /// Folders that must not use Qt, so that they can be built and tested without Qt.
-const Folders withoutQt = with(services, {"base", "platform", "app", "backends/virtual"});
+const Folders withoutQt =
+    with(services, {"base", "platform", "updates", "app", "backends/virtual"});
 
 std::string folderOf(const std::string& path) {
     const auto slash = path.find('/');

@@ -729,10 +729,6 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>The feed cannot be read</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>The server answered with an error</source>
         <translation type="unfinished"></translation>
     </message>
@@ -754,6 +750,34 @@
     </message>
     <message>
         <source>Nocta warms the displays through KDE&apos;s Night Light.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The feed is not RSS</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The feed contains a document type declaration</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The feed is malformed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The package does not contain Nocta</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The package is for another kind of computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The package contains another version than the feed says</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The package is not newer than this version</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

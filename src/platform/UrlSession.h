@@ -6,7 +6,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -27,26 +26,21 @@ struct UrlResponse {
     std::optional<std::string> error{}; ///< a message from the desktop
 };
 
-/// Loads URLs over the network. Corresponds to NSURLSession on macOS.
+/// Sends requests over the network. Only the status of the response is reported; its body is
+/// dropped. Corresponds to NSURLSession on macOS.
 ///
-///     task_ = urlSession.dataTask({.url = "https://…", .method = "GET", .timeout = 60s},
-///                                 [this](const UrlResponse& response) { finish(response); },
-///                                 [this](std::string_view data) { body_ += data; });
+///     task_ = urlSession.dataTask({.url = "https://…", .method = "POST", .timeout = 60s},
+///                                 [this](const UrlResponse& response) { finish(response); });
 class UrlSession {
 public:
     using Completion = std::function<void(const UrlResponse& response)>;
-    using DidReceiveData = std::function<void(std::string_view data)>;
 
     virtual ~UrlSession() = default;
 
     /// Calls `completion` once, from the run loop. Destroy the returned subscription to cancel the
-    /// task. `didReceiveData` gets the body of the response in one or more pieces before
-    /// `completion` is called. If `didReceiveData` is null, the body is dropped, and the task may
-    /// complete before all of it has arrived. Redirects are followed, but never to an unencrypted
-    /// URL. Corresponds to dataTaskWithRequest:completionHandler:,
-    /// URLSession:dataTask:didReceiveData: and resume on macOS.
-    virtual Subscription dataTask(const UrlRequest& request, Completion completion,
-                                  DidReceiveData didReceiveData) = 0;
+    /// task. Redirects are followed, but never to an unencrypted URL. Corresponds to
+    /// dataTaskWithRequest:completionHandler: and resume on macOS.
+    virtual Subscription dataTask(const UrlRequest& request, Completion completion) = 0;
 };
 
 } // namespace nocta

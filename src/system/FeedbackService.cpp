@@ -89,13 +89,12 @@ void FeedbackService::send() {
         isSending.set(false);
         return;
     }
-    task_ = urlSession_.dataTask(
-        {.url = std::string(apiBase_) + std::string(path),
-         .method = "POST",
-         .headers = {{"Content-Type", "application/json"}},
-         .body = std::move(body),
-         .timeout = timeout},
-        [this](const UrlResponse& response) { complete(response); }, nullptr);
+    task_ = urlSession_.dataTask({.url = std::string(apiBase_) + std::string(path),
+                                  .method = "POST",
+                                  .headers = {{"Content-Type", "application/json"}},
+                                  .body = std::move(body),
+                                  .timeout = timeout},
+                                 [this](const UrlResponse& response) { complete(response); });
 }
 
 void FeedbackService::sendAnother() {

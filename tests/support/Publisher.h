@@ -12,17 +12,15 @@ class Publisher {
 public:
     Publisher() { crypto_sign_keypair(key_.data(), secret_.data()); }
 
-    const std::array<unsigned char, crypto_sign_PUBLICKEYBYTES>& key() const { return key_; }
     std::string publicKey() const { return base64(key_); }
 
-    std::array<unsigned char, crypto_sign_BYTES> signatureOf(std::string_view file) const {
+    std::string sign(std::string_view file) const {
         std::array<unsigned char, crypto_sign_BYTES> signature{};
         crypto_sign_detached(signature.data(), nullptr,
                              reinterpret_cast<const unsigned char*>(file.data()), file.size(),
                              secret_.data());
-        return signature;
+        return base64(signature);
     }
-    std::string sign(std::string_view file) const { return base64(signatureOf(file)); }
 
     template <std::size_t size>
     static std::string base64(const std::array<unsigned char, size>& bytes) {

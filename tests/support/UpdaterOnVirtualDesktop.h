@@ -1,14 +1,11 @@
 #pragma once
 
-#include "backends/linux/updates/AppcastUpdater.h"
 #include "backends/virtual/VirtualDesktop.h"
-#include "support/Process.h"
-#include "support/Publisher.h"
+#include "backends/virtual/VirtualUpdateSource.h"
+#include "updates/UpdateService.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <variant>
@@ -16,48 +13,46 @@
 
 namespace nocta {
 
-/// The updater on a virtual clock, with a server that the test controls.
+/// The update service on a virtual clock, with a publisher that the test controls.
 class UpdaterOnVirtualDesktop : public ::testing::Test {
 protected:
-    const std::string file = "the new Nocta";
-    Publisher publisher;
-    std::string key = publisher.publicKey();
     VirtualDesktop desktop;
+    VirtualUpdateSource source{desktop.trace};
+    MemoryDefaultsStore store{desktop.trace};
+    UpdateRecord record{store};
     Bundle bundle{.shortVersionString = "1.2.3",
                   .version = "45",
                   .apiBase = {},
                   .feedUrl = "https://updates.example/appcast.xml",
-                  .publicEdKey = key};
-    TemporaryFolder folder;
-    std::string memory = folder.path() + "/state/updates.json";
-    std::string package = folder.path() + "/cache/nocta-update.deb";
+                  .publicEdKey = "AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA="};
+    const AppcastItem release{.version = "46",
+                              .shortVersionString = "1.3",
+                              .url = "https://updates.example/nocta.deb",
+                              .edSignature = "c2ln",
+                              .length = 1000};
+    const Package package{.path = "/cache/nocta-1.3-7.deb",
+                          .name = "nocta",
+                          .version = "1.3-1",
+                          .architecture = "amd64"};
 
-    std::optional<AppcastUpdater> updater;
+    std::optional<UpdateService> updater;
     std::optional<std::string> startError;
     using Errors = std::vector<std::optional<std::string>>;
 
     Errors cycles; ///< the result of each update cycle
-    std::vector<std::string> opened;
-    std::function<void(const std::optional<std::string>&)> answerOfOpener;
 
     void start() {
-        updater.emplace(desktop.runLoop, desktop.urlSession, bundle, "2.36",
-                        AppcastUpdater::Places{memory, folder.path() + "/cache"},
-                        [this](const std::filesystem::path& path, const auto& whenOpened) {
-                            opened.push_back(path.string() + ": " + contentOf(path.string()));
-                            answerOfOpener = whenOpened;
-                            return Subscription();
-                        });
+        updater.emplace(desktop.runLoop, source, store, bundle,
+                        UpdateSystem{.version = "2.36", .architecture = "amd64"});
         startError = updater->startUpdater([this](const auto& error) { cycles.push_back(error); });
         desktop.runLoop.advance({});
     }
-    /// Starts as if Nocta had run before and saved this record.
-    void startWith(const std::string& remembered) {
-        std::filesystem::create_directories(folder.path() + "/state");
-        writeFile(memory, remembered);
+    /// Starts as if Nocta had run before and the user had allowed automatic checks.
+    void startChecking(bool downloads = false) {
+        record.setChecksAutomatically(true);
+        record.setDownloadsAutomatically(downloads);
         start();
     }
-    void startChecking() { startWith(R"({"checksAutomatically":true})"); }
 
     template <class Stage>
     const Stage* shown() const {
@@ -69,27 +64,18 @@ protected:
         return error == nullptr ? "" : error->description;
     }
 
-    Release release() const {
-        return {.signature = publisher.sign(file), .length = std::to_string(file.size())};
-    }
-    std::string asked() const {
-        const auto* const request = desktop.urlSession.waiting();
-        return request == nullptr ? "" : request->url;
-    }
-    void answer(const std::string& body, int status = 200) {
-        desktop.urlSession.send(body);
-        if (!asked().empty()) {
-            desktop.urlSession.answer({.statusCode = status});
+    void answerFeed(const std::vector<AppcastItem>& items) {
+        ASSERT_EQ(source.loading(), bundle.feedUrl);
+        for (const auto& item : items) {
+            source.find(item);
         }
+        source.finishFeed();
     }
-    void answerFeed(const std::string& items) {
-        ASSERT_EQ(asked(), bundle.feedUrl);
-        answer(appcast(items));
+    void answerDownload() {
+        ASSERT_EQ(source.loading(), release.url);
+        source.finishDownload({.package = package});
     }
-    bool isKept() const {
-        const auto cache = std::filesystem::path(package).parent_path();
-        return std::filesystem::exists(cache) && !std::filesystem::is_empty(cache);
-    }
+    std::vector<std::string> opened() const { return desktop.trace.calls("open "); }
 };
 
 } // namespace nocta

@@ -12,6 +12,7 @@
 #include "backends/linux/kde/ScreenBrightnessBacklight.h"
 #include "backends/linux/location/GeoClueLocationManager.h"
 #include "backends/linux/network/CurlUrlSession.h"
+#include "backends/linux/network/FetchUpdateSource.h"
 #include "backends/linux/process/StandardStreams.h"
 #include "backends/linux/shell/AccessibilityGate.h"
 #include "backends/linux/shell/BusGate.h"
@@ -28,10 +29,9 @@
 #include "backends/linux/shell/SingleInstance.h"
 #include "backends/linux/shell/SymbolIcon.h"
 #include "backends/linux/shell/SystemTray.h"
-#include "backends/linux/updates/AppcastUpdater.h"
-#include "backends/linux/updates/OpenPackage.h"
 #include "base/Checked.h"
 #include "platform/Desktop.h"
+#include "updates/UpdateService.h"
 
 #include <QApplication>
 #include <QDir>
@@ -89,6 +89,23 @@ std::filesystem::path runtimeFolder() {
 /// The folder for files that can be downloaded again.
 std::filesystem::path cacheFolder() {
     return baseDirectory("XDG_CACHE_HOME", ".cache") / "nocta";
+}
+
+/// The system that updates must fit: the newest C library that they may need, and the architecture
+/// by Debian's name for it.
+UpdateSystem updateSystem() {
+#if defined(__x86_64__)
+    constexpr auto architecture = "amd64";
+#elif defined(__aarch64__)
+    constexpr auto architecture = "arm64";
+#elif defined(__i386__)
+    constexpr auto architecture = "i386";
+#elif defined(__riscv)
+    constexpr auto architecture = "riscv64";
+#else
+    constexpr auto architecture = ""; // no package matches
+#endif
+    return {.version = gnu_get_libc_version(), .architecture = architecture};
 }
 
 /// The libraries cannot handle running out of file descriptors: some wait forever.
@@ -205,13 +222,9 @@ private:
     SessionFilter filter_{std::move(session_.grayscale)};
     FreedesktopNotifications userNotificationCenter_;
     CurlUrlSession urlSession_{runLoop_};
-    AppcastUpdater updater_{
-        runLoop_,
-        urlSession_,
-        bundle_,
-        gnu_get_libc_version(), // the newest libc that a downloaded program may need
-        {.memory = stateFolder() / "updates.json", .downloads = cacheFolder() / "updates"},
-        openPackage};
+    FetchUpdateSource updateSource_{runLoop_, bundle_, cacheFolder() / "updates"};
+    IniDefaultsStore updateRecord_{stateFolder() / "updates.conf", runLoop_};
+    UpdateService updater_{runLoop_, updateSource_, updateRecord_, bundle_, updateSystem()};
     LayerShell layerShell_;
     QtOverlayWindows overlayWindows_{
         runLoop_,        *session_.displays,

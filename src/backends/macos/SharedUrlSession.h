@@ -8,22 +8,17 @@
 
 namespace nocta {
 
-/// The body is delivered in one piece when the task is complete. For a program in a bundle, the
-/// system itself refuses addresses that are not encrypted.
+/// For a program in a bundle, the system itself refuses addresses that are not encrypted.
 class SharedUrlSession final : public UrlSession {
 public:
     explicit SharedUrlSession(RunLoop& runLoop) : runLoop_(runLoop) {}
 
-    Subscription dataTask(const UrlRequest& request, Completion completion,
-                          DidReceiveData didReceiveData) override {
+    Subscription dataTask(const UrlRequest& request, Completion completion) override {
         const auto isWanted = std::make_shared<bool>(true); // only used on the main thread
         RunLoop& runLoop = runLoop_;
-        const auto finish = [&runLoop, isWanted, completion, didReceiveData](
-                                NSData* data, NSURLResponse* response, NSError* error) {
-            runLoop.post([isWanted, completion, didReceiveData, data, response, error] {
-                if (*isWanted && didReceiveData && data != nil) {
-                    didReceiveData({static_cast<const char*>(data.bytes), data.length});
-                }
+        const auto finish = [&runLoop, isWanted, completion](NSURLResponse* response,
+                                                             NSError* error) {
+            runLoop.post([isWanted, completion, response, error] {
                 if (*isWanted) { // not canceled in the meantime
                     completion(urlResponse(response, error));
                 }
@@ -33,12 +28,12 @@ public:
         if (NSURLRequest* const native = nsUrlRequest(request)) {
             task = [NSURLSession.sharedSession
                 dataTaskWithRequest:native
-                  completionHandler:^(NSData* data, NSURLResponse* response, NSError* error) {
-                    finish(data, response, error);
+                  completionHandler:^(NSData*, NSURLResponse* response, NSError* error) {
+                    finish(response, error);
                   }];
             [task resume];
         } else {
-            finish(nil, nil, nsUrlError(NSURLErrorBadURL));
+            finish(nil, nsUrlError(NSURLErrorBadURL));
         }
         return Subscription([isWanted, task] {
             *isWanted = false;

@@ -250,8 +250,8 @@ inline constexpr NativeCall nativeServiceCalls[] = {
 
     // loading
     {"SharedUrlSession.h", "[NSURLSession.sharedSession dataTaskWithRequest:native"
-                           "completionHandler:^(NSData* data, NSURLResponse* response,"
-                           "NSError* error) { finish(data, response, error); }];"},
+                           "completionHandler:^(NSData*, NSURLResponse* response,"
+                           "NSError* error) { finish(response, error); }];"},
     {"SharedUrlSession.h", "[task resume];"},
     {"SharedUrlSession.h", "[task cancel];"},
     {"SharedUrlSession.h", "[NSURL URLWithString:nsString(request.url)];"},

@@ -7,16 +7,15 @@
 
 namespace nocta {
 
-/// Loads data from the network through nocta-fetch, with one process for each task. Only HTTPS with
-/// verified certificates is allowed. The memory of this process does not grow, no matter how much
-/// the server sends in the header or the body.
+/// Sends requests through nocta-fetch, with one process for each task. Only HTTPS with verified
+/// certificates is allowed. The memory of this process does not grow, no matter how much the server
+/// sends.
 class CurlUrlSession final : public UrlSession {
 public:
     /// `certificates` is a file of trusted authorities that replaces the system's.
     explicit CurlUrlSession(RunLoop& runLoop, std::string certificates = {});
 
-    Subscription dataTask(const UrlRequest& request, Completion completion,
-                          DidReceiveData didReceiveData) override;
+    Subscription dataTask(const UrlRequest& request, Completion completion) override;
 
 private:
     RunLoop& runLoop_;
