@@ -4,6 +4,7 @@
 // to a server.
 
 #include "backends/linux/fetch/AppcastParser.h"
+#include "backends/linux/fetch/Confinement.h"
 #include "backends/linux/fetch/DebianPackage.h"
 #include "backends/linux/fetch/Ed25519Signature.h"
 #include "backends/linux/fetch/FetchProtocol.h"
@@ -58,6 +59,9 @@ std::string readAll() {
 }
 
 bool sendRequest(const Json& request) {
+    if (!confine({.network = true, .certificates = request.at("certificates")})) {
+        return false;
+    }
     bool hasBody = false;
     Transfer transfer(request, [&](std::string_view /*data*/) {
         hasBody = true;
@@ -94,6 +98,9 @@ bool load(const Json& request, Receive receive, Finish finish) {
 }
 
 bool loadFeed(const Json& request) {
+    if (!confine({.network = true, .certificates = request.at("certificates")})) {
+        return false;
+    }
     bool isSent = true;
     AppcastParser parser([&](const AppcastItem& item) { isSent = isSent && send(item); });
     const auto failureOf = [](std::optional<FetchError> error) {
@@ -111,6 +118,13 @@ bool download(const Json& request) {
         return send(FetchFailure{FetchError::fileNotSaved, errno});
     }
     const auto length = request.at("length").get<std::int64_t>();
+    if (!confine({.network = true,
+                  .folder = folder.get(),
+                  .writesFolder = true,
+                  .maxFileSize = length,
+                  .certificates = request.at("certificates")})) {
+        return false;
+    }
     PackageFile file(folder.get(), request.at("file"), length);
     const auto step = length / 100; // bytes between two reports
     std::int64_t reported = 0;
@@ -130,6 +144,9 @@ bool download(const Json& request) {
 bool verify(const Json& request) {
     const auto folder = openOwnFolder(request.at("folder"));
     const auto length = request.at("length").get<std::int64_t>();
+    if (!confine({.folder = folder.get(), .maxMapped = length})) {
+        return false;
+    }
     const MappedFile file(folder.get(), request.at("file"));
     const auto bytes = file.bytes();
     if (bytes.size() != static_cast<std::size_t>(length) ||
