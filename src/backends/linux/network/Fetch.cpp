@@ -44,6 +44,8 @@ constexpr std::array errorTexts = {
 };
 static_assert(errorTexts.size() == static_cast<std::size_t>(FetchError::count));
 
+constexpr int maxAnswers = 2000; // a feed has room for about 1,300 items
+
 /// One run of the helper. The handlers may end it.
 class Task : public std::enable_shared_from_this<Task> {
 public:
@@ -101,7 +103,7 @@ private:
     }
 
     void readAnswer(std::string_view line) {
-        const auto answer = parseFetchAnswer(line);
+        const auto answer = ++answers_ > maxAnswers ? std::nullopt : parseFetchAnswer(line);
         const auto handlers = handlers_; // a handler may end the task
         if (!answer) {
             fail(FetchError::broken);
@@ -128,6 +130,7 @@ private:
     std::shared_ptr<const FetchHandlers> handlers_; ///< null once the task has ended
     std::array<char, maxFetchLineSize> buffer_{};
     std::size_t filled_ = 0;
+    int answers_ = 0;
     HelperProcess helper_;
     Timer timeout_;
     Deferred refuse_;

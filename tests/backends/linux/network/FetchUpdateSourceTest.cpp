@@ -1,4 +1,4 @@
-// Tests what the program makes of a nocta-fetch that misbehaves. The other tests use the real one.
+// Tests the files and the errors. FetchTest has the helper that misbehaves.
 
 #include "backends/linux/network/FetchUpdateSource.h"
 
