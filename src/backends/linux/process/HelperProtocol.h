@@ -9,7 +9,7 @@ namespace nocta {
 /// The version of every protocol between Nocta and its helper programs. Each helper gets it as its
 /// last argument. Increase it whenever one of the protocols changes: a package may replace the
 /// helpers while Nocta is running, and a helper of another version must exit without an answer.
-inline constexpr char helperProtocol[] = "1";
+inline constexpr char helperProtocol[] = "2";
 
 /// The exit status of a helper that uses another version.
 inline constexpr int otherProtocolStatus = 3;

@@ -10,7 +10,7 @@ namespace {
 
 TEST(HelperProtocol, HelpersExitWithoutAnAnswerIfTheVersionDiffers) {
     for (const auto* const helper :
-         {"nocta-fetch", "nocta-guardian", "nocta-magnifier", "nocta-ramps"}) {
+         {"nocta-fetch", "nocta-guardian", "nocta-magnifier", "nocta-ramps", "nocta-warmth"}) {
         const TemporaryFolder folder;
         const auto program = programFolder() + "/" + helper;
         const auto file = folder.path() + "/state/file";
