@@ -5,8 +5,10 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 
 namespace nocta {
@@ -15,6 +17,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr std::string_view scheme = "https://";
+constexpr std::string_view hostCharacters =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-.";
 constexpr std::string_view path = "/api/feedback";
 constexpr auto timeout = 60s;
 constexpr int succeeded = 200; // the only HTTP status that means success
@@ -36,6 +41,12 @@ constexpr std::array<std::string_view, 25> blanks = {
     "\xE2\x80\x83", "\xE2\x80\x84", "\xE2\x80\x85", "\xE2\x80\x86", "\xE2\x80\x87", "\xE2\x80\x88",
     "\xE2\x80\x89", "\xE2\x80\x8A", "\xE2\x80\xA8", "\xE2\x80\xA9", "\xE2\x80\xAF", "\xE2\x81\x9F",
     "\xE3\x80\x80"};
+
+bool isPort(std::string_view text) {
+    std::uint16_t port = 0; // stays 0 if the number is too high
+    const auto* const end = text.data() + text.size();
+    return std::from_chars(text.data(), end, port).ptr == end && port != 0;
+}
 
 std::string_view trimmed(std::string_view text) {
     const auto* blank = blanks.end();
@@ -63,6 +74,16 @@ std::string_view label(FeedbackType type) {
 FeedbackService::FeedbackService(UrlSession& urlSession, std::string_view apiBase)
     : urlSession_(urlSession), apiBase_(apiBase) {}
 
+bool FeedbackService::isAvailable() const {
+    if (!apiBase_.starts_with(scheme)) {
+        return false;
+    }
+    const auto authority = apiBase_.substr(scheme.size());
+    const auto host = authority.substr(0, authority.find(':'));
+    return !host.empty() && host.find_first_not_of(hostCharacters) == std::string_view::npos &&
+           (host.size() == authority.size() || isPort(authority.substr(host.size() + 1)));
+}
+
 bool FeedbackService::canSend() const {
     return !isSending.get() && !trimmed(message.get()).empty();
 }
@@ -84,7 +105,7 @@ void FeedbackService::send() {
     } catch (const nlohmann::json::exception&) { // not valid UTF-8
         body.clear();
     }
-    if (apiBase_.empty() || body.empty()) {
+    if (!isAvailable() || body.empty()) {
         errorMessage.set(translatable("Nocta", "Failed to prepare request"));
         isSending.set(false);
         return;

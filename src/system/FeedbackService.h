@@ -24,8 +24,8 @@ std::string_view label(FeedbackType type);
 /// if the user closes the window. The service exists for the lifetime of the process.
 class FeedbackService {
 public:
-    /// `apiBase` is the scheme and host of the vendor's web service, without a trailing slash, or
-    /// empty if this build has no such service.
+    /// `apiBase` is the address of the vendor's web service, `https://HOST` or `https://HOST:PORT`,
+    /// or empty if this build has no such service.
     FeedbackService(UrlSession& urlSession, std::string_view apiBase);
     FeedbackService(const FeedbackService&) = delete;
     FeedbackService& operator=(const FeedbackService&) = delete;
@@ -40,6 +40,9 @@ public:
     Published<bool> isSending{false};
     Published<bool> sent{false};
     Published<std::optional<std::string>> errorMessage;
+
+    /// Returns false if this build has no usable address to send to. `send` then fails.
+    bool isAvailable() const;
 
     /// Returns false if the message is empty or is being sent.
     bool canSend() const;
