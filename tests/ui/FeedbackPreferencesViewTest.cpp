@@ -8,6 +8,8 @@
 #include <QTabBar>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+
 namespace nocta {
 namespace {
 
@@ -21,6 +23,22 @@ protected:
     }
     QPlainTextEdit& message() { return control<QPlainTextEdit>("messageField"); }
     nlohmann::json sentJson() { return nlohmann::json::parse(desktop.urlSession.waiting()->body); }
+
+    QRect frameOf(const QWidget& part) const {
+        return {part.mapTo(&widget(), QPoint()), part.size()};
+    }
+    /// Returns the space between a widget and the nearest visible text above it.
+    int spaceAbove(const QWidget& part) const {
+        int space = frameOf(part).top();
+        for (const auto* const other : widget().findChildren<QWidget*>()) {
+            const auto isPage = other->isAncestorOf(&part);
+            const auto below = frameOf(part).top() - frameOf(*other).bottom();
+            if (other->isVisible() && !isPage && below > 0) {
+                space = std::min(space, below);
+            }
+        }
+        return space;
+    }
 };
 
 TEST_F(FeedbackPreferencesViewTest, TypedTextIsSent) {
@@ -71,6 +89,18 @@ TEST_F(FeedbackPreferencesViewTest, ResponseAfterTheWindowHasClosedIsHandled) {
     desktop.urlSession.answer({.statusCode = 200});
     openTab();
     EXPECT_TRUE(shows("Thanks for your feedback!"));
+}
+
+TEST_F(FeedbackPreferencesViewTest, EachLabelIsNearestToItsOwnField) {
+    int labels = 0;
+    for (const auto* const label : widget().findChildren<QLabel*>()) {
+        if (label->isVisible() && label->buddy() != nullptr) {
+            EXPECT_LE(2 * spaceAbove(*label->buddy()), spaceAbove(*label))
+                << label->text().toStdString();
+            ++labels;
+        }
+    }
+    EXPECT_EQ(labels, 3);
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QStackedLayout>
+#include <QVBoxLayout>
 
 #include <string>
 
@@ -19,14 +20,73 @@ namespace nocta {
 namespace {
 
 constexpr int margin = 24; // points
-constexpr int spacing = 8;
+constexpr int spacing = 12;
+constexpr int labelSpacing = 4; // less than `spacing`, so that a label is nearest to its own field
 constexpr int messageHeight = 120;
 constexpr int emblemSize = 56;
 
-Label* makeFieldLabel(const QString& text, QWidget& field) {
-    auto* const label = new Label(text);
-    label->setBuddy(&field);
-    return label;
+/// Makes a label with its field below it.
+QVBoxLayout* makeField(const QString& name, QWidget* field) {
+    field->setAccessibleName(name);
+    auto* const label = new Label(name);
+    label->setBuddy(field);
+    auto* const column = new QVBoxLayout;
+    column->setSpacing(labelSpacing);
+    column->addWidget(label);
+    column->addWidget(field);
+    return column;
+}
+
+QComboBox* makeCategoryPicker(FeedbackService& service) {
+    auto* const picker = new QComboBox;
+    picker->setObjectName(QStringLiteral("categoryPicker"));
+    for (const auto type : allFeedbackTypes) {
+        picker->addItem(Text::of(label(type)));
+    }
+    bind(
+        *picker, service.feedbackType,
+        [picker](FeedbackType type) { picker->setCurrentIndex(static_cast<int>(type)); },
+        &QComboBox::activated,
+        [&service](int index) {
+            service.feedbackType.set(allFeedbackTypes.at(static_cast<std::size_t>(index)));
+        });
+    return picker;
+}
+
+QPlainTextEdit* makeMessageField(FeedbackService& service) {
+    auto* const field = new QPlainTextEdit;
+    field->setObjectName(QStringLiteral("messageField"));
+    field->setPlaceholderText(Text::tr("What's on your mind?"));
+    field->setTabChangesFocus(true);
+    field->setFixedHeight(messageHeight);
+    follow(*field, service.message, [field](const std::string& text) {
+        const auto shown = QString::fromStdString(text);
+        if (shown != field->toPlainText()) { // otherwise the cursor would jump
+            field->setPlainText(shown);
+        }
+    });
+    QObject::connect(field, &QPlainTextEdit::textChanged, field, [field, &service] {
+        service.message.set(field->toPlainText().toStdString());
+    });
+    return field;
+}
+
+QLineEdit* makeEmailField(FeedbackService& service) {
+    auto* const field = new QLineEdit(QString::fromStdString(service.email.get()));
+    field->setObjectName(QStringLiteral("emailField"));
+    QObject::connect(field, &QLineEdit::textEdited, field,
+                     [&service](const QString& text) { service.email.set(text.toStdString()); });
+    return field;
+}
+
+Label* makeErrorMessage(FeedbackService& service) {
+    auto* const error = new Label({}, TextStyle::body);
+    error->setObjectName(QStringLiteral("errorMessage"));
+    error->setWordWrap(true);
+    follow(*error, service.errorMessage, [error](const std::optional<std::string>& text) {
+        error->setText(text ? Text::of(*text) : QString());
+    });
+    return error;
 }
 
 } // namespace
@@ -39,47 +99,8 @@ FeedbackPreferencesView::FeedbackPreferencesView(FeedbackService& service) : ser
 }
 
 QWidget* FeedbackPreferencesView::makeForm() {
-    auto* const category = new QComboBox;
-    category->setObjectName(QStringLiteral("categoryPicker"));
-    category->setAccessibleName(Text::tr("Category"));
-    for (const auto type : allFeedbackTypes) {
-        category->addItem(Text::of(label(type)));
-    }
-    bind(
-        *category, service_.feedbackType,
-        [category](FeedbackType type) { category->setCurrentIndex(static_cast<int>(type)); },
-        &QComboBox::activated,
-        [this](int index) {
-            service_.feedbackType.set(allFeedbackTypes.at(static_cast<std::size_t>(index)));
-        });
-
-    auto* const message = new QPlainTextEdit;
-    message->setObjectName(QStringLiteral("messageField"));
-    message->setAccessibleName(Text::tr("Message"));
-    message->setPlaceholderText(Text::tr("What's on your mind?"));
-    message->setTabChangesFocus(true);
-    message->setFixedHeight(messageHeight);
-    follow(*message, service_.message, [message](const std::string& text) {
-        const auto shown = QString::fromStdString(text);
-        if (shown != message->toPlainText()) { // otherwise the cursor would jump
-            message->setPlainText(shown);
-        }
-    });
-    connect(message, &QPlainTextEdit::textChanged, this,
-            [this, message] { service_.message.set(message->toPlainText().toStdString()); });
-
-    auto* const email = new QLineEdit(QString::fromStdString(service_.email.get()));
-    email->setObjectName(QStringLiteral("emailField"));
-    email->setAccessibleName(Text::tr("Email (optional)"));
-    connect(email, &QLineEdit::textEdited, this,
-            [this](const QString& text) { service_.email.set(text.toStdString()); });
-
-    auto* const error = new Label({}, TextStyle::body);
-    error->setObjectName(QStringLiteral("errorMessage"));
-    error->setWordWrap(true);
-    follow(*error, service_.errorMessage, [error](const std::optional<std::string>& text) {
-        error->setText(text ? Text::of(*text) : QString());
-    });
+    auto* const email = makeField(Text::tr("Email (optional)"), makeEmailField(service_));
+    email->addWidget(new Label(Text::tr("Only if you'd like a reply."), TextStyle::note));
 
     auto* const form = new QWidget;
     auto* const column = new QVBoxLayout(form);
@@ -88,14 +109,10 @@ QWidget* FeedbackPreferencesView::makeForm() {
     column->addWidget(new Label(Text::tr("Help shape Nocta — share a suggestion, report a bug, or "
                                          "tell us what you think."),
                                 TextStyle::paragraph));
-    column->addWidget(makeFieldLabel(Text::tr("Category"), *category));
-    column->addWidget(category);
-    column->addWidget(makeFieldLabel(Text::tr("Message"), *message));
-    column->addWidget(message);
-    column->addWidget(makeFieldLabel(Text::tr("Email (optional)"), *email));
-    column->addWidget(email);
-    column->addWidget(new Label(Text::tr("Only if you'd like a reply."), TextStyle::note));
-    column->addWidget(error);
+    column->addLayout(makeField(Text::tr("Category"), makeCategoryPicker(service_)));
+    column->addLayout(makeField(Text::tr("Message"), makeMessageField(service_)));
+    column->addLayout(email);
+    column->addWidget(makeErrorMessage(service_));
     column->addWidget(makeSendButton(), 0, Qt::AlignRight);
     column->addStretch();
     return form;
