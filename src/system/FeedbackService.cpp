@@ -110,24 +110,30 @@ void FeedbackService::send() {
         isSending.set(false);
         return;
     }
-    task_ = urlSession_.dataTask({.url = std::string(apiBase_) + std::string(path),
-                                  .method = "POST",
-                                  .headers = {{"Content-Type", "application/json"}},
-                                  .body = std::move(body),
-                                  .timeout = timeout},
-                                 [this](const UrlResponse& response) { complete(response); });
+    task_ = urlSession_.dataTask(
+        {.url = std::string(apiBase_) + std::string(path),
+         .method = "POST",
+         .headers = {{"Content-Type", "application/json"}},
+         .body = std::move(body),
+         .timeout = timeout},
+        [this, sentMessage = message.get()](const UrlResponse& response) {
+            complete(response, sentMessage);
+        });
 }
 
-void FeedbackService::sendAnother() {
-    message.set({});
+void FeedbackService::forgetResult() {
     sent.set(false);
+    errorMessage.set(std::nullopt);
 }
 
-void FeedbackService::complete(const UrlResponse& response) {
+void FeedbackService::complete(const UrlResponse& response, const std::string& sentMessage) {
     isSending.set(false);
     if (response.error) {
         errorMessage.set(response.error);
     } else if (response.statusCode == succeeded) {
+        if (message.get() == sentMessage) { // the user may have written more in the meantime
+            message.set({});
+        }
         sent.set(true);
     } else {
         errorMessage.set(translatable("Nocta", "Failed to send. Please try again."));

@@ -20,8 +20,9 @@ std::string_view key(FeedbackType type);
 /// The label in English.
 std::string_view label(FeedbackType type);
 
-/// Holds the content of the feedback form and sends it. It keeps the content until it is sent, even
-/// if the user closes the window. The service exists for the lifetime of the process.
+/// Holds the content of the feedback form and sends it. It keeps the content until it is sent, and
+/// goes on sending, even if the user closes the window. The service exists for the lifetime of the
+/// process.
 class FeedbackService {
 public:
     /// `apiBase` is the address of the vendor's web service, `https://HOST` or `https://HOST:PORT`,
@@ -47,14 +48,16 @@ public:
     /// Returns false if the message is empty or is being sent.
     bool canSend() const;
 
-    /// Sends the message. On failure, sets `errorMessage` and keeps the content.
+    /// Sends the message. On success, sets `sent` and removes the message. On failure, sets
+    /// `errorMessage` and keeps the content.
     void send();
 
-    /// Shows an empty form again, for another message.
-    void sendAnother();
+    /// Prepares the form for the next use: resets `sent` and `errorMessage`. The content stays.
+    void forgetResult();
 
 private:
-    void complete(const UrlResponse& response);
+    /// `sentMessage` is the content of `message` when it was sent.
+    void complete(const UrlResponse& response, const std::string& sentMessage);
 
     UrlSession& urlSession_;
     std::string_view apiBase_;

@@ -80,6 +80,12 @@ void openPreferences(Stage& stage, int tab) {
     stage.widget().findChild<QTabBar*>(QStringLiteral("preferencesTabs"))->setCurrentIndex(tab);
 }
 
+void sendFeedback(Stage& stage) {
+    openPreferences(stage, 4);
+    stage.instances.feedbackService().message.set("The menu bar icon is hard to see.");
+    stage.instances.feedbackService().send();
+}
+
 void openOnboarding(Stage& stage, int step) {
     stage.view = stage.views.makeOnboardingView([] {});
     stage.minSize = onboardingSize;
@@ -131,16 +137,16 @@ Scenes preferences() {
          }},
         {"preferences-breaks", [](Stage& stage) { openPreferences(stage, 3); }},
         {"preferences-feedback", [](Stage& stage) { openPreferences(stage, 4); }},
+        {"preferences-feedback-sending", sendFeedback},
         {"preferences-feedback-failed",
          [](Stage& stage) {
-             stage.instances.feedbackService().message.set("The menu bar icon is hard to see.");
-             stage.instances.feedbackService().send();
-             openPreferences(stage, 4);
+             sendFeedback(stage);
+             stage.desktop.urlSession.answer({.statusCode = 500});
          }},
         {"preferences-feedback-sent",
          [](Stage& stage) {
-             stage.instances.feedbackService().sent.set(true);
-             openPreferences(stage, 4);
+             sendFeedback(stage);
+             stage.desktop.urlSession.answer({.statusCode = 200});
          }},
         {"preferences-about",
          [](Stage& stage) {

@@ -157,14 +157,49 @@ TEST_F(FeedbackServiceTest, AnyHostAndPortIsUsable) {
     }
 }
 
-TEST_F(FeedbackServiceTest, NextMessageStartsEmptyAndKeepsTheEmailAddress) {
+TEST_F(FeedbackServiceTest, MessageIsRemovedWhenItHasBeenSent) {
     write("hello", "me@example.org");
+    feedback().feedbackType.set(FeedbackType::other);
     feedback().send();
+    EXPECT_EQ(feedback().message.get(), "hello");
     desktop.urlSession.answer({.statusCode = 200});
-    feedback().sendAnother();
-    EXPECT_FALSE(feedback().sent.get());
     EXPECT_EQ(feedback().message.get(), "");
+    feedback().forgetResult();
+    EXPECT_FALSE(feedback().sent.get());
     EXPECT_EQ(feedback().email.get(), "me@example.org");
+    EXPECT_EQ(feedback().feedbackType.get(), FeedbackType::other);
+}
+
+TEST_F(FeedbackServiceTest, WordsWrittenDuringTheSendingStay) {
+    write("hello");
+    feedback().send();
+    feedback().message.set("hello, and another thing");
+    desktop.urlSession.answer({.statusCode = 200});
+    EXPECT_TRUE(feedback().sent.get());
+    feedback().forgetResult();
+    EXPECT_EQ(feedback().message.get(), "hello, and another thing");
+}
+
+TEST_F(FeedbackServiceTest, ForgottenFailureKeepsTheUnsentMessage) {
+    write("hello", "me@example.org");
+    feedback().feedbackType.set(FeedbackType::bug);
+    feedback().send();
+    desktop.urlSession.answer({.error = "Host not found"});
+    feedback().forgetResult();
+    EXPECT_EQ(error(), "");
+    EXPECT_EQ(feedback().message.get(), "hello");
+    EXPECT_EQ(feedback().email.get(), "me@example.org");
+    EXPECT_EQ(feedback().feedbackType.get(), FeedbackType::bug);
+}
+
+TEST_F(FeedbackServiceTest, SendingGoesOnWhenAnEarlierResultIsForgotten) {
+    write("hello");
+    feedback().send();
+    feedback().forgetResult();
+    EXPECT_TRUE(feedback().isSending.get());
+    EXPECT_EQ(feedback().message.get(), "hello");
+    desktop.urlSession.answer({.error = "Host not found"});
+    EXPECT_EQ(error(), "Host not found");
 }
 
 TEST_F(FeedbackServiceTest, AnswerAfterTheProgramHasEndedIsIgnored) {

@@ -21,6 +21,11 @@ protected:
         open(realViews.makePreferencesView());
         control<QTabBar>("preferencesTabs").setCurrentIndex(4);
     }
+    /// Closes the window and opens it again.
+    void reopenTab() {
+        view.reset();
+        openTab();
+    }
     QPlainTextEdit& message() { return control<QPlainTextEdit>("messageField"); }
     nlohmann::json sentJson() { return nlohmann::json::parse(desktop.urlSession.waiting()->body); }
 
@@ -77,18 +82,76 @@ TEST_F(FeedbackPreferencesViewTest, FailureIsShownAndTheFormKeepsItsContent) {
 
 TEST_F(FeedbackPreferencesViewTest, UnfinishedMessageIsKeptWhenTheWindowCloses) {
     QTest::keyClicks(&message(), "Half a thou");
-    view.reset();
-    openTab();
+    QTest::keyClicks(&control<QLineEdit>("emailField"), "me@example.org");
+    QTest::keyClick(&control<QComboBox>("categoryPicker"), Qt::Key_Down);
+    reopenTab();
     EXPECT_EQ(message().toPlainText(), "Half a thou");
+    EXPECT_EQ(control<QLineEdit>("emailField").text(), "me@example.org");
+    EXPECT_EQ(control<QComboBox>("categoryPicker").currentText(), "Bug report");
 }
 
-TEST_F(FeedbackPreferencesViewTest, ResponseAfterTheWindowHasClosedIsHandled) {
+TEST_F(FeedbackPreferencesViewTest, ReopenedWindowDoesNotThankAgain) {
     QTest::keyClicks(&message(), "Dark is good.");
+    click("sendButton");
+    desktop.urlSession.answer({.statusCode = 200});
+    EXPECT_TRUE(shows("Thanks for your feedback!"));
+    reopenTab();
+    EXPECT_FALSE(shows("Thanks for your feedback!"));
+    EXPECT_TRUE(message().isVisible());
+    EXPECT_EQ(message().toPlainText(), "");
+    EXPECT_FALSE(button("sendButton").isEnabled());
+}
+
+TEST_F(FeedbackPreferencesViewTest, ReopenedWindowDoesNotShowAnEarlierError) {
+    QTest::keyClicks(&message(), "Dark is good.");
+    click("sendButton");
+    desktop.urlSession.answer({.error = "Host not found"});
+    EXPECT_TRUE(shows("Host not found"));
+    reopenTab();
+    EXPECT_FALSE(shows("Host not found"));
+    EXPECT_EQ(message().toPlainText(), "Dark is good.");
+    EXPECT_TRUE(button("sendButton").isEnabled());
+}
+
+TEST_F(FeedbackPreferencesViewTest, ChangingTheTabKeepsTheResult) {
+    QTest::keyClicks(&message(), "Dark is good.");
+    click("sendButton");
+    desktop.urlSession.answer({.error = "Host not found"});
+    control<QTabBar>("preferencesTabs").setCurrentIndex(0);
+    control<QTabBar>("preferencesTabs").setCurrentIndex(4);
+    EXPECT_TRUE(shows("Host not found"));
+}
+
+TEST_F(FeedbackPreferencesViewTest, ResponseWhileTheWindowIsClosedIsHandled) {
+    QTest::keyClicks(&message(), "Dark is good.");
+    click("sendButton");
+    view.reset();
+    desktop.urlSession.answer({.statusCode = 500});
+    openTab();
+    EXPECT_FALSE(shows("Failed to send. Please try again."));
+    EXPECT_EQ(message().toPlainText(), "Dark is good.");
     click("sendButton");
     view.reset();
     desktop.urlSession.answer({.statusCode = 200});
     openTab();
-    EXPECT_TRUE(shows("Thanks for your feedback!"));
+    EXPECT_FALSE(shows("Thanks for your feedback!"));
+    EXPECT_EQ(message().toPlainText(), "");
+}
+
+TEST_F(FeedbackPreferencesViewTest, ReopenedWindowShowsTheSendingAndItsResult) {
+    QTest::keyClicks(&message(), "Dark is good.");
+    for (const auto status : {500, 200}) {
+        click("sendButton");
+        reopenTab();
+        EXPECT_TRUE(control("sendProgress").isVisible());
+        EXPECT_FALSE(button("sendButton").isVisible());
+        EXPECT_EQ(message().toPlainText(), "Dark is good.");
+        desktop.urlSession.answer({.statusCode = status});
+        EXPECT_FALSE(control("sendProgress").isVisible());
+        EXPECT_EQ(shows("Failed to send. Please try again."), status != 200);
+        EXPECT_EQ(shows("Thanks for your feedback!"), status == 200);
+    }
+    EXPECT_EQ(calls("dataTask").size(), 2U);
 }
 
 TEST_F(FeedbackPreferencesViewTest, EachLabelIsNearestToItsOwnField) {

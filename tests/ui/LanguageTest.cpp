@@ -81,13 +81,13 @@ TEST_F(LanguageTest, TranslationFileContainsEveryTextThatIsShown) {
         temperatureDescription(kelvin);
     }
     sunTimesLine(true);
-    feedback().message.set("half a character: \xE2\x82");
-    feedback().send();
     for (const auto warmth : {0.0, 0.5, 1.0}) {
         warmthWord(warmth);
     }
     open(realViews.makePopoverContentView([] {}));
     open(realViews.makePreferencesView());
+    feedback().message.set("half a character: \xE2\x82");
+    feedback().send();
     open(realViews.makeOnboardingView([] {}));
     click("continueButton");
     click("continueButton");

@@ -92,6 +92,7 @@ Label* makeErrorMessage(FeedbackService& service) {
 } // namespace
 
 FeedbackPreferencesView::FeedbackPreferencesView(FeedbackService& service) : service_(service) {
+    service_.forgetResult(); // of the window that was open before
     auto* const states = new QStackedLayout(this);
     states->addWidget(makeForm());
     states->addWidget(makeThanks());
@@ -139,7 +140,7 @@ QWidget* FeedbackPreferencesView::makeSendButton() {
 QWidget* FeedbackPreferencesView::makeThanks() {
     auto* const another = new ActionButton(Text::tr("Send another"));
     another->setObjectName(QStringLiteral("sendAnotherButton"));
-    connect(another, &QPushButton::clicked, this, [this] { service_.sendAnother(); });
+    connect(another, &QPushButton::clicked, this, [this] { service_.forgetResult(); });
 
     auto* const thanks = new QWidget;
     auto* const column = new QVBoxLayout(thanks);

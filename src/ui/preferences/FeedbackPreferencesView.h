@@ -7,7 +7,8 @@
 
 namespace nocta {
 
-/// Shows the feedback form, and a thank-you message after the user has sent it.
+/// Shows the feedback form, and a thank-you message after the user has sent it. A new view starts
+/// with the form.
 class FeedbackPreferencesView final : public QWidget {
 public:
     explicit FeedbackPreferencesView(FeedbackService& service);
