@@ -780,5 +780,9 @@
         <source>The package is not newer than this version</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>This build of Nocta has no address for feedback.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

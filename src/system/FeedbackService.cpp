@@ -110,15 +110,14 @@ void FeedbackService::send() {
         isSending.set(false);
         return;
     }
-    task_ = urlSession_.dataTask(
-        {.url = std::string(apiBase_) + std::string(path),
-         .method = "POST",
-         .headers = {{"Content-Type", "application/json"}},
-         .body = std::move(body),
-         .timeout = timeout},
-        [this, sentMessage = message.get()](const UrlResponse& response) {
-            complete(response, sentMessage);
-        });
+    task_ = urlSession_.dataTask({.url = std::string(apiBase_) + std::string(path),
+                                  .method = "POST",
+                                  .headers = {{"Content-Type", "application/json"}},
+                                  .body = std::move(body),
+                                  .timeout = timeout},
+                                 [this, sentMessage = message.get()](const UrlResponse& response) {
+                                     complete(response, sentMessage);
+                                 });
 }
 
 void FeedbackService::forgetResult() {

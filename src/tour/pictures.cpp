@@ -137,6 +137,11 @@ Scenes preferences() {
          }},
         {"preferences-breaks", [](Stage& stage) { openPreferences(stage, 3); }},
         {"preferences-feedback", [](Stage& stage) { openPreferences(stage, 4); }},
+        {"preferences-feedback-no-address",
+         [](Stage& stage) {
+             stage.desktop.bundle.apiBase = {};
+             openPreferences(stage, 4);
+         }},
         {"preferences-feedback-sending", sendFeedback},
         {"preferences-feedback-failed",
          [](Stage& stage) {

@@ -51,4 +51,10 @@ QString missingForUpdates(SharedInstances& instances) {
     }
 }
 
+QString missingForFeedback(SharedInstances& instances) {
+    return instances.feedbackService().isAvailable()
+               ? QString()
+               : Text::tr("This build of Nocta has no address for feedback.");
+}
+
 } // namespace nocta

@@ -15,6 +15,7 @@ QString missingForWarmth(SharedInstances& instances);
 QString missingForGrayscale(SharedInstances& instances);
 QString missingForLocation(SharedInstances& instances);
 QString missingForUpdates(SharedInstances& instances);
+QString missingForFeedback(SharedInstances& instances);
 
 /// Returns a note about how the displays are warmed; empty if they are warmed as usual.
 QString noteOnWarmth(SharedInstances& instances);

@@ -81,6 +81,7 @@ class EveryViewTest : public Face {
 protected:
     void SetUp() override {
         settings().grayscaleEnabled.set(true); // shows an additional note
+        desktop.bundle.apiBase = {};           // shows another
     }
     void TearDown() override {
         Face::TearDown();

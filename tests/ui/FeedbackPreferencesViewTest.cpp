@@ -166,5 +166,34 @@ TEST_F(FeedbackPreferencesViewTest, EachLabelIsNearestToItsOwnField) {
     EXPECT_EQ(labels, 3);
 }
 
+class FeedbackWithoutAnAddressTest : public Face {
+protected:
+    static constexpr auto reason = "This build of Nocta has no address for feedback.";
+
+    void openTab() {
+        open(realViews.makePreferencesView());
+        control<QTabBar>("preferencesTabs").setCurrentIndex(4);
+    }
+};
+
+TEST_F(FeedbackWithoutAnAddressTest, NoteSaysSoAndSendingFails) {
+    desktop.bundle.apiBase = {};
+    openTab();
+    EXPECT_TRUE(shows(reason));
+    EXPECT_EQ(control<QLabel>("errorMessage").text(), "");
+    EXPECT_EQ(button("sendButton").toolTip(), reason);
+    QTest::keyClicks(&control<QPlainTextEdit>("messageField"), "Dark is good.");
+    click("sendButton");
+    EXPECT_TRUE(shows("Failed to prepare request"));
+    EXPECT_TRUE(shows(reason));
+    EXPECT_TRUE(calls("dataTask").empty());
+}
+
+TEST_F(FeedbackWithoutAnAddressTest, BuildWithAnAddressHasNoNote) {
+    openTab();
+    EXPECT_FALSE(shows(reason));
+    EXPECT_EQ(button("sendButton").toolTip(), "");
+}
+
 } // namespace
 } // namespace nocta

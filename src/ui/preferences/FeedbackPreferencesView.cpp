@@ -1,6 +1,7 @@
 #include "ui/preferences/FeedbackPreferencesView.h"
 
 #include "ui/Binding.h"
+#include "ui/Missing.h"
 #include "ui/Text.h"
 #include "ui/controls/ActionButton.h"
 #include "ui/controls/Label.h"
@@ -91,15 +92,17 @@ Label* makeErrorMessage(FeedbackService& service) {
 
 } // namespace
 
-FeedbackPreferencesView::FeedbackPreferencesView(FeedbackService& service) : service_(service) {
+FeedbackPreferencesView::FeedbackPreferencesView(SharedInstances& instances)
+    : service_(instances.feedbackService()) {
     service_.forgetResult(); // of the window that was open before
+    const auto missing = missingForFeedback(instances);
     auto* const states = new QStackedLayout(this);
-    states->addWidget(makeForm());
+    states->addWidget(makeForm(missing));
     states->addWidget(makeThanks());
     follow(*this, service_.sent, [states](bool sent) { states->setCurrentIndex(sent ? 1 : 0); });
 }
 
-QWidget* FeedbackPreferencesView::makeForm() {
+QWidget* FeedbackPreferencesView::makeForm(const QString& missing) {
     auto* const email = makeField(Text::tr("Email (optional)"), makeEmailField(service_));
     email->addWidget(new Label(Text::tr("Only if you'd like a reply."), TextStyle::note));
 
@@ -110,20 +113,24 @@ QWidget* FeedbackPreferencesView::makeForm() {
     column->addWidget(new Label(Text::tr("Help shape Nocta — share a suggestion, report a bug, or "
                                          "tell us what you think."),
                                 TextStyle::paragraph));
+    if (!missing.isEmpty()) {
+        column->addWidget(new Label(missing, TextStyle::note));
+    }
     column->addLayout(makeField(Text::tr("Category"), makeCategoryPicker(service_)));
     column->addLayout(makeField(Text::tr("Message"), makeMessageField(service_)));
     column->addLayout(email);
     column->addWidget(makeErrorMessage(service_));
-    column->addWidget(makeSendButton(), 0, Qt::AlignRight);
+    column->addWidget(makeSendButton(missing), 0, Qt::AlignRight);
     column->addStretch();
     return form;
 }
 
-QWidget* FeedbackPreferencesView::makeSendButton() {
+QWidget* FeedbackPreferencesView::makeSendButton(const QString& missing) {
     auto* const place = new QWidget;
     auto* const states = new QStackedLayout(place);
     auto* const button = new ActionButton(Text::tr("Send feedback"), ActionButton::Rank::prominent);
     button->setObjectName(QStringLiteral("sendButton"));
+    button->setToolTip(missing);
     connect(button, &QPushButton::clicked, this, [this] { service_.send(); });
     states->addWidget(button);
     auto* const progress = new ProgressBar(Text::tr("Send feedback"));

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "system/FeedbackService.h"
+#include "app/SharedInstances.h"
 
-#include <QVBoxLayout>
+#include <QString>
 #include <QWidget>
 
 namespace nocta {
@@ -11,12 +11,13 @@ namespace nocta {
 /// with the form.
 class FeedbackPreferencesView final : public QWidget {
 public:
-    explicit FeedbackPreferencesView(FeedbackService& service);
+    explicit FeedbackPreferencesView(SharedInstances& instances);
 
 private:
-    QWidget* makeForm();
+    // `missing` explains why nothing can be sent; it is empty if nothing is missing.
+    QWidget* makeForm(const QString& missing);
+    QWidget* makeSendButton(const QString& missing);
     QWidget* makeThanks();
-    QWidget* makeSendButton();
 
     FeedbackService& service_;
 };

@@ -32,7 +32,7 @@ QWidget* makePage(PreferencesTab tab, SharedInstances& instances) {
     case PreferencesTab::breaks:
         return new BreaksPreferencesView(instances);
     case PreferencesTab::feedback:
-        return new FeedbackPreferencesView(instances.feedbackService());
+        return new FeedbackPreferencesView(instances);
     case PreferencesTab::about:
         return new AboutPreferencesView(instances);
     }
