@@ -48,9 +48,10 @@ struct ServerWithOutputs : XServer {
 };
 
 /// The program's services on a real X server and the desktop's own event loop. The settings are in
-/// memory, or in a file on the disk.
+/// memory, or in a file on the disk. With `inMemoryBesideFile`, the settings are in memory, and the
+/// benchmark writes the file.
 struct SessionOnX11 {
-    enum class Store { inMemory, onDisk };
+    enum class Store { inMemory, onDisk, inMemoryBesideFile };
 
     explicit SessionOnX11(std::int64_t outputs, Store store = Store::inMemory)
         : server(outputs), userDefaults(store == Store::onDisk ? static_cast<DefaultsStore&>(onDisk)
@@ -102,11 +103,14 @@ struct SessionOnX11 {
 };
 
 /// Measures the time from writing a brightness to the settings until the requests to the X server
-/// are flushed. The second argument selects settings in memory or in a file, which is written
-/// later.
+/// are flushed. The second argument is a `Store`. The file is written after the flush, but its disk
+/// access slows down the next step. `inMemoryBesideFile` writes the same file between the steps,
+/// without storing a setting in it, so that it differs from `onDisk` only in what the file store
+/// does before the flush.
 void sliderToServer(benchmark::State& state) {
     using Clock = std::chrono::steady_clock;
-    SessionOnX11 session(state.range(0), static_cast<SessionOnX11::Store>(state.range(1)));
+    const auto store = static_cast<SessionOnX11::Store>(state.range(1));
+    SessionOnX11 session(state.range(0), store);
     double brightness = 0;
     for (auto _ : state) {
         brightness = brightness < 1 ? brightness + 0.01 : 0.1;
@@ -116,6 +120,10 @@ void sliderToServer(benchmark::State& state) {
         session.runLoop.post([&] { flushed = Clock::now(); }); // runs right after the flush
         QCoreApplication::processEvents();
         state.SetIterationTime(std::chrono::duration<double>(flushed - start).count());
+        if (store == SessionOnX11::Store::inMemoryBesideFile) {
+            session.onDisk.setDouble(brightness, "unifiedBrightness");
+            QCoreApplication::processEvents(); // ends the turn
+        }
         QCoreApplication::processEvents(); // writes the file
         session.desktop.trace.clear();
         session.connection
@@ -123,7 +131,7 @@ void sliderToServer(benchmark::State& state) {
     }
 }
 BENCHMARK(sliderToServer)
-    ->ArgsProduct({{1, 4}, {0, 1}})
+    ->ArgsProduct({{1, 4}, {0, 1, 2}})
     ->UseManualTime()
     ->Unit(benchmark::kMicrosecond);
 
