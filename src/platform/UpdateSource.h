@@ -26,6 +26,8 @@ struct AppcastItem {
     bool operator==(const AppcastItem&) const = default;
 };
 
+inline constexpr std::int64_t maxPackageSize = 1 << 25; ///< bytes
+
 /// A package that the publisher has signed. The control data inside the package name the program.
 struct Package {
     std::string path{}; ///< of the local file

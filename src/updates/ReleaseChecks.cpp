@@ -7,12 +7,6 @@
 
 namespace nocta {
 
-namespace {
-
-constexpr std::int64_t maxFileSize = 1 << 25; // bytes
-
-} // namespace
-
 std::string_view upstreamVersion(std::string_view packageVersion) {
     if (const auto colon = packageVersion.find(':'); colon != std::string_view::npos) {
         packageVersion.remove_prefix(colon + 1);
@@ -35,7 +29,7 @@ std::optional<std::string> problemWith(const AppcastItem& item) {
     if (item.edSignature.empty()) {
         return translatable("Nocta", "The file is not signed");
     }
-    if (item.length <= 0 || item.length > maxFileSize) {
+    if (item.length <= 0 || item.length > maxPackageSize) {
         return translatable("Nocta", "The feed gives no valid length for the file");
     }
     return std::nullopt;

@@ -19,13 +19,16 @@ bool isLetter(char c) {
 struct Part {
     std::string_view text;
     bool isWord = false;
+    bool isPrerelease = false;
 };
 
 /// Removes and returns the first part. Returns an empty part when nothing is left.
 Part takePart(std::string_view& version) {
-    version.remove_prefix(static_cast<std::size_t>(
+    const auto begin = static_cast<std::size_t>(
         std::ranges::find_if(version, [](char c) { return isDigit(c) || isLetter(c); }) -
-        version.begin()));
+        version.begin());
+    const auto isMarked = version.substr(0, begin).find('~') != std::string_view::npos;
+    version.remove_prefix(begin);
     if (version.empty()) {
         return {};
     }
@@ -37,12 +40,15 @@ Part takePart(std::string_view& version) {
     if (!isWord) {
         text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
     }
-    return {text, isWord};
+    return {text, isWord, isWord || isMarked};
 }
 
 std::weak_ordering compareParts(const Part& a, const Part& b) {
+    if (a.isPrerelease != b.isPrerelease) {
+        return a.isPrerelease ? std::weak_ordering::less : std::weak_ordering::greater;
+    }
     if (a.isWord != b.isWord) {
-        return a.isWord ? std::weak_ordering::less : std::weak_ordering::greater;
+        return a.isWord ? std::weak_ordering::greater : std::weak_ordering::less;
     }
     if (!a.isWord && a.text.size() != b.text.size()) {
         return a.text.size() <=> b.text.size();

@@ -2,7 +2,7 @@
 // outcome of each attempt. It is built without sanitizers, which need what is forbidden.
 //
 // Usage: nocta-confined JOB FOLDER FILE ATTEMPT...
-// JOB is "download", "verify" or "none". FOLDER is the folder that is allowed, FILE a file of the
+// JOB is "download", "verify" or "none". FOLDER is the folder of an open file, FILE a file of the
 // user's elsewhere.
 
 #include "backends/linux/fetch/Confinement.h"
@@ -16,6 +16,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <pthread.h>
 #include <sched.h>
 #include <spawn.h>
@@ -41,6 +42,7 @@ namespace {
 
 std::string folder;
 std::string file;
+int openFileDescriptor = -1; // a file that was opened before
 
 /// Returns 0 if the attempt succeeded, or else its errno.
 using Attempt = int (*)();
@@ -62,6 +64,12 @@ int startThread() {
     const auto error = pthread_create(
         &thread, nullptr, [](void* value) { return value; }, nullptr);
     return error != 0 ? error : pthread_join(thread, nullptr);
+}
+
+template <class Value>
+int setSocketOption(int level, int option, const Value& value) {
+    const auto client = socket(AF_INET, SOCK_STREAM, 0);
+    return client < 0 ? errno : outcome(setsockopt(client, level, option, &value, sizeof value));
 }
 
 int listenOnLoopback() {
@@ -122,6 +130,17 @@ constexpr std::array attempts = {
     Named{"truncate", [] { return outcome(truncate(file.c_str(), 0)); }},
     Named{"unlink", [] { return outcome(unlink(file.c_str())); }},
     Named{"rename", [] { return outcome(rename(file.c_str(), (file + "2").c_str())); }},
+    Named{"chmodAt", [] { return outcome(fchmodat(AT_FDCWD, file.c_str(), 0777, 0)); }},
+    Named{"unlinkAt", [] { return outcome(unlinkat(AT_FDCWD, file.c_str(), 0)); }},
+    Named{"renameAt", [] { return outcome(syscall(SYS_renameat2, AT_FDCWD, file.c_str(), AT_FDCWD, (file + "2").c_str(), 0)); }},
+    Named{"linkAt", [] { return outcome(linkat(AT_FDCWD, file.c_str(), AT_FDCWD, (file + "2").c_str(), 0)); }},
+    Named{"times", [] { return outcome(utimensat(AT_FDCWD, file.c_str(), nullptr, 0)); }},
+    Named{"truncateOpen", [] { return outcome(ftruncate(openFileDescriptor, 0)); }},
+    Named{"memoryFile", [] { return outcome(memfd_create("x", 0)); }},
+    Named{"writeOpen", [] { return outcome(write(openFileDescriptor, "x", 1)); }},
+    Named{"linger", [] { const linger value{1, 60}; return setSocketOption(SOL_SOCKET, SO_LINGER, value); }},
+    Named{"noDelay", [] { return setSocketOption(IPPROTO_TCP, TCP_NODELAY, 1); }},
+    Named{"threadWithOwnFiles", [] { return outcome(syscall(SYS_clone, CLONE_VM | CLONE_SIGHAND | CLONE_THREAD, nullptr, nullptr, nullptr, 0)); }},
     Named{"newPrivileges", [] { return outcome(prctl(PR_SET_NO_NEW_PRIVS, 0, 0, 0, 0)); }},
     Named{"unixSocket", [] { return makeSocket(AF_UNIX, SOCK_STREAM); }},
     Named{"datagramPair", [] { int ends[2]; return outcome(socketpair(AF_UNIX, SOCK_DGRAM, 0, ends)); }},
@@ -172,12 +191,9 @@ int main(int argumentCount, char** arguments) {
     const auto downloads = words[0] == "download";
     folder = words[1];
     file = words[2];
-    const auto descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (words[0] != "none" && !nocta::confine({.network = downloads,
-                                               .folder = descriptor,
-                                               .writesFolder = downloads,
-                                               .maxFileSize = 100'000, // includes the output
-                                               .maxMapped = downloads ? 0 : 1 << 20})) {
+    openFileDescriptor = open((folder + "/open").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    constexpr auto maxFileSize = 100'000; // bytes, includes the output
+    if (words[0] != "none" && !nocta::confine({.network = downloads, .maxFileSize = maxFileSize})) {
         return EXIT_FAILURE;
     }
     std::setvbuf(stdout, nullptr, _IONBF, 0); // an attempt may end the process

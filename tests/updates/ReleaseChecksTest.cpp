@@ -41,12 +41,12 @@ TEST(ReleaseChecks, SignatureAndLengthAreRequired) {
     item.edSignature = "";
     EXPECT_EQ(problemWith(item), "The file is not signed");
     for (const auto length :
-         {std::int64_t{0}, std::int64_t{-1}, (std::int64_t{1} << 25) + 1, std::int64_t{1} << 62}) {
+         {std::int64_t{0}, std::int64_t{-1}, maxPackageSize + 1, std::int64_t{1} << 62}) {
         item = good;
         item.length = length;
         EXPECT_EQ(problemWith(item), "The feed gives no valid length for the file") << length;
     }
-    item.length = std::int64_t{1} << 25;
+    item.length = maxPackageSize;
     EXPECT_EQ(problemWith(item), std::nullopt);
 }
 

@@ -10,6 +10,8 @@
 #include <initializer_list>
 #include <malloc.h>
 #include <memory>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sched.h>
 #include <seccomp.h>
 #include <sys/ioctl.h>
@@ -17,6 +19,7 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <utility>
 
 namespace nocta {
 
@@ -55,10 +58,10 @@ constexpr std::array freeCalls = {
 // clang-format on
 
 /// System calls on sockets. Sockets themselves are limited to the internet's.
-constexpr std::array socketCalls = {"connect",     "sendto",     "sendmsg",        "sendmmsg",
-                                    "recvfrom",    "recvmsg",    "recvmmsg",       "getsockname",
-                                    "getpeername", "getsockopt", "setsockopt",     "shutdown",
-                                    "send",        "recv",       "recvmmsg_time64"};
+constexpr std::array socketCalls = {"connect",     "sendto",         "sendmsg",  "sendmmsg",
+                                    "recvfrom",    "recvmsg",        "recvmmsg", "getsockname",
+                                    "getpeername", "getsockopt",     "shutdown", "send",
+                                    "recv",        "recvmmsg_time64"};
 
 bool limit(__rlimit_resource resource, rlim_t value) {
     const rlimit limits{value, value};
@@ -75,8 +78,7 @@ rlim_t mappedSize() {
 bool limitResources(const Needs& needs) {
     mallopt(M_ARENA_MAX, 1); // a second arena would reserve the whole address space
     const auto mapped = mappedSize();
-    return mapped != 0 &&
-           limit(RLIMIT_AS, mapped + maxGrowth + static_cast<rlim_t>(needs.maxMapped)) &&
+    return mapped != 0 && limit(RLIMIT_AS, mapped + maxGrowth) &&
            limit(RLIMIT_FSIZE, static_cast<rlim_t>(needs.maxFileSize)) &&
            limit(RLIMIT_NOFILE, maxDescriptors) && limit(RLIMIT_CPU, maxProcessorTime) &&
            limit(RLIMIT_CORE, 0);
@@ -113,6 +115,13 @@ void allowSockets(SystemCallFilter& filter) {
     for (const auto family : {AF_INET, AF_INET6}) {
         filter.allow("socket", {SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(family))});
     }
+    // Other options could let a socket block the process that it is passed to.
+    for (const auto& [level, option] :
+         {std::pair{IPPROTO_TCP, TCP_NODELAY}, std::pair{IPPROTO_IP, IP_RECVERR},
+          std::pair{IPPROTO_IPV6, IPV6_RECVERR}}) {
+        filter.allow("setsockopt", {SCMP_A1(SCMP_CMP_EQ, static_cast<scmp_datum_t>(level)),
+                                    SCMP_A2(SCMP_CMP_EQ, static_cast<scmp_datum_t>(option))});
+    }
     // The resolver's thread wakes the main thread through a pair. Datagram sockets could be
     // connected to another program afterward.
     constexpr scmp_datum_t typeMask = 0xf;
@@ -121,11 +130,11 @@ void allowSockets(SystemCallFilter& filter) {
 }
 
 void allowThreads(SystemCallFilter& filter) {
+    constexpr scmp_datum_t required = CLONE_THREAD | CLONE_FILES; // one limit on descriptors
     constexpr scmp_datum_t newNamespaces = CLONE_NEWNS | CLONE_NEWCGROUP | CLONE_NEWUTS |
                                            CLONE_NEWIPC | CLONE_NEWUSER | CLONE_NEWPID |
                                            CLONE_NEWNET;
-    filter.allow("clone",
-                 {SCMP_A0(SCMP_CMP_MASKED_EQ, CLONE_THREAD | newNamespaces, CLONE_THREAD)});
+    filter.allow("clone", {SCMP_A0(SCMP_CMP_MASKED_EQ, required | newNamespaces, required)});
 }
 
 bool limitSystemCalls(const Needs& needs) {
@@ -133,9 +142,9 @@ bool limitSystemCalls(const Needs& needs) {
     for (const auto* const name : freeCalls) {
         filter.allow(name);
     }
-    allowThreads(filter);
     if (needs.network) {
         allowSockets(filter);
+        allowThreads(filter); // the resolver has one
     }
     for (const auto command : {F_DUPFD, F_DUPFD_CLOEXEC, F_GETFD, F_SETFD, F_GETFL, F_SETFL}) {
         for (const auto* const name : {"fcntl", "fcntl64"}) {

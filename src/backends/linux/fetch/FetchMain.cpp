@@ -15,7 +15,6 @@
 #include <nlohmann/json.hpp>
 
 #include <array>
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <curl/curl.h>
@@ -113,19 +112,15 @@ bool loadFeed(const Json& request) {
 }
 
 bool download(const Json& request) {
-    const auto folder = openOwnFolder(request.at("folder"));
-    if (!folder) {
-        return send(FetchFailure{FetchError::fileNotSaved, errno});
-    }
     const auto length = request.at("length").get<std::int64_t>();
-    if (!confine({.network = true,
-                  .folder = folder.get(),
-                  .writesFolder = true,
-                  .maxFileSize = length,
-                  .certificates = request.at("certificates")})) {
+    PackageFile file(request.at("folder"), request.at("file"), length);
+    if (!confine(
+            {.network = true, .maxFileSize = length, .certificates = request.at("certificates")})) {
         return false;
     }
-    PackageFile file(folder.get(), request.at("file"), length);
+    if (const auto failure = file.add({})) {
+        return send(*failure);
+    }
     const auto step = length / 100; // bytes between two reports
     std::int64_t reported = 0;
     return load(
@@ -142,14 +137,12 @@ bool download(const Json& request) {
 }
 
 bool verify(const Json& request) {
-    const auto folder = openOwnFolder(request.at("folder"));
-    const auto length = request.at("length").get<std::int64_t>();
-    if (!confine({.folder = folder.get(), .maxMapped = length})) {
+    const MappedFile file(request.at("folder"), request.at("file"));
+    if (!confine({})) {
         return false;
     }
-    const MappedFile file(folder.get(), request.at("file"));
     const auto bytes = file.bytes();
-    if (bytes.size() != static_cast<std::size_t>(length) ||
+    if (bytes.size() != request.at("length").get<std::size_t>() ||
         !isSigned(bytes, request.at("signature").get<std::string>(),
                   request.at("key").get<std::string>())) {
         return send(FetchFailure{FetchError::notSigned});

@@ -12,15 +12,17 @@
 namespace nocta {
 
 // The messages between Nocta and nocta-fetch. Nocta sends one JSON object, the request, and closes
-// its side. The helper answers with JSON objects, one per line. `job` selects what the helper does:
+// its side. The helper answers with JSON objects, one per line. The request's `job` is one of
+// these:
 //
-// send      posts `body` to `url`, or requests `url` if the body is null. The answer is
-// FetchStatus. feed      reads the appcast at `url`. The answers are items, then FetchEnd. download
-// saves the file at `url` as `file` in `folder`. The answers are FetchProgress, then
-//           FetchEnd. The file has at most `length` bytes.
-// verify    checks the `length` and the `signature` of `file` in `folder` with `key`, and then
-//           reads the package's control data. This job does not use the network. The answer is the
-//           package, without its path.
+// - send: posts `body` to `url`, or requests `url` if the body is null. The answer is FetchStatus.
+// - feed: reads the appcast at `url`. The answers are items, then FetchEnd.
+// - download: saves the file at `url` as the new `file` in `folder`. The answers are FetchProgress,
+//   then FetchEnd. The file has at most `length` bytes.
+// - verify: checks the `length` and the `signature` of `file` in `folder` with `key`, and then
+// reads
+//   the package's control data. It does not use the network. The answer is the package, without its
+//   path.
 //
 // `headers` is an array of HTTP header lines; `certificates` a file of trusted authorities that
 // replaces the system's, or empty. The answer FetchFailure ends any job.
@@ -68,6 +70,7 @@ using FetchAnswer =
     std::variant<AppcastItem, Package, FetchProgress, FetchStatus, FetchEnd, FetchFailure>;
 
 inline constexpr std::size_t maxFetchLineSize = 1 << 16;    ///< bytes, with the line break
+inline constexpr std::size_t maxFetchAnswersSize = 1 << 20; ///< bytes of all lines of a job
 inline constexpr std::size_t maxReleaseNotesSize = 1 << 14; ///< bytes of UTF-8
 inline constexpr std::size_t maxVersionSize = 64;           ///< bytes
 inline constexpr std::size_t maxFeedValueSize = 2048;       ///< bytes; URLs are the longest values

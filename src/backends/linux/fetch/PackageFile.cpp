@@ -23,10 +23,14 @@ FileDescriptor openOwnFolder(const std::string& folder) {
     return descriptor;
 }
 
-PackageFile::PackageFile(int folder, const std::string& name, std::int64_t length)
-    : file_(
-          openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR)),
-      openError_(file_ ? 0 : errno), length_(length) {}
+PackageFile::PackageFile(const std::string& folder, const std::string& name, std::int64_t length)
+    : length_(length) {
+    if (const auto own = openOwnFolder(folder)) {
+        file_ = FileDescriptor(openat(own.get(), name.c_str(),
+                                      O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    }
+    openError_ = file_ ? 0 : errno;
+}
 
 std::optional<FetchFailure> PackageFile::add(std::string_view piece) {
     if (!file_) {
@@ -54,12 +58,13 @@ std::optional<FetchFailure> PackageFile::finish() const {
                                : std::nullopt;
 }
 
-MappedFile::MappedFile(int folder, const std::string& name) {
+MappedFile::MappedFile(const std::string& folder, const std::string& name) {
+    const auto own = openOwnFolder(folder);
     const FileDescriptor file(
-        openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        openat(own.get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        status.st_size == 0) {
+        status.st_size == 0 || status.st_size > maxPackageSize) {
         return;
     }
     const auto size = static_cast<std::size_t>(status.st_size);

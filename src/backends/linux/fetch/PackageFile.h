@@ -18,8 +18,9 @@ FileDescriptor openOwnFolder(const std::string& folder);
 /// A new file that arrives in pieces.
 class PackageFile {
 public:
-    /// `length` is in bytes, according to the feed. No file of this name may exist yet.
-    PackageFile(int folder, const std::string& name, std::int64_t length);
+    /// Creates the file in an own folder, as above. `length` is in bytes, according to the feed. No
+    /// file of this name may exist yet.
+    PackageFile(const std::string& folder, const std::string& name, std::int64_t length);
 
     // Each function returns the reason if the file is refused, or nothing.
     std::optional<FetchFailure> add(std::string_view piece);
@@ -30,20 +31,21 @@ public:
 
 private:
     FileDescriptor file_;
-    int openError_;
+    int openError_ = 0;
     std::int64_t length_;
     std::int64_t received_ = 0;
 };
 
-/// A file of a folder, mapped into memory for reading.
+/// A file of an own folder, mapped into memory for reading.
 class MappedFile {
 public:
-    MappedFile(int folder, const std::string& name);
+    MappedFile(const std::string& folder, const std::string& name);
     MappedFile(const MappedFile&) = delete;
     MappedFile& operator=(const MappedFile&) = delete;
     ~MappedFile();
 
-    /// Empty if the file is empty, is not a regular file, or cannot be read.
+    /// Empty if the file is empty, longer than `maxPackageSize`, is not a regular file, or cannot
+    /// be read.
     std::span<const unsigned char> bytes() const { return bytes_; }
 
 private:

@@ -1,5 +1,6 @@
 #include "backends/linux/network/Fetch.h"
 
+#include "backends/linux/Environment.h"
 #include "backends/linux/process/HelperProcess.h"
 #include "base/Deferred.h"
 #include "base/Timer.h"
@@ -14,8 +15,10 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace nocta {
 
@@ -44,7 +47,17 @@ constexpr std::array errorTexts = {
 };
 static_assert(errorTexts.size() == static_cast<std::size_t>(FetchError::count));
 
-constexpr int maxAnswers = 2000; // a feed has room for about 1,300 items
+/// The only variables that the helper gets, so that it cannot reveal the others.
+std::vector<std::string> proxySettings() {
+    std::vector<std::string> variables;
+    for (const auto* const name :
+         {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY", "no_proxy", "NO_PROXY"}) {
+        if (const auto value = environment(name); !value.empty()) {
+            variables.push_back(std::string(name) + "=" + value);
+        }
+    }
+    return variables;
+}
 
 /// One run of the helper. The handlers may end it.
 class Task : public std::enable_shared_from_this<Task> {
@@ -55,7 +68,8 @@ public:
 
     void start(RunLoop& runLoop, const nlohmann::json& request, std::chrono::milliseconds timeout) {
         const auto text = request.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-        if (!helper_.start("nocta-fetch") || !helper_.send(text.data(), text.size())) {
+        if (!helper_.start("nocta-fetch", {}, proxySettings()) ||
+            !helper_.send(text.data(), text.size())) {
             refuse_.request();
             return;
         }
@@ -79,10 +93,11 @@ private:
         if (length < 0 && errno == EAGAIN) {
             return;
         }
-        if (length <= 0) {
+        if (length <= 0 || received_ + static_cast<std::size_t>(length) > maxFetchAnswersSize) {
             fail(FetchError::broken);
             return;
         }
+        received_ += static_cast<std::size_t>(length);
         filled_ += static_cast<std::size_t>(length);
         std::size_t used = 0;
         while (handlers_ != nullptr) {
@@ -103,7 +118,7 @@ private:
     }
 
     void readAnswer(std::string_view line) {
-        const auto answer = ++answers_ > maxAnswers ? std::nullopt : parseFetchAnswer(line);
+        const auto answer = parseFetchAnswer(line);
         const auto handlers = handlers_; // a handler may end the task
         if (!answer) {
             fail(FetchError::broken);
@@ -130,7 +145,7 @@ private:
     std::shared_ptr<const FetchHandlers> handlers_; ///< null once the task has ended
     std::array<char, maxFetchLineSize> buffer_{};
     std::size_t filled_ = 0;
-    int answers_ = 0;
+    std::size_t received_ = 0;
     HelperProcess helper_;
     Timer timeout_;
     Deferred refuse_;

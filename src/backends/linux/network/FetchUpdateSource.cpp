@@ -51,7 +51,10 @@ public:
           didMakeProgress_(std::move(didMakeProgress)), completion_(std::move(completion)) {}
     Download(const Download&) = delete;
     Download& operator=(const Download&) = delete;
-    ~Download() { removePart(); }
+    ~Download() {
+        task_.cancel(); // before the file is removed, so that nothing creates it again
+        removePart();
+    }
 
     void start(Jobs jobs, std::int64_t length) {
         createPrivateFolders(file_.parent_path()); // nocta-fetch reports the error
@@ -70,11 +73,6 @@ public:
                                    finish({.error = errorOf(answer)});
                                }
                            }});
-    }
-
-    void cancel() {
-        task_.cancel();
-        removePart();
     }
 
 private:
@@ -161,10 +159,10 @@ Subscription FetchUpdateSource::download(const AppcastItem& item,
                                        {"length", item.length},
                                        {"signature", item.edSignature},
                                        {"key", std::string(bundle_.publicEdKey)}};
-    const auto download = std::make_shared<Download>(
-        runLoop_, folder_ / name, std::move(didMakeProgress), std::move(completion));
+    auto download = std::make_shared<Download>(runLoop_, folder_ / name, std::move(didMakeProgress),
+                                               std::move(completion));
     download->start({std::move(job), std::move(verification)}, item.length);
-    return Subscription([download] { download->cancel(); });
+    return Subscription([download]() mutable { download.reset(); });
 }
 
 bool FetchUpdateSource::exists(const Package& package) const {

@@ -45,6 +45,13 @@ private:
     posix_spawnattr_t attributes_;
 };
 
+/// A null-terminated list, as for exec.
+std::vector<char*> pointersTo(std::vector<std::string>& words) {
+    std::vector<char*> list(words.size() + 1, nullptr);
+    std::ranges::transform(words, list.begin(), [](std::string& word) { return word.data(); });
+    return list;
+}
+
 } // namespace
 
 std::string HelperProcess::path(const char* name) {
@@ -53,7 +60,8 @@ std::string HelperProcess::path(const char* name) {
     return (program.parent_path() / name).string();
 }
 
-bool HelperProcess::start(const char* name, const std::vector<std::string>& arguments) {
+bool HelperProcess::start(const char* name, const std::vector<std::string>& arguments,
+                          std::optional<std::vector<std::string>> variables) {
     int ends[2] = {-1, -1};
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
         return false;
@@ -64,15 +72,15 @@ bool HelperProcess::start(const char* name, const std::vector<std::string>& argu
     auto words = arguments;
     words.insert(words.begin(), path(name));
     words.emplace_back(helperProtocol);
-    std::vector<char*> list(words.size() + 1, nullptr);
-    std::ranges::transform(words, list.begin(), [](std::string& word) { return word.data(); });
+    const auto list = pointersTo(words);
+    const auto environment = variables ? pointersTo(*variables) : std::vector<char*>();
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, theirs.get(), STDOUT_FILENO);
     const SpawnAttributes attributes;
-    const auto error =
-        posix_spawn(&process_, words[0].c_str(), &actions, attributes.get(), list.data(), environ);
+    const auto error = posix_spawn(&process_, words[0].c_str(), &actions, attributes.get(),
+                                   list.data(), variables ? environment.data() : environ);
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0) {
         process_ = -1;

@@ -26,8 +26,10 @@ public:
 
     static std::string path(const char* name);
 
-    /// Returns false if the helper cannot be started.
-    bool start(const char* name, const std::vector<std::string>& arguments = {});
+    /// Returns false if the helper cannot be started. The helper gets the variables of the
+    /// environment that are given as NAME=VALUE, or else this process's own.
+    bool start(const char* name, const std::vector<std::string>& arguments = {},
+               std::optional<std::vector<std::string>> variables = {});
 
     /// Whether a helper was started and has not been waited for, killed or released since.
     bool isRunning() const { return process_ > 0; }

@@ -18,17 +18,12 @@ class PackageFileTest : public ::testing::Test {
 protected:
     TemporaryFolder temporary;
     std::string path = temporary.path() + "/updates";
-    FileDescriptor folder;
 
-    void SetUp() override {
-        ASSERT_EQ(mkdir(path.c_str(), 0700), 0);
-        folder = openOwnFolder(path);
-        ASSERT_TRUE(folder);
-    }
+    void SetUp() override { ASSERT_EQ(mkdir(path.c_str(), 0700), 0); }
 };
 
 TEST_F(PackageFileTest, CompleteFileIsSaved) {
-    PackageFile file(folder.get(), "a.deb", 5);
+    PackageFile file(path, "a.deb", 5);
     EXPECT_EQ(file.add("he"), std::nullopt);
     EXPECT_EQ(file.received(), 2);
     EXPECT_EQ(file.add("llo"), std::nullopt);
@@ -39,7 +34,7 @@ TEST_F(PackageFileTest, CompleteFileIsSaved) {
 }
 
 TEST_F(PackageFileTest, OtherLengthIsRefused) {
-    PackageFile file(folder.get(), "a.deb", 5);
+    PackageFile file(path, "a.deb", 5);
     EXPECT_EQ(file.add("hell"), std::nullopt);
     EXPECT_EQ(file.finish(), FetchFailure{FetchError::fileTooShort});
     EXPECT_EQ(file.add("o!"), FetchFailure{FetchError::fileTooLong});
@@ -51,7 +46,7 @@ TEST_F(PackageFileTest, ExistingFilesAndLinksAreNotOverwritten) {
     std::filesystem::create_symlink(path + "/old", path + "/link");
     std::filesystem::create_symlink(path + "/missing", path + "/dangling");
     for (const auto* const name : {"old", "link", "dangling"}) {
-        PackageFile file(folder.get(), name, 5);
+        PackageFile file(path, name, 5);
         EXPECT_EQ(file.add("hello"), (FetchFailure{FetchError::fileNotSaved, EEXIST})) << name;
         EXPECT_EQ(file.finish(), (FetchFailure{FetchError::fileNotSaved, EEXIST})) << name;
     }
@@ -74,11 +69,15 @@ TEST_F(PackageFileTest, FolderMustBelongToThisUserAlone) {
         EXPECT_FALSE(openOwnFolder(temporary.path() + other)) << other;
     }
     EXPECT_FALSE(openOwnFolder("/"));
+    PackageFile file(temporary.path() + "/link", "a.deb", 5);
+    EXPECT_EQ(file.add("hello"), (FetchFailure{FetchError::fileNotSaved, ENOTDIR}));
+    writeFile(path + "/a.deb", "hello");
+    EXPECT_TRUE(MappedFile(temporary.path() + "/link", "a.deb").bytes().empty());
 }
 
 TEST_F(PackageFileTest, RegularFileIsMapped) {
     writeFile(path + "/a.deb", "hello");
-    const MappedFile file(folder.get(), "a.deb");
+    const MappedFile file(path, "a.deb");
     EXPECT_EQ(std::string(file.bytes().begin(), file.bytes().end()), "hello");
 }
 
@@ -87,8 +86,10 @@ TEST_F(PackageFileTest, OnlyRegularFilesAreMapped) {
     writeFile(path + "/a.deb", "hello");
     std::filesystem::create_symlink("a.deb", path + "/link");
     ASSERT_EQ(mkfifo((path + "/pipe").c_str(), 0600), 0);
-    for (const auto* const name : {"empty", "link", "pipe", "missing", "."}) {
-        EXPECT_TRUE(MappedFile(folder.get(), name).bytes().empty()) << name;
+    writeFile(path + "/large", "x");
+    std::filesystem::resize_file(path + "/large", maxPackageSize + 1);
+    for (const auto* const name : {"empty", "link", "pipe", "missing", ".", "large"}) {
+        EXPECT_TRUE(MappedFile(path, name).bytes().empty()) << name;
     }
 }
 

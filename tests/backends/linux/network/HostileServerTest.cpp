@@ -157,7 +157,7 @@ protected:
         auto progress = updater.downloadProgress.get();
         auto deadline = std::chrono::steady_clock::now() + 60s;
         while (isRunning() && std::chrono::steady_clock::now() < deadline) {
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
             if (progress != updater.downloadProgress.get()) {
                 progress = updater.downloadProgress.get();
                 deadline = std::chrono::steady_clock::now() + 60s;
