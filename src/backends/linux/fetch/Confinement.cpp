@@ -8,7 +8,6 @@
 #include <fcntl.h>
 #include <fstream>
 #include <initializer_list>
-#include <malloc.h>
 #include <memory>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -76,7 +75,6 @@ rlim_t mappedSize() {
 }
 
 bool limitResources(const Needs& needs) {
-    mallopt(M_ARENA_MAX, 1); // a second arena would reserve the whole address space
     const auto mapped = mappedSize();
     return mapped != 0 && limit(RLIMIT_AS, mapped + maxGrowth) &&
            limit(RLIMIT_FSIZE, static_cast<rlim_t>(needs.maxFileSize)) &&

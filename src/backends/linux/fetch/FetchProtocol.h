@@ -19,7 +19,7 @@ namespace nocta {
 // - feed: reads the appcast at `url`. The answers are items, then FetchEnd.
 // - download: saves the file at `url` as the new `file` in `folder`. The answers are FetchProgress,
 //   then FetchEnd. The file has at most `length` bytes.
-// - verify: checks the `length` and the `signature` of `file` in `folder` with `key`, and then
+// - verify: checks the `signature` of `file` in `folder` with `key`, and then
 // reads
 //   the package's control data. It does not use the network. The answer is the package, without its
 //   path.

@@ -156,7 +156,6 @@ Subscription FetchUpdateSource::download(const AppcastItem& item,
     job["length"] = item.length;
     auto verification = nlohmann::json{{"job", "verify"},
                                        {"folder", folder_.string()},
-                                       {"length", item.length},
                                        {"signature", item.edSignature},
                                        {"key", std::string(bundle_.publicEdKey)}};
     auto download = std::make_shared<Download>(runLoop_, folder_ / name, std::move(didMakeProgress),
