@@ -148,7 +148,7 @@
     </message>
     <message>
         <source>You can always change these in System Preferences.</source>
-        <translation type="unfinished"></translation>
+        <translation>You can always change these in the system settings.</translation>
     </message>
     <message>
         <source>Allow</source>
@@ -176,7 +176,7 @@
     </message>
     <message>
         <source>Nocta lives in your menu bar — click the eye icon anytime to adjust your settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nocta lives in your panel — click the eye icon anytime to adjust your settings.</translation>
     </message>
     <message>
         <source>Launch Nocta at login</source>
@@ -224,7 +224,7 @@
     </message>
     <message>
         <source>Go dimmer than macOS allows</source>
-        <translation type="unfinished"></translation>
+        <translation>Go dimmer than your system allows</translation>
     </message>
     <message>
         <source>Automatic Warmth at Sunset</source>
@@ -330,7 +330,7 @@
     </message>
     <message>
         <source>Nocta extends your brightness range beyond what macOS allows. The setting applies to all your displays at once.</source>
-        <translation type="unfinished"></translation>
+        <translation>Nocta extends your brightness range beyond what your system allows. The setting applies to all your displays at once.</translation>
     </message>
     <message>
         <source>On your built-in display:</source>
@@ -422,7 +422,7 @@
     </message>
     <message>
         <source>Menu Bar Icon</source>
-        <translation type="unfinished"></translation>
+        <translation>Panel Icon</translation>
     </message>
     <message>
         <source>Switches your display to black &amp; white, reducing eye strain and making apps less appealing.</source>

@@ -2,6 +2,7 @@
 // and every control has a name and can be reached with the keyboard.
 
 #include "support/Face.h"
+#include "support/SourceTexts.h"
 #include "tour/PseudoLocale.h"
 #include "ui/Colors.h"
 
@@ -204,6 +205,14 @@ TEST_F(EveryViewTest, NothingIsCutOffOrUntranslatedInALongerLanguage) {
         expectNothingIsCutOff();
         for (const auto& text : everyText()) {
             EXPECT_TRUE(PseudoLocale::isTranslated(text)) << text.toStdString();
+        }
+    });
+}
+
+TEST_F(EveryViewTest, NoTextNamesAPartOfMacOS) {
+    visitAll([this] {
+        for (const auto& text : everyText()) {
+            EXPECT_FALSE(namesMacOS(text)) << text.toStdString();
         }
     });
 }

@@ -1,6 +1,7 @@
 #include "ui/Language.h"
 
 #include "support/Face.h"
+#include "support/SourceTexts.h"
 #include "ui/Descriptions.h"
 #include "ui/Text.h"
 
@@ -8,6 +9,7 @@
 #include <QFile>
 #include <QXmlStreamReader>
 
+#include <map>
 #include <set>
 
 namespace nocta {
@@ -33,15 +35,28 @@ public:
     bool isEmpty() const override { return false; }
 };
 
-std::set<QString> textsInFile() {
-    QFile file(QStringLiteral(NOCTA_SOURCE_DIR "/resources/translations/nocta_en.ts"));
+/// Returns the texts of the source in a translation file, each with its translation.
+std::map<QString, QString> translations(const char* name) {
+    QFile file(QStringLiteral(NOCTA_SOURCE_DIR "/resources/translations/") + QLatin1String(name));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     QXmlStreamReader reader(&file);
-    std::set<QString> texts;
+    std::map<QString, QString> found;
+    QString source;
     while (!reader.atEnd()) {
-        if (reader.readNextStartElement() && reader.name() == QStringLiteral("source")) {
-            texts.insert(reader.readElementText());
+        reader.readNext();
+        if (reader.isStartElement() && reader.name() == QStringLiteral("source")) {
+            source = reader.readElementText();
+        } else if (reader.isStartElement() && reader.name() == QStringLiteral("translation")) {
+            found[source] = reader.readElementText(QXmlStreamReader::IncludeChildElements);
         }
+    }
+    return found;
+}
+
+std::set<QString> textsInFile() {
+    std::set<QString> texts;
+    for (const auto& [source, translation] : translations("nocta_en.ts")) {
+        texts.insert(source);
     }
     return texts;
 }
@@ -64,6 +79,44 @@ TEST_F(LanguageTest, LanguageWithoutAFileFallsBackToEnglish) {
     const Language icelandic(QLocale(QStringLiteral("is_IS")));
     open(realViews.makePreferencesView());
     EXPECT_EQ(control<QComboBox>("intervalPicker").currentText(), "Every 1 minute");
+}
+
+TEST_F(LanguageTest, SourceNamesPartsOfMacOSAndItsTranslationNamesThoseOfLinux) {
+    std::set<QString> named;
+    for (const auto& [source, translation] : translations("nocta_en.ts")) {
+        if (namesMacOS(source)) {
+            named.insert(source);
+            EXPECT_FALSE(translation.isEmpty()) << source.toStdString();
+        }
+        EXPECT_FALSE(namesMacOS(translation)) << translation.toStdString();
+    }
+    EXPECT_EQ(named, (std::set<QString>{
+                         "Menu Bar Icon", "Go dimmer than macOS allows",
+                         "Nocta extends your brightness range beyond what macOS allows. The "
+                         "setting applies to all your displays at once.",
+                         "Nocta lives in your menu bar — click the eye icon anytime to adjust "
+                         "your settings.",
+                         "You can always change these in System Preferences."}));
+}
+
+TEST_F(LanguageTest, EveryEnglishLocaleNamesThePartsOfLinux) {
+    const SourceTexts sourceTexts; // hides the language that the views have installed
+    EXPECT_EQ(Text::tr("Menu Bar Icon"), "Menu Bar Icon");
+    for (const auto& locale :
+         {QLocale::c(), QLocale(QStringLiteral("en_US")), QLocale(QStringLiteral("is_IS"))}) {
+        const Language language(locale);
+        EXPECT_EQ(Text::tr("Menu Bar Icon"), "Panel Icon") << locale.name().toStdString();
+    }
+}
+
+TEST_F(LanguageTest, EnglishOfMacOSHasThePluralFormsAndNothingElse) {
+    const auto plurals = translations("plurals_en.ts");
+    EXPECT_EQ(plurals.size(), 3U);
+    const auto all = translations("nocta_en.ts");
+    for (const auto& [source, translation] : plurals) {
+        EXPECT_TRUE(source.contains(QStringLiteral("%n"))) << source.toStdString();
+        EXPECT_EQ(translation, all.at(source));
+    }
 }
 
 TEST_F(LanguageTest, TranslationFileContainsEveryTextThatIsShown) {

@@ -1,4 +1,5 @@
 #include "support/Face.h"
+#include "support/SourceTexts.h"
 
 #include <QSlider>
 
@@ -11,6 +12,7 @@ using namespace std::chrono_literals;
 
 class OnboardingViewTest : public Face {
 protected:
+    SourceTexts sourceTexts;
     int completions = 0;
 
     void SetUp() override {

@@ -1,4 +1,5 @@
 #include "support/Face.h"
+#include "support/SourceTexts.h"
 
 #include <QComboBox>
 #include <QSlider>
@@ -10,6 +11,8 @@ namespace {
 
 class PreferencesViewTest : public Face {
 protected:
+    SourceTexts sourceTexts;
+
     void SetUp() override { open(realViews.makePreferencesView()); }
 
     QTabBar& tabs() { return control<QTabBar>("preferencesTabs"); }

@@ -1,6 +1,7 @@
 // Checks every text and every symbol of every view, in reading order.
 
 #include "support/Face.h"
+#include "support/SourceTexts.h"
 #include "symbols/Symbol.h"
 #include "ui/StatusMenu.h"
 
@@ -196,6 +197,7 @@ private:
         return part.layout() == nullptr ? name.toStdString() : "";
     }
 
+    SourceTexts sourceTexts_;
     Lines lines_;
     QRect last_;
 };
