@@ -107,14 +107,6 @@
         </translation>
     </message>
     <message>
-        <source>Nocta cannot change the colors of the displays in this session.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
-        <source>Nocta cannot turn the displays gray on this desktop.</source>
-        <translation type="unfinished"></translation>
-    </message>
-    <message>
         <source>No location service is available on this desktop.</source>
         <translation type="unfinished"></translation>
     </message>
@@ -778,6 +770,26 @@
     </message>
     <message>
         <source>The package is not newer than this version</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nocta cannot darken the picture in this session.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nocta cannot warm the displays in this session.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The warmth of a style shows when Warmth is set to Manual.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Turn Break Timer off and on to start again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nocta cannot turn this desktop gray.</source>
         <translation type="unfinished"></translation>
     </message>
     <message>

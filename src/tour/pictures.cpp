@@ -82,7 +82,7 @@ void openPreferences(Stage& stage, int tab) {
 
 void sendFeedback(Stage& stage) {
     openPreferences(stage, 4);
-    stage.instances.feedbackService().message.set("The menu bar icon is hard to see.");
+    stage.instances.feedbackService().message.set("The icon is hard to see.");
     stage.instances.feedbackService().send();
 }
 
@@ -117,6 +117,12 @@ Scenes popovers() {
         {"popover-paused",
          [](Stage& stage) { openPopover(stage, Paused{PauseReason::userPaused}, false); }},
         {"popover-snoozed", [](Stage& stage) { openPopover(stage, Snoozed{}); }},
+        {"popover-missing",
+         [](Stage& stage) {
+             stage.desktop.displays.takesTables = false;
+             stage.desktop.filter.hasEntryPoint = false;
+             openPopover(stage, Paused{PauseReason::meeting});
+         }},
         {"popover-off",
          [](Stage& stage) {
              stage.instances.settingsManager().breakTimerEnabled.set(false);
@@ -133,6 +139,13 @@ Scenes preferences() {
         {"preferences-color-gray",
          [](Stage& stage) {
              stage.instances.settingsManager().grayscaleEnabled.set(true);
+             openPreferences(stage, 2);
+         }},
+        {"preferences-color-missing",
+         [](Stage& stage) {
+             stage.instances.settingsManager().locationEnabled.set(true);
+             stage.desktop.displays.takesTables = false;
+             stage.desktop.location.answer(AuthorizationStatus::restricted);
              openPreferences(stage, 2);
          }},
         {"preferences-breaks", [](Stage& stage) { openPreferences(stage, 3); }},
@@ -207,6 +220,11 @@ Scenes onboarding() {
          [](Stage& stage) {
              openOnboarding(stage, 1);
              stage.desktop.location.answer(AuthorizationStatus::authorized);
+         }},
+        {"onboarding-permissions-missing",
+         [](Stage& stage) {
+             openOnboarding(stage, 1);
+             stage.desktop.location.answer(AuthorizationStatus::restricted);
          }},
         {"onboarding-style",
          [](Stage& stage) {

@@ -77,6 +77,11 @@ QString breakStatusLine(const BreakState& state) {
         state);
 }
 
+bool isInMeeting(const BreakState& state) {
+    const auto* const paused = std::get_if<Paused>(&state);
+    return paused != nullptr && paused->reason == PauseReason::meeting;
+}
+
 QString temperatureDescription(std::int64_t kelvin) {
     return firstBelow(temperatures, static_cast<double>(kelvin), "Neutral");
 }

@@ -18,6 +18,9 @@ QString percentage(double fraction);
 /// Describes the state of the break timer in a few words.
 QString breakStatusLine(const BreakState& state);
 
+/// Returns whether a meeting has paused the countdown.
+bool isInMeeting(const BreakState& state);
+
 /// Describes a color temperature in a word or two. The thresholds differ from those of
 /// `warmthWord`.
 QString temperatureDescription(std::int64_t kelvin);

@@ -7,14 +7,17 @@ namespace nocta {
 QString missingForBrightness(SharedInstances& instances) {
     return instances.desktop().gammaOutput.isAvailable()
                ? QString()
-               : Text::tr("Nocta cannot change the colors of the displays in this session.");
+               : Text::tr("Nocta cannot darken the picture in this session.");
 }
 
 QString missingForWarmth(SharedInstances& instances) {
-    const auto missing = missingForBrightness(instances);
-    return !missing.isEmpty() || instances.desktop().gammaOutput.warmth() != Warmth::none
-               ? missing
-               : Text::tr("Nocta can dim the displays of this desktop, but not warm them.");
+    const auto& output = instances.desktop().gammaOutput;
+    if (!output.isAvailable()) {
+        return Text::tr("Nocta cannot warm the displays in this session.");
+    }
+    return output.warmth() == Warmth::none
+               ? Text::tr("Nocta can dim the displays of this desktop, but not warm them.")
+               : QString();
 }
 
 QString noteOnWarmth(SharedInstances& instances) {
@@ -26,7 +29,7 @@ QString noteOnWarmth(SharedInstances& instances) {
 QString missingForGrayscale(SharedInstances& instances) {
     return instances.grayscaleService().isAvailable()
                ? QString()
-               : Text::tr("Nocta cannot turn the displays gray on this desktop.");
+               : Text::tr("Nocta cannot turn this desktop gray.");
 }
 
 QString missingForLocation(SharedInstances& instances) {

@@ -6,9 +6,9 @@
 
 namespace nocta {
 
-// If this desktop lacks something that a control needs, the control still writes its setting. Its
-// tool tip, which screen readers also read, explains what is missing. These functions return the
-// text of the tool tip, which is empty if nothing is missing.
+// If this desktop lacks something that a control needs, the control still writes its setting, and a
+// note next to it says what is missing. These functions return the text of the note, which is empty
+// if nothing is missing.
 
 QString missingForBrightness(SharedInstances& instances);
 QString missingForWarmth(SharedInstances& instances);

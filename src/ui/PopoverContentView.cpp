@@ -37,6 +37,13 @@ QHBoxLayout* makeRow() {
     return row;
 }
 
+/// Keeps the room of a hidden widget free, because the popover does not grow while it is open.
+void keepRoom(QWidget& widget) {
+    auto policy = widget.sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    widget.setSizePolicy(policy);
+}
+
 } // namespace
 
 PopoverContentView::PopoverContentView(SharedInstances& instances,
@@ -53,6 +60,7 @@ PopoverContentView::PopoverContentView(SharedInstances& instances,
     column->addSpacing(sectionSpacing);
     addBreakTimer(*column);
     column->addStretch();
+    column->addSpacing(sectionSpacing / 2);
     column->addWidget(new Hairline);
     column->addSpacing(sectionSpacing / 2);
     addFooter(*column, std::move(showPreferences));
@@ -80,33 +88,37 @@ void PopoverContentView::addWarmth(QVBoxLayout& column) {
     follow(*caption, settings_.autoWarmthEnabled, [choice, caption, slider](bool isAutomatic) {
         choice->setCurrentWidget(isAutomatic ? static_cast<QWidget*>(caption) : slider);
     });
-    if (instances_.desktop().gammaOutput.warmth() != Warmth::byTables) {
-        auto* const note = new Label(noteOnWarmth(instances_), TextStyle::secondary);
-        note->setObjectName(QStringLiteral("warmthNote"));
-        note->setWordWrap(true);
-        column.addWidget(note);
-    }
+    column.addWidget(makeNote(noteOnWarmth(instances_), {picker, slider}));
 }
 
 void PopoverContentView::addEyeRelief(QVBoxLayout& column) {
     auto* const row = makeRow();
     row->addWidget(new SymbolView(QStringLiteral("circle.lefthalf.filled"), symbolSize));
-    row->addWidget(makeGrayscaleToggle(Text::tr("Eye Relief"), instances_));
+    auto* const toggle = makeGrayscaleToggle(Text::tr("Eye Relief"), instances_);
+    row->addWidget(toggle);
     column.addLayout(row);
+    column.addWidget(makeNote(missingForGrayscale(instances_), {toggle}));
 }
 
 void PopoverContentView::addBreakTimer(QVBoxLayout& column) {
-    column.addWidget(
-        makeToggle(Text::tr("Break Timer"), "breakTimerToggle", settings_.breakTimerEnabled));
-
+    auto* const toggle =
+        makeToggle(Text::tr("Break Timer"), "breakTimerToggle", settings_.breakTimerEnabled);
+    column.addWidget(toggle);
     auto* const status = new Label({}, TextStyle::secondary);
     status->setObjectName(QStringLiteral("breakStatus"));
-    follow(*status, instances_.breakTimer().state, [this, status](const BreakState& state) {
-        const FaultContext context(
-            {settings_.breakIntervalMinutes.origin(), settings_.breakDurationSeconds.origin()});
-        status->setText(breakStatusLine(state));
-    });
     column.addWidget(status);
+    auto* const note =
+        new Label(Text::tr("Turn Break Timer off and on to start again."), TextStyle::note);
+    keepRoom(*note);
+    column.addWidget(note);
+    follow(*status, instances_.breakTimer().state,
+           [this, toggle, status, note](const BreakState& state) {
+               const FaultContext context({settings_.breakIntervalMinutes.origin(),
+                                           settings_.breakDurationSeconds.origin()});
+               status->setText(breakStatusLine(state));
+               note->setVisible(isInMeeting(state));
+               toggle->setAccessibleDescription(note->isHidden() ? QString() : note->text());
+           });
 }
 
 void PopoverContentView::addFooter(QVBoxLayout& column, std::function<void()> showPreferences) {
@@ -117,6 +129,7 @@ void PopoverContentView::addFooter(QVBoxLayout& column, std::function<void()> sh
     auto* const updates = new FooterButton(QStringLiteral("arrow.triangle.2.circlepath"),
                                            Text::tr("Check for Updates"));
     updates->setObjectName(QStringLiteral("checkForUpdatesButton"));
+    updates->setToolTip(missingForUpdates(instances_));
     bindToUpdateCheck(*updates, instances_);
 
     auto* const quit = new FooterButton(QStringLiteral("power"), Text::tr("Quit Nocta"));

@@ -6,12 +6,36 @@
 #include "ui/Missing.h"
 #include "ui/Text.h"
 #include "ui/controls/CustomSlider.h"
-#include "ui/controls/Label.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
 namespace nocta {
+
+namespace {
+
+void describe(const std::vector<QWidget*>& controls, const QString& text) {
+    for (auto* const control : controls) {
+        control->setAccessibleDescription(text);
+    }
+}
+
+} // namespace
+
+Label* makeNote(const QString& text, const std::vector<QWidget*>& controls) {
+    auto* const note = new Label(text, TextStyle::note);
+    if (text.isEmpty()) {
+        note->hide();
+    }
+    describe(controls, text);
+    return note;
+}
+
+void setNote(Label& note, const QString& text, const std::vector<QWidget*>& controls) {
+    note.setText(text);
+    note.setVisible(!text.isEmpty());
+    describe(controls, text);
+}
 
 QWidget* makeLevelHeading(const QString& name, const char* identifier, Setting<double>& setting) {
     auto* const heading = new QWidget;
@@ -39,8 +63,8 @@ QWidget* makeBrightnessField(SharedInstances& instances) {
     auto* const slider =
         new CustomSlider(Text::tr("Brightness"), brightness, {.lower = 0, .upper = 1}, accentColor);
     slider->setObjectName(QStringLiteral("brightnessSlider"));
-    slider->setToolTip(missingForBrightness(instances));
     column->addWidget(slider);
+    column->addWidget(makeNote(missingForBrightness(instances), {slider}));
     return field;
 }
 
@@ -48,7 +72,6 @@ WarmthSlider* makeWarmthSlider(SharedInstances& instances) {
     auto* const slider =
         new WarmthSlider(Text::tr("Warmth"), instances.settingsManager().warmthLevel);
     slider->setObjectName(QStringLiteral("warmthSlider"));
-    slider->setToolTip(missingForWarmth(instances));
     return slider;
 }
 
@@ -60,10 +83,7 @@ Switch* makeToggle(const QString& text, const char* identifier, Setting<bool>& s
 }
 
 Switch* makeGrayscaleToggle(const QString& text, SharedInstances& instances) {
-    auto* const toggle =
-        makeToggle(text, "grayscaleToggle", instances.settingsManager().grayscaleEnabled);
-    toggle->setToolTip(missingForGrayscale(instances));
-    return toggle;
+    return makeToggle(text, "grayscaleToggle", instances.settingsManager().grayscaleEnabled);
 }
 
 Switch* makeLaunchAtLoginToggle(const QString& text, LaunchAtLoginService& service) {
@@ -77,7 +97,6 @@ Switch* makeLaunchAtLoginToggle(const QString& text, LaunchAtLoginService& servi
 void bindToUpdateCheck(QAbstractButton& button, SharedInstances& instances) {
     auto& updater = instances.desktop().updater;
     follow(button, updater.canCheckForUpdates, [&button](bool can) { button.setEnabled(can); });
-    button.setToolTip(missingForUpdates(instances));
     QObject::connect(&button, &QAbstractButton::clicked, &button,
                      [&updater] { updater.checkForUpdates(); });
 }

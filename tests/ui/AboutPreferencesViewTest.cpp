@@ -68,8 +68,9 @@ TEST_F(AboutPreferencesViewTest, ReasonForUnavailableChecksIsShown) {
                     "The system's package manager updates Nocta."}}) {
         desktop.updater.present = availability;
         openAbout();
-        EXPECT_EQ(check().toolTip(), reason);
         EXPECT_TRUE(shows(reason));
+        EXPECT_EQ(check().accessibleDescription(), reason);
+        EXPECT_EQ(check().toolTip(), "") << "the note is visible";
         click("autoCheckToggle");
     }
     EXPECT_EQ(calls("setAutomaticallyChecksForUpdates").size(), 2U)

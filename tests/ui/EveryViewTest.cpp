@@ -89,6 +89,14 @@ protected:
         QApplication::setLayoutDirection(Qt::LeftToRight);
     }
 
+    /// Makes every view show all of its notes.
+    void takeFeaturesAway() {
+        desktop.displays.takesTables = false;
+        desktop.filter.hasEntryPoint = false;
+        desktop.location.answer(AuthorizationStatus::restricted);
+        breakTimer().state.set(Paused{PauseReason::meeting});
+    }
+
     void visitAll(const std::function<void()>& look) {
         for (const auto& place : places()) {
             SCOPED_TRACE(place.name);
@@ -199,7 +207,13 @@ TEST_F(EveryViewTest, NothingIsCutOffInEnglish) {
     visitAll([this] { expectNothingIsCutOff(); });
 }
 
+TEST_F(EveryViewTest, NothingIsCutOffWhereFeaturesAreMissing) {
+    takeFeaturesAway();
+    visitAll([this] { expectNothingIsCutOff(); });
+}
+
 TEST_F(EveryViewTest, NothingIsCutOffOrUntranslatedInALongerLanguage) {
+    takeFeaturesAway();
     const InPseudoLocale language;
     visitAll([this] {
         expectNothingIsCutOff();

@@ -77,6 +77,37 @@ TEST_F(OnboardingViewTest, RefusalKeepsTheButtonAndTurnsLocationOff) {
     EXPECT_TRUE(shows("Choose Your Style"));
 }
 
+TEST_F(OnboardingViewTest, NoteSaysWhyTheLocationCannotBeAllowed) {
+    const auto* const noService = "No location service is available on this desktop.";
+    const auto* const refused = "The desktop's settings do not let Nocta use your location.";
+    goTo(1);
+    const auto expectShown = [&](bool isMissing, bool isRefused) {
+        EXPECT_EQ(shows(noService), isMissing);
+        EXPECT_EQ(shows(refused), isRefused);
+    };
+    expectShown(false, false);
+    click("allowButton");
+    desktop.location.answer(AuthorizationStatus::restricted);
+    expectShown(true, false);
+    EXPECT_EQ(button("allowButton").accessibleDescription(), noService);
+    EXPECT_EQ(button("allowButton").toolTip(), "") << "the note is visible";
+    desktop.location.answer(AuthorizationStatus::denied);
+    expectShown(false, true);
+    desktop.location.answer(AuthorizationStatus::authorized);
+    expectShown(false, false);
+}
+
+TEST_F(OnboardingViewTest, StyleSaysWhenItsWarmthShows) {
+    const auto* const note = "The warmth of a style shows when Warmth is set to Manual.";
+    goTo(1);
+    EXPECT_FALSE(shows(note));
+    click("Continue");
+    EXPECT_TRUE(shows(note));
+    for (const auto* const name : {"Everyday", "Night Owl", "Focus"}) {
+        EXPECT_TRUE(button(name).accessibleDescription().endsWith(note)) << name;
+    }
+}
+
 TEST_F(OnboardingViewTest, CardDescribesItsProfile) {
     goTo(2);
     for (const auto* const text :

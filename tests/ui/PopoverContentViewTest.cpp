@@ -236,29 +236,65 @@ TEST_F(PopoverContentViewTest, ClosedViewDoesNotUpdate) {
     EXPECT_EQ(changeAll(), 0);
 }
 
-TEST_F(PopoverContentViewTest, ToolTipNamesTheMissingFeatureAndTheSettingIsStillWritten) {
-    EXPECT_EQ(slider().toolTip(), "");
+TEST_F(PopoverContentViewTest, NoteNamesTheMissingFeatureAndTheSettingIsStillWritten) {
+    const auto* const brightnessNote = "Nocta cannot darken the picture in this session.";
+    const auto* const warmthNote = "Nocta cannot warm the displays in this session.";
+    EXPECT_FALSE(shows(brightnessNote));
+    EXPECT_FALSE(shows(warmthNote));
     desktop.displays.takesTables = false;
     open(realViews.makePopoverContentView([] {}), QSize(300, 280));
-    EXPECT_FALSE(slider().toolTip().isEmpty());
+    EXPECT_TRUE(shows(brightnessNote));
+    EXPECT_TRUE(shows(warmthNote));
+    EXPECT_EQ(slider().accessibleDescription(), brightnessNote);
+    EXPECT_EQ(warmth().accessibleDescription(), warmthNote);
+    EXPECT_EQ(slider().toolTip(), "") << "the note is visible";
     EXPECT_TRUE(slider().isEnabled());
     QTest::keyClick(&slider(), Qt::Key_Left);
     EXPECT_EQ(brightness(), 0.74);
 }
 
 TEST_F(PopoverContentViewTest, NoteSaysHowTheDisplaysAreWarmed) {
-    const auto note = [this] {
-        open(realViews.makePopoverContentView([] {}), QSize(300, 310));
-        const auto* const label = widget().findChild<QLabel*>("warmthNote");
-        return label == nullptr ? QString() : label->text();
+    const auto* const noWarmth = "Nocta can dim the displays of this desktop, but not warm them.";
+    const auto* const nightLight = "Nocta warms the displays through KDE's Night Light.";
+    const auto expectShown = [&](bool isMissing, bool isNightLight) {
+        open(realViews.makePopoverContentView([] {}), QSize(300, 280));
+        EXPECT_EQ(shows(noWarmth), isMissing);
+        EXPECT_EQ(shows(nightLight), isNightLight);
     };
-    EXPECT_EQ(note(), QString());
+    expectShown(false, false);
     desktop.displays.shownWarmth = Warmth::none;
-    EXPECT_EQ(note(), "Nocta can dim the displays of this desktop, but not warm them.");
-    EXPECT_FALSE(warmth().toolTip().isEmpty());
+    expectShown(true, false);
     desktop.displays.shownWarmth = Warmth::byNightLight;
-    EXPECT_EQ(note(), "Nocta warms the displays through KDE's Night Light.");
-    EXPECT_TRUE(warmth().toolTip().isEmpty()) << "no feature is missing";
+    expectShown(false, true);
+}
+
+TEST_F(PopoverContentViewTest, SecondLineSaysHowToStartTheCountdownAfterAMeeting) {
+    const auto* const note = "Turn Break Timer off and on to start again.";
+    launch();
+    for (const auto& state : std::vector<BreakState>{
+             Counting{59}, Active{1}, Paused{PauseReason::userPaused}, Snoozed{}, Idle{}}) {
+        breakTimer().state.set(state);
+        EXPECT_FALSE(shows(note)) << status().toStdString();
+    }
+    breakTimer().start();
+    desktop.workspace.bringToFront(RunningApplication{"us.zoom.xos", "Zoom"});
+    desktop.runLoop.advance(5s);
+    EXPECT_EQ(status(), "In meeting");
+    EXPECT_TRUE(shows(note));
+    EXPECT_EQ(button("breakTimerToggle").accessibleDescription(), note);
+    widget().resize(300, std::max(280, widget().heightForWidth(300)));
+    EXPECT_EQ(widget().height(), 280) << "the popover should not need to grow";
+    desktop.workspace.bringToFront(RunningApplication{"org.gnome.Terminal", "Terminal"});
+    desktop.runLoop.advance(5s);
+    EXPECT_TRUE(shows(note));
+
+    click("breakTimerToggle");
+    EXPECT_FALSE(shows(note));
+    EXPECT_EQ(button("breakTimerToggle").accessibleDescription(), "");
+    click("breakTimerToggle");
+    EXPECT_EQ(status(), "20m left");
+    desktop.runLoop.advance(1min);
+    EXPECT_EQ(status(), "19m left");
 }
 
 } // namespace

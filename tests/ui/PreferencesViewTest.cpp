@@ -201,27 +201,61 @@ TEST_F(PreferencesViewTest, StatisticsFollowTheTimer) {
     EXPECT_EQ(text("completionRate"), "71%");
 }
 
-TEST_F(PreferencesViewTest, ToolTipExplainsWhyLocationIsUnavailable) {
-    EXPECT_EQ(button("grayscaleToggle").toolTip(), "");
-    EXPECT_EQ(button("locationToggle").toolTip(), "");
-    const auto shown = [&] { return button("locationToggle").toolTip(); };
+TEST_F(PreferencesViewTest, SecondLineExplainsWhyTheLocationIsUnavailable) {
+    const auto* const noService = "No location service is available on this desktop.";
+    const auto* const refused = "The desktop's settings do not let Nocta use your location.";
+    choose("Color");
+    settings().locationEnabled.set(true);
+    const auto expectShown = [&](bool isMissing, bool isRefused) {
+        EXPECT_TRUE(shows("Using your location for accurate sunrise/sunset times."));
+        EXPECT_EQ(shows(noService), isMissing);
+        EXPECT_EQ(shows(refused), isRefused);
+    };
+    expectShown(false, false);
     desktop.location.answer(AuthorizationStatus::restricted);
-    EXPECT_EQ(shown(), "No location service is available on this desktop.");
+    expectShown(true, false);
+    EXPECT_EQ(button("locationToggle").accessibleDescription(), noService);
+    EXPECT_EQ(button("locationToggle").toolTip(), "") << "the note is visible";
     desktop.location.answer(AuthorizationStatus::denied);
-    EXPECT_EQ(shown(), "The desktop's settings do not let Nocta use your location.");
+    settings().locationEnabled.set(true); // the refusal turned it off
+    expectShown(false, true);
     desktop.location.answer(AuthorizationStatus::authorized);
-    EXPECT_EQ(shown(), "");
+    expectShown(false, false);
+    EXPECT_EQ(button("locationToggle").accessibleDescription(), "");
 }
 
-TEST_F(PreferencesViewTest, ToolTipExplainsThatTheGrayFilterIsMissing) {
+TEST_F(PreferencesViewTest, NoteSaysThatTheDisplaysCannotBeWarmed) {
+    const auto* const note = "Nocta cannot warm the displays in this session.";
+    choose("Color");
+    EXPECT_EQ(shownTexts().count(note), 0);
+    desktop.displays.takesTables = false;
+    open(realViews.makePreferencesView());
+    choose("Color");
+    EXPECT_EQ(shownTexts().count(note), 2) << "one for the slider, one for the automatic mode";
+    for (const auto* const name :
+         {"warmthSlider", "autoWarmthToggle", "dayTemperature", "nightTemperature"}) {
+        EXPECT_EQ(control(name).accessibleDescription(), note) << name;
+    }
+    choose("Brightness");
+    EXPECT_TRUE(shows("Nocta cannot darken the picture in this session."));
+}
+
+TEST_F(PreferencesViewTest, NoteSaysThatTheGrayFilterIsMissing) {
+    const auto* const note = "Nocta cannot turn this desktop gray.";
+    EXPECT_FALSE(shows(note));
     view.reset();
     dropProgram();
     desktop.filter.hasEntryPoint = false;
     WidgetViews anew(instances());
-    open(anew.makePreferencesView());
-    EXPECT_FALSE(button("grayscaleToggle").toolTip().isEmpty());
-    click("grayscaleToggle");
-    EXPECT_TRUE(settings().grayscaleEnabled.get());
+    const SourceTexts source;
+    for (const auto isPopover : {false, true}) {
+        open(isPopover ? anew.makePopoverContentView([] {}) : anew.makePreferencesView());
+        EXPECT_TRUE(shows(note));
+        EXPECT_EQ(button("grayscaleToggle").accessibleDescription(), note);
+        EXPECT_EQ(button("grayscaleToggle").toolTip(), "") << "the note is visible";
+        click("grayscaleToggle");
+        EXPECT_EQ(settings().grayscaleEnabled.get(), !isPopover);
+    }
     view.reset();
 }
 

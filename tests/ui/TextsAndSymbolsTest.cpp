@@ -225,6 +225,43 @@ TEST_F(TextsAndSymbolsTest, Popover) {
     EXPECT_EQ(shown(), expected);
 }
 
+TEST_F(TextsAndSymbolsTest, NotesFollowTheControlsThatHaveNoEffect) {
+    desktop.displays.takesTables = false;
+    desktop.filter.hasEntryPoint = false;
+    desktop.location.answer(AuthorizationStatus::restricted);
+    const std::string noBrightness = "Nocta cannot darken the picture in this session.";
+    const std::string noWarmth = "Nocta cannot warm the displays in this session.";
+    const std::string noGray = "Nocta cannot turn this desktop gray.";
+    const std::string noLocation = "No location service is available on this desktop.";
+    const auto expectBelow = [this](const Lines& lines, const std::string& control,
+                                    const std::string& note) {
+        const auto place = std::ranges::find(lines, control);
+        ASSERT_NE(place, lines.end()) << control;
+        EXPECT_EQ(*std::next(place), note);
+    };
+    breakTimer().state.set(Paused{PauseReason::meeting});
+    open(realViews.makePopoverContentView([] {}), QSize(300, 280));
+    const auto popover = shown();
+    expectBelow(popover, "slider Brightness", noBrightness);
+    expectBelow(popover, "Adjusts with sunset", noWarmth);
+    expectBelow(popover, "switch Eye Relief", noGray);
+    expectBelow(popover, "In meeting", "Turn Break Timer off and on to start again.");
+
+    expectBelow(preferences(0), "switch Eye Relief mode", noGray);
+    expectBelow(preferences(1), "slider Brightness", noBrightness);
+    expectBelow(preferences(2), "slider Warmth", noWarmth);
+    expectBelow(preferences(2), "switch Auto-adjust based on time", noWarmth);
+    expectBelow(preferences(2), "Using default times (6:30 AM / 6:30 PM).", noLocation);
+
+    expectBelow(onboarding(1), "button Allow", noLocation);
+    onboarding(2);
+    click("Adjust settings");
+    const auto adjustments = shown();
+    expectBelow(adjustments, "slider Brightness", noBrightness);
+    expectBelow(adjustments, "switch Eye Relief mode", noGray);
+    EXPECT_EQ(std::ranges::count(adjustments, noWarmth), 1);
+}
+
 TEST_F(TextsAndSymbolsTest, GeneralPreferences) {
     EXPECT_EQ(preferences(0),
               (Lines{"Startup", "switch Launch at login", "Menu Bar Icon", "choice <eye> Eye",
@@ -371,6 +408,7 @@ TEST_F(TextsAndSymbolsTest, OnboardingStyle) {
     for (const auto& card : {everyday, nightOwl, focus}) {
         expected.insert(expected.end(), card.begin(), card.end());
     }
+    expected.emplace_back("The warmth of a style shows when Warmth is set to Manual.");
     auto closed = expected;
     closed.insert(closed.end(),
                   {"button <chevron.down> Adjust settings", "button Back", "button Continue"});

@@ -3,12 +3,13 @@
 #include "ui/Binding.h"
 #include "ui/Descriptions.h"
 #include "ui/Missing.h"
+#include "ui/SettingControls.h"
 #include "ui/Text.h"
 #include "ui/controls/ActionButton.h"
-#include "ui/controls/Label.h"
 #include "ui/controls/SymbolView.h"
 #include "ui/onboarding/StepLayout.h"
 
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
@@ -35,7 +36,7 @@ PermissionsStep::PermissionsStep(SharedInstances& instances) {
     follow(*location, service.authorizationStatus,
            [location, &instances](AuthorizationStatus status) {
                location->setGranted(isGranted(status));
-               location->button().setToolTip(missingForLocation(instances));
+               location->setMissing(missingForLocation(instances));
            });
     column->addWidget(location);
     column->addStretch();
@@ -49,7 +50,8 @@ PermissionRow::PermissionRow(const QString& icon, const QString& title, const QS
                              bool isOptional, std::function<void()> action)
     : allow_(new ActionButton(Text::tr("Allow"))),
       granted_(
-          new SymbolView(QStringLiteral("checkmark.circle.fill"), checkSize, SymbolColor::accent)) {
+          new SymbolView(QStringLiteral("checkmark.circle.fill"), checkSize, SymbolColor::accent)),
+      missing_(makeNote({}, {})) {
     allow_->setObjectName(QStringLiteral("allowButton"));
     allow_->setAccessibleName(Text::tr("Allow: %1").arg(title));
     connect(allow_, &QPushButton::clicked, this, std::move(action));
@@ -67,18 +69,24 @@ PermissionRow::PermissionRow(const QString& icon, const QString& title, const QS
     texts->addLayout(heading);
     texts->addWidget(new Label(description, TextStyle::paragraph));
 
-    auto* const row = new QHBoxLayout(this);
+    auto* const row = new QGridLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(spacing);
-    row->addWidget(new SymbolView(icon, symbolSize, SymbolColor::accent));
-    row->addLayout(texts, 1);
-    row->addWidget(allow_);
-    row->addWidget(granted_);
+    row->setHorizontalSpacing(spacing);
+    row->setColumnStretch(1, 1);
+    row->addWidget(new SymbolView(icon, symbolSize, SymbolColor::accent), 0, 0);
+    row->addLayout(texts, 0, 1);
+    row->addWidget(allow_, 0, 2);
+    row->addWidget(granted_, 0, 2); // only one of the two is visible
+    row->addWidget(missing_, 1, 1, 1, 2);
 }
 
 void PermissionRow::setGranted(bool isGranted) {
     allow_->setVisible(!isGranted);
     granted_->setVisible(isGranted);
+}
+
+void PermissionRow::setMissing(const QString& text) {
+    setNote(*missing_, text, {allow_});
 }
 
 } // namespace nocta

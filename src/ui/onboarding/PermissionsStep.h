@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/SharedInstances.h"
+#include "ui/controls/Label.h"
 
 #include <QPushButton>
 #include <QWidget>
@@ -22,11 +23,13 @@ public:
                   bool isOptional, std::function<void()> action);
 
     void setGranted(bool isGranted);
-    QPushButton& button() { return *allow_; }
+    /// Shows why the permission cannot be requested; empty if it can.
+    void setMissing(const QString& text);
 
 private:
     QPushButton* allow_;
     QWidget* granted_;
+    Label* missing_;
 };
 
 } // namespace nocta

@@ -35,9 +35,7 @@ AboutPreferencesView::AboutPreferencesView(SharedInstances& instances)
     updates->add(autoCheck_);
     updates->add(autoDownload_);
     updates->add(check);
-    if (const auto missing = missingForUpdates(instances); !missing.isEmpty()) {
-        updates->addNote(missing);
-    }
+    updates->add(makeNote(missingForUpdates(instances), {check}));
     // The answer to a permission request changes the switches.
     follow(*this, updater_.stage, [this](const UpdateStage& /*stage*/) { readUpdater(); });
 }

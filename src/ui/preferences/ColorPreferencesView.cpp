@@ -61,18 +61,14 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
     manual->add(makeLevelHeading(Text::tr("Warmth"), "warmthValue", settings.warmthLevel));
     auto* const slider = makeWarmthSlider(instances);
     manual->add(slider);
+    manual->add(makeNote(noteOnWarmth(instances), {slider}));
     auto* const note = makeGrayscaleNote();
     manual->add(note);
 
     auto* const automatic = makeToggle(Text::tr("Auto-adjust based on time"), "autoWarmthToggle",
                                        settings.autoWarmthEnabled);
-    automatic->setToolTip(missingForWarmth(instances));
     auto* const location =
         makeToggle(Text::tr("Use my location"), "locationToggle", settings.locationEnabled);
-    follow(*location, instances.locationService().authorizationStatus,
-           [location, &instances](AuthorizationStatus /*status*/) {
-               location->setToolTip(missingForLocation(instances));
-           });
     auto* const temperatures = new QWidget;
     auto* const rows = new QGridLayout(temperatures);
     rows->setContentsMargins(0, 0, 0, 0);
@@ -80,12 +76,10 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
     day->setObjectName(QStringLiteral("dayTemperature"));
     auto* const night = addTemperature(*rows, Text::tr("Night"), settings.colorTemperatureNight);
     night->setObjectName(QStringLiteral("nightTemperature"));
-    for (auto* const temperature : {day, night}) {
-        temperature->setToolTip(missingForWarmth(instances));
-    }
 
     auto* const temperature = addSection(Text::tr("Color Temperature"));
     temperature->add(automatic);
+    temperature->add(makeNote(missingForWarmth(instances), {automatic, day, night}));
     temperature->add(location);
     temperature->add(temperatures);
     temperature->addNote(Text::tr("Nocta transitions smoothly between your day and night "
@@ -94,6 +88,12 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
     follow(*status, settings.locationEnabled,
            [status](bool enabled) { status->setText(sunTimesLine(enabled)); });
     temperature->add(status);
+    auto* const missing = makeNote({}, {});
+    temperature->add(missing);
+    follow(*location, instances.locationService().authorizationStatus,
+           [location, missing, &instances](AuthorizationStatus /*status*/) {
+               setNote(*missing, missingForLocation(instances), {location});
+           });
 
     follow(*this, settings.grayscaleEnabled,
            [note, controls =

@@ -1,6 +1,7 @@
 #include "ui/preferences/GeneralPreferencesView.h"
 
 #include "ui/Binding.h"
+#include "ui/Missing.h"
 #include "ui/SettingControls.h"
 #include "ui/Text.h"
 #include "ui/controls/ActionButton.h"
@@ -43,7 +44,9 @@ GeneralPreferencesView::GeneralPreferencesView(SharedInstances& instances) {
     addSection(Text::tr("Menu Bar Icon"))->add(picker);
 
     auto* const eyeRelief = addSection(Text::tr("Eye Relief"));
-    eyeRelief->add(makeGrayscaleToggle(Text::tr("Eye Relief mode"), instances));
+    auto* const grayscale = makeGrayscaleToggle(Text::tr("Eye Relief mode"), instances);
+    eyeRelief->add(grayscale);
+    eyeRelief->add(makeNote(missingForGrayscale(instances), {grayscale}));
     eyeRelief->addNote(Text::tr("Switches your display to black & white, reducing eye strain and "
                                 "making apps less appealing."));
 
