@@ -74,10 +74,12 @@ public:
     void fit(bool isComposited) {
         shadowWidth_ = isComposited ? shadowReach : 0;
         layout()->setContentsMargins(shadowWidth_, shadowWidth_, shadowWidth_, shadowWidth_);
-        const auto body = view_ == nullptr ? contentSize
-                                           : static_cast<QWidget*>(view_->nativeView())
-                                                 ->minimumSizeHint()
-                                                 .expandedTo(contentSize);
+        auto body = contentSize;
+        if (view_ != nullptr) {
+            const auto& content = *static_cast<QWidget*>(view_->nativeView());
+            body = content.minimumSizeHint().expandedTo(body);
+            body.setHeight(std::max(body.height(), content.heightForWidth(body.width())));
+        }
         setFixedSize(body + QSize(2 * shadowWidth_, 2 * shadowWidth_));
     }
 

@@ -7,6 +7,7 @@
 #include <QPushButton>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 // Tests the layer-shell popover, as seen by the compositor.
@@ -30,6 +31,21 @@ private:
     QPushButton button_;
 };
 
+/// A text that needs several lines, and then more height than its smallest size says.
+class WrappedView final : public View {
+public:
+    WrappedView() {
+        label_.setWordWrap(true);
+        label_.setMinimumWidth(1);
+        label_.setText(QStringLiteral("several words ").repeated(100));
+    }
+    void* nativeView() override { return &label_; }
+    int heightFor(int width) const { return label_.heightForWidth(width); }
+
+private:
+    QLabel label_;
+};
+
 class NoStatusItem final : public StatusItem {
 public:
     void setImage(std::string_view /*symbolName*/, std::string_view /*description*/) override {}
@@ -46,10 +62,10 @@ protected:
     QtPopover popover{layerShell, nullptr, false};
 
     /// Begins to show the popover by opening the transparent windows that locate the pointer.
-    void open() {
+    void open(std::unique_ptr<View> view = std::make_unique<ButtonView>()) {
         popover.setContentSize(contentWidth, contentHeight);
         popover.setBehavior(PopoverBehavior::transient);
-        popover.setContentView(std::make_unique<ButtonView>());
+        popover.setContentView(std::move(view));
         popover.show(item);
     }
     /// Shows the popover and returns its layer. The popover's layer is the last one, above a
@@ -79,6 +95,18 @@ TEST_F(LayerPopoverTest, OpensAtTheTopRightWithoutAPointer) {
     EXPECT_EQ(layer.margin, 4 - shadow) << "the shadow should reach beyond the margin";
     EXPECT_EQ(layer.alpha, 255);
     EXPECT_TRUE(popover.isShown());
+}
+
+TEST_F(LayerPopoverTest, GrowsForTextThatWraps) {
+    auto view = std::make_unique<WrappedView>();
+    const auto height = view->heightFor(contentWidth);
+    ASSERT_GT(height, contentHeight);
+    open(std::move(view));
+    expectSoon([](const auto& layers) { return layers.size() == 2; });
+    constexpr auto shadow = 16;
+    const auto layer = compositor.mapped().at(1);
+    EXPECT_EQ(layer.width, contentWidth + 2 * shadow);
+    EXPECT_EQ(layer.height, height + 2 * shadow);
 }
 
 TEST_F(LayerPopoverTest, TransparentWindowFillsEachOutput) {
