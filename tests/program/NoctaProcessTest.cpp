@@ -17,6 +17,14 @@ protected:
     bool waitForSettings(const std::string& content) {
         return waitUntil([&] { return contentOf(settings) == content; });
     }
+    /// Whether there is a popover that is higher than usual, because notes say what is missing.
+    static bool showsPopoverWithNotes(XClient& observer) {
+        return !observer
+                    .windows([](const auto& window) {
+                        return window.width == 300 && window.height > 280;
+                    })
+                    .empty();
+    }
 };
 INSTANTIATE_TEST_SUITE_P(Servers, NoctaProcessTest, everyServer, serverName);
 
@@ -269,10 +277,21 @@ TEST_P(NoctaProcessTest, ProgramWithoutADisplayPrintsAnErrorAndFails) {
     }
 }
 
+TEST_P(NoctaProcessTest, ServerWithoutRampsIsReportedInOneLineAndInThePopover) {
+    const XServer bare(XServer::Kind::xvfb, {"-extension", "RANDR"}); // becomes DISPLAY
+    XClient onBare;
+    start();
+    EXPECT_TRUE(waitUntil([&] { return showsPopoverWithNotes(onBare); }));
+    const auto said = contentOf(output);
+    const auto line = said.find("cannot be dimmed\n");
+    EXPECT_NE(line, std::string::npos) << said;
+    EXPECT_EQ(said.find("cannot be dimmed\n", line + 1), std::string::npos) << said;
+}
+
 TEST_P(NoctaProcessTest, EmulatedRandRIsReportedInOneLine) {
     client.setOutputProperty("RANDR Emulation", {1});
     start();
-    ASSERT_TRUE(waitUntil([&] { return client.windowsOfSize(300, 280).size() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return showsPopoverWithNotes(client); }));
     EXPECT_TRUE(isGivenBack()) << "the program should not write the ramp";
     EXPECT_NE(contentOf(output).find("gamma is not supported in this Wayland session yet"),
               std::string::npos);

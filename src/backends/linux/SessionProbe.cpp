@@ -84,8 +84,15 @@ void probeRealX(SessionPorts& ports, std::unique_ptr<X11Displays> displays,
     ports.typing = &keyEvents->typing();
     ports.seesPointer = true;
     ports.keyEvents = std::move(keyEvents);
-    useGamma(ports, std::make_unique<X11GammaOutput>(*ports.x11, *displays, *ports.guardian),
-             context.wake);
+    if (displays->hasRamps()) {
+        useGamma(ports, std::make_unique<X11GammaOutput>(*ports.x11, *displays, *ports.guardian),
+                 context.wake);
+    } else {
+        std::cerr << "nocta: this X server has no RandR 1.3 or no gamma ramps; its displays cannot "
+                     "be dimmed"
+                  << std::endl;
+        ports.gammaOutput = std::make_unique<UnavailableGammaOutput>();
+    }
     auto matrices = std::make_unique<X11ColorMatrixFilter>(
         *ports.x11, *displays, context.notificationCenter, *ports.guardian);
     if (matrices->isAvailable()) {

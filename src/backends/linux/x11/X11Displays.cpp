@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iostream>
+#include <span>
 #include <utility>
 
 namespace nocta {
@@ -44,8 +44,6 @@ X11Displays::X11Displays(X11Connection& connection, RunLoop& runLoop,
             ? xcb_randr_query_version_reply(x, xcb_randr_query_version(x, 1, 5), nullptr)
             : nullptr);
     if (!version || std::pair(version->major_version, version->minor_version) < std::pair(1U, 3U)) {
-        std::cerr << "nocta: this X server has no RandR 1.3; its displays cannot be dimmed"
-                  << std::endl;
         return;
     }
     firstEvent_ = extension->first_event;
@@ -79,6 +77,25 @@ bool X11Displays::isEmulation() const {
                        nullptr));
                return reply && reply->type != XCB_ATOM_NONE;
            });
+}
+
+bool X11Displays::hasRamps() const {
+    if (firstEvent_ == 0) {
+        return false; // the server has no RandR 1.3
+    }
+    auto* const x = connection_.get();
+    const XcbReply<xcb_randr_get_screen_resources_current_reply_t> resources(
+        xcb_randr_get_screen_resources_current_reply(
+            x, xcb_randr_get_screen_resources_current(x, connection_.root()), nullptr));
+    return resources && std::ranges::any_of(
+                            std::span(xcb_randr_get_screen_resources_current_crtcs(resources.get()),
+                                      resources->num_crtcs),
+                            [x](xcb_randr_crtc_t crtc) {
+                                const XcbReply<xcb_randr_get_crtc_gamma_size_reply_t> size(
+                                    xcb_randr_get_crtc_gamma_size_reply(
+                                        x, xcb_randr_get_crtc_gamma_size(x, crtc), nullptr));
+                                return size && size->size > 0;
+                            });
 }
 
 std::vector<SessionDisplays::Display> X11Displays::readDisplays() const {

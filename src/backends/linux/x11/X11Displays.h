@@ -13,7 +13,7 @@ namespace nocta {
 /// The outputs of an X server that have a CRTC, from RandR. A display's ID is its output's XID, and
 /// the primary output is the main display. A connector of type eDP, LVDS or DSI is built in, and so
 /// is an output that the server marks as a panel. The list is reread only when the server reports a
-/// change.
+/// change. Without RandR 1.3 there are no displays.
 class X11Displays final : public SessionDisplays {
 public:
     X11Displays(X11Connection& connection, RunLoop& runLoop,
@@ -27,6 +27,10 @@ public:
     /// Whether the server only emulates RandR, as an X server inside a Wayland session does. On
     /// such a server, gamma ramps can be written but have no effect.
     bool isEmulation() const;
+
+    /// Whether the server has gamma ramps. Servers in virtual machines and over the network may
+    /// have none.
+    bool hasRamps() const;
 
 private:
     std::vector<Display> readDisplays() const;
