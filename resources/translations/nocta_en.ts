@@ -793,6 +793,10 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
+        <source>Your location is unknown, so the default times apply.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
         <source>This build of Nocta has no address for feedback.</source>
         <translation type="unfinished"></translation>
     </message>

@@ -43,6 +43,15 @@ QString missingForLocation(SharedInstances& instances) {
     }
 }
 
+QString noteOnLocation(SharedInstances& instances) {
+    const auto missing = missingForLocation(instances);
+    const auto isUnknown = instances.settingsManager().locationEnabled.get() &&
+                           !instances.locationService().currentLocation.get();
+    return missing.isEmpty() && isUnknown
+               ? Text::tr("Your location is unknown, so the default times apply.")
+               : missing;
+}
+
 QString missingForUpdates(SharedInstances& instances) {
     switch (instances.desktop().updater.availability()) {
     case Updater::Availability::noFeed:

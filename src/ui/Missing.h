@@ -20,4 +20,7 @@ QString missingForFeedback(SharedInstances& instances);
 /// Returns a note about how the displays are warmed; empty if they are warmed as usual.
 QString noteOnWarmth(SharedInstances& instances);
 
+/// Returns a note about why the location is not used although it is enabled; empty if it is used.
+QString noteOnLocation(SharedInstances& instances);
+
 } // namespace nocta

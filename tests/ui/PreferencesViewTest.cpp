@@ -221,6 +221,18 @@ TEST_F(PreferencesViewTest, SecondLineExplainsWhyTheLocationIsUnavailable) {
     expectShown(false, true);
     desktop.location.answer(AuthorizationStatus::authorized);
     expectShown(false, false);
+}
+
+TEST_F(PreferencesViewTest, SecondLineSaysThatTheLocationIsUnknown) {
+    const auto* const note = "Your location is unknown, so the default times apply.";
+    choose("Color");
+    EXPECT_FALSE(shows(note)) << "the location is not enabled";
+    settings().locationEnabled.set(true);
+    EXPECT_TRUE(shows(note));
+    EXPECT_EQ(button("locationToggle").accessibleDescription(), note);
+    desktop.location.answer(AuthorizationStatus::authorized);
+    desktop.location.send(Location{52.5, 13.4});
+    EXPECT_FALSE(shows(note));
     EXPECT_EQ(button("locationToggle").accessibleDescription(), "");
 }
 

@@ -306,6 +306,7 @@ TEST_F(TextsAndSymbolsTest, ColorPreferences) {
     settings().locationEnabled.set(true);
     settings().grayscaleEnabled.set(true);
     expected.back() = "Using your location for accurate sunrise/sunset times.";
+    expected.emplace_back("Your location is unknown, so the default times apply.");
     expected.insert(
         expected.begin() + 4,
         {"<info.circle>", "Color settings are disabled while Grayscale mode is active."});

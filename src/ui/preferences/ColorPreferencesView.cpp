@@ -52,6 +52,23 @@ KelvinField* addTemperature(QGridLayout& rows, const QString& name,
     return field;
 }
 
+/// Adds a line that says where the times of sunrise and sunset come from, and a line that says why
+/// they do not come from the user's location.
+void addSunTimes(FormSection& section, Switch& location, SharedInstances& instances) {
+    auto* const status = new Label({}, TextStyle::note);
+    section.add(status);
+    auto* const note = makeNote({}, {&location});
+    section.add(note);
+    const auto show = [&location, note, &instances](const auto& /*changed*/) {
+        setNote(*note, noteOnLocation(instances), {&location});
+    };
+    auto& enabled = instances.settingsManager().locationEnabled;
+    follow(*status, enabled, [status](bool on) { status->setText(sunTimesLine(on)); });
+    follow(*note, enabled, show);
+    follow(*note, instances.locationService().authorizationStatus, show);
+    follow(*note, instances.locationService().currentLocation, show);
+}
+
 } // namespace
 
 ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
@@ -84,16 +101,7 @@ ColorPreferencesView::ColorPreferencesView(SharedInstances& instances) {
     temperature->add(temperatures);
     temperature->addNote(Text::tr("Nocta transitions smoothly between your day and night "
                                   "temperatures at sunrise and sunset."));
-    auto* const status = new Label({}, TextStyle::note);
-    follow(*status, settings.locationEnabled,
-           [status](bool enabled) { status->setText(sunTimesLine(enabled)); });
-    temperature->add(status);
-    auto* const missing = makeNote({}, {});
-    temperature->add(missing);
-    follow(*location, instances.locationService().authorizationStatus,
-           [location, missing, &instances](AuthorizationStatus /*status*/) {
-               setNote(*missing, missingForLocation(instances), {location});
-           });
+    addSunTimes(*temperature, *location, instances);
 
     follow(*this, settings.grayscaleEnabled,
            [note, controls =
