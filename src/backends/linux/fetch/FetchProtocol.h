@@ -12,17 +12,15 @@
 namespace nocta {
 
 // The messages between Nocta and nocta-fetch. Nocta sends one JSON object, the request, and closes
-// its side. The helper answers with JSON objects, one per line. The request's `job` is one of
-// these:
+// its side. The helper answers with JSON objects, one per line. `job` in the request is one of:
 //
 // - send: posts `body` to `url`, or requests `url` if the body is null. The answer is FetchStatus.
 // - feed: reads the appcast at `url`. The answers are items, then FetchEnd.
 // - download: saves the file at `url` as the new `file` in `folder`. The answers are FetchProgress,
-//   then FetchEnd. The file has at most `length` bytes.
-// - verify: checks the `signature` of `file` in `folder` with `key`, and then
-// reads
-//   the package's control data. It does not use the network. The answer is the package, without its
-//   path.
+//   then FetchEnd. The file has exactly `length` bytes.
+// - verify: checks the `signature` of `file` in `folder` with `key`, and then reads the control
+// data
+//   of the package. It does not use the network. The answer is the package, without its path.
 //
 // `headers` is an array of HTTP header lines; `certificates` a file of trusted authorities that
 // replaces the system's, or empty. The answer FetchFailure ends any job.
