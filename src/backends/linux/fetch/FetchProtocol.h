@@ -18,9 +18,8 @@ namespace nocta {
 // - feed: reads the appcast at `url`. The answers are items, then FetchEnd.
 // - download: saves the file at `url` as the new `file` in `folder`. The answers are FetchProgress,
 //   then FetchEnd. The file has exactly `length` bytes.
-// - verify: checks the `signature` of `file` in `folder` with `key`, and then reads the control
-// data
-//   of the package. It does not use the network. The answer is the package, without its path.
+// - verify: checks the `signature` of `file` in `folder` with `key`, and then reads the package's
+//   control data. It does not use the network. The answer is the package, without its path.
 //
 // `headers` is an array of HTTP header lines; `certificates` a file of trusted authorities that
 // replaces the system's, or empty. The answer FetchFailure ends any job.

@@ -114,7 +114,7 @@ Status MutterCalibration::setDisplayTransferByTable(DisplayId display, std::span
     }
     auto& monitor = monitors_[display];
     if (!monitor) {
-        monitor = std::make_shared<Monitor>(Monitor{.display = display});
+        monitor.reset(new Monitor{.display = display});
     }
     if (monitor->failures > maxFailures) {
         return statusFailure;
