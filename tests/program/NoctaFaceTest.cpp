@@ -117,6 +117,12 @@ TEST_P(NoctaFaceTest, OnboardingCanBeCompletedWithTheKeyboard) {
     EXPECT_FALSE(find("Welcome to Nocta").has_value());
 }
 
+TEST_P(NoctaFaceTest, PopoverDoesNotCoverThePanel) {
+    startAndWaitFor(0.75);
+    const auto popover = openPopover();
+    EXPECT_LE(popover.y + popover.height, find("tint2").value().y);
+}
+
 TEST_P(NoctaFaceTest, OnboardingClosedByItsTitleBarIsShownOnTheNextLaunch) {
     writeFile(settings, "[General]\nautoWarmthEnabled=false\nwarmthLevel=0\n");
     startAndWaitFor(0.75);

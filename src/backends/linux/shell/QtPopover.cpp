@@ -1,6 +1,7 @@
 #include "backends/linux/shell/QtPopover.h"
 
 #include "backends/linux/shell/QtStatusBar.h"
+#include "backends/linux/shell/ScreenSpace.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -210,7 +211,7 @@ void QtPopover::show(StatusItem& relativeTo) {
         screen = anchorScreen;
     }
     if (screen != nullptr) {
-        window_->place(anchor, screen->availableGeometry());
+        window_->place(anchor, spaceOn(*screen, connection_));
     }
     window_->show();
     window_->activateWindow();
