@@ -279,6 +279,9 @@ QImage drawn(const Scene& scene, qreal scale) {
     widget.setAttribute(Qt::WA_DontShowOnScreen);
     fit(widget, stage.minSize);
     widget.show();
+    for (int turn = 0; turn < 2; ++turn) { // a scroller passes its content's needs on a turn later
+        QCoreApplication::processEvents();
+    }
     fit(widget, stage.minSize);
     if (stage.ground == Stage::Ground::desktop) {
         stage.desktop.runLoop.advance(7s); // so that the picture shows the middle of a break

@@ -4,6 +4,7 @@
 #include "ui/Text.h"
 #include "ui/controls/Label.h"
 #include "ui/controls/ProgressBar.h"
+#include "ui/controls/Scroller.h"
 #include "ui/controls/SymbolView.h"
 
 #include <QPlainTextEdit>
@@ -30,8 +31,18 @@ QString shown(std::string_view text) {
 } // namespace
 
 UpdateView::UpdateView(Desktop& desktop)
-    : bundle_(desktop.bundle), updater_(desktop.updater), column_(new QVBoxLayout),
-      answers_(new QHBoxLayout) {
+    : bundle_(desktop.bundle), updater_(desktop.updater), answers_(new QHBoxLayout) {
+    auto* const texts = new QWidget;
+    column_ = new QVBoxLayout(texts);
+    column_->setContentsMargins(0, 0, 0, 0);
+    column_->setSpacing(spacing);
+    std::visit([this](const auto& stage) { build(stage); }, updater_.stage.get());
+    column_->addStretch();
+
+    auto* const besideEmblem = new QVBoxLayout;
+    besideEmblem->setSpacing(2 * spacing);
+    besideEmblem->addWidget(new Scroller(texts));
+    besideEmblem->addLayout(answers_);
     auto* const emblem = new QVBoxLayout;
     emblem->addWidget(new SymbolView(QStringLiteral("arrow.triangle.2.circlepath"), emblemSize,
                                      SymbolColor::accent));
@@ -40,14 +51,7 @@ UpdateView::UpdateView(Desktop& desktop)
     row->setContentsMargins(margin, margin, margin, margin);
     row->setSpacing(emblemSpacing);
     row->addLayout(emblem);
-    row->addLayout(column_, 1);
-    column_->setSpacing(spacing);
-
-    std::visit([this](const auto& stage) { build(stage); }, updater_.stage.get());
-
-    column_->addStretch();
-    column_->addSpacing(spacing);
-    column_->addLayout(answers_);
+    row->addLayout(besideEmblem, 1);
     setMinimumWidth(minWidth);
     auto* const escape = new QShortcut(QKeySequence::Cancel, this);
     connect(escape, &QShortcut::activated, this, [this] { updater_.dismiss(); });

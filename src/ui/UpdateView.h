@@ -34,8 +34,8 @@ private:
 
     const Bundle& bundle_;
     Updater& updater_;
-    QVBoxLayout* column_;
-    QHBoxLayout* answers_;
+    QVBoxLayout* column_;  ///< scrolls if the screen is too small
+    QHBoxLayout* answers_; ///< always visible
 };
 
 } // namespace nocta

@@ -117,6 +117,26 @@ TEST_P(NoctaFaceTest, OnboardingCanBeCompletedWithTheKeyboard) {
     EXPECT_FALSE(find("Welcome to Nocta").has_value());
 }
 
+TEST_P(NoctaFaceTest, OnboardingCanBeCompletedOnASmallScreen) {
+    writeFile(settings, "[General]\nautoWarmthEnabled=false\nwarmthLevel=0\n");
+    auto variables = environment();
+    variables["QT_SCALE_FACTOR"] = "2";
+    nocta = std::make_unique<Process>(std::vector{programFolder() + "/nocta"}, variables, output);
+    const auto window = waitFor("Welcome to Nocta");
+    const auto screen = client.activeFrames().at(0);
+    EXPECT_GE(window.y, screen.y);
+    EXPECT_LE(window.y + window.height, find("tint2").value().y)
+        << "the panel should not cover the window";
+    for (int step = 0; step < 4; ++step) {
+        const auto before = client.picture(window);
+        client.click(window.x + window.width - 120, window.y + window.height - 50);
+        ASSERT_TRUE(waitUntil([&] {
+            return !find("Welcome to Nocta") || client.picture(window) != before;
+        })) << step;
+    }
+    EXPECT_TRUE(isGone("Welcome to Nocta"));
+}
+
 TEST_P(NoctaFaceTest, PopoverDoesNotCoverThePanel) {
     startAndWaitFor(0.75);
     const auto popover = openPopover();

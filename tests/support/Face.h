@@ -1,11 +1,13 @@
 #pragma once
 
+#include "backends/shared/FittingSize.h"
 #include "support/TestDesktop.h"
 #include "ui/WidgetViews.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QLabel>
+#include <QLayout>
 #include <QTest>
 
 #include <algorithm>
@@ -26,10 +28,28 @@ protected:
         view = std::move(newView);
         fit(least);
         widget().show();
+        for (int turn = 0; turn < 2;
+             ++turn) { // a scroller passes its content's needs on a turn later
+            QCoreApplication::processEvents();
+        }
         fit(least);
         ASSERT_TRUE(QTest::qWaitForWindowActive(&widget()));
     }
     void TearDown() override { view.reset(); }
+
+    /// Gives the view less space than it needs, as a window on a small screen does.
+    void shrink(const QSize& size) const {
+        widget().layout()->setSizeConstraint(QLayout::SetNoConstraint);
+        widget().setMinimumSize(0, 0);
+        widget().resize(size);
+        QCoreApplication::processEvents();
+        ASSERT_EQ(widget().size(), size);
+    }
+
+    /// Whether nothing hides any part of the control.
+    static bool isWhollyVisible(const QWidget& control) {
+        return control.visibleRegion() == QRegion(control.rect());
+    }
 
     QWidget& widget() const { return *static_cast<QWidget*>(view->nativeView()); }
 
@@ -77,13 +97,7 @@ protected:
     bool shows(const QString& text) const { return shownTexts().contains(text); }
 
 private:
-    void fit(const QSize& least) {
-        auto size = widget().minimumSizeHint().expandedTo(widget().minimumSize()).expandedTo(least);
-        if (widget().hasHeightForWidth()) {
-            size.setHeight(std::max(size.height(), widget().heightForWidth(size.width())));
-        }
-        widget().resize(size);
-    }
+    void fit(const QSize& least) { widget().resize(fittingSize(widget(), least, unlimitedSpace)); }
 };
 
 } // namespace nocta

@@ -166,6 +166,33 @@ TEST_F(OnboardingViewTest, AdjustmentsAreKept) {
     EXPECT_EQ(settings().unifiedBrightness.get(), 0.59);
 }
 
+TEST_F(OnboardingViewTest, ButtonsStayVisibleOnASmallScreen) {
+    goTo(2);
+    click("Adjust settings");
+    shrink({500, 300});
+    EXPECT_TRUE(isWhollyVisible(button("backButton")));
+    EXPECT_TRUE(isWhollyVisible(button("continueButton")));
+    const auto& last = control("breakTimerToggle");
+    EXPECT_FALSE(isWhollyVisible(last));
+    for (int i = 0; i < 12 && !last.hasFocus(); ++i) {
+        QTest::keyClick(widget().focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_TRUE(last.hasFocus());
+    EXPECT_TRUE(isWhollyVisible(last)) << "the step should scroll to the control with focus";
+    EXPECT_GE(last.height(), last.minimumSizeHint().height());
+}
+
+TEST_F(OnboardingViewTest, StepScrollsToAControlThatGetsFocusFromTheButtons) {
+    goTo(2);
+    click("Adjust settings");
+    shrink({500, 300});
+    auto& last = control("breakTimerToggle");
+    button("backButton").setFocus();
+    QTest::keyClick(&button("backButton"), Qt::Key_Backtab);
+    EXPECT_TRUE(last.hasFocus());
+    EXPECT_TRUE(isWhollyVisible(last));
+}
+
 TEST_F(OnboardingViewTest, LastStepOffersLaunchAtLogin) {
     goTo(3);
     EXPECT_TRUE(shows("Nocta lives in your menu bar — click the eye icon anytime to adjust your "

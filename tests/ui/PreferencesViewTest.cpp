@@ -49,6 +49,19 @@ TEST_F(PreferencesViewTest, TabsAreInOrder) {
     EXPECT_TRUE(shows("How It Works"));
 }
 
+TEST_F(PreferencesViewTest, TabsStayVisibleOnASmallScreen) {
+    shrink({540, 200});
+    auto& reset = button("resetButton");
+    EXPECT_FALSE(isWhollyVisible(reset));
+    reset.setFocus();
+    EXPECT_TRUE(isWhollyVisible(reset)) << "the page should scroll to the control with focus";
+    EXPECT_TRUE(isWhollyVisible(tabs()));
+    choose("Color");
+    EXPECT_TRUE(isWhollyVisible(tabs()));
+    EXPECT_TRUE(isWhollyVisible(control("warmthValue")))
+        << "each page should have a scroll position of its own";
+}
+
 TEST_F(PreferencesViewTest, LaunchToggleIsBoundToTheServiceAndRevertsOnFailure) {
     settings().launchAtLogin.set(true);
     EXPECT_FALSE(button("launchAtLoginToggle").isChecked());

@@ -13,6 +13,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QRadioButton>
+#include <QScrollArea>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTabBar>
@@ -115,6 +116,8 @@ private:
         }
         if (part.layout() != nullptr) {
             read(*part.layout());
+        } else if (const auto* const scroller = qobject_cast<const QScrollArea*>(&part)) {
+            read(*scroller->widget());
         }
     }
     void read(const QLayout& layout) {

@@ -233,7 +233,7 @@ private:
     SystemTray tray_{session_.x11.get()};
     QtStatusBar statusBar_{tray_};
     QtPopover popover_{layerShell_, session_.x11.get(), session_.seesPointer};
-    QtAppWindows appWindows_;
+    QtAppWindows appWindows_{session_.x11.get()};
     QtApplication application_{runLoop_, instance_, [this] { return tray_.isAvailable(); }};
 
 public:

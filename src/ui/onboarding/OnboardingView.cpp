@@ -3,6 +3,7 @@
 #include "ui/Text.h"
 #include "ui/controls/ActionButton.h"
 #include "ui/controls/Hairline.h"
+#include "ui/controls/Scroller.h"
 #include "ui/onboarding/PermissionsStep.h"
 #include "ui/onboarding/ReadyStep.h"
 #include "ui/onboarding/StyleSelectionStep.h"
@@ -11,6 +12,7 @@
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
+#include <initializer_list>
 #include <utility>
 
 namespace nocta {
@@ -23,10 +25,11 @@ OnboardingView::OnboardingView(SharedInstances& instances, std::function<void()>
     : onComplete_(std::move(onComplete)), steps_(new QStackedWidget),
       back_(new ActionButton(Text::tr("Back"))),
       next_(new ActionButton(Text::tr("Continue"), ActionButton::Rank::prominent)) {
-    steps_->addWidget(new WelcomeStep);
-    steps_->addWidget(new PermissionsStep(instances));
-    steps_->addWidget(new StyleSelectionStep(instances));
-    steps_->addWidget(new ReadyStep(instances.launchAtLoginService()));
+    for (QWidget* const step : std::initializer_list<QWidget*>{
+             new WelcomeStep, new PermissionsStep(instances), new StyleSelectionStep(instances),
+             new ReadyStep(instances.launchAtLoginService())}) {
+        steps_->addWidget(new Scroller(step));
+    }
 
     back_->setObjectName(QStringLiteral("backButton"));
     connect(back_, &QPushButton::clicked, this, [this] { goTo(currentStep() - 1); });

@@ -2,6 +2,7 @@
 
 #include "ui/Text.h"
 #include "ui/controls/Hairline.h"
+#include "ui/controls/Scroller.h"
 #include "ui/controls/SymbolTabBar.h"
 #include "ui/preferences/AboutPreferencesView.h"
 #include "ui/preferences/BreaksPreferencesView.h"
@@ -51,7 +52,7 @@ PreferencesView::PreferencesView(SharedInstances& instances) {
         page->setObjectName(QString::fromUtf8(rawValue(tab)));
         page->setAccessibleName(Text::of(title(tab)));
         tabs->addTab(Text::of(title(tab)), QString::fromUtf8(symbol(tab)));
-        pages->addWidget(page);
+        pages->addWidget(new Scroller(page));
     }
     connect(tabs, &QTabBar::currentChanged, pages, &QStackedWidget::setCurrentIndex);
 

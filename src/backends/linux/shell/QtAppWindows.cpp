@@ -1,6 +1,7 @@
 #include "backends/linux/shell/QtAppWindows.h"
 
-#include "backends/shared/Scroller.h"
+#include "backends/linux/shell/ScreenSpace.h"
+#include "backends/shared/FittingSize.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -28,12 +29,43 @@ Qt::WindowFlags flagsOf(const AppWindows::Style& style) {
     return flags;
 }
 
-/// A widget that reports when the user has closed it.
-class ClosingWidget final : public QWidget {
+/// A window that is as large as its view needs, if the screen is large enough. It reports when the
+/// user has closed it.
+class FittingWindow final : public QWidget {
 public:
-    explicit ClosingWidget(std::function<void()> onClose) : onClose_(std::move(onClose)) {}
+    FittingWindow(QWidget& view, const QSize& least, X11Connection* connection,
+                  std::function<void()> onClose)
+        : view_(view), least_(least), connection_(connection), onClose_(std::move(onClose)) {
+        auto* const layout = new QVBoxLayout(this);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->setSizeConstraint(QLayout::SetNoConstraint);
+        layout->addWidget(&view);
+    }
+
+    QRect space() const { return spaceOn(*screen(), connection_); }
+
+    void fit() {
+        const auto available = space();
+        const auto size = fittingSize(view_, least_, available.size());
+        if (size == this->size()) {
+            return; // otherwise a window that the user has moved partly off the screen would move
+        }
+        setFixedSize(size);
+        const auto hidden = frameGeometry().bottom() - available.bottom();
+        if (isVisible() && hidden > 0) {
+            move(x(), std::max(available.top(), y() - hidden));
+        }
+    }
 
 protected:
+    bool event(QEvent* event) override {
+        const auto isHandled = QWidget::event(event);
+        if (event->type() == QEvent::LayoutRequest) {
+            fit();
+        }
+        return isHandled;
+    }
+
     void closeEvent(QCloseEvent* event) override {
         QWidget::closeEvent(event);
         QTimer::singleShot(0, this, [this] {
@@ -45,6 +77,9 @@ protected:
     }
 
 private:
+    QWidget& view_;
+    QSize least_;
+    X11Connection* connection_;
     std::function<void()> onClose_;
 };
 
@@ -52,18 +87,14 @@ private:
 
 class QtAppWindows::Window final : public AppWindow {
 public:
-    Window(const Style& style, std::unique_ptr<View> content, std::function<void()> onClose)
-        : widget_(std::move(onClose)), content_(std::move(content)) {
+    Window(const Style& style, std::unique_ptr<View> content, X11Connection* connection,
+           std::function<void()> onClose)
+        : widget_(*static_cast<QWidget*>(content->nativeView()),
+                  QSize(qRound(style.width), qRound(style.height)), connection, std::move(onClose)),
+          content_(std::move(content)) {
         widget_.setWindowFlags(flagsOf(style));
         widget_.setWindowTitle(
             QCoreApplication::translate("Nocta", std::string(style.title).c_str()));
-        auto* const view = static_cast<QWidget*>(content_->nativeView());
-        auto* const layout = new QVBoxLayout(&widget_);
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->setSizeConstraint(QLayout::SetFixedSize);
-        view->setMinimumSize(
-            view->minimumSize().expandedTo(QSize(qRound(style.width), qRound(style.height))));
-        layout->addWidget(new Scroller(*view));
     }
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
@@ -93,27 +124,27 @@ private:
     /// unplugged.
     bool isWithinReach() const {
         const auto frame = widget_.frameGeometry();
-        const auto seen = frame & widget_.screen()->availableGeometry();
+        const auto seen = frame & widget_.space();
         return seen.width() * 2 > frame.width() && seen.top() <= frame.top();
     }
 
     void center() {
-        widget_.adjustSize();
-        const auto available = widget_.screen()->availableGeometry();
+        widget_.fit();
+        const auto available = widget_.space();
         auto frame = QRect(QPoint(), widget_.frameSize());
         frame.moveCenter(available.center());
         widget_.move(std::max(frame.left(), available.left()),
                      std::max(frame.top(), available.top()));
     }
 
-    ClosingWidget widget_;
+    FittingWindow widget_;
     std::unique_ptr<View> content_; // destroyed before the window that shows it
 };
 
 std::unique_ptr<AppWindow> QtAppWindows::makeWindow(const Style& style,
                                                     std::unique_ptr<View> content,
                                                     std::function<void()> onClose) {
-    return std::make_unique<Window>(style, std::move(content), std::move(onClose));
+    return std::make_unique<Window>(style, std::move(content), connection_, std::move(onClose));
 }
 
 } // namespace nocta

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "backends/shared/Scroller.h"
+#include "backends/shared/FittingSize.h"
 #include "platform/Views.h"
 
 #include <QEvent>
+#include <QScreen>
 #include <QWidget>
 
 #import <AppKit/AppKit.h>
-#include <algorithm>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -24,19 +24,15 @@ namespace nocta {
 class HostedView : QObject {
 public:
     enum class Kind {
-        window, ///< has a window background; scrolls if the screen is too small
+        window, ///< has a window background; no larger than the screen
         clear   ///< has a transparent background
     };
 
     /// `least` is the minimum size of the content, in points.
     HostedView(std::unique_ptr<View> content, NSSize least, Kind kind)
-        : contentWidget_(*static_cast<QWidget*>(content->nativeView())),
-          scroller_(kind == Kind::window ? std::make_unique<Scroller>(contentWidget_) : nullptr),
-          widget_(scroller_ != nullptr ? *scroller_ : contentWidget_),
-          content_(std::move(content)) {
-        contentWidget_.setMinimumSize(contentWidget_.minimumSize().expandedTo(
-            QSize(qRound(least.width), qRound(least.height))));
-        contentWidget_.installEventFilter(this);
+        : widget_(*static_cast<QWidget*>(content->nativeView())), content_(std::move(content)),
+          least_(qRound(least.width), qRound(least.height)), kind_(kind) {
+        widget_.installEventFilter(this);
         widget_.setWindowFlags(Qt::SubWindow); // only a native view, without a Qt window
         widget_.setAttribute(Qt::WA_TranslucentBackground, kind == Kind::clear);
         const NSSize size = fittingSize();
@@ -57,10 +53,9 @@ public:
 
     /// The size that the content needs, in points.
     NSSize fittingSize() const {
-        auto size = widget_.minimumSizeHint().expandedTo(widget_.minimumSize());
-        if (widget_.hasHeightForWidth()) {
-            size.setHeight(std::max(size.height(), widget_.heightForWidth(size.width())));
-        }
+        const auto size = nocta::fittingSize(
+            widget_, least_,
+            kind_ == Kind::window ? widget_.screen()->availableSize() : unlimitedSpace);
         return NSMakeSize(size.width(), size.height());
     }
 
@@ -81,11 +76,11 @@ private:
     /// Qt owns this view.
     NSView* qtView() const { return (__bridge NSView*)reinterpret_cast<void*>(widget_.winId()); }
 
-    QWidget& contentWidget_;
-    std::unique_ptr<Scroller> scroller_;
-    QWidget& widget_; ///< the outermost widget
+    QWidget& widget_;
+    std::unique_ptr<View> content_;
+    QSize least_;
+    Kind kind_;
     NoctaContainerView* container_ = nil;
-    std::unique_ptr<View> content_; // destroyed before its scroller
 };
 
 } // namespace nocta
