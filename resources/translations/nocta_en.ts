@@ -800,5 +800,9 @@
         <source>This build of Nocta has no address for feedback.</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>This desktop has no tray for the icon. To adjust your settings, start Nocta again.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

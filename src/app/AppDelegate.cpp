@@ -33,7 +33,7 @@ AppDelegate::AppDelegate(SharedInstances& instances, Views& views)
       launchAtLoginService_(instances.launchAtLoginService()),
       brightnessApplier_(instances.brightnessApplier()),
       appMonitorService_(instances.appMonitorService()), windows_(desktop_, views),
-      closeOnboarding_(desktop_.runLoop, [this] { onboardingWindow_.reset(); }) {}
+      closeOnboarding_(desktop_.runLoop, [this] { leaveOnboarding(); }) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
     startUpdater();
@@ -174,7 +174,7 @@ void AppDelegate::showPopover() {
 void AppDelegate::showOnboardingWindow() {
     onboardingWindow_ = desktop_.appWindows.makeWindow(
         onboardingStyle, views_.makeOnboardingView([this] { completeOnboarding(); }),
-        [this] { onboardingWindow_.reset(); });
+        [this] { leaveOnboarding(); });
     onboardingWindow_->makeKeyAndOrderFront();
     desktop_.application.activateIgnoringOtherApps();
 }
@@ -182,6 +182,15 @@ void AppDelegate::showOnboardingWindow() {
 void AppDelegate::completeOnboarding() {
     closeOnboarding_.request(); // deferred, because a button in that window calls this function
     settingsManager_.isFirstLaunch.set(false);
+}
+
+/// Without a status bar, the popover opens, because otherwise the user would not see that the
+/// program is running.
+void AppDelegate::leaveOnboarding() {
+    onboardingWindow_.reset();
+    if (!desktop_.statusBar.isAvailable()) {
+        showPopover();
+    }
 }
 
 /// If the updater cannot start, the program runs without it.

@@ -47,6 +47,7 @@ private:
     void showPopover();
     void showOnboardingWindow();
     void completeOnboarding();
+    void leaveOnboarding();
     void startUpdater();
 
     Desktop& desktop_;

@@ -30,6 +30,9 @@ class StatusBar {
 public:
     virtual ~StatusBar() = default;
 
+    /// Whether the user can see status items now. A tray may start later than the program.
+    virtual bool isAvailable() const = 0;
+
     /// Makes an item of variable length. Returns null if the desktop has no status bar. Corresponds
     /// to NSStatusBar's statusItemWithLength: on macOS.
     virtual std::unique_ptr<StatusItem> statusItem() = 0;

@@ -131,6 +131,30 @@ TEST_F(AppDelegateTest, CompletedOnboardingClosesAndIsNotShownAgain) {
     EXPECT_TRUE(desktop.appWindows.windows().empty());
 }
 
+TEST_F(AppDelegateTest, PopoverFollowsTheOnboardingIfThereIsNoStatusBar) {
+    desktop.statusBar.isShown = false;
+    launch();
+    views.completeOnboarding();
+    EXPECT_FALSE(desktop.popover.isShown()) << "the window should close first";
+    desktop.runLoop.advance(0s);
+    EXPECT_TRUE(desktop.appWindows.windows().empty());
+    EXPECT_TRUE(desktop.popover.isShown());
+}
+
+TEST_F(AppDelegateTest, PopoverFollowsAnOnboardingThatIsClosedEarlyWithoutAStatusBar) {
+    desktop.statusBar.isShown = false;
+    launch();
+    desktop.appWindows.close("Welcome to Nocta");
+    EXPECT_TRUE(desktop.popover.isShown());
+}
+
+TEST_F(AppDelegateTest, PopoverStaysClosedAfterTheOnboardingIfThereIsAStatusBar) {
+    launch();
+    views.completeOnboarding();
+    desktop.runLoop.advance(0s);
+    EXPECT_FALSE(desktop.popover.isShown());
+}
+
 TEST_F(AppDelegateTest, ClosedOnboardingIsShownAtTheNextLaunch) {
     launch();
     desktop.appWindows.close("Welcome to Nocta");

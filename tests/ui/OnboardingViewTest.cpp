@@ -166,6 +166,20 @@ TEST_F(OnboardingViewTest, AdjustmentsAreKept) {
     EXPECT_EQ(settings().unifiedBrightness.get(), 0.59);
 }
 
+TEST_F(OnboardingViewTest, LastStepSaysHowToComeBackWithoutAStatusBar) {
+    goTo(3);
+    const auto& note = control("comeBackNote");
+    EXPECT_FALSE(note.isVisible());
+    click("Back");
+    desktop.statusBar.isShown = false;
+    click("Continue");
+    EXPECT_TRUE(note.isVisible());
+    click("Back");
+    desktop.statusBar.isShown = true; // a panel has started
+    click("Continue");
+    EXPECT_FALSE(note.isVisible());
+}
+
 TEST_F(OnboardingViewTest, ButtonsStayVisibleOnASmallScreen) {
     goTo(2);
     click("Adjust settings");

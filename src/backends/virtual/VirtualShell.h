@@ -23,8 +23,10 @@ public:
     std::string symbolName() const;
     std::string accessibilityDescription() const;
     bool isFull = false;
+    bool isShown = true;
 
     // For the program: the functions of the port.
+    bool isAvailable() const override { return isShown; }
     std::unique_ptr<StatusItem> statusItem() override;
 
 private:

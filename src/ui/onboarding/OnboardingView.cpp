@@ -27,7 +27,7 @@ OnboardingView::OnboardingView(SharedInstances& instances, std::function<void()>
       next_(new ActionButton(Text::tr("Continue"), ActionButton::Rank::prominent)) {
     for (QWidget* const step : std::initializer_list<QWidget*>{
              new WelcomeStep, new PermissionsStep(instances), new StyleSelectionStep(instances),
-             new ReadyStep(instances.launchAtLoginService())}) {
+             new ReadyStep(instances)}) {
         steps_->addWidget(new Scroller(step));
     }
 

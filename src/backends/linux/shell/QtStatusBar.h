@@ -44,6 +44,7 @@ class QtStatusBar final : public StatusBar {
 public:
     explicit QtStatusBar(SystemTray& tray) : tray_(tray) {}
 
+    bool isAvailable() const override { return tray_.isAvailable(); }
     std::unique_ptr<StatusItem> statusItem() override {
         return std::make_unique<QtStatusItem>(tray_);
     }

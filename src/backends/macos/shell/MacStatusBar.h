@@ -47,6 +47,7 @@ private:
 
 class MacStatusBar final : public StatusBar {
 public:
+    bool isAvailable() const override { return true; }
     std::unique_ptr<StatusItem> statusItem() override { return std::make_unique<MacStatusItem>(); }
 };
 
