@@ -61,7 +61,10 @@ PopoverContentView::PopoverContentView(SharedInstances& instances,
     addBreakTimer(*column);
     column->addStretch();
     column->addSpacing(sectionSpacing / 2);
-    column->addWidget(new Hairline);
+    auto* const line = new QHBoxLayout;
+    line->setContentsMargins(focusRingRoom, 0, focusRingRoom, 0);
+    line->addWidget(new Hairline);
+    column->addLayout(line);
     column->addSpacing(sectionSpacing / 2);
     addFooter(*column, std::move(showPreferences));
 }

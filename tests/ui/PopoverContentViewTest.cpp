@@ -1,8 +1,10 @@
 #include "support/Face.h"
+#include "ui/controls/Hairline.h"
 
 #include <QSlider>
 #include <QTranslator>
 
+#include <algorithm>
 #include <chrono>
 
 namespace nocta {
@@ -36,6 +38,20 @@ protected:
 
 TEST_F(PopoverContentViewTest, EnglishTextsFit) {
     EXPECT_EQ(widget().size(), QSize(300, 280));
+}
+
+TEST_F(PopoverContentViewTest, LineAboveTheFooterIsAsWideAsTheContent) {
+    const auto all = widget().findChildren<QWidget*>();
+    const auto found = std::ranges::find_if(
+        all, [](const QWidget* part) { return dynamic_cast<const Hairline*>(part) != nullptr; });
+    ASSERT_NE(found, all.end());
+    const auto& line = **found;
+    const auto& value = control<QLabel>("brightnessValue");
+    const auto& status = control<QLabel>("breakStatus");
+    EXPECT_EQ(line.mapTo(&widget(), line.rect().topLeft()).x(),
+              status.mapTo(&widget(), status.contentsRect().topLeft()).x());
+    EXPECT_EQ(line.mapTo(&widget(), line.rect().topRight()).x(),
+              value.mapTo(&widget(), value.contentsRect().topRight()).x());
 }
 
 TEST_F(PopoverContentViewTest, OpensWithTheCurrentValue) {
