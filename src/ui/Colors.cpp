@@ -12,7 +12,8 @@ constexpr int amberSaturation = 235;
 constexpr int brightestAmber = 160; // lightness, of 255
 constexpr int darkestAmber = 20;
 constexpr int minSecondaryPercent = 55;
-constexpr int secondaryStep = 5;
+constexpr int minEdgePercent = 20;
+constexpr int percentStep = 5;
 constexpr double hairlinePart = 0.16;
 constexpr double panelPart = 0.045;
 
@@ -29,6 +30,17 @@ double relativeLuminance(const QColor& color) {
 double minContrast(const QColor& color, const QPalette& palette) {
     return std::min(contrastRatio(color, palette.color(QPalette::Window)),
                     contrastRatio(color, panelColor(palette)));
+}
+
+/// Returns the weakest color between the window and its text that has the contrast.
+QColor weakestMix(const QPalette& palette, int minPercent, double contrast) {
+    for (int percent = minPercent; percent < 100; percent += percentStep) {
+        const auto color = shadeColor(palette, percent / 100.0);
+        if (minContrast(color, palette) >= contrast) {
+            return color;
+        }
+    }
+    return palette.color(QPalette::WindowText);
 }
 
 } // namespace
@@ -55,15 +67,11 @@ QColor textOnAccent(const QPalette& palette) {
 }
 
 QColor secondaryColor(const QPalette& palette) {
-    const auto window = palette.color(QPalette::Window);
-    const auto text = palette.color(QPalette::WindowText);
-    for (int percent = minSecondaryPercent; percent < 100; percent += secondaryStep) {
-        const auto color = mixed(window, text, percent / 100.0);
-        if (minContrast(color, palette) >= readableContrast) {
-            return color;
-        }
-    }
-    return text;
+    return weakestMix(palette, minSecondaryPercent, readableContrast);
+}
+
+QColor edgeColor(const QPalette& palette) {
+    return weakestMix(palette, minEdgePercent, visibleContrast);
 }
 
 QColor shadeColor(const QPalette& palette, double part) {

@@ -24,6 +24,9 @@ QColor textOnAccent(const QPalette& palette);
 /// A color for less important text and symbols, with just enough contrast to be readable.
 QColor secondaryColor(const QPalette& palette);
 
+/// A color for the edges of controls, with just enough contrast to be visible.
+QColor edgeColor(const QPalette& palette);
+
 /// A mix of the text color and the window color, for fills and marks. `part` is the fraction of the
 /// text color (0.0–1.0).
 QColor shadeColor(const QPalette& palette, double part);

@@ -39,6 +39,7 @@ TEST(Colors, TextIsReadableAndShapesAreVisibleOnEveryDesktop) {
             EXPECT_GE(contrastRatio(secondaryColor(palette), ground), 4.5);
             EXPECT_GE(contrastRatio(palette.color(QPalette::WindowText), ground), 4.5);
             EXPECT_GE(contrastRatio(accentColor(palette), ground), 3);
+            EXPECT_GE(contrastRatio(edgeColor(palette), ground), 3);
         }
         EXPECT_GE(contrastRatio(textOnAccent(palette), accentColor(palette)), 4.5);
         EXPECT_LT(contrastRatio(secondaryColor(palette), window),

@@ -1,5 +1,7 @@
 #include "support/Face.h"
 #include "support/SourceTexts.h"
+#include "ui/Colors.h"
+#include "ui/controls/FocusRing.h"
 
 #include <QComboBox>
 #include <QSlider>
@@ -115,6 +117,21 @@ TEST_F(PreferencesViewTest, ResetUpdatesEveryOpenControlAndDoesNotRestartOnboard
     EXPECT_EQ(control<QSlider>("brightnessSlider").value(), 75);
     EXPECT_EQ(picker("intervalPicker").currentText(), "Every 20 minutes");
     EXPECT_EQ(control<QSpinBox>("dayTemperature").value(), 6500);
+}
+
+TEST_F(PreferencesViewTest, ResetButtonHasAVisibleEdgeInDark) {
+    const auto before = QApplication::palette();
+    auto dark = before;
+    dark.setColor(QPalette::Window, QColor(36, 36, 36));
+    dark.setColor(QPalette::WindowText, QColor(238, 238, 238));
+    QApplication::setPalette(dark);
+    QCoreApplication::processEvents(); // delivers the palette change
+    auto& reset = button("resetButton");
+    const auto picture = reset.grab().toImage();
+    const auto color = picture.pixelColor(focusRingRoom, picture.height() / 2);
+    EXPECT_GE(contrastRatio(color, panelColor(dark)), visibleContrast)
+        << color.name().toStdString();
+    QApplication::setPalette(before);
 }
 
 TEST_F(PreferencesViewTest, BrightnessTabDescribesAndSetsTheBrightness) {

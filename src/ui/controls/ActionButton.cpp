@@ -38,9 +38,9 @@ void ActionButton::paintEvent(QPaintEvent* /*event*/) {
                                   : mixed(window, text, isDown() ? pressedPart : fillPart);
     const auto shape =
         QRectF(rect()).adjusted(focusRingRoom, focusRingRoom, -focusRingRoom, -focusRingRoom);
-    painter.setPen(Qt::NoPen);
+    painter.setPen(QPen(isProminent ? fill : edgeColor(palette()), 1));
     painter.setBrush(fill);
-    painter.drawRoundedRect(shape, cornerRadius, cornerRadius);
+    painter.drawRoundedRect(shape.adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius, cornerRadius);
     painter.setPen(isProminent ? textOnAccent(palette()) : text);
     painter.drawText(shape, Qt::AlignCenter, this->text());
     paintFocusRing(painter, *this, shape, cornerRadius);
