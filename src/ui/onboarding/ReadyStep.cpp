@@ -29,7 +29,7 @@ ReadyStep::ReadyStep(SharedInstances& instances) : statusBar_(instances.desktop(
     note->setAlignment(Qt::AlignHCenter);
     note->setWordWrap(true);
     comeBackNote_ = note;
-    column->addWidget(note);
+    column->insertWidget(column->count() - 1, note); // right below the text of the step
     auto* const launch = makeLaunchAtLoginToggle(Text::tr("Launch Nocta at login"),
                                                  instances.launchAtLoginService());
     launch->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
