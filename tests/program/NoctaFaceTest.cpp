@@ -1,4 +1,5 @@
 #include "support/NoctaWithPanel.h"
+#include "support/XApplication.h"
 
 #include <csignal>
 #include <sys/wait.h>
@@ -138,9 +139,20 @@ TEST_P(NoctaFaceTest, OnboardingCanBeCompletedOnASmallScreen) {
 }
 
 TEST_P(NoctaFaceTest, PopoverDoesNotCoverThePanel) {
+    const auto screen = client.activeFrames().at(0);
+    const auto bottom = screen.y + screen.height - 100;
+    XApplication dock("dock", "Dock"); // a small window that reserves a tall edge
+    const auto window = dock.make({static_cast<double>(screen.x), bottom + 0.0, 10, 10});
+    dock.setNumbers(window, "_NET_WM_WINDOW_TYPE", {dock.atom("_NET_WM_WINDOW_TYPE_DOCK")}, "ATOM");
+    const auto end = static_cast<std::uint32_t>(screen.x + screen.width - 1);
+    dock.setNumbers(window, "_NET_WM_STRUT_PARTIAL", {0, 0, 0, 100, 0, 0, 0, 0, 0, 0, 0, end},
+                    "CARDINAL");
+    dock.show(window);
+    ASSERT_TRUE(waitUntil([&] { return client.hasProperty(window, "WM_STATE"); }));
     startAndWaitFor(0.75);
     const auto popover = openPopover();
-    EXPECT_LE(popover.y + popover.height, find("tint2").value().y);
+    EXPECT_LE(popover.y + popover.height, bottom);
+    EXPECT_GE(popover.y + popover.height, bottom - 10) << "the popover should be next to the panel";
 }
 
 TEST_P(NoctaFaceTest, OnboardingClosedByItsTitleBarIsShownOnTheNextLaunch) {
