@@ -17,7 +17,7 @@ namespace nocta {
 namespace {
 
 const auto service = QStringLiteral("org.kde.ScreenBrightness");
-const auto path = QStringLiteral("/org/kde/ScreenBrightness");
+const auto servicePath = QStringLiteral("/org/kde/ScreenBrightness");
 const auto interface = service;
 const auto displayInterface = QStringLiteral("org.kde.ScreenBrightness.Display");
 const auto properties = QStringLiteral("org.freedesktop.DBus.Properties");
@@ -87,7 +87,7 @@ void ScreenBrightnessBacklight::follow(QDBusConnection bus) {
     for (const auto& signal :
          {QStringLiteral("DisplayAdded"), QStringLiteral("DisplayRemoved"),
           QStringLiteral("BrightnessChanged"), QStringLiteral("BrightnessRangeChanged")}) {
-        changes_.connect(bus, path, interface, signal);
+        changes_.connect(bus, servicePath, interface, signal);
     }
     restart();
 }
@@ -105,7 +105,7 @@ void ScreenBrightnessBacklight::proceed() {
         return;
     }
     if (!unread_.isEmpty()) {
-        readDisplay(path + '/' + unread_.takeFirst());
+        readDisplay(servicePath + '/' + unread_.takeFirst());
     } else if (panel_ && unsent_) {
         write(*std::exchange(unsent_, std::nullopt));
     } else if (isStale_) {
@@ -128,7 +128,7 @@ void ScreenBrightnessBacklight::write(float level) {
 void ScreenBrightnessBacklight::readNames() {
     isStale_ = false;
     internal_.clear();
-    auto call = callTo(path, properties, QStringLiteral("Get"));
+    auto call = callTo(servicePath, properties, QStringLiteral("Get"));
     call << interface << QStringLiteral("DisplaysDBusNames");
     send(call, [this](const QDBusMessage& reply) {
         const auto value =

@@ -130,7 +130,7 @@ const zwlr_layer_surface_v1_listener LayerSurface::listener = {
 
 LayerSurface::LayerSurface(const LayerShell& shell, QWidget& widget, const QScreen* screen,
                            const Style& style)
-    : widget_(widget), version_(shell.version_) {
+    : widget_(widget) {
     widget_.installEventFilter(this);
     const auto isStretched = [&](Qt::Edges edges) { return (style.edges & edges) == edges; };
     const auto fillsWidth = isStretched(Qt::LeftEdge | Qt::RightEdge);

@@ -79,7 +79,6 @@ private:
     static const zwlr_layer_surface_v1_listener listener;
 
     QWidget& widget_;
-    std::uint32_t version_;
     zwlr_layer_surface_v1* surface_ = nullptr;
 };
 

@@ -148,7 +148,9 @@ void WlrGammaOutput::updateManager() {
 }
 
 WlrGammaOutput::Control& WlrGammaOutput::controlOf(DisplayId display) {
-    auto& control = controls_.try_emplace(display, this, display).first->second;
+    auto& control = controls_[display];
+    control.output = this;
+    control.display = display;
     if (control.power == nullptr && powerManager_ != nullptr) {
         control.power = std::make_unique<WlrOutputPower>(powerManager_, displays_.outputOf(display),
                                                          [this, &control] { sendAgain(control); });

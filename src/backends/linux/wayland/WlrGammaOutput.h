@@ -45,8 +45,8 @@ public:
 private:
     /// An output's control object and its state.
     struct Control {
-        WlrGammaOutput* output;
-        DisplayId display;
+        WlrGammaOutput* output = nullptr;
+        DisplayId display{};
         zwlr_gamma_control_v1* object = nullptr;
         std::uint32_t size = 0; ///< entries for each channel; 0 until the compositor answers
         std::optional<TransferTables> tables; ///< the newest tables
