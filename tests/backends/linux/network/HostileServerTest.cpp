@@ -125,27 +125,29 @@ protected:
     UpdateService updater{
         runLoop, source, store, bundle, {.version = "2.36", .architecture = "arm64"}};
     QObject turns;
-    std::chrono::steady_clock::time_point turnStart = std::chrono::steady_clock::now();
-    std::chrono::nanoseconds processorTimeBefore = processorTime();
+    std::chrono::steady_clock::time_point turnStart;
+    std::chrono::nanoseconds processorTimeBefore{};
     std::chrono::nanoseconds longestTurn{};
     std::chrono::nanoseconds longestTurnWithWaits{}; ///< reported, but other programs affect it
 
     void SetUp() override {
         auto* const dispatcher = QAbstractEventDispatcher::instance();
-        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &turns, [this] {
-            turnStart = std::chrono::steady_clock::now();
-            processorTimeBefore = processorTime();
-        });
+        QObject::connect(dispatcher, &QAbstractEventDispatcher::awake, &turns,
+                         [this] { startTurn(); });
         QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, &turns, [this] {
-            const auto now = std::chrono::steady_clock::now();
             longestTurn = std::max(longestTurn, processorTime() - processorTimeBefore);
-            longestTurnWithWaits = std::max(longestTurnWithWaits, now - turnStart);
-            turnStart = now;
-            processorTimeBefore = processorTime();
+            longestTurnWithWaits =
+                std::max(longestTurnWithWaits, std::chrono::steady_clock::now() - turnStart);
+            startTurn();
         });
         updater.startUpdater([](const std::optional<std::string>& /*error*/) {});
         server.serve("appcast.xml", appcast("")); // so that everything has run before the attack
         EXPECT_EQ(attack(), "");
+    }
+
+    void startTurn() {
+        turnStart = std::chrono::steady_clock::now();
+        processorTimeBefore = processorTime();
     }
 
     /// Runs the event loop until the stage ends. Every progress may take some time.
@@ -170,6 +172,7 @@ protected:
         updater.dismiss();
         longestTurn = longestTurnWithWaits = {};
         const auto before = forgetPeak();
+        startTurn();
         updater.checkForUpdates();
         waitForEndOf<UpdateCheckInProgress>();
         if (std::holds_alternative<UpdateFound>(updater.stage.get())) {
