@@ -343,7 +343,7 @@ std::ptrdiff_t NoTrafficTest::linesIn(const Window& window) {
 
 /// Uses the two switches. The other controls are disabled, because this build has no update feed.
 void NoTrafficTest::useAbout() {
-    const auto memory = [&] { return contentOf(home.path() + "/.local/state/nocta/updates.json"); };
+    const auto memory = [&] { return contentOf(home.path() + "/.local/state/nocta/updates.conf"); };
     for (const auto* const name : {"automatic checks", "automatic downloads"}) {
         press({tab});
         change(name, memory, {space});
