@@ -153,6 +153,7 @@ constexpr std::array attempts = {
     Named{"client", connectToLoopback},
     Named{"readUserFile", [] { return openFile(file, O_RDONLY); }},
     Named{"writeUserFile", [] { return openFile(file, O_WRONLY); }},
+    Named{"truncateByOpening", [] { return openFile(file, O_ACCMODE | O_TRUNC); }},
     Named{"newUserFile", [] { return openFile(file + "3", O_WRONLY | O_CREAT); }},
     Named{"listUserFolder", [] { return openFile(file.substr(0, file.rfind('/')), O_RDONLY | O_DIRECTORY); }},
     Named{"processes", [] { return openFile("/proc/self/environ", O_RDONLY); }},

@@ -59,6 +59,7 @@ Transfer::Transfer(const nlohmann::json& request, DidReceiveData didReceiveData)
     if (const auto& body = request.at("body"); !body.is_null()) {
         body_ = body.get<std::string>();
         set(CURLOPT_POST, 1L);
+        set(CURLOPT_POSTREDIR, long{CURL_REDIR_POST_ALL}); // or the body would be lost
         set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body_.size()));
         set(CURLOPT_POSTFIELDS, body_.c_str());
     }

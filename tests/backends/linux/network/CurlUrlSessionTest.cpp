@@ -101,6 +101,10 @@ TEST_F(CurlUrlSessionTest, EncryptedRedirectIsFollowed) {
                              : "HTTP/1.1 200 OK\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
     };
     EXPECT_EQ(post(server.address()).statusCode, 200);
+    const auto second = server.request.find("POST /elsewhere ");
+    ASSERT_NE(second, std::string::npos) << server.request;
+    EXPECT_NE(server.request.find("hello", second), std::string::npos)
+        << "the message should not be lost";
 }
 
 TEST_F(CurlUrlSessionTest, UnencryptedRedirectIsRejected) {
