@@ -147,6 +147,8 @@ constexpr std::array attempts = {
     Named{"netlinkSocket", [] { return makeSocket(AF_NETLINK, SOCK_RAW); }},
     Named{"packetSocket", [] { return makeSocket(AF_PACKET, SOCK_RAW); }},
     Named{"vsock", [] { return makeSocket(AF_VSOCK, SOCK_STREAM); }},
+    Named{"multipathSocket", [] { return makeSocket(AF_INET, SOCK_STREAM, IPPROTO_MPTCP); }},
+    Named{"lightSocket", [] { return makeSocket(AF_INET, SOCK_DGRAM, IPPROTO_UDPLITE); }},
     Named{"tcpSocket", [] { return makeSocket(AF_INET, SOCK_STREAM); }},
     Named{"udpSocket", [] { return makeSocket(AF_INET6, SOCK_DGRAM); }},
     Named{"server", listenOnLoopback},

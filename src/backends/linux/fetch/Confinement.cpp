@@ -110,8 +110,16 @@ void allowSockets(SystemCallFilter& filter) {
     for (const auto* const name : socketCalls) {
         filter.allow(name);
     }
+    constexpr scmp_datum_t typeMask = 0xf;
     for (const auto family : {AF_INET, AF_INET6}) {
-        filter.allow("socket", {SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(family))});
+        for (const auto& [type, protocol] :
+             {std::pair{SOCK_STREAM, 0}, std::pair{SOCK_STREAM, int{IPPROTO_TCP}},
+              std::pair{SOCK_DGRAM, 0}, std::pair{SOCK_DGRAM, int{IPPROTO_UDP}}}) {
+            filter.allow("socket",
+                         {SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(family)),
+                          SCMP_A1(SCMP_CMP_MASKED_EQ, typeMask, static_cast<scmp_datum_t>(type)),
+                          SCMP_A2(SCMP_CMP_EQ, static_cast<scmp_datum_t>(protocol))});
+        }
     }
     // Other options could let a socket block the process that it is passed to.
     for (const auto& [level, option] :
@@ -122,7 +130,6 @@ void allowSockets(SystemCallFilter& filter) {
     }
     // The resolver's thread wakes the main thread through a pair. Datagram sockets could be
     // connected to another program afterward.
-    constexpr scmp_datum_t typeMask = 0xf;
     filter.allow("socketpair", {SCMP_A0(SCMP_CMP_EQ, AF_UNIX),
                                 SCMP_A1(SCMP_CMP_MASKED_EQ, typeMask, SOCK_STREAM)});
 }

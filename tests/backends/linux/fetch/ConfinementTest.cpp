@@ -70,7 +70,8 @@ const Names fileChanges = {"chmod",         "chmodAt",     "chown",        "attr
                            "rename",        "renameAt",    "linkAt",       "truncateByOpening",
                            "writeUserFile", "newUserFile", "newFile",      "writeHosts",
                            "newLink",       "newFolder",   "truncateOpen", "memoryFile"};
-const Names otherSockets = {"unixSocket", "datagramPair", "netlinkSocket", "packetSocket", "vsock"};
+const Names otherSockets = {"unixSocket", "datagramPair",    "netlinkSocket", "packetSocket",
+                            "vsock",      "multipathSocket", "lightSocket"};
 
 TEST_F(ConfinementTest, AttemptsSucceedWithoutConfinement) {
     expectOutcome(
